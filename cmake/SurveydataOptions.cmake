@@ -1,0 +1,31 @@
+# The options of the build: everything is on in a build of its own, off inside another project.
+option(SURVEYDATA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(SURVEYDATA_BUILD_TOOLS "Build the program surveydata" ${PROJECT_IS_TOP_LEVEL})
+option(SURVEYDATA_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
+option(SURVEYDATA_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
+set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers of the whole build, e.g. address,undefined")
+option(SURVEYDATA_COVERAGE "Instrument the build for coverage" OFF)
+
+if(PROJECT_IS_TOP_LEVEL)
+  if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+  endif()
+  set(CMAKE_CXX_EXTENSIONS OFF)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  if(SURVEYDATA_SANITIZE)
+    add_compile_options(-fsanitize=${SURVEYDATA_SANITIZE} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)
+    add_link_options(-fsanitize=${SURVEYDATA_SANITIZE})
+  endif()
+  if(SURVEYDATA_COVERAGE)
+    add_compile_options(--coverage -fprofile-abs-path)
+    add_link_options(--coverage)
+  endif()
+endif()
+
+# The warnings that every source of the project is free of.
+add_library(surveydata_warnings INTERFACE)
+target_compile_options(surveydata_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual $<$<BOOL:${SURVEYDATA_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -1,0 +1,35 @@
+# surveydata_test(<name> [INTERNAL] [PROPERTY] [LIBRARIES ...]): one test program from <name>.cpp.
+#
+# INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds RapidCheck,
+# with fixed parameters: another seed is a cache variable away.
+include(GoogleTest)
+find_package(GTest REQUIRED)
+find_package(rapidcheck REQUIRED)
+
+set(SURVEYDATA_PROPERTY_PARAMS "seed=20260101 max_success=1000"
+    CACHE STRING "RapidCheck parameters of the property tests")
+
+function(surveydata_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY" "" "LIBRARIES")
+  if(arg_INTERNAL)
+    set(library surveydata::surveydata_static)
+  else()
+    set(library surveydata::surveydata)
+  endif()
+  if(arg_PROPERTY)
+    set(label property)
+    list(APPEND arg_LIBRARIES rapidcheck rapidcheck_gtest)
+  else()
+    set(label unit)
+  endif()
+  add_executable(${name} ${name}.cpp)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE
+    SURVEYDATA_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data/")
+  target_link_libraries(${name} PRIVATE
+    ${library} ${arg_LIBRARIES} surveydata_warnings Boost::headers GTest::gtest_main)
+  gtest_discover_tests(${name}
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS ${label} TIMEOUT 600
+               ENVIRONMENT "RC_PARAMS=${SURVEYDATA_PROPERTY_PARAMS}")
+endfunction()

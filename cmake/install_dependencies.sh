@@ -1,0 +1,44 @@
+# Sourced by demo.sh and test.sh: install_dependencies PACKAGE... installs the Debian packages that
+# are missing. With none missing it is quick and says nothing.
+
+install_dependencies() {
+  if ! command -v dpkg-query >/dev/null 2>&1 || ! command -v apt-get >/dev/null 2>&1; then
+    echo "This system has no apt-get. Please install what these Debian 12 packages hold:" >&2
+    printf '  %s\n' "$@" >&2
+    echo "Going on in the hope that they are here." >&2
+    return 0
+  fi
+  local missing=()
+  local package
+  for package in "$@"; do
+    if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+      missing+=("$package")
+    fi
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null 2>&1; then
+      echo "Missing Debian packages, and neither root nor sudo to install them:" >&2
+      printf '  %s\n' "${missing[@]}" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "Installing with apt-get: ${missing[*]}" >&2
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update &&
+         "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+           apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}
+
+# What the library and the program need, and what the tests need besides.
+build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
+test_packages=(libbenchmark-dev libgtest-dev libicu-dev librapidcheck-dev)

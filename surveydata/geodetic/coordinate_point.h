@@ -1,0 +1,63 @@
+#ifndef SURVEYDATA_GEODETIC_COORDINATE_POINT_H_
+#define SURVEYDATA_GEODETIC_COORDINATE_POINT_H_
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API CoordinatePointC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::CoordinatePointC`.
+class SURVEYDATA_API CoordinatePointC : public API::ImplC<CoordinatePointC, SDI::CoordinatePointC> {
+ public:
+  using ImplC::ImplC;
+  CoordinatePointC() = default;
+  CoordinatePointC(double x, double y, double z);
+
+  double GetX() const;
+  void SetX(double x);
+  double GetY() const;
+  void SetY(double y);
+  double GetZ() const;
+  void SetZ(double z);
+
+  /// Whether X, Y and Z agree within the tolerance of `API::CompareWithTolerance`.
+  bool isEqual(const CoordinatePointC& other) const;
+
+ private:
+  double x_ = 0.0;
+  double y_ = 0.0;
+  double z_ = 0.0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// A point of three coordinates, in the unit and axes of the reference system that accompanies it
+/// (metres for Cartesian and grid systems). A new point is the origin. The point stores what it is
+/// given: no value is refused.
+class SURVEYDATA_API CoordinatePointC : public API::HandleC<ODM::CoordinatePointC> {
+ public:
+  using HandleC::HandleC;
+  CoordinatePointC() = default;
+  CoordinatePointC(double x, double y, double z);
+
+  double GetX() const;
+  void SetX(double x);
+  double GetY() const;
+  void SetY(double y);
+  double GetZ() const;
+  void SetZ(double z);
+
+  /// Whether each coordinate agrees within the tolerance of `API::CompareWithTolerance`: up to two
+  /// units in the last place of the larger value. NaN equals anything.
+  bool IsEqual(const CoordinatePointC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_COORDINATE_POINT_H_

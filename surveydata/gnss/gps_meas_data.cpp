@@ -1,0 +1,524 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <surveydata/gnss/gps_meas_data.h>
+#include <surveydata/object_model/compare.h>
+
+#if defined(_WIN32)
+#include <wchar.h>
+#endif
+
+namespace SDI {
+namespace {
+
+// Copies the fields of an antenna height, from or to the compact implementation too.
+template <class From, class To>
+void CopyAntennaHeight(const From& from, To& to) {
+  float height = 0.0F;
+  bool isVertical = true;
+  from.GetHeight(height, isVertical);
+  to.SetHeight(height, isVertical);
+  to.SetHorizontalOffset(from.GetHorizontalOffset());
+}
+
+bool CopyOut(bool present, GPSCounterPair pair, std::uint8_t& first, std::uint8_t& second) {
+  if (!present) return false;
+  first = pair.first;
+  second = pair.second;
+  return true;
+}
+
+#if defined(_WIN32)
+// The runtime's checked copy reports the refusal: by `errno` and its invalid-parameter handler.
+template <std::size_t N>
+void Refuse(char16_t (&field)[N], const char16_t* text) {
+  static_assert(sizeof(wchar_t) == sizeof(char16_t));
+  wcsncpy_s(reinterpret_cast<wchar_t*>(field), N, reinterpret_cast<const wchar_t*>(text), N);
+}
+#else
+template <std::size_t N>
+void Refuse(char16_t (&field)[N], const char16_t* text) {
+  field[0] = 0;
+  errno = text == nullptr ? EINVAL : ERANGE;
+}
+#endif
+
+template <std::size_t N>
+void SetText(char16_t (&field)[N], const char16_t* text) {
+  std::size_t length = 0;
+  while (text != nullptr && length < N && text[length] != 0) ++length;
+  if (text == nullptr || length == N) {
+    Refuse(field, text);
+  } else {
+    std::memmove(field, text, (length + 1) * sizeof(char16_t));
+  }
+}
+
+}  // namespace
+
+bool GPSListBlock::isEqual(const GPSListBlock& other) const {
+  const auto* const end = entries + std::min(count, kCapacity);
+  return head == other.head && count == other.count && std::equal(entries, end, other.entries);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+Vorlin::TimeC GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTimeA() const {
+  return timeA_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTimeA(const Vorlin::TimeC& time) {
+  timeA_ = time;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+Vorlin::TimeC GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTimeB() const {
+  return timeB_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTimeB(const Vorlin::TimeC& time) {
+  timeB_ = time;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSetMask() const {
+  return setMask_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStatusMask() const {
+  return statusMask_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit0() const {
+  return HasStatus(kStatusBit0);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit1() const {
+  return HasStatus(kStatusBit1);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit2() const {
+  return HasStatus(kStatusBit2);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit3() const {
+  return HasStatus(kStatusBit3);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit0() {
+  Raise(0, kStatusBit0);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit1() {
+  Raise(0, kStatusBit1);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit2() {
+  Raise(0, kStatusBit2);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit3() {
+  Raise(0, kStatusBit3);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem1Used() const {
+  return !HasSet(kHasSystems) || HasStatus(kSystem1);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem2Used() const {
+  return HasSet(kHasSystems) && HasStatus(kSystem2);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem3Used() const {
+  return HasSet(kHasSystems) && HasStatus(kSystem3);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+const AntHeight& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight() const {
+  return antennaHeight_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+AntHeight& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight() {
+  return antennaHeight_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight(
+    GPSAntHeightC& antennaHeight) const {
+  GPSAntHeightImplC* const to = antennaHeight.GetImpl();
+  if (to == nullptr || !HasSet(kHasAntennaHeight)) return false;
+  CopyAntennaHeight(antennaHeight_, *to);
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetAntennaHeight(
+    const AntHeight& antennaHeight) {
+  antennaHeight_ = antennaHeight;
+  Raise(kHasAntennaHeight);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetAntennaHeight(
+    const GPSAntHeightC& antennaHeight) {
+  const GPSAntHeightImplC* const from = antennaHeight.GetImpl();
+  if (from == nullptr) return;
+  CopyAntennaHeight(*from, antennaHeight_);
+  Raise(kHasAntennaHeight);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+std::uint8_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetValueCount() const {
+  return valueCount_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetValue(std::uint8_t index) const {
+  return index < valueCount_ ? values_[index] : std::uint16_t{0};
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetValues(const std::uint16_t* values,
+                                                                 std::uint8_t count) {
+  const std::size_t kept = values != nullptr ? std::min<std::size_t>(count, values_.size()) : 0;
+  std::copy_n(values, kept, values_.begin());
+  valueCount_ = static_cast<std::uint8_t>(kept);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+const DOPs& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs() const {
+  return dops_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+DOPs& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs() {
+  return dops_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs(GPSDOPsC& dops) const {
+  GPSDOPsImplC* const to = dops.GetImpl();
+  if (to == nullptr || !HasSet(kHasDOPs)) return false;
+  *to = GPSDOPsImplC(dops_.GetHDOPTenths(), dops_.GetVDOPTenths(), dops_.GetTDOPTenths());
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetHDOP(double& hdop) const {
+  if (!HasSet(kHasDOPs)) return false;
+  hdop = dops_.GetHDOP();
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetPDOP(double& pdop) const {
+  if (!HasSet(kHasDOPs)) return false;
+  pdop = dops_.GetPDOP();
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetDOPs(const DOPs& dops) {
+  dops_ = dops;
+  Raise(kHasDOPs);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetWord16(std::uint16_t& word) const {
+  if (!HasSet(kHasWord16)) return false;
+  word = word16_;
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetWord16(std::uint16_t word) {
+  word16_ = word;
+  Raise(kHasWord16);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTotalPair(std::uint8_t& first,
+                                                                    std::uint8_t& second) const {
+  return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTotalPair(std::uint8_t first,
+                                                                    std::uint8_t second) {
+  totalPair_ = {first, second};
+  Raise(kHasTotalPair);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem1Pair(std::uint8_t& first,
+                                                                      std::uint8_t& second) const {
+  if (!HasSet(kHasSystems)) return GetTotalPair(first, second);
+  return CopyOut(HasStatus(kSystem1), system1Pair_, first, second);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem1Pair(std::uint8_t first,
+                                                                      std::uint8_t second) {
+  system1Pair_ = {first, second};
+  Raise(kHasSystems, kSystem1);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem2Pair(std::uint8_t& first,
+                                                                      std::uint8_t& second) const {
+  return CopyOut(IsSystem2Used(), system2Pair_, first, second);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem2Pair(std::uint8_t first,
+                                                                      std::uint8_t second) {
+  SetLaterSystem(system2Pair_, kSystem2, {first, second});
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem3Pair(std::uint8_t& first,
+                                                                      std::uint8_t& second) const {
+  return CopyOut(IsSystem3Used(), system3Pair_, first, second);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem3Pair(std::uint8_t first,
+                                                                      std::uint8_t second) {
+  SetLaterSystem(system3Pair_, kSystem3, {first, second});
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetVector(double (&vector)[3]) const {
+  if (!HasSet(kHasVector)) return false;
+  std::copy(vector_.begin(), vector_.end(), vector);
+  return true;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetVector(const double (&vector)[3]) {
+  std::copy_n(vector, vector_.size(), vector_.begin());
+  Raise(kHasVector);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::isEqual(const Self& other) const {
+  return API::EqualFields<GPSMeasFieldsC>(
+      *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_, &GPSMeasFieldsC::extraTime_,
+      &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_, &GPSMeasFieldsC::antennaHeight_,
+      &GPSMeasFieldsC::valueCount_, &GPSMeasFieldsC::values_, &GPSMeasFieldsC::dops_,
+      &GPSMeasFieldsC::word16_, &GPSMeasFieldsC::totalPair_, &GPSMeasFieldsC::system1Pair_,
+      &GPSMeasFieldsC::system2Pair_, &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::Raise(std::uint16_t setBits,
+                                                             std::uint16_t statusBits) {
+  setMask_ = static_cast<std::uint16_t>(setMask_ | setBits);
+  statusMask_ = static_cast<std::uint16_t>(statusMask_ | statusBits);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::Clear(std::uint16_t setBits) {
+  setMask_ = static_cast<std::uint16_t>(setMask_ & ~setBits);
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::ResetFields() {
+  setMask_ = 0;
+  statusMask_ = 0;
+  valueCount_ = 0;
+  values_ = {};
+  word16_ = 0;
+  totalPair_ = {};
+  system1Pair_ = {};
+  system2Pair_ = {};
+  system3Pair_ = {};
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetLaterSystem(GPSCounterPair& pair,
+                                                                      std::uint16_t system,
+                                                                      GPSCounterPair value) {
+  pair = value;
+  if (value.second != 0 || Self::kRaisesForZero) Raise(kHasSystems, system);
+}
+
+template class GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime>;
+template class GPSMeasFieldsC<ODM::GPSMeasDataC, ODM::GPSAntHeightC, ODM::GPSDOPsC, GPSNoExtraTime>;
+
+std::uint8_t GPSMeasDataImplC::GetExtraTimeCount() const { return extraTime_.count; }
+
+bool GPSMeasDataImplC::GetExtraTime(std::uint16_t& week, std::int32_t& timeOfWeek) const {
+  if (extraTime_.count == 0) return false;
+  week = static_cast<std::uint16_t>(extraTime_.week);
+  timeOfWeek = extraTime_.timeOfWeek;
+  return true;
+}
+
+void GPSMeasDataImplC::SetExtraTime(std::uint16_t week, std::int32_t timeOfWeek) {
+  extraTime_ = {1, week, timeOfWeek};
+}
+
+std::uint8_t GPSMeasDataImplC::GetFlagA() const { return flagA_; }
+void GPSMeasDataImplC::SetFlagA(std::uint8_t flag) { flagA_ = flag; }
+std::uint32_t GPSMeasDataImplC::GetValueB() const { return valueB_; }
+void GPSMeasDataImplC::SetValueB(std::uint32_t value) { valueB_ = value; }
+bool GPSMeasDataImplC::IsValueCSet() const { return HasSet(kHasValueC); }
+std::uint32_t GPSMeasDataImplC::GetValueC() const { return valueC_; }
+void GPSMeasDataImplC::SetValueC(std::uint32_t value) {
+  valueC_ = value;
+  if (value != 0) {
+    Raise(kHasValueC);
+  } else {
+    Clear(kHasValueC);
+  }
+}
+const char16_t* GPSMeasDataImplC::GetTextA() const { return textA_; }
+void GPSMeasDataImplC::SetTextA(const char16_t* text) { SetText(textA_, text); }
+bool GPSMeasDataImplC::HasTextA() const { return textA_[0] != 0; }
+const char16_t* GPSMeasDataImplC::GetTextB() const { return textB_; }
+void GPSMeasDataImplC::SetTextB(const char16_t* text) { SetText(textB_, text); }
+bool GPSMeasDataImplC::HasTextB() const { return textB_[0] != 0; }
+std::int32_t GPSMeasDataImplC::GetValueD() const { return valueD_; }
+void GPSMeasDataImplC::SetValueD(std::int32_t value) { valueD_ = value; }
+const char16_t* GPSMeasDataImplC::GetTextC() const { return textC_; }
+void GPSMeasDataImplC::SetTextC(const char16_t* text) { SetText(textC_, text); }
+bool GPSMeasDataImplC::HasTextC() const { return textC_[0] != 0; }
+std::uint8_t GPSMeasDataImplC::GetFlagE() const { return flagE_; }
+void GPSMeasDataImplC::SetFlagE(std::uint8_t flag) { flagE_ = flag; }
+const char16_t* GPSMeasDataImplC::GetTextD() const { return textD_; }
+void GPSMeasDataImplC::SetTextD(const char16_t* text) { SetText(textD_, text); }
+bool GPSMeasDataImplC::HasTextD() const { return textD_[0] != 0; }
+std::uint8_t GPSMeasDataImplC::GetValueF() const { return valueF_; }
+void GPSMeasDataImplC::SetValueF(std::uint8_t value) { valueF_ = value; }
+std::int32_t GPSMeasDataImplC::GetValueG() const { return valueG_; }
+void GPSMeasDataImplC::SetValueG(std::int32_t value) { valueG_ = value; }
+bool GPSMeasDataImplC::HasValueH() const { return HasSet(kHasValueH); }
+std::uint16_t GPSMeasDataImplC::GetValueH() const { return valueH_; }
+void GPSMeasDataImplC::SetValueH(std::uint16_t value) {
+  valueH_ = value;
+  Raise(kHasValueH);
+}
+bool GPSMeasDataImplC::HasValueI() const { return HasSet(kHasValueI); }
+std::uint16_t GPSMeasDataImplC::GetValueI() const { return valueI_; }
+void GPSMeasDataImplC::SetValueI(std::uint16_t value) {
+  valueI_ = value;
+  Raise(kHasValueI);
+}
+bool GPSMeasDataImplC::HasListBlock() const { return HasSet(kHasListBlock); }
+const GPSListBlock* GPSMeasDataImplC::GetListBlock() const { return &listBlock_; }
+void GPSMeasDataImplC::SetListBlock(const GPSListBlock& list) {
+  listBlock_ = list;
+  Raise(kHasListBlock);
+}
+
+void GPSMeasDataImplC::Reset() {
+  ResetFields();
+  extraTime_ = {};
+  flagA_ = 0;
+  valueB_ = 0;
+  valueC_ = 0;
+  std::ranges::fill(textA_, u'\0');
+  std::ranges::fill(textB_, u'\0');
+  valueD_ = 0;
+  std::ranges::fill(textC_, u'\0');
+  flagE_ = 0;
+  std::ranges::fill(textD_, u'\0');
+  valueF_ = 0;
+  valueG_ = 0;
+  valueH_ = 0;
+  valueI_ = 0;
+  listBlock_ = {};
+}
+
+bool GPSMeasDataImplC::isEqual(const GPSMeasDataImplC& other) const {
+  return GPSMeasFieldsC::isEqual(other) &&
+         API::EqualFields(
+             *this, other, &GPSMeasDataImplC::flagA_, &GPSMeasDataImplC::valueB_,
+             &GPSMeasDataImplC::valueC_, &GPSMeasDataImplC::textA_, &GPSMeasDataImplC::textB_,
+             &GPSMeasDataImplC::valueD_, &GPSMeasDataImplC::textC_, &GPSMeasDataImplC::flagE_,
+             &GPSMeasDataImplC::textD_, &GPSMeasDataImplC::valueF_, &GPSMeasDataImplC::valueG_,
+             &GPSMeasDataImplC::valueH_, &GPSMeasDataImplC::valueI_, &GPSMeasDataImplC::listBlock_);
+}
+
+Vorlin::TimeC GPSMeasDataC::GetTimeA() const {
+  return Ask(&GPSMeasDataImplC::GetTimeA, Vorlin::TimeC());
+}
+Vorlin::TimeC GPSMeasDataC::GetTimeB() const {
+  return Ask(&GPSMeasDataImplC::GetTimeB, Vorlin::TimeC());
+}
+bool GPSMeasDataC::IsStatusBit0() const { return Ask(&GPSMeasDataImplC::IsStatusBit0, false); }
+bool GPSMeasDataC::IsStatusBit1() const { return Ask(&GPSMeasDataImplC::IsStatusBit1, false); }
+bool GPSMeasDataC::IsStatusBit2() const { return Ask(&GPSMeasDataImplC::IsStatusBit2, false); }
+bool GPSMeasDataC::IsStatusBit3() const { return Ask(&GPSMeasDataImplC::IsStatusBit3, false); }
+bool GPSMeasDataC::IsSystem1Used() const { return Ask(&GPSMeasDataImplC::IsSystem1Used, false); }
+bool GPSMeasDataC::IsSystem2Used() const { return Ask(&GPSMeasDataImplC::IsSystem2Used, false); }
+
+bool GPSMeasDataC::GetAntennaHeight(GPSAntHeightC& antennaHeight) const {
+  const auto* const impl = GetImpl();
+  return impl != nullptr && impl->GetAntennaHeight(antennaHeight);
+}
+
+void GPSMeasDataC::SetAntennaHeight(const GPSAntHeightC& antennaHeight) {
+  if (auto* const impl = GetImpl()) impl->SetAntennaHeight(antennaHeight);
+}
+
+std::uint8_t GPSMeasDataC::GetValueCount() const {
+  return Ask(&GPSMeasDataImplC::GetValueCount, 0);
+}
+std::uint16_t GPSMeasDataC::GetValue(std::uint8_t index) const {
+  return Ask(&GPSMeasDataImplC::GetValue, 0, index);
+}
+void GPSMeasDataC::SetValues(const std::uint16_t* values, std::uint8_t count) {
+  Tell(&GPSMeasDataImplC::SetValues, values, count);
+}
+
+bool GPSMeasDataC::GetDOPs(GPSDOPsC& dops) const {
+  const auto* const impl = GetImpl();
+  return impl != nullptr && impl->GetDOPs(dops);
+}
+
+bool GPSMeasDataC::GetWord16(std::uint16_t& word) const {
+  return Ask(&GPSMeasDataImplC::GetWord16, false, word);
+}
+
+bool GPSMeasDataC::GetTotalPair(std::uint8_t& first, std::uint8_t& second) const {
+  return Ask(&GPSMeasDataImplC::GetTotalPair, false, first, second);
+}
+bool GPSMeasDataC::GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return Ask(&GPSMeasDataImplC::GetSystem1Pair, false, first, second);
+}
+bool GPSMeasDataC::GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return Ask(&GPSMeasDataImplC::GetSystem2Pair, false, first, second);
+}
+bool GPSMeasDataC::GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return Ask(&GPSMeasDataImplC::GetSystem3Pair, false, first, second);
+}
+bool GPSMeasDataC::GetVector(double (&vector)[3]) const {
+  return Ask(&GPSMeasDataImplC::GetVector, false, vector);
+}
+
+std::uint8_t GPSMeasDataC::GetFlagA() const { return Ask(&GPSMeasDataImplC::GetFlagA, 0); }
+std::uint32_t GPSMeasDataC::GetValueB() const { return Ask(&GPSMeasDataImplC::GetValueB, 0); }
+bool GPSMeasDataC::IsValueCSet() const { return Ask(&GPSMeasDataImplC::IsValueCSet, false); }
+std::uint32_t GPSMeasDataC::GetValueC() const { return Ask(&GPSMeasDataImplC::GetValueC, 0); }
+std::uint8_t GPSMeasDataC::GetFlagE() const { return Ask(&GPSMeasDataImplC::GetFlagE, 0); }
+
+bool GPSMeasDataC::IsEqual(const GPSMeasDataC& other) const { return AreBothEqual(other); }
+
+}  // namespace SDI

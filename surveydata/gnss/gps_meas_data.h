@@ -1,0 +1,353 @@
+#ifndef SURVEYDATA_GNSS_GPS_MEAS_DATA_H_
+#define SURVEYDATA_GNSS_GPS_MEAS_DATA_H_
+
+#include <array>
+#include <concepts>
+#include <cstdint>
+#include <type_traits>
+
+#include <surveydata/gnss/gps_ant_height.h>
+#include <surveydata/gnss/gps_dops.h>
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+#include <surveydata/platform/vorlin_time.h>
+
+namespace SDI {
+class SURVEYDATA_API GPSMeasDataC;
+
+/// Two counters of satellites: those in view and those used, say.
+struct GPSCounterPair {
+  std::uint8_t first = 0;
+  std::uint8_t second = 0;
+
+  bool operator==(const GPSCounterPair&) const = default;
+};
+
+/// A further time of a measurement, when there is one.
+struct GPSExtraTime {
+  std::uint8_t count = 0;
+  std::uint32_t week = 0;  ///< Holds a 16-bit value.
+  std::int32_t timeOfWeek = 0;
+
+  bool operator==(const GPSExtraTime&) const = default;
+};
+
+/// Stands where a measurement has no room for a further time.
+struct GPSNoExtraTime {
+  bool operator==(const GPSNoExtraTime&) const = default;
+};
+
+/// A list of up to 31 entries with a head value. Entries behind the count carry no meaning.
+struct SURVEYDATA_API GPSListBlock {
+  static constexpr std::uint8_t kCapacity = 31;
+
+  std::uint16_t head = 0;
+  std::uint8_t count = 0;
+  std::uint16_t entries[kCapacity] = {};
+
+  /// Whether head, count and the entries up to the count agree.
+  bool isEqual(const GPSListBlock& other) const;
+};
+static_assert(sizeof(GPSListBlock) == 66);
+
+/// What the full and the compact implementation of a measurement share.
+///
+/// Optional fields carry a bit in the set mask, raised by their setters. A getter of such a field
+/// answers false and leaves its outputs alone while the bit is clear.
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> {
+ public:
+  // Bits of the set mask.
+  static constexpr std::uint16_t kHasAntennaHeight = 0x0002;
+  static constexpr std::uint16_t kHasDOPs = 0x0004;
+  static constexpr std::uint16_t kHasTotalPair = 0x0008;
+  static constexpr std::uint16_t kHasVector = 0x0010;
+  static constexpr std::uint16_t kHasWord16 = 0x0020;
+  static constexpr std::uint16_t kHasSystems = 0x0040;
+  static constexpr std::uint16_t kHasValueC = 0x0080;
+  static constexpr std::uint16_t kHasValueH = 0x0100;
+  static constexpr std::uint16_t kHasValueI = 0x0200;
+  static constexpr std::uint16_t kHasListBlock = 0x0400;
+  // Bits of the status mask.
+  static constexpr std::uint16_t kStatusBit0 = 0x0001;
+  static constexpr std::uint16_t kStatusBit1 = 0x0002;
+  static constexpr std::uint16_t kStatusBit2 = 0x0004;
+  static constexpr std::uint16_t kStatusBit3 = 0x0008;
+  static constexpr std::uint16_t kSystem1 = 0x0010;
+  static constexpr std::uint16_t kSystem2 = 0x0020;
+  static constexpr std::uint16_t kSystem3 = 0x0040;
+
+  using API::ImplC<Self, GPSMeasDataC>::ImplC;
+  GPSMeasFieldsC() = default;
+
+  Vorlin::TimeC GetTimeA() const;
+  void SetTimeA(const Vorlin::TimeC& time);
+  Vorlin::TimeC GetTimeB() const;
+  void SetTimeB(const Vorlin::TimeC& time);
+
+  std::uint16_t GetSetMask() const;
+  std::uint16_t GetStatusMask() const;
+  bool IsStatusBit0() const;
+  bool IsStatusBit1() const;
+  bool IsStatusBit2() const;
+  bool IsStatusBit3() const;
+  /// Status bits are raised here and cleared by nothing but `Reset` of the full implementation.
+  void SetStatusBit0();
+  void SetStatusBit1();
+  void SetStatusBit2();
+  void SetStatusBit3();
+
+  /// Without information per system, system 1 counts as used and the others do not.
+  bool IsSystem1Used() const;
+  bool IsSystem2Used() const;
+  bool IsSystem3Used() const;
+
+  /// The held antenna height, whether it is set or not.
+  const AntHeight& GetAntennaHeight() const;
+  AntHeight& GetAntennaHeight();
+  bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
+  void SetAntennaHeight(const AntHeight& antennaHeight);
+  /// Does nothing when `antennaHeight` has no implementation of its class.
+  void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
+
+  std::uint8_t GetValueCount() const;
+  /// 0 behind the count.
+  std::uint16_t GetValue(std::uint8_t index) const;
+  /// Keeps the first two of `count` values; none when `values` is null.
+  void SetValues(const std::uint16_t* values, std::uint8_t count);
+
+  /// The held dilutions of precision, whether they are set or not.
+  const DOPs& GetDOPs() const;
+  DOPs& GetDOPs();
+  bool GetDOPs(GPSDOPsC& dops) const;
+  bool GetHDOP(double& hdop) const;
+  bool GetPDOP(double& pdop) const;
+  void SetDOPs(const DOPs& dops);
+
+  bool GetWord16(std::uint16_t& word) const;
+  void SetWord16(std::uint16_t word);
+
+  bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
+  void SetTotalPair(std::uint8_t first, std::uint8_t second);
+  /// The pair of system 1; without information per system, the total pair.
+  bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
+  void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
+  bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
+  /// Stores the pair. Whether a pair whose second value is 0 counts as present is where the full
+  /// and the compact implementation differ: `Self::kRaisesForZero`.
+  void SetSystem2Pair(std::uint8_t first, std::uint8_t second);
+  bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
+  void SetSystem3Pair(std::uint8_t first, std::uint8_t second);
+
+  bool GetVector(double (&vector)[3]) const;
+  void SetVector(const double (&vector)[3]);
+
+  bool isEqual(const Self& other) const;
+
+ protected:
+  bool HasSet(std::uint16_t bit) const { return (setMask_ & bit) != 0; }
+  bool HasStatus(std::uint16_t bit) const { return (statusMask_ & bit) != 0; }
+  void Raise(std::uint16_t setBits, std::uint16_t statusBits = 0);
+  void Clear(std::uint16_t setBits);
+  /// Clears the masks, the values, word16 and the pairs, and leaves the other fields.
+  void ResetFields();
+
+ private:
+  void SetLaterSystem(GPSCounterPair& pair, std::uint16_t system, GPSCounterPair value);
+
+  Vorlin::TimeC timeA_;
+  Vorlin::TimeC timeB_;
+
+ protected:
+  [[no_unique_address]] ExtraTime extraTime_;
+
+ private:
+  std::uint16_t setMask_ = 0;
+  std::uint16_t statusMask_ = 0;
+  AntHeight antennaHeight_;
+  std::uint8_t valueCount_ = 0;
+  std::array<std::uint16_t, 2> values_ = {};
+  DOPs dops_;
+  std::uint16_t word16_ = 0;
+  GPSCounterPair totalPair_;
+  GPSCounterPair system1Pair_;
+  GPSCounterPair system2Pair_;
+  GPSCounterPair system3Pair_;
+  std::array<double, 3> vector_ = {};
+};
+}  // namespace SDI
+
+namespace ODM {
+class SURVEYDATA_API GPSMeasDataC;
+}
+namespace SDI {
+class SURVEYDATA_API GPSMeasDataImplC;
+extern template class SURVEYDATA_API
+    GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime>;
+extern template class SURVEYDATA_API
+    GPSMeasFieldsC<ODM::GPSMeasDataC, ODM::GPSAntHeightC, ODM::GPSDOPsC, GPSNoExtraTime>;
+
+/// The data of a `GPSMeasDataC`, and the record that a frame of a record file is read into.
+///
+/// The texts are bounded arrays of 16-bit units. A setter takes texts of up to 79 units (text D:
+/// 29); a longer or missing one is refused: it empties the field and is reported through the C
+/// runtime, by `errno` ERANGE or EINVAL and, where the runtime has one, its invalid-parameter
+/// handler.
+class SURVEYDATA_API GPSMeasDataImplC
+    : public GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime> {
+ public:
+  /// A pair of system 2 or 3 whose second value is 0 is stored but not present.
+  static constexpr bool kRaisesForZero = false;
+  /// Units of a text, with the terminator.
+  static constexpr std::size_t kTextUnits = 80;
+  static constexpr std::size_t kTextDUnits = 30;
+
+  using GPSMeasFieldsC::GPSMeasFieldsC;
+
+  /// Whether there is a further time: 0 or 1.
+  std::uint8_t GetExtraTimeCount() const;
+  /// False, with the outputs untouched, when there is no further time.
+  bool GetExtraTime(std::uint16_t& week, std::int32_t& timeOfWeek) const;
+  void SetExtraTime(std::uint16_t week, std::int32_t timeOfWeek);
+
+  std::uint8_t GetFlagA() const;
+  void SetFlagA(std::uint8_t flag);
+  std::uint32_t GetValueB() const;
+  void SetValueB(std::uint32_t value);
+  /// Whether value C is other than 0.
+  bool IsValueCSet() const;
+  std::uint32_t GetValueC() const;
+  void SetValueC(std::uint32_t value);
+  const char16_t* GetTextA() const;
+  void SetTextA(const char16_t* text);
+  bool HasTextA() const;
+  const char16_t* GetTextB() const;
+  void SetTextB(const char16_t* text);
+  bool HasTextB() const;
+  std::int32_t GetValueD() const;
+  void SetValueD(std::int32_t value);
+  const char16_t* GetTextC() const;
+  void SetTextC(const char16_t* text);
+  bool HasTextC() const;
+  std::uint8_t GetFlagE() const;
+  void SetFlagE(std::uint8_t flag);
+  const char16_t* GetTextD() const;
+  void SetTextD(const char16_t* text);
+  bool HasTextD() const;
+  std::uint8_t GetValueF() const;
+  void SetValueF(std::uint8_t value);
+  std::int32_t GetValueG() const;
+  void SetValueG(std::int32_t value);
+  bool HasValueH() const;
+  std::uint16_t GetValueH() const;
+  void SetValueH(std::uint16_t value);
+  bool HasValueI() const;
+  std::uint16_t GetValueI() const;
+  void SetValueI(std::uint16_t value);
+  bool HasListBlock() const;
+  const GPSListBlock* GetListBlock() const;
+  void SetListBlock(const GPSListBlock& list);
+
+  /// Clears every field but the times A and B, the vector, the antenna height and the dilutions
+  /// of precision; of those, all but the times become absent.
+  void Reset();
+
+  /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
+  /// terminator, the list up to its count.
+  bool isEqual(const GPSMeasDataImplC& other) const;
+
+ private:
+  std::uint8_t flagA_ = 0;
+  std::uint32_t valueB_ = 0;
+  std::uint32_t valueC_ = 0;
+  char16_t textA_[kTextUnits] = {};
+  char16_t textB_[kTextUnits] = {};
+  std::int32_t valueD_ = 0;
+  char16_t textC_[kTextUnits] = {};
+  std::uint8_t flagE_ = 0;
+  char16_t textD_[kTextDUnits] = {};
+  std::uint8_t valueF_ = 0;
+  std::int32_t valueG_ = 0;
+  std::uint16_t valueH_ = 0;
+  std::uint16_t valueI_ = 0;
+  GPSListBlock listBlock_;
+};
+}  // namespace SDI
+
+namespace ODM {
+/// The compact record of a measurement: times, masks, antenna height, values, dilutions of
+/// precision, counters and vector. A public object made by its `GetBase()` finds no implementation
+/// of its own class and answers accordingly.
+class SURVEYDATA_API GPSMeasDataC
+    : public SDI::GPSMeasFieldsC<GPSMeasDataC, GPSAntHeightC, GPSDOPsC, SDI::GPSNoExtraTime> {
+ public:
+  /// A pair of system 2 or 3 is present once it is stored.
+  static constexpr bool kRaisesForZero = true;
+
+  using GPSMeasFieldsC::GPSMeasFieldsC;
+};
+}  // namespace ODM
+
+namespace SDI {
+
+/// One GNSS measurement: times, status, antenna height, dilutions of precision, satellite counters
+/// and a vector. Most fields are optional: their getters answer false and leave the outputs alone
+/// while the field is not set.
+///
+/// Without an implementation of its class, getters answer 0 and false and setters do nothing.
+class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
+ public:
+  using HandleC::HandleC;
+  GPSMeasDataC() = default;
+  /// Takes ownership of an implementation that this class does not read.
+  template <std::same_as<ODM::GPSMeasDataC> Compact>
+  explicit GPSMeasDataC(Compact* impl) : HandleC(nullptr) {
+    SetImpl(impl);
+  }
+
+  Vorlin::TimeC GetTimeA() const;
+  Vorlin::TimeC GetTimeB() const;
+
+  bool IsStatusBit0() const;
+  bool IsStatusBit1() const;
+  bool IsStatusBit2() const;
+  bool IsStatusBit3() const;
+  /// Without information per system, system 1 counts as used and system 2 does not.
+  bool IsSystem1Used() const;
+  bool IsSystem2Used() const;
+
+  bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
+  /// Does nothing when `antennaHeight` has no implementation of its class.
+  void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
+
+  std::uint8_t GetValueCount() const;
+  /// 0 behind the count.
+  std::uint16_t GetValue(std::uint8_t index) const;
+  /// Keeps the first two of `count` values; none when `values` is null.
+  void SetValues(const std::uint16_t* values, std::uint8_t count);
+
+  bool GetDOPs(GPSDOPsC& dops) const;
+  bool GetWord16(std::uint16_t& word) const;
+
+  bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
+  /// The pair of system 1; without information per system, the total pair.
+  bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
+  bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
+  bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
+
+  bool GetVector(double (&vector)[3]) const;
+
+  std::uint8_t GetFlagA() const;
+  std::uint32_t GetValueB() const;
+  /// Whether value C is other than 0.
+  bool IsValueCSet() const;
+  std::uint32_t GetValueC() const;
+  std::uint8_t GetFlagE() const;
+
+  /// False when either side has no implementation.
+  bool IsEqual(const GPSMeasDataC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GNSS_GPS_MEAS_DATA_H_

@@ -1,0 +1,49 @@
+#include <utility>
+
+#include <surveydata/object_model/base.h>
+
+namespace API {
+
+BaseC::BaseC(const BaseC& /*other*/) noexcept {}
+
+BaseC::BaseC(ImplObjectC* impl) { BaseC::SetImpl(impl); }
+
+BaseC::~BaseC() {
+  if (impl_ == nullptr) return;
+  impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
+  delete std::exchange(impl_, nullptr);
+}
+
+void BaseC::SetImpl(ImplObjectC* impl) {
+  if (impl == impl_) return;
+  impl_ = impl;
+  if (impl != nullptr) impl->SetBase(this);
+}
+
+ImplObjectC::ImplObjectC(const ImplObjectC& /*other*/) noexcept {}
+
+ImplObjectC::~ImplObjectC() {
+  if (owner_ == nullptr) return;
+  owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
+  delete std::exchange(owner_, nullptr);
+}
+
+ImplObjectC& ImplObjectC::operator=(const ImplObjectC& /*other*/) noexcept { return *this; }
+
+BaseC* ImplObjectC::GetBase() { return owner_; }
+
+void ImplObjectC::SetBase(BaseC* owner) {
+  BaseC* const old = owner_;
+  if (old != nullptr && old != owner) {
+    old->impl_ = nullptr;
+    delete old;
+  }
+  owner_ = owner;
+}
+
+void ImplObjectC::DetachBase() noexcept {
+  if (owner_ != nullptr) owner_->impl_ = nullptr;
+  owner_ = nullptr;
+}
+
+}  // namespace API

@@ -1,0 +1,72 @@
+#ifndef SURVEYDATA_OBJECT_MODEL_BASE_H_
+#define SURVEYDATA_OBJECT_MODEL_BASE_H_
+
+#include <surveydata/object_model/export.h>
+
+namespace API {
+
+class SURVEYDATA_API ImplObjectC;
+
+/// The base of every public object: a thin handle to one implementation object.
+///
+/// While the link stands, each side owns the other: destroying either destroys both. Nothing is
+/// counted and nothing is locked.
+class SURVEYDATA_API BaseC {
+ public:
+  /// A handle without an implementation.
+  BaseC() noexcept = default;
+  /// A handle without an implementation: a copy never shares the one of `other`.
+  BaseC(const BaseC& other) noexcept;
+  /// Links to `impl` as `SetImpl` does.
+  explicit BaseC(ImplObjectC* impl);
+  /// Unlinks the implementation, then deletes it.
+  virtual ~BaseC();
+
+  /// Copies the pointer alone and touches no link. Public classes copy data instead.
+  BaseC& operator=(const BaseC& other) noexcept = default;
+
+  /// Links to `impl`; a public object that owned `impl` before is deleted. Null unlinks nothing:
+  /// the implementation that was linked before keeps this object as its owner and is not deleted.
+  /// Whoever replaces an implementation disposes of the old one.
+  virtual void SetImpl(ImplObjectC* impl);
+
+  /// The linked implementation, or null.
+  ImplObjectC* GetImpl() const noexcept { return impl_; }
+
+ private:
+  friend class ImplObjectC;
+
+  ImplObjectC* impl_ = nullptr;
+};
+
+/// The base of every implementation object: holds the data of one public object, its owner.
+class SURVEYDATA_API ImplObjectC {
+ public:
+  /// An implementation without an owner.
+  ImplObjectC() noexcept = default;
+  /// An implementation without an owner: copying never copies the link.
+  ImplObjectC(const ImplObjectC& other) noexcept;
+  /// Unlinks the owner, then deletes it.
+  virtual ~ImplObjectC();
+
+  /// Leaves both owners as they are.
+  ImplObjectC& operator=(const ImplObjectC& other) noexcept;
+
+  /// The owner, or null. Concrete implementations make one on the first call.
+  virtual BaseC* GetBase();
+
+  /// Makes `owner` (may be null) the owner; another owner from before is unlinked and deleted.
+  void SetBase(BaseC* owner);
+
+  /// Cuts the link on both sides and deletes nothing. The owner is left without an implementation.
+  void DetachBase() noexcept;
+
+ private:
+  friend class BaseC;
+
+  BaseC* owner_ = nullptr;
+};
+
+}  // namespace API
+
+#endif  // SURVEYDATA_OBJECT_MODEL_BASE_H_

@@ -1,0 +1,25 @@
+#ifndef SURVEYDATA_OBJECT_MODEL_EXPORT_H_
+#define SURVEYDATA_OBJECT_MODEL_EXPORT_H_
+
+/// \file
+/// The marks of what leaves the library.
+///
+/// `SURVEYDATA_API` marks a class or function that the library exports.
+/// `SURVEYDATA_VISIBLE` marks a class template whose type identity must be the same on both sides
+/// of the library's boundary, although its code is compiled wherever it is used.
+
+#if defined(_WIN32)
+#if defined(SURVEYDATA_STATIC)
+#define SURVEYDATA_API
+#elif defined(SURVEYDATA_BUILDING)
+#define SURVEYDATA_API __declspec(dllexport)
+#else
+#define SURVEYDATA_API __declspec(dllimport)
+#endif
+#define SURVEYDATA_VISIBLE
+#else
+#define SURVEYDATA_API __attribute__((visibility("default")))
+#define SURVEYDATA_VISIBLE __attribute__((visibility("default")))
+#endif
+
+#endif  // SURVEYDATA_OBJECT_MODEL_EXPORT_H_

@@ -1,0 +1,273 @@
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <string>
+
+#include <boost/numeric/conversion/cast.hpp>
+
+#include <surveydata/object_model/fixed_string.h>
+#include <surveydata/object_model/utf8.h>
+
+namespace API {
+namespace {
+
+// The algorithms know no capacity of their own: the ten capacities share this code. A text is its
+// units, one more than the capacity, and its length.
+struct Text {
+  std::span<char16_t> units;
+  std::uint64_t& length;
+
+  std::size_t Capacity() const { return units.size() - 1; }
+  std::size_t Room() const { return Capacity() - length; }
+};
+
+// The units that a character of the wide set becomes, one or two.
+struct WideUnits {
+  char16_t units[2];
+  std::size_t count;
+};
+
+WideUnits ToUnits(wchar_t wide) {
+  if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
+    return {{static_cast<char16_t>(wide), 0}, 1};
+  } else {
+    const auto c = static_cast<std::uint32_t>(wide);
+    if (c <= 0xFFFF) return {{static_cast<char16_t>(c), 0}, 1};
+    if (c > 0x10FFFF) return {{u'\uFFFD', 0}, 1};
+    const std::uint32_t offset = c - 0x10000;
+    return {{static_cast<char16_t>(0xD800 | (offset >> 10)),
+             static_cast<char16_t>(0xDC00 | (offset & 0x3FF))},
+            2};
+  }
+}
+
+void Append(Text text, const char16_t* units, std::size_t count) {
+  const std::size_t taken = std::min(count, text.Room());
+  std::memmove(text.units.data() + text.length, units, taken * sizeof(char16_t));
+  text.length += taken;
+  text.units[text.length] = 0;
+}
+
+// Refuses a character that does not fit as a whole.
+void AppendWhole(Text text, const char16_t* units, std::size_t count) {
+  if (count <= text.Room()) Append(text, units, count);
+}
+
+void Assign(Text text, const char* s) {
+  if (s == nullptr) return;
+  const auto length = static_cast<std::size_t>(boost::numeric_cast<std::int32_t>(std::strlen(s)));
+  if (length > text.Capacity()) return;
+  std::transform(s, s + length, text.units.begin(),
+                 [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+  text.length = length;
+}
+
+void Assign(Text text, const char16_t* s) {
+  if (s == nullptr) return;
+  const std::size_t most = text.Capacity() + 1;
+  std::size_t length = 0;
+  while (length < most && s[length] != 0) ++length;
+  if (length < most) Append(text, s, length);
+}
+
+void Assign(Text text, const wchar_t* s) {
+  if (s == nullptr) return;
+  std::size_t length = 0;
+  for (const wchar_t* c = s; *c != 0; ++c) {
+    length += ToUnits(*c).count;
+    if (length > text.Capacity()) return;
+  }
+  for (const wchar_t* c = s; *c != 0; ++c) {
+    const WideUnits wide = ToUnits(*c);
+    Append(text, wide.units, wide.count);
+  }
+}
+
+int FromUtf8(Text text, const char* src, std::size_t* inOutLength) {
+  std::size_t limit = inOutLength != nullptr ? *inOutLength : SIZE_MAX;
+  if (inOutLength != nullptr) *inOutLength = 0;
+  if (src == nullptr) return Utf8::kDone;
+  if (limit == SIZE_MAX) limit = 3 * text.Capacity();
+  std::fill(text.units.begin(), text.units.end(), u'\0');
+  const Utf8::Decoded decoded =
+      Utf8::Decode(src, limit, text.units.data(), text.Capacity(),
+                   {.readsByteAtLimit = true, .acceptsLeadsFromF0 = true});
+  text.length = std::min(decoded.characters, text.Capacity());
+  if (inOutLength != nullptr) *inOutLength = decoded.bytes;
+  return decoded.result;
+}
+
+bool ToNarrow(std::span<const char16_t> text, char* dst, std::size_t dstSize) {
+  if (dst == nullptr || dstSize < text.size()) return false;
+  unsigned all = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    all |= text[i];
+    dst[i] = static_cast<char>(text[i]);
+  }
+  return all < 256;
+}
+
+// UTF-8 orders texts as their units do, since each unit is encoded by itself.
+bool NotAfter(const char16_t* a, const char16_t* b) {
+  while (*a != 0 && *a == *b) ++a, ++b;
+  return *a <= *b;
+}
+
+}  // namespace
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(char c)
+    : FixedStringC(static_cast<char16_t>(static_cast<unsigned char>(c))) {}
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(char16_t c) : length_(c != 0 ? 1 : 0) {
+  data_[0] = c;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(wchar_t c) {
+  if (c != 0) *this += c;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(const char* s) {
+  Assign({data_, length_}, s);
+}
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(const char16_t* s) {
+  Assign({data_, length_}, s);
+}
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(const wchar_t* s) {
+  Assign({data_, length_}, s);
+}
+
+template <std::uint16_t N>
+bool FixedStringC<N>::operator==(const FixedStringC& other) const {
+  return length_ == other.length_ &&
+         std::memcmp(data_, other.data_, (length_ + 1) * sizeof(char16_t)) == 0;
+}
+
+template <std::uint16_t N>
+bool FixedStringC<N>::operator<=(const FixedStringC& other) const {
+  return NotAfter(data_, other.data_);
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(char16_t c) {
+  AppendWhole({data_, length_}, &c, 1);
+  return *this;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(wchar_t c) {
+  const WideUnits wide = ToUnits(c);
+  AppendWhole({data_, length_}, wide.units, wide.count);
+  return *this;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(char c) {
+  return *this += static_cast<char16_t>(static_cast<signed char>(c));
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(const FixedStringC& s) {
+  Append({data_, length_}, s.data_, s.length_);
+  return *this;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(const char16_t* s) {
+  return *this += FixedStringC(s);
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(const wchar_t* s) {
+  return *this += FixedStringC(s);
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator+=(const char* s) {
+  return *this += FixedStringC(s);
+}
+
+template <std::uint16_t N>
+FixedStringC<N> FixedStringC<N>::operator+(const FixedStringC& s) const {
+  FixedStringC sum = *this;
+  sum += s;
+  return sum;
+}
+
+template <std::uint16_t N>
+std::uint32_t FixedStringC<N>::SubString(std::uint16_t start, std::uint16_t count) {
+  const std::uint32_t end = std::uint32_t{start} + count;
+  if (end > length_) return end;
+  std::memmove(data_, data_ + start, count * sizeof(char16_t));
+  std::fill(data_ + count, data_ + N, u'\0');
+  length_ = count;
+  return count;
+}
+
+template <std::uint16_t N>
+bool FixedStringC<N>::ToNarrow(char* dst, std::size_t dstSize) const {
+  return API::ToNarrow({data_, length_ + 1}, dst, dstSize);
+}
+
+template <std::uint16_t N>
+std::int32_t FixedStringC<N>::ToInt() const {
+  char narrow[N + 1];
+  return ToNarrow(narrow, sizeof(narrow)) ? std::atoi(narrow) : 0;
+}
+
+template <std::uint16_t N>
+double FixedStringC<N>::ToDouble() const {
+  char narrow[N + 1];
+  return ToNarrow(narrow, sizeof(narrow)) ? std::atof(narrow) : 0.0;
+}
+
+template <std::uint16_t N>
+std::int32_t FixedStringC<N>::ToLong() const {
+  char narrow[N + 1];
+  return ToNarrow(narrow, sizeof(narrow)) ? static_cast<std::int32_t>(std::atol(narrow)) : 0;
+}
+
+template <std::uint16_t N>
+int FixedStringC<N>::ToUtf8(char* dst, std::size_t dstSize) const {
+  return static_cast<int>(Utf8::Encode(data_, N + 1, dst, dstSize));
+}
+
+template <std::uint16_t N>
+int FixedStringC<N>::FromUtf8(const char* src, std::size_t* inOutLength) {
+  return API::FromUtf8({data_, length_}, src, inOutLength);
+}
+
+template <std::uint16_t N>
+int FixedStringC<N>::Format(const char* fmt, ...) {
+  if (fmt == nullptr || std::memchr(fmt, 0, N + 1) == nullptr) return -1;
+  char buffer[2 * (N + 1)] = {};
+  va_list arguments;
+  va_start(arguments, fmt);
+  const int result = std::vsnprintf(buffer, sizeof(buffer), fmt, arguments);
+  va_end(arguments);
+  *this = FixedStringC(buffer);
+  return result;
+}
+
+template class FixedStringC<10>;
+template class FixedStringC<16>;
+template class FixedStringC<24>;
+template class FixedStringC<30>;
+template class FixedStringC<32>;
+template class FixedStringC<60>;
+template class FixedStringC<64>;
+template class FixedStringC<240>;
+template class FixedStringC<254>;
+template class FixedStringC<255>;
+
+}  // namespace API

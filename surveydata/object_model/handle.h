@@ -1,0 +1,108 @@
+#ifndef SURVEYDATA_OBJECT_MODEL_HANDLE_H_
+#define SURVEYDATA_OBJECT_MODEL_HANDLE_H_
+
+#include <functional>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+#include <surveydata/object_model/base.h>
+#include <surveydata/object_model/export.h>
+
+/// \file
+/// The pair pattern: a public object that callers hold and an implementation that holds its data.
+///
+/// A data class is two classes, an implementation derived from `ImplC` with the fields, their
+/// accessors and `isEqual`, and a public class derived from `HandleC` with the same accessors and
+/// `IsEqual`. Everything else that the two sides need stands here, once.
+
+namespace API {
+
+/// `impl` as a `Wanted`, or null. An exact type match costs one comparison of type identities;
+/// only a class derived from `Wanted` pays for `dynamic_cast`.
+template <class Wanted>
+Wanted* CheckedCast(ImplObjectC* impl) {
+  if (impl != nullptr && typeid(*impl) == typeid(Wanted)) return static_cast<Wanted*>(impl);
+  return dynamic_cast<Wanted*>(impl);
+}
+
+/// The public side of a pair: a thin object that owns one `Impl`.
+///
+/// Copies are deep: a copy has an implementation of its own. Destroying either side of the pair
+/// destroys the other. Moving copies, so that no object is left without its implementation.
+template <class Impl, class Base = BaseC>
+class SURVEYDATA_VISIBLE HandleC : public Base {
+ public:
+  HandleC() : Base(new Impl) {}
+  /// Takes ownership of `impl`; a public object that owned it before is destroyed.
+  explicit HandleC(Impl* impl) : Base(impl) {}
+  /// A copy of the data of `other`; defaults when `other` has no `Impl`.
+  HandleC(const HandleC& other) requires std::is_copy_constructible_v<Base>
+      : Base(NewCopy(other.GetImpl())) {}
+  /// Copies the data of `other`; changes nothing when either side has no `Impl`.
+  HandleC& operator=(const HandleC& other) requires std::is_copy_assignable_v<Base> {
+    if (this == &other) return *this;
+    Impl* const to = GetImpl();
+    const Impl* const from = other.GetImpl();
+    if (to != nullptr && from != nullptr) *to = *from;
+    return *this;
+  }
+
+  /// The implementation, or null when it is missing or of another class.
+  Impl* GetImpl() const { return CheckedCast<Impl>(Base::GetImpl()); }
+
+ protected:
+  /// Asks the implementation; `without` answers for a handle that has none.
+  template <class Question, class... Args>
+  auto Ask(Question question, std::invoke_result_t<Question, const Impl&, Args&...> without,
+           Args&... args) const {
+    const Impl* const impl = GetImpl();
+    return impl != nullptr ? std::invoke(question, *impl, args...) : without;
+  }
+
+  /// Tells the implementation; nothing happens to a handle that has none.
+  template <class Order, class... Args>
+  void Tell(Order order, const Args&... args) {
+    if (Impl* const impl = GetImpl()) std::invoke(order, *impl, args...);
+  }
+
+  /// The implementations' equality; false when either side has none.
+  bool AreBothEqual(const HandleC& other) const {
+    const Impl* const a = GetImpl();
+    const Impl* const b = other.GetImpl();
+    return a != nullptr && b != nullptr && a->isEqual(*b);
+  }
+
+ private:
+  static Impl* NewCopy(const Impl* from) { return from != nullptr ? new Impl(*from) : new Impl; }
+};
+
+/// The implementation side of a pair: holds the data of one `Public`.
+///
+/// Copying copies the data and never the owner, so a class derived from this one declares no copy
+/// operation, no assignment and no destructor.
+template <class Self, class Public, class Base = ImplObjectC>
+class SURVEYDATA_VISIBLE ImplC : public Base {
+ public:
+  using Base::Base;
+  ImplC() = default;
+  /// Defaults, with `owner` as the owner. The owner learns of its implementation by `SetImpl`.
+  explicit ImplC(BaseC* owner) { this->SetBase(owner); }
+
+  /// The public object of this implementation, made on the first call and owned by it.
+  BaseC* GetBase() override {
+    if (Base::GetBase() == nullptr) new Public(static_cast<Self*>(this));  // links itself
+    return Base::GetBase();
+  }
+};
+
+/// The public object of `part`, an implementation that another one holds by value. It lives as
+/// long as `part`, and repeated calls give the same object.
+template <class Public, class Part>
+Public& PublicOf(Part& part) {
+  return static_cast<Public&>(*part.GetBase());
+}
+
+}  // namespace API
+
+#endif  // SURVEYDATA_OBJECT_MODEL_HANDLE_H_
