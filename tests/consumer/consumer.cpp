@@ -1,0 +1,133 @@
+// Uses the library across its boundary, as a caller does: objects that are made on one side, asked
+// on the other and deleted on either, and classes derived by the caller. Says what fails.
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <typeinfo>
+
+#include <surveydata/surveydata.h>
+
+namespace {
+
+int failures = 0;
+
+void Check(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "failed: %s\n", what);
+  ++failures;
+}
+
+// A caller may derive from both sides of a pair; the library reaches the data by a cast.
+class MarkedPointImplC : public ODM::CoordinatePointC {
+ public:
+  explicit MarkedPointImplC(bool& isGone) : isGone_(isGone) {}
+  MarkedPointImplC(const MarkedPointImplC&) = default;
+  MarkedPointImplC& operator=(const MarkedPointImplC&) = delete;
+  ~MarkedPointImplC() override { isGone_ = true; }
+
+ private:
+  bool& isGone_;
+};
+
+class MarkedPointC : public SDI::CoordinatePointC {
+ public:
+  using CoordinatePointC::CoordinatePointC;
+};
+
+// The getter runs inside the library, whose cast must recognise the implementation made here.
+void TypesAreTheSameOnBothSides() {
+  const SDI::CoordinatePointC point(1.0, 2.0, 3.0);
+  Check(point.GetX() == 1.0 && point.GetZ() == 3.0, "the library reads a point made here");
+  Check(point.GetImpl() != nullptr && point.GetImpl()->GetY() == 2.0, "and so does the caller");
+
+  // The GNSS getters answer 0 when the cast fails, and so tell it from a fault.
+  SDI::GPSAntHeightC antenna;
+  antenna.SetHeight(1.5F, true);
+  Check(antenna.GetVerticalHeight() == 1.5F, "the library writes and reads an antenna height");
+  SDI::GPSMeasDataC measurement;
+  measurement.SetAntennaHeight(antenna);
+  SDI::GPSAntHeightC copy;
+  Check(measurement.GetAntennaHeight(copy) && copy.IsEqual(antenna),
+        "an antenna height passes through a measurement");
+
+  // A compact implementation has a public object of the same class, and is none of its own kind.
+  ODM::GPSAntHeightC compact(1.5F, true, 0.0F);
+  auto* const foreign = static_cast<SDI::GPSAntHeightC*>(compact.GetBase());
+  Check(foreign->GetImpl() == nullptr && foreign->GetVerticalHeight() == 0.0F,
+        "an implementation of another class is refused on both sides");
+}
+
+void DerivedClassesWork() {
+  bool isGone = false;
+  {
+    MarkedPointC point(new MarkedPointImplC(isGone));
+    point.SetX(4.0);
+    Check(point.GetX() == 4.0, "the library reads an implementation of a derived class");
+    Check(dynamic_cast<MarkedPointImplC*>(point.GetImpl()) != nullptr, "it keeps its class");
+    API::BaseC* const base = point.GetImpl()->GetBase();
+    Check(base == &point && typeid(*base) == typeid(MarkedPointC), "the two are linked");
+    Check(!isGone, "the implementation lives as long as its point");
+  }
+  Check(isGone, "and goes with it");
+}
+
+void OwnershipCrossesTheBoundary() {
+  auto* const impl = new SDI::GPSDOPsImplC(10, 20, 30);
+  API::BaseC* const made = impl->GetBase();
+  Check(made == impl->GetBase(), "the public object is made once");
+  Check(static_cast<SDI::GPSDOPsC*>(made)->GetHDOP() == 1.0, "and reads its implementation");
+  delete impl;
+  delete new API::BaseC;
+  delete new API::ImplObjectC;
+}
+
+void TextsWork() {
+  API::FixedStringC<10> text(u"Gr\u00FC\u00DFe");
+  text += u"!";
+  char utf8[32];
+  Check(text.ToUtf8(utf8, sizeof(utf8)) == 8 && std::strcmp(utf8, "Gr\u00FC\u00DFe!") == 0,
+        "a text is written as UTF-8");
+  Check(API::FixedStringC<255>("45").ToInt() == 45, "a text is read as a number");
+  API::VersionC version;
+  version.Set(3, 5, 42, 0, 0);
+  Check(version.Format(1) == "3.05.042", "a version is formatted");
+  Check(API::CompareWithTolerance(1.0, 2.0, 1e-9) == -1, "numbers are compared");
+}
+
+void RecordFilesWork() {
+  const char name[] = "consumer.rec";
+  if (std::FILE* const file = std::fopen(name, "wb")) {
+    std::fputs("no record stands here", file);
+    std::fclose(file);
+  }
+  SDI::GPSMeasDataImplC measurement;
+  SDI::GPSRecordFileInfo info;
+  std::strcpy(info.path, "consumer");
+  std::strcpy(info.extension, "rec");
+  Check(SDI::GPSRecordFileC::ReadGPSMeasData(&measurement, &info) == SDI::GPSRecordFileC::kBadFrame,
+        "a bad frame is refused");
+  std::strcpy(info.extension, "no");
+  Check(SDI::GPSRecordFileC::ReadGPSMeasData(&measurement, &info) == SDI::GPSRecordFileC::kNoFile,
+        "a missing file is reported");
+  {
+    SDI::GPSRecordIndexC index(name);
+    SDI::GPSRecordEntry entry;
+    Check(index.IsOpen() && index.Next(entry) && entry.isGap && entry.size == 21,
+          "the index finds a gap");
+    Check(!index.Next(entry) && !index.HasFailed(), "and ends behind it");
+  }
+  std::remove(name);
+}
+
+}  // namespace
+
+int main() {
+  TypesAreTheSameOnBothSides();
+  DerivedClassesWork();
+  OwnershipCrossesTheBoundary();
+  TextsWork();
+  RecordFilesWork();
+  if (failures == 0) std::puts("all is well");
+  return failures == 0 ? 0 : 1;
+}

@@ -1,0 +1,68 @@
+# Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, against the
+# tree installed at PREFIX, or add_subdirectory, with SOURCE_DIR as a part of it; LINKAGE is shared
+# or static. The compiler and its flags are those of the library.
+cmake_minimum_required(VERSION 3.25)
+
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR})
+
+function(run)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORK_DIR}
+    RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    list(JOIN ARGN " " command)
+    message(FATAL_ERROR "${command}\n${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+separate_arguments(flags UNIX_COMMAND "${FLAGS}")
+file(GLOB_RECURSE pc ${PREFIX}/surveydata.pc)
+cmake_path(GET pc PARENT_PATH pc_dir)
+cmake_path(GET pc_dir PARENT_PATH library_dir)
+
+if(WAY STREQUAL "pkg_config")
+  set(ENV{PKG_CONFIG_PATH} ${pc_dir})
+  set(static "")
+  if(LINKAGE STREQUAL "static")
+    set(static --static)
+  endif()
+  run(${PKG_CONFIG} ${static} --atleast-version=1.0 surveydata)
+  run(${PKG_CONFIG} ${static} --cflags surveydata)
+  separate_arguments(cflags UNIX_COMMAND "${output}")
+  run(${PKG_CONFIG} ${static} --libs surveydata)
+  separate_arguments(libs UNIX_COMMAND "${output}")
+  if(LINKAGE STREQUAL "static")
+    list(TRANSFORM libs REPLACE "^-lsurveydata$" "-l:libsurveydata.a")
+  endif()
+  run(${CXX} -std=c++20 ${flags} ${CONSUMER_DIR}/consumer.cpp -o consumer ${cflags} ${libs})
+else()
+  set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
+                -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCONSUMER_LINKAGE=${LINKAGE})
+  if(TOOLCHAIN)
+    set(arguments --toolchain ${TOOLCHAIN} ${arguments})
+  endif()
+  if(WAY STREQUAL "find_package")
+    list(APPEND arguments -DCMAKE_PREFIX_PATH=${PREFIX})
+  else()
+    list(APPEND arguments -DCONSUMER_SOURCE_DIR=${SOURCE_DIR})
+  endif()
+  run(${CMAKE_COMMAND} -G ${GENERATOR} -S ${CONSUMER_DIR} -B . ${arguments})
+  run(${CMAKE_COMMAND} --build .)
+  if(WAY STREQUAL "add_subdirectory")
+    file(GLOB surplus ${WORK_DIR}/surveydata/tests ${WORK_DIR}/surveydata/tools
+                      ${WORK_DIR}/surveydata/examples ${WORK_DIR}/surveydata/benchmarks)
+    if(surplus)
+      message(FATAL_ERROR "a caller's build contains ${surplus}")
+    endif()
+    set(library_dir ${WORK_DIR}/surveydata/surveydata)
+  endif()
+endif()
+
+# The program finds the library by its path in CMake builds; pkg-config leaves that to the caller.
+set(ENV{LD_LIBRARY_PATH} "${library_dir}:$ENV{LD_LIBRARY_PATH}")
+set(ENV{WINEPATH} "${PREFIX}/bin;${WORK_DIR}/surveydata/surveydata;$ENV{WINEPATH}")
+run(${EMULATOR} ./consumer${SUFFIX})
+if(NOT output MATCHES "all is well")
+  message(FATAL_ERROR "the consumer said: ${output}")
+endif()
