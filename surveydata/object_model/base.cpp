@@ -28,6 +28,8 @@ ImplObjectC::~ImplObjectC() {
   delete std::exchange(owner_, nullptr);
 }
 
+// Nothing is copied, so there is nothing to guard against assigning to itself.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
 ImplObjectC& ImplObjectC::operator=(const ImplObjectC& /*other*/) noexcept { return *this; }
 
 BaseC* ImplObjectC::GetBase() { return owner_; }
