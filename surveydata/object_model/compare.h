@@ -66,6 +66,12 @@ bool EqualFields(const Record& a, const Record& b, Fields... fields) {
   return (EqualField(a.*fields, b.*fields) && ...);
 }
 
+/// Whether two records agree in the listed fields exactly, by `==`.
+template <class Record, class... Fields>
+bool SameFields(const Record& a, const Record& b, Fields... fields) {
+  return ((a.*fields == b.*fields) && ...);
+}
+
 }  // namespace API
 
 #endif  // SURVEYDATA_OBJECT_MODEL_COMPARE_H_

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_OBJECT_MODEL_HANDLE_H_
 #define SURVEYDATA_OBJECT_MODEL_HANDLE_H_
 
+#include <cstdint>
 #include <functional>
 #include <type_traits>
 #include <typeinfo>
@@ -101,6 +102,11 @@ class SURVEYDATA_VISIBLE ImplC : public Base {
 template <class Public, class Part>
 Public& PublicOf(Part& part) {
   return static_cast<Public&>(*part.GetBase());
+}
+
+/// A word of flags with the bits of `set` raised and then those of `clear` lowered.
+constexpr std::uint32_t ChangedFlags(std::uint32_t flags, std::uint32_t set, std::uint32_t clear) {
+  return (flags | set) & ~clear;
 }
 
 }  // namespace API

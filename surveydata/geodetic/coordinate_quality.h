@@ -1,0 +1,77 @@
+#ifndef SURVEYDATA_GEODETIC_COORDINATE_QUALITY_H_
+#define SURVEYDATA_GEODETIC_COORDINATE_QUALITY_H_
+
+#include <cstdint>
+
+#include <surveydata/geodetic/q_matrix.h>
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API CoordinateQualityC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::CoordinateQualityC`.
+class SURVEYDATA_API CoordinateQualityC
+    : public API::ImplC<CoordinateQualityC, SDI::CoordinateQualityC> {
+ public:
+  // Bits of the valid axes.
+  static constexpr std::uint8_t kAxis1 = 0x01;
+  static constexpr std::uint8_t kAxis2 = 0x02;
+  static constexpr std::uint8_t kAxis3 = 0x04;
+
+  using ImplC::ImplC;
+  CoordinateQualityC() = default;
+  CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes);
+
+  float GetSigma() const;
+  void SetSigma(float sigma);
+  const QMatrixC& GetMatrix() const;
+  QMatrixC& GetMatrix();
+  void SetMatrix(const QMatrixC& matrix);
+  std::uint8_t GetValidAxes() const;
+  void SetValidAxes(std::uint8_t validAxes);
+
+  /// Whether the valid axes are the same and the numbers agree within the tolerance of
+  /// `API::CompareWithTolerance`.
+  bool isEqual(const CoordinateQualityC& other) const;
+
+ private:
+  float sigma_ = 0.0F;
+  QMatrixC matrix_;
+  std::uint8_t validAxes_ = 0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// The quality of a coordinate triple: a cofactor matrix, the scale factor that makes standard
+/// deviations of the square roots of cofactors, and the axes for which they are valid. All are 0
+/// by default. The standard deviations themselves are asked of a `PositionC`.
+class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQualityC> {
+ public:
+  using HandleC::HandleC;
+  CoordinateQualityC() = default;
+  /// Keeps the low 8 bits of `validAxes`.
+  CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes);
+
+  float GetSigma() const;
+  void SetSigma(float sigma);
+  /// A copy of the matrix: changing it leaves this quality alone.
+  QMatrixC GetMatrix() const;
+  void SetMatrix(const QMatrixC& matrix);
+  /// Bits 0x01, 0x02 and 0x04 stand for the axes 1, 2 and 3.
+  std::uint8_t GetValidAxes() const;
+  void SetValidAxes(std::uint8_t validAxes);
+
+  /// Whether the valid axes are the same, and the scale factors and the matrices agree within the
+  /// tolerance of `API::CompareWithTolerance` in single precision. NaN equals anything.
+  bool IsEqual(const CoordinateQualityC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_COORDINATE_QUALITY_H_

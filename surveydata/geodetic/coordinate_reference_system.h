@@ -1,0 +1,69 @@
+#ifndef SURVEYDATA_GEODETIC_COORDINATE_REFERENCE_SYSTEM_H_
+#define SURVEYDATA_GEODETIC_COORDINATE_REFERENCE_SYSTEM_H_
+
+#include <cstdint>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API CoordinateReferenceSystemC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::CoordinateReferenceSystemC`.
+class SURVEYDATA_API CoordinateReferenceSystemC
+    : public API::ImplC<CoordinateReferenceSystemC, SDI::CoordinateReferenceSystemC> {
+ public:
+  using ImplC::ImplC;
+  CoordinateReferenceSystemC() = default;
+  CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant, std::int32_t hasHeight);
+
+  std::int32_t GetKind() const;
+  void SetKind(std::int32_t kind);
+  std::int32_t GetVariant() const;
+  void SetVariant(std::int32_t variant);
+  std::int32_t GetHasHeight() const;
+  void SetHasHeight(std::int32_t hasHeight);
+
+  /// Whether all three words are the same.
+  bool isEqual(const CoordinateReferenceSystemC& other) const;
+
+ private:
+  std::int32_t kind_ = 0;
+  std::int32_t variant_ = 1;
+  std::int32_t hasHeight_ = 0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// The coordinate system of a position. A new one has variant 1, and 0 for the rest. No value is
+/// refused; what the values stand for is up to the caller, but for the kinds and the height that
+/// `PositionC::GetDimension()` reads.
+class SURVEYDATA_API CoordinateReferenceSystemC
+    : public API::HandleC<ODM::CoordinateReferenceSystemC> {
+ public:
+  using HandleC::HandleC;
+  CoordinateReferenceSystemC() = default;
+  CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant, std::int32_t hasHeight);
+
+  /// 1 to 4 are the kinds that a position knows: 1 always has three dimensions, 2 and 3 have two
+  /// and a height, 4 has a height alone.
+  std::int32_t GetKind() const;
+  void SetKind(std::int32_t kind);
+  std::int32_t GetVariant() const;
+  void SetVariant(std::int32_t variant);
+  /// Other than 0 when there is a height. Matters for the kinds 2, 3 and 4.
+  std::int32_t GetHasHeight() const;
+  void SetHasHeight(std::int32_t hasHeight);
+
+  /// Whether all three words are the same.
+  bool IsEqual(const CoordinateReferenceSystemC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_COORDINATE_REFERENCE_SYSTEM_H_

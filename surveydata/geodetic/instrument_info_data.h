@@ -1,0 +1,124 @@
+#ifndef SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_
+#define SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_
+
+#include <cstdint>
+#include <string>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/fixed_string.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API InstrumentInfoDataC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::InstrumentInfoDataC`.
+class SURVEYDATA_API InstrumentInfoDataC
+    : public API::ImplC<InstrumentInfoDataC, SDI::InstrumentInfoDataC> {
+ public:
+  using ImplC::ImplC;
+  InstrumentInfoDataC() = default;
+  /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+
+  const API::FixedStringC<16>& getIdentifier() const;
+  /// Empty afterwards when `identifier` has more than 16 units or is null.
+  void setIdentifier(const char16_t* identifier);
+  std::uint32_t getFlags() const;
+  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  void setFlags(std::uint32_t set, std::uint32_t clear);
+  /// A text's pointer stays good until that text is set again or assigned to.
+  const char* getText1() const;
+  /// Null stands for the empty text.
+  void setText1(const char* text1);
+  const char* getText2() const;
+  void setText2(const char* text2);
+  const char* getText3() const;
+  void setText3(const char* text3);
+  const char* getText4() const;
+  void setText4(const char* text4);
+  float getValue() const;
+  void setValue(float value);
+  std::int32_t getNumber1() const;
+  void setNumber1(std::int32_t number1);
+  std::int32_t getNumber2() const;
+  void setNumber2(std::int32_t number2);
+  std::int32_t getNumber3() const;
+  void setNumber3(std::int32_t number3);
+  std::int32_t getNumber4() const;
+  void setNumber4(std::int32_t number4);
+
+  /// Whether everything else is the same and the values agree within the tolerance of
+  /// `API::CompareWithTolerance`.
+  bool isEqual(const InstrumentInfoDataC& other) const;
+
+ private:
+  API::FixedStringC<16> identifier_;
+  std::uint32_t flags_ = 0;
+  std::string text1_;
+  std::string text2_;
+  std::string text3_;
+  std::string text4_;
+  float value_ = 0.0F;
+  std::int32_t number1_ = 0;
+  std::int32_t number2_ = 0;
+  std::int32_t number3_ = 0;
+  std::int32_t number4_ = 0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// What an instrument tells about itself: a short identifier, flags, four texts and five numbers.
+/// What they mean is up to the caller. All are empty or 0 by default.
+class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentInfoDataC> {
+ public:
+  using HandleC::HandleC;
+  InstrumentInfoDataC() = default;
+  /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+
+  const API::FixedStringC<16>& GetIdentifier() const;
+  /// Empty afterwards when `identifier` has more than 16 units or is null.
+  void SetIdentifier(const char16_t* identifier);
+  std::uint32_t GetFlags() const;
+  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  void SetFlags(std::uint32_t set, std::uint32_t clear);
+  /// A text's pointer stays good until that text is set again or assigned to.
+  const char* GetText1() const;
+  /// Null stands for the empty text.
+  void SetText1(const char* text1);
+  const char* GetText2() const;
+  void SetText2(const char* text2);
+  const char* GetText3() const;
+  void SetText3(const char* text3);
+  const char* GetText4() const;
+  void SetText4(const char* text4);
+  float GetValue() const;
+  void SetValue(float value);
+  std::int32_t GetNumber1() const;
+  void SetNumber1(std::int32_t number1);
+  std::int32_t GetNumber2() const;
+  void SetNumber2(std::int32_t number2);
+  std::int32_t GetNumber3() const;
+  void SetNumber3(std::int32_t number3);
+  std::int32_t GetNumber4() const;
+  void SetNumber4(std::int32_t number4);
+
+  /// Whether everything else is the same and the values agree within the tolerance of
+  /// `API::CompareWithTolerance` in single precision. A NaN equals anything.
+  bool IsEqual(const InstrumentInfoDataC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_

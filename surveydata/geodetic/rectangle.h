@@ -1,0 +1,69 @@
+#ifndef SURVEYDATA_GEODETIC_RECTANGLE_H_
+#define SURVEYDATA_GEODETIC_RECTANGLE_H_
+
+#include <surveydata/geodetic/coordinate_point.h>
+#include <surveydata/geodetic/coordinate_reference_system.h>
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API RectangleC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::RectangleC`.
+class SURVEYDATA_API RectangleC : public API::ImplC<RectangleC, SDI::RectangleC> {
+ public:
+  using ImplC::ImplC;
+  RectangleC() = default;
+  RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
+             const CoordinatePointC& topRight);
+
+  const CoordinateReferenceSystemC& GetCRS() const;
+  CoordinateReferenceSystemC& GetCRS();
+  void SetCRS(const CoordinateReferenceSystemC& crs);
+  const CoordinatePointC& GetBottomLeft() const;
+  CoordinatePointC& GetBottomLeft();
+  void SetBottomLeft(const CoordinatePointC& bottomLeft);
+  const CoordinatePointC& GetTopRight() const;
+  CoordinatePointC& GetTopRight();
+  void SetTopRight(const CoordinatePointC& topRight);
+
+ private:
+  CoordinateReferenceSystemC crs_;
+  CoordinatePointC bottomLeft_;
+  CoordinatePointC topRight_;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// An area between two corners in a reference system. The corners are neither ordered nor checked,
+/// and there is no equality. By default both corners are the origin of a default system.
+///
+/// The getters answer the rectangle's own parts: repeated calls give the same object, which
+/// changes with the rectangle and is destroyed with its implementation.
+class SURVEYDATA_API RectangleC : public API::HandleC<ODM::RectangleC> {
+ public:
+  using HandleC::HandleC;
+  RectangleC() = default;
+  /// Copies the three parts.
+  RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
+             const CoordinatePointC& topRight);
+
+  const CoordinateReferenceSystemC& GetCRS() const;
+  CoordinateReferenceSystemC& GetCRS();
+  void SetCRS(const CoordinateReferenceSystemC& crs);
+  const CoordinatePointC& GetBottomLeft() const;
+  CoordinatePointC& GetBottomLeft();
+  void SetBottomLeft(const CoordinatePointC& bottomLeft);
+  const CoordinatePointC& GetTopRight() const;
+  CoordinatePointC& GetTopRight();
+  void SetTopRight(const CoordinatePointC& topRight);
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_RECTANGLE_H_

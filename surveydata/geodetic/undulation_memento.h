@@ -1,0 +1,61 @@
+#ifndef SURVEYDATA_GEODETIC_UNDULATION_MEMENTO_H_
+#define SURVEYDATA_GEODETIC_UNDULATION_MEMENTO_H_
+
+#include <cstdint>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API UndulationMementoC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::UndulationMementoC`.
+class SURVEYDATA_API UndulationMementoC
+    : public API::ImplC<UndulationMementoC, SDI::UndulationMementoC> {
+ public:
+  using ImplC::ImplC;
+  UndulationMementoC() = default;
+  UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid);
+
+  float GetUndulation() const;
+  std::int32_t GetSource() const;
+  std::uint8_t GetValid() const;
+
+  /// Whether validity and source are the same and the undulations agree within the tolerance of
+  /// `API::CompareWithTolerance`.
+  bool isEqual(const UndulationMementoC& other) const;
+
+ private:
+  float undulation_ = 0.0F;
+  std::int32_t source_ = 0;
+  std::uint8_t valid_ = 0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// An undulation as it was found for a position: the height of the geoid above the ellipsoid, with
+/// its source and its validity in the coding of the caller. All are 0 by default. A memento changes
+/// only by assignment of another one.
+class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMementoC> {
+ public:
+  using HandleC::HandleC;
+  UndulationMementoC() = default;
+  UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid);
+
+  float GetUndulation() const;
+  std::int32_t GetSource() const;
+  std::uint8_t GetValid() const;
+
+  /// Whether validity and source are the same and the undulations agree within the tolerance of
+  /// `API::CompareWithTolerance` in single precision. A NaN equals anything.
+  bool IsEqual(const UndulationMementoC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GEODETIC_UNDULATION_MEMENTO_H_

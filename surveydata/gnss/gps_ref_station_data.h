@@ -1,0 +1,78 @@
+#ifndef SURVEYDATA_GNSS_GPS_REF_STATION_DATA_H_
+#define SURVEYDATA_GNSS_GPS_REF_STATION_DATA_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include <surveydata/geodetic/coordinate_point.h>
+#include <surveydata/geodetic/coordinate_reference_system.h>
+#include <surveydata/gnss/gps_ant_height.h>
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API GPSRefStationDataC;
+
+/// The data of a `GPSRefStationDataC`. The decoder that receives the data of a station fills the
+/// fields directly.
+class SURVEYDATA_API GPSRefStationDataImplC
+    : public API::ImplC<GPSRefStationDataImplC, GPSRefStationDataC> {
+ public:
+  // Bits of the valid mask.
+  static constexpr std::uint8_t kAntennaHeightValid = 0x1;
+  static constexpr std::uint8_t kPositionValid = 0x2;
+  static constexpr std::uint8_t kFlag3 = 0x4;
+  /// Units of the name, with the terminator.
+  static constexpr std::size_t kNameUnits = 31;
+
+  using ImplC::ImplC;
+
+  /// Whether every field agrees: numbers of the point and the antenna height within the tolerance
+  /// of `API::CompareWithTolerance`, the name up to its terminator.
+  bool isEqual(const GPSRefStationDataImplC& other) const;
+
+  std::uint16_t stationNumber = 0;
+  std::uint8_t stationKind = 0;
+  ODM::CoordinateReferenceSystemC referenceSystem;
+  ODM::CoordinatePointC point;
+  GPSAntHeightImplC antennaHeight;
+  char16_t name[kNameUnits] = {};
+  std::uint8_t reserved8 = 0;
+  std::uint8_t validMask = 0;
+  std::uint8_t stationCode2 = 0;
+};
+
+/// A GNSS reference station: its number and codes, its position and its antenna height, each with
+/// a validity bit. For the callers of the library it is read-only; a new one is all zeros with
+/// nothing valid.
+///
+/// Without an implementation of its class, the two codes are 10, all else is 0 and false.
+class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataImplC> {
+ public:
+  using HandleC::HandleC;
+
+  std::uint16_t GetStationNumber() const;
+  std::uint8_t GetStationKind() const;
+  std::uint8_t GetStationCode2() const;
+  std::uint8_t GetValidMask() const;
+  /// Bits 0x1, 0x2 and 0x4 of the valid mask.
+  bool IsAntennaHeightValid() const;
+  bool IsPositionValid() const;
+  bool IsFlag3Set() const;
+
+  /// These three copy the part into the argument and answer true; they answer false and leave the
+  /// argument alone when the part is not valid, or the argument has no implementation of its class.
+  bool GetReferenceSystem(CoordinateReferenceSystemC& referenceSystem) const;
+  bool GetPoint(CoordinatePointC& point) const;
+  bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
+
+  /// False when either side has no implementation.
+  bool IsEqual(const GPSRefStationDataC& other) const;
+
+ private:
+  bool IsValid(std::uint8_t bit) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_GNSS_GPS_REF_STATION_DATA_H_

@@ -1,0 +1,65 @@
+#ifndef SURVEYDATA_IMAGING_IMG_EXTERIOR_ORIENTATION_H_
+#define SURVEYDATA_IMAGING_IMG_EXTERIOR_ORIENTATION_H_
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API ImgExteriorOrientationC;
+
+/// The data of an `ImgExteriorOrientationC`.
+class SURVEYDATA_API ImgExteriorOrientationImplC
+    : public API::ImplC<ImgExteriorOrientationImplC, ImgExteriorOrientationC> {
+ public:
+  using ImplC::ImplC;
+
+  double GetValue1() const;
+  void SetValue1(double value1);
+  double GetValue2() const;
+  void SetValue2(double value2);
+  double GetValue3() const;
+  void SetValue3(double value3);
+  double GetValue4() const;
+  void SetValue4(double value4);
+  double GetValue5() const;
+  void SetValue5(double value5);
+  double GetValue6() const;
+  void SetValue6(double value6);
+
+  bool operator==(const ImgExteriorOrientationImplC& other) const;
+
+ private:
+  double value1_ = 0.0;
+  double value2_ = 0.0;
+  double value3_ = 0.0;
+  double value4_ = 0.0;
+  double value5_ = 0.0;
+  double value6_ = 0.0;
+};
+
+/// The exterior orientation of a camera, its pose: six numbers with the units and meaning that the
+/// caller gives them, such as projection centre and rotation angles. All are 0 by default.
+class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOrientationImplC> {
+ public:
+  using HandleC::HandleC;
+
+  double GetValue1() const;
+  void SetValue1(double value1);
+  double GetValue2() const;
+  void SetValue2(double value2);
+  double GetValue3() const;
+  void SetValue3(double value3);
+  double GetValue4() const;
+  void SetValue4(double value4);
+  double GetValue5() const;
+  void SetValue5(double value5);
+  double GetValue6() const;
+  void SetValue6(double value6);
+
+  /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
+  bool operator==(const ImgExteriorOrientationC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_IMAGING_IMG_EXTERIOR_ORIENTATION_H_

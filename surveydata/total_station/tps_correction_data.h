@@ -1,0 +1,134 @@
+#ifndef SURVEYDATA_TOTAL_STATION_TPS_CORRECTION_DATA_H_
+#define SURVEYDATA_TOTAL_STATION_TPS_CORRECTION_DATA_H_
+
+#include <cstdint>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API TPSCorrectionDataC;
+}
+
+namespace ODM {
+
+/// The data of an `SDI::TPSCorrectionDataC`.
+class SURVEYDATA_API TPSCorrectionDataC
+    : public API::ImplC<TPSCorrectionDataC, SDI::TPSCorrectionDataC> {
+ public:
+  using ImplC::ImplC;
+  TPSCorrectionDataC() = default;
+  TPSCorrectionDataC(double value1, double value2, double value3, double scaleFactor, double value5,
+                     double value6, double value7, double value8, float single1, float single2,
+                     float single3, float single4, std::uint32_t flags);
+
+  double GetValue1() const;
+  void SetValue1(double value1);
+  double GetValue2() const;
+  void SetValue2(double value2);
+  double GetValue3() const;
+  void SetValue3(double value3);
+  double GetScaleFactor() const;
+  void SetScaleFactor(double scaleFactor);
+  double GetValue5() const;
+  void SetValue5(double value5);
+  double GetValue6() const;
+  void SetValue6(double value6);
+  double GetValue7() const;
+  void SetValue7(double value7);
+  double GetValue8() const;
+  void SetValue8(double value8);
+  float GetSingle1() const;
+  void SetSingle1(float single1);
+  float GetSingle2() const;
+  void SetSingle2(float single2);
+  float GetSingle3() const;
+  void SetSingle3(float single3);
+  float GetSingle4() const;
+  void SetSingle4(float single4);
+  std::uint32_t GetFlags() const;
+  void SetFlags(std::uint32_t set, std::uint32_t clear);
+
+  /// The scale factor of a correction in parts per million, ppm * 1e-6 + 1.
+  static double ScaleFromPpm(double ppm);
+  /// The correction of a scale factor in parts per million, (scale - 1) * 1e6.
+  static double PpmFromScale(double scale);
+
+  /// Whether the flags are the same and all values agree within the tolerance of
+  /// `API::CompareWithTolerance`.
+  bool isEqual(const TPSCorrectionDataC& other) const;
+
+ private:
+  double value1_ = 0.0;
+  double value2_ = 0.0;
+  double value3_ = 0.0;
+  double scaleFactor_ = 1.0;
+  double value5_ = 0.0;
+  double value6_ = 0.0;
+  double value7_ = 0.0;
+  double value8_ = 0.0;
+  float single1_ = 0.0F;
+  float single2_ = 0.0F;
+  float single3_ = 0.0F;
+  float single4_ = 0.0F;
+  std::uint32_t flags_ = 0;
+};
+
+}  // namespace ODM
+
+namespace SDI {
+
+/// The corrections applied to the measurements of a total station, among them a scale factor of
+/// distances. Units and meaning of the other values, and the bits of the flags, are those that the
+/// caller gives them: the record stores them unchanged and refuses none. A new record scales by 1
+/// and is all zeros otherwise.
+class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrectionDataC> {
+ public:
+  using HandleC::HandleC;
+  TPSCorrectionDataC() = default;
+  TPSCorrectionDataC(double value1, double value2, double value3, double scaleFactor, double value5,
+                     double value6, double value7, double value8, float single1, float single2,
+                     float single3, float single4, std::uint32_t flags);
+
+  double GetValue1() const;
+  void SetValue1(double value1);
+  double GetValue2() const;
+  void SetValue2(double value2);
+  double GetValue3() const;
+  void SetValue3(double value3);
+  /// The factor of distances, without a unit; 1 changes nothing.
+  double GetScaleFactor() const;
+  void SetScaleFactor(double scaleFactor);
+  double GetValue5() const;
+  void SetValue5(double value5);
+  double GetValue6() const;
+  void SetValue6(double value6);
+  double GetValue7() const;
+  void SetValue7(double value7);
+  double GetValue8() const;
+  void SetValue8(double value8);
+  float GetSingle1() const;
+  void SetSingle1(float single1);
+  float GetSingle2() const;
+  void SetSingle2(float single2);
+  float GetSingle3() const;
+  void SetSingle3(float single3);
+  float GetSingle4() const;
+  void SetSingle4(float single4);
+  std::uint32_t GetFlags() const;
+  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  void SetFlags(std::uint32_t set, std::uint32_t clear);
+
+  /// The scale factor of a correction in parts per million, ppm * 1e-6 + 1.
+  static double ScaleFromPpm(double ppm);
+  /// The correction of a scale factor in parts per million, (scale - 1) * 1e6.
+  static double PpmFromScale(double scale);
+
+  /// Whether the flags are the same and all values agree within the tolerance of
+  /// `API::CompareWithTolerance`, each in its precision. A NaN equals anything.
+  bool IsEqual(const TPSCorrectionDataC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_TOTAL_STATION_TPS_CORRECTION_DATA_H_
