@@ -1,0 +1,76 @@
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/geodetic/instrument_info_data.h>
+
+#include "tests/support/record_fields.h"
+
+namespace {
+
+using Records::Texts;
+using Records::Values;
+
+template <class Record = SDI::InstrumentInfoDataC>
+Record RecordOf(const char16_t* identifier, float value = 1.5F) {
+  return {identifier, 0x80000001, "one", "two", "three", "four", value, 1, -2, 3, -4};
+}
+
+TEST(InstrumentInfoData, TakesEveryFieldInOrder) {
+  const Texts expected = {"TS-1", "2147483649", "one", "two", "three", "four",
+                          "1.5",  "1",          "-2",  "3",   "-4"};
+  EXPECT_EQ(Values(RecordOf(u"TS-1")), expected);
+  EXPECT_EQ(Values(RecordOf<ODM::InstrumentInfoDataC>(u"TS-1")), expected);
+}
+
+TEST(InstrumentInfoData, KeepsIdentifiersOfUpToSixteenUnits) {
+  const auto length = [](const char16_t* identifier) {
+    return RecordOf(identifier).GetIdentifier().GetLength();
+  };
+  EXPECT_EQ(length(u"0123456789ABCDEF"), 16U);
+  EXPECT_EQ(length(u"0123456789ABCDEFG"), 0U);
+  EXPECT_EQ(length(nullptr), 0U);
+
+  SDI::InstrumentInfoDataC info = RecordOf(u"TS-1");
+  info.SetIdentifier(u"0123456789ABCDEF");
+  EXPECT_EQ(info.GetIdentifier(), API::FixedStringC<16>(u"0123456789ABCDEF"));
+  EXPECT_EQ(&info.GetIdentifier(), &info.GetImpl()->getIdentifier());
+  info.SetIdentifier(u"0123456789ABCDEFG");
+  EXPECT_TRUE(info.GetIdentifier().IsEmpty());
+}
+
+TEST(InstrumentInfoData, LowersFlagsThatAreRaisedAndLoweredAtOnce) {
+  ODM::InstrumentInfoDataC info;
+  info.setFlags(0x4, 0);
+  info.setFlags(0x3, 0x1);
+  EXPECT_EQ(info.getFlags(), 0x6U);
+}
+
+TEST(InstrumentInfoData, TakesANullTextForTheEmptyOne) {
+  ODM::InstrumentInfoDataC info = RecordOf<ODM::InstrumentInfoDataC>(u"TS-1");
+  info.setText2(nullptr);
+  EXPECT_STREQ(info.getText2(), "");
+  info.setText1(nullptr);
+  info.setText3(nullptr);
+  info.setText4(nullptr);
+  EXPECT_EQ(Values(info),
+            (Texts{"TS-1", "2147483649", "", "", "", "", "1.5", "1", "-2", "3", "-4"}));
+}
+
+TEST(InstrumentInfoData, TakesATextFromItself) {
+  SDI::InstrumentInfoDataC info = RecordOf(u"TS-1");
+  info.SetText3(info.GetText3() + 2);
+  info.SetIdentifier(info.GetIdentifier().GetData() + 3);
+  EXPECT_STREQ(info.GetText3(), "ree");
+  EXPECT_EQ(info.GetIdentifier(), API::FixedStringC<16>(u"1"));
+}
+
+TEST(InstrumentInfoData, ComparesItsValueWithTolerance) {
+  constexpr float kUnit = std::numeric_limits<float>::epsilon();  // of 1.5F
+  const auto info = RecordOf<ODM::InstrumentInfoDataC>(u"TS-1");
+  EXPECT_TRUE(info.isEqual(RecordOf<ODM::InstrumentInfoDataC>(u"TS-1", 1.5F + kUnit)));
+  EXPECT_FALSE(info.isEqual(RecordOf<ODM::InstrumentInfoDataC>(u"TS-1", 1.5F + 3 * kUnit)));
+  EXPECT_FALSE(info.isEqual(RecordOf<ODM::InstrumentInfoDataC>(u"ts-1")));
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+#include <gtest/gtest.h>
+
+#include <surveydata/imaging/img_exterior_orientation.h>
+#include <surveydata/imaging/img_interior_orientation.h>
+
+namespace {
+
+using SDI::ImgExteriorOrientationC;
+using SDI::ImgInteriorOrientationC;
+
+TEST(ImgExteriorOrientation, IsEqualToAnotherDefaultOne) {
+  EXPECT_TRUE(ImgExteriorOrientationC() == ImgExteriorOrientationC());
+}
+
+TEST(ImgInteriorOrientation, DiffersByTheModelCodeAlone) {
+  ImgInteriorOrientationC a, b;
+  EXPECT_TRUE(a == b);
+  for (auto* orientation : {&a, &b}) {
+    orientation->SetValue1(0.012);
+    orientation->SetValue6(-3.5e-5);
+  }
+  a.SetModelCode(1);
+  b.SetModelCode(2);
+  EXPECT_FALSE(a == b);
+  b.SetModelCode(1);
+  EXPECT_TRUE(a == b);
+}
+
+}  // namespace
