@@ -98,7 +98,7 @@ Value Moved(Value value, int units) {
     for (int i = std::abs(units); i > 0; --i) value = std::nextafter(value, target);
     return value;
   } else if constexpr (std::integral<Value>) {
-    return static_cast<Value>(value + units);
+    return static_cast<Value>(value + static_cast<Value>(units));
   } else {
     using Unit = typename Value::value_type;
     value.back() = static_cast<Unit>(value.back() + units % 32);
