@@ -1,0 +1,88 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_TEMP_FILE_H_
+#define SURVEYDATA_TESTS_SUPPORT_TEMP_FILE_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <surveydata/gnss/gps_record_file.h>
+
+namespace TestSupport {
+
+/// The whole of a file.
+inline std::vector<std::uint8_t> ReadBytes(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot open " + path.string());
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+/// A folder of its own, removed at the end.
+class TempFolderC {
+ public:
+  TempFolderC() {
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("surveydata-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
+  }
+  TempFolderC(const TempFolderC&) = delete;
+  TempFolderC& operator=(const TempFolderC&) = delete;
+  ~TempFolderC() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// The info that names `path`, whose last extension is split off.
+inline SDI::GPSRecordFileInfo InfoFor(const std::filesystem::path& path, std::uint32_t offset = 0) {
+  SDI::GPSRecordFileInfo info;
+  const std::string stem = (path.parent_path() / path.stem()).string();
+  const std::string extension = path.extension().string().substr(1);
+  if (stem.size() > sizeof(info.path) || extension.size() > sizeof(info.extension)) {
+    throw std::length_error("too long for the info: " + path.string());
+  }
+  stem.copy(info.path, stem.size());
+  extension.copy(info.extension, extension.size());
+  info.offset = offset;
+  return info;
+}
+
+/// A record file in a folder of its own.
+class TempFileC {
+ public:
+  TempFileC() : TempFileC(std::vector<std::uint8_t>()) {}
+  explicit TempFileC(const std::vector<std::uint8_t>& bytes, std::string_view name = "file.rec")
+      : path_(folder_.Path() / name) {
+    Write(bytes);
+  }
+
+  void Write(const std::vector<std::uint8_t>& bytes) const {
+    std::ofstream out(path_, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+    if (!out.flush()) throw std::runtime_error("cannot write " + path_.string());
+  }
+  std::vector<std::uint8_t> Bytes() const { return ReadBytes(path_); }
+
+  const std::filesystem::path& Path() const { return path_; }
+  SDI::GPSRecordFileInfo Info(std::uint32_t offset = 0) const { return InfoFor(path_, offset); }
+
+ private:
+  TempFolderC folder_;
+  std::filesystem::path path_;
+};
+
+}  // namespace TestSupport
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_TEMP_FILE_H_
