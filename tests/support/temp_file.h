@@ -44,13 +44,15 @@ class TempFolderC {
   std::filesystem::path path_;
 };
 
-/// The info that names `path`, whose last extension is split off.
+/// The info that names `path`, split at its last dot.
 inline SDI::GPSRecordFileInfo InfoFor(const std::filesystem::path& path, std::uint32_t offset = 0) {
   SDI::GPSRecordFileInfo info;
-  const std::string stem = (path.parent_path() / path.stem()).string();
-  const std::string extension = path.extension().string().substr(1);
+  const std::string whole = path.string();
+  const std::size_t dot = whole.rfind('.');
+  const std::string stem = whole.substr(0, dot);
+  const std::string extension = whole.substr(dot + 1);
   if (stem.size() > sizeof(info.path) || extension.size() > sizeof(info.extension)) {
-    throw std::length_error("too long for the info: " + path.string());
+    throw std::length_error("too long for the info: " + whole);
   }
   stem.copy(info.path, stem.size());
   extension.copy(info.extension, extension.size());
@@ -67,8 +69,11 @@ class TempFileC {
     Write(bytes);
   }
 
+  // Overwrites in place: file systems wait for the disk when a file is emptied and written anew.
   void Write(const std::vector<std::uint8_t>& bytes) const {
-    std::ofstream out(path_, std::ios::binary | std::ios::trunc);
+    if (!std::filesystem::exists(path_)) std::ofstream(path_, std::ios::binary);
+    std::filesystem::resize_file(path_, bytes.size());
+    std::ofstream out(path_, std::ios::binary | std::ios::in);
     out.write(reinterpret_cast<const char*>(bytes.data()),
               static_cast<std::streamsize>(bytes.size()));
     if (!out.flush()) throw std::runtime_error("cannot write " + path_.string());

@@ -1,0 +1,673 @@
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <tests/gnss/record_model.h>
+#include <tests/gnss/stored_fields.h>
+#include <tests/support/frame_builder.h>
+#include <tests/support/temp_file.h>
+#include <unistd.h>
+
+#include <surveydata/gnss/gps_record_file.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using SDI::GPSAntHeightImplC;
+using SDI::GPSMeasDataImplC;
+using SDI::GPSRecordFileC;
+using SDI::GPSRecordFileInfo;
+using TestSupport::ByteVector;
+using TestSupport::FilledMeasurement;
+using TestSupport::FrameBuilderC;
+using TestSupport::StoredFields;
+using TestSupport::StoredIn;
+using TestSupport::TempFileC;
+using TestSupport::TempFolderC;
+using TestSupport::WellFormedFrame;
+
+void ExpectSameInfo(const GPSRecordFileInfo& actual, const GPSRecordFileInfo& expected) {
+  EXPECT_EQ(actual.number, expected.number);
+  EXPECT_EQ(std::string(actual.name, 49), std::string(expected.name, 49));
+  EXPECT_EQ(std::string(actual.extension, 7), std::string(expected.extension, 7));
+  EXPECT_EQ(actual.offset, expected.offset);
+  EXPECT_EQ(std::string(actual.path, 240), std::string(expected.path, 240));
+  EXPECT_EQ(actual.flags, expected.flags);
+}
+
+// Reads over a filled measurement, as the model does; the result is the model's.
+std::uint32_t CheckRead(const ByteVector& bytes, GPSRecordFileInfo info) {
+  GPSMeasDataImplC measurement = FilledMeasurement();
+  StoredFields expected = StoredIn(measurement);
+  info.number = -4711;
+  std::memset(info.name, 'n', sizeof(info.name));
+  info.flags = 0x8000'0000;
+  GPSRecordFileInfo expectedInfo = info;
+  const std::uint32_t result = RecordModel::Read(bytes, expected, expectedInfo);
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), result);
+  EXPECT_EQ(StoredIn(measurement), expected);
+  ExpectSameInfo(info, expectedInfo);
+  return result;
+}
+
+// A read that ends with `result` and changes nothing.
+void ExpectReadChangesNothing(GPSRecordFileInfo info, std::uint32_t result) {
+  GPSMeasDataImplC measurement = FilledMeasurement();
+  const GPSRecordFileInfo before = info;
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), result);
+  EXPECT_EQ(StoredIn(measurement), StoredIn(FilledMeasurement()));
+  ExpectSameInfo(info, before);
+}
+
+ByteVector SmallFrame() {
+  return FrameBuilderC()
+      .Times()
+      .U16(0x0106)
+      .NameUnits(u"P\u00fcnkt 7")
+      .I32(42)
+      .F32(1.75F)
+      .U8(1)
+      .U8(12)
+      .U8(9)
+      .Frame();
+}
+
+// --- Reading ------------------------------------------------------------------------------------
+
+TEST(RecordFileRead, ReadsTheFrameAtTheOffset) {
+  std::mt19937_64 random(1);
+  ByteVector bytes;
+  std::vector<std::uint32_t> offsets;
+  for (unsigned i = 0; i < 40; ++i) {
+    offsets.push_back(static_cast<std::uint32_t>(bytes.size()));
+    const auto flags = static_cast<unsigned>(random() & 0xFFFF);
+    const ByteVector frame = WellFormedFrame(flags, flags, random);
+    bytes.insert(bytes.end(), frame.begin(), frame.end());
+    bytes.insert(bytes.end(), random() % 30, 0x9C);
+  }
+  const TempFileC file(bytes);
+  for (const std::uint32_t offset : offsets) {
+    SCOPED_TRACE(offset);
+    EXPECT_EQ(CheckRead(bytes, file.Info(offset)), 0U);
+  }
+  for (std::uint32_t offset = 0; offset < bytes.size() + 10; ++offset) {
+    SCOPED_TRACE(offset);
+    CheckRead(bytes, file.Info(offset));
+  }
+  EXPECT_EQ(file.Bytes(), bytes);
+}
+
+TEST(RecordFileRead, ASlantHeightHasNoOffset) {
+  const TempFileC file(FrameBuilderC().Times().U16(4).F32(1.5F).U8(1).Frame());
+  GPSMeasDataImplC measurement = FilledMeasurement();
+  GPSRecordFileInfo info = file.Info();
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 0U);
+  EXPECT_TRUE(measurement.GetAntennaHeight().isEqual(GPSAntHeightImplC(1.5F, false, 0.0F)));
+}
+
+TEST(RecordFileRead, AFileThatEndsAnywhereInTheFrameChangesNothing) {
+  std::mt19937_64 random(2);
+  const ByteVector frame = WellFormedFrame(0x3FFF, 0x3FFF, random);
+  const TempFileC file(frame);
+  for (std::size_t size = frame.size(); size-- > 0;) {
+    SCOPED_TRACE(size);
+    fs::resize_file(file.Path(), size);
+    ExpectReadChangesNothing(file.Info(), 0);
+    CheckRead(ByteVector(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(size)),
+              file.Info());
+  }
+}
+
+TEST(RecordFileRead, EveryChangeOfOneByteInAFile) {
+  const ByteVector frame = SmallFrame();
+  const TempFileC file(frame);
+  unsigned results[3] = {};
+  for (std::size_t at = 0; at < frame.size() && !testing::Test::HasFailure(); ++at) {
+    ByteVector changed = frame;
+    for (unsigned step = 1; step <= 255; ++step) {
+      SCOPED_TRACE(testing::Message() << "byte " << at << " plus " << step);
+      changed[at] = static_cast<std::uint8_t>(frame[at] + step);
+      file.Write(changed);
+      const std::uint32_t result = CheckRead(changed, file.Info());
+      // Nothing but a length that leads behind the file's end is no bad frame.
+      EXPECT_TRUE(result == 2 || (result == 0 && (at == 2 || at == 3)));
+      ++results[result];
+    }
+  }
+  EXPECT_GT(results[0], 100U);
+}
+
+TEST(RecordFileRead, Length498IsReadAnd499Refused) {
+  FrameBuilderC b;
+  b.Times().U16(0x0100).U8(1).U8(2).Fill(498 - 19, 0xAB);
+  const ByteVector longest = b.Frame();
+  ASSERT_EQ(longest.size(), 500U);
+  EXPECT_EQ(CheckRead(longest, TempFileC(longest).Info()), 0U);
+  const ByteVector tooLong = b.U8(0).Frame();
+  ExpectReadChangesNothing(TempFileC(tooLong).Info(), 2);
+}
+
+TEST(RecordFileRead, EveryLengthInTheHeader) {
+  const TempFileC file;
+  for (unsigned length = 0; length <= 0xFFFF; length += length < 521 ? 1 : 0xFFFF - 521) {
+    SCOPED_TRACE(length);
+    ByteVector bytes(std::max(length + 2, 600U), 0);
+    bytes[0] = 0x9C;
+    bytes[1] = 0xAE;
+    bytes[4] = 113;
+    RecordModel::PutU16(bytes, 2, length);
+    if (length >= 5) TestSupport::Seal(bytes);
+    file.Write(bytes);
+    EXPECT_EQ(CheckRead(bytes, file.Info()), 17 <= length && length <= 498 ? 0U : 2U);
+  }
+}
+
+TEST(RecordFileRead, ABadBlockLeavesTheBlocksBeforeItStored) {
+  const ByteVector frame =
+      FrameBuilderC().Times(1, 2, 3).U16(0x000C).F32(9.5F).U8(0).U8(2).Fill(12, 0).Frame();
+  const TempFileC file(frame);
+  EXPECT_EQ(CheckRead(frame, file.Info()), 2U);
+  GPSMeasDataImplC measurement;
+  GPSRecordFileInfo info = file.Info();
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 2U);
+  EXPECT_EQ(measurement.GetTimeA(), (Vorlin::TimeC{1, 2}));
+  EXPECT_EQ(measurement.GetTimeB(), (Vorlin::TimeC{0, 3}));
+  EXPECT_TRUE(measurement.GetAntennaHeight().isEqual(GPSAntHeightImplC(9.5F, true, 0.0F)));
+  EXPECT_EQ(measurement.GetExtraTimeCount(), 0);
+}
+
+TEST(RecordFileRead, WithoutArgumentsThereIsNoFile) {
+  const TempFileC file(SmallFrame());
+  GPSMeasDataImplC measurement;
+  GPSRecordFileInfo info = file.Info();
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(nullptr, &info), 1U);
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, nullptr), 1U);
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(nullptr, nullptr), 1U);
+  ExpectSameInfo(info, file.Info());
+}
+
+TEST(RecordFileRead, AReadLeavesTheFileUnlocked) {
+  // The handle is closed on every way out: many more calls than a process may have open files.
+  const TempFileC good(SmallFrame());
+  const TempFileC bad(ByteVector(20, 1));
+  const TempFileC empty;
+  GPSMeasDataImplC measurement;
+  for (int i = 0; i < 3000; ++i) {
+    for (const TempFileC* const file : {&good, &bad, &empty}) {
+      GPSRecordFileInfo info = file->Info();
+      ASSERT_NE(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 1U);
+      ASSERT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), file == &good  ? 0U
+                                                                       : file == &bad ? 2U
+                                                                                      : 1U);
+    }
+  }
+}
+
+// --- Files that cannot be used ------------------------------------------------------------------
+
+void ExpectNoFile(const GPSRecordFileInfo& info, std::uint32_t result) {
+  ExpectReadChangesNothing(info, result);
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  GPSRecordFileInfo writing = info;
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &writing), result);
+  ExpectSameInfo(writing, info);
+}
+
+TEST(RecordFileOpen, AMissingFileIsNoFile) {
+  const TempFolderC folder;
+  ExpectNoFile(TestSupport::InfoFor(folder.Path() / "missing.rec"), 1);
+  ExpectNoFile(TestSupport::InfoFor(folder.Path() / "missing" / "file.rec"), 1);
+  ExpectNoFile(GPSRecordFileInfo(), 1);  // "."
+  EXPECT_TRUE(fs::is_empty(folder.Path()));
+}
+
+TEST(RecordFileOpen, AFolderIsNoFile) {
+  const TempFolderC folder;
+  fs::create_directory(folder.Path() / "folder.rec");
+  ExpectNoFile(TestSupport::InfoFor(folder.Path() / "folder.rec"), 1);
+}
+
+TEST(RecordFileOpen, AFileThatCannotBeWrittenIsNoFile) {
+  // A running program can be read but, by nobody at all, be opened for writing.
+  const TempFolderC folder;
+  fs::create_symlink(fs::read_symlink("/proc/self/exe"), folder.Path() / "running.rec");
+  ASSERT_TRUE(std::ifstream(folder.Path() / "running.rec"));
+  ExpectNoFile(TestSupport::InfoFor(folder.Path() / "running.rec"), 1);
+
+  const TempFileC file(SmallFrame());
+  fs::permissions(file.Path(), fs::perms::owner_read);
+  if (geteuid() != 0) {  // nothing is read-only to root
+    ExpectNoFile(file.Info(), 1);
+  }
+  fs::permissions(file.Path(), fs::perms::owner_all);
+}
+
+TEST(RecordFileOpen, AFileThatCannotBePositionedIsABadFrame) {
+  const TempFolderC folder;
+  const fs::path pipe = folder.Path() / "pipe.rec";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  ExpectNoFile(TestSupport::InfoFor(pipe), 2);
+}
+
+TEST(RecordFileOpen, TheNameIsPathDotExtension) {
+  const ByteVector frame = SmallFrame();
+  for (const char* const name :
+       {"a.b", "with.dots.rec", ".rec", "x.1234567", "\xC3\xA9t\xC3\xA9.r"}) {
+    SCOPED_TRACE(name);
+    const TempFileC file(frame, name);
+    EXPECT_EQ(CheckRead(frame, file.Info()), 0U);
+  }
+  // The extension may be empty: the dot stays.
+  const TempFileC file(frame, "file.");
+  GPSRecordFileInfo info;
+  const std::string path = (file.Path().parent_path() / "file").string();
+  path.copy(info.path, path.size());
+  EXPECT_EQ(CheckRead(frame, info), 0U);
+}
+
+TEST(RecordFileOpen, TextsThatFillTheirArraysEndThere) {
+  const ByteVector frame = SmallFrame();
+  const TempFolderC folder;
+  std::string path = folder.Path().string() + "/";
+  while (path.size() + 101 < 240) {  // names have limits of their own
+    path += std::string(100, 'd') + "/";
+    fs::create_directory(path);
+  }
+  path += std::string(240 - path.size(), 'f');
+  std::ofstream(path + ".sevench", std::ios::binary)
+      .write(reinterpret_cast<const char*>(frame.data()),
+             static_cast<std::streamsize>(frame.size()));
+  // A heap block of its own: the address checks see a read behind the last array, and the members
+  // behind `extension` and `path` hold no zero byte.
+  const auto info = std::make_unique<GPSRecordFileInfo>();
+  path.copy(info->path, 240);
+  std::memcpy(info->extension, "sevench", 7);
+  info->flags = 0x7F7F7F7F;
+  GPSMeasDataImplC measurement;
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, info.get()), 0U);
+  EXPECT_EQ(measurement.GetAntennaHeight().GetVerticalHeight(), 1.75F);
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, info.get()), 0U);
+}
+
+// --- Far offsets --------------------------------------------------------------------------------
+
+TEST(RecordFileOffsets, OfTwoGigabytesAndMore) {
+  const ByteVector frame = SmallFrame();
+  const TempFileC file;
+  for (const std::uint32_t offset : {0x7FFF'FFF0U, 0x8000'0000U, 0xFFFF'FFFFU}) {
+    SCOPED_TRACE(offset);
+    std::error_code failed;
+    fs::resize_file(file.Path(), std::uint64_t{offset} + frame.size(), failed);  // sparse
+    if (failed) GTEST_SKIP() << "no room for a sparse file: " << failed.message();
+    std::fstream stream(file.Path(), std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(offset);
+    stream.write(reinterpret_cast<const char*>(frame.data()),
+                 static_cast<std::streamsize>(frame.size()));
+    ASSERT_TRUE(stream.flush());
+
+    GPSMeasDataImplC measurement;
+    GPSRecordFileInfo info = file.Info(offset);
+    ASSERT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 0U);
+    EXPECT_EQ(info.number, 42);
+    EXPECT_EQ(measurement.GetSetMask(), 0x000A);
+    info.number = 43;
+    ASSERT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
+    info.number = 0;
+    ASSERT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 0U);
+    EXPECT_EQ(info.number, 43);
+    EXPECT_EQ(fs::file_size(file.Path()), std::uint64_t{offset} + frame.size());
+  }
+}
+
+TEST(RecordFileOffsets, BehindTheEndOfTheFile) {
+  const ByteVector frame = SmallFrame();
+  const TempFileC file(frame);
+  const GPSMeasDataImplC measurement;
+  for (const std::uint32_t offset :
+       {static_cast<std::uint32_t>(frame.size()), 1'000'000U, 0x8000'0000U, 0xFFFF'FFFFU}) {
+    ExpectReadChangesNothing(file.Info(offset), 0);
+    GPSRecordFileInfo info = file.Info(offset);
+    EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 1U);
+  }
+  EXPECT_EQ(file.Bytes(), frame);
+}
+
+// --- Writing ------------------------------------------------------------------------------------
+
+// Writes as the model does, and compares the whole file; the result is the model's.
+std::uint32_t CheckWrite(const TempFileC& file, const ByteVector& bytes,
+                         const GPSMeasDataImplC* measurement, GPSRecordFileInfo info) {
+  file.Write(bytes);
+  ByteVector expected = bytes;
+  StoredFields stored;
+  if (measurement != nullptr) stored = StoredIn(*measurement);
+  const std::uint32_t result =
+      RecordModel::Write(expected, measurement != nullptr ? &stored : nullptr, info);
+  const GPSRecordFileInfo before = info;
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(measurement, &info), result);
+  EXPECT_EQ(file.Bytes(), expected);
+  ExpectSameInfo(info, before);
+  if (measurement != nullptr) {
+    EXPECT_EQ(StoredIn(*measurement), stored);
+  }
+  return result;
+}
+
+void SetName(GPSRecordFileInfo& info, const std::string& name) {
+  std::memset(info.name, 0, sizeof(info.name));
+  name.copy(info.name, sizeof(info.name));
+}
+
+ByteVector Surrounded(const ByteVector& frame, std::size_t before, std::size_t after) {
+  ByteVector bytes(before, 0x5A);
+  bytes.insert(bytes.end(), frame.begin(), frame.end());
+  bytes.insert(bytes.end(), after, 0xA5);
+  return bytes;
+}
+
+TEST(RecordFileWrite, EveryCombinationOfTheThreeBlocks) {
+  std::mt19937_64 random(5);
+  const TempFileC file;
+  GPSMeasDataImplC slant;
+  slant.SetAntennaHeight(GPSAntHeightImplC(2.0F, false, 0.12F));
+  GPSMeasDataImplC vertical;
+  vertical.SetAntennaHeight(GPSAntHeightImplC(1.25F, true, 0.5F));
+  GPSMeasDataImplC tooShort;
+  tooShort.SetAntennaHeight(GPSAntHeightImplC(0.1F, false, 0.2F));
+  GPSMeasDataImplC absent = slant;
+  absent.Reset();  // the height is held, but not set
+  const GPSMeasDataImplC* const measurements[] = {&slant, &vertical, &tooShort, &absent, nullptr};
+  for (unsigned blocks = 0; blocks < 8; ++blocks) {
+    for (const unsigned others : {0U, 0x3FF8U, 0xFFF8U, 0x0100U}) {
+      const ByteVector frame = WellFormedFrame(blocks | others, 0x3FFF, random);
+      for (const GPSMeasDataImplC* const measurement : measurements) {
+        for (const std::uint32_t flags : {0U, 1U, 2U, 3U, 0xFFFF'FFFEU}) {
+          SCOPED_TRACE(testing::Message() << blocks << ' ' << others << ' ' << flags);
+          GPSRecordFileInfo info = file.Info(33);
+          info.flags = flags;
+          info.number = static_cast<std::int32_t>(random());
+          SetName(info, "P\xC3\xBCnkt");
+          EXPECT_EQ(CheckWrite(file, Surrounded(frame, 33, 70), measurement, info), 0U);
+        }
+      }
+    }
+  }
+}
+
+// The rules once without the model: which bytes change, and to what.
+TEST(RecordFileWrite, ChangesKindNameNumberHeightAndChecksumAlone) {
+  const ByteVector frame = FrameBuilderC()
+                               .Times()
+                               .U16(0x0107)
+                               .Fill(6, 0xEE)
+                               .U8(9)
+                               .Fill(5, 0xEE)
+                               .NameUnits(u"before")
+                               .I32(1)
+                               .F32(5.0F)
+                               .U8(9)
+                               .U8(12)
+                               .U8(9)
+                               .Fill(3, 0xEE)
+                               .Frame();
+  const TempFileC file(frame);
+  GPSMeasDataImplC measurement;
+  measurement.SetAntennaHeight(GPSAntHeightImplC(5.0F, false, 3.0F));
+  measurement.SetTimeA({1, 1});  // nothing of a measurement but its antenna height is written
+  measurement.SetTotalPair(99, 99);
+  GPSRecordFileInfo info = file.Info();
+  info.number = -2;
+  info.flags = 0x1;
+  SetName(info, "n\xC3\xA9w");
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
+  const ByteVector expected = FrameBuilderC()
+                                  .Times()
+                                  .U16(0x0107)
+                                  .Fill(6, 0xEE)
+                                  .U8(0)
+                                  .Fill(5, 0xEE)
+                                  .NameUnits(u"n\u00e9w")
+                                  .I32(-2)
+                                  .F32(4.0F)  // vertical, although the kind says slant
+                                  .U8(1)
+                                  .U8(12)
+                                  .U8(9)
+                                  .Fill(3, 0xEE)
+                                  .Frame();
+  EXPECT_EQ(file.Bytes(), expected);
+}
+
+TEST(RecordFileWrite, WithoutASetAntennaHeightZeroAndVerticalIsWritten) {
+  const TempFileC file(FrameBuilderC().Times().U16(4).F32(5.0F).U8(1).Frame());
+  GPSMeasDataImplC measurement = FilledMeasurement();
+  measurement.Reset();
+  GPSRecordFileInfo info = file.Info();
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
+  EXPECT_EQ(file.Bytes(), FrameBuilderC().Times().U16(4).F32(0.0F).U8(0).Frame());
+}
+
+TEST(RecordFileWrite, WithoutAMeasurementTheFrameIsTakenToHaveTheFirstTwoBlocks) {
+  // The frame has neither: the bytes at their positions belong to a vector and more.
+  FrameBuilderC b;
+  b.Times().U16(0x0200).Fill(70, 0xEE);
+  const TempFileC file(b.Frame());
+  GPSRecordFileInfo info = file.Info();
+  info.number = 0x01020304;
+  SetName(info, "ab");
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(nullptr, &info), 0U);
+  FrameBuilderC expected;
+  expected.Times().U16(0x0200).Fill(6, 0xEE).U8(1).Fill(5, 0xEE).NameUnits(u"ab").I32(0x01020304);
+  expected.Fill(20, 0xEE);
+  EXPECT_EQ(file.Bytes(), expected.Frame());
+}
+
+TEST(RecordFileWrite, NamesOfEveryKind) {
+  const TempFileC file;
+  const ByteVector frame = FrameBuilderC().Times().U16(3).Fill(12, 1).Fill(38, 2).Frame();
+  const GPSMeasDataImplC measurement;
+  std::vector<std::string> names = {
+      "",
+      "a",
+      std::string(16, 'x'),
+      std::string(17, 'x'),
+      std::string(18, 'x'),  // cut after 17 units
+      std::string(48, 'x'),
+      std::string(49, 'x'),  // without a terminator
+      "ab\xFF"
+      "cd",  // a fault: the units before it
+      "ab\x80"
+      "cd",
+      "ab\xF0\x9F\x98\x80"
+      "cd",
+      "ab\xC3"
+      "cd",
+      std::string(48, 'x') + "\xC3",  // a sequence that the field's end cuts
+      std::string("ab\0cd", 5),
+      "\xED\xA0\xBD\xED\xB8\x80",  // surrogates are units like any other
+      "\xC0\x80"
+      "ab",  // overlong forms are accepted
+  };
+  for (const std::size_t length : {15U, 16U, 17U}) {
+    std::string euros;
+    for (std::size_t i = 0; i < length; ++i) euros += "\xE2\x82\xAC";
+    names.push_back(euros);
+  }
+  for (const std::string& name : names) {
+    SCOPED_TRACE(testing::PrintToString(name));
+    GPSRecordFileInfo info = file.Info();
+    SetName(info, name);
+    EXPECT_EQ(CheckWrite(file, frame, &measurement, info), 0U);
+  }
+  std::mt19937_64 random(6);
+  for (int round = 0; round < 2000; ++round) {
+    GPSRecordFileInfo info = file.Info();
+    for (char& c : info.name) {
+      constexpr unsigned char kBytes[] = {'a', 'b', 0xC3, 0xA9, 0xE2, 0x82, 0xAC, 0x7F};
+      c = static_cast<char>(random() % 16 != 0 ? kBytes[random() % 8] : random());
+    }
+    ASSERT_EQ(CheckWrite(file, frame, nullptr, info), 0U);
+    ASSERT_FALSE(testing::Test::HasFailure());
+  }
+}
+
+// The first sequence of the last bytes would need the byte behind the array, which is the first of
+// the extension.
+TEST(RecordFileWrite, TheByteBehindTheNameIsNotRead) {
+  const TempFileC file(FrameBuilderC().Times().U16(2).Fill(38, 2).Frame(), "file.\xA9");
+  GPSRecordFileInfo info = file.Info();
+  std::string name;
+  for (int i = 0; i < 16; ++i) name += "\xE2\x82\xAC";  // 48 bytes
+  SetName(info, name + "\xC3");
+  const GPSMeasDataImplC measurement;
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
+  EXPECT_EQ(file.Bytes(),
+            FrameBuilderC().Times().U16(2).NameUnits(std::u16string(16, u'\u20ac')).I32(0).Frame());
+}
+
+// Frames in which the positions of the patches lie behind the frame or across its checksum.
+TEST(RecordFileWrite, NoPatchLeavesAShortFrame) {
+  std::mt19937_64 random(7);
+  const TempFileC file;
+  GPSMeasDataImplC measurement;
+  measurement.SetAntennaHeight(GPSAntHeightImplC(2.0F, false, 0.5F));
+  for (unsigned length = 5; length <= 80; ++length) {
+    for (unsigned flags = 0; flags < 8; ++flags) {
+      for (const GPSMeasDataImplC* const with :
+           {&measurement, static_cast<GPSMeasDataImplC*>(nullptr)}) {
+        SCOPED_TRACE(testing::Message() << length << ' ' << flags);
+        ByteVector frame = FrameBuilderC().Noise(length - 5, random).Frame();
+        ASSERT_EQ(frame.size(), length + 2);
+        if (length >= 17) {
+          RecordModel::PutU16(frame, 15, flags);
+          TestSupport::Seal(frame);
+        }
+        GPSRecordFileInfo info = file.Info(11);
+        info.number = -1;
+        SetName(info, "a name of 17 char");
+        EXPECT_EQ(CheckWrite(file, Surrounded(frame, 11, 100), with, info), 0U);
+      }
+    }
+  }
+}
+
+// With a length of 15 the flags word is the checksum itself, with 16 half of it.
+TEST(RecordFileWrite, FramesTooShortForAFlagsWord) {
+  const TempFileC file;
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  for (unsigned value = 0; value < 256; ++value) {
+    for (const std::size_t payload : {8U, 9U, 10U, 11U, 12U}) {
+      const ByteVector frame = TestSupport::FrameOf(payload, value);
+      GPSRecordFileInfo info = file.Info(3);
+      SetName(info, "name");
+      EXPECT_EQ(CheckWrite(file, Surrounded(frame, 3, 100), &measurement, info), 0U);
+    }
+  }
+}
+
+// A frame that the file's end cuts is not patched, but written out whole.
+TEST(RecordFileWrite, FramesThatTheEndOfTheFileCuts) {
+  std::mt19937_64 random(8);
+  const TempFileC file;
+  const ByteVector frame = Surrounded(WellFormedFrame(0x3FFF, 0x3FFF, random), 9, 0);
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  for (std::size_t size = 0; size <= frame.size(); ++size) {
+    SCOPED_TRACE(size);
+    const ByteVector cut(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(size));
+    GPSRecordFileInfo info = file.Info(9);
+    SetName(info, "name");
+    EXPECT_EQ(CheckWrite(file, cut, &measurement, info), size < 9 + 5 ? 1U : 0U);
+    if (size >= 9 + 5) {
+      const ByteVector whole = file.Bytes();
+      EXPECT_EQ(whole.size(), frame.size());
+      CheckRead(whole, info);  // the checksum is right; the zeros may or may not make blocks
+    }
+  }
+}
+
+TEST(RecordFileWrite, ACutFrameHasZerosBehindTheCutAndARightChecksum) {
+  const ByteVector frame = FrameBuilderC().Times().U16(0x0004).F32(5.0F).U8(1).Frame();
+  const TempFileC file(ByteVector(frame.begin(), frame.begin() + 20));
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  GPSRecordFileInfo info = file.Info();
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
+  ByteVector expected(frame.begin(), frame.begin() + 20);
+  expected.resize(frame.size());
+  TestSupport::Seal(expected);
+  EXPECT_EQ(file.Bytes(), expected);
+}
+
+TEST(RecordFileWrite, BadFramesAreLeftAsTheyAre) {
+  const ByteVector frame = SmallFrame();
+  const TempFileC file;
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  for (std::size_t at = 0; at < frame.size(); ++at) {
+    for (const unsigned step : {1U, 0x80U}) {
+      SCOPED_TRACE(at);
+      ByteVector changed = Surrounded(frame, 5, 600);
+      changed[5 + at] = static_cast<std::uint8_t>(changed[5 + at] + step);
+      EXPECT_EQ(CheckWrite(file, changed, &measurement, file.Info(5)), 2U);
+      EXPECT_EQ(CheckWrite(file, changed, nullptr, file.Info(5)), 2U);
+      EXPECT_EQ(file.Bytes(), changed);
+    }
+  }
+}
+
+TEST(RecordFileWrite, EveryLengthInTheHeader) {
+  const TempFileC file;
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  for (unsigned length = 0; length <= 0xFFFF; length += length < 521 ? 1 : 0xFFFF - 521) {
+    SCOPED_TRACE(length);
+    ByteVector bytes(std::max(length + 2, 600U), 0);
+    bytes[0] = 0x9C;
+    bytes[1] = 0xAE;
+    bytes[4] = 113;
+    RecordModel::PutU16(bytes, 2, length);
+    if (length >= 5) TestSupport::Seal(bytes);
+    if (length >= 17) bytes[15] = 7;
+    if (length >= 5) TestSupport::Seal(bytes);
+    EXPECT_EQ(CheckWrite(file, bytes, &measurement, file.Info()),
+              5 <= length && length <= 498 ? 0U : 2U);
+  }
+}
+
+TEST(RecordFileWrite, WithoutAnInfoThereIsNoFile) {
+  const GPSMeasDataImplC measurement;
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, nullptr), 1U);
+  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(nullptr, nullptr), 1U);
+}
+
+TEST(RecordFileWrite, WhatIsWrittenIsReadBack) {
+  std::mt19937_64 random(9);
+  const TempFileC file;
+  for (int round = 0; round < 200; ++round) {
+    file.Write(WellFormedFrame(0x0007 | static_cast<unsigned>(random() & 0xFFFF), 0x3FFF, random));
+    GPSMeasDataImplC before;
+    GPSRecordFileInfo info = file.Info();
+    ASSERT_EQ(GPSRecordFileC::ReadGPSMeasData(&before, &info), 0U);
+    GPSMeasDataImplC changed = before;
+    changed.SetAntennaHeight(GPSAntHeightImplC(static_cast<float>(round), true, 0.0F));
+    info.number = round;
+    info.flags = round % 2 == 0 ? GPSRecordFileInfo::kKindZero : 0;
+    SetName(info, "point " + std::to_string(round));
+    ASSERT_EQ(GPSRecordFileC::WriteGPSMeasData(&changed, &info), 0U);
+    GPSMeasDataImplC after;
+    GPSRecordFileInfo read = file.Info();
+    ASSERT_EQ(GPSRecordFileC::ReadGPSMeasData(&after, &read), 0U);
+    EXPECT_EQ(StoredIn(after), StoredIn(changed));
+    EXPECT_EQ(read.number, round);
+    EXPECT_EQ(std::string(read.name), "point " + std::to_string(round));
+    EXPECT_EQ(read.flags, round % 2 == 0 ? 1U : 2U);
+  }
+}
+
+}  // namespace
