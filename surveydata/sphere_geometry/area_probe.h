@@ -1,0 +1,46 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_AREA_PROBE_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_AREA_PROBE_H_
+
+#include <cmath>
+#include <vector>
+
+#include <surveydata/sphere_geometry/angles.h>
+
+/// \file
+/// The single steps by which a direction is found inside an area or outside.
+
+namespace GMAT {
+
+/// The point of the (Hz, V) plane at which the distance of a direction from the boundary is
+/// measured.
+AnglePointC BandProbe(double hz, double v, double hzOrigin);
+
+/// Whether neither end of the edge is farther from the probe than from the other end.
+bool IsBeside(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b);
+
+/// Whether the edge brings the probe within the tolerance of the boundary.
+bool IsInBand(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b);
+
+/// How far from an edge's box in the (Hz, V) plane a probe in its band may lie: more than half of
+/// `CONTAINS_TOLERANCE` with its rounding.
+inline constexpr double kBandReach = 1e-5;
+
+/// False only where `IsInBand` is false.
+inline bool IsNearBox(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b) {
+  constexpr double kLargeEdge = 1e6;  // of this length on, rounding could exceed the reach
+  if (!(std::fabs(a.Hz - b.Hz) < kLargeEdge && std::fabs(a.V - b.V) < kLargeEdge)) return true;
+  const auto isApart = [](double x, double end1, double end2) {
+    return (x < end1 - kBandReach && x < end2 - kBandReach) ||
+           (x > end1 + kBandReach && x > end2 + kBandReach);
+  };
+  return !isApart(probe.Hz, a.Hz, b.Hz) && !isApart(probe.V, a.V, b.V);
+}
+
+/// Whether a direction at `v` is inside, given where its meridian crosses the edges: something must
+/// lie at or above it (or the zenith inside), and an odd number of crossings below. Crossings that
+/// agree to 10 digits count as one. Reorders and shortens `crossings`.
+bool IsInsideByParity(std::vector<double>& crossings, double v, bool enclosesZenith);
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_AREA_PROBE_H_

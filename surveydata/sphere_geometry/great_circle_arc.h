@@ -1,0 +1,64 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_GREAT_CIRCLE_ARC_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_GREAT_CIRCLE_ARC_H_
+
+#include <surveydata/sphere_geometry/sphere_point.h>
+
+namespace GMAT {
+
+/// The shorter arc of the great circle through two points.
+///
+/// Not valid when the ends are equal, antipodal, or both at a pole (either one): these have no arc
+/// of their own.
+class GreatCircleArcC {
+ public:
+  GreatCircleArcC(const SpherePointC& start, const SpherePointC& end);
+
+  const SpherePointC& GetStart() const { return start_; }
+  const SpherePointC& GetEnd() const { return end_; }
+  bool IsValid() const { return valid_; }
+  /// Whether the arc runs along a meridian: equal or opposite longitudes, or an end at a pole.
+  /// Longitudes are compared as they stand, `end` + pi alone is normalised.
+  bool IsMeridian() const { return meridian_; }
+  /// Whether both ends lie on the equator.
+  bool IsEquator() const { return equator_; }
+  /// Whether the ends lie on opposite meridians, whatever the turn of their longitudes.
+  bool IsOpposite() const { return opposite_; }
+
+  /// The course at the start towards the end, from north over east, in [0, 2 pi).
+  /// \source c = atan(sin d / (tan latE cos latS - cos d sin latS)), d = lonE - lonS, brought into
+  ///         the half turn that the sign of d asks for.
+  double GetCourse() const;
+
+  /// The point of the arc's great circle that lies nearest a pole.
+  ///
+  /// \param latitude, longitude  set on success to the vertex in the hemisphere of the start; the
+  ///                             longitude is not normalised.
+  /// \return false, with both untouched, when the arc is not valid.
+  /// \accuracy for the course as computed, latitude within `kVertexAccuracy`: arcs along the
+  ///           equator are the worst, where the arc cosine is steepest.
+  /// \source Clairaut's relation, cos(latV) = |sin c cos latS|; Napier's rule in the right triangle
+  ///         at the vertex, tan(lonV - lonS) = 1 / (sin latS tan c).
+  bool GetVertex(double& latitude, double& longitude) const;
+
+  /// The longitudes, in [0, 2 pi), at which the whole great circle crosses the circle of latitude
+  /// `latitude`; NaN where it does not.
+  /// \return false, with both untouched, when the arc is not valid or lies on the equator.
+  /// \source cos(lon - lonV) = tan(latitude) / tan(latV), from the vertex and from its antipode.
+  bool GetLatitudeCrossings(double latitude, double& longitude1, double& longitude2) const;
+
+ private:
+  SpherePointC start_;
+  SpherePointC end_;
+  bool valid_ = false;
+  bool meridian_ = false;
+  bool equator_ = false;
+  bool opposite_ = false;
+};
+
+/// What the vertex of an arc may be off in latitude, rad: the square root of twice the rounding of
+/// a cosine near 1.
+inline constexpr double kVertexAccuracy = 2.2e-8;
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_GREAT_CIRCLE_ARC_H_

@@ -1,0 +1,106 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/ring_crossings.h>
+
+namespace GMAT {
+namespace {
+
+bool CrossAsArcs(const AnglePointC& a1, const AnglePointC& a2, const AnglePointC& b1,
+                 const AnglePointC& b2) {
+  AnglePointC crossing;
+  return FindSphericalCrossing(ArcEdgeC(SpherePointC(a1), SpherePointC(a2)),
+                               ArcEdgeC(SpherePointC(b1), SpherePointC(b2)), crossing);
+}
+
+struct Box {
+  double hzMin;
+  double hzMax;
+  double vMin;
+  double vMax;
+  std::uint32_t edge;
+};
+
+}  // namespace
+
+bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
+  if (edges.front() != edges.back()) return false;  // winds around the axis
+  AnglePointC centre{0.0, 0.0};
+  for (std::size_t i = 0; i < edges.size(); i += 2) {
+    centre.Hz += edges[i].Hz;
+    centre.V += edges[i].V;
+  }
+  const double count = static_cast<double>(edges.size() / 2);
+  centre.Hz /= count;
+  centre.V /= count;
+
+  // Each edge fills a sector of its own. Two that are no neighbours are apart by the sector of
+  // another one, so by at least the smallest radius times the sine of the smallest sector. Where
+  // that exceeds the margin, the computed crossing of their lines lies outside one of them: far
+  // outside when the lines are nearly parallel, for then its error grows with its distance.
+  constexpr double kApart = 1e-8;
+  const bool isClockwise = (edges[0].Hz - centre.Hz) * (edges[1].V - centre.V) <
+                           (edges[0].V - centre.V) * (edges[1].Hz - centre.Hz);
+  double smallestRadius = 1.0;
+  double smallestSine = 1.0;
+  int turns = 0;
+  for (std::size_t i = 0; i < edges.size(); i += 2) {
+    const double x1 = edges[i].Hz - centre.Hz;
+    const double y1 = isClockwise ? centre.V - edges[i].V : edges[i].V - centre.V;
+    const double x2 = edges[i + 1].Hz - centre.Hz;
+    const double y2 = isClockwise ? centre.V - edges[i + 1].V : edges[i + 1].V - centre.V;
+    const double cross = x1 * y2 - y1 * x2;
+    if (!(cross > 0.0)) return false;
+    const double length = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
+    const double radii = std::sqrt((x1 * x1 + y1 * y1) * (x2 * x2 + y2 * y2));
+    smallestRadius = std::min(smallestRadius, cross / length);
+    smallestSine = std::min(smallestSine, cross / radii);
+    if (y1 < 0.0 && y2 >= 0.0) ++turns;
+  }
+  return turns == 1 && smallestRadius * smallestSine > kApart;
+}
+
+bool CrossesItself(const std::vector<AnglePointC>& edges) {
+  const std::size_t count = edges.size() / 2;
+  std::vector<Box> boxes(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const AnglePointC& a = edges[2 * i];
+    const AnglePointC& b = edges[2 * i + 1];
+    boxes[i] = {std::min(a.Hz, b.Hz), std::max(a.Hz, b.Hz), std::min(a.V, b.V), std::max(a.V, b.V),
+                static_cast<std::uint32_t>(i)};
+  }
+  std::sort(boxes.begin(), boxes.end(),
+            [](const Box& a, const Box& b) { return a.hzMin < b.hzMin; });
+
+  // A crossing in the plane lies in both boxes to 10 digits, so boxes that are apart by more than
+  // the margin need no test. Edges enter in the order of their lower Hz and leave when passed.
+  std::vector<Box> active;
+  for (const Box& box : boxes) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < active.size(); ++i) {
+      const Box& other = active[i];
+      if (other.hzMax + kRoundingMargin < box.hzMin) continue;
+      if (other.vMax + kRoundingMargin >= box.vMin && box.vMax + kRoundingMargin >= other.vMin) {
+        const auto [first, second] = std::minmax(box.edge, other.edge);
+        const bool areNeighbours = second - first < 2 || (first == 0 && second + 1 == count);
+        AnglePointC crossing;
+        if (!areNeighbours &&
+            FindPlanarCrossing(edges[2 * first], edges[2 * first + 1], edges[2 * second],
+                               edges[2 * second + 1], crossing) &&
+            CrossAsArcs(edges[2 * first], edges[2 * first + 1], edges[2 * second],
+                        edges[2 * second + 1])) {
+          return true;
+        }
+      }
+      active[kept++] = other;
+    }
+    active.resize(kept);
+    active.push_back(box);
+  }
+  return false;
+}
+
+}  // namespace GMAT

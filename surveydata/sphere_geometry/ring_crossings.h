@@ -1,0 +1,23 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_RING_CROSSINGS_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_RING_CROSSINGS_H_
+
+#include <vector>
+
+#include <surveydata/sphere_geometry/angles.h>
+
+namespace GMAT {
+
+/// Whether the ring is seen to be star-shaped about the mean of its points in the (Hz, V) plane.
+/// Then no two points are equal and no two edges that are no neighbours cross in the plane. False
+/// says nothing.
+/// \cost linear.
+bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
+
+/// Whether two edges that are no neighbours cross, both as arcs and in the plane. All angles lie in
+/// a few turns.
+/// \cost n log n, and one for every pair of edges that share a range of Hz.
+bool CrossesItself(const std::vector<AnglePointC>& edges);
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_RING_CROSSINGS_H_

@@ -1,0 +1,132 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_SPHERE_AREA_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_SPHERE_AREA_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <surveydata/sphere_geometry/angles.h>
+
+namespace GMAT {
+
+/// A direction this near the boundary (half of it on either side) counts as inside.
+inline constexpr double CONTAINS_TOLERANCE = GonToRad(0.001);
+
+/// The root of what manages areas.
+class AreaManagerI {
+ public:
+  AreaManagerI() = default;
+  AreaManagerI(const AreaManagerI&) = default;
+  AreaManagerI& operator=(const AreaManagerI&) = default;
+  virtual ~AreaManagerI() = default;
+};
+
+/// A region of the sphere of directions, given by its corners.
+///
+/// Two corners span a rectangle with straight edges in the (Hz, V) plane. Three or more are a
+/// closed polygon whose edges are arcs of great circles. Any points are stored, also those that
+/// make the area invalid; NaN and infinities answer false and never more.
+///
+/// Nothing is kept between calls. Each question is answered as its comment says, bit for bit, on
+/// whatever way is the cheapest.
+class SphereAreaC : public AreaManagerI {
+ public:
+  SphereAreaC() = default;
+  SphereAreaC(const SphereAreaC&) = default;
+  SphereAreaC& operator=(const SphereAreaC&) = default;
+  ~SphereAreaC() override;
+
+  virtual void Clear();
+  /// Nothing happens to an empty area.
+  virtual void RemoveLastPoint();
+  virtual std::size_t GetPointCount() const;
+  /// Appends a direction, brought into the first face (`ToFirstFace`). Always true.
+  virtual bool AddPoint(const double& hz, const double& v);
+  virtual bool AddPoints(const std::vector<AnglePointC>& points);
+
+  /// Whether there are two or more points, all with Hz in [0, 2 pi] and V in [0, pi] to 10 digits,
+  /// no two exactly equal, and no two edges that are no neighbours cross, both as arcs and in the
+  /// (Hz, V) plane.
+  /// \cost n log n for n points when few edges share a range of Hz and V, and n for a ring that is
+  ///       star-shaped about the mean of its points; the square of n at worst.
+  virtual bool IsValid() const;
+
+  /// The bounds. `hzMax` is above `hzMin` and may exceed 2 pi.
+  ///
+  /// A polygon that winds around the vertical axis encloses the zenith: its Hz bounds are a full
+  /// turn that begins 1e-6 behind the first point, its `vMax` is `V_LIMIT`.
+  /// \param noClamp  whether `vMin` and `vMax` stay as they are, instead of being brought into
+  ///                 [0, `V_LIMIT`].
+  /// \return whether the area encloses the zenith or is valid. The bounds are set in any case but
+  ///         that of fewer than two points.
+  virtual bool GetExtents(double& hzMin, double& hzMax, double& vMin, double& vMax,
+                          bool& enclosesZenith, bool noClamp) const;
+
+  /// Whether a direction lies inside or within the tolerance of the boundary.
+  /// \cost that of `IsValid`.
+  virtual bool Contains(const double& hz, const double& v) const;
+
+  // The inner questions.
+
+  /// The edges as pairs of points, start and end, in one continuous Hz frame whose smallest Hz is
+  /// 0 and stands for `hzOrigin`. False with fewer than two points.
+  bool BuildEdgeList(std::vector<AnglePointC>& edges, double& hzOrigin) const;
+
+  /// The distance of a direction from the nearest edge that it lies beside, measured in the plane
+  /// of (Hz, V) at Hz + `hzOrigin`; the closing edge of a polygon is left out. The largest finite
+  /// double when there is none.
+  double DistanceToBoundary(double hz, double v) const;
+
+  /// Brings `a` and `b` into [0, `V_LIMIT`]; when `clamp` is false, fails instead. An area without
+  /// a limit accepts everything.
+  bool ClampV(double& a, double& b, bool clamp) const;
+
+  /// Where the meridian of `probe` (`vertical`), or its circle of latitude, crosses the edges; in
+  /// ascending order of V or of Hz. Hz is in the frame of the edges.
+  /// \return false when the extents fail, when the line is no arc of its own (a meridian from pole
+  ///         to pole, or a single point), or when an area around the zenith is asked for a circle.
+  bool SearchLine(const AnglePointC& probe, bool vertical, std::vector<AnglePointC>& out) const;
+
+  const std::vector<AnglePointC>& GetPoints() const { return points_; }
+  /// Whether `ClampV` leaves V alone; no operation sets it.
+  bool IsVUnlimited() const { return unlimitedV_; }
+
+ protected:
+  void SetVUnlimited(bool unlimited) { unlimitedV_ = unlimited; }
+
+ private:
+  friend class PreparedSphereAreaC;
+
+  // The edges and the bounds before any clamping.
+  struct Frame {
+    std::vector<AnglePointC> edges;
+    double hzOrigin = 0.0;
+    double hzMin = 0.0;
+    double hzMax = 0.0;
+    double vMin = 0.0;
+    double vMax = 0.0;
+    bool enclosesZenith = false;
+  };
+
+  bool IsPolygon() const { return points_.size() > 2; }
+  // False with fewer than two points.
+  bool BuildFrame(Frame& frame) const;
+  bool IsRingValid(const std::vector<AnglePointC>& edges) const;
+  bool ArePointsValid() const;
+  bool HasEqualPoints() const;
+  bool IsWithinBoundaryBand(const Frame& frame, double hz, double v) const;
+  // Unsorted; false when the search line is no arc.
+  bool FindMeridianCrossings(const Frame& frame, double h, std::vector<AnglePointC>& out) const;
+
+  // Reserved: no operation reads them.
+  [[maybe_unused]] std::uint32_t reserved1_ = 1;
+  [[maybe_unused]] std::uint64_t reserved2_ = 0;
+  [[maybe_unused]] bool reserved3_ = false;
+  [[maybe_unused]] std::uint64_t reserved4_ = 0;
+  std::vector<AnglePointC> points_;
+  bool unlimitedV_ = false;
+};
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_SPHERE_AREA_H_

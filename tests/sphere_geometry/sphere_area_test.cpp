@@ -1,0 +1,463 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/sphere_geometry/great_circle_arc.h>
+#include <surveydata/sphere_geometry/sphere_area.h>
+
+namespace GMAT {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+SphereAreaC Area(const std::vector<AnglePointC>& points) {
+  SphereAreaC area;
+  area.AddPoints(points);
+  return area;
+}
+
+struct Extents {
+  double hzMin = -1.0;
+  double hzMax = -2.0;
+  double vMin = -3.0;
+  double vMax = -4.0;
+  bool enclosesZenith = false;
+  bool result = false;
+};
+
+Extents Measure(const SphereAreaC& area, bool noClamp = false) {
+  Extents e;
+  e.result = area.GetExtents(e.hzMin, e.hzMax, e.vMin, e.vMax, e.enclosesZenith, noClamp);
+  return e;
+}
+
+std::vector<AnglePointC> RingAtV(double v, int n, double start = 0.0) {
+  std::vector<AnglePointC> ring;
+  for (int i = 0; i < n; ++i) ring.push_back({NormalizeAngle(start + TWO_PI * i / n), v});
+  return ring;
+}
+
+const std::vector<AnglePointC> kQuad = {{1.0, 1.0}, {2.0, 1.0}, {2.0, 1.5}, {1.0, 1.5}};
+
+static_assert(sizeof(SphereAreaC) == 72);
+
+TEST(SphereArea, PointsAreAddedCountedAndRemoved) {
+  SphereAreaC area;
+  EXPECT_EQ(area.GetPointCount(), 0u);
+  area.RemoveLastPoint();
+  EXPECT_EQ(area.GetPointCount(), 0u);
+  EXPECT_TRUE(area.AddPoint(1.0, 0.5));
+  EXPECT_TRUE(area.AddPoints({{2.0, 0.6}, {3.0, 3.5}}));
+  ASSERT_EQ(area.GetPointCount(), 3u);
+  EXPECT_EQ(area.GetPoints()[2], (AnglePointC{NormalizeAngle(3.0 + PI), TWO_PI - 3.5}));
+  area.RemoveLastPoint();
+  EXPECT_EQ(area.GetPointCount(), 2u);
+  area.Clear();
+  EXPECT_EQ(area.GetPointCount(), 0u);
+}
+
+TEST(SphereArea, ADirectionBeyondTheNadirIsStoredInTheFirstFace) {
+  SphereAreaC area;
+  area.AddPoint(1.0, 3.5);
+  EXPECT_EQ(area.GetPoints()[0], (AnglePointC{1.0 + PI, TWO_PI - 3.5}));
+}
+
+TEST(SphereArea, CopiesAreIndependent) {
+  SphereAreaC area = Area(kQuad);
+  const SphereAreaC copy = area;
+  area.Clear();
+  EXPECT_EQ(copy.GetPointCount(), 4u);
+}
+
+TEST(SphereArea, FewerThanTwoPointsAnswerFalseAndLeaveTheBounds) {
+  for (const std::size_t n : {0u, 1u}) {
+    SCOPED_TRACE(n);
+    const SphereAreaC area = Area(std::vector<AnglePointC>(n, {1.0, 1.0}));
+    EXPECT_FALSE(area.IsValid());
+    EXPECT_FALSE(area.Contains(1.0, 1.0));
+    const Extents e = Measure(area);
+    EXPECT_FALSE(e.result);
+    EXPECT_EQ(e.hzMin, -1.0);
+    EXPECT_EQ(e.hzMax, -2.0);
+    EXPECT_EQ(e.vMin, -3.0);
+    EXPECT_EQ(e.vMax, -4.0);
+    EXPECT_EQ(area.DistanceToBoundary(1.0, 1.0), std::numeric_limits<double>::max());
+    std::vector<AnglePointC> out(1);
+    EXPECT_FALSE(area.SearchLine({1.0, 1.0}, true, out));
+    EXPECT_EQ(out.size(), 1u) << "a search that fails early leaves its result";
+  }
+}
+
+TEST(SphereArea, RectangleBounds) {
+  Extents e = Measure(Area({{0.1, 0.5}, {6.0, 1.0}}));
+  EXPECT_TRUE(e.result);
+  EXPECT_EQ(e.hzMin, 0.1);
+  EXPECT_EQ(e.hzMax, 6.0 - 0.1 + 0.1);
+  EXPECT_EQ(e.vMin, 0.5);
+  EXPECT_EQ(e.vMax, 1.0);
+  EXPECT_FALSE(e.enclosesZenith);
+  // With the corners swapped in Hz it crosses the seam.
+  e = Measure(Area({{6.0, 0.5}, {0.1, 1.0}}));
+  EXPECT_TRUE(e.result);
+  EXPECT_EQ(e.hzMin, 6.0);
+  EXPECT_EQ(e.hzMax, 6.0 + (0.1 + TWO_PI - 6.0));
+}
+
+TEST(SphereArea, RectangleContainsWhatLiesBetweenItsCorners) {
+  const SphereAreaC area = Area({{1.0, 0.5}, {2.0, 1.0}});
+  EXPECT_TRUE(area.Contains(1.5, 0.75));
+  EXPECT_TRUE(area.Contains(1.5 - TWO_PI, 0.75));
+  EXPECT_TRUE(area.Contains(1.5 + 10 * TWO_PI, 0.75));
+  EXPECT_FALSE(area.Contains(1.5 + 20 * TWO_PI, 0.75)) << "beyond 100 rad";
+  EXPECT_FALSE(area.Contains(0.5, 0.75));
+  EXPECT_FALSE(area.Contains(2.5, 0.75));
+  EXPECT_FALSE(area.Contains(1.5, 0.4));
+  EXPECT_FALSE(area.Contains(1.5, 1.1));
+  const SphereAreaC overSeam = Area({{6.0, 0.5}, {0.3, 1.0}});
+  EXPECT_TRUE(overSeam.Contains(0.0, 0.75));
+  EXPECT_TRUE(overSeam.Contains(TWO_PI, 0.75));
+  EXPECT_TRUE(overSeam.Contains(6.1, 0.75));
+  EXPECT_TRUE(overSeam.Contains(0.2, 0.75));
+  EXPECT_FALSE(overSeam.Contains(3.0, 0.75));
+}
+
+TEST(SphereArea, EveryPointMustLieInRangeToTenDigits) {
+  const struct {
+    AnglePointC p;
+    bool valid;
+  } cases[] = {
+      {{0.0, 0.5}, true},         {{TWO_PI, 0.5}, true},         {{-4e-11, 0.5}, true},
+      {{-1e-9, 0.5}, false},      {{TWO_PI + 1e-9, 0.5}, false}, {{7.0, 0.5}, false},
+      {{0.0, -4e-11}, true},      {{0.0, -1e-9}, false},         {{0.0, PI}, true},
+      {{kNaN, 0.5}, false},       {{0.0, kNaN}, false},          {{kInfinity, 0.5}, false},
+      {{0.0, -kInfinity}, false}, {{1e300, 0.5}, false},
+  };
+  for (const auto& [p, valid] : cases) {
+    SCOPED_TRACE(testing::Message() << p.Hz << ", " << p.V);
+    EXPECT_EQ(Area({p, {1.0, 1.0}}).IsValid(), valid);
+  }
+}
+
+TEST(SphereArea, NoTwoPointsMayBeExactlyEqual) {
+  EXPECT_FALSE(Area({{1.0, 1.0}, {1.0, 1.0}}).IsValid());
+  EXPECT_FALSE(Area({{0.0, 1.0}, {-0.0, 1.0}}).IsValid());
+  EXPECT_TRUE(Area({{1.0, 1.0}, {std::nextafter(1.0, 2.0), 1.0}}).IsValid());
+  EXPECT_FALSE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.5}, {1.0, 1.0}}).IsValid());
+  EXPECT_TRUE(Area({{1.0, 1.0}, {1.0, 2.0}}).IsValid()) << "a rectangle without width";
+}
+
+TEST(SphereArea, ABowTieIsNotValid) {
+  EXPECT_TRUE(Area(kQuad).IsValid());
+  EXPECT_FALSE(Area({kQuad[0], kQuad[2], kQuad[1], kQuad[3]}).IsValid());
+  EXPECT_FALSE(Area({kQuad[0], kQuad[1], kQuad[3], kQuad[2]}).IsValid());
+  // Across the seam as well.
+  EXPECT_TRUE(Area({{6.0, 1.0}, {0.3, 1.0}, {0.3, 1.5}, {6.0, 1.5}}).IsValid());
+  EXPECT_FALSE(Area({{6.0, 1.0}, {0.3, 1.5}, {0.3, 1.0}, {6.0, 1.5}}).IsValid());
+}
+
+TEST(SphereArea, ATriangleNeverCrossesItself) {
+  EXPECT_TRUE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.5}}).IsValid());
+  EXPECT_TRUE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.0}}).IsValid());
+}
+
+// A crossing counts only when the arcs and the straight chords cross.
+TEST(SphereArea, ACrossingOnTheSphereAloneIsNone) {
+  // The long edge at V = 1 bulges up on the sphere, to V = 0.72; the two points at V = 0.9 above
+  // the chord lie below the arc.
+  const std::vector<AnglePointC> ring = {{1.0, 1.0}, {3.0, 1.0}, {3.5, 0.5},
+                                         {2.1, 0.9}, {1.9, 0.9}, {0.5, 0.5}};
+  EXPECT_TRUE(Area(ring).IsValid());
+}
+
+TEST(SphereArea, RingAroundTheZenith) {
+  const SphereAreaC area = Area(RingAtV(0.3, 12, 0.5));
+  const Extents e = Measure(area);
+  EXPECT_TRUE(e.result);
+  EXPECT_TRUE(e.enclosesZenith);
+  EXPECT_EQ(e.hzMin, 0.5 + 1e-6);
+  EXPECT_NEAR(e.hzMax - e.hzMin, TWO_PI, 1e-14);
+  EXPECT_EQ(e.vMax, V_LIMIT);
+  EXPECT_LT(e.vMin, 0.3);
+  EXPECT_TRUE(area.Contains(2.0, 0.0));
+  EXPECT_TRUE(area.Contains(2.0, 0.2));
+  EXPECT_FALSE(area.Contains(2.0, 0.4));
+  // The other way round it is the same area.
+  std::vector<AnglePointC> back = RingAtV(0.3, 12, 0.5);
+  std::reverse(back.begin(), back.end());
+  EXPECT_TRUE(Area(back).Contains(2.0, 0.2));
+  EXPECT_FALSE(Area(back).Contains(2.0, 0.4));
+}
+
+TEST(SphereArea, ARingAroundTheZenithEndsAtTheLimit) {
+  // Where its boundary lies below the limit, nothing is inside: the search line ends above it.
+  const SphereAreaC area = Area(RingAtV(2.6, 12, 0.5));
+  EXPECT_EQ(Measure(area).vMax, V_LIMIT);
+  EXPECT_FALSE(area.Contains(2.0, 1.0));
+}
+
+TEST(SphereArea, BoundsAreClampedOnRequest) {
+  const SphereAreaC area = Area({{1.0, 1.0}, {2.0, 2.6}});
+  EXPECT_EQ(Measure(area, false).vMax, 2.5132741228718345);
+  EXPECT_EQ(Measure(area, true).vMax, 2.6);
+  const SphereAreaC above = Area({{1.0, -0.2}, {2.0, 1.0}});
+  EXPECT_EQ(Measure(above, false).vMin, 0.0);
+  EXPECT_EQ(Measure(above, true).vMin, -0.2);
+  EXPECT_FALSE(Measure(above, true).result) << "the bounds are set all the same";
+}
+
+class UnlimitedAreaC : public SphereAreaC {
+ public:
+  UnlimitedAreaC() { SetVUnlimited(true); }
+};
+
+TEST(SphereArea, ClampVSetsOrFailsInTheOrderOfItsChecks) {
+  const SphereAreaC area;
+  double a = 3.0;
+  double b = -1.0;
+  EXPECT_TRUE(area.ClampV(a, b, true));
+  EXPECT_EQ(a, V_LIMIT);
+  EXPECT_EQ(b, 0.0);
+  for (const auto& [x, y] : {std::pair(3.0, 1.0), {1.0, 3.0}, {-1.0, 1.0}, {1.0, -1.0}}) {
+    a = x;
+    b = y;
+    EXPECT_FALSE(area.ClampV(a, b, false));
+    EXPECT_EQ(a, x);
+    EXPECT_EQ(b, y);
+  }
+  a = V_LIMIT;
+  b = 0.0;
+  EXPECT_TRUE(area.ClampV(a, b, false));
+}
+
+TEST(SphereArea, WithoutALimitVStaysAsItIs) {
+  UnlimitedAreaC area;
+  double a = 3.0;
+  double b = -1.0;
+  EXPECT_TRUE(area.ClampV(a, b, true));
+  EXPECT_TRUE(area.ClampV(a, b, false));
+  EXPECT_EQ(a, 3.0);
+  EXPECT_EQ(b, -1.0);
+  area.AddPoint(1.0, 1.0);
+  area.AddPoint(2.0, 2.6);
+  EXPECT_EQ(Measure(area).vMax, 2.6);
+  // The limit of a ring around the zenith is no clamping.
+  area.Clear();
+  area.AddPoints(RingAtV(0.3, 12));
+  EXPECT_EQ(Measure(area).vMax, V_LIMIT);
+}
+
+TEST(SphereArea, EdgesBulgeAndWidenTheBounds) {
+  const Extents e = Measure(Area(kQuad));
+  EXPECT_NEAR(e.vMin, HALF_PI - std::atan(std::tan(HALF_PI - 1.0) / std::cos(0.5)), 1e-14);
+  EXPECT_EQ(e.vMax, 1.5) << "the lower edge bulges inwards";
+  EXPECT_EQ(e.hzMin, 1.0);
+  EXPECT_EQ(e.hzMax, 2.0);
+}
+
+TEST(SphereArea, TheSecondVertexCandidateFollowsItsFormula) {
+  // An edge of more than a quarter turn that crosses the horizon: the vertex opposite to that of
+  // its start lies in its span, and counts with 2 pi - V.
+  const std::vector<AnglePointC> ring = {{0.5, 1.2}, {3.4, 1.9}, {2.0, 2.2}};
+  const GreatCircleArcC arc{SpherePointC({3.4 - 0.5, 1.9}), SpherePointC({0.0, 1.2})};
+  double lat = 0.0;
+  double lon = 0.0;
+  ASSERT_TRUE(arc.GetVertex(lat, lon));
+  const double opposite = NormalizeAngle(lon + PI);
+  ASSERT_GT(opposite, 0.0);
+  ASSERT_LT(opposite, 2.9);
+  const Extents e = Measure(Area(ring), true);
+  EXPECT_EQ(e.vMax, NormalizeAngle(TWO_PI - (HALF_PI - lat)));
+  EXPECT_GT(e.vMax, PI) << "no direction of the area";
+}
+
+TEST(SphereArea, EdgeListIsUnwrappedAndBeginsAtZero) {
+  std::vector<AnglePointC> edges;
+  double hzOrigin = 0.0;
+  ASSERT_TRUE(Area({{6.0, 1.0}, {0.3, 1.1}, {0.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  ASSERT_EQ(edges.size(), 6u);
+  EXPECT_EQ(hzOrigin, 6.0);
+  EXPECT_EQ(edges[0], (AnglePointC{0.0, 1.0}));
+  EXPECT_EQ(edges[1], (AnglePointC{0.3 + TWO_PI - 6.0, 1.1}));
+  EXPECT_EQ(edges[2], edges[1]);
+  EXPECT_EQ(edges[3], (AnglePointC{0.2 + TWO_PI - 6.0, 1.5}));
+  EXPECT_EQ(edges[4], edges[3]);
+  EXPECT_EQ(edges[5], edges[0]);
+  // The other way over the seam.
+  ASSERT_TRUE(Area({{0.3, 1.1}, {6.0, 1.0}, {0.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[1].Hz, 0.0);
+  EXPECT_NEAR(edges[0].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
+  EXPECT_NEAR(hzOrigin, 6.0, 1e-15);
+}
+
+TEST(SphereArea, TheDistanceIsMeasuredAtHzPlusTheOrigin) {
+  // Edges begin at Hz 0 of their frame, and the probe moves to Hz + 1.
+  const SphereAreaC area = Area(kQuad);
+  EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.5, 1.2), 0.2, 1e-15);
+  EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.95, 1.2), 0.05, 1e-15);
+  EXPECT_EQ(area.DistanceToBoundary(4.0, 1.2), std::numeric_limits<double>::max())
+      << "beside no edge";
+  // The closing edge, at Hz 1, is not measured: the nearest is the upper edge.
+  EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.05, 1.1), 0.1, 1e-15);
+}
+
+TEST(SphereArea, TheBoundaryBandCountsAsInside) {
+  // With the origin at Hz 0 the band lies where the boundary is.
+  const SphereAreaC area = Area({{0.0, 1.0}, {1.0, 1.0}, {1.0, 1.5}, {0.0, 1.5}});
+  const double half = CONTAINS_TOLERANCE / 2.0;
+  EXPECT_TRUE(area.Contains(1.0 + 0.9 * half, 1.3));
+  EXPECT_FALSE(area.Contains(1.0 + 1.1 * half, 1.3));
+  EXPECT_TRUE(area.Contains(1.0 - 0.9 * half, 1.3));
+  // The band follows the chord of the lower edge, not the arc above it.
+  EXPECT_TRUE(area.Contains(0.5, 1.5 + 0.9 * half));
+  EXPECT_FALSE(area.Contains(0.5, 1.5 + 1.1 * half));
+  EXPECT_FALSE(area.Contains(0.5, 1.5 - 1.1 * half)) << "below the arc";
+  // The closing edge has none.
+  EXPECT_FALSE(area.Contains(TWO_PI - 0.9 * half, 1.3));
+}
+
+TEST(SphereArea, CornersNextToEachOtherOnTheHorizon) {
+  // V is given to 8 decimals; the inside must not vanish.
+  const SphereAreaC area = Area({{1.0, 1.57079633}, {2.0, 1.57079633}, {2.0, 2.0}, {1.0, 2.0}});
+  EXPECT_TRUE(area.Contains(1.5, 1.7));
+  EXPECT_FALSE(area.Contains(1.5, 1.5));
+}
+
+TEST(SphereArea, PolygonsAtThePolesAndMeridians) {
+  const SphereAreaC octant = Area({{0.0, 0.0}, {0.5, HALF_PI}, {2.0, HALF_PI}});
+  EXPECT_TRUE(octant.IsValid());
+  EXPECT_TRUE(octant.Contains(1.0, 1.0));
+  EXPECT_TRUE(octant.Contains(1.0, 0.01));
+  EXPECT_FALSE(octant.Contains(2.5, 0.1));
+  EXPECT_FALSE(octant.Contains(4.0, 0.1));
+  EXPECT_FALSE(octant.Contains(1.0, 1.7));
+  // Two edges over the zenith, on one meridian: a half of the cap.
+  const SphereAreaC half = Area({{0.0, 0.6}, {1.5, 0.6}, {PI, 0.6}});
+  EXPECT_TRUE(half.Contains(1.5, 0.3));
+  EXPECT_FALSE(half.Contains(4.5, 0.3));
+}
+
+TEST(SphereArea, LineSearchSortsAlongTheLine) {
+  const SphereAreaC area = Area(kQuad);
+  std::vector<AnglePointC> out(1);
+  ASSERT_TRUE(area.SearchLine({1.5, 1.2}, true, out));
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_EQ(out[0].Hz, 0.5) << "in the frame of the edges";
+  EXPECT_EQ(out[1].Hz, 0.5);
+  EXPECT_NEAR(out[0].V, HALF_PI - std::atan(std::tan(HALF_PI - 1.0) / std::cos(0.5)), 1e-14);
+  EXPECT_GT(out[1].V, out[0].V);
+  ASSERT_TRUE(area.SearchLine({5.0, 1.2}, true, out));
+  EXPECT_TRUE(out.empty());
+  ASSERT_TRUE(area.SearchLine({1.5, 1.2}, false, out));
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_NEAR(out[0].Hz, 0.0, 1e-7);
+  EXPECT_NEAR(out[1].Hz, 1.0, 1e-7);
+  EXPECT_EQ(out[0].V, 1.2);
+  EXPECT_EQ(out[1].V, 1.2);
+  // An edge may be crossed twice: the upper one at V = 0.95, between its ends and its vertex.
+  ASSERT_TRUE(area.SearchLine({1.5, 0.95}, false, out));
+  EXPECT_EQ(out.size(), 2u);
+}
+
+TEST(SphereArea, LineSearchOfARectangle) {
+  const SphereAreaC area = Area({{6.0, 0.5}, {0.3, 1.0}});
+  std::vector<AnglePointC> out;
+  ASSERT_TRUE(area.SearchLine({0.1, 0.7}, true, out));
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_EQ(out[0].V, 0.5);
+  EXPECT_EQ(out[1].V, 1.0);
+  ASSERT_TRUE(area.SearchLine({0.1, 0.7}, false, out));
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_NEAR(out[0].Hz, 0.0, 1e-15);
+  EXPECT_NEAR(out[1].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
+}
+
+TEST(SphereArea, LineSearchFails) {
+  std::vector<AnglePointC> out(1);
+  // Around the zenith there is no circle of latitude.
+  const SphereAreaC ring = Area(RingAtV(0.3, 12));
+  EXPECT_FALSE(ring.SearchLine({1.0, 0.2}, false, out));
+  EXPECT_TRUE(ring.SearchLine({1.0, 0.2}, true, out));
+  EXPECT_EQ(out.size(), 1u);
+  // A meridian from pole to pole is no arc.
+  const SphereAreaC poleToPole = Area({{1.0, 0.0}, {1.5, 1.0}, {2.0, PI}, {1.2, 1.5}});
+  EXPECT_TRUE(poleToPole.IsValid());
+  EXPECT_FALSE(poleToPole.SearchLine({1.4, 1.0}, true, out));
+  EXPECT_FALSE(poleToPole.Contains(1.35, 1.2));
+  EXPECT_FALSE(Area({kQuad[0], kQuad[2], kQuad[1], kQuad[3]}).SearchLine({1.5, 1.2}, true, out));
+}
+
+TEST(SphereArea, ContainsWrapsAndRefuses) {
+  const SphereAreaC area = Area(kQuad);
+  EXPECT_TRUE(area.Contains(1.5, 1.2));
+  EXPECT_TRUE(area.Contains(1.5 + TWO_PI, 1.2 - TWO_PI));
+  EXPECT_FALSE(area.Contains(1.5 + PI, TWO_PI - 1.2)) << "the second face is not turned";
+  for (const double bad : {101.0, -101.0, kNaN, kInfinity, -kInfinity, 1e300}) {
+    SCOPED_TRACE(bad);
+    EXPECT_FALSE(area.Contains(bad, 1.2));
+    EXPECT_FALSE(area.Contains(1.5, bad));
+  }
+}
+
+TEST(SphereArea, TinyEdgesKeepTheirShape) {
+  // A milliradian across, beside the seam and far up.
+  for (const AnglePointC at : {AnglePointC{0.0, 1.0}, {0.0005, 0.05}, {3.0, 2.4}}) {
+    SCOPED_TRACE(testing::Message() << at.Hz << ", " << at.V);
+    const auto corner = [at](double hz, double v) {
+      return AnglePointC{NormalizeAngle(at.Hz + hz), at.V + v};
+    };
+    const SphereAreaC area =
+        Area({corner(-5e-4, -5e-4), corner(5e-4, -5e-4), corner(5e-4, 5e-4), corner(-5e-4, 5e-4)});
+    EXPECT_TRUE(area.IsValid());
+    EXPECT_TRUE(area.Contains(at.Hz, at.V));
+    EXPECT_FALSE(area.Contains(at.Hz + 6e-4, at.V));
+    EXPECT_FALSE(area.Contains(at.Hz, at.V + 6e-4));
+    EXPECT_FALSE(area.Contains(at.Hz, at.V - 6e-4));
+  }
+}
+
+TEST(SphereArea, SixtyFiveThousandPoints) {
+  constexpr int kCount = 65535;
+  SphereAreaC area;
+  for (int i = 0; i < kCount; ++i) {
+    const double angle = TWO_PI * i / kCount;
+    const double r = i % 2 == 0 ? 0.5 : 0.45;
+    area.AddPoint(3.0 + r * std::cos(angle), 1.5 + r * std::sin(angle));
+  }
+  EXPECT_EQ(area.GetPointCount(), 65535u);
+  EXPECT_TRUE(area.IsValid());
+  EXPECT_TRUE(area.Contains(3.0, 1.5));
+  EXPECT_TRUE(area.Contains(3.3, 1.7));
+  EXPECT_FALSE(area.Contains(3.0, 2.1));
+  EXPECT_FALSE(area.Contains(3.4, 1.9));
+}
+
+TEST(SphereArea, HugeAndSenselessPointsAreHarmless) {
+  const double values[] = {
+      kNaN, kInfinity, -kInfinity, 1e300, -1e300, 1e17, std::numeric_limits<double>::max(),
+      7.0,  -1e-8};
+  std::vector<AnglePointC> out;
+  for (const double x : values) {
+    for (const double y : values) {
+      SCOPED_TRACE(testing::Message() << x << ", " << y);
+      for (const std::size_t n : {2u, 3u, 5u}) {
+        std::vector<AnglePointC> ring(kQuad.begin(), kQuad.begin() + 2);
+        ring.resize(n, {x, y});
+        ring.back() = {y, x};
+        const SphereAreaC area = Area(ring);
+        EXPECT_FALSE(area.IsValid());
+        EXPECT_FALSE(area.Contains(x, y) && !Measure(area).result);
+        EXPECT_FALSE(area.Contains(kNaN, 1.0));
+        area.DistanceToBoundary(y, x);
+        area.SearchLine({x, y}, true, out);
+        area.SearchLine({x, y}, false, out);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace GMAT

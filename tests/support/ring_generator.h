@@ -1,0 +1,47 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_RING_GENERATOR_H_
+#define SURVEYDATA_TESTS_SUPPORT_RING_GENERATOR_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include <surveydata/sphere_geometry/angles.h>
+
+/// Corner points and probes that aim at the edges of the rules of sphere areas: the seam at Hz 0,
+/// equal Hz, meridian edges, poles, the horizon, rings around the zenith, the boundary band, nearly
+/// equal points, rings that cross themselves. The same seed gives the same sequence.
+class RingGenerator {
+ public:
+  explicit RingGenerator(std::uint64_t seed) : random_(seed) {}
+
+  /// The corners of the next area, mostly few, at most `maxPoints`. With `wild`, a few of them lie
+  /// out of range or are no numbers.
+  std::vector<GMAT::AnglePointC> Ring(std::size_t maxPoints, bool wild);
+
+  /// A direction to ask for. `edges` and `hzOrigin` are those of the ring.
+  GMAT::AnglePointC Probe(const std::vector<GMAT::AnglePointC>& edges, double hzOrigin, bool wild);
+
+  std::uint64_t Below(std::uint64_t n) { return random_() % n; }
+  double Uniform(double lo, double hi) {
+    return lo + (hi - lo) * (static_cast<double>(random_() >> 11) * 0x1p-53);
+  }
+
+ private:
+  bool OneIn(std::uint64_t n) { return Below(n) == 0; }
+  // Nothing, single units in the last place, or offsets around the tolerances.
+  double Nudged(double x);
+  double SpecialHz();
+  double SpecialV();
+  std::size_t Count(std::size_t maxPoints);
+  std::vector<GMAT::AnglePointC> Star(std::size_t n);
+  std::vector<GMAT::AnglePointC> AroundZenith(std::size_t n);
+  std::vector<GMAT::AnglePointC> Scattered(std::size_t n);
+  std::vector<GMAT::AnglePointC> Comb(std::size_t n);
+  std::vector<GMAT::AnglePointC> OnGrid(std::size_t n);
+  void Spoil(std::vector<GMAT::AnglePointC>& ring);
+
+  std::mt19937_64 random_;
+};
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_RING_GENERATOR_H_
