@@ -90,7 +90,7 @@ void Register() {
   } texts[] = {{"ascii", kAscii}, {"latin", kLatin}, {"three-byte", kThreeByte}};
   for (const auto& [name, pattern] : texts) {
     const std::string suffix = std::string("/") + name + "/" + std::to_string(N);
-    const auto add = [&](const char* subject, auto* function) {
+    const auto add = [&suffix, pattern = pattern](const char* subject, auto* function) {
       benchmark::RegisterBenchmark((subject + suffix).c_str(), function, pattern);
     };
     add("ToUtf8", BM_ToUtf8<N>);
