@@ -1,18 +1,8 @@
-#include <utility>
-
 #include <surveydata/object_model/base.h>
 
 namespace API {
 
 BaseC::BaseC(const BaseC& /*other*/) noexcept {}
-
-BaseC::BaseC(ImplObjectC* impl) { BaseC::SetImpl(impl); }
-
-BaseC::~BaseC() {
-  if (impl_ == nullptr) return;
-  impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
-  delete std::exchange(impl_, nullptr);
-}
 
 void BaseC::SetImpl(ImplObjectC* impl) {
   if (impl == impl_) return;
@@ -21,12 +11,6 @@ void BaseC::SetImpl(ImplObjectC* impl) {
 }
 
 ImplObjectC::ImplObjectC(const ImplObjectC& /*other*/) noexcept {}
-
-ImplObjectC::~ImplObjectC() {
-  if (owner_ == nullptr) return;
-  owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
-  delete std::exchange(owner_, nullptr);
-}
 
 // Nothing is copied, so there is nothing to guard against assigning to itself.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)

@@ -1,6 +1,8 @@
 #ifndef SURVEYDATA_OBJECT_MODEL_BASE_H_
 #define SURVEYDATA_OBJECT_MODEL_BASE_H_
 
+#include <utility>
+
 #include <surveydata/object_model/export.h>
 
 namespace API {
@@ -18,7 +20,7 @@ class SURVEYDATA_API BaseC {
   /// A handle without an implementation: a copy never shares the one of `other`.
   BaseC(const BaseC& other) noexcept;
   /// Links to `impl` as `SetImpl` does.
-  explicit BaseC(ImplObjectC* impl);
+  explicit BaseC(ImplObjectC* impl) { BaseC::SetImpl(impl); }
   /// Unlinks the implementation, then deletes it.
   virtual ~BaseC();
 
@@ -66,6 +68,20 @@ class SURVEYDATA_API ImplObjectC {
 
   BaseC* owner_ = nullptr;
 };
+
+// Inline, so that creating and destroying a pair costs little more than its memory.
+
+inline BaseC::~BaseC() {
+  if (impl_ == nullptr) return;
+  impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
+  delete std::exchange(impl_, nullptr);
+}
+
+inline ImplObjectC::~ImplObjectC() {
+  if (owner_ == nullptr) return;
+  owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
+  delete std::exchange(owner_, nullptr);
+}
 
 }  // namespace API
 
