@@ -51,7 +51,6 @@ int EncodeName(const char16_t* units, std::size_t count, char* dst, std::size_t 
 }
 
 int DecodeName(const char* src, std::size_t limit, char16_t* units, std::size_t capacity) {
-  std::fill_n(units, capacity, u'\0');
   return API::Utf8::Decode(src, limit, units, capacity,
                            {.readsByteAtLimit = false, .acceptsLeadsFromF0 = false})
       .result;

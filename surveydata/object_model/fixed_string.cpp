@@ -91,11 +91,11 @@ int FromUtf8(Text text, const char* src, std::size_t* inOutLength) {
   if (inOutLength != nullptr) *inOutLength = 0;
   if (src == nullptr) return Utf8::kDone;
   if (limit == SIZE_MAX) limit = 3 * text.Capacity();
-  std::fill(text.units.begin(), text.units.end(), u'\0');
   const Utf8::Decoded decoded =
       Utf8::Decode(src, limit, text.units.data(), text.Capacity(),
                    {.readsByteAtLimit = true, .acceptsLeadsFromF0 = true});
   text.length = std::min(decoded.characters, text.Capacity());
+  text.units.back() = 0;
   if (inOutLength != nullptr) *inOutLength = decoded.bytes;
   return decoded.result;
 }

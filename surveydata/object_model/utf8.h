@@ -37,8 +37,9 @@ struct DecodeRules {
   bool acceptsLeadsFromF0;  ///< Lead bytes F0 to FF start sequences of three bytes like E0 to EF.
 };
 
-/// Decodes `src` up to its first 0 byte or the limit. Units up to `capacity` are stored in `units`;
-/// on a fault those before it stand. Nothing behind the stored units is written.
+/// Decodes `src` up to its first 0 byte or the limit, whichever comes first. Units up to `capacity`
+/// are stored in `units`; on a fault those before it stand. The rest of the `capacity` units is
+/// cleared.
 Decoded Decode(const char* src, std::size_t limit, char16_t* units, std::size_t capacity,
                DecodeRules rules);
 

@@ -1,0 +1,150 @@
+#ifndef SURVEYDATA_TESTS_OBJECT_MODEL_FIXED_STRING_MODEL_H_
+#define SURVEYDATA_TESTS_OBJECT_MODEL_FIXED_STRING_MODEL_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/object_model/fixed_string.h>
+
+/// \file
+/// The rules of the fixed texts once more, step by step and without a thought for speed.
+
+namespace Model {
+
+inline constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+/// Calls `test` with an integral constant of every capacity.
+template <class Test>
+void ForEachCapacity(Test test) {
+  [&]<std::uint16_t... N>(std::integer_sequence<std::uint16_t, N...>) {
+    const auto run = [&](auto capacity) {
+      SCOPED_TRACE(testing::Message() << "capacity " << capacity());
+      test(capacity);
+    };
+    (run(std::integral_constant<std::uint16_t, N>()), ...);
+  }
+  (std::integer_sequence<std::uint16_t, 10, 16, 24, 30, 32, 60, 64, 240, 254, 255>());
+}
+
+template <std::uint16_t N>
+std::u16string Units(const API::FixedStringC<N>& text) {
+  return {text.GetData(), text.GetLength()};
+}
+
+template <std::uint16_t N>
+API::FixedStringC<N> Text(const std::u16string& units) {
+  API::FixedStringC<N> text;
+  for (const char16_t unit : units) text += unit;  // 0 units too
+  return text;
+}
+
+/// `count` units, all different from their neighbours.
+inline std::u16string Counting(std::size_t count, char16_t first = u'a') {
+  std::u16string units;
+  for (std::size_t i = 0; i < count; ++i) units += static_cast<char16_t>(first + i % 26);
+  return units;
+}
+
+inline bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) >> 6) == 2; }
+
+struct Decoded {
+  int result = 0;
+  std::size_t consumed = 0;
+  std::size_t length = 0;
+  char16_t units[256] = {};
+};
+
+/// Decodes 0-terminated bytes.
+inline Decoded FromUtf8(const char* src, std::size_t limit, std::size_t capacity) {
+  Decoded out;
+  if (limit == kNoLimit) limit = 3 * capacity;
+  std::size_t characters = 0;
+  do {
+    const unsigned b = static_cast<unsigned char>(src[out.consumed]);
+    const std::size_t left = limit - out.consumed;
+    unsigned unit = 0;
+    if (b == 0) break;
+    if (b >= 0x80 && b <= 0xBF) {
+      out.result = -3;
+      return out;
+    }
+    if (b >= 0xE0) {
+      if (left < 3) {
+        out.result = -2;
+        return out;
+      }
+      const char b1 = src[out.consumed + 1];
+      if (!IsContinuation(b1)) {
+        out.result = -3;
+        return out;
+      }
+      const char b2 = src[out.consumed + 2];
+      if (!IsContinuation(b2)) {
+        out.result = -3;
+        return out;
+      }
+      unit = (b << 12) | ((static_cast<unsigned>(b1) & 0x3F) << 6) |
+             (static_cast<unsigned>(b2) & 0x3F);
+      out.consumed += 3;
+    } else if (b >= 0xC0) {
+      if (left < 2) {
+        out.result = -2;
+        return out;
+      }
+      const char b1 = src[out.consumed + 1];
+      if (!IsContinuation(b1)) {
+        out.result = -3;
+        return out;
+      }
+      unit = ((b & 0x1F) << 6) | (static_cast<unsigned>(b1) & 0x3F);
+      out.consumed += 2;
+    } else {
+      unit = b;
+      out.consumed += 1;
+    }
+    if (out.length < capacity) out.units[out.length++] = static_cast<char16_t>(unit & 0xFFFF);
+    ++characters;
+  } while (out.consumed <= limit);
+  out.result = characters <= capacity ? 0 : -1;
+  return out;
+}
+
+struct Encoded {
+  std::size_t needed = 0;
+  std::string written;  ///< With the terminator, when there was room.
+};
+
+/// Encodes units up to the first 0, and their terminator, into `space` bytes.
+inline Encoded ToUtf8(const std::u16string& units, std::size_t space) {
+  Encoded out;
+  for (const char16_t c : units) {
+    const unsigned u = c;
+    if (u == 0) break;
+    std::string sequence;
+    if (u < 0x80) {
+      sequence += static_cast<char>(u);
+    } else if (u < 0x800) {
+      sequence += static_cast<char>(0xC0 | u >> 6);
+      sequence += static_cast<char>(0x80 | (u & 0x3F));
+    } else {
+      sequence += static_cast<char>(0xE0 | u >> 12);
+      sequence += static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+      sequence += static_cast<char>(0x80 | (u & 0x3F));
+    }
+    out.needed += sequence.size();
+    if (space - out.written.size() >= sequence.size()) out.written += sequence;
+  }
+  if (space > out.written.size()) out.written += '\0';
+  return out;
+}
+
+}  // namespace Model
+
+#endif  // SURVEYDATA_TESTS_OBJECT_MODEL_FIXED_STRING_MODEL_H_
