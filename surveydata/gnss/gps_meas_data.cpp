@@ -252,6 +252,26 @@ void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetWord16(std::uint16_t w
 }
 
 template <class Self, class AntHeight, class DOPs, class ExtraTime>
+GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredTotalPair() const {
+  return totalPair_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem1Pair() const {
+  return system1Pair_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem2Pair() const {
+  return system2Pair_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
+GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem3Pair() const {
+  return system3Pair_;
+}
+
+template <class Self, class AntHeight, class DOPs, class ExtraTime>
 bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTotalPair(std::uint8_t& first,
                                                                     std::uint8_t& second) const {
   return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);

@@ -127,6 +127,11 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool GetWord16(std::uint16_t& word) const;
   void SetWord16(std::uint16_t word);
 
+  /// The stored pairs, whether they are set or not.
+  GPSCounterPair GetStoredTotalPair() const;
+  GPSCounterPair GetStoredSystem1Pair() const;
+  GPSCounterPair GetStoredSystem2Pair() const;
+  GPSCounterPair GetStoredSystem3Pair() const;
   bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
   void SetTotalPair(std::uint8_t first, std::uint8_t second);
   /// The pair of system 1; without information per system, the total pair.

@@ -1,0 +1,58 @@
+#include "damaged_frames.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+
+#include <fmt/format.h>
+
+#include <surveydata/gnss/record_frame.h>
+
+#include "exit_code.h"
+
+namespace Tool {
+namespace {
+
+namespace Frame = SDI::RecordFrame;
+
+const char* Reason(std::uint64_t frameEnd, std::uint64_t gapEnd, std::uint64_t fileSize) {
+  if (frameEnd > fileSize) return "cut by the end of the file";
+  return frameEnd > gapEnd ? "runs into the next record" : "wrong checksum";
+}
+
+}  // namespace
+
+DamagedFrameFinderC::DamagedFrameFinderC(const std::string& file)
+    : name_(file), file_(std::fopen(file.c_str(), "rb"), &std::fclose) {
+  if (file_ == nullptr) {
+    throw ToolErrorC(ExitCode::kFileError,
+                     fmt::format("cannot read {}: {}", file, std::strerror(errno)));
+  }
+}
+
+void DamagedFrameFinderC::Find(std::uint64_t gapOffset, std::uint64_t gapSize,
+                               std::uint64_t fileSize,
+                               const std::function<void(const DamagedFrame&)>& report) {
+  const std::uint64_t gapEnd = gapOffset + gapSize;
+  std::array<std::uint8_t, std::size_t{64} * 1024> bytes;
+  for (std::uint64_t at = gapOffset; at + Frame::kHeaderSize <= gapEnd;) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), gapEnd - at));
+    if (fseeko(file_.get(), static_cast<off_t>(at), SEEK_SET) != 0 ||
+        std::fread(bytes.data(), 1, count, file_.get()) != count) {
+      throw ToolErrorC(ExitCode::kFileError,
+                       fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+    }
+    const std::size_t starts = count - Frame::kHeaderSize + 1;
+    for (std::size_t i = 0; i < starts; ++i) {
+      const auto header = Frame::Header::Load(&bytes[i]);
+      // Less than times and flags is no frame, whatever the checksum.
+      if (!header.IsMeasurement() || header.length < Frame::kBlocksAt) continue;
+      report({at + i, header.Size(), Reason(at + i + header.Size(), gapEnd, fileSize)});
+    }
+    at += starts;
+  }
+}
+
+}  // namespace Tool

@@ -1,0 +1,36 @@
+#ifndef SURVEYDATA_TOOLS_DAMAGED_FRAMES_H_
+#define SURVEYDATA_TOOLS_DAMAGED_FRAMES_H_
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace Tool {
+
+/// What looks like a measurement frame in a gap: its header stands there, but not its checksum.
+struct DamagedFrame {
+  std::uint64_t offset;
+  std::uint64_t size;  ///< As its header has it.
+  const char* reason;
+};
+
+/// Looks for damaged frames in the gaps of a record file. Throws `ToolErrorC` where the file cannot
+/// be read.
+class DamagedFrameFinderC {
+ public:
+  explicit DamagedFrameFinderC(const std::string& file);
+
+  /// Reports the frames whose headers stand in the gap, in order.
+  void Find(std::uint64_t gapOffset, std::uint64_t gapSize, std::uint64_t fileSize,
+            const std::function<void(const DamagedFrame&)>& report);
+
+ private:
+  std::string name_;
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_DAMAGED_FRAMES_H_

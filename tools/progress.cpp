@@ -1,0 +1,43 @@
+#include "progress.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace Tool {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kPatience{500};
+constexpr milliseconds kBetweenDraws{100};
+constexpr std::uint64_t kStep = std::uint64_t{1} << 20;
+constexpr std::uint64_t kWidth = 40;
+
+}  // namespace
+
+ProgressC::ProgressC(std::uint64_t total)
+    : total_(total),
+      isWanted_(total > kStep && isatty(STDERR_FILENO) != 0),
+      nextDraw_(steady_clock::now() + kPatience) {}
+
+ProgressC::~ProgressC() {
+  if (isDrawn_) std::fputs("\r\x1b[K", stderr);
+}
+
+void ProgressC::Draw(std::uint64_t done) {
+  next_ = done + kStep;
+  const auto now = steady_clock::now();
+  if (now < nextDraw_) return;
+  nextDraw_ = now + kBetweenDraws;
+  const std::uint64_t shown = std::min(done, total_);
+  fmt::print(stderr, "\r[{:<{}}] {:3d}%  {} of {} MiB", std::string(shown * kWidth / total_, '#'),
+             kWidth, shown * 100 / total_, shown / kStep, total_ / kStep);
+  std::fflush(stderr);
+  isDrawn_ = true;
+}
+
+}  // namespace Tool

@@ -1,0 +1,36 @@
+#ifndef SURVEYDATA_TOOLS_PROGRESS_H_
+#define SURVEYDATA_TOOLS_PROGRESS_H_
+
+#include <chrono>
+#include <cstdint>
+
+namespace Tool {
+
+/// A progress bar on standard error: shown only on a terminal, once the work has taken half a
+/// second, and wiped away at the end.
+class ProgressC {
+ public:
+  /// `total` in bytes; 0 when it is not known, and no bar then.
+  explicit ProgressC(std::uint64_t total);
+  ProgressC(const ProgressC&) = delete;
+  ProgressC& operator=(const ProgressC&) = delete;
+  ~ProgressC();
+
+  /// Cheap: looks at the clock once per MiB.
+  void Update(std::uint64_t done) {
+    if (isWanted_ && done >= next_) Draw(done);
+  }
+
+ private:
+  void Draw(std::uint64_t done);
+
+  std::uint64_t total_;
+  std::uint64_t next_ = 0;
+  bool isWanted_;
+  bool isDrawn_ = false;
+  std::chrono::steady_clock::time_point nextDraw_;
+};
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_PROGRESS_H_

@@ -1,0 +1,87 @@
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "chart.h"
+#include "decoded_record.h"
+#include "gps_time.h"
+#include "output.h"
+#include "record_commands.h"
+#include "record_walk.h"
+#include "satellite_series.h"
+
+namespace Tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string output;
+};
+
+std::int64_t ToMilliseconds(double seconds) { return std::llround(seconds * 1000); }
+
+Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
+  const double first = series.GetFirstTime();
+  const double last = series.GetLastTime();
+  // Colours that people with any colour vision tell apart, in shades that differ as well.
+  return {.title = std::filesystem::path(file).filename().string(),
+          .subtitle = fmt::format("{} measurements, {} to {} GPS time", series.GetRecordCount(),
+                                  GpsDateTime(ToMilliseconds(first)).substr(0, 19),
+                                  GpsDateTime(ToMilliseconds(last)).substr(0, 19)),
+          .timeLabel =
+              fmt::format("GPS time (no leap seconds), from {}", GpsDate(ToMilliseconds(first))),
+          .firstTime = first,
+          .lastTime = last,
+          .panels = {{"dilution of precision (1)",
+                      false,
+                      {{"PDOP", "#222222", 1.8, series.GetRuns(SatelliteSeriesC::kPDOP)},
+                       {"VDOP", "#d55e00", 1.6, series.GetRuns(SatelliteSeriesC::kVDOP)},
+                       {"HDOP", "#56b4e9", 1.6, series.GetRuns(SatelliteSeriesC::kHDOP)}}},
+                     {"satellites (number)",
+                      true,
+                      {{"in view", "#e69f00", 1.6, series.GetRuns(SatelliteSeriesC::kInView)},
+                       {"used", "#0072b2", 1.6, series.GetRuns(SatelliteSeriesC::kUsed)}}}}};
+}
+
+ExitCode Run(const Options& options) {
+  SatelliteSeriesC series;
+  {
+    RecordWalkC walk(options.file);
+    SDI::GPSRecordEntry entry;
+    while (walk.Next(entry)) {
+      if (!entry.IsMeasurement()) continue;
+      const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
+      if (record.IsDone()) series.Add(record);
+    }
+  }
+  if (series.GetRecordCount() == 0) {
+    throw ToolErrorC(ExitCode::kFinding,
+                     fmt::format("{} holds no measurement to draw", options.file));
+  }
+  const std::string svg = DrawChart(ToChart(series, options.file));
+  OutputC out(options.output, options.file);
+  out.GetBuffer().append(svg.data(), svg.data() + svg.size());
+  out.Close();
+  return ExitCode::kDone;
+}
+
+}  // namespace
+
+void AddRecordPlot(CLI::App& record, ExitCode& result) {
+  CLI::App& command = *record.add_subcommand(
+      "plot",
+      "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
+      "where time steps by more than three times the median step.");
+  const auto options = std::make_shared<Options>();
+  AddFileArgument(command, options->file);
+  command.add_option("-o,--output", options->output, "The picture to write")
+      ->required()
+      ->type_name("OUT.svg");
+  command.footer("Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool

@@ -1,0 +1,20 @@
+#ifndef SURVEYDATA_TOOLS_TEXT_H_
+#define SURVEYDATA_TOOLS_TEXT_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Tool {
+
+/// UTF-8 for people: surrogate pairs become their character, a surrogate without its other half
+/// and control characters become U+FFFD.
+std::string ToPrintable(std::u16string_view text);
+
+/// The 16-bit units of well-formed UTF-8; nothing for any other text, and for characters that need
+/// more than one unit.
+std::optional<std::u16string> ToSingleUnits(std::string_view utf8);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_TEXT_H_
