@@ -75,7 +75,7 @@ void DrawLegend(SvgC& svg, const ChartPanel& panel, double top) {
   double right = kRight;
   for (auto line = panel.lines.rbegin(); line != panel.lines.rend(); ++line) {
     const double left = right - kLetter * static_cast<double>(line->name.size());
-    svg.Text({left, top - 9}, line->name);
+    svg.Text({right, top - 9}, line->name, {.anchor = "end"});
     svg.Line({left - kSample - 6, top - 13.5}, {left - 6, top - 13.5}, {line->colour, 3.0});
     right = left - kSample - 24;
   }

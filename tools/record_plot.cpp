@@ -23,19 +23,23 @@ struct Options {
 
 std::int64_t ToMilliseconds(double seconds) { return std::llround(seconds * 1000); }
 
+std::string Moment(double seconds) {
+  const std::int64_t milliseconds = ToMilliseconds(seconds);
+  return GpsDate(milliseconds) + ' ' + GpsTimeOfDay(milliseconds);
+}
+
 Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
   const double first = series.GetFirstTime();
   const double last = series.GetLastTime();
   // Colours that people with any colour vision tell apart, in shades that differ as well.
   return {.title = std::filesystem::path(file).filename().string(),
-          .subtitle = fmt::format("{} measurements, {} to {} GPS time", series.GetRecordCount(),
-                                  GpsDateTime(ToMilliseconds(first)).substr(0, 19),
-                                  GpsDateTime(ToMilliseconds(last)).substr(0, 19)),
+          .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),
+                                  Moment(first), Moment(last)),
           .timeLabel =
               fmt::format("GPS time (no leap seconds), from {}", GpsDate(ToMilliseconds(first))),
           .firstTime = first,
           .lastTime = last,
-          .panels = {{"dilution of precision (1)",
+          .panels = {{"dilution of precision (no unit)",
                       false,
                       {{"PDOP", "#222222", 1.8, series.GetRuns(SatelliteSeriesC::kPDOP)},
                        {"VDOP", "#d55e00", 1.6, series.GetRuns(SatelliteSeriesC::kVDOP)},
