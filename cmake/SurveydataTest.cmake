@@ -1,7 +1,9 @@
-# surveydata_test(<name> [INTERNAL] [PROPERTY] [LIBRARIES ...]): one test program from <name>.cpp.
+# surveydata_test(<name> [INTERNAL] [PROPERTY] [LABEL ...] [LIBRARIES ...]): one test program from
+# <name>.cpp.
 #
 # INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds RapidCheck,
-# with fixed parameters: another seed is a cache variable away.
+# with fixed parameters: another seed is a cache variable away. LABEL is the ctest label, by default
+# unit or property.
 include(GoogleTest)
 find_package(GTest REQUIRED)
 find_package(rapidcheck REQUIRED)
@@ -10,7 +12,7 @@ set(SURVEYDATA_PROPERTY_PARAMS "seed=20260101 max_success=1000"
     CACHE STRING "RapidCheck parameters of the property tests")
 
 function(surveydata_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY" "" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY" "LABEL" "LIBRARIES")
   if(arg_INTERNAL)
     set(library surveydata::surveydata_static)
   else()
@@ -21,6 +23,9 @@ function(surveydata_test name)
     list(APPEND arg_LIBRARIES rapidcheck rapidcheck_gtest)
   else()
     set(label unit)
+  endif()
+  if(arg_LABEL)
+    set(label ${arg_LABEL})
   endif()
   add_executable(${name} ${name}.cpp)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})

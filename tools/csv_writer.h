@@ -30,7 +30,7 @@ class CsvWriterC {
 
   void Begin(std::string_view key, bool isPresent = true) {
     if (isHeader_) groups_.push_back(Path(key));
-    isSkipping_ = !isPresent;
+    isSkipping_ = !isPresent && !isHeader_;
   }
   void End() {
     if (isHeader_) groups_.pop_back();

@@ -37,9 +37,9 @@ std::vector<std::uint8_t> LoadFrame(const Options& options) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(options.file.c_str(), "rb"),
                                                              &std::fclose);
   std::vector<std::uint8_t> bytes(Frame::kMaxSize);
-  if (file != nullptr && fseeko(file.get(), static_cast<off_t>(options.offset), SEEK_SET) == 0) {
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-  }
+  const bool isInReach =
+      file != nullptr && fseeko(file.get(), static_cast<off_t>(options.offset), SEEK_SET) == 0;
+  bytes.resize(isInReach ? std::fread(bytes.data(), 1, bytes.size(), file.get()) : 0);
   if (file == nullptr || std::ferror(file.get()) != 0) {
     throw ToolErrorC(ExitCode::kFileError,
                      fmt::format("cannot read {}: {}", options.file, std::strerror(errno)));

@@ -1,0 +1,133 @@
+#include "program.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Quoted(std::string_view text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+  return quoted + "'";
+}
+
+Outcome Run(const std::string& command) {
+  const TempFolderC folder;
+  const std::string whole = "{ " + command + "\n} >" + Quoted(folder / "out") + " 2>" +
+                            Quoted(folder / "err") + " </dev/null";
+  const int status = std::system(whole.c_str());
+  if (status == -1 || !WIFEXITED(status)) throw std::runtime_error("did not exit: " + command);
+  return {WEXITSTATUS(status), ReadText(folder / "out"), ReadText(folder / "err")};
+}
+
+}  // namespace
+
+TempFolderC::TempFolderC() {
+  std::string name = (fs::temp_directory_path() / "surveydata-test-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
+  path_ = name;
+}
+
+TempFolderC::~TempFolderC() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::vector<std::string> TempFolderC::Names() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(path_)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& options) {
+  std::string command;
+  if (!options.folder.empty()) command += "cd " + Quoted(options.folder) + " && ";
+  command += options.shell + " ";
+  command += Quoted(options.program.empty() ? ProgramPath() : options.program);
+  for (const std::string& argument : arguments) command += " " + Quoted(argument);
+  return Run(command);
+}
+
+Outcome RunShell(const std::string& command, const std::string& folder) {
+  const std::string bin = fs::path(ProgramPath()).parent_path().string();
+  return Run("cd " + Quoted(folder) + " && PATH=" + Quoted(bin) + ":\"$PATH\" && " + command);
+}
+
+std::string ProgramPath() { return SURVEYDATA_PROGRAM; }
+
+std::string DataPath(std::string_view name) { return SURVEYDATA_TEST_DATA + std::string(name); }
+
+std::string ReadText(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot read " + file);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+Bytes ReadBytes(const std::string& file) {
+  const std::string text = ReadText(file);
+  return {text.begin(), text.end()};
+}
+
+void WriteBytes(const std::string& file, const Bytes& bytes) {
+  std::ofstream out(file, std::ios::binary);
+  std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(out));
+  if (!out.flush()) throw std::runtime_error("cannot write " + file);
+}
+
+std::vector<std::string> Lines(std::string_view text) {
+  std::vector<std::string> lines;
+  std::istringstream in{std::string(text)};
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+std::vector<nlohmann::json> JsonLines(std::string_view text) {
+  std::vector<nlohmann::json> values;
+  for (const std::string& line : Lines(text)) values.push_back(nlohmann::json::parse(line));
+  return values;
+}
+
+nlohmann::json SampleIndex(std::string_view name) {
+  return nlohmann::json::parse(ReadText(DataPath(std::string(name) + ".index.json")));
+}
+
+void FixChecksum(std::uint8_t* frame, std::size_t size) {
+  unsigned sum = 0;
+  for (std::size_t i = 2; i < size - 2; ++i) sum += frame[i];
+  frame[size - 2] = static_cast<std::uint8_t>(-sum);
+  frame[size - 1] = static_cast<std::uint8_t>(-sum >> 8);
+}
+
+Bytes MakeFrame(std::uint8_t type, const Bytes& body) {
+  const std::size_t length = 5 + body.size();
+  Bytes frame = Bytes{0x9C, 0xAE, static_cast<std::uint8_t>(length),
+                      static_cast<std::uint8_t>(length >> 8), type} +
+                body + Bytes{0, 0};
+  FixChecksum(frame.data(), frame.size());
+  return frame;
+}
+
+Bytes MakeBody(std::uint16_t flags, const Bytes& blocks) {
+  // Week 2091, 440075.000 s; time B likewise.
+  const Bytes times = {0x2B, 0x08, 0xF8, 0x02, 0x3B, 0x1A, 0xF8, 0x02, 0x3B, 0x1A};
+  return times + Bytes{static_cast<std::uint8_t>(flags), static_cast<std::uint8_t>(flags >> 8)} +
+         blocks;
+}
+
+Bytes operator+(Bytes a, const Bytes& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}

@@ -1,0 +1,85 @@
+#ifndef SURVEYDATA_TESTS_TOOLS_PROGRAM_H_
+#define SURVEYDATA_TESTS_TOOLS_PROGRAM_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+/// \file
+/// What the tests of the program share: running it, a folder of its own for each test, the sample
+/// files, and record files made for a test.
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// A folder that goes with its object.
+class TempFolderC {
+ public:
+  TempFolderC();
+  TempFolderC(const TempFolderC&) = delete;
+  TempFolderC& operator=(const TempFolderC&) = delete;
+  ~TempFolderC();
+
+  const std::filesystem::path& Path() const { return path_; }
+  std::string operator/(std::string_view name) const { return (path_ / name).string(); }
+  /// The names in it, sorted.
+  std::vector<std::string> Names() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// What a run of the program gave.
+struct Outcome {
+  int exitCode = -1;
+  std::string out;
+  std::string err;
+};
+
+/// How a run differs from a plain one.
+struct RunOptions {
+  std::string folder = {};   ///< The working folder.
+  std::string shell = {};    ///< Shell commands before it, in the same shell, e.g. "ulimit -f 8;".
+  std::string program = {};  ///< Another copy of the program.
+};
+
+/// Runs the program with its arguments as they are.
+Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+/// Runs a shell command in which `surveydata` is the program.
+Outcome RunShell(const std::string& command, const std::string& folder);
+
+/// The path of the program, of a file in tests/data.
+std::string ProgramPath();
+std::string DataPath(std::string_view name);
+
+std::string ReadText(const std::string& file);
+Bytes ReadBytes(const std::string& file);
+void WriteBytes(const std::string& file, const Bytes& bytes);
+
+/// The lines of a text, without their ends.
+std::vector<std::string> Lines(std::string_view text);
+std::vector<nlohmann::json> JsonLines(std::string_view text);
+
+/// Names of the samples, without extension.
+inline constexpr const char* kSamples[] = {"valley_drive", "desert_highway"};
+
+/// Where the records of a sample lie: `frames`, `others` and `padding`.
+nlohmann::json SampleIndex(std::string_view name);
+
+/// The checksum that belongs to a frame of this length, computed anew.
+void FixChecksum(std::uint8_t* frame, std::size_t size);
+
+/// A record around a body that begins behind the type.
+Bytes MakeFrame(std::uint8_t type, const Bytes& body);
+
+/// A measurement body: times, flags word 1 and the blocks' bytes.
+Bytes MakeBody(std::uint16_t flags, const Bytes& blocks);
+
+Bytes operator+(Bytes a, const Bytes& b);
+
+#endif  // SURVEYDATA_TESTS_TOOLS_PROGRAM_H_

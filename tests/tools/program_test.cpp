@@ -1,0 +1,141 @@
+#include "program.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Every command line whose help is looked at.
+const std::vector<std::vector<std::string>> kCommands = {
+    {},
+    {"record"},
+    {"record", "list"},
+    {"record", "show"},
+    {"record", "export"},
+    {"record", "set"},
+    {"record", "plot"},
+};
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text = "surveydata";
+  for (const std::string& word : words) text += " " + word;
+  return text;
+}
+
+// The lines behind "Example:" that begin with the program's name.
+std::vector<std::string> Examples(const std::string& help) {
+  std::vector<std::string> examples;
+  bool isBehind = false;
+  for (const std::string& line : Lines(help)) {
+    if (line == "Example:") isBehind = true;
+    if (isBehind && line.starts_with("  surveydata ")) examples.push_back(line.substr(2));
+  }
+  return examples;
+}
+
+TEST(Program, TellsItsVersion) {
+  const Outcome outcome = RunProgram({"--version"});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out, "surveydata " SURVEYDATA_VERSION "\n");
+}
+
+TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
+  const std::string file = DataPath("valley_drive.rec");
+  const std::vector<std::vector<std::string>> wrong = {
+      {},
+      {"record"},
+      {"nonsense"},
+      {"record", "nonsense"},
+      {"record", "list"},
+      {"record", "list", file, "--nonsense"},
+      {"record", "list", file, "another"},
+      {"record", "show", file},
+      {"record", "show", file, "--offset"},
+      {"record", "show", file, "--offset", ""},
+      {"record", "show", file, "--offset", "0x"},
+      {"record", "show", file, "--offset", "-1"},
+      {"record", "show", file, "--offset", "960x"},
+      {"record", "show", file, "--offset", " 960"},
+      {"record", "show", file, "--offset", "18446744073709551616"},
+      {"record", "set", file, "--name", "A"},
+      {"record", "plot", file},
+  };
+  for (const auto& arguments : wrong) {
+    SCOPED_TRACE(Joined(arguments));
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err, "");
+  }
+}
+
+TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
+  const TempFolderC folder;
+  for (const std::string& file : {folder / "missing.rec", folder.Path().string()}) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"list", file},
+                                                      {"show", file, "--offset", "0"},
+                                                      {"export", file},
+                                                      {"set", file, "--offset", "0", "--name", "A"},
+                                                      {"plot", file, "-o", folder / "out.svg"}}) {
+      std::vector<std::string> all = {"record"};
+      all.insert(all.end(), arguments.begin(), arguments.end());
+      SCOPED_TRACE(Joined(all));
+      const Outcome outcome = RunProgram(all);
+      EXPECT_EQ(outcome.exitCode, 3);
+      EXPECT_NE(outcome.err.find("surveydata: cannot read "), std::string::npos) << outcome.err;
+    }
+  }
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  const TempFolderC folder;
+  const std::string file = DataPath("valley_drive.rec");
+  for (const std::string& command :
+       {"surveydata record list '" + file + "' >/dev/full",
+        "surveydata record show '" + file + "' --offset 960 >/dev/full",
+        "surveydata record export '" + file + "' >/dev/full",
+        "surveydata record export '" + file + "' -o /dev/full",
+        "surveydata record plot '" + file + "' -o /dev/full"}) {
+    SCOPED_TRACE(command);
+    const Outcome outcome = RunShell(command, folder.Path().string());
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("cannot write"), std::string::npos) << outcome.err;
+  }
+}
+
+TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
+  for (const auto& command : kCommands) {
+    SCOPED_TRACE(Joined(command));
+    std::vector<std::string> arguments = command;
+    arguments.push_back("--help");
+    const Outcome help = RunProgram(arguments);
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(help.err, "");
+    const std::vector<std::string> examples = Examples(help.out);
+    EXPECT_FALSE(examples.empty()) << help.out;
+    for (const std::string& example : examples) {
+      SCOPED_TRACE(example);
+      EXPECT_TRUE(example.starts_with(Joined(command)));
+      const TempFolderC folder;
+      std::filesystem::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
+      const Outcome outcome = RunShell(example, folder.Path().string());
+      // The sample has gaps, which a list reports.
+      EXPECT_EQ(outcome.exitCode, example.find(" list valley") != std::string::npos ? 1 : 0);
+      EXPECT_EQ(outcome.err, "");
+      EXPECT_TRUE(outcome.out != "" || folder.Names().size() > 1);
+    }
+  }
+}
+
+TEST(Program, DrawsNoProgressBarWhereStandardErrorIsNoTerminal) {
+  const Outcome outcome = RunProgram({"record", "export", DataPath("valley_drive.rec")});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.err, "");
+}
+
+}  // namespace
