@@ -30,6 +30,15 @@
 #include <surveydata/object_model/handle.h>
 #include <surveydata/object_model/version.h>
 #include <surveydata/platform/vorlin_time.h>
+#include <surveydata/scanning/scan.h>
+#include <surveydata/scanning/scan_area.h>
+#include <surveydata/scanning/scan_def_point.h>
+#include <surveydata/scanning/scan_definition.h>
+#include <surveydata/scanning/scan_dome_area.h>
+#include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/scanning/scan_rectangular_area.h>
+#include <surveydata/sphere_geometry/angles.h>
+#include <surveydata/sphere_geometry/sphere_area.h>
 #include <surveydata/total_station/tps_calibration_data.h>
 #include <surveydata/total_station/tps_correction_data.h>
 #include <surveydata/total_station/tps_meas_data.h>

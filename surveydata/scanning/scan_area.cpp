@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <limits>
+
+#include <surveydata/scanning/scan_area.h>
+#include <surveydata/sphere_geometry/angles.h>
+
+namespace SDI {
+
+ScanAreaImplC::ScanAreaImplC(std::uint32_t type) : ScanDefinitionImplC(type) {}
+ScanAreaImplC::ScanAreaImplC(const ScanAreaImplC& other) = default;
+ScanAreaImplC& ScanAreaImplC::operator=(const ScanAreaImplC& other) = default;
+ScanAreaImplC::~ScanAreaImplC() = default;
+
+bool ScanAreaImplC::IsEqual(const API::ImplObjectC& other) const {
+  const auto* const area = dynamic_cast<const ScanAreaImplC*>(&other);
+  return area != nullptr && ScanDefinitionImplC::IsEqual(other) &&
+         GMAT::ExactlyEqual(hzStep_, area->hzStep_) && GMAT::ExactlyEqual(vStep_, area->vStep_) &&
+         points_ == area->points_ && settingA_ == area->settingA_ && limitLow_ == area->limitLow_ &&
+         limitHigh_ == area->limitHigh_;
+}
+
+bool ScanAreaImplC::IsValid() const { return hzStep_ > 0.0 && vStep_ > 0.0 && IsAreaValid(); }
+
+bool ScanAreaImplC::AddPoint(const ScanDefPointC& point) {
+  points_.push_back(point);
+  return sphereArea_.AddPoint(points_.back().GetHz(), points_.back().GetV());
+}
+
+void ScanAreaImplC::RemoveLastPoint() {
+  if (!points_.empty()) points_.pop_back();
+  sphereArea_.RemoveLastPoint();
+}
+
+void ScanAreaImplC::Clear() {
+  points_.clear();
+  sphereArea_.Clear();
+}
+
+std::uint16_t ScanAreaImplC::GetPointCount() const {
+  return static_cast<std::uint16_t>(sphereArea_.GetPointCount());
+}
+
+void ScanAreaImplC::GetPoints(std::vector<ScanDefPointC>& points) const { points = points_; }
+
+bool ScanAreaImplC::IsAreaValid() const { return sphereArea_.IsValid(); }
+
+bool ScanAreaImplC::GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high,
+                                      bool normalize) const {
+  if (!IsAreaValid()) return false;
+  double hzMin = 0.0;
+  double hzMax = 0.0;
+  double vMin = 0.0;
+  double vMax = 0.0;
+  bool enclosesZenith = false;
+  if (!sphereArea_.GetExtents(hzMin, hzMax, vMin, vMax, enclosesZenith, false)) return false;
+  if (normalize) {
+    GMAT::WrapIntoRange(hzMax, 0.0, GMAT::TWO_PI);
+    GMAT::WrapIntoRange(vMax, 0.0, GMAT::TWO_PI);
+  }
+  low.SetHz(hzMin);
+  low.SetV(vMin);
+  high.SetHz(hzMax);
+  high.SetV(vMax);
+  return true;
+}
+
+bool ScanAreaImplC::Contains(double hz, double v) const {
+  if (GetType() != kDomeArea) return sphereArea_.Contains(hz, v);
+  if (!GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI)) return false;
+  return GMAT::WrapIntoRange(v, 0.0, GMAT::TWO_PI) && v <= GMAT::V_LIMIT;
+}
+
+double ScanAreaImplC::GetHzStep() const { return hzStep_; }
+void ScanAreaImplC::SetHzStep(double step) { hzStep_ = step; }
+double ScanAreaImplC::GetVStep() const { return vStep_; }
+void ScanAreaImplC::SetVStep(double step) { vStep_ = step; }
+std::uint32_t ScanAreaImplC::GetSettingA() const { return settingA_; }
+void ScanAreaImplC::SetSettingA(std::uint32_t setting) { settingA_ = setting; }
+double ScanAreaImplC::GetLimitLow() const { return limitLow_; }
+void ScanAreaImplC::SetLimitLow(double limit) { limitLow_ = limit; }
+double ScanAreaImplC::GetLimitHigh() const { return limitHigh_; }
+void ScanAreaImplC::SetLimitHigh(double limit) { limitHigh_ = limit; }
+std::uint32_t ScanAreaImplC::GetSettingB() const { return settingB_; }
+void ScanAreaImplC::SetSettingB(std::uint32_t setting) { settingB_ = setting; }
+std::uint32_t ScanAreaImplC::GetSettingC() const { return settingC_; }
+void ScanAreaImplC::SetSettingC(std::uint32_t setting) { settingC_ = setting; }
+double ScanAreaImplC::GetSettingD() const { return settingD_; }
+void ScanAreaImplC::SetSettingD(double setting) { settingD_ = setting; }
+std::uint16_t ScanAreaImplC::GetSettingE() const { return settingE_; }
+void ScanAreaImplC::SetSettingE(std::uint16_t setting) { settingE_ = setting; }
+
+struct ScanAreaC::Bounds {
+  double hzMin = std::numeric_limits<double>::max();
+  double hzMax = std::numeric_limits<double>::max();
+  double vMin = std::numeric_limits<double>::max();
+  double vMax = std::numeric_limits<double>::max();
+};
+
+ScanAreaC::ScanAreaC(ScanAreaImplC* impl) : ScanDefinitionC(impl) {}
+
+ScanAreaImplC* ScanAreaC::GetImpl() const {
+  return API::CheckedCast<ScanAreaImplC>(API::BaseC::GetImpl());
+}
+
+bool ScanAreaC::GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const {
+  return GetImpl()->GetBoundingPoints(low, high, normalize);
+}
+
+bool ScanAreaC::IsEqual(const ScanAreaC& other) const {
+  return GetImpl()->IsEqual(*other.GetImpl());
+}
+
+bool ScanAreaC::IsValid() const { return GetImpl()->IsValid(); }
+bool ScanAreaC::AddPoint(const ScanDefPointC& point) { return GetImpl()->AddPoint(point); }
+void ScanAreaC::RemoveLastPoint() { GetImpl()->RemoveLastPoint(); }
+void ScanAreaC::Clear() { GetImpl()->Clear(); }
+std::uint16_t ScanAreaC::GetPointCount() const { return GetImpl()->GetPointCount(); }
+void ScanAreaC::GetPoints(std::vector<ScanDefPointC>& points) const {
+  GetImpl()->GetPoints(points);
+}
+bool ScanAreaC::IsAreaValid() const { return GetImpl()->IsAreaValid(); }
+void ScanAreaC::GetOutline(std::vector<ScanDefPointC>& out, double defaultDistance) const {
+  GetImpl()->GetOutline(out, defaultDistance);
+}
+
+bool ScanAreaC::Contains(double hz, double v) const { return GetImpl()->Contains(hz, v); }
+
+ScanAreaC::Bounds ScanAreaC::MeasureBounds() const {
+  Bounds bounds;
+  const ScanAreaImplC& impl = *GetImpl();
+  if (!impl.IsValid()) return bounds;
+  ScanDefPointC low;
+  ScanDefPointC high;
+  impl.GetBoundingPoints(low, high, true);
+  bounds.hzMin = low.GetHz();
+  bounds.hzMax = high.GetHz();
+  bounds.vMin = std::min(low.GetV(), high.GetV());
+  bounds.vMax = std::max(low.GetV(), high.GetV());
+  return bounds;
+}
+
+double ScanAreaC::GetHzMin() const { return MeasureBounds().hzMin; }
+double ScanAreaC::GetVMin() const { return MeasureBounds().vMin; }
+double ScanAreaC::GetHzMax() const { return MeasureBounds().hzMax; }
+double ScanAreaC::GetVMax() const { return MeasureBounds().vMax; }
+
+double ScanAreaC::GetHzStep() const { return GetImpl()->GetHzStep(); }
+void ScanAreaC::SetHzStep(double step) { GetImpl()->SetHzStep(step); }
+double ScanAreaC::GetVStep() const { return GetImpl()->GetVStep(); }
+void ScanAreaC::SetVStep(double step) { GetImpl()->SetVStep(step); }
+void ScanAreaC::SetSteps(double hz, double v) {
+  SetHzStep(hz);
+  SetVStep(v);
+}
+std::uint32_t ScanAreaC::GetSettingA() const { return GetImpl()->GetSettingA(); }
+void ScanAreaC::SetSettingA(std::uint32_t setting) { GetImpl()->SetSettingA(setting); }
+double ScanAreaC::GetLimitLow() const { return GetImpl()->GetLimitLow(); }
+void ScanAreaC::SetLimitLow(double limit) { GetImpl()->SetLimitLow(limit); }
+double ScanAreaC::GetLimitHigh() const { return GetImpl()->GetLimitHigh(); }
+void ScanAreaC::SetLimitHigh(double limit) { GetImpl()->SetLimitHigh(limit); }
+std::uint32_t ScanAreaC::GetSettingB() const { return GetImpl()->GetSettingB(); }
+void ScanAreaC::SetSettingB(std::uint32_t setting) { GetImpl()->SetSettingB(setting); }
+std::uint32_t ScanAreaC::GetSettingC() const { return GetImpl()->GetSettingC(); }
+void ScanAreaC::SetSettingC(std::uint32_t setting) { GetImpl()->SetSettingC(setting); }
+double ScanAreaC::GetSettingD() const { return GetImpl()->GetSettingD(); }
+void ScanAreaC::SetSettingD(double setting) { GetImpl()->SetSettingD(setting); }
+std::uint16_t ScanAreaC::GetSettingE() const { return GetImpl()->GetSettingE(); }
+void ScanAreaC::SetSettingE(std::uint16_t setting) { GetImpl()->SetSettingE(setting); }
+
+}  // namespace SDI

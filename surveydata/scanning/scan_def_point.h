@@ -1,0 +1,74 @@
+#ifndef SURVEYDATA_SCANNING_SCAN_DEF_POINT_H_
+#define SURVEYDATA_SCANNING_SCAN_DEF_POINT_H_
+
+#include <limits>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/object_model/handle.h>
+
+namespace SDI {
+class SURVEYDATA_API ScanDefPointC;
+
+/// The data of a `ScanDefPointC`.
+class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, ScanDefPointC> {
+ public:
+  using ImplC::ImplC;
+  ScanDefPointImplC() = default;
+  ScanDefPointImplC(double hz, double v, double distance);
+
+  double GetHz() const;
+  void SetHz(double hz);
+  double GetV() const;
+  void SetV(double v);
+  double GetDistance() const;
+  void SetDistance(double distance);
+
+  void ClearDistance();
+  bool HasDistance() const;
+
+  /// Whether both angles are set. The distance does not matter.
+  bool IsValid() const;
+
+  bool IsEqual(const ScanDefPointImplC& other) const;
+  bool operator==(const ScanDefPointImplC& other) const;
+
+ private:
+  double hz_ = std::numeric_limits<double>::max();
+  double v_ = std::numeric_limits<double>::max();
+  double distance_ = -1.0;
+};
+
+/// A direction of the instrument, with a distance if one is known: the point by which scan areas
+/// are defined.
+///
+/// Angles are in radians, V is measured from the zenith; the largest finite double stands for an
+/// angle that is not set, as both are at first. Distances are in metres; a point whose distance is
+/// not above 0 has none, -1 at first. Every value is stored as given.
+class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
+ public:
+  using HandleC::HandleC;
+  ScanDefPointC() = default;
+  ScanDefPointC(double hz, double v, double distance);
+
+  double GetHz() const;
+  void SetHz(double hz);
+  double GetV() const;
+  void SetV(double v);
+  double GetDistance() const;
+  void SetDistance(double distance);
+
+  /// Sets the distance to -1.
+  void ClearDistance();
+  /// Whether the distance is above 0.
+  bool HasDistance() const;
+
+  /// Whether both angles agree to less than the smallest normal double, so in effect exactly. The
+  /// distance takes no part.
+  bool IsEqual(const ScanDefPointC& other) const;
+  /// The same as `IsEqual`.
+  bool operator==(const ScanDefPointC& other) const;
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_SCANNING_SCAN_DEF_POINT_H_

@@ -1,0 +1,68 @@
+#include <algorithm>
+#include <cstdint>
+
+#include <surveydata/scanning/scan_polygon_area.h>
+
+namespace SDI {
+
+ScanPolygonAreaImplC::ScanPolygonAreaImplC() : ImplC(kPolygonArea) {}
+ScanPolygonAreaImplC::ScanPolygonAreaImplC(API::BaseC* owner) : ImplC(kPolygonArea) {
+  SetBase(owner);
+}
+ScanPolygonAreaImplC::ScanPolygonAreaImplC(const ScanPolygonAreaImplC& other) = default;
+ScanPolygonAreaImplC& ScanPolygonAreaImplC::operator=(const ScanPolygonAreaImplC& other) = default;
+ScanPolygonAreaImplC::~ScanPolygonAreaImplC() = default;
+
+bool ScanPolygonAreaImplC::IsEqual(const API::ImplObjectC& other) const {
+  return dynamic_cast<const ScanPolygonAreaImplC*>(&other) != nullptr &&
+         ScanAreaImplC::IsEqual(other);
+}
+
+bool ScanPolygonAreaImplC::IsValid() const {
+  const std::vector<ScanDefPointC>& points = Points();
+  return ScanAreaImplC::IsValid() && points.size() >= 3 &&
+         std::adjacent_find(points.begin(), points.end()) == points.end() &&
+         !(points.front() == points.back());
+}
+
+void ScanPolygonAreaImplC::GetOutline(std::vector<ScanDefPointC>& out,
+                                      double defaultDistance) const {
+  out = Points();
+  double sum = 0.0;
+  std::size_t count = 0;
+  for (const ScanDefPointC& point : out) {
+    if (!point.HasDistance()) continue;
+    sum += point.GetDistance();
+    ++count;
+  }
+  if (count == out.size()) return;
+  if (count == 0) {
+    for (ScanDefPointC& point : out) point.SetDistance(defaultDistance);
+    return;
+  }
+  const double mean = sum / static_cast<double>(count);
+  const std::uint64_t n = out.size();
+  // Filled values must not feed their neighbours, so all are taken from the unfilled points.
+  const auto distanceOrMean = [&](std::uint64_t index) {
+    const double distance = Points()[index % n].GetDistance();
+    return distance < 0.0 ? mean : distance;
+  };
+  for (std::uint64_t i = 0; i < n; ++i) {
+    if (!(Points()[i].GetDistance() < 0.0)) continue;
+    // For the first point i - 1 wraps around at 2^64: its neighbour is the last one only when n is
+    // a power of two.
+    out[i].SetDistance((distanceOrMean(i - 1) + distanceOrMean(i + 1)) / 2.0);
+  }
+}
+
+void ScanPolygonAreaImplC::SetPoints(const std::vector<ScanDefPointC>& points) {
+  for (const ScanDefPointC& point : points) ScanAreaImplC::AddPoint(point);
+}
+
+ScanPolygonAreaC::ScanPolygonAreaC() = default;
+
+void ScanPolygonAreaC::SetPoints(const std::vector<ScanDefPointC>& points) {
+  GetImpl()->SetPoints(points);
+}
+
+}  // namespace SDI

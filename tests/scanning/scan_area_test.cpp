@@ -1,0 +1,473 @@
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/scanning/scan_dome_area.h>
+#include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/scanning/scan_rectangular_area.h>
+
+#include "virtual_slot.h"
+
+namespace SDI {
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kNotSet = 1.7976931348623157e308;
+
+static_assert(sizeof(ScanDefinitionC) == sizeof(API::BaseC));
+static_assert(sizeof(ScanDomeAreaC) == sizeof(API::BaseC));
+static_assert(sizeof(ScanDefinitionImplC) == 24);
+static_assert(sizeof(ScanAreaImplC) == 24 + 64 + 72 + 24);
+static_assert(sizeof(ScanRectangularAreaImplC) == sizeof(ScanAreaImplC));
+static_assert(sizeof(ScanPolygonAreaImplC) == sizeof(ScanAreaImplC));
+static_assert(sizeof(ScanDomeAreaImplC) == sizeof(ScanAreaImplC));
+static_assert(std::is_base_of_v<boost::noncopyable, ScanDefinitionC>);
+
+ScanRectangularAreaC* MakeRectangle() {
+  auto* const area = new ScanRectangularAreaC;
+  area->SetSteps(0.1, 0.2);
+  area->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  return area;
+}
+
+const std::vector<ScanDefPointC> kTriangle = {{1.0, 1.0, -1.0}, {2.0, 1.0, -1.0}, {1.5, 1.5, -1.0}};
+
+ScanPolygonAreaC* MakePolygon(const std::vector<ScanDefPointC>& points = kTriangle) {
+  auto* const area = new ScanPolygonAreaC;
+  area->SetSteps(0.1, 0.2);
+  area->SetPoints(points);
+  return area;
+}
+
+template <class Area>
+class ScanAreas : public testing::Test {};
+using AllAreas = testing::Types<ScanRectangularAreaC, ScanPolygonAreaC, ScanDomeAreaC>;
+TYPED_TEST_SUITE(ScanAreas, AllAreas);
+
+TYPED_TEST(ScanAreas, CannotBeCopied) {
+  static_assert(!std::is_copy_constructible_v<TypeParam>);
+  static_assert(!std::is_copy_assignable_v<TypeParam>);
+  static_assert(!std::is_move_constructible_v<TypeParam>);
+  static_assert(!std::is_move_assignable_v<TypeParam>);
+}
+
+TYPED_TEST(ScanAreas, DefaultsOfTheSettings) {
+  const TypeParam area;
+  EXPECT_EQ(area.GetHzStep(), 0.0);
+  EXPECT_EQ(area.GetVStep(), 0.0);
+  EXPECT_EQ(area.GetSettingA(), 0u);
+  EXPECT_EQ(area.GetLimitLow(), -1.0);
+  EXPECT_EQ(area.GetLimitHigh(), -1.0);
+  EXPECT_EQ(area.GetSettingB(), 4u);
+  EXPECT_EQ(area.GetSettingC(), 0u);
+  EXPECT_EQ(area.GetSettingD(), 0.0);
+  EXPECT_EQ(area.GetSettingE(), 1u);
+  EXPECT_EQ(area.GetPointCount(), 0u);
+  EXPECT_FALSE(area.IsValid()) << "the steps are 0";
+}
+
+TYPED_TEST(ScanAreas, SettingsAreStoredAndCopied) {
+  TypeParam area;
+  area.SetHzStep(1.0);
+  area.SetVStep(2.0);
+  area.SetSettingA(3);
+  area.SetLimitLow(4.0);
+  area.SetLimitHigh(5.0);
+  area.SetSettingB(6);
+  area.SetSettingC(7);
+  area.SetSettingD(8.0);
+  area.SetSettingE(9);
+  area.AddPoint({1.0, 1.0, 1.0});
+  using Impl = std::remove_pointer_t<decltype(area.GetImpl())>;
+  const TypeParam copy(new Impl(*area.GetImpl()));
+  Impl assigned;
+  assigned = *area.GetImpl();
+  area.SetSteps(-1.0, -2.0);
+  area.Clear();
+  for (const ScanAreaImplC* impl :
+       {static_cast<ScanAreaImplC*>(copy.GetImpl()), static_cast<ScanAreaImplC*>(&assigned)}) {
+    EXPECT_EQ(impl->GetHzStep(), 1.0);
+    EXPECT_EQ(impl->GetVStep(), 2.0);
+    EXPECT_EQ(impl->GetSettingA(), 3u);
+    EXPECT_EQ(impl->GetLimitLow(), 4.0);
+    EXPECT_EQ(impl->GetLimitHigh(), 5.0);
+    EXPECT_EQ(impl->GetSettingB(), 6u);
+    EXPECT_EQ(impl->GetSettingC(), 7u);
+    EXPECT_EQ(impl->GetSettingD(), 8.0);
+    EXPECT_EQ(impl->GetSettingE(), 9u);
+    std::vector<ScanDefPointC> points;
+    impl->GetPoints(points);
+    EXPECT_EQ(points.size(), impl->GetPointCount());
+    EXPECT_EQ(impl->GetPointCount(), impl->GetType() == kDomeArea ? 0u : 1u);
+  }
+  EXPECT_EQ(area.GetHzStep(), -1.0);
+  EXPECT_EQ(area.GetVStep(), -2.0);
+}
+
+TYPED_TEST(ScanAreas, TheImplementationMakesThePublicObjectOfItsKind) {
+  using Impl = std::remove_pointer_t<decltype(TypeParam().GetImpl())>;
+  Impl impl;
+  auto* const object = dynamic_cast<TypeParam*>(impl.GetBase());
+  ASSERT_NE(object, nullptr);
+  EXPECT_EQ(object->GetImpl(), &impl);
+  EXPECT_EQ(impl.GetBase(), object);
+  const ScanAreaC& asArea = *object;
+  EXPECT_EQ(asArea.GetImpl(), &impl);
+  const ScanDefinitionC& asDefinition = *object;
+  EXPECT_EQ(asDefinition.GetImpl(), &impl);
+}
+
+TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // the leak checker is the judge
+  delete new TypeParam;
+  delete (new TypeParam)->GetImpl();
+}
+
+TYPED_TEST(ScanAreas, EqualityComparesKindStepsPointsSettingAAndLimits) {
+  const auto compare = [](auto change, bool equal) {
+    TypeParam a;
+    TypeParam b;
+    for (TypeParam* const area : {&a, &b}) {
+      area->AddPoint({1.0, 1.0, 5.0});
+      area->AddPoint({2.0, 1.5, 5.0});
+    }
+    change(b);
+    EXPECT_EQ(a.IsEqual(b), equal);
+    EXPECT_EQ(b.IsEqual(a), equal);
+    const ScanDefinitionC& base = a;
+    EXPECT_EQ(base.IsEqual(static_cast<const ScanDefinitionC&>(b)), equal);
+  };
+  const bool isDome = std::is_same_v<TypeParam, ScanDomeAreaC>;
+  compare([](TypeParam&) {}, true);
+  compare([](TypeParam& b) { b.SetHzStep(1e-300); }, false);
+  compare([](TypeParam& b) { b.SetHzStep(1e-310); }, true);
+  compare([](TypeParam& b) { b.SetVStep(1e-300); }, false);
+  compare([](TypeParam& b) { b.SetSettingA(1); }, false);
+  compare([](TypeParam& b) { b.SetLimitLow(-1.0 + 1e-15); }, false);
+  compare([](TypeParam& b) { b.SetLimitHigh(-1.0 + 1e-15); }, false);
+  compare([](TypeParam& b) { b.SetSettingB(1); }, true);
+  compare([](TypeParam& b) { b.SetSettingC(1); }, true);
+  compare([](TypeParam& b) { b.SetSettingD(1.0); }, true);
+  compare([](TypeParam& b) { b.SetSettingE(2); }, true);
+  compare([](TypeParam& b) { b.RemoveLastPoint(); }, isDome);
+  compare(
+      [](TypeParam& b) {
+        b.RemoveLastPoint();
+        b.AddPoint({2.0, 1.5, -1.0});
+      },
+      true);
+  compare(
+      [](TypeParam& b) {
+        b.RemoveLastPoint();
+        b.AddPoint({2.0, 1.6, 5.0});
+      },
+      isDome);
+}
+
+TEST(ScanArea, KindsAreNeverEqual) {
+  ScanRectangularAreaC rectangle;
+  ScanPolygonAreaC polygon;
+  ScanDomeAreaC dome;
+  const ScanAreaC* const areas[] = {&rectangle, &polygon, &dome};
+  for (const ScanAreaC* a : areas) {
+    for (const ScanAreaC* b : areas) EXPECT_EQ(a->IsEqual(*b), a == b);
+  }
+  EXPECT_EQ(rectangle.GetType(), 1u);
+  EXPECT_EQ(polygon.GetType(), 2u);
+  EXPECT_EQ(dome.GetType(), 3u);
+  const ScanDefPointC point;
+  EXPECT_FALSE(rectangle.GetImpl()->IsEqual(*point.GetImpl())) << "no scan definition";
+}
+
+TEST(ScanDefinition, ComparesTypesAlone) {
+  const ScanDefinitionC seven(new ScanDefinitionImplC(7));
+  EXPECT_EQ(seven.GetType(), 7u);
+  EXPECT_TRUE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(7))));
+  EXPECT_FALSE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(8))));
+  ScanDefinitionImplC impl(7);
+  EXPECT_EQ(static_cast<ScanDefinitionC*>(impl.GetBase())->GetImpl(), &impl);
+}
+
+#if !defined(_WIN32)
+TEST(ScanArea, VirtualFunctionsStandInTheirOrder) {
+  EXPECT_EQ(VirtualSlot(&ScanDefPointImplC::GetBase), 1);
+  EXPECT_EQ(VirtualSlot(&API::BaseC::SetImpl), 1);
+  EXPECT_EQ(VirtualSlot(&ScanDefinitionImplC::GetBase), 1);
+  EXPECT_EQ(VirtualSlot(&ScanDefinitionImplC::IsEqual), 2);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::IsEqual), 2);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::IsValid), 3);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::AddPoint), 4);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::RemoveLastPoint), 5);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::Clear), 6);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::GetPointCount), 7);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::GetPoints), 8);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::IsAreaValid), 9);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::GetBoundingPoints), 10);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::GetOutline), 11);
+  EXPECT_EQ(VirtualSlot(&ScanAreaImplC::Contains), -1);
+  EXPECT_EQ(VirtualSlot(&ScanAreaC::GetBoundingPoints), 2);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::Clear), 1);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::RemoveLastPoint), 2);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::GetPointCount), 3);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::AddPoint), 4);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::AddPoints), 5);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::IsValid), 6);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::GetExtents), 7);
+  EXPECT_EQ(VirtualSlot(&GMAT::SphereAreaC::Contains), 8);
+}
+#endif
+
+TEST(ScanArea, PointsAreMirroredIntoTheGeometry) {
+  ScanPolygonAreaC area;
+  area.RemoveLastPoint();
+  EXPECT_EQ(area.GetPointCount(), 0u);
+  EXPECT_TRUE(area.AddPoint({1.0, 3.5, 2.0}));
+  EXPECT_TRUE(area.AddPoint({2.0, 1.0, 2.0}));
+  EXPECT_EQ(area.GetPointCount(), 2u);
+  EXPECT_EQ(area.GetImpl()->GetSphereArea().GetPoints()[0].V, kTwoPi - 3.5);
+  std::vector<ScanDefPointC> points(5);
+  area.GetPoints(points);
+  ASSERT_EQ(points.size(), 2u);
+  EXPECT_EQ(points[0].GetV(), 3.5) << "the point itself stays as given";
+  EXPECT_EQ(points[0].GetDistance(), 2.0);
+  area.RemoveLastPoint();
+  EXPECT_EQ(area.GetPointCount(), 1u);
+  EXPECT_EQ(area.GetImpl()->GetSphereArea().GetPointCount(), 1u);
+  area.Clear();
+  EXPECT_EQ(area.GetPointCount(), 0u);
+}
+
+TEST(ScanArea, ThePointCountHasSixteenBits) {
+  ScanPolygonAreaC area;
+  const std::vector<ScanDefPointC> points(65536);
+  area.SetPoints(points);
+  EXPECT_EQ(area.GetPointCount(), 0u);
+  area.RemoveLastPoint();
+  EXPECT_EQ(area.GetPointCount(), 65535u);
+}
+
+TEST(ScanRectangularArea, IsValidWithStepsAndTwoCornersThatDiffer) {
+  ScanRectangularAreaC area;
+  EXPECT_FALSE(area.IsValid());
+  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  EXPECT_TRUE(area.IsAreaValid());
+  EXPECT_FALSE(area.IsValid());
+  area.SetSteps(0.1, 0.1);
+  EXPECT_TRUE(area.IsValid());
+  area.SetSteps(0.0, 0.1);
+  EXPECT_FALSE(area.IsValid());
+  area.SetSteps(0.1, -0.1);
+  EXPECT_FALSE(area.IsValid());
+  area.SetSteps(0.1, std::nan(""));
+  EXPECT_FALSE(area.IsValid());
+  area.SetSteps(0.1, 0.1);
+  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 0.5, -1.0});
+  EXPECT_FALSE(area.IsValid()) << "equal V";
+  area.SetCorners({1.0, 0.5, -1.0}, {1.0, 0.6, -1.0});
+  EXPECT_FALSE(area.IsValid()) << "equal Hz";
+  area.SetCorners({1.0, 0.5, -1.0}, {1.0, 0.5, -1.0});
+  EXPECT_FALSE(area.IsValid());
+  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  area.AddPoint({1.5, 2.0, -1.0});
+  EXPECT_FALSE(area.IsValid()) << "three points";
+}
+
+TEST(ScanRectangularArea, CornersAreSetAndRead) {
+  const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
+  area->SetCorners({3.0, 0.6, 7.0}, {4.0, 1.1, 8.0});
+  EXPECT_EQ(area->GetPointCount(), 2u);
+  ScanDefPointC a;
+  ScanDefPointC b;
+  ASSERT_TRUE(area->GetCorners(a, b));
+  EXPECT_EQ(a.GetHz(), 3.0);
+  EXPECT_EQ(a.GetDistance(), 7.0);
+  EXPECT_EQ(b.GetV(), 1.1);
+  EXPECT_EQ(b.GetDistance(), 8.0);
+  area->SetSteps(0.0, 0.0);
+  a = ScanDefPointC();
+  EXPECT_FALSE(area->GetCorners(a, b));
+  EXPECT_EQ(a.GetHz(), kNotSet);
+}
+
+TEST(ScanRectangularArea, OutlineFillsTheDistances) {
+  const struct {
+    double first, second, filledFirst, filledSecond;
+  } cases[] = {
+      {12.5, -1.0, 12.5, 12.5}, {-1.0, 9.0, 9.0, 9.0}, {-1.0, -1.0, 3.0, 3.0},
+      {1.0, 2.0, 1.0, 2.0},     {0.0, -1.0, 0.0, 0.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.first << ", " << c.second);
+    const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
+    area->SetCorners({1.0, 0.5, c.first}, {2.0, 1.0, c.second});
+    std::vector<ScanDefPointC> out(1);
+    area->GetOutline(out, 3.0);
+    ASSERT_EQ(out.size(), 5u) << "corners are appended";
+    const ScanDefPointC expected[] = {{1.0, 0.5, c.filledFirst},
+                                      {2.0, 0.5, c.filledSecond},
+                                      {2.0, 1.0, c.filledSecond},
+                                      {1.0, 1.0, c.filledFirst}};
+    for (std::size_t i = 0; i < 4; ++i) {
+      EXPECT_TRUE(out[i + 1] == expected[i]);
+      EXPECT_EQ(out[i + 1].GetDistance(), expected[i].GetDistance());
+    }
+  }
+  ScanRectangularAreaC one;
+  one.AddPoint({1.0, 1.0, 1.0});
+  std::vector<ScanDefPointC> out;
+  one.GetOutline(out, 3.0);
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(ScanPolygonArea, SetPointsAppends) {
+  const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon());
+  area->SetPoints({{1.2, 1.4, -1.0}});
+  EXPECT_EQ(area->GetPointCount(), 4u);
+}
+
+TEST(ScanPolygonArea, NeedsThreePointsWithoutRepeats) {
+  EXPECT_TRUE(std::unique_ptr<ScanPolygonAreaC>(MakePolygon())->IsValid());
+  std::unique_ptr<ScanPolygonAreaC> area(MakePolygon());
+  area->RemoveLastPoint();
+  EXPECT_TRUE(area->IsAreaValid()) << "two points are a rectangle to the geometry";
+  EXPECT_FALSE(area->IsValid());
+  area.reset(MakePolygon({{1.0, 1.0, 1.0}, {2.0, 1.0, 1.0}, {1.0, 1.0, 2.0}}));
+  EXPECT_FALSE(area->IsValid()) << "the last equals the first";
+  area.reset(MakePolygon({{1.0, 1.0, 1.0}, {2.0, 1.0, 1.0}, {2.0, 1.0, 2.0}, {1.5, 1.5, 1.0}}));
+  EXPECT_FALSE(area->IsValid()) << "a point repeats its predecessor";
+  // Around the zenith a ring of the kind is refused by these rules too.
+  area.reset(MakePolygon({{0.0, 0.3, 1.0}, {2.0, 0.3, 1.0}, {4.0, 0.3, 1.0}}));
+  EXPECT_TRUE(area->IsValid());
+  area->SetSteps(0.0, 1.0);
+  EXPECT_FALSE(area->IsValid());
+}
+
+TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
+  const auto distances = [](const std::vector<double>& given) {
+    std::vector<ScanDefPointC> points;
+    for (const double distance : given) {
+      points.emplace_back(static_cast<double>(points.size()), 1.0, distance);
+    }
+    const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon(points));
+    std::vector<ScanDefPointC> out(7);
+    area->GetOutline(out, 99.0);
+    std::vector<double> filled;
+    for (const ScanDefPointC& point : out) filled.push_back(point.GetDistance());
+    return filled;
+  };
+  using Distances = std::vector<double>;
+  EXPECT_EQ(distances({-1, -1, -1}), (Distances{99, 99, 99}));
+  EXPECT_EQ(distances({1, 2, 3}), (Distances{1, 2, 3}));
+  EXPECT_EQ(distances({}), (Distances{}));
+  // Five points: the neighbour before the first is the first itself, for 2^64 - 1 is a multiple
+  // of 5.
+  EXPECT_EQ(distances({-1, -1, 10, -1, -1}), (Distances{10, 10, 10, 10, 10}));
+  EXPECT_EQ(distances({-1, 4, 10, 20, 30}), (Distances{(16 + 4) / 2.0, 4, 10, 20, 30}));
+  // Six points: 2^64 - 1 is 3 modulo 6.
+  EXPECT_EQ(distances({-1, 4, 10, 20, 30, 40}), (Distances{(20 + 4) / 2.0, 4, 10, 20, 30, 40}));
+  // Four points: it is the last one.
+  EXPECT_EQ(distances({-1, 4, 10, 20}), (Distances{(20 + 4) / 2.0, 4, 10, 20}));
+  // Filled values do not feed their neighbours: the mean is 10.
+  EXPECT_EQ(distances({4, -1, -1, 16}), (Distances{4, 7, 13, 16}));
+  // The one behind the last is the first.
+  EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));
+  // 0 is no distance for the mean, and is not filled.
+  EXPECT_EQ(distances({0, 8, -1, 8}), (Distances{0, 8, 8, 8}));
+  EXPECT_EQ(distances({0, 0, 0}), (Distances{99, 99, 99}));
+}
+
+TEST(ScanDomeArea, CoversEverythingDownToTheLimit) {
+  ScanDomeAreaC dome;
+  EXPECT_TRUE(dome.IsAreaValid());
+  EXPECT_FALSE(dome.IsValid());
+  dome.SetSteps(0.1, 0.1);
+  EXPECT_TRUE(dome.IsValid());
+  EXPECT_EQ(dome.GetHzMin(), 0.0);
+  EXPECT_EQ(dome.GetHzMax(), 6.283184307179586);
+  EXPECT_EQ(dome.GetVMin(), 0.0);
+  EXPECT_EQ(dome.GetVMax(), 2.5132741228718345);
+  EXPECT_FALSE(dome.AddPoint({1.0, 1.0, 1.0}));
+  dome.RemoveLastPoint();
+  dome.Clear();
+  EXPECT_EQ(dome.GetPointCount(), 0u);
+  std::vector<ScanDefPointC> out(2);
+  dome.GetOutline(out, 1.0);
+  EXPECT_EQ(out.size(), 2u);
+  ScanDefPointC low;
+  ScanDefPointC high;
+  EXPECT_TRUE(dome.GetBoundingPoints(low, high, false));
+  EXPECT_EQ(high.GetHz(), 6.283184307179586);
+}
+
+TEST(ScanDomeArea, ContainsWhatLiesAboveTheLimit) {
+  const ScanDomeAreaC dome;
+  EXPECT_TRUE(dome.Contains(1.0, 0.0));
+  EXPECT_TRUE(dome.Contains(-5.0, 2.5132741228718345));
+  EXPECT_FALSE(dome.Contains(1.0, std::nextafter(2.5132741228718345, 3.0)));
+  EXPECT_FALSE(dome.Contains(1.0, -0.1));
+  EXPECT_TRUE(dome.Contains(1.0, kTwoPi + 1.0));
+  EXPECT_FALSE(dome.Contains(std::nan(""), 1.0));
+  EXPECT_FALSE(dome.Contains(1.0, std::nan("")));
+  EXPECT_FALSE(dome.Contains(101.0, 1.0));
+}
+
+TEST(ScanArea, BoundsOfAnInvalidAreaAreTheLargestDouble) {
+  const ScanPolygonAreaC area;
+  EXPECT_EQ(area.GetHzMin(), kNotSet);
+  EXPECT_EQ(area.GetVMin(), kNotSet);
+  EXPECT_EQ(area.GetHzMax(), kNotSet);
+  EXPECT_EQ(area.GetVMax(), kNotSet);
+  ScanDefPointC low;
+  ScanDefPointC high;
+  EXPECT_FALSE(area.GetBoundingPoints(low, high, true));
+  EXPECT_EQ(low.GetHz(), kNotSet);
+  // Valid corners without steps have bounding points, but no bounds.
+  const std::unique_ptr<ScanRectangularAreaC> rectangle(MakeRectangle());
+  rectangle->SetSteps(0.0, 0.0);
+  EXPECT_EQ(rectangle->GetHzMin(), kNotSet);
+  EXPECT_TRUE(rectangle->GetBoundingPoints(low, high, true));
+}
+
+TEST(ScanArea, BoundsAcrossTheSeam) {
+  const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
+  area->SetCorners({6.0, 1.0, -1.0}, {0.25, 0.5, -1.0});
+  EXPECT_EQ(area->GetHzMin(), 6.0);
+  EXPECT_NEAR(area->GetHzMax(), 0.25, 1e-14);
+  EXPECT_EQ(area->GetVMin(), 0.5);
+  EXPECT_EQ(area->GetVMax(), 1.0);
+  ScanDefPointC low;
+  ScanDefPointC high;
+  low.SetDistance(5.0);
+  ASSERT_TRUE(area->GetBoundingPoints(low, high, false));
+  EXPECT_NEAR(high.GetHz(), 0.25 + kTwoPi, 1e-14);
+  EXPECT_EQ(low.GetDistance(), 5.0) << "distances stay";
+}
+
+TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
+  // The rule of validity holds for a ring around the zenith too, though its extents do without.
+  std::vector<ScanDefPointC> ring;
+  for (const double hz : {0.0, 1.0, 2.0, 3.0, 4.0, 5.0}) ring.emplace_back(hz, 0.5, -1.0);
+  const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon(ring));
+  EXPECT_EQ(area->GetHzMin(), 1e-6);
+  EXPECT_NEAR(area->GetHzMax(), 1e-6, 1e-14) << "normalised, the full turn is gone";
+  EXPECT_EQ(area->GetVMax(), 2.5132741228718345);
+  EXPECT_LT(area->GetVMin(), 0.5);
+}
+
+TEST(ScanArea, ContainsAsksTheGeometryWhateverTheSteps) {
+  std::unique_ptr<ScanAreaC> area(MakeRectangle());
+  area->SetSteps(0.0, 0.0);
+  EXPECT_TRUE(area->Contains(1.5, 0.7));
+  EXPECT_FALSE(area->Contains(1.5, 1.2));
+  area.reset(MakePolygon());
+  EXPECT_TRUE(area->Contains(1.5, 1.2));
+  EXPECT_FALSE(area->Contains(1.1, 1.4));
+  area->Clear();
+  EXPECT_FALSE(area->Contains(1.5, 1.2));
+}
+
+}  // namespace
+}  // namespace SDI

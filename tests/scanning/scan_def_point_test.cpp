@@ -1,0 +1,74 @@
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/scanning/scan_def_point.h>
+
+namespace SDI {
+namespace {
+
+constexpr double kNotSet = 1.7976931348623157e308;
+
+static_assert(sizeof(ScanDefPointC) == sizeof(API::BaseC));
+static_assert(sizeof(ScanDefPointImplC) == sizeof(API::ImplObjectC) + 3 * sizeof(double));
+
+TEST(ScanDefPoint, IsNotSetAtFirst) {
+  const ScanDefPointC point;
+  EXPECT_EQ(point.GetHz(), kNotSet);
+  EXPECT_EQ(point.GetV(), kNotSet);
+  EXPECT_EQ(point.GetDistance(), -1.0);
+  EXPECT_FALSE(point.HasDistance());
+  EXPECT_FALSE(point.GetImpl()->IsValid());
+  EXPECT_TRUE(point == ScanDefPointC());
+}
+
+TEST(ScanDefPoint, StoresWhatItIsGiven) {
+  ScanDefPointC point(7.0, -1.0, 12.5);
+  EXPECT_EQ(point.GetHz(), 7.0);
+  EXPECT_EQ(point.GetV(), -1.0);
+  EXPECT_EQ(point.GetDistance(), 12.5);
+  point.SetHz(1.0);
+  point.SetV(2.0);
+  point.SetDistance(3.0);
+  EXPECT_EQ(point.GetHz(), 1.0);
+  EXPECT_EQ(point.GetV(), 2.0);
+  EXPECT_EQ(point.GetDistance(), 3.0);
+  const ScanDefPointC copy(point);
+  point.SetHz(5.0);
+  EXPECT_EQ(copy.GetHz(), 1.0);
+  EXPECT_EQ(copy.GetDistance(), 3.0);
+}
+
+TEST(ScanDefPoint, ADistanceIsAboveZero) {
+  ScanDefPointC point;
+  point.SetDistance(0.0);
+  EXPECT_FALSE(point.HasDistance());
+  point.SetDistance(1e-300);
+  EXPECT_TRUE(point.HasDistance());
+  point.ClearDistance();
+  EXPECT_EQ(point.GetDistance(), -1.0);
+  EXPECT_FALSE(point.HasDistance());
+}
+
+TEST(ScanDefPoint, EqualityIsThatOfTheAnglesAlone) {
+  const ScanDefPointC point(1.0, 0.5, 10.0);
+  EXPECT_TRUE(point == ScanDefPointC(1.0, 0.5, -1.0));
+  EXPECT_TRUE(point.IsEqual(ScanDefPointC(1.0, 0.5, -1.0)));
+  EXPECT_FALSE(point == ScanDefPointC(1.0 + 1e-15, 0.5, 10.0));
+  EXPECT_TRUE(point != ScanDefPointC(1.0, 0.5 + 1e-15, 10.0));
+  EXPECT_TRUE(*point.GetImpl() == ScanDefPointImplC(1.0, 0.5, 3.0));
+  EXPECT_TRUE(point.GetImpl()->IsEqual(ScanDefPointImplC(1.0, 0.5, 3.0)));
+  constexpr double kSmallest = std::numeric_limits<double>::min();
+  EXPECT_TRUE(ScanDefPointC(0.0, 0.0, 0.0) == ScanDefPointC(kSmallest / 2.0, 0.0, 0.0));
+  EXPECT_FALSE(ScanDefPointC(0.0, 0.0, 0.0) == ScanDefPointC(kSmallest, 0.0, 0.0));
+}
+
+TEST(ScanDefPoint, IsValidWhenBothAnglesAreSet) {
+  EXPECT_TRUE(ScanDefPointImplC(1.0, 2.0, -1.0).IsValid());
+  EXPECT_FALSE(ScanDefPointImplC(kNotSet, 2.0, 1.0).IsValid());
+  EXPECT_FALSE(ScanDefPointImplC(1.0, kNotSet, 1.0).IsValid());
+  EXPECT_TRUE(ScanDefPointImplC(-kNotSet, 1e308, 1.0).IsValid());
+}
+
+}  // namespace
+}  // namespace SDI
