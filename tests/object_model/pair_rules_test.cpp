@@ -14,10 +14,15 @@ struct Pair {
 };
 
 // A pair that is not listed here is not finished.
-using AllPairs = testing::Types<Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>,
-                                Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>,
-                                Pair<SDI::GPSDOPsC, SDI::GPSDOPsImplC>,
-                                Pair<SDI::GPSMeasDataC, SDI::GPSMeasDataImplC>>;
+using AllPairs =
+    testing::Types<Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>,
+                   Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>,
+                   Pair<SDI::GPSDOPsC, SDI::GPSDOPsImplC>,
+                   Pair<SDI::GPSMeasDataC, SDI::GPSMeasDataImplC>, Pair<SDI::ScanC, SDI::ScanImplC>,
+                   Pair<SDI::ScanDefPointC, SDI::ScanDefPointImplC>,
+                   Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>,
+                   Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
+                   Pair<SDI::ScanRectangularAreaC, SDI::ScanRectangularAreaImplC>>;
 
 template <class P>
 class PairRules : public testing::Test {};
