@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_GNSS_RECORD_FRAME_H_
 #define SURVEYDATA_GNSS_RECORD_FRAME_H_
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -103,19 +104,21 @@ class FrameCursorC {
   /// `N` units.
   template <std::size_t N>
   void Units(const char* /*field*/, char16_t (&units)[N]) {
-    for (char16_t& unit : units) unit = Take<std::uint16_t>();
+    if (Left() < sizeof(units)) return Fail();
+    Load(units, N);
+    at_ += sizeof(units);
   }
 
   /// Units up to and including a 0 unit, at most `N`. The last unit taken is replaced by 0.
   template <std::size_t N>
   void Text(const char* /*field*/, char16_t (&text)[N]) {
-    std::size_t taken = 0;
-    char16_t unit = 0;
-    do {
-      unit = Take<std::uint16_t>();
-      text[taken++] = unit;
-    } while (unit != 0 && taken < N);
+    const std::size_t most = std::min(N, Left() / sizeof(char16_t));
+    Load(text, most);  // at once, whatever stands behind the terminator
+    const auto length = static_cast<std::size_t>(std::find(text, text + most, u'\0') - text);
+    if (length == most && most < N) return Fail();
+    const std::size_t taken = std::min(length + 1, N);
     text[taken - 1] = 0;
+    at_ += taken * sizeof(char16_t);
   }
 
   /// Refuses what was read.
@@ -133,6 +136,12 @@ class FrameCursorC {
         boost::endian::endian_load<Value, sizeof(Value), boost::endian::order::little>(at_);
     at_ += sizeof(Value);
     return value;
+  }
+
+  void Load(char16_t* units, std::size_t count) const {
+    for (std::size_t i = 0; i < count; ++i) {
+      units[i] = boost::endian::load_little_u16(at_ + i * sizeof(char16_t));
+    }
   }
 
   std::size_t Left() const { return static_cast<std::size_t>(end_ - at_); }

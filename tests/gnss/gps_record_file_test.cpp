@@ -27,6 +27,7 @@ using SDI::GPSAntHeightImplC;
 using SDI::GPSMeasDataImplC;
 using SDI::GPSRecordFileC;
 using SDI::GPSRecordFileInfo;
+using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FilledMeasurement;
 using TestSupport::FrameBuilderC;
@@ -92,8 +93,8 @@ TEST(RecordFileRead, ReadsTheFrameAtTheOffset) {
     offsets.push_back(static_cast<std::uint32_t>(bytes.size()));
     const auto flags = static_cast<unsigned>(random() & 0xFFFF);
     const ByteVector frame = WellFormedFrame(flags, flags, random);
-    bytes.insert(bytes.end(), frame.begin(), frame.end());
-    bytes.insert(bytes.end(), random() % 30, 0x9C);
+    Append(bytes, frame);
+    bytes.resize(bytes.size() + random() % 30, 0x9C);
   }
   const TempFileC file(bytes);
   for (const std::uint32_t offset : offsets) {
@@ -370,8 +371,8 @@ void SetName(GPSRecordFileInfo& info, const std::string& name) {
 
 ByteVector Surrounded(const ByteVector& frame, std::size_t before, std::size_t after) {
   ByteVector bytes(before, 0x5A);
-  bytes.insert(bytes.end(), frame.begin(), frame.end());
-  bytes.insert(bytes.end(), after, 0xA5);
+  Append(bytes, frame);
+  bytes.resize(bytes.size() + after, 0xA5);
   return bytes;
 }
 

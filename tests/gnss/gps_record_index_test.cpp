@@ -19,15 +19,12 @@ namespace {
 
 using SDI::GPSRecordEntry;
 using SDI::GPSRecordIndexC;
+using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FrameBuilderC;
 using TestSupport::FrameOf;
 using TestSupport::TempFileC;
 using TestSupport::TempFolderC;
-
-void Append(ByteVector& to, const ByteVector& bytes) {
-  to.insert(to.end(), bytes.begin(), bytes.end());
-}
 
 // The entries of a file that holds `bytes`; every record's bytes are what the file holds there.
 std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& bytes) {

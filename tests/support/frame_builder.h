@@ -1,9 +1,11 @@
 #ifndef SURVEYDATA_TESTS_SUPPORT_FRAME_BUILDER_H_
 #define SURVEYDATA_TESTS_SUPPORT_FRAME_BUILDER_H_
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <random>
 #include <string_view>
 #include <vector>
@@ -14,6 +16,11 @@
 namespace TestSupport {
 
 using ByteVector = std::vector<std::uint8_t>;
+
+/// Puts `bytes` behind what stands in `to`.
+inline void Append(ByteVector& to, const ByteVector& bytes) {
+  std::copy(bytes.begin(), bytes.end(), std::back_inserter(to));
+}
 
 /// Stores the right checksum at the length that the frame at `at` announces.
 inline void Seal(ByteVector& bytes, std::size_t at = 0) {
@@ -37,7 +44,7 @@ class FrameBuilderC {
   FrameBuilderC& I32(std::int32_t value) { return U32(static_cast<std::uint32_t>(value)); }
   FrameBuilderC& F32(float value) { return U32(std::bit_cast<std::uint32_t>(value)); }
   FrameBuilderC& Fill(std::size_t count, unsigned value) {
-    payload_.insert(payload_.end(), count, static_cast<std::uint8_t>(value));
+    payload_.resize(payload_.size() + count, static_cast<std::uint8_t>(value));
     return *this;
   }
   FrameBuilderC& Noise(std::size_t count, std::mt19937_64& random) {
@@ -64,9 +71,12 @@ class FrameBuilderC {
 
   ByteVector Frame(unsigned type = 113) const {
     const std::size_t length = 5 + payload_.size();
-    ByteVector bytes{0x9C, 0xAE, static_cast<std::uint8_t>(length & 0xFF),
-                     static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(type)};
-    bytes.insert(bytes.end(), payload_.begin(), payload_.end());
+    ByteVector bytes;
+    for (const std::size_t byte :
+         {std::size_t{0x9C}, std::size_t{0xAE}, length & 0xFF, length >> 8, std::size_t{type}}) {
+      bytes.push_back(static_cast<std::uint8_t>(byte));
+    }
+    Append(bytes, payload_);
     bytes.resize(length + 2);
     Seal(bytes);
     return bytes;
