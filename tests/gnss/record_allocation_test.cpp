@@ -1,5 +1,5 @@
 // Counts the allocations of C++ in this program. A test program of its own, because it replaces the
-// allocation functions.
+// allocation functions; not inlined, so that the compiler sees them as a pair.
 
 #include <cstddef>
 #include <cstdlib>
@@ -18,13 +18,15 @@ std::size_t allocations = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
   if (void* const block = std::malloc(size)) return block;
   throw std::bad_alloc();
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t /*size*/) noexcept {
+  std::free(block);
+}
 
 namespace {
 
