@@ -30,6 +30,7 @@
 #include <surveydata/object_model/handle.h>
 #include <surveydata/object_model/version.h>
 #include <surveydata/platform/vorlin_time.h>
+#include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan.h>
 #include <surveydata/scanning/scan_area.h>
 #include <surveydata/scanning/scan_def_point.h>

@@ -2,6 +2,7 @@
 #include <limits>
 
 #include <surveydata/scanning/scan_area.h>
+#include <surveydata/scanning/scan_dome_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
 namespace SDI {
@@ -65,9 +66,7 @@ bool ScanAreaImplC::GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high,
 }
 
 bool ScanAreaImplC::Contains(double hz, double v) const {
-  if (GetType() != kDomeArea) return sphereArea_.Contains(hz, v);
-  if (!GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI)) return false;
-  return GMAT::WrapIntoRange(v, 0.0, GMAT::TWO_PI) && v <= GMAT::V_LIMIT;
+  return GetType() == kDomeArea ? ScanDomeAreaImplC::IsInDome(hz, v) : sphereArea_.Contains(hz, v);
 }
 
 double ScanAreaImplC::GetHzStep() const { return hzStep_; }

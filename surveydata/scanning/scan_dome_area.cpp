@@ -8,6 +8,11 @@ ScanDomeAreaImplC::ScanDomeAreaImplC(const ScanDomeAreaImplC& other) = default;
 ScanDomeAreaImplC& ScanDomeAreaImplC::operator=(const ScanDomeAreaImplC& other) = default;
 ScanDomeAreaImplC::~ScanDomeAreaImplC() = default;
 
+bool ScanDomeAreaImplC::IsInDome(double hz, double v) {
+  return GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI) && GMAT::WrapIntoRange(v, 0.0, GMAT::TWO_PI) &&
+         v <= GMAT::V_LIMIT;
+}
+
 bool ScanDomeAreaImplC::IsEqual(const API::ImplObjectC& other) const {
   return dynamic_cast<const ScanDomeAreaImplC*>(&other) != nullptr && ScanAreaImplC::IsEqual(other);
 }

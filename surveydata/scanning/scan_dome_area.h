@@ -20,6 +20,10 @@ class SURVEYDATA_API ScanDomeAreaImplC
   ScanDomeAreaImplC& operator=(const ScanDomeAreaImplC& other);
   ~ScanDomeAreaImplC() override;
 
+  /// Whether V, wrapped into a full turn, lies above the lowest usable direction. False when an
+  /// angle is beyond 100 rad or no number.
+  static bool IsInDome(double hz, double v);
+
   bool IsEqual(const API::ImplObjectC& other) const override;
   bool AddPoint(const ScanDefPointC& point) override;
   void RemoveLastPoint() override;

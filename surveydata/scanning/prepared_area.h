@@ -1,0 +1,42 @@
+#ifndef SURVEYDATA_SCANNING_PREPARED_AREA_H_
+#define SURVEYDATA_SCANNING_PREPARED_AREA_H_
+
+#include <memory>
+#include <span>
+
+#include <surveydata/object_model/export.h>
+#include <surveydata/scanning/scan_area.h>
+
+namespace GMAT {
+class PreparedSphereAreaC;
+}
+
+namespace SDI {
+
+/// A scan area made ready for many questions: which of these directions does it contain?
+///
+/// It never changes, and keeps nothing of the area it was made from. Copies share the same data,
+/// and several threads may ask at once. Every answer equals that of `ScanAreaC::Contains`.
+class SURVEYDATA_API PreparedAreaC {
+ public:
+  /// \cost n log n for n points, or more where `ScanAreaC::IsAreaValid` costs more.
+  explicit PreparedAreaC(const ScanAreaC& area);
+  PreparedAreaC(const PreparedAreaC& other);
+  PreparedAreaC& operator=(const PreparedAreaC& other);
+  ~PreparedAreaC();
+
+  /// Whether a direction lies inside; angles in rad.
+  /// \cost grows with the number of edges that the direction's meridian crosses.
+  bool Contains(double hz, double v) const;
+
+  /// Answers for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the three.
+  void Contains(std::span<const double> hz, std::span<const double> v,
+                std::span<bool> inside) const;
+
+ private:
+  std::shared_ptr<const GMAT::PreparedSphereAreaC> prepared_;  // null for a dome
+};
+
+}  // namespace SDI
+
+#endif  // SURVEYDATA_SCANNING_PREPARED_AREA_H_

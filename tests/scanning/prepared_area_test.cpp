@@ -1,0 +1,162 @@
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/scanning/prepared_area.h>
+#include <surveydata/scanning/scan_dome_area.h>
+#include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/scanning/scan_rectangular_area.h>
+
+namespace SDI {
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kPi = 3.141592653589793;
+
+// Directions of every kind, and those that are none.
+void MakeProbes(std::vector<double>& hz, std::vector<double>& v) {
+  std::mt19937_64 random(1);
+  std::uniform_real_distribution<double> anyHz(-7.0, 14.0);
+  std::uniform_real_distribution<double> anyV(-0.5, 4.0);
+  for (int i = 0; i < 5000; ++i) {
+    hz.push_back(anyHz(random));
+    v.push_back(anyV(random));
+  }
+  const double odd[] = {0.0,   -0.0,   kTwoPi, kPi,
+                        1.0,   2.0,    1.5,    std::nan(""),
+                        101.0, -101.0, 1e300,  std::numeric_limits<double>::infinity()};
+  for (const double x : odd) {
+    for (const double y : odd) {
+      hz.push_back(x);
+      v.push_back(y);
+    }
+  }
+}
+
+// The number of directions inside, after both forms were compared with the area.
+std::size_t CountInside(const ScanAreaC& area) {
+  std::vector<double> hz;
+  std::vector<double> v;
+  MakeProbes(hz, v);
+  const PreparedAreaC prepared(area);
+  const auto inside = std::make_unique<bool[]>(hz.size());
+  prepared.Contains(hz, v, {inside.get(), hz.size()});
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    const bool expected = area.Contains(hz[i], v[i]);
+    EXPECT_EQ(prepared.Contains(hz[i], v[i]), expected) << hz[i] << ", " << v[i];
+    EXPECT_EQ(inside[i], expected) << hz[i] << ", " << v[i];
+    count += expected;
+  }
+  return count;
+}
+
+TEST(PreparedArea, AnswersAsTheAreaDoes) {
+  ScanRectangularAreaC rectangle;
+  rectangle.SetCorners({6.0, 0.5, -1.0}, {1.0, 1.5, -1.0});
+  EXPECT_GT(CountInside(rectangle), 100u);
+  ScanPolygonAreaC polygon;
+  for (const auto& [hz, v] : {std::pair(1.0, 1.0), {2.5, 0.7}, {3.0, 1.5}, {2.0, 2.2}}) {
+    polygon.AddPoint({hz, v, -1.0});
+  }
+  EXPECT_GT(CountInside(polygon), 100u);
+  ScanPolygonAreaC ring;
+  for (int i = 0; i < 12; ++i) ring.AddPoint({kTwoPi * i / 12, 1.0 + 0.1 * (i % 3), -1.0});
+  EXPECT_GT(CountInside(ring), 500u);
+  ScanDomeAreaC dome;
+  EXPECT_GT(CountInside(dome), 2000u);
+}
+
+TEST(PreparedArea, NothingIsInsideAnAreaThatIsNone) {
+  ScanPolygonAreaC area;
+  EXPECT_EQ(CountInside(area), 0u);
+  area.AddPoint({1.0, 1.0, -1.0});
+  EXPECT_EQ(CountInside(area), 0u);
+  // A bow-tie.
+  for (const auto& [hz, v] : {std::pair(2.0, 2.0), {2.0, 1.0}, {1.0, 2.0}}) {
+    area.AddPoint({hz, v, -1.0});
+  }
+  EXPECT_EQ(CountInside(area), 0u);
+  area.AddPoint({std::nan(""), 1e300, -1.0});
+  EXPECT_EQ(CountInside(area), 0u);
+}
+
+TEST(PreparedArea, KnowsNothingOfLaterChanges) {
+  auto area = std::make_unique<ScanRectangularAreaC>();
+  area->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.5, -1.0});
+  const PreparedAreaC prepared(*area);
+  const PreparedAreaC copy = prepared;
+  area->Clear();
+  EXPECT_TRUE(prepared.Contains(1.5, 1.0));
+  area.reset();
+  EXPECT_TRUE(copy.Contains(1.5, 1.0));
+  EXPECT_FALSE(copy.Contains(2.5, 1.0));
+}
+
+TEST(PreparedArea, ABatchEndsWithTheShortestOfItsThree) {
+  const ScanDomeAreaC dome;
+  ScanRectangularAreaC rectangle;
+  rectangle.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.5, -1.0});
+  for (const ScanAreaC* const area :
+       {static_cast<const ScanAreaC*>(&dome), static_cast<const ScanAreaC*>(&rectangle)}) {
+    const PreparedAreaC prepared(*area);
+    const std::vector<double> three(3, 1.2);
+    const std::vector<double> two(2, 1.2);
+    bool inside[4] = {};
+    prepared.Contains(three, two, inside);
+    EXPECT_TRUE(inside[0] && inside[1]);
+    EXPECT_FALSE(inside[2] || inside[3]);
+    prepared.Contains(two, three, {inside + 3, 1});
+    EXPECT_FALSE(inside[2]);
+    EXPECT_TRUE(inside[3]);
+    prepared.Contains({}, {}, {});
+  }
+}
+
+TEST(PreparedArea, SeveralThreadsMayAsk) {
+  ScanPolygonAreaC ring;
+  for (int i = 0; i < 50; ++i) ring.AddPoint({kTwoPi * i / 50, 1.0 + 0.1 * (i % 3), -1.0});
+  const PreparedAreaC prepared(ring);
+  std::vector<double> hz;
+  std::vector<double> v;
+  MakeProbes(hz, v);
+  const auto expected = std::make_unique<bool[]>(hz.size());
+  prepared.Contains(hz, v, {expected.get(), hz.size()});
+  std::size_t differences[4] = {};
+  std::vector<std::thread> threads;
+  for (std::size_t& count : differences) {
+    threads.emplace_back([&] {
+      for (std::size_t i = 0; i < hz.size(); ++i) {
+        count += prepared.Contains(hz[i], v[i]) != expected[i];
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::size_t count : differences) EXPECT_EQ(count, 0u);
+}
+
+TEST(PreparedArea, SixtyFiveThousandPoints) {
+  ScanPolygonAreaC area;
+  for (int i = 0; i < 65535; ++i) {
+    const double angle = kTwoPi * i / 65535;
+    const double r = i % 2 == 0 ? 0.5 : 0.45;
+    area.AddPoint({3.0 + r * std::cos(angle), 1.5 + r * std::sin(angle), -1.0});
+  }
+  const PreparedAreaC prepared(area);
+  std::mt19937_64 random(1);
+  std::uniform_real_distribution<double> offset(-0.6, 0.6);
+  for (int i = 0; i < 40; ++i) {
+    const double hz = 3.0 + offset(random);
+    const double v = 1.5 + offset(random);
+    EXPECT_EQ(prepared.Contains(hz, v), area.Contains(hz, v)) << hz << ", " << v;
+  }
+}
+
+}  // namespace
+}  // namespace SDI
