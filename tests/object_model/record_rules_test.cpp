@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -98,6 +101,36 @@ TEST(Records, HaveTheirFieldsListed) {
     std::string all;
     for (const auto& field : fields) all += (all.empty() ? "" : ", ") + field.name;
     EXPECT_EQ(DifferingFields(filled, typename P::ImplT()), all);
+  });
+}
+
+// The bytes that `change` changes in `record`, from the first to the one behind the last.
+template <class Record, class Change>
+std::pair<std::size_t, std::size_t> ChangedBytes(Record& record, Change change) {
+  const auto bytes = [&record] {
+    const auto* const first = reinterpret_cast<const unsigned char*>(&record);
+    return std::vector<unsigned char>(first, first + sizeof(record));
+  };
+  const std::vector<unsigned char> before = bytes();
+  change();
+  const std::vector<unsigned char> after = bytes();
+  const auto first = std::ranges::mismatch(before, after).in1 - before.begin();
+  const auto last = std::mismatch(before.rbegin(), before.rend(), after.rbegin()).first;
+  return {first, before.rend() - last};
+}
+
+TEST(Records, HoldTheirFieldsInOrderAndTheirPublicObjectsNone) {
+  ForEachPair([]<class P>(const P&) {
+    static_assert(sizeof(typename P::PublicT) == sizeof(API::BaseC));
+    std::size_t end = sizeof(API::ImplObjectC);
+    for (const auto& field : FieldsOf<typename P::ImplT>()) {
+      SCOPED_TRACE(field.name);
+      typename P::ImplT record;
+      const auto [first, behind] = ChangedBytes(record, [&] { field.fill(record, 17); });
+      EXPECT_LT(first, behind);
+      EXPECT_LE(end, first);
+      end = behind;
+    }
   });
 }
 

@@ -1,5 +1,5 @@
-#ifndef TESTS_SUPPORT_RECORD_FIELDS_H_
-#define TESTS_SUPPORT_RECORD_FIELDS_H_
+#ifndef SURVEYDATA_TESTS_SUPPORT_RECORD_FIELDS_H_
+#define SURVEYDATA_TESTS_SUPPORT_RECORD_FIELDS_H_
 
 #include <cmath>
 #include <concepts>
@@ -509,4 +509,4 @@ std::string DifferingFields(const Record& a, const Record& b) {
 
 }  // namespace Records
 
-#endif  // TESTS_SUPPORT_RECORD_FIELDS_H_
+#endif  // SURVEYDATA_TESTS_SUPPORT_RECORD_FIELDS_H_
