@@ -101,12 +101,12 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
   }
   if (AreAllThreeBytes(units)) {
     std::array<std::uint32_t, kBlock> sequences;
-    for (int i = 0; i < kBlock; ++i) {
+    for (std::size_t i = 0; i < kBlock; ++i) {
       const std::uint32_t u = units[i];
       sequences[i] = 0x8080E0 | u >> 12 | (u & 0xFC0) << 2 | (u & 0x3F) << 16;
     }
     // A fourth byte is overwritten by the next sequence; the last one must not write it.
-    for (int i = 0; i < kBlock - 1; ++i) StoreLittle32(dst + 3 * i, sequences[i]);
+    for (std::size_t i = 0; i < kBlock - 1; ++i) StoreLittle32(dst + 3 * i, sequences[i]);
     PutThree(units[kBlock - 1], dst + 3 * (kBlock - 1));
     return dst + 3 * kBlock;
   }
