@@ -14,6 +14,9 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
   set(CMAKE_CXX_EXTENSIONS OFF)
   set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  if(WIN32)  # a program finds the library beside it
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+  endif()
   if(SURVEYDATA_SANITIZE)
     add_compile_options(-fsanitize=${SURVEYDATA_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)

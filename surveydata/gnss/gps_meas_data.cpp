@@ -1,13 +1,10 @@
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/object_model/compare.h>
-
-#if defined(_WIN32)
-#include <wchar.h>
-#endif
 
 namespace SDI {
 namespace {
@@ -29,27 +26,24 @@ bool CopyOut(bool present, GPSCounterPair pair, std::uint8_t& first, std::uint8_
   return true;
 }
 
+// The report of the runtime's checked copies: `errno`, and the handler for invalid parameters where
+// the runtime has one.
+void ReportRefusal(int error) {
+  errno = error;
 #if defined(_WIN32)
-// The runtime's checked copy reports the refusal: by `errno` and its invalid-parameter handler.
-template <std::size_t N>
-void Refuse(char16_t (&field)[N], const char16_t* text) {
-  static_assert(sizeof(wchar_t) == sizeof(char16_t));
-  wcsncpy_s(reinterpret_cast<wchar_t*>(field), N, reinterpret_cast<const wchar_t*>(text), N);
-}
-#else
-template <std::size_t N>
-void Refuse(char16_t (&field)[N], const char16_t* text) {
-  field[0] = 0;
-  errno = text == nullptr ? EINVAL : ERANGE;
-}
+  if (const _invalid_parameter_handler handler = _get_invalid_parameter_handler()) {
+    handler(nullptr, nullptr, nullptr, 0, 0);
+  }
 #endif
+}
 
 template <std::size_t N>
 void SetText(char16_t (&field)[N], const char16_t* text) {
   std::size_t length = 0;
   while (text != nullptr && length < N && text[length] != 0) ++length;
   if (text == nullptr || length == N) {
-    Refuse(field, text);
+    field[0] = 0;
+    ReportRefusal(text == nullptr ? EINVAL : ERANGE);
   } else {
     std::memmove(field, text, (length + 1) * sizeof(char16_t));
   }

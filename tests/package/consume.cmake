@@ -40,7 +40,7 @@ else()
   set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
                 -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCONSUMER_LINKAGE=${LINKAGE})
   if(TOOLCHAIN)
-    set(arguments --toolchain ${TOOLCHAIN} ${arguments})
+    set(arguments --toolchain ${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX} ${arguments})
   endif()
   if(WAY STREQUAL "find_package")
     list(APPEND arguments -DCMAKE_PREFIX_PATH=${PREFIX})

@@ -1,0 +1,100 @@
+# Reads abi/surveydata.exports and the symbols of binaries: for the build, the tests and
+# abi/update_exports.
+
+# The prefixes of demangled names that belong to the library's namespaces. Instances of function
+# templates begin with their result instead and never leave.
+set(exports_scope
+  "^(vtable for |typeinfo for |typeinfo name for |non-virtual thunk to )?(API|SDI|ODM)::")
+# A type symbol: every user of a class has a copy of its own, and leaving makes them one.
+set(exports_type "^_ZT[VIS]")
+
+# Sets exports_elf, exports_windows, exports_numbers (number:symbol, also of what is gone) and
+# exports_last, the highest number.
+macro(exports_read file)
+  set(exports_elf "")
+  set(exports_windows "")
+  set(exports_numbers "")
+  set(exports_last 0)
+  file(STRINGS ${file} exports_lines REGEX "^[^#]")
+  foreach(line IN LISTS exports_lines)
+    # What Windows exports has a number, and nothing else has one.
+    if(NOT line MATCHES "^([0-9]+ (both|windows|gone)|- elf) [A-Za-z0-9_]+$")
+      message(FATAL_ERROR "${file}: not understood: ${line}")
+    endif()
+    string(REPLACE " " ";" line "${line}")
+    list(GET line 0 number)
+    list(GET line 1 platforms)
+    list(GET line 2 symbol)
+    if(platforms MATCHES "both|elf")
+      list(APPEND exports_elf ${symbol})
+    endif()
+    if(platforms MATCHES "both|windows")
+      list(APPEND exports_windows ${symbol})
+    endif()
+    if(NOT number STREQUAL "-")
+      list(APPEND exports_numbers "${number}:${symbol}")
+      if(number GREATER exports_last)
+        set(exports_last ${number})
+      endif()
+    endif()
+  endforeach()
+endmacro()
+
+# The dynamic symbols that the shared library `file` defines, as NAME@@VERSION.
+function(exports_of_shared_library readelf file result)
+  execute_process(COMMAND ${readelf} --dyn-syms -W ${file}
+    OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCHALL "(GLOBAL|WEAK|UNIQUE) +[A-Z]+ +[0-9]+ +[^ \n]+" symbols "${output}")
+  list(TRANSFORM symbols REPLACE ".* " "")
+  set(${result} ${symbols} PARENT_SCOPE)
+endfunction()
+
+# The symbols of the library's namespaces that objects, or static libraries, mark as visible.
+function(exports_of_objects readelf cxxfilt files result)
+  execute_process(COMMAND ${readelf} -s -W ${files}
+    OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCHALL "(GLOBAL|WEAK|UNIQUE) +DEFAULT +[0-9]+ +_Z[^ \n]+" symbols "${output}")
+  list(TRANSFORM symbols REPLACE ".* " "")
+  exports_in_scope(${cxxfilt} "${symbols}" symbols)
+  set(${result} ${symbols} PARENT_SCOPE)
+endfunction()
+
+# Those of `symbols` that belong to the library's namespaces, sorted.
+function(exports_in_scope cxxfilt symbols result)
+  list(REMOVE_DUPLICATES symbols)
+  list(SORT symbols)
+  string(REPLACE ";" "\n" lines "${symbols}")
+  string(RANDOM input)
+  file(WRITE ${input} "${lines}\n")
+  execute_process(COMMAND ${cxxfilt} INPUT_FILE ${input}
+    OUTPUT_VARIABLE names COMMAND_ERROR_IS_FATAL ANY OUTPUT_STRIP_TRAILING_WHITESPACE)
+  file(REMOVE ${input})
+  string(REPLACE "\n" ";" names "${names}")
+  set(kept "")
+  foreach(symbol name IN ZIP_LISTS symbols names)
+    if(name MATCHES "${exports_scope}")
+      list(APPEND kept ${symbol})
+    endif()
+  endforeach()
+  set(${result} ${kept} PARENT_SCOPE)
+endfunction()
+
+# `a` without `b`.
+function(exports_difference result a b)
+  if(a AND b)
+    list(REMOVE_ITEM a ${b})
+  endif()
+  set(${result} ${a} PARENT_SCOPE)
+endfunction()
+
+# An error: `title`, and the symbols, readable, one a line. Nothing when there are none.
+function(exports_complain cxxfilt title symbols)
+  if(symbols)
+    string(REPLACE ";" "\n  " lines "${symbols}")
+    string(RANDOM input)
+    file(WRITE ${input} "  ${lines}\n")
+    execute_process(COMMAND ${cxxfilt} INPUT_FILE ${input} OUTPUT_VARIABLE names)
+    file(REMOVE ${input})
+    message(SEND_ERROR "${title}\n${names}")
+  endif()
+endfunction()

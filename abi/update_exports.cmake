@@ -1,0 +1,77 @@
+# Brings abi/surveydata.exports and abi/recorded_numbers up to date with the objects of a build for
+# this system (ELF_LIBRARY) and of one for Windows (WINDOWS_LIBRARY), both static libraries. What is
+# new goes to the end; the number of what is gone is never given to anything else.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
+
+set(list ${CMAKE_CURRENT_LIST_DIR}/surveydata.exports)
+set(record ${CMAKE_CURRENT_LIST_DIR}/recorded_numbers)
+set(exports_numbers "")
+set(exports_last 0)
+if(EXISTS ${list})
+  exports_read(${list})
+endif()
+
+exports_of_objects(readelf c++filt ${ELF_LIBRARY} elf)
+
+# The linker knows what objects for Windows export.
+set(definition ${WINDOWS_LIBRARY}.def)
+execute_process(
+  COMMAND ${WINDOWS_COMPILER} -shared -o ${WINDOWS_LIBRARY}.dll -Wl,--output-def,${definition}
+          -Wl,--whole-archive ${WINDOWS_LIBRARY} -Wl,--no-whole-archive
+  COMMAND_ERROR_IS_FATAL ANY)
+file(STRINGS ${definition} windows REGEX "@[0-9]+")
+list(TRANSFORM windows REPLACE "^ *([A-Za-z0-9_]+) .*" "\\1")
+exports_in_scope(c++filt "${windows}" windows)
+
+if(NOT elf OR NOT windows)
+  message(FATAL_ERROR "no symbols found")
+endif()
+
+set(lines "")
+set(known "")
+foreach(entry IN LISTS exports_numbers)
+  string(REPLACE ":" ";" entry ${entry})
+  list(GET entry 0 number)
+  list(GET entry 1 symbol)
+  list(APPEND known ${symbol})
+  if(NOT symbol IN_LIST windows)
+    set(platforms gone)
+  elseif(symbol IN_LIST elf)
+    set(platforms both)
+  else()
+    set(platforms windows)
+  endif()
+  list(APPEND lines "${number} ${platforms} ${symbol}")
+endforeach()
+exports_difference(fresh "${windows}" "${known}")
+foreach(symbol IN LISTS fresh)
+  math(EXPR exports_last "${exports_last} + 1")
+  if(symbol IN_LIST elf)
+    list(APPEND lines "${exports_last} both ${symbol}")
+  else()
+    list(APPEND lines "${exports_last} windows ${symbol}")
+  endif()
+endforeach()
+exports_difference(elf_alone "${elf}" "${windows}")
+list(TRANSFORM elf_alone PREPEND "- elf ")
+list(LENGTH fresh count)
+
+list(JOIN lines "\n" text)
+list(JOIN elf_alone "\n" elf_text)
+file(WRITE ${list} "\
+# What leaves the library: its number on Windows, where it leaves, its mangled name. Made by
+# abi/update_exports; read it with c++filt. The names of the two platforms differ where a size_t is
+# passed. A symbol that is gone keeps its number.
+${text}
+# Type symbols, and names that Windows has otherwise. They have no number.
+${elf_text}
+")
+
+list(TRANSFORM lines REPLACE "^([0-9]+) [a-z]+ " "\\1 ")
+list(JOIN lines "\n" text)
+file(WRITE ${record} "\
+# The numbers that were given, in order: lines are only ever appended.
+${text}
+")
+message(STATUS "${count} new symbols are numbered")

@@ -1,0 +1,42 @@
+# surveydata_export(<target> <list>): what the shared library lets out. The list makes the version
+# script of an ELF library, and the module definition of a Windows one, which exports by number
+# alone.
+include(${PROJECT_SOURCE_DIR}/abi/Exports.cmake)
+
+function(surveydata_export target list)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  exports_read(${list})
+  if(WIN32)
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+    set(lines "EXPORTS")
+    foreach(entry IN LISTS exports_numbers)
+      string(REPLACE ":" ";" entry ${entry})
+      list(GET entry 0 number)
+      list(GET entry 1 symbol)
+      if(symbol IN_LIST exports_windows)
+        string(APPEND lines "\n  ${symbol} @${number} NONAME")
+      endif()
+    endforeach()
+    file(CONFIGURE OUTPUT ${file} CONTENT "${lines}\n" @ONLY)
+    target_sources(${target} PRIVATE ${file})
+  elseif(NOT APPLE)
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+    list(JOIN exports_elf ";\n    " symbols)
+    file(CONFIGURE OUTPUT ${file}
+      CONTENT "SURVEYDATA_1 {\n  global:\n    ${symbols};\n  local:\n    *;\n};\n" @ONLY)
+    target_link_options(${target} PRIVATE LINKER:--version-script=${file})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${file})
+    # A list that is out of date shows where the library is used, as an undefined reference; what it
+    # lacks is said before that.
+    if(SURVEYDATA_BUILD_TESTS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND
+       NOT SURVEYDATA_SANITIZE AND NOT SURVEYDATA_COVERAGE)
+      add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -D SHARED_LIBRARY=$<TARGET_FILE:${target}>
+                "-D OBJECTS=$<TARGET_OBJECTS:surveydata_objects>"
+                -D READELF=${CMAKE_READELF} -D CXXFILT=c++filt
+                -D COMPARE_OBJECTS=ON -D COMPARE_TYPES=ON
+                -P ${PROJECT_SOURCE_DIR}/abi/compare_exports.cmake || ${CMAKE_COMMAND} -E true
+        VERBATIM)
+    endif()
+  endif()
+endfunction()
