@@ -43,5 +43,6 @@ install_dependencies() {
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(abigail-tools libbenchmark-dev libgtest-dev libicu-dev librapidcheck-dev pkgconf)
 
-# What the build for Windows needs besides.
+# What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
+windows_test_packages=(googletest wine wine64)

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <typeinfo>
 
 #include <surveydata/surveydata.h>
@@ -34,6 +35,36 @@ class MarkedPointC : public SDI::CoordinatePointC {
  public:
   using CoordinatePointC::CoordinatePointC;
 };
+
+// On ELF systems a type identity is one object in the whole program, so that a comparison looks no
+// further; on Windows each module has its own, and their names decide.
+bool AreTheSame(const std::type_info& a, const std::type_info& b) {
+#if defined(_WIN32)
+  return a == b;
+#else
+  return &a == &b;
+#endif
+}
+
+template <class Public, class Impl>
+void TypeIsTheSame(Public&& made, const char* what) {
+  const API::BaseC& base = made;
+  const API::ImplObjectC& impl = *base.GetImpl();
+  Check(AreTheSame(typeid(base), typeid(std::decay_t<Public>)), what);
+  Check(AreTheSame(typeid(impl), typeid(Impl)), what);
+}
+
+// These constructors run inside the library.
+void TypesMadeInTheLibraryAreThoseOfTheCaller() {
+  TypeIsTheSame<SDI::CoordinatePointC, ODM::CoordinatePointC>({1.0, 2.0, 3.0}, "point");
+  TypeIsTheSame<SDI::UndulationMementoC, ODM::UndulationMementoC>(
+      SDI::UndulationMementoC(1.0F, 2, 1), "undulation");
+  SDI::PositionC position;
+  SDI::CoordinatePointC& part = position.GetCoordinatePoint();
+  TypeIsTheSame<SDI::CoordinatePointC&, ODM::CoordinatePointC>(part, "part of a position");
+  part.SetX(7.0);
+  Check(position.GetImpl()->GetCoordinatePoint().GetX() == 7.0, "a part is lent out");
+}
 
 // The getter runs inside the library, whose cast must recognise the implementation made here.
 void TypesAreTheSameOnBothSides() {
@@ -123,6 +154,7 @@ void RecordFilesWork() {
 }  // namespace
 
 int main() {
+  TypesMadeInTheLibraryAreThoseOfTheCaller();
   TypesAreTheSameOnBothSides();
   DerivedClassesWork();
   OwnershipCrossesTheBoundary();

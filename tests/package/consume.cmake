@@ -1,6 +1,6 @@
 # Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, against the
-# tree installed at PREFIX, or add_subdirectory, with SOURCE_DIR as a part of it; LINKAGE is shared
-# or static. The compiler and its flags are those of the library.
+# tree installed at PREFIX, or add_subdirectory, with SOURCE_DIR as a part of it; LINKAGE holds shared
+# or static or both. The compiler and its flags are those of the library.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -35,10 +35,11 @@ if(WAY STREQUAL "pkg_config")
   if(LINKAGE STREQUAL "static")
     list(TRANSFORM libs REPLACE "^-lsurveydata$" "-l:libsurveydata.a")
   endif()
-  run(${CXX} -std=c++20 ${flags} ${CONSUMER_DIR}/consumer.cpp -o consumer ${cflags} ${libs})
+  run(${CXX} -std=c++20 ${flags} ${CONSUMER_DIR}/consumer.cpp -o consumer_${LINKAGE}${SUFFIX}
+      ${cflags} ${libs})
 else()
   set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
-                -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCONSUMER_LINKAGE=${LINKAGE})
+                -DCMAKE_BUILD_TYPE=${BUILD_TYPE})
   if(TOOLCHAIN)
     set(arguments --toolchain ${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX} ${arguments})
   endif()
@@ -48,7 +49,8 @@ else()
     list(APPEND arguments -DCONSUMER_SOURCE_DIR=${SOURCE_DIR})
   endif()
   run(${CMAKE_COMMAND} -G ${GENERATOR} -S ${CONSUMER_DIR} -B . ${arguments})
-  run(${CMAKE_COMMAND} --build .)
+  list(TRANSFORM LINKAGE PREPEND consumer_ OUTPUT_VARIABLE targets)
+  run(${CMAKE_COMMAND} --build . --target ${targets})
   if(WAY STREQUAL "add_subdirectory")
     file(GLOB surplus ${WORK_DIR}/surveydata/tests ${WORK_DIR}/surveydata/tools
                       ${WORK_DIR}/surveydata/examples ${WORK_DIR}/surveydata/benchmarks)
@@ -62,7 +64,9 @@ endif()
 # The program finds the library by its path in CMake builds; pkg-config leaves that to the caller.
 set(ENV{LD_LIBRARY_PATH} "${library_dir}:$ENV{LD_LIBRARY_PATH}")
 set(ENV{WINEPATH} "${PREFIX}/bin;${WORK_DIR}/surveydata/surveydata;$ENV{WINEPATH}")
-run(${EMULATOR} ./consumer${SUFFIX})
-if(NOT output MATCHES "all is well")
-  message(FATAL_ERROR "the consumer said: ${output}")
-endif()
+foreach(linkage IN LISTS LINKAGE)
+  run(${EMULATOR} ./consumer_${linkage}${SUFFIX})
+  if(NOT output MATCHES "all is well")
+    message(FATAL_ERROR "the consumer said: ${output}")
+  endif()
+endforeach()
