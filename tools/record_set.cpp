@@ -83,14 +83,19 @@ std::vector<std::uint8_t> FindFrame(const Options& options) {
                                                    options.offset, reason));
 }
 
+// One line per changed byte; the first of a field tells its new value.
 void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
   out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
   for (const FrameField& field : frame.fields) {
+    const std::string name = field.block == field.field
+                                 ? std::string(field.field)
+                                 : fmt::format("{}, {}", field.block, field.field);
+    std::string value = " = " + field.value;
     for (std::size_t i = field.at; i < field.at + field.size; ++i) {
       if (frame.before[i] == frame.after[i]) continue;
-      out.Print("{:>10}   {:02x}   {:02x}  {}{} = {}\n", offset + i, frame.before[i],
-                frame.after[i], field.block == field.field ? "" : std::string(field.block) + ", ",
-                field.field, field.value);
+      out.Print("{:>10}   {:02x}   {:02x}  {}{}\n", offset + i, frame.before[i], frame.after[i],
+                name, value);
+      value.clear();
     }
   }
 }

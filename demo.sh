@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Builds the program and shows what it does with a record file of a GNSS receiver. Everything that it
+# writes goes to build/demo and demo/.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+. cmake/install_dependencies.sh
+install_dependencies "${build_packages[@]}"
+
+[ -d build/demo ] || echo "Building the program, once: a minute or two." >&2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! { cmake --preset release -B build/demo -D SURVEYDATA_BUILD_TESTS=OFF \
+         -D SURVEYDATA_BUILD_BENCHMARKS=OFF -D SURVEYDATA_BUILD_EXAMPLES=OFF &&
+       cmake --build build/demo --target surveydata_tool; } >"$log" 2>&1; then
+  cat "$log" >&2
+  exit 1
+fi
+
+export PATH="$PWD/build/demo/tools:$PATH"
+mkdir -p demo
+cp tests/data/valley_drive.rec tests/data/desert_highway.rec demo/
+chmod u+w demo/*.rec
+cd demo
+
+# show WHAT COMMAND [STATUS...]: what it is about, the command, what it prints. The command ends with
+# 0 or one of the STATUS: a list ends with 1 where it found gaps, with 141 where `head` has enough.
+show() {
+  printf '\n%s\n$ %s\n' "$1" "$2"
+  local status=0
+  bash -o pipefail -c "$2" || status=$?
+  if [[ " 0 ${*:3} " != *" $status "* ]]; then
+    echo "demo.sh: this ended with $status" >&2
+    exit 1
+  fi
+}
+
+show "A record file of a drive through a town: measurements, other records, gaps." \
+     "surveydata record list valley_drive.rec | head -n 14" 1 141
+show "What is in the whole file." \
+     "surveydata record list valley_drive.rec | tail -n 1" 1
+show "One measurement, byte by byte." \
+     "surveydata record show valley_drive.rec --offset 36471 --bytes"
+show "What a new name and a slant antenna height would change, with nothing written." \
+     "surveydata record set valley_drive.rec --offset 36471 --name 'Brücke 7' --antenna-height 1.75 --slant --dry-run"
+show "The same for real: in a copy that then takes the file's place in one step." \
+     "surveydata record set valley_drive.rec --offset 36471 --name 'Brücke 7' --antenna-height 1.75 --slant"
+show "The changed line." \
+     "surveydata record list valley_drive.rec | grep -E 'offset|^ *36471 '" 1
+show "All fields for other programs, as JSON Lines or CSV." \
+     "surveydata record export valley_drive.rec | wc -lc"
+show "Dilution of precision and satellites over time, as pictures." \
+     "surveydata record plot valley_drive.rec -o valley_drive.svg && surveydata record plot desert_highway.rec -o desert_highway.svg"
+
+printf '\nThe pictures: %s\n              %s\n' "$PWD/valley_drive.svg" "$PWD/desert_highway.svg"
