@@ -323,6 +323,19 @@ TYPED_TEST(MeasDataImpl, System1IsPresentWithAPairOfZeros) {
   ExpectPairs(meas, nullptr, &zeros, nullptr, nullptr);
 }
 
+TEST(MeasDataImpl, TellsStoredPairsWhetherTheyAreSetOrNot) {
+  GPSMeasDataImplC meas;
+  EXPECT_EQ(meas.GetStoredTotalPair(), SDI::GPSCounterPair{});
+  meas.SetTotalPair(1, 2);
+  meas.SetSystem1Pair(3, 4);
+  meas.SetSystem2Pair(5, 0);
+  meas.SetSystem3Pair(6, 0);
+  EXPECT_EQ(meas.GetStoredTotalPair(), (SDI::GPSCounterPair{1, 2}));
+  EXPECT_EQ(meas.GetStoredSystem1Pair(), (SDI::GPSCounterPair{3, 4}));
+  EXPECT_EQ(meas.GetStoredSystem2Pair(), (SDI::GPSCounterPair{5, 0}));
+  EXPECT_EQ(meas.GetStoredSystem3Pair(), (SDI::GPSCounterPair{6, 0}));
+}
+
 // --- Where the two implementations differ on purpose --------------------------------------------
 
 TEST(MeasDataImplDifference, LaterSystemsWithoutASatelliteUsed) {
