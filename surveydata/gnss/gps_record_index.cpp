@@ -23,7 +23,7 @@ struct GPSRecordIndexC::Window {
   bool hasFailed = false;
 
   std::size_t Left() const { return end - begin; }
-  const std::uint8_t* Front() const { return &bytes[begin]; }
+  const std::uint8_t* Front() const { return bytes.data() + begin; }  // `begin` may be the end
 
   void Advance(std::size_t count) {
     begin += count;

@@ -242,6 +242,22 @@ TEST(RecordIndex, LongRecordsAtEveryPlaceInAFileOfSeveralMegabytes) {
   EXPECT_EQ(WalkFile(TempFileC(), bytes), expected);
 }
 
+// The longest record just fits behind what is walked of a piece that is read at once, or just not.
+TEST(RecordIndex, TheLongestRecordAtTheEndOfWhatIsReadAtOnce) {
+  const ByteVector longest = FrameOf(0xFFFF - 5, 1, 7);
+  const TempFileC file;
+  for (const std::size_t atOnce : {128U * 1024U, 256U * 1024U, 512U * 1024U}) {
+    for (std::size_t gap = atOnce - 0x10001 - 4; gap <= atOnce - 0x10001 + 4; ++gap) {
+      ByteVector bytes(gap, 0);
+      Append(bytes, longest);
+      bytes.resize(bytes.size() + 10, 0);
+      const std::vector<GPSRecordEntry> expected = {
+          {0, gap, true, 0}, {gap, 0x10001, false, 7}, {gap + 0x10001, 10, true, 0}};
+      EXPECT_EQ(WalkFile(file, bytes), expected);
+    }
+  }
+}
+
 TEST(RecordIndex, AGapOfManyWindowsIsOneEntry) {
   ByteVector bytes(3'000'000, 0x9C);
   Append(bytes, FrameOf(20));
