@@ -140,10 +140,10 @@ std::vector<double> ValueTicks(double top, int wanted, bool isWhole) {
 
 std::vector<double> TimeTicks(double first, double last, int wanted) {
   const double step = TimeStep(last - first, wanted);
+  const double start = std::ceil(first / step);
+  const auto count = static_cast<int>(std::floor(last / step) - start) + 1;
   std::vector<double> ticks;
-  for (double tick = std::ceil(first / step) * step; tick <= last; tick += step) {
-    ticks.push_back(tick);
-  }
+  for (int i = 0; i < count; ++i) ticks.push_back((start + i) * step);
   return ticks;
 }
 
