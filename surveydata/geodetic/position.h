@@ -126,12 +126,11 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   /// The standard deviation of several coordinates together, in single precision: the scale factor
   /// of the quality times the square root of a sum of cofactors.
   ///
-  /// | selector | of                 | needs valid axes | cofactors     | kind of reference system
-  /// |
-  /// |----------|--------------------|------------------|---------------|--------------------------|
-  /// | 1        | the height         | 3                | q33           | other than 1 | | 2 | the
-  /// plane position | 1, 2             | q11, q22      | other than 1             | | 3        |
-  /// the whole position | 1, 2, 3          | q11, q22, q33 | any                      |
+  /// | selector | of                 | valid axes | cofactors     | reference system  |
+  /// |----------|--------------------|------------|---------------|-------------------|
+  /// | 1        | the height         | 3          | q33           | not of kind 1     |
+  /// | 2        | the plane position | 1, 2       | q11, q22      | not of kind 1     |
+  /// | 3        | the whole position | 1, 2, 3    | q11, q22, q33 | any               |
   ///
   /// \param result  set to the standard deviation, NaN for a negative sum; 0 when there is none.
   /// \return whether there is one; false for any other selector.
