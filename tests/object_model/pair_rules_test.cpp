@@ -1,42 +1,332 @@
+#include <type_traits>
 #include <utility>
 
 #include <gtest/gtest.h>
 
 #include <surveydata/surveydata.h>
 
+#include "tests/support/pairs.h"
+
+// Who owns whom, for every pair. Leaks and double deletions show under the address sanitizer; what
+// is destroyed when is counted.
+
 namespace {
 
-// A public class and an implementation that it reads.
-template <class Public, class Impl>
-struct Pair {
-  using PublicT = Public;
-  using ImplT = Impl;
+using Pairs::IsMarked;
+using Pairs::Mark;
+
+// An object of a class derived from `Base`, as callers may derive it, which counts how many live.
+template <class Base>
+class Counted : public Base {
+ public:
+  template <class... Args>
+  explicit Counted(int& alive, Args&&... args) : Base(std::forward<Args>(args)...), alive_(alive) {
+    ++alive_;
+  }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+  ~Counted() override { --alive_; }
+
+ private:
+  int& alive_;
 };
 
-// A pair that is not listed here is not finished.
-using AllPairs =
-    testing::Types<Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>,
-                   Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>,
-                   Pair<SDI::GPSDOPsC, SDI::GPSDOPsImplC>,
-                   Pair<SDI::GPSMeasDataC, SDI::GPSMeasDataImplC>, Pair<SDI::ScanC, SDI::ScanImplC>,
-                   Pair<SDI::ScanDefPointC, SDI::ScanDefPointImplC>,
-                   Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>,
-                   Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
-                   Pair<SDI::ScanRectangularAreaC, SDI::ScanRectangularAreaImplC>>;
+class ForeignImplC : public API::ImplObjectC {};
+
+// The implementation that `object` is linked to, whatever its class.
+API::ImplObjectC* LinkedTo(const API::BaseC& object) { return object.GetImpl(); }
 
 template <class P>
-class PairRules : public testing::Test {};
-TYPED_TEST_SUITE(PairRules, AllPairs);
+class PairRules : public testing::Test {
+ protected:
+  using Public = typename P::PublicT;
+  using Impl = typename P::ImplT;
 
-TYPED_TEST(PairRules, EitherSideDestroysTheOther) {  // the leak checker is the judge
-  delete new typename TypeParam::PublicT;
-  delete (new typename TypeParam::PublicT)->GetImpl();
+  static void ExpectLinked(const Public& object, Impl& impl) {
+    EXPECT_EQ(LinkedTo(object), &impl);
+    EXPECT_EQ(object.GetImpl(), &impl);
+    EXPECT_EQ(impl.API::ImplObjectC::GetBase(), &object);
+    EXPECT_EQ(impl.GetBase(), &object);
+  }
+};
+TYPED_TEST_SUITE(PairRules, Pairs::AllPairs);
+
+TYPED_TEST(PairRules, ANewPublicObjectIsLinkedToAnImplementationOfItsOwn) {
+  static_assert(std::is_base_of_v<API::BaseC, typename TestFixture::Public>);
+  static_assert(std::is_base_of_v<API::ImplObjectC, typename TestFixture::Impl>);
+  typename TestFixture::Public object;
+  ASSERT_NE(object.GetImpl(), nullptr);
+  this->ExpectLinked(object, *object.GetImpl());
+  EXPECT_FALSE(IsMarked(*object.GetImpl()));
 }
 
-TYPED_TEST(PairRules, BothSidesAreLinked) {
-  typename TypeParam::PublicT object;
-  ASSERT_NE(object.GetImpl(), nullptr);
-  EXPECT_EQ(object.GetImpl()->GetBase(), &object);
+TYPED_TEST(PairRules, EitherSideDestroysTheOther) {
+  int objects = 0;
+  int impls = 0;
+  for (const bool isObjectFirst : {true, false}) {
+    auto* const impl = new Counted<typename TestFixture::Impl>(impls);
+    auto* const object = new Counted<typename TestFixture::Public>(objects, impl);
+    this->ExpectLinked(*object, *impl);  // a derived implementation is read, too
+    EXPECT_EQ(objects, 1);
+    EXPECT_EQ(impls, 1);
+    if (isObjectFirst) {
+      delete object;
+    } else {
+      delete impl;
+    }
+    EXPECT_EQ(objects, 0);
+    EXPECT_EQ(impls, 0);
+  }
+  delete new typename TestFixture::Public;
+  delete (new typename TestFixture::Public)->GetImpl();
+}
+
+TYPED_TEST(PairRules, AdoptingTakesTheImplementationFromItsEarlierOwner) {
+  using Owner = Counted<typename TestFixture::Public>;
+  int firsts = 0;
+  int seconds = 0;
+  int impls = 0;
+  auto* const impl = new Counted<typename TestFixture::Impl>(impls);
+  Mark<typename TestFixture::Impl>(*impl);
+  new Owner(firsts, impl);
+  {
+    const Owner second(seconds, impl);
+    EXPECT_EQ(firsts, 0);
+    EXPECT_EQ(impls, 1);
+    this->ExpectLinked(second, *impl);
+    EXPECT_TRUE(IsMarked(*second.GetImpl()));
+  }
+  EXPECT_EQ(impls, 0);
+}
+
+TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
+  int impls = 0;
+  auto* const old = new Counted<typename TestFixture::Impl>(impls);
+  auto* const impl = new Counted<typename TestFixture::Impl>(impls);
+  typename TestFixture::Public object(old);
+  object.SetImpl(old);  // the current one: nothing happens
+  this->ExpectLinked(object, *old);
+
+  object.SetImpl(impl);
+  this->ExpectLinked(object, *impl);
+  EXPECT_EQ(impls, 2);
+  EXPECT_EQ(old->GetBase(), &object);  // stale
+
+  object.SetImpl(nullptr);
+  EXPECT_EQ(LinkedTo(object), nullptr);
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  EXPECT_EQ(impl->GetBase(), &object);  // stale, too
+  EXPECT_EQ(impls, 2);
+
+  // Whoever replaces an implementation disposes of the old one.
+  old->DetachBase();
+  delete old;
+  object.SetImpl(impl);
+  this->ExpectLinked(object, *impl);
+  EXPECT_EQ(impls, 1);
+}
+
+TYPED_TEST(PairRules, SetImplTakesTheImplementationFromItsEarlierOwner) {
+  int objects = 0;
+  auto* const other = new Counted<typename TestFixture::Public>(objects);
+  auto* const impl = other->GetImpl();
+  typename TestFixture::Public object;
+  auto* const old = object.GetImpl();
+  old->DetachBase();
+  delete old;
+  object.SetImpl(impl);
+  EXPECT_EQ(objects, 0);
+  this->ExpectLinked(object, *impl);
+}
+
+TYPED_TEST(PairRules, SetBaseDestroysTheEarlierOwner) {
+  int objects = 0;
+  auto* const first = new Counted<typename TestFixture::Public>(objects);
+  auto* const impl = first->GetImpl();
+  impl->SetBase(first);  // the current one: nothing happens
+  this->ExpectLinked(*first, *impl);
+  impl->SetBase(nullptr);
+  EXPECT_EQ(objects, 0);
+  EXPECT_EQ(impl->API::ImplObjectC::GetBase(), nullptr);
+
+  auto* const second = new Counted<API::BaseC>(objects);
+  impl->SetBase(second);
+  EXPECT_EQ(impl->GetBase(), second);
+  EXPECT_EQ(LinkedTo(*second), nullptr);  // the other side is set by `SetImpl`
+  delete impl;
+  EXPECT_EQ(objects, 0);
+}
+
+TYPED_TEST(PairRules, DetachBaseLeavesTwoIndependentObjects) {
+  int objects = 0;
+  int impls = 0;
+  auto* const impl = new Counted<typename TestFixture::Impl>(impls);
+  auto* const object = new Counted<typename TestFixture::Public>(objects, impl);
+  impl->DetachBase();
+  impl->DetachBase();  // without an owner: nothing happens
+  EXPECT_EQ(object->GetImpl(), nullptr);
+  EXPECT_EQ(impl->API::ImplObjectC::GetBase(), nullptr);
+  delete object;
+  EXPECT_EQ(impls, 1);
+  delete impl;
+  EXPECT_EQ(objects + impls, 0);
+}
+
+TYPED_TEST(PairRules, GetBaseMakesOnePublicObjectThatDiesWithTheImplementation) {
+  int impls = 0;
+  {
+    Counted<typename TestFixture::Impl> impl(impls);
+    EXPECT_EQ(impl.API::ImplObjectC::GetBase(), nullptr);
+    API::BaseC* const base = impl.GetBase();
+    ASSERT_NE(base, nullptr);
+    EXPECT_EQ(impl.GetBase(), base);
+    auto* const object = dynamic_cast<typename TestFixture::Public*>(base);
+    ASSERT_NE(object, nullptr);
+    this->ExpectLinked(*object, impl);
+  }
+  EXPECT_EQ(impls, 0);
+  auto* const impl = new typename TestFixture::Impl;
+  delete impl->GetBase();  // destroys `impl`
+}
+
+TYPED_TEST(PairRules, AnImplementationTakesAnOwner) {
+  int owners = 0;
+  {
+    auto* const owner = new Counted<API::BaseC>(owners);
+    typename TestFixture::Impl impl(static_cast<API::BaseC*>(owner));
+    EXPECT_EQ(impl.GetBase(), owner);
+    EXPECT_EQ(LinkedTo(*owner), nullptr);
+    EXPECT_FALSE(IsMarked(impl));
+  }
+  EXPECT_EQ(owners, 0);
+}
+
+TYPED_TEST(PairRules, CopiesOfAnImplementationHaveNoOwner) {
+  typename TestFixture::Impl impl;
+  Mark(impl);
+  API::BaseC* const owner = impl.GetBase();
+  typename TestFixture::Impl copy(impl);
+  EXPECT_TRUE(IsMarked(copy));
+  EXPECT_EQ(copy.API::ImplObjectC::GetBase(), nullptr);
+  EXPECT_NE(copy.GetBase(), owner);
+
+  typename TestFixture::Impl other;
+  API::BaseC* const otherOwner = other.GetBase();
+  EXPECT_EQ(&(other = impl), &other);
+  EXPECT_TRUE(IsMarked(other));
+  EXPECT_EQ(other.GetBase(), otherOwner);
+  EXPECT_EQ(impl.GetBase(), owner);
+
+  const auto& self = impl;
+  EXPECT_EQ(&(impl = self), &impl);
+  EXPECT_TRUE(IsMarked(impl));
+  EXPECT_EQ(impl.GetBase(), owner);
+
+  typename TestFixture::Impl moved(std::move(impl));
+  EXPECT_TRUE(IsMarked(moved));
+  EXPECT_EQ(moved.API::ImplObjectC::GetBase(), nullptr);
+  EXPECT_EQ(impl.GetBase(), owner);
+}
+
+TYPED_TEST(PairRules, CopiesOfAPublicObjectAreIndependent) {
+  using Object = typename TestFixture::Public;
+  Object source;
+  auto* const impl = source.GetImpl();
+  Mark(*impl);
+  Object copy(source);
+  this->ExpectLinked(copy, *copy.GetImpl());
+  EXPECT_NE(copy.GetImpl(), impl);
+  EXPECT_TRUE(IsMarked(*copy.GetImpl()));
+  *copy.GetImpl() = typename TestFixture::Impl();
+  EXPECT_TRUE(IsMarked(*impl));
+
+  Object assigned;
+  auto* const assignedImpl = assigned.GetImpl();
+  EXPECT_EQ(&(assigned = source), &assigned);
+  this->ExpectLinked(assigned, *assignedImpl);
+  EXPECT_TRUE(IsMarked(*assignedImpl));
+  *assignedImpl = typename TestFixture::Impl();
+  EXPECT_TRUE(IsMarked(*impl));
+
+  const Object& self = source;
+  EXPECT_EQ(&(source = self), &source);
+  this->ExpectLinked(source, *impl);
+  EXPECT_TRUE(IsMarked(*impl));
+
+  Object moved(std::move(source));  // moving copies: no object is left without its implementation
+  this->ExpectLinked(source, *impl);
+  this->ExpectLinked(moved, *moved.GetImpl());
+  EXPECT_TRUE(IsMarked(*moved.GetImpl()));
+  assigned = std::move(moved);
+  this->ExpectLinked(moved, *moved.GetImpl());
+  this->ExpectLinked(assigned, *assignedImpl);
+  EXPECT_TRUE(IsMarked(*assignedImpl));
+}
+
+// `object` has no implementation that it reads.
+template <class Public>
+void ExpectNothingToCopy(Public& object) {
+  using Impl = std::remove_pointer_t<decltype(object.GetImpl())>;
+  API::ImplObjectC* const linked = LinkedTo(object);
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  const Public copy(object);
+  ASSERT_NE(copy.GetImpl(), nullptr);
+  EXPECT_EQ(Pairs::Shown(*copy.GetImpl()), Pairs::Shown(Impl()));
+
+  Public full;
+  Mark(*full.GetImpl());
+  object = full;
+  EXPECT_EQ(LinkedTo(object), linked);
+  full = object;
+  EXPECT_TRUE(IsMarked(*full.GetImpl()));
+}
+
+TYPED_TEST(PairRules, WithoutItsImplementationAPublicObjectCopiesAsDefaults) {
+  typename TestFixture::Public object;
+  auto* const impl = object.GetImpl();
+  impl->DetachBase();
+  delete impl;
+  ExpectNothingToCopy(object);
+  object.SetImpl(new ForeignImplC);
+  EXPECT_NE(LinkedTo(object), nullptr);
+  ExpectNothingToCopy(object);
+}
+
+template <class P>
+class UnreadPairRules : public testing::Test {};
+TYPED_TEST_SUITE(UnreadPairRules, Pairs::UnreadPairs);
+
+TYPED_TEST(UnreadPairRules, ThePublicObjectOwnsWhatItDoesNotRead) {
+  using Public = typename TypeParam::PublicT;
+  int impls = 0;
+  int objects = 0;
+  {
+    Counted<typename TypeParam::ImplT> impl(impls);
+    Mark<typename TypeParam::ImplT>(impl);
+    API::BaseC* const base = impl.GetBase();
+    EXPECT_EQ(impl.GetBase(), base);
+    auto* const object = dynamic_cast<Public*>(base);
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(LinkedTo(*object), &impl);
+    ExpectNothingToCopy(*object);
+    EXPECT_TRUE(IsMarked<typename TypeParam::ImplT>(impl));
+    const typename TypeParam::ImplT copy(impl);
+    EXPECT_TRUE(IsMarked(copy));
+  }
+  for (const bool isObjectFirst : {true, false}) {
+    auto* const impl = new Counted<typename TypeParam::ImplT>(impls);
+    auto* const object =
+        new Counted<Public>(objects, static_cast<typename TypeParam::ImplT*>(impl));
+    EXPECT_EQ(LinkedTo(*object), impl);
+    EXPECT_EQ(impl->GetBase(), object);
+    EXPECT_EQ(object->GetImpl(), nullptr);
+    if (isObjectFirst) {
+      delete object;
+    } else {
+      delete impl;
+    }
+    EXPECT_EQ(impls + objects, 0);
+  }
 }
 
 }  // namespace

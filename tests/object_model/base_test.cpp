@@ -1,0 +1,143 @@
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/object_model/base.h>
+
+namespace {
+
+using API::BaseC;
+using API::ImplObjectC;
+
+int g_order = 0;  // counts the ends of all objects
+
+class Object : public BaseC {
+ public:
+  explicit Object(int& end, ImplObjectC* impl = nullptr) : BaseC(impl), end_(end) {}
+  ~Object() override { end_ = ++g_order; }
+
+ private:
+  int& end_;
+};
+
+class Impl : public ImplObjectC {
+ public:
+  explicit Impl(int& end) : end_(end) {}
+  ~Impl() override { end_ = ++g_order; }
+
+ private:
+  int& end_;
+};
+
+TEST(Base, HasNoImplementationByDefault) {
+  const BaseC object;
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  const ImplObjectC impl;
+  EXPECT_EQ(ImplObjectC(impl).GetBase(), nullptr);
+}
+
+TEST(Base, ItsCopyHasNoImplementation) {
+  BaseC object(new ImplObjectC);
+  ImplObjectC* const impl = object.GetImpl();
+  ASSERT_NE(impl, nullptr);
+  const BaseC copy(object);
+  EXPECT_EQ(copy.GetImpl(), nullptr);
+  EXPECT_EQ(object.GetImpl(), impl);
+  EXPECT_EQ(impl->GetBase(), &object);
+}
+
+TEST(Base, ItsAssignmentCopiesThePointerAlone) {
+  BaseC object(new ImplObjectC);
+  ImplObjectC* const impl = object.GetImpl();
+  BaseC other;
+  EXPECT_EQ(&(other = object), &other);
+  EXPECT_EQ(other.GetImpl(), impl);
+  EXPECT_EQ(object.GetImpl(), impl);
+  EXPECT_EQ(impl->GetBase(), &object);  // no link is touched
+  other = BaseC();
+  EXPECT_EQ(other.GetImpl(), nullptr);
+  EXPECT_EQ(object.GetImpl(), impl);
+}
+
+TEST(Base, NullHasNothingToLink) {
+  const BaseC object(nullptr);
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  BaseC other;
+  other.SetImpl(nullptr);
+  EXPECT_EQ(other.GetImpl(), nullptr);
+}
+
+TEST(Base, DestroysItsImplementationWithinItsOwnEnd) {
+  int object = 0;
+  int impl = 0;
+  g_order = 0;
+  delete new Object(object, new Impl(impl));
+  EXPECT_EQ(object, 1);
+  EXPECT_EQ(impl, 2);
+}
+
+TEST(ImplObject, DestroysItsOwnerWithinItsOwnEnd) {
+  int object = 0;
+  int impl = 0;
+  g_order = 0;
+  auto* const data = new Impl(impl);
+  new Object(object, data);
+  delete data;
+  EXPECT_EQ(impl, 1);
+  EXPECT_EQ(object, 2);
+}
+
+TEST(ImplObject, KeepsItsOwnerInCopyAndAssignment) {
+  BaseC first(new ImplObjectC);
+  BaseC second(new ImplObjectC);
+  ImplObjectC& a = *first.GetImpl();
+  ImplObjectC& b = *second.GetImpl();
+  ImplObjectC copy(a);
+  EXPECT_EQ(copy.GetBase(), nullptr);
+  EXPECT_EQ(&(a = b), &a);
+  EXPECT_EQ(a.GetBase(), &first);
+  EXPECT_EQ(b.GetBase(), &second);
+  copy = a;
+  EXPECT_EQ(copy.GetBase(), nullptr);
+  a = copy;
+  EXPECT_EQ(a.GetBase(), &first);
+}
+
+TEST(ImplObject, MakesNoOwnerByItself) {
+  ImplObjectC impl;
+  EXPECT_EQ(impl.GetBase(), nullptr);
+  EXPECT_EQ(impl.GetBase(), nullptr);
+}
+
+TEST(ImplObject, UnlinksTheEarlierOwnerBeforeItDeletesIt) {
+  int end = 0;
+  g_order = 0;
+  ImplObjectC impl;
+  new Object(end, &impl);
+  BaseC next;
+  next.SetImpl(&impl);
+  EXPECT_EQ(end, 1);
+  EXPECT_EQ(impl.GetBase(), &next);
+  EXPECT_EQ(next.GetImpl(), &impl);
+  impl.DetachBase();
+  EXPECT_EQ(next.GetImpl(), nullptr);
+  EXPECT_EQ(impl.GetBase(), nullptr);
+}
+
+// What a derived class replaces is what the constructors do not call.
+TEST(Base, ItsConstructorLinksByItsOwnSetImpl) {
+  class Refusing : public BaseC {
+   public:
+    explicit Refusing(ImplObjectC* impl) : BaseC(impl) {}
+    void SetImpl(ImplObjectC* /*impl*/) override {}
+  };
+  Refusing object(new ImplObjectC);
+  EXPECT_NE(object.GetImpl(), nullptr);
+}
+
+TEST(Base, BothBasesArePolymorphicWithAVirtualDestructor) {
+  static_assert(std::has_virtual_destructor_v<BaseC> && std::has_virtual_destructor_v<ImplObjectC>);
+  static_assert(sizeof(BaseC) == 2 * sizeof(void*) && sizeof(ImplObjectC) == 2 * sizeof(void*));
+}
+
+}  // namespace

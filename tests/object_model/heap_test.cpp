@@ -1,0 +1,187 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/surveydata.h>
+
+#include "surveydata/gnss/record_frame.h"
+#include "tests/object_model/fixed_string_model.h"
+#include "tests/support/pairs.h"
+#include "tests/support/temp_file.h"
+
+// How many blocks of the heap an operation takes. The operators of this program count; they get
+// their memory from `malloc`, so that sanitizers see every block.
+
+namespace {
+
+std::size_t g_allocations = 0;
+std::size_t g_releases = 0;
+
+void* Allocate(std::size_t size) {
+  ++g_allocations;
+  if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
+  throw std::bad_alloc();
+}
+
+void Release(void* block) {
+  if (block == nullptr) return;
+  ++g_releases;
+  std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* block) noexcept { Release(block); }
+void operator delete[](void* block) noexcept { Release(block); }
+void operator delete(void* block, std::size_t) noexcept { Release(block); }
+void operator delete[](void* block, std::size_t) noexcept { Release(block); }
+
+namespace {
+
+// The blocks that `work` takes.
+template <class Work>
+std::size_t Allocations(Work work) {
+  const std::size_t before = g_allocations;
+  work();
+  return g_allocations - before;
+}
+
+template <class Work>
+std::size_t Releases(Work work) {
+  const std::size_t before = g_releases;
+  work();
+  return g_releases - before;
+}
+
+TEST(Heap, IsCounted) {
+  int* number = nullptr;
+  EXPECT_EQ(Allocations([&] { number = new int(1); }), 1U);
+  EXPECT_EQ(Releases([&] { delete number; }), 1U);
+  EXPECT_EQ(Allocations([] { std::string(100, 'x'); }), 1U);
+}
+
+template <class P>
+class PairHeap : public testing::Test {};
+TYPED_TEST_SUITE(PairHeap, Pairs::AllPairs);
+
+TYPED_TEST(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
+  using Public = typename TypeParam::PublicT;
+  using Impl = typename TypeParam::ImplT;
+  Public* object = nullptr;
+  Public* copy = nullptr;
+  EXPECT_EQ(Allocations([&] { object = new Public; }), 2U);
+  EXPECT_EQ(Allocations([&] { copy = new Public(*object); }), 2U);
+  EXPECT_EQ(Allocations([&] { *copy = *object; }), 0U);
+  EXPECT_EQ(Releases([&] { delete copy; }), 2U);
+  EXPECT_EQ(Releases([&] { delete object; }), 2U);
+  EXPECT_EQ(Allocations([] { Public onStack; }), 1U);
+
+  Impl impl;
+  EXPECT_EQ(Allocations([&] { Impl another(impl); }), 0U);
+  EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 1U);  // the public object
+  EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 0U);
+}
+
+TEST(FixedStringHeap, NoOperationUsesIt) {
+  const std::string narrow(300, 'x');
+  const std::u16string wide(300, u'x');
+  const std::wstring wider(300, L'x');
+  const std::string utf8 = "caf\xC3\xA9 \xE2\x82\xAC";
+  Model::ForEachCapacity([&](auto capacity) {
+    constexpr std::uint16_t N = capacity();
+    using String = API::FixedStringC<N>;
+    char bytes[3 * N + 1];
+    bool isTrue = false;
+    EXPECT_EQ(Allocations([&] {
+                for (const std::size_t from : {300 - N - 1, 300 - N + 0, 295}) {
+                  String a(narrow.c_str() + from);
+                  const String b(wide.c_str() + from);
+                  const String c(wider.c_str() + from);
+                  a = b;
+                  a += narrow.c_str() + from;
+                  a += wide.c_str() + from;
+                  a += wider.c_str() + from;
+                  a = b + c;
+                  a += a;
+                  isTrue = a == b || a != c || a <= b;
+                  a.SubString(1, 3);
+                  a += 'x';
+                  a += u'x';
+                  a += L'x';
+                  a = String('x') + String(u'x') + String(L'x') + String();
+                  a.ToNarrow(bytes, sizeof(bytes));
+                  a.ToInt();
+                  a.ToLong();
+                  a.ToDouble();
+                  b.ToUtf8(bytes, sizeof(bytes));
+                  std::size_t length = utf8.size();
+                  a.FromUtf8(utf8.c_str(), &length);
+                  a.Format("%d %s", 12, "ab");
+                  a.Format("%s", narrow.c_str());
+                }
+              }),
+              0U);
+    EXPECT_TRUE(isTrue);
+  });
+}
+
+// The measurement frames of a sample file, by their offsets.
+std::vector<std::uint32_t> FramesIn(const std::vector<std::uint8_t>& file) {
+  using namespace SDI::RecordFrame;
+  std::vector<std::uint32_t> offsets;
+  for (std::size_t at = 0; at + kHeaderSize <= file.size(); ++at) {
+    const Header header = Header::Load(file.data() + at);
+    if (header.IsMeasurement() && at + header.Size() <= file.size() &&
+        HasRightChecksum(file.data() + at, header.length)) {
+      offsets.push_back(static_cast<std::uint32_t>(at));
+    }
+  }
+  return offsets;
+}
+
+TEST(RecordHeap, ReadingTakesNoneBesidesTheFileBufferOfTheRuntime) {
+  const std::string path = SURVEYDATA_TEST_DATA "valley_drive.rec";
+  TestSupport::TempFolderC folder;
+  const auto copy = folder.Path() / "drive.rec";  // a file that is read must be writable
+  std::filesystem::copy_file(path, copy);
+  const auto file = TestSupport::ReadBytes(path);
+  const auto offsets = FramesIn(file);
+  ASSERT_GT(offsets.size(), 100U);
+  SDI::GPSMeasDataImplC measurement;
+  auto info = TestSupport::InfoFor(copy);
+  std::size_t bad = 0;
+  EXPECT_EQ(Allocations([&] {
+              for (const std::uint32_t offset : offsets) {
+                info.offset = offset;
+                const auto result = SDI::GPSRecordFileC::ReadGPSMeasData(&measurement, &info);
+                bad += result != SDI::GPSRecordFileC::kDone;
+              }
+            }),
+            0U);
+  EXPECT_EQ(Allocations([&] {
+              for (const std::uint32_t offset : offsets) {
+                const auto* const frame = file.data() + offset;
+                const auto size = SDI::RecordFrame::Header::Load(frame).Size();
+                const auto result = SDI::RecordFrame::Decode({frame, size}, measurement, info);
+                bad += result != SDI::GPSRecordFileC::kDone;
+              }
+            }),
+            0U);
+  EXPECT_EQ(Allocations([&] {
+              info.offset = offsets.front();
+              bad += SDI::GPSRecordFileC::WriteGPSMeasData(&measurement, &info) !=
+                     SDI::GPSRecordFileC::kDone;
+            }),
+            0U);
+  EXPECT_EQ(bad, 0U);
+}
+
+}  // namespace

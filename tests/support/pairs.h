@@ -1,0 +1,88 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_PAIRS_H_
+#define SURVEYDATA_TESTS_SUPPORT_PAIRS_H_
+
+#include <cstdint>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/surveydata.h>
+
+#include "tests/support/record_fields.h"
+
+/// \file
+/// Every pair of a public class and an implementation, for tests of what holds for all of them.
+
+namespace Pairs {
+
+template <class Public, class Impl>
+struct Pair {
+  using PublicT = Public;
+  using ImplT = Impl;
+};
+
+/// A public class and the implementation that it makes and reads. A pair that is not listed here is
+/// not finished.
+using AllPairs = testing::Types<
+    Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>, Pair<SDI::QMatrixC, ODM::QMatrixC>,
+    Pair<SDI::CoordinateQualityC, ODM::CoordinateQualityC>,
+    Pair<SDI::CoordinateReferenceSystemC, ODM::CoordinateReferenceSystemC>,
+    Pair<SDI::UndulationMementoC, ODM::UndulationMementoC>, Pair<SDI::PositionC, ODM::PositionC>,
+    Pair<SDI::RectangleC, ODM::RectangleC>, Pair<SDI::DisplayAttributesC, ODM::DisplayAttributesC>,
+    Pair<SDI::InstrumentInfoDataC, ODM::InstrumentInfoDataC>,
+    Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>, Pair<SDI::GPSDOPsC, SDI::GPSDOPsImplC>,
+    Pair<SDI::GPSMeasDataC, SDI::GPSMeasDataImplC>,
+    Pair<SDI::GPSRefStationDataC, SDI::GPSRefStationDataImplC>,
+    Pair<SDI::TPSSetupDataC, ODM::TPSSetupDataC>, Pair<SDI::TPSMeasDataC, ODM::TPSMeasDataC>,
+    Pair<SDI::TPSCorrectionDataC, ODM::TPSCorrectionDataC>,
+    Pair<SDI::TPSCalibrationDataC, ODM::TPSCalibrationDataC>,
+    Pair<SDI::ImgCameraInfoC, SDI::ImgCameraInfoImplC>,
+    Pair<SDI::ImgChipWindowInfoC, SDI::ImgChipWindowInfoImplC>,
+    Pair<SDI::ImgExteriorOrientationC, SDI::ImgExteriorOrientationImplC>,
+    Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC>>;
+
+/// A public class and an implementation that makes one but that it does not read.
+using UnreadPairs =
+    testing::Types<Pair<SDI::GPSAntHeightC, ODM::GPSAntHeightC>, Pair<SDI::GPSDOPsC, ODM::GPSDOPsC>,
+                   Pair<SDI::GPSMeasDataC, ODM::GPSMeasDataC>>;
+
+/// Gives the data another value than its default.
+template <class Impl>
+void Mark(Impl& impl) {
+  if constexpr (requires { impl.SetWord16(std::uint16_t{7}); }) {
+    impl.SetWord16(7);
+  } else if constexpr (requires { impl.GetHDOPTenths(); }) {
+    impl = Impl(7, 8, 9);
+  } else if constexpr (requires { impl.SetHorizontalOffset(7.0F); }) {
+    impl.SetHorizontalOffset(7.0F);
+  } else {
+    Records::FieldsOf<Impl>().back().fill(impl, 17);
+  }
+}
+
+template <class Impl>
+std::string Shown(const Impl& impl) {
+  if constexpr (requires(std::uint16_t & word) { impl.GetWord16(word); }) {
+    std::uint16_t word = 0;
+    return impl.GetWord16(word) ? std::to_string(word) : "none";
+  } else if constexpr (requires { impl.GetHDOPTenths(); }) {
+    return std::to_string(impl.GetHDOPTenths());
+  } else if constexpr (requires { impl.GetHorizontalOffset(); }) {
+    return std::to_string(impl.GetHorizontalOffset());
+  } else {
+    return Records::FieldsOf<Impl>().back().show(impl);
+  }
+}
+
+/// Whether the data is as `Mark` leaves it, and not as it is by default.
+template <class Impl>
+bool IsMarked(const Impl& impl) {
+  Impl marked;
+  Mark(marked);
+  EXPECT_NE(Shown(marked), Shown(Impl()));
+  return Shown(impl) == Shown(marked);
+}
+
+}  // namespace Pairs
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_PAIRS_H_
