@@ -282,11 +282,11 @@ void ExpectFieldsAt(const char* name, const std::string& fields) {
 
 TEST(Layout, ImplementationsHoldTheirFieldsInOrder) {
   ExpectFieldsAt<ODM::CoordinatePointC>("CoordinatePoint", "ddd");
-  ExpectFieldsAt<ODM::QMatrixC>("QMatrix", "dddddd");
-  ExpectFieldsAt<ODM::CoordinateQualityC>("CoordinateQuality", "f[dddddd]b");
+  ExpectFieldsAt<ODM::QMatrixC>("QMatrix", "ffffff");
+  ExpectFieldsAt<ODM::CoordinateQualityC>("CoordinateQuality", "f[ffffff]b");
   ExpectFieldsAt<ODM::CoordinateReferenceSystemC>("CoordinateReferenceSystem", "iii");
   ExpectFieldsAt<ODM::UndulationMementoC>("UndulationMemento", "fib");
-  ExpectFieldsAt<ODM::PositionC>("Position", "[iii][ddd][f[dddddd]b][fib]iiiii");
+  ExpectFieldsAt<ODM::PositionC>("Position", "[iii][ddd][f[ffffff]b][fib]iiiii");
   ExpectFieldsAt<ODM::RectangleC>("Rectangle", "[iii][ddd][ddd]");
   ExpectFieldsAt<ODM::DisplayAttributesC>("DisplayAttributes", "ihhhhhhi");
   ExpectFieldsAt<ODM::InstrumentInfoDataC>("InstrumentInfoData", "FiSSSSfiiii");
