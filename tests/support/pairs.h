@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -39,17 +40,31 @@ using AllPairs = testing::Types<
     Pair<SDI::ImgCameraInfoC, SDI::ImgCameraInfoImplC>,
     Pair<SDI::ImgChipWindowInfoC, SDI::ImgChipWindowInfoImplC>,
     Pair<SDI::ImgExteriorOrientationC, SDI::ImgExteriorOrientationImplC>,
-    Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC>>;
+    Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC>,
+    Pair<SDI::ScanDefPointC, SDI::ScanDefPointImplC>,
+    Pair<SDI::ScanRectangularAreaC, SDI::ScanRectangularAreaImplC>,
+    Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
+    Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>, Pair<SDI::ScanC, SDI::ScanImplC>>;
 
 /// A public class and an implementation that makes one but that it does not read.
 using UnreadPairs =
     testing::Types<Pair<SDI::GPSAntHeightC, ODM::GPSAntHeightC>, Pair<SDI::GPSDOPsC, ODM::GPSDOPsC>,
                    Pair<SDI::GPSMeasDataC, ODM::GPSMeasDataC>>;
 
-/// Gives the data another value than its default.
+/// A dome has nothing that could be set.
+template <class Impl>
+inline constexpr bool kHasData = !std::is_base_of_v<SDI::ScanDomeAreaImplC, Impl>;
+
+/// Gives the data, if there is any, another value than its default.
 template <class Impl>
 void Mark(Impl& impl) {
-  if constexpr (requires { impl.SetWord16(std::uint16_t{7}); }) {
+  if constexpr (requires { impl.SetHz(7.0); }) {
+    impl.SetHz(7.0);
+  } else if constexpr (std::is_base_of_v<SDI::ScanImplC, Impl>) {
+    impl.SetText1(u"marked");
+  } else if constexpr (std::is_base_of_v<SDI::ScanAreaImplC, Impl>) {
+    impl.AddPoint(SDI::ScanDefPointC(1.0, 1.0, 1.0));
+  } else if constexpr (requires { impl.SetWord16(std::uint16_t{7}); }) {
     impl.SetWord16(7);
   } else if constexpr (requires { impl.GetHDOPTenths(); }) {
     impl = Impl(7, 8, 9);
@@ -62,7 +77,13 @@ void Mark(Impl& impl) {
 
 template <class Impl>
 std::string Shown(const Impl& impl) {
-  if constexpr (requires(std::uint16_t & word) { impl.GetWord16(word); }) {
+  if constexpr (requires { impl.GetHz(); }) {
+    return std::to_string(impl.GetHz());
+  } else if constexpr (std::is_base_of_v<SDI::ScanImplC, Impl>) {
+    return Records::Show(std::u16string(impl.GetText1()));
+  } else if constexpr (std::is_base_of_v<SDI::ScanAreaImplC, Impl>) {
+    return std::to_string(impl.GetPointCount());
+  } else if constexpr (requires(std::uint16_t & word) { impl.GetWord16(word); }) {
     std::uint16_t word = 0;
     return impl.GetWord16(word) ? std::to_string(word) : "none";
   } else if constexpr (requires { impl.GetHDOPTenths(); }) {
@@ -74,12 +95,12 @@ std::string Shown(const Impl& impl) {
   }
 }
 
-/// Whether the data is as `Mark` leaves it, and not as it is by default.
+/// Whether the data is as `Mark` leaves it.
 template <class Impl>
 bool IsMarked(const Impl& impl) {
   Impl marked;
   Mark(marked);
-  EXPECT_NE(Shown(marked), Shown(Impl()));
+  EXPECT_EQ(Shown(marked) != Shown(Impl()), kHasData<Impl>);
   return Shown(impl) == Shown(marked);
 }
 
