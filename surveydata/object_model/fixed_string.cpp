@@ -14,8 +14,9 @@
 namespace API {
 namespace {
 
-// The algorithms know no capacity of their own: the ten capacities share this code. A text is its
-// units, one more than the capacity, and its length.
+// The algorithms know no capacity of their own: the ten capacities share this code, and what
+// is long stays out of line, so that the library holds it once. A text is its units, one more than
+// the capacity, and its length.
 struct Text {
   std::span<char16_t> units;
   std::uint64_t& length;
@@ -44,7 +45,7 @@ WideUnits ToUnits(wchar_t wide) {
   }
 }
 
-void Append(Text text, const char16_t* units, std::size_t count) {
+[[gnu::noinline]] void Append(Text text, const char16_t* units, std::size_t count) {
   const std::size_t taken = std::min(count, text.Room());
   std::memmove(text.units.data() + text.length, units, taken * sizeof(char16_t));
   text.length += taken;
@@ -56,7 +57,7 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   if (count <= text.Room()) Append(text, units, count);
 }
 
-void Assign(Text text, const char* s) {
+[[gnu::noinline]] void Assign(Text text, const char* s) {
   if (s == nullptr) return;
   const auto length = static_cast<std::size_t>(boost::numeric_cast<std::int32_t>(std::strlen(s)));
   if (length > text.Capacity()) return;
@@ -65,7 +66,7 @@ void Assign(Text text, const char* s) {
   text.length = length;
 }
 
-void Assign(Text text, const char16_t* s) {
+[[gnu::noinline]] void Assign(Text text, const char16_t* s) {
   if (s == nullptr) return;
   const std::size_t most = text.Capacity() + 1;
   std::size_t length = 0;
@@ -73,7 +74,7 @@ void Assign(Text text, const char16_t* s) {
   if (length < most) Append(text, s, length);
 }
 
-void Assign(Text text, const wchar_t* s) {
+[[gnu::noinline]] void Assign(Text text, const wchar_t* s) {
   if (s == nullptr) return;
   std::size_t length = 0;
   for (const wchar_t* c = s; *c != 0; ++c) {
@@ -100,7 +101,7 @@ int FromUtf8(Text text, const char* src, std::size_t* inOutLength) {
   return decoded.result;
 }
 
-bool ToNarrow(std::span<const char16_t> text, char* dst, std::size_t dstSize) {
+[[gnu::noinline]] bool ToNarrow(std::span<const char16_t> text, char* dst, std::size_t dstSize) {
   if (dst == nullptr || dstSize < text.size()) return false;
   unsigned all = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {

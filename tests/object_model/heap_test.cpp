@@ -104,7 +104,7 @@ TEST(FixedStringHeap, NoOperationUsesIt) {
     char bytes[3 * N + 1];
     bool isTrue = false;
     EXPECT_EQ(Allocations([&] {
-                for (const std::size_t from : {300 - N - 1, 300 - N + 0, 295}) {
+                for (const int from : {300 - N - 1, 300 - N + 0, 295}) {
                   String a(narrow.c_str() + from);
                   const String b(wide.c_str() + from);
                   const String c(wider.c_str() + from);

@@ -188,11 +188,11 @@ std::string ModelText(const VersionC& version, std::uint32_t style) {
 }
 
 TEST(Version, FormatsEveryWidthAndKindInEveryStyle) {
-  for (const unsigned major : {0, 1, 9, 10, 63}) {
-    for (const unsigned minor : {0, 1, 9, 10, 99, 100, 127}) {
-      for (const unsigned build : {0, 1, 9, 10, 99, 100, 999, 1000, 4095}) {
+  for (const unsigned major : {0U, 1U, 9U, 10U, 63U}) {
+    for (const unsigned minor : {0U, 1U, 9U, 10U, 99U, 100U, 127U}) {
+      for (const unsigned build : {0U, 1U, 9U, 10U, 99U, 100U, 999U, 1000U, 4095U}) {
         for (unsigned kind = 0; kind < 8; ++kind) {
-          for (const unsigned variant : {0, 15}) {  // never written
+          for (const unsigned variant : {0U, 15U}) {  // never written
             const VersionC version = Made(major, minor, build, kind, variant);
             for (std::uint32_t style = 0; style < 6; ++style) {
               ASSERT_EQ(version.Format(style), ModelText(version, style));
