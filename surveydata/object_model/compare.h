@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 
 #include <surveydata/object_model/export.h>
 
@@ -25,6 +26,7 @@ SURVEYDATA_API int CompareWithTolerance(float a, float b, float eps) noexcept;
 /// type (`CompareWithTolerance`), parts by their own equality, all else by `==`.
 template <class Field>
 bool EqualField(const Field& a, const Field& b) {
+  static_assert(!std::is_array_v<Field>, "plain arrays would compare by their addresses");
   if constexpr (requires { a.isEqual(b); }) {
     return a.isEqual(b);
   } else {
