@@ -94,6 +94,9 @@ class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
   bool IsEqual(const GPSAntHeightC& other) const;
 };
 
+static_assert(sizeof(GPSAntHeightC) == 16 && sizeof(GPSAntHeightImplC) == 32);
+static_assert(sizeof(ODM::GPSAntHeightC) == sizeof(GPSAntHeightImplC));
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GNSS_GPS_ANT_HEIGHT_H_

@@ -100,6 +100,9 @@ class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
   bool IsEqual(const GPSDOPsC& other) const;
 };
 
+static_assert(sizeof(GPSDOPsC) == 16 && sizeof(GPSDOPsImplC) == 24);
+static_assert(sizeof(ODM::GPSDOPsC) == sizeof(GPSDOPsImplC));
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GNSS_GPS_DOPS_H_

@@ -15,7 +15,8 @@
 namespace SDI {
 class SURVEYDATA_API GPSMeasDataC;
 
-/// Two counters of satellites: those in view and those used, say.
+/// Two counters of one kind of satellites. What they count is up to the producer; receivers give
+/// those in view and those used.
 struct GPSCounterPair {
   std::uint8_t first = 0;
   std::uint8_t second = 0;
@@ -80,6 +81,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   using API::ImplC<Self, GPSMeasDataC>::ImplC;
   GPSMeasFieldsC() = default;
 
+  /// The two times, 0 by default; they are always there.
   Vorlin::TimeC GetTimeA() const;
   void SetTimeA(const Vorlin::TimeC& time);
   Vorlin::TimeC GetTimeB() const;
@@ -120,6 +122,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   const DOPs& GetDOPs() const;
   DOPs& GetDOPs();
   bool GetDOPs(GPSDOPsC& dops) const;
+  /// -1 for a value that is set but not available.
   bool GetHDOP(double& hdop) const;
   bool GetPDOP(double& pdop) const;
   void SetDOPs(const DOPs& dops);
@@ -144,6 +147,8 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
   void SetSystem3Pair(std::uint8_t first, std::uint8_t second);
 
+  /// The three components, in the unit and axes of the producer (metres, earth-centred, from frames
+  /// of record files).
   bool GetVector(double (&vector)[3]) const;
   void SetVector(const double (&vector)[3]);
 
@@ -214,6 +219,8 @@ class SURVEYDATA_API GPSMeasDataImplC
   /// False, with the outputs untouched, when there is no further time.
   bool GetExtraTime(std::uint16_t& week, std::int32_t& timeOfWeek) const;
   void SetExtraTime(std::uint16_t week, std::int32_t timeOfWeek);
+
+  // The numbered fields carry what the producer puts into them; all are 0 by default.
 
   std::uint8_t GetFlagA() const;
   void SetFlagA(std::uint8_t flag);
@@ -310,6 +317,7 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
     SetImpl(impl);
   }
 
+  /// The two times, 0 by default; they are always there.
   Vorlin::TimeC GetTimeA() const;
   Vorlin::TimeC GetTimeB() const;
 
@@ -352,6 +360,9 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   /// False when either side has no implementation.
   bool IsEqual(const GPSMeasDataC& other) const;
 };
+
+static_assert(sizeof(GPSMeasDataC) == 16 && sizeof(GPSMeasDataImplC) == 792);
+static_assert(sizeof(ODM::GPSMeasDataC) == 144);
 
 }  // namespace SDI
 

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_GNSS_GPS_RECORD_FILE_H_
 #define SURVEYDATA_GNSS_GPS_RECORD_FILE_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include <surveydata/gnss/gps_meas_data.h>
@@ -21,6 +22,8 @@ struct GPSRecordFileInfo {
   char path[240] = {};       ///< Given by the caller, without the extension.
   std::uint32_t flags = 0;   ///< Read (bits are only ever added) and written.
 };
+
+static_assert(sizeof(GPSRecordFileInfo) == 308 && offsetof(GPSRecordFileInfo, offset) == 60);
 
 /// Reads and patches the measurement frames of record files.
 ///

@@ -6,6 +6,9 @@
 
 namespace SDI {
 
+static_assert(GPSRecordEntry::kMeasurement == RecordFrame::kType);
+static_assert(GPSRecordEntry::kLongestMeasurement == RecordFrame::kMaxSize);
+
 // The part of the file that the walk looks at, with the sums of its bytes: the checksum of a record
 // of any length is then one difference, so that no arrangement of bytes makes the walk slow.
 struct GPSRecordIndexC::Window {
@@ -70,9 +73,9 @@ struct GPSRecordIndexC::Window {
 };
 
 GPSRecordIndexC::GPSRecordIndexC(const char* fileName) {
+  window_.reset(new Window);  // not zeroed; before the file, which nobody closes when it throws
   if (fileName != nullptr) file_ = std::fopen(fileName, "rb");
   if (file_ == nullptr) return;
-  window_.reset(new Window);  // not zeroed
   std::setvbuf(file_, nullptr, _IONBF, 0);
 #if defined(_WIN32)
   if (_fseeki64(file_, 0, SEEK_END) != 0) return;
@@ -90,11 +93,11 @@ GPSRecordIndexC::~GPSRecordIndexC() {
 }
 
 bool GPSRecordIndexC::IsOpen() const { return file_ != nullptr; }
-bool GPSRecordIndexC::HasFailed() const { return window_ != nullptr && window_->hasFailed; }
+bool GPSRecordIndexC::HasFailed() const { return window_->hasFailed; }
 std::uint64_t GPSRecordIndexC::GetFileSize() const { return fileSize_; }
 
 bool GPSRecordIndexC::Next(GPSRecordEntry& entry) {
-  if (window_ == nullptr) return false;
+  if (file_ == nullptr) return false;
   Window& window = *window_;
   window.record = {};
   const std::uint64_t start = window.offset;
@@ -116,8 +119,6 @@ bool GPSRecordIndexC::Next(GPSRecordEntry& entry) {
   return true;
 }
 
-std::span<const std::uint8_t> GPSRecordIndexC::GetBytes() const {
-  return window_ != nullptr ? window_->record : std::span<const std::uint8_t>();
-}
+std::span<const std::uint8_t> GPSRecordIndexC::GetBytes() const { return window_->record; }
 
 }  // namespace SDI

@@ -13,13 +13,19 @@ namespace SDI {
 
 /// A stretch of a record file: a record of any kind, or a gap that belongs to none.
 struct GPSRecordEntry {
+  static constexpr std::uint8_t kMeasurement = 113;  ///< The kind of a GNSS measurement.
+  static constexpr std::size_t kLongestMeasurement = 500;
+
   std::uint64_t offset = 0;
   std::uint64_t size = 0;
   bool isGap = false;
   std::uint8_t type = 0;  ///< The kind of the record; 0 for a gap.
 
-  /// Whether this is a record that `GPSRecordFileC` reads: type 113, at most 500 bytes.
-  bool IsMeasurement() const { return !isGap && type == 113 && size <= 500; }
+  /// Whether this is the frame of a GNSS measurement: of a length that it may have. Reading it may
+  /// still find blocks that do not fit.
+  bool IsMeasurement() const {
+    return !isGap && type == kMeasurement && size <= kLongestMeasurement;
+  }
 
   bool operator==(const GPSRecordEntry&) const = default;
 };

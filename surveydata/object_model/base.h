@@ -27,9 +27,12 @@ class SURVEYDATA_API BaseC {
   /// Copies the pointer alone and touches no link. Public classes copy data instead.
   BaseC& operator=(const BaseC& other) noexcept = default;
 
-  /// Links to `impl`; a public object that owned `impl` before is deleted. Null unlinks nothing:
-  /// the implementation that was linked before keeps this object as its owner and is not deleted.
-  /// Whoever replaces an implementation disposes of the old one.
+  /// Links to `impl` (may be null); a public object that owned `impl` before is deleted. Nothing
+  /// happens when `impl` is linked already.
+  ///
+  /// The implementation that was linked before is not deleted and keeps this object as its owner.
+  /// Whoever replaces an implementation calls `DetachBase` on the old one first, and deletes it
+  /// afterwards: detaching or deleting it later would cut or destroy this object.
   virtual void SetImpl(ImplObjectC* impl);
 
   /// The linked implementation, or null.

@@ -17,7 +17,7 @@ namespace API {
 /// and 1e-300 differ. An operand that is infinite has e = 0.
 ///
 /// \return 1 when a - b is greater than the tolerance, -1 when it is less than minus the
-///         tolerance, else 0. A NaN equals anything.
+///         tolerance, else 0. A NaN, be it an operand or `eps`, equals anything.
 SURVEYDATA_API int CompareWithTolerance(double a, double b, double eps) noexcept;
 /// The same comparison, made in double precision.
 SURVEYDATA_API int CompareWithTolerance(float a, float b, float eps) noexcept;

@@ -69,7 +69,7 @@ class SURVEYDATA_VISIBLE FixedStringC {
   bool ToNarrow(char* dst, std::size_t dstSize) const;
 
   /// The number at the front of the text as `atoi`, `atof` and `atol` read it; 0 when a unit is
-  /// above 255.
+  /// above 255. A number that does not fit is whatever the C runtime makes of it.
   std::int32_t ToInt() const;
   double ToDouble() const;
   std::int32_t ToLong() const;
@@ -84,9 +84,12 @@ class SURVEYDATA_VISIBLE FixedStringC {
   /// Replaces the text by the decoding of `src`: sequences of one to three bytes up to the first
   /// 0 byte. Overlong forms are accepted, lead bytes from 0xF0 on read as those of three bytes.
   ///
-  /// \param inOutLength  in: the most bytes to take (the byte just behind them is looked at too);
-  ///                     all bits set, or no pointer, stand for 3 `N`. Out: the bytes taken, those
-  ///                     before the faulty sequence on a fault.
+  /// `src` must be readable up to its 0 byte or up to the byte at the limit, whichever comes first.
+  ///
+  /// \param inOutLength  in: the limit, the most bytes to take; all bits set, or no pointer, stand
+  ///                     for 3 `N`. A character of one byte that stands just at the limit is still
+  ///                     taken, so end `src` with a 0 there. Out: the bytes taken, those before the
+  ///                     faulty sequence on a fault.
   /// \return 0; -1 when there were more than `N` characters (the first `N` are kept); -2 when the
   ///         limit cuts a sequence; -3 on an invalid sequence (what stood before a fault is kept).
   ///         A null `src` gives 0 and leaves the text as it is.

@@ -92,7 +92,7 @@ class SURVEYDATA_VISIBLE ImplC : public Base {
 
   /// The public object of this implementation, made on the first call and owned by it.
   BaseC* GetBase() override {
-    // Asks the owner's own class: `Base` may be a pair itself, and would make its public object.
+    // Qualified: `Base` may be a pair itself, whose `GetBase` would make its own public object.
     if (ImplObjectC::GetBase() == nullptr) new Public(static_cast<Self*>(this));  // links itself
     return ImplObjectC::GetBase();
   }

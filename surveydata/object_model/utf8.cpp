@@ -205,7 +205,8 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
 }  // namespace
 
 std::size_t Encode(const char16_t* units, std::size_t count, char* dst, std::size_t space) {
-  if (dst == nullptr) space = 0;
+  // More than this is never written; callers may say that space is unlimited.
+  space = dst != nullptr ? std::min(space, kLongest * count + 1) : 0;
   const char16_t* in = units;
   const char16_t* const end = units + count;
   char* out = dst;

@@ -33,7 +33,7 @@ inline constexpr int kInvalid = -3;  ///< A stray continuation byte, or a missin
 
 /// What the two readers of UTF-8 do differently, on purpose.
 struct DecodeRules {
-  bool readsByteAtLimit;    ///< A text that fills its limit still has its terminator looked at.
+  bool readsByteAtLimit;    ///< A character of one byte just at the limit is still taken.
   bool acceptsLeadsFromF0;  ///< Lead bytes F0 to FF start sequences of three bytes like E0 to EF.
 };
 

@@ -14,6 +14,7 @@
 #include <tests/gnss/record_model.h>
 #include <tests/gnss/stored_fields.h>
 #include <tests/support/frame_builder.h>
+#include <tests/support/same_info.h>
 #include <tests/support/temp_file.h>
 #include <unistd.h>
 
@@ -29,6 +30,7 @@ using SDI::GPSRecordFileC;
 using SDI::GPSRecordFileInfo;
 using TestSupport::Append;
 using TestSupport::ByteVector;
+using TestSupport::ExpectSameInfo;
 using TestSupport::FilledMeasurement;
 using TestSupport::FrameBuilderC;
 using TestSupport::StoredFields;
@@ -36,15 +38,6 @@ using TestSupport::StoredIn;
 using TestSupport::TempFileC;
 using TestSupport::TempFolderC;
 using TestSupport::WellFormedFrame;
-
-void ExpectSameInfo(const GPSRecordFileInfo& actual, const GPSRecordFileInfo& expected) {
-  EXPECT_EQ(actual.number, expected.number);
-  EXPECT_EQ(std::string(actual.name, 49), std::string(expected.name, 49));
-  EXPECT_EQ(std::string(actual.extension, 7), std::string(expected.extension, 7));
-  EXPECT_EQ(actual.offset, expected.offset);
-  EXPECT_EQ(std::string(actual.path, 240), std::string(expected.path, 240));
-  EXPECT_EQ(actual.flags, expected.flags);
-}
 
 // Reads over a filled measurement, as the model does; the result is the model's.
 std::uint32_t CheckRead(const ByteVector& bytes, GPSRecordFileInfo info) {
@@ -197,19 +190,25 @@ TEST(RecordFileRead, WithoutArgumentsThereIsNoFile) {
   ExpectSameInfo(info, file.Info());
 }
 
-TEST(RecordFileRead, AReadLeavesTheFileUnlocked) {
-  // The handle is closed on every way out: many more calls than a process may have open files.
+// The files that this process has open.
+std::ptrdiff_t OpenFiles() {
+  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+}
+
+TEST(RecordFileRead, EveryWayOutClosesTheFile) {
   const TempFileC good(SmallFrame());
   const TempFileC bad(ByteVector(20, 1));
   const TempFileC empty;
   GPSMeasDataImplC measurement;
-  for (int i = 0; i < 3000; ++i) {
+  const std::ptrdiff_t before = OpenFiles();
+  for (int i = 0; i < 2; ++i) {
     for (const TempFileC* const file : {&good, &bad, &empty}) {
       GPSRecordFileInfo info = file->Info();
       ASSERT_NE(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 1U);
       ASSERT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), file == &good  ? 0U
                                                                        : file == &bad ? 2U
                                                                                       : 1U);
+      EXPECT_EQ(OpenFiles(), before);
     }
   }
 }

@@ -221,7 +221,7 @@ TEST(RecordIndex, LengthsBelow5AreNoRecords) {
   }
 }
 
-TEST(RecordEntry, IsAMeasurementWhenTheReaderReadsIt) {
+TEST(RecordEntry, IsAMeasurementByItsTypeAndSize) {
   EXPECT_TRUE((GPSRecordEntry{0, 7, false, 113}).IsMeasurement());
   EXPECT_TRUE((GPSRecordEntry{0, 500, false, 113}).IsMeasurement());
   EXPECT_FALSE((GPSRecordEntry{0, 501, false, 113}).IsMeasurement());

@@ -11,6 +11,7 @@
 #include <tests/gnss/record_model.h>
 #include <tests/gnss/stored_fields.h>
 #include <tests/support/frame_builder.h>
+#include <tests/support/same_info.h>
 
 #include <surveydata/gnss/record_frame.h>
 
@@ -20,6 +21,7 @@ using namespace SDI::RecordFrame;
 using SDI::GPSMeasDataImplC;
 using SDI::GPSRecordFileInfo;
 using TestSupport::ByteVector;
+using TestSupport::ExpectSameInfo;
 using TestSupport::FilledMeasurement;
 using TestSupport::FrameBuilderC;
 using TestSupport::StoredFields;
@@ -37,15 +39,6 @@ GPSRecordFileInfo FilledInfo() {
   std::memset(info.path, 'p', sizeof(info.path));
   info.flags = 0x8000'0000;
   return info;
-}
-
-void ExpectSameInfo(const GPSRecordFileInfo& actual, const GPSRecordFileInfo& expected) {
-  EXPECT_EQ(actual.number, expected.number);
-  EXPECT_EQ(std::string(actual.name, 49), std::string(expected.name, 49));
-  EXPECT_EQ(std::string(actual.extension, 7), std::string(expected.extension, 7));
-  EXPECT_EQ(actual.offset, expected.offset);
-  EXPECT_EQ(std::string(actual.path, 240), std::string(expected.path, 240));
-  EXPECT_EQ(actual.flags, expected.flags);
 }
 
 // Decodes frames over a measurement and an info that hold something already, as the model does.

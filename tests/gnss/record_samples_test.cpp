@@ -173,6 +173,7 @@ TEST_P(RecordSamples, EveryFrameGivesExactlyItsExpectation) {
     SCOPED_TRACE(expected["offset"]);
     ASSERT_EQ(expected["offset"], index["frames"][i]["offset"]);
     ASSERT_EQ(expected["size"], index["frames"][i]["size"]);
+    expected.erase("size");  // the index is held against the walk
     json& antenna = expected["measurement"]["antennaHeight"];
     ToSinglePrecision(antenna["height"]);
     ToSinglePrecision(antenna["horizontalOffset"]);
@@ -182,7 +183,6 @@ TEST_P(RecordSamples, EveryFrameGivesExactlyItsExpectation) {
     GPSRecordFileInfo info = file.Info(expected["offset"]);
     const std::uint32_t result = GPSRecordFileC::ReadGPSMeasData(meas.GetImpl(), &info);
     const json actual = {{"offset", info.offset},
-                         {"size", expected["size"]},
                          {"result", result},
                          {"info",
                           {{"number", info.number},

@@ -188,7 +188,7 @@ TEST(FixedString, CountsASurrogatePairAsTwoUnits) {
 }
 
 #if defined(__linux__)
-// One page of text, shown as often as it takes, with a terminator behind.
+// One block of text, shown as often as it takes, with a terminator behind.
 class HugeText {
  public:
   explicit HugeText(std::size_t length) : size_(length + kPage) {

@@ -358,6 +358,14 @@ TEST(FixedStringToUtf8, RandomTextsEncodeLikeTheModelAtEveryDestinationSize) {
   }
 }
 
+TEST(FixedStringToUtf8, SpaceMayBeCalledUnlimited) {
+  char bytes[3 * 255 + 1];
+  const FixedStringC<255> text(std::u16string(255, u'\u20AC').c_str());
+  EXPECT_EQ(text.ToUtf8(bytes, SIZE_MAX), 765);
+  EXPECT_EQ(std::string(bytes, 765).substr(762), "\xE2\x82\xAC");
+  EXPECT_EQ(bytes[765], '\0');
+}
+
 TEST(FixedStringToUtf8, FullTextsOfEachKindEncodeLikeTheModelAtEveryDestinationSize) {
   Model::ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();

@@ -16,15 +16,19 @@
 #include "tests/support/pairs.h"
 #include "tests/support/temp_file.h"
 
-// How many blocks of the heap an operation takes. The operators of this program count; they get
-// their memory from `malloc`, so that sanitizers see every block.
+// How many blocks of the heap an operation takes, and what it leaves behind when there are none
+// left. The operators of this program count; they get their memory from `malloc`, so that
+// sanitizers see every block. They are not inlined, so that the compiler sees them as a pair.
 
 namespace {
 
 std::size_t g_allocations = 0;
 std::size_t g_releases = 0;
+std::size_t g_left = SIZE_MAX;  // allocations that still succeed
 
 void* Allocate(std::size_t size) {
+  if (g_left == 0) throw std::bad_alloc();
+  --g_left;
   ++g_allocations;
   if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
   throw std::bad_alloc();
@@ -38,12 +42,12 @@ void Release(void* block) {
 
 }  // namespace
 
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { Release(block); }
-void operator delete[](void* block) noexcept { Release(block); }
-void operator delete(void* block, std::size_t) noexcept { Release(block); }
-void operator delete[](void* block, std::size_t) noexcept { Release(block); }
+[[gnu::noinline]] void* operator new(std::size_t size) { return Allocate(size); }
+[[gnu::noinline]] void* operator new[](std::size_t size) { return Allocate(size); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete[](void* block) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { Release(block); }
 
 namespace {
 
@@ -91,6 +95,48 @@ TYPED_TEST(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
   EXPECT_EQ(Allocations([&] { Impl another(impl); }), 0U);
   EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 1U);  // the public object
   EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 0U);
+}
+
+// Runs `work` with one more allocation each time until it succeeds, and expects that each failure
+// gives back what it took. Returns the number of failures.
+template <class Work>
+std::size_t FailuresBeforeSuccess(Work work) {
+  for (std::size_t failures = 0;; ++failures) {
+    const std::size_t taken = g_allocations;
+    const std::size_t released = g_releases;
+    bool isDone = false;
+    g_left = failures;
+    try {
+      work();
+      isDone = true;
+    } catch (const std::bad_alloc&) {
+    }
+    g_left = SIZE_MAX;
+    if (isDone) return failures;
+    EXPECT_EQ(g_allocations - taken, g_releases - released) << "after " << failures;
+  }
+}
+
+TYPED_TEST(PairHeap, WithoutMemoryNothingIsLeftBehind) {
+  using Public = typename TypeParam::PublicT;
+  using Impl = typename TypeParam::ImplT;
+  Public* object = nullptr;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { object = new Public; }), 2U);
+  if constexpr (std::is_copy_constructible_v<Public>) {
+    Pairs::Mark(*object->GetImpl());
+    const std::string before = Pairs::Shown(*object->GetImpl());
+    Public* copy = nullptr;
+    EXPECT_GE(FailuresBeforeSuccess([&] { copy = new Public(*object); }), 2U);
+    EXPECT_EQ(Pairs::Shown(*object->GetImpl()), before);
+    EXPECT_EQ(Pairs::Shown(*copy->GetImpl()), before);
+    delete copy;
+  }
+  delete object;
+
+  Impl impl;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { impl.GetBase(); }), 1U);
+  ASSERT_NE(impl.GetBase(), nullptr);
+  EXPECT_EQ(impl.GetBase()->GetImpl(), &impl);
 }
 
 TEST(FixedStringHeap, NoOperationUsesIt) {

@@ -340,8 +340,8 @@ TYPED_TEST(PairLayout, APublicObjectIsALinkWithTwoVirtualOperations) {
   EXPECT_EQ(SlotOf(&object, 2), SlotOf(&base, 2));  // `SetImpl`, unchanged
 }
 
-TYPED_TEST(PairLayout, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
-  using Impl = typename TypeParam::ImplT;
+template <class Impl>
+void ExpectSlotsOfAnImplementation() {
   Impl impl;
   const API::ImplObjectC base;
   EXPECT_NE(SlotOf(&impl, 0), SlotOf(&base, 0));
@@ -353,6 +353,18 @@ TYPED_TEST(PairLayout, AnImplementationMakesItsPublicObjectInItsSecondVirtualOpe
   const API::BaseC* owner = nullptr;
   std::memcpy(&owner, reinterpret_cast<const std::byte*>(&impl) + sizeof(void*), sizeof(void*));
   EXPECT_EQ(owner, made);
+}
+
+TYPED_TEST(PairLayout, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
+  ExpectSlotsOfAnImplementation<typename TypeParam::ImplT>();
+}
+
+template <class P>
+class UnreadPairLayout : public testing::Test {};
+TYPED_TEST_SUITE(UnreadPairLayout, Pairs::UnreadPairs);
+
+TYPED_TEST(UnreadPairLayout, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
+  ExpectSlotsOfAnImplementation<typename TypeParam::ImplT>();
 }
 
 TEST(Layout, TheFirstVirtualOperationOfTheBasesIsTheDestructor) {

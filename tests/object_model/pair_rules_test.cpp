@@ -126,6 +126,18 @@ TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
   EXPECT_EQ(impls, 1);
 }
 
+TYPED_TEST(PairRules, AnImplementationDetachedFirstIsReplacedSafely) {
+  typename TypeParam::PublicT object;
+  auto* const old = object.GetImpl();
+  auto* const impl = new typename TypeParam::ImplT;
+  old->DetachBase();
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  object.SetImpl(impl);
+  delete old;
+  EXPECT_EQ(object.GetImpl(), impl);
+  EXPECT_EQ(impl->GetBase(), &object);
+}
+
 TYPED_TEST(PairRules, SetImplTakesTheImplementationFromItsEarlierOwner) {
   int objects = 0;
   auto* const other = new Counted<typename TestFixture::Public>(objects);
