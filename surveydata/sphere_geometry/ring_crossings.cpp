@@ -27,6 +27,10 @@ struct Box {
 }  // namespace
 
 bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
+  // Equal points may lie a turn apart in the frame, and would pass for two.
+  constexpr double kLessThanTurn = TWO_PI - 1e-8;
+  const auto reachesTurn = [](const AnglePointC& p) { return p.Hz > kLessThanTurn; };
+  if (std::any_of(edges.begin(), edges.end(), reachesTurn)) return false;
   if (edges.front() != edges.back()) return false;  // winds around the axis
   AnglePointC centre{0.0, 0.0};
   for (std::size_t i = 0; i < edges.size(); i += 2) {

@@ -435,6 +435,18 @@ TEST(SphereArea, SixtyFiveThousandPoints) {
   EXPECT_FALSE(area.Contains(3.4, 1.9));
 }
 
+// The ring goes back and forth over half a turn, so its first and its sixth point, which are equal,
+// lie a turn apart in its frame; there it is star-shaped.
+TEST(SphereArea, EqualPointsATurnApartMakeItInvalid) {
+  const std::vector<AnglePointC> ring = {
+      {1.9594731342742513, 1.2433330394799877}, {5.1185056256668293, 1.2416082524469993},
+      {5.1158643582040249, 1.2358570555021529}, {5.1033076819616117, 1.23465522979527},
+      {5.0997810979455771, 1.2375898786181536}, {1.9594731342742513, 1.2433330394799877},
+      {5.1010657878640444, 1.2463575187866265}, {5.1030641288205159, 1.248494038725154},
+      {5.109397375635095, 1.2566142484889495},  {5.1137475243670298, 1.2465020973497287}};
+  EXPECT_FALSE(Area(ring).IsValid());
+}
+
 TEST(SphereArea, HugeAndSenselessPointsAreHarmless) {
   const double values[] = {
       kNaN, kInfinity, -kInfinity, 1e300, -1e300, 1e17, std::numeric_limits<double>::max(),
