@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program and shows what it does with a record file of a GNSS receiver. Everything that it
-# writes goes to build/demo and demo/.
+# Builds the program and shows what it does with a record file of a GNSS receiver and with a scan area.
+# Everything that it writes goes to build/demo and demo/.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -19,8 +19,8 @@ fi
 
 export PATH="$PWD/build/demo/tools:$PATH"
 mkdir -p demo
-cp tests/data/valley_drive.rec tests/data/desert_highway.rec demo/
-chmod u+w demo/*.rec
+cp tests/data/valley_drive.rec tests/data/desert_highway.rec tests/data/areas/facade.json demo/
+chmod u+w demo/*.rec demo/*.json
 cd demo
 
 # show WHAT COMMAND [STATUS...]: what it is about, the command, what it prints. The command ends with
@@ -51,5 +51,13 @@ show "All fields for other programs, as JSON Lines or CSV." \
      "surveydata record export valley_drive.rec | wc -lc"
 show "Dilution of precision and satellites over time, as pictures." \
      "surveydata record plot valley_drive.rec -o valley_drive.svg && surveydata record plot desert_highway.rec -o desert_highway.svg"
+show "The area of a facade scan: whether it is valid, its bounds, how much of the sphere it is." \
+     "surveydata area info facade.json"
+show "Which directions lie inside." \
+     "surveydata area contains facade.json 57,92 90,85" 1
+show "The same as a picture." \
+     "surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 90,85"
 
-printf '\nThe pictures: %s\n              %s\n' "$PWD/valley_drive.svg" "$PWD/desert_highway.svg"
+printf '\nThe pictures:'
+printf ' %s\n             ' "$PWD/valley_drive.svg" "$PWD/desert_highway.svg" "$PWD/facade.svg"
+printf '\n'

@@ -120,17 +120,17 @@ void DrawPanel(SvgC& svg, const ChartPanel& panel, Frame frame,
 
 }  // namespace
 
+double RoundStep(double least) {
+  const double power = std::pow(10.0, std::floor(std::log10(least)));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    if (factor * power >= least * (1 - 1e-9)) return factor * power;
+  }
+  return 10 * power;
+}
+
 std::vector<double> ValueTicks(double top, int wanted, bool isWhole) {
   if (!(top > 0)) top = 1;
-  const double rough = top / (wanted - 1);
-  const double power = std::pow(10.0, std::floor(std::log10(rough)));
-  double step = 10 * power;
-  for (const double factor : {1.0, 2.0, 5.0}) {
-    if (factor * power >= rough * (1 - 1e-9)) {
-      step = factor * power;
-      break;
-    }
-  }
+  double step = RoundStep(top / (wanted - 1));
   if (isWhole) step = std::max(step, 1.0);
   const auto count = static_cast<int>(std::ceil(top / step * (1 - 1e-9)));
   std::vector<double> ticks;

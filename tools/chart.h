@@ -38,6 +38,9 @@ struct Chart {
   std::vector<ChartPanel> panels;
 };
 
+/// The first number that is at least `least`, above 0, and 1, 2 or 5 times a power of ten.
+double RoundStep(double least);
+
 /// Round numbers, 1, 2 or 5 times a power of ten apart: from 0 to the first that is at least `top`,
 /// about `wanted` of them.
 std::vector<double> ValueTicks(double top, int wanted, bool isWhole);

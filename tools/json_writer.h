@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -105,6 +106,7 @@ class JsonWriterC {
     WriteAll(values);
   }
   void Write(std::span<const std::uint16_t> values) { WriteAll(values); }
+  void Write(const std::vector<std::size_t>& values) { WriteAll(values); }
   template <class Value>
   void Write(const std::optional<Value>& value) {
     if (value.has_value()) {

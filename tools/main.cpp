@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include "area_commands.h"
 #include "exit_code.h"
 #include "record_commands.h"
 
@@ -12,15 +13,16 @@ namespace {
 using Tool::ExitCode;
 
 ExitCode Run(int argc, char** argv) {
-  CLI::App app("Works with the record files of a surveying instrument.", "surveydata");
+  CLI::App app("Works with the record files and the scan areas of a surveying instrument.", "surveydata");
   app.set_version_flag("--version", "surveydata " SURVEYDATA_VERSION);
   app.require_subcommand(1);
   app.footer(
-      "Exit codes: 0 done, 1 a finding (a bad frame, a gap), 2 wrong usage, 3 a file cannot be\n"
-      "read or written.\n\n"
+      "Exit codes: 0 done, 1 a finding (a bad frame, a gap, an area that is not valid, a direction\n"
+      "outside), 2 wrong usage, 3 a file cannot be read or written.\n\n"
       "Example:\n  surveydata record --help");
   ExitCode result = ExitCode::kDone;
   Tool::AddRecordCommands(app, result);
+  Tool::AddAreaCommands(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

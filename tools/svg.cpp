@@ -78,13 +78,24 @@ void SvgC::Line(SvgPoint from, SvgPoint to, const SvgStroke& stroke) {
                  from.y, to.x, to.y, Attributes(stroke));
 }
 
-void SvgC::Polyline(std::span<const SvgPoint> points, const SvgStroke& stroke) {
-  document_ += "<polyline points=\"";
+void SvgC::Points(std::span<const SvgPoint> points) {
   for (const SvgPoint& point : points) {
     fmt::format_to(std::back_inserter(document_), "{:.2f},{:.2f} ", point.x, point.y);
   }
   if (!points.empty()) document_.pop_back();
+}
+
+void SvgC::Polyline(std::span<const SvgPoint> points, const SvgStroke& stroke) {
+  document_ += "<polyline points=\"";
+  Points(points);
   document_ += fmt::format("\" fill=\"none\" {}/>\n", Attributes(stroke));
+}
+
+void SvgC::Polygon(std::span<const SvgPoint> points, std::string_view fill,
+                   const SvgStroke& stroke) {
+  document_ += "<polygon points=\"";
+  Points(points);
+  document_ += fmt::format("\" fill=\"{}\" {}/>\n", fill, Attributes(stroke));
 }
 
 void SvgC::Rectangle(SvgPoint corner, double width, double height, std::string_view fill) {
@@ -94,11 +105,34 @@ void SvgC::Rectangle(SvgPoint corner, double width, double height, std::string_v
                  corner.x, corner.y, width, height, fill);
 }
 
+void SvgC::Rectangle(SvgPoint corner, double width, double height, const SvgStroke& stroke) {
+  fmt::format_to(std::back_inserter(document_),
+                 "<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" "
+                 "fill=\"none\" {}/>\n",
+                 corner.x, corner.y, width, height, Attributes(stroke));
+}
+
 void SvgC::Dot(SvgPoint centre, double radius, std::string_view fill) {
   fmt::format_to(std::back_inserter(document_),
                  "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{}\" fill=\"{}\"/>\n", centre.x, centre.y,
                  radius, fill);
 }
+
+void SvgC::Circle(SvgPoint centre, double radius, const SvgStroke& stroke) {
+  fmt::format_to(std::back_inserter(document_),
+                 "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{:.2f}\" fill=\"none\" {}/>\n", centre.x,
+                 centre.y, radius, Attributes(stroke));
+}
+
+void SvgC::BeginClip(SvgPoint corner, double width, double height) {
+  ++clips_;
+  fmt::format_to(std::back_inserter(document_),
+                 "<clipPath id=\"clip{0}\"><rect x=\"{1:.2f}\" y=\"{2:.2f}\" width=\"{3:.2f}\" "
+                 "height=\"{4:.2f}\"/></clipPath>\n<g clip-path=\"url(#clip{0})\">\n",
+                 clips_, corner.x, corner.y, width, height);
+}
+
+void SvgC::EndClip() { document_ += "</g>\n"; }
 
 void SvgC::Text(SvgPoint at, std::string_view text, const SvgFont& font) {
   std::string turned;

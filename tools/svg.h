@@ -36,15 +36,25 @@ class SvgC {
 
   void Line(SvgPoint from, SvgPoint to, const SvgStroke& stroke);
   void Polyline(std::span<const SvgPoint> points, const SvgStroke& stroke);
+  void Polygon(std::span<const SvgPoint> points, std::string_view fill, const SvgStroke& stroke);
   void Rectangle(SvgPoint corner, double width, double height, std::string_view fill);
+  void Rectangle(SvgPoint corner, double width, double height, const SvgStroke& stroke);
   void Dot(SvgPoint centre, double radius, std::string_view fill);
+  void Circle(SvgPoint centre, double radius, const SvgStroke& stroke);
   void Text(SvgPoint at, std::string_view text, const SvgFont& font = {});
+
+  /// What is drawn until `EndClip` shows only within the rectangle. Clips do not nest.
+  void BeginClip(SvgPoint corner, double width, double height);
+  void EndClip();
 
   /// The whole document. Nothing can be drawn afterwards.
   std::string Finish() &&;
 
  private:
+  void Points(std::span<const SvgPoint> points);
+
   std::string document_;
+  int clips_ = 0;
 };
 
 /// `text` as XML character data: markup escaped, what XML cannot hold replaced by U+FFFD.

@@ -17,6 +17,11 @@ const std::vector<std::vector<std::string>> kCommands = {
     {"record", "export"},
     {"record", "set"},
     {"record", "plot"},
+    {"area"},
+    {"area", "info"},
+    {"area", "outline"},
+    {"area", "contains"},
+    {"area", "plot"},
 };
 
 std::string Joined(const std::vector<std::string>& words) {
@@ -44,6 +49,7 @@ TEST(Program, TellsItsVersion) {
 
 TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
   const std::string file = DataPath("valley_drive.rec");
+  const std::string area = DataPath("areas/facade.json");
   const std::vector<std::vector<std::string>> wrong = {
       {},
       {"record"},
@@ -62,6 +68,20 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "show", file, "--offset", "18446744073709551616"},
       {"record", "set", file, "--name", "A"},
       {"record", "plot", file},
+      {"area"},
+      {"area", "nonsense"},
+      {"area", "info"},
+      {"area", "info", area, "another"},
+      {"area", "outline", area, "--json", "--csv"},
+      {"area", "outline", area, "--default-distance", "far"},
+      {"area", "contains", area, "1"},
+      {"area", "contains", area, "1,2", "1;x"},
+      {"area", "contains", area, "1,2", "--csv", "-"},
+      {"area", "plot", area},
+      {"area", "plot", area, "-o", "/dev/null", "--probe", "x"},
+      {"area", "plot", area, "-o", "/dev/null", "--window", "0,0,10"},
+      {"area", "plot", area, "-o", "/dev/null", "--window", "10,0,0,10"},
+      {"area", "plot", area, "-o", area},
   };
   for (const auto& arguments : wrong) {
     SCOPED_TRACE(Joined(arguments));
@@ -91,16 +111,42 @@ TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
+TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
+  const TempFolderC folder;
+  for (const std::string& file : {folder / "missing.json", folder.Path().string()}) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"info", file},
+          {"outline", file},
+          {"contains", file, "1,2"},
+          {"plot", file, "-o", folder / "out.svg"},
+          {"contains", DataPath("areas/dome.json"), "--csv", file},
+          {"plot", DataPath("areas/dome.json"), "-o", folder / "out.svg", "--csv", file}}) {
+      std::vector<std::string> all = {"area"};
+      all.insert(all.end(), arguments.begin(), arguments.end());
+      SCOPED_TRACE(Joined(all));
+      const Outcome outcome = RunProgram(all);
+      EXPECT_EQ(outcome.exitCode, 3);
+      EXPECT_NE(outcome.err.find("surveydata: cannot read "), std::string::npos) << outcome.err;
+    }
+  }
+  EXPECT_TRUE(folder.Names().empty());
+}
+
 TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
   const TempFolderC folder;
   const std::string file = DataPath("valley_drive.rec");
+  const std::string area = DataPath("areas/facade.json");
   for (const std::string& command :
        {"surveydata record list '" + file + "' >/dev/full",
         "surveydata record show '" + file + "' --offset 960 >/dev/full",
         "surveydata record export '" + file + "' >/dev/full",
         "surveydata record export '" + file + "' -o /dev/full",
-        "surveydata record plot '" + file + "' -o /dev/full"}) {
+        "surveydata record plot '" + file + "' -o /dev/full",
+        "surveydata area info '" + area + "' >/dev/full",
+        "surveydata area outline '" + area + "' >/dev/full",
+        "surveydata area contains '" + area + "' 57,92 >/dev/full",
+        "surveydata area plot '" + area + "' -o /dev/full"}) {
     SCOPED_TRACE(command);
     const Outcome outcome = RunShell(command, folder.Path().string());
     EXPECT_EQ(outcome.exitCode, 3);
@@ -123,11 +169,13 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
       EXPECT_TRUE(example.starts_with(Joined(command)));
       const TempFolderC folder;
       std::filesystem::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
+      std::filesystem::copy(DataPath("areas"), folder.Path());
+      const std::size_t before = folder.Names().size();
       const Outcome outcome = RunShell(example, folder.Path().string());
       // The sample has gaps, which a list reports.
       EXPECT_EQ(outcome.exitCode, example.find(" list valley") != std::string::npos ? 1 : 0);
       EXPECT_EQ(outcome.err, "");
-      EXPECT_TRUE(outcome.out != "" || folder.Names().size() > 1);
+      EXPECT_TRUE(outcome.out != "" || folder.Names().size() > before);
     }
   }
 }

@@ -1,0 +1,107 @@
+#include "direction_reader.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include <fmt/format.h>
+
+#include "exit_code.h"
+
+namespace Tool {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+int KeepOpen(std::FILE* /*file*/) { return 0; }
+
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// Takes a number from the front.
+std::optional<double> TakeNumber(std::string_view& text) {
+  double number = 0;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || !std::isfinite(number)) return {};
+  text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
+  return number;
+}
+
+// Takes blanks with at most one comma or semicolon among them from the front; false when there is
+// neither.
+bool TakeSeparator(std::string_view& text) {
+  const std::size_t before = text.size();
+  text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+  if (!text.empty() && (text.front() == ',' || text.front() == ';')) {
+    text.remove_prefix(1);
+    text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+  }
+  return text.size() != before;
+}
+
+}  // namespace
+
+std::optional<Direction> ParseDirection(std::string_view text) {
+  text = Trimmed(text);
+  const auto hz = TakeNumber(text);
+  if (!hz || !TakeSeparator(text)) return {};
+  const auto v = TakeNumber(text);
+  if (!v || !(text.empty() || TakeSeparator(text))) return {};
+  return Direction{*hz, *v};
+}
+
+Direction RequireDirection(const std::string& text) {
+  const auto direction = ParseDirection(text);
+  if (!direction) {
+    throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is no direction HZ,V", text));
+  }
+  return *direction;
+}
+
+DirectionReaderC::DirectionReaderC(const std::string& path)
+    : name_(path == "-" ? "standard input" : path),
+      file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb"),
+            path == "-" ? &KeepOpen : &std::fclose) {
+  if (file_ == nullptr) {
+    throw ToolErrorC(ExitCode::kFileError,
+                     fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+  }
+}
+
+bool DirectionReaderC::Next(Direction& direction) {
+  while (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), file_.get()) != nullptr) {
+    ++line_;
+    const std::string_view read = buffer_.data();
+    const auto refuse = [&](const std::string& what) {
+      return ToolErrorC(ExitCode::kFileError, fmt::format("{}: line {} {}", name_, line_, what));
+    };
+    if (read.size() + 1 == buffer_.size() && read.back() != '\n') throw refuse("is too long");
+    const std::string_view text = Trimmed(read);
+    if (text.empty() || text.front() == '#') continue;
+    const auto parsed = ParseDirection(text);
+    const bool isHeading =
+        isHeadingAllowed_ && (std::isalpha(static_cast<unsigned char>(text.front())) != 0 ||
+                              text.front() == '"' || text.starts_with("\xEF\xBB\xBF"));
+    isHeadingAllowed_ = false;
+    if (parsed) {
+      direction = *parsed;
+      return true;
+    }
+    if (!isHeading) {
+      throw refuse(fmt::format("is no direction: {}", text.substr(0, 60)));
+    }
+  }
+  if (std::ferror(file_.get()) != 0) {
+    throw ToolErrorC(ExitCode::kFileError,
+                     fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+  }
+  return false;
+}
+
+}  // namespace Tool
