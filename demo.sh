@@ -58,6 +58,5 @@ show "Which directions lie inside." \
 show "The same as a picture." \
      "surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 90,85"
 
-printf '\nThe pictures:'
-printf ' %s\n             ' "$PWD/valley_drive.svg" "$PWD/desert_highway.svg" "$PWD/facade.svg"
-printf '\n'
+printf '\nThe pictures: %s\n              %s\n              %s\n' \
+  "$PWD/valley_drive.svg" "$PWD/desert_highway.svg" "$PWD/facade.svg"
