@@ -6,7 +6,12 @@
 set(exports_scope
   "^(vtable for |typeinfo for |typeinfo name for |non-virtual thunk to )?(API|SDI|ODM)::")
 # A type symbol: every user of a class has a copy of its own, and leaving makes them one.
-set(exports_type "^_ZT[VIS]")
+set(exports_type "^_ZT[VI]")
+# What nobody outside asks for on ELF systems, where names cost room: names and bases of type
+# identities, and inline constants and destructors, of which every user has a copy.
+set(exports_needless "^typeinfo name for " "^(vtable|typeinfo) for API::(HandleC|ImplC)<"
+  "::k[A-Z][A-Za-z0-9]*$" "^API::(BaseC|ImplObjectC)::~")
+list(JOIN exports_needless "|" exports_needless)
 
 # Sets exports_elf, exports_windows, exports_numbers (number:symbol, also of what is gone) and
 # exports_last, the highest number.
@@ -49,17 +54,19 @@ function(exports_of_shared_library readelf file result)
   set(${result} ${symbols} PARENT_SCOPE)
 endfunction()
 
-# The symbols of the library's namespaces that objects, or static libraries, mark as visible.
+# The symbols of the library's namespaces that objects, or static libraries, mark as visible, without
+# the needless ones.
 function(exports_of_objects readelf cxxfilt files result)
   execute_process(COMMAND ${readelf} -s -W ${files}
     OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX MATCHALL "(GLOBAL|WEAK|UNIQUE) +DEFAULT +[0-9]+ +_Z[^ \n]+" symbols "${output}")
   list(TRANSFORM symbols REPLACE ".* " "")
-  exports_in_scope(${cxxfilt} "${symbols}" symbols)
+  exports_in_scope(${cxxfilt} "${symbols}" symbols "${exports_needless}")
   set(${result} ${symbols} PARENT_SCOPE)
 endfunction()
 
-# Those of `symbols` that belong to the library's namespaces, sorted.
+# Those of `symbols` that belong to the library's namespaces, sorted; without those whose names match
+# a further argument.
 function(exports_in_scope cxxfilt symbols result)
   list(REMOVE_DUPLICATES symbols)
   list(SORT symbols)
@@ -72,7 +79,7 @@ function(exports_in_scope cxxfilt symbols result)
   string(REPLACE "\n" ";" names "${names}")
   set(kept "")
   foreach(symbol name IN ZIP_LISTS symbols names)
-    if(name MATCHES "${exports_scope}")
+    if(name MATCHES "${exports_scope}" AND (NOT ARGN OR NOT name MATCHES "${ARGN}"))
       list(APPEND kept ${symbol})
     endif()
   endforeach()

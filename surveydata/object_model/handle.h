@@ -19,12 +19,21 @@
 
 namespace API {
 
+/// `CheckedCast` for what is not exactly a `Wanted`. Out of line, so that accessors stay small.
+template <class Wanted>
+[[gnu::noinline, gnu::cold]] Wanted* CastFromAny(ImplObjectC* impl) {
+  return dynamic_cast<Wanted*>(impl);
+}
+
 /// `impl` as a `Wanted`, or null. An exact type match costs one comparison of type identities;
 /// only a class derived from `Wanted` pays for `dynamic_cast`.
+///
+/// The identities are compared by address. A module that has its own copy of one, which the linker
+/// could not make the same, gets the same answer from `dynamic_cast`.
 template <class Wanted>
-Wanted* CheckedCast(ImplObjectC* impl) {
-  if (impl != nullptr && typeid(*impl) == typeid(Wanted)) return static_cast<Wanted*>(impl);
-  return dynamic_cast<Wanted*>(impl);
+[[gnu::always_inline]] inline Wanted* CheckedCast(ImplObjectC* impl) {
+  if (impl != nullptr && &typeid(*impl) == &typeid(Wanted)) return static_cast<Wanted*>(impl);
+  return CastFromAny<Wanted>(impl);
 }
 
 /// The public side of a pair: a thin object that owns one `Impl`.
@@ -50,7 +59,7 @@ class SURVEYDATA_VISIBLE HandleC : public Base {
   }
 
   /// The implementation, or null when it is missing or of another class.
-  Impl* GetImpl() const { return CheckedCast<Impl>(Base::GetImpl()); }
+  [[gnu::always_inline]] Impl* GetImpl() const { return CheckedCast<Impl>(Base::GetImpl()); }
 
  protected:
   /// Asks the implementation; `without` answers for a handle that has none.

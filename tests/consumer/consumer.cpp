@@ -116,6 +116,8 @@ void OwnershipCrossesTheBoundary() {
 void TextsWork() {
   API::FixedStringC<10> text(u"Gr\u00FC\u00DFe");
   text += u"!";
+  Check(!text.IsEmpty() && text.IsValid() && text.GetLength() == 6 && text.GetData()[5] == u'!',
+        "inline members work");
   char utf8[32];
   Check(text.ToUtf8(utf8, sizeof(utf8)) == 8 && std::strcmp(utf8, "Gr\u00FC\u00DFe!") == 0,
         "a text is written as UTF-8");

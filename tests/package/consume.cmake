@@ -1,6 +1,6 @@
 # Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, against the
 # tree installed at PREFIX, or add_subdirectory, with SOURCE_DIR as a part of it; LINKAGE holds shared
-# or static or both. The compiler and its flags are those of the library.
+# or static or both. The compiler is that of the library.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -39,7 +39,7 @@ if(WAY STREQUAL "pkg_config")
       ${cflags} ${libs})
 else()
   set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
-                -DCMAKE_BUILD_TYPE=${BUILD_TYPE})
+                -DCMAKE_BUILD_TYPE=Release)
   if(TOOLCHAIN)
     set(arguments --toolchain ${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX} ${arguments})
   endif()
