@@ -17,7 +17,18 @@ constexpr double kLineMargin = 1e-7;
 // Pieces reach this far beyond their edges, so that a column holds all that may matter to it.
 constexpr double kOverlap = 1e-8;
 constexpr double kMinWidth = 1e-3;
+constexpr double kPiecesPerEdge = 6.0;
 constexpr double kUndecided = std::numeric_limits<double>::infinity();
+
+// The next float that is not below x.
+float UpToFloat(double x) { return static_cast<float>(x * (1.0 + 1e-6)); }
+
+// tan(lat) of a direction, which falls from infinity at the zenith; beyond the poles it stays.
+double TangentOf(double v) {
+  if (v < kMargin) return kUndecided;
+  if (v > PI - kMargin) return -kUndecided;
+  return std::cos(v) / std::sin(v);
+}
 
 // The same values as `NormalizeAngle`, and quick for a in (-2 pi, 2 pi).
 double NormalizeOneTurn(double a) {
@@ -27,16 +38,18 @@ double NormalizeOneTurn(double a) {
   return turned < TWO_PI ? turned : 0.0;
 }
 
+// A point beyond a pole, however little, stands on the opposite meridian of its Hz.
 bool IsRegular(const AnglePointC& p) {
-  return p.Hz >= -kMargin && p.Hz <= TWO_PI + kMargin && p.V >= -kMargin && p.V <= PI + kMargin;
+  return p.Hz >= -kMargin && p.Hz <= TWO_PI + kMargin && p.V >= 0.0 && p.V <= PI;
 }
 
 // As many columns as there are edges or more, but no more than keeps the lists linear in size.
 std::size_t CountColumns(std::size_t edges, double spans, double width, double minStep) {
   const double n = static_cast<double>(edges);
-  const double wanted = n < 16.0 ? 4.0 * n : (n < 64.0 ? 64.0 : n);
+  const double wanted = std::max(n, 16.0);
   const double crossedAtOnce = spans / width;
-  const double affordable = std::clamp(8.0 * n / std::max(crossedAtOnce, 1.0), 8.0, wanted);
+  const double affordable =
+      std::clamp(kPiecesPerEdge * n / std::max(crossedAtOnce, 1.0), 8.0, wanted);
   return static_cast<std::size_t>(std::max(std::min(affordable, width / minStep), 1.0));
 }
 
@@ -67,16 +80,20 @@ PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area) {
   BuildStrips();
   if (!hasSearchLine_) return;
   BuildArcs();
+  MeasureCorners();
   BuildPieces();
+  units_ = {};
+  cornerReach_ = {};
 }
 
 void PreparedSphereAreaC::BuildArcs() {
   arcs_.reserve(edges_.size() / 2);
   SpherePointC start(edges_.front());
-  start.GetUnit();
+  units_.reserve(edges_.size() / 2 + 1);
+  units_.push_back(start.GetUnit());
   for (std::size_t i = 0; i < edges_.size(); i += 2) {
     const SpherePointC end(edges_[i + 1]);
-    end.GetUnit();
+    units_.push_back(end.GetUnit());
     const ArcEdgeC& arc = arcs_.emplace_back(start, end);
     if (arc.IsValid() && arc.GetPole() != 0) {
       poleEdges_.push_back(static_cast<std::uint32_t>(i / 2));
@@ -84,6 +101,142 @@ void PreparedSphereAreaC::BuildArcs() {
     }
     start = end;
   }
+}
+
+void PreparedSphereAreaC::MeasureCorners() {
+  const auto dot = [](const cVec3& a, const cVec3& b) {
+    return a.X() * b.X() + a.Y() * b.Y() + a.Z() * b.Z();
+  };
+  const std::size_t n = arcs_.size();
+  cornerReach_.assign(n + 1, kMargin);
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t before = i > 0 ? i - 1 : n - 1;
+    const ArcEdgeC& in = arcs_[before];
+    const ArcEdgeC& out = arcs_[i];
+    if (!in.IsValid() || !out.IsValid() || in.IsThroughPoles() || out.IsThroughPoles()) continue;
+    const bool staysOnOneSide = (edges_[2 * before + 1].Hz - edges_[2 * before].Hz) *
+                                    (edges_[2 * i + 1].Hz - edges_[2 * i].Hz) <
+                                0.0;
+    if (!staysOnOneSide) continue;
+    // Two great circles part at the angle of their planes: a meridian at the distance d from their
+    // corner crosses them at least sin(d) times the sine of that angle apart, on the first quarter
+    // turn.
+    const cVec3& a = in.GetNormal();
+    const cVec3& b = out.GetNormal();
+    const cVec3 between{a.Y() * b.Z() - a.Z() * b.Y(), a.Z() * b.X() - a.X() * b.Z(),
+                        a.X() * b.Y() - a.Y() * b.X()};
+    const double sine =
+        std::sqrt(dot(between, between)) / (in.GetNormalLength() * out.GetNormalLength());
+    const double sinV = std::sqrt(units_[i].X() * units_[i].X() + units_[i].Y() * units_[i].Y());
+    const double reach = 4.0 * kMargin / (sine * sinV);
+    constexpr double kFar = 0.05;
+    const bool isBounded = reach < kFar && dot(units_[before], units_[before + 1]) > 0.0 &&
+                           dot(units_[i], units_[i + 1]) > 0.0;
+    cornerReach_[i] = isBounded ? std::max(reach, kMargin) : kUndecided;
+  }
+  cornerReach_[n] = cornerReach_[0];
+}
+
+bool PreparedSphereAreaC::MayTouch(const Piece& a, const Piece& b, Span& where) const {
+  const auto [first, second] = std::minmax(a.edge, b.edge);
+  const auto last = static_cast<std::uint32_t>(arcs_.size() - 1);
+  if (second - first == 1 && cornerReach_[second] < kUndecided) return false;
+  if (first == 0 && second == last && cornerReach_[0] < kUndecided) return false;
+  const double low = std::max({-kOverlap, a.OuterLow(), b.OuterLow()});
+  const double high = std::min({pieces_.step + kOverlap, a.OuterHigh(), b.OuterHigh()});
+  if (low > high) return false;
+  const double bend = std::fabs(static_cast<double>(a.bend) - static_cast<double>(b.bend));
+  const double errors = a.Error() + b.Error() + bend * (high - low) * (high - low);
+  const double gapLow = a.At(low) - b.At(low);
+  const double gapHigh = a.At(high) - b.At(high);
+  if ((gapLow > errors && gapHigh > errors) || (gapLow < -errors && gapHigh < -errors)) {
+    return false;
+  }
+  // The gap is a straight line up to the errors.
+  const double perGap = (high - low) / (gapHigh - gapLow);
+  const double x1 = low + (errors - gapLow) * perGap;
+  const double x2 = low + (-errors - gapLow) * perGap;
+  where = {low, high};
+  if (std::isfinite(x1) && std::isfinite(x2)) {
+    where.low = std::max(low, std::min(x1, x2) - kMargin);
+    where.high = std::min(high, std::max(x1, x2) + kMargin);
+  }
+  return true;
+}
+
+void PreparedSphereAreaC::OrderColumn(std::size_t column) {
+  const std::span<Piece> pieces(pieces_.items.data() + pieces_.begin[column],
+                                pieces_.items.data() + pieces_.begin[column + 1]);
+  Order& order = orders_[column];
+  order = {0, true};
+  // Where a few pairs of pieces come close together there the rules decide; where many do, or far,
+  // the pieces of a meridian are compared when it is asked for.
+  constexpr std::size_t kMaxTouches = 64;
+  const std::size_t firstTouch = touches_.items.size();
+  const auto note = [&](const Piece& a, const Piece& b) {
+    Span where{};
+    if (!MayTouch(a, b, where)) return true;
+    if (touches_.items.size() - firstTouch == kMaxTouches ||
+        where.high - where.low > pieces_.step / 16.0) {
+      order.isProven = false;
+      touches_.items.resize(firstTouch);
+      return false;
+    }
+    touches_.items.push_back(where);
+    return true;
+  };
+  constexpr std::size_t kFew = 6;
+  if (pieces.size() <= kFew) {
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        if (!note(pieces[i], pieces[j])) return;
+      }
+    }
+    return;
+  }
+
+  // By the lowest value that each piece may have; only pieces that share a value can touch.
+  struct Entry {
+    double lowest;
+    double highest;
+    Piece piece;
+  };
+  std::vector<Entry> entries;
+  entries.reserve(pieces.size());
+  for (const Piece& piece : pieces) {
+    if (!(piece.Error() < kUndecided)) {
+      order.isProven = false;
+      return;
+    }
+    const double low = std::max(piece.OuterLow(), -kOverlap);
+    const double high = std::min(piece.OuterHigh(), pieces_.step + kOverlap);
+    const double t1 = piece.At(low);
+    const double t2 = piece.At(high);
+    const double slack =
+        piece.Error() + std::fabs(static_cast<double>(piece.bend)) * (high - low) * (high - low);
+    entries.push_back({std::min(t1, t2) - slack, std::max(t1, t2) + slack, piece});
+  }
+  std::sort(entries.begin(), entries.end(),
+            [](const Entry& a, const Entry& b) { return a.lowest < b.lowest; });
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    for (std::size_t j = i + 1; j < entries.size() && entries[j].lowest <= entries[i].highest;
+         ++j) {
+      if (!note(entries[i].piece, entries[j].piece)) return;
+    }
+  }
+  // Pieces that fill the column and never touch have one order in all of it.
+  if (touches_.items.size() > firstTouch) return;
+  std::size_t next = 0;
+  for (const bool wantFilling : {true, false}) {
+    for (const Entry& entry : entries) {
+      const bool fills = entry.piece.low == -kUndecided && entry.piece.high == kUndecided;
+      if (fills == wantFilling) pieces[next++] = entry.piece;
+    }
+    if (wantFilling) order.sorted = static_cast<std::uint32_t>(next);
+  }
+  const double middle = pieces_.step / 2.0;
+  std::sort(pieces.begin(), pieces.begin() + order.sorted,
+            [middle](const Piece& a, const Piece& b) { return a.At(middle) > b.At(middle); });
 }
 
 void PreparedSphereAreaC::BuildPieces() {
@@ -100,6 +253,7 @@ void PreparedSphereAreaC::BuildPieces() {
   const auto count = static_cast<std::ptrdiff_t>(columns);
   const double step = width / static_cast<double>(columns);
   pieces_.width = width;
+  pieces_.step = step;
   pieces_.perRadian = static_cast<double>(columns) / width;
 
   std::vector<double> cosines(columns + 1);
@@ -160,6 +314,11 @@ void PreparedSphereAreaC::BuildPieces() {
     pieces_.items[--pieces_.begin[columnOf(column)]] = piece;
   };
 
+  // The ends of the search line, and what surely lies beyond them, as tan(lat).
+  const double tangentTop = TangentOf(vLow_);
+  const double tangentBottom = TangentOf(vHigh_);
+  const double tangentAbove = TangentOf(vLow_ - kLineMargin);
+  const double tangentBelow = TangentOf(vHigh_ + kLineMargin);
   for (std::size_t e = 0; e < arcs_.size(); ++e) {
     const ArcEdgeC& arc = arcs_[e];
     if (!arc.IsValid() || arc.IsThroughPoles()) continue;
@@ -174,84 +333,105 @@ void PreparedSphereAreaC::BuildPieces() {
     const double nz = std::fabs(n.Z());
     // tan(lat) swings between -k and k.
     const double k2 = (n.X() * n.X() + n.Y() * n.Y()) / (nz * nz);
+    const double k = std::sqrt(k2);
     const bool isTooSteep = !(nz > kMargin * arc.GetNormalLength());
-    const auto tangentOf = [](double v) { return std::cos(v) / std::sin(v); };
-
     // Whether the whole edge lies within the search line's range.
     const auto isClear = [&](double v) { return v >= vLow_ - kOverlap && v <= vHigh_ + kOverlap; };
-    const double westTangent = tangentOf(west.V);
-    const double eastTangent = tangentOf(east.V);
+    const cVec3& westUnit = units_[isEast ? e : e + 1];
+    const cVec3& eastUnit = units_[isEast ? e + 1 : e];
+    const auto cosLatOf = [](const cVec3& u) { return std::sqrt(u.X() * u.X() + u.Y() * u.Y()); };
+    const double westCos = cosLatOf(westUnit);
+    const double eastCos = cosLatOf(eastUnit);
+    const double westTangent = westUnit.Z() / westCos;
+    const double eastTangent = eastUnit.Z() / eastCos;
+    // The derivative of tan(lat).
+    const auto derivativeAt = [&](double cosine, double sine) {
+      return flip * (n.Y() * cosine - n.X() * sine) / nz;
+    };
+    const double westDerivative = derivativeAt(westUnit.X() / westCos, westUnit.Y() / westCos);
+    const double eastDerivative = derivativeAt(eastUnit.X() / eastCos, eastUnit.Y() / eastCos);
     bool fits = isClear(west.V) && isClear(east.V);
     if (fits) {
       // The slope of tan(lat) has one sign where the vertex is not in the span; the vertex lies
       // within the line's range when that reaches beyond the arc's highest and lowest point.
-      const auto slopeAt = [&](double hz) { return n.X() * std::sin(hz) - n.Y() * std::cos(hz); };
       const bool isFarInside = std::min(west.V, east.V) - (high - low) > vLow_ &&
                                std::max(west.V, east.V) + (high - low) < vHigh_;
       if (!isFarInside) {
-        const bool hasVertex =
-            !(slopeAt(west.Hz) * slopeAt(east.Hz) > 1e-12 * (n.X() * n.X() + n.Y() * n.Y()));
+        const bool hasVertex = !(westDerivative * eastDerivative > 1e-12 * k2);
         if (hasVertex) {
-          const double highest = std::atan(std::sqrt(k2));
+          const double highest = std::atan(k);
           fits = (westTangent > 0.0 && eastTangent > 0.0 && isClear(HALF_PI - highest)) ||
                  (westTangent < 0.0 && eastTangent < 0.0 && isClear(HALF_PI + highest));
         }
       }
     }
 
+    const auto reachOf = [this](std::size_t corner) {
+      return cornerReach_[corner] < kUndecided ? cornerReach_[corner] : kMargin;
+    };
+    const double westReach = reachOf(isEast ? e : e + 1);
+    const double eastReach = reachOf(isEast ? e + 1 : e);
     double x0 = low;
-    double v0 = west.V;
     double t0 = westTangent;
+    double d0 = westDerivative;
     for (std::ptrdiff_t i = range.first; i <= range.last; ++i) {
       const std::size_t column = columnOf(i);
       const double columnLow = static_cast<double>(i) * step;
       const double columnHigh = static_cast<double>(i + 1) * step;
       double x1 = high;
-      double v1 = east.V;
       double t1 = eastTangent;
+      double d1 = eastDerivative;
       if (columnHigh < high) {
         x1 = columnHigh;
         t1 = flip * (n.X() * cosines[column + 1] + n.Y() * sines[column + 1]) / nz;
-        v1 = HALF_PI - std::atan(t1);
+        d1 = derivativeAt(cosines[column + 1], sines[column + 1]);
       }
-      const double shift = columnLow - static_cast<double>(column) * step;
       const double dx = x1 - x0;
-      Piece piece{low < columnLow - kOverlap ? -kUndecided : low - shift,
-                  high > columnHigh + kOverlap ? kUndecided : high - shift,
-                  0.0,
-                  0.0,
-                  kUndecided,
-                  static_cast<std::uint32_t>(e)};
+      Piece piece{};
+      piece.low = low < columnLow - kOverlap ? -kUndecided : low - columnLow + westReach;
+      piece.high = high > columnHigh + kOverlap ? kUndecided : high - columnLow - eastReach;
+      piece.reachLow = UpToFloat(westReach + kMargin);
+      piece.reachHigh = UpToFloat(eastReach + kMargin);
+      piece.error = std::numeric_limits<float>::infinity();
+      piece.edge = static_cast<std::uint32_t>(e);
       bool isOutside = false;
-      if (dx > kOverlap && !isTooSteep) {
-        // The second derivative of the latitude is -sin(lat) (cos(lat) + 2 (k^2 - t^2) cos(lat)^3),
-        // t = tan(lat); the chord is off by at most its maximum times dx^2 / 8.
-        const double t2 = t0 * t1 > 0.0 ? std::min(t0 * t0, t1 * t1) : 0.0;
-        const double c2 = 1.0 / (1.0 + t2);
-        const double bend = std::sqrt(c2) * (1.0 + 2.0 * std::max(k2 - t2, 0.0) * c2);
-        piece.slope = (v1 - v0) / dx;
-        piece.v0 = v0 - piece.slope * (x0 - shift);
-        const double error = 0.126 * dx * dx * bend + 2.0 * kMargin + 1e-8 * std::fabs(piece.slope);
-        const double lowest = std::min(v0, v1) - error;
-        const double highest = std::max(v0, v1) + error;
-        isOutside = lowest > vHigh_ + kLineMargin || highest < vLow_ - kLineMargin;
-        const bool isWithin = lowest > vLow_ && highest < vHigh_;
-        if (fits || isWithin) piece.error = error;
+      if (dx >= 0.0 && !isTooSteep) {
+        // t'' = -t: the parabola of the first three terms is off by at most k dx^3 / 6.
+        const double bend = -t0 / 2.0;
+        const double back = columnLow - x0;
+        piece.slope = d0 + 2.0 * bend * back;
+        piece.t0 = t0 + (d0 + bend * back) * back;
+        piece.bend = static_cast<float>(bend);
+        const double extreme = std::max(std::fabs(t0), std::fabs(t1)) + std::fabs(bend) * dx * dx;
+        const double error = 0.17 * k * dx * dx * dx + 4.0 * kMargin * (1.0 + extreme * extreme) +
+                             1e-12 * (std::fabs(d0) + std::fabs(bend)) +
+                             1e-7 * std::fabs(bend) * step * step;
+        const double slack = error + std::fabs(bend) * dx * dx;
+        const double lowest = std::min(t0, t1) - slack;
+        const double highest = std::max(t0, t1) + slack;
+        isOutside = lowest > tangentAbove || highest < tangentBelow;
+        const bool isWithin = highest < tangentTop && lowest > tangentBottom;
+        if (fits || isWithin) piece.error = UpToFloat(error);
       }
       if (isOutside) piece.edge = std::numeric_limits<std::uint32_t>::max();
       put(i, piece);
       if (columnHigh < high && columnHigh > low) {
         x0 = x1;
-        v0 = v1;
         t0 = t1;
+        d0 = d1;
       }
     }
   }
   for (const auto& [hz, edge] : seams) {
     const Range range = rangeOf(hz, hz);
     for (std::ptrdiff_t i = range.first; i <= range.last; ++i) {
-      const double shift = static_cast<double>(i) * step - static_cast<double>(columnOf(i)) * step;
-      put(i, {hz - shift, hz - shift, 0.0, 0.0, kUndecided, edge});
+      const double x = hz - static_cast<double>(i) * step;
+      Piece seam{};
+      seam.low = x + kMargin;
+      seam.high = x - kMargin;
+      seam.reachLow = seam.reachHigh = UpToFloat(2.0 * kMargin);
+      seam.edge = edge;
+      put(i, seam);
     }
   }
   // Pieces beyond the search line's range are never crossed.
@@ -268,6 +448,13 @@ void PreparedSphereAreaC::BuildPieces() {
   }
   pieces_.begin[columns] = static_cast<std::uint32_t>(kept);
   pieces_.items.resize(kept);
+  orders_.resize(columns);
+  touches_.begin.reserve(columns + 1);
+  for (std::size_t column = 0; column < columns; ++column) {
+    touches_.begin.push_back(static_cast<std::uint32_t>(touches_.items.size()));
+    OrderColumn(column);
+  }
+  touches_.begin.push_back(static_cast<std::uint32_t>(touches_.items.size()));
 }
 
 void PreparedSphereAreaC::BuildStrips() {
@@ -281,6 +468,7 @@ void PreparedSphereAreaC::BuildStrips() {
   const std::size_t columns = CountColumns(edges_.size() / 2, spans, width, 2.0 * kBandReach);
   const double step = width / static_cast<double>(columns);
   strips_.width = width;
+  strips_.step = step;
   strips_.perRadian = static_cast<double>(columns) / width;
   const auto columnAt = [&](double x) {
     return static_cast<std::size_t>(
@@ -327,7 +515,7 @@ void PreparedSphereAreaC::BuildStrips() {
 
 inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
   if (x > strips_.width) return false;
-  for (const Strip& strip : strips_.At(x)) {
+  for (const Strip& strip : strips_[strips_.IndexOf(x)]) {
     if (!(std::fabs(v - (strip.v0 + strip.slope * x)) <= static_cast<double>(strip.halfHeight))) {
       continue;
     }
@@ -339,7 +527,12 @@ inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
 PreparedSphereAreaC::Answer PreparedSphereAreaC::AskRectangle(double h, double v) const {
   if (h > frameWidth_ + kMargin && h < TWO_PI - kMargin) return {false, true};
   if (v < vLow_ - kMargin || v > vHigh_ + kMargin) return {false, true};
-  if (h > kMargin && h < frameWidth_ - kMargin && v > vLow_ + kMargin && v < vHigh_ - kMargin) {
+  // A crossing counts when its Hz, which may be off in the last place, rounds to that of the line:
+  // not so just between two steps.
+  const double steps = h * 1e10;
+  const bool isBetweenSteps = std::fabs(steps - std::floor(steps) - 0.5) < 0.01;
+  if (!isBetweenSteps && h > kMargin && h < frameWidth_ - kMargin && v > vLow_ + kMargin &&
+      v < vHigh_ - kMargin) {
     return {true, true};
   }
   return {AskRules(h, v), false};
@@ -365,7 +558,7 @@ bool PreparedSphereAreaC::AskRules(double h, double v) const {
   if (h > TWO_PI - kOverlap || h > pieces_.width) {  // at the seam
     for (const ArcEdgeC& arc : arcs_) add(arc);
   } else {
-    for (const Piece& piece : pieces_.At(h)) {
+    for (const Piece& piece : pieces_[pieces_.IndexOf(h)]) {
       if (arcs_[piece.edge].GetPole() == 0) add(arcs_[piece.edge]);
     }
     for (const std::uint32_t edge : poleEdges_) add(arcs_[edge]);
@@ -380,39 +573,66 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskColumns(double h, dou
     return {false, true};
   }
   if (h > pieces_.width + kOverlap && h < TWO_PI - kOverlap) return {false, true};
-  if (h > pieces_.width || h > TWO_PI - kOverlap || hasSouthPole_) return {AskRules(h, v), false};
+  if (h > pieces_.width || h > TWO_PI - kOverlap || hasSouthPole_ || v < kOverlap ||
+      v > PI - kOverlap) {
+    return {AskRules(h, v), false};
+  }
 
-  constexpr std::size_t kMaxBelow = 8;
-  std::array<const Piece*, kMaxBelow> below;
-  std::size_t belowCount = 0;
   // Edges at the north pole are crossed there, above any direction, if the line reaches it.
   bool hasOneAbove = enclosesZenith_;
   if (hasNorthPole_) {
     if (vLow_ - kVertexAccuracy > -kMargin) return {AskRules(h, v), false};
     hasOneAbove = true;
   }
-  for (const Piece& piece : pieces_.At(h)) {
-    if (h > piece.hzLow + kMargin && h < piece.hzHigh - kMargin) {
-      const double offset = v - (piece.v0 + piece.slope * h);
-      if (offset > piece.error) {
+  const std::size_t column = pieces_.IndexOf(h);
+  const std::span<const Piece> pieces = pieces_[column];
+  const Order order = orders_[column];
+  const double x = h - static_cast<double>(column) * pieces_.step;
+  const double t = std::cos(v) / std::sin(v);
+  const auto offsetFrom = [x, t](const Piece& piece) { return piece.At(x) - t; };
+  const auto isUndecided = [&offsetFrom](const Piece& piece) {
+    return !(std::fabs(offsetFrom(piece)) > piece.Error());
+  };
+  for (const Span& touch : touches_[column]) {
+    if (x >= touch.low && x <= touch.high) return {AskRules(h, v), false};
+  }
+  constexpr std::size_t kMaxBelow = 8;
+  std::array<const Piece*, kMaxBelow> below;
+  std::size_t belowCount = 0;
+  if (order.sorted > 0) {
+    const auto end = pieces.begin() + order.sorted;
+    const auto firstBelow = std::partition_point(
+        pieces.begin(), end, [&](const Piece& piece) { return offsetFrom(piece) >= 0.0; });
+    if ((firstBelow != end && isUndecided(*firstBelow)) ||
+        (firstBelow != pieces.begin() && isUndecided(*(firstBelow - 1)))) {
+      return {AskRules(h, v), false};
+    }
+    hasOneAbove = hasOneAbove || firstBelow != pieces.begin();
+    belowCount = static_cast<std::size_t>(end - firstBelow);
+  }
+  for (const Piece& piece : pieces.subspan(order.sorted)) {
+    if (x > piece.low && x < piece.high) {
+      if (isUndecided(piece)) return {AskRules(h, v), false};
+      if (offsetFrom(piece) > 0.0) {
         hasOneAbove = true;
-      } else if (offset < -piece.error && belowCount < kMaxBelow) {
-        below[belowCount++] = &piece;
       } else {
-        return {AskRules(h, v), false};
+        if (belowCount < kMaxBelow) below[belowCount] = &piece;
+        ++belowCount;
       }
-    } else if (!(h < piece.hzLow - kMargin || h > piece.hzHigh + kMargin)) {
+    } else if (!(x < piece.OuterLow() || x > piece.OuterHigh())) {
       return {AskRules(h, v), false};
     }
   }
   if (!hasOneAbove) return {false, true};
-  // Crossings that agree to 10 digits would count as one.
-  for (std::size_t i = 1; i < belowCount; ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      const Piece& a = *below[i];
-      const Piece& b = *below[j];
-      const double apart = (a.v0 + a.slope * h) - (b.v0 + b.slope * h);
-      if (!(std::fabs(apart) > a.error + b.error)) return {AskRules(h, v), false};
+  if (!order.isProven) {
+    // Crossings that agree to 10 digits would count as one.
+    if (belowCount > kMaxBelow) return {AskRules(h, v), false};
+    for (std::size_t i = 1; i < belowCount; ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        const double apart = offsetFrom(*below[i]) - offsetFrom(*below[j]);
+        if (!(std::fabs(apart) > below[i]->Error() + below[j]->Error()))
+          return {AskRules(h, v), false};
+      }
     }
   }
   return {belowCount % 2 == 1, true};

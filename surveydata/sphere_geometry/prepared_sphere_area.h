@@ -13,7 +13,7 @@ namespace GMAT {
 /// A sphere area made ready for many questions. It never changes and knows nothing of the area it
 /// was made from. Every answer is that of `SphereAreaC::Contains`, bit for bit.
 ///
-/// Hz is cut into columns. Each knows the edges that a meridian in it can cross, as straight lines
+/// Hz is cut into columns. Each knows the edges that a meridian in it can cross, as parabolas
 /// with a bound of their error, and the edges that may have a direction in their band. Where the
 /// bounds prove the answer it is given at once; otherwise the rules decide, on the edges of the
 /// column.
@@ -42,14 +42,34 @@ class PreparedSphereAreaC {
     kPlain,      // by the rules: points out of range
   };
 
-  // A piece of an edge in a column: V = v0 + slope * h between the ends, up to `error`.
+  // A piece of an edge in a column: V = v0 + (slope + bend * x) * x up to `error`, for x between
+  // the ends. x is Hz counted from the start of the column. Within `reach` outside an end no bound
+  // decides.
   struct Piece {
-    double hzLow;
-    double hzHigh;
-    double v0;
+    double low;
+    double high;
+    double t0;
     double slope;
-    double error;
+    float bend;
+    float error;
+    float reachLow;
+    float reachHigh;
     std::uint32_t edge;
+
+    double At(double x) const { return t0 + (slope + static_cast<double>(bend) * x) * x; }
+    double Error() const { return static_cast<double>(error); }
+    double OuterLow() const { return low - static_cast<double>(reachLow); }
+    double OuterHigh() const { return high + static_cast<double>(reachHigh); }
+  };
+
+  struct Span {
+    double low;
+    double high;
+  };
+
+  struct Order {
+    std::uint32_t sorted;  // so many pieces come first that fill the column, from top to bottom
+    bool isProven;  // no two crossings are close together, but near corners and in `touches_`
   };
 
   // The strip of a column in which an edge's band may lie.
@@ -64,19 +84,27 @@ class PreparedSphereAreaC {
   template <class Item>
   struct Columns {
     double perRadian = 0.0;
+    double step = 0.0;
     double width = 0.0;
     std::vector<std::uint32_t> begin;  // one more than there are columns
     std::vector<Item> items;
 
-    std::span<const Item> At(double hz) const {
-      const std::size_t last = begin.size() - 2;
+    std::size_t IndexOf(double hz) const {
       const auto wanted = static_cast<std::size_t>(hz * perRadian);
-      const std::size_t i = wanted < last ? wanted : last;
-      return {items.data() + begin[i], items.data() + begin[i + 1]};
+      return wanted < begin.size() - 2 ? wanted : begin.size() - 2;
+    }
+    std::span<const Item> operator[](std::size_t column) const {
+      return {items.data() + begin[column], items.data() + begin[column + 1]};
     }
   };
 
   void BuildArcs();
+  // Finds how near a meridian may come to a corner before its two edges are crossed close together.
+  void MeasureCorners();
+  // Orders the pieces of a column, and finds out whether its crossings are well apart.
+  void OrderColumn(std::size_t column);
+  // Whether two pieces of a column may come close together, and where.
+  bool MayTouch(const Piece& a, const Piece& b, Span& where) const;
   void BuildPieces();
   void BuildStrips();
   Answer AskInline(double hz, double v) const;
@@ -97,8 +125,12 @@ class PreparedSphereAreaC {
   bool hasSouthPole_ = false;
   std::vector<AnglePointC> edges_;
   std::vector<ArcEdgeC> arcs_;
+  std::vector<cVec3> units_;         // of the starts of the edges, and of the last end
+  std::vector<double> cornerReach_;  // in Hz; infinite where there is no bound
   std::vector<std::uint32_t> poleEdges_;
   Columns<Piece> pieces_;
+  std::vector<Order> orders_;  // one per column of pieces
+  Columns<Span> touches_;      // of the same columns: where pieces may come close together
   Columns<Strip> strips_;
   SphereAreaC plainArea_;  // for `Way::kPlain`
 };

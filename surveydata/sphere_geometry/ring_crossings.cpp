@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_edges.h>
@@ -32,39 +33,70 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
   const auto reachesTurn = [](const AnglePointC& p) { return p.Hz > kLessThanTurn; };
   if (std::any_of(edges.begin(), edges.end(), reachesTurn)) return false;
   if (edges.front() != edges.back()) return false;  // winds around the axis
-  AnglePointC centre{0.0, 0.0};
-  for (std::size_t i = 0; i < edges.size(); i += 2) {
-    centre.Hz += edges[i].Hz;
-    centre.V += edges[i].V;
-  }
   const double count = static_cast<double>(edges.size() / 2);
-  centre.Hz /= count;
-  centre.V /= count;
+  double hz = 0.0;
+  double v = 0.0;
+  double area = 0.0;
+  for (std::size_t i = 0; i < edges.size(); i += 2) {
+    hz += edges[i].Hz;
+    v += edges[i].V;
+    area += edges[i].Hz * edges[i + 1].V - edges[i].V * edges[i + 1].Hz;
+  }
+  AnglePointC centre{hz / count, v / count};
+  const double side = area < 0.0 ? -1.0 : 1.0;
+
+  // Move the centre across the edge that lies worst, until all edges see it from the same side.
+  constexpr int kMoves = 24;
+  constexpr double kClear = 1e-9;
+  for (int move = 0;; ++move) {
+    double worst = std::numeric_limits<double>::max();
+    AnglePointC step{0.0, 0.0};
+    for (std::size_t i = 0; i < edges.size(); i += 2) {
+      const AnglePointC& a = edges[i];
+      const AnglePointC& b = edges[i + 1];
+      const double dx = b.Hz - a.Hz;
+      const double dy = b.V - a.V;
+      const double cross = side * (dx * (centre.V - a.V) - dy * (centre.Hz - a.Hz));
+      if (cross >= worst) continue;  // lengths differ little enough for a search
+      worst = cross;
+      step = {-side * dy, side * dx};
+    }
+    if (!(worst < std::numeric_limits<double>::max())) return false;
+    if (worst > 0.0) break;
+    const double length2 = step.Hz * step.Hz + step.V * step.V;
+    if (move == kMoves || !(length2 > 0.0)) return false;
+    const double by = (kClear - 1.5 * worst) / length2;
+    centre = {centre.Hz + by * step.Hz, centre.V + by * step.V};
+  }
 
   // Each edge fills a sector of its own. Two that are no neighbours are apart by the sector of
-  // another one, so by at least the smallest radius times the sine of the smallest sector. Where
-  // that exceeds the margin, the computed crossing of their lines lies outside one of them: far
-  // outside when the lines are nearly parallel, for then its error grows with its distance.
+  // another one, so by at least the smallest distance from the centre times the sine of the
+  // smallest sector. Where that exceeds the margin, the computed crossing of their lines lies
+  // outside one of them: far outside when the lines are nearly parallel, for then its error grows
+  // with its distance.
   constexpr double kApart = 1e-8;
-  const bool isClockwise = (edges[0].Hz - centre.Hz) * (edges[1].V - centre.V) <
-                           (edges[0].V - centre.V) * (edges[1].Hz - centre.Hz);
-  double smallestRadius = 1.0;
+  double smallestDistance = 1.0;
   double smallestSine = 1.0;
   int turns = 0;
   for (std::size_t i = 0; i < edges.size(); i += 2) {
     const double x1 = edges[i].Hz - centre.Hz;
-    const double y1 = isClockwise ? centre.V - edges[i].V : edges[i].V - centre.V;
+    const double y1 = side * (edges[i].V - centre.V);
     const double x2 = edges[i + 1].Hz - centre.Hz;
-    const double y2 = isClockwise ? centre.V - edges[i + 1].V : edges[i + 1].V - centre.V;
+    const double y2 = side * (edges[i + 1].V - centre.V);
     const double cross = x1 * y2 - y1 * x2;
     if (!(cross > 0.0)) return false;
-    const double length = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
-    const double radii = std::sqrt((x1 * x1 + y1 * y1) * (x2 * x2 + y2 * y2));
-    smallestRadius = std::min(smallestRadius, cross / length);
-    smallestSine = std::min(smallestSine, cross / radii);
+    const double dx = x2 - x1;
+    const double dy = y2 - y1;
+    const double radius1 = x1 * x1 + y1 * y1;
+    const double radius2 = x2 * x2 + y2 * y2;
+    const bool isNearestInside = x1 * dx + y1 * dy < 0.0 && x2 * dx + y2 * dy > 0.0;
+    const double distance = isNearestInside ? cross / std::sqrt(dx * dx + dy * dy)
+                                            : std::sqrt(std::min(radius1, radius2));
+    smallestDistance = std::min(smallestDistance, distance);
+    smallestSine = std::min(smallestSine, cross / std::sqrt(radius1 * radius2));
     if (y1 < 0.0 && y2 >= 0.0) ++turns;
   }
-  return turns == 1 && smallestRadius * smallestSine > kApart;
+  return turns == 1 && smallestDistance * smallestSine > kApart;
 }
 
 bool CrossesItself(const std::vector<AnglePointC>& edges) {
