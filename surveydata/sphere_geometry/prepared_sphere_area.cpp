@@ -388,8 +388,11 @@ void PreparedSphereAreaC::BuildPieces() {
       }
       const double dx = x1 - x0;
       Piece piece{};
-      piece.low = low < columnLow - kOverlap ? -kUndecided : low - columnLow + westReach;
-      piece.high = high > columnHigh + kOverlap ? kUndecided : high - columnLow - eastReach;
+      // What surrounds a corner may reach into the columns beside its own.
+      piece.low =
+          low + westReach < columnLow - kOverlap ? -kUndecided : low - columnLow + westReach;
+      piece.high =
+          high - eastReach > columnHigh + kOverlap ? kUndecided : high - columnLow - eastReach;
       piece.reachLow = UpToFloat(westReach + kMargin);
       piece.reachHigh = UpToFloat(eastReach + kMargin);
       piece.error = std::numeric_limits<float>::infinity();
