@@ -14,6 +14,7 @@ namespace SDI {
 
 /// What the data of all scan areas share: the defining points, mirrored into the sphere area that
 /// does the geometry, and the settings.
+// NOLINTNEXTLINE(readability-identifier-naming): an implementation, though abstract
 class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
  public:
   explicit ScanAreaImplC(std::uint32_t type);

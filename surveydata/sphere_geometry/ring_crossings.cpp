@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -22,7 +21,7 @@ struct Box {
   double hzMax;
   double vMin;
   double vMax;
-  std::uint32_t edge;
+  std::size_t edge;
 };
 
 }  // namespace
@@ -33,7 +32,8 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
   const auto reachesTurn = [](const AnglePointC& p) { return p.Hz > kLessThanTurn; };
   if (std::any_of(edges.begin(), edges.end(), reachesTurn)) return false;
   if (edges.front() != edges.back()) return false;  // winds around the axis
-  const double count = static_cast<double>(edges.size() / 2);
+  const std::size_t ends = edges.size();            // two of each edge
+  const double count = static_cast<double>(ends) / 2.0;
   double hz = 0.0;
   double v = 0.0;
   double area = 0.0;
@@ -106,7 +106,7 @@ bool CrossesItself(const std::vector<AnglePointC>& edges) {
     const AnglePointC& a = edges[2 * i];
     const AnglePointC& b = edges[2 * i + 1];
     boxes[i] = {std::min(a.Hz, b.Hz), std::max(a.Hz, b.Hz), std::min(a.V, b.V), std::max(a.V, b.V),
-                static_cast<std::uint32_t>(i)};
+                i};
   }
   std::sort(boxes.begin(), boxes.end(),
             [](const Box& a, const Box& b) { return a.hzMin < b.hzMin; });

@@ -13,7 +13,7 @@ namespace GMAT {
 inline constexpr double CONTAINS_TOLERANCE = GonToRad(0.001);
 
 /// The root of what manages areas.
-class AreaManagerI {
+class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure function
  public:
   AreaManagerI() = default;
   AreaManagerI(const AreaManagerI&) = default;
