@@ -44,6 +44,10 @@ TEST(InstrumentInfoData, LowersFlagsThatAreRaisedAndLoweredAtOnce) {
   info.setFlags(0x4, 0);
   info.setFlags(0x3, 0x1);
   EXPECT_EQ(info.getFlags(), 0x6U);
+  SDI::InstrumentInfoDataC object;
+  object.SetFlags(0x4, 0);
+  object.SetFlags(0x3, 0x1);
+  EXPECT_EQ(object.GetFlags(), 0x6U);
 }
 
 TEST(InstrumentInfoData, TakesANullTextForTheEmptyOne) {
@@ -55,6 +59,13 @@ TEST(InstrumentInfoData, TakesANullTextForTheEmptyOne) {
   info.setText4(nullptr);
   EXPECT_EQ(Values(info),
             (Texts{"TS-1", "2147483649", "", "", "", "", "1.5", "1", "-2", "3", "-4"}));
+
+  SDI::InstrumentInfoDataC object = RecordOf(u"TS-1");
+  object.SetText1(nullptr);
+  object.SetText2(nullptr);
+  object.SetText3(nullptr);
+  object.SetText4(nullptr);
+  EXPECT_EQ(Values(object), Values(info));
 }
 
 TEST(InstrumentInfoData, TakesATextFromItself) {

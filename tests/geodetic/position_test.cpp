@@ -6,6 +6,7 @@
 
 #include <surveydata/geodetic/position.h>
 
+#include "tests/support/counted_point.h"
 #include "tests/support/record_fields.h"
 
 namespace {
@@ -68,19 +69,6 @@ TEST(Position, GivesItsOwnParts) {
   EXPECT_NE(&other.GetCoordinatePoint(), &point);
   EXPECT_EQ(kPoint.GetX(), 4.0) << "the arguments were copied";
 }
-
-// Counts the points that are destroyed.
-class CountedPointC : public CoordinatePointC {
- public:
-  CountedPointC(ODM::CoordinatePointC* impl, int& destroyed)
-      : CoordinatePointC(impl), destroyed_(destroyed) {}
-  CountedPointC(const CountedPointC&) = delete;
-  CountedPointC& operator=(const CountedPointC&) = delete;
-  ~CountedPointC() override { ++destroyed_; }
-
- private:
-  int& destroyed_;
-};
 
 TEST(Position, DestroysThePublicObjectsOfItsParts) {
   int destroyed = 0;
@@ -174,6 +162,16 @@ TEST(Position, ComputesStandardDeviationsInSinglePrecision) {
   float result = 0.0F;
   EXPECT_TRUE(position.GetCombinedStdDev(2, &result));
   EXPECT_EQ(result, 4096.0F);
+
+  // 5 sqrt(3) is 8.6602540...; sqrt(3) as a float is 1.7320508, and five times that lies between
+  // two floats. Computed in double precision and rounded once, it would be 8.66025447845459.
+  const PositionC other(CoordinateReferenceSystemC(2, 1, 0), CoordinatePointC(),
+                        CoordinateQualityC(5.0F, QMatrixC(3, 0, 0, 0, 0, 0), 3),
+                        UndulationMementoC());
+  EXPECT_TRUE(other.GetStdDev(1, &result));
+  EXPECT_EQ(result, 8.660253524780273F);
+  EXPECT_TRUE(other.GetCombinedStdDev(2, &result));
+  EXPECT_EQ(result, 8.660253524780273F);
 }
 
 TEST(Position, AnswersNaNForANegativeCofactor) {

@@ -2,6 +2,7 @@
 
 #include <surveydata/geodetic/rectangle.h>
 
+#include "tests/support/counted_point.h"
 #include "tests/support/record_fields.h"
 
 namespace {
@@ -45,6 +46,19 @@ TEST(Rectangle, GivesItsOwnParts) {
   rectangle.GetTopRight().SetY(81.0);
   EXPECT_EQ(rectangle.GetImpl()->GetTopRight().GetY(), 81.0);
   EXPECT_EQ(corner.GetImpl(), &rectangle.GetImpl()->GetTopRight());
+}
+
+TEST(Rectangle, DestroysThePublicObjectsOfItsCorners) {
+  int destroyed = 0;
+  {
+    RectangleC rectangle;
+    auto* const low = new CountedPointC(&rectangle.GetImpl()->GetBottomLeft(), destroyed);
+    auto* const high = new CountedPointC(&rectangle.GetImpl()->GetTopRight(), destroyed);
+    EXPECT_EQ(&rectangle.GetBottomLeft(), low);
+    EXPECT_EQ(&rectangle.GetTopRight(), high);
+    EXPECT_EQ(destroyed, 0);
+  }
+  EXPECT_EQ(destroyed, 2);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -20,10 +22,34 @@ using Records::Field;
 using Records::FieldsOf;
 using Records::FillAll;
 
-template <class Public, class Impl>
+template <class Record>
+concept HasOperator = requires(const Record& a, const Record& b) {
+  a == b;
+};
+template <class Record>
+concept HasIsEqual = requires(const Record& a, const Record& b) {
+  a.IsEqual(b);
+};
+template <class Record>
+concept HasIsEqualOfData = requires(const Record& a, const Record& b) {
+  a.isEqual(b);
+};
+
+// The names under which callers find equality: `IsEqual`, and `isEqual` of the data; in imaging the
+// operator on both sides.
+enum class Equality { kMethods, kOperators, kNone };
+
+template <class Public, class Impl, Equality equality = Equality::kMethods>
 struct Pair {
   using PublicT = Public;
   using ImplT = Impl;
+  static constexpr bool kHasEquality = equality != Equality::kNone;
+  static_assert(HasIsEqual<Public> == (equality == Equality::kMethods));
+  static_assert(HasIsEqualOfData<Impl> == (equality == Equality::kMethods));
+  static_assert(HasOperator<Public> == (equality == Equality::kOperators));
+  static_assert(HasOperator<Impl> == (equality == Equality::kOperators));
+  static_assert(!HasIsEqualOfData<Public> && !HasIsEqual<Impl>);
+
   const char* name;
   std::size_t fields;  // how many the record has, its parts' fields counted one by one
 };
@@ -42,8 +68,9 @@ void ForEachPair(Check check) {
       "CoordinateReferenceSystem", 3});
   run(Pair<SDI::UndulationMementoC, ODM::UndulationMementoC>{"UndulationMemento", 3});
   run(Pair<SDI::PositionC, ODM::PositionC>{"Position", 22});
-  run(Pair<SDI::RectangleC, ODM::RectangleC>{"Rectangle", 9});
-  run(Pair<SDI::DisplayAttributesC, ODM::DisplayAttributesC>{"DisplayAttributes", 8});
+  run(Pair<SDI::RectangleC, ODM::RectangleC, Equality::kNone>{"Rectangle", 9});
+  run(Pair<SDI::DisplayAttributesC, ODM::DisplayAttributesC, Equality::kNone>{"DisplayAttributes",
+                                                                              8});
   run(Pair<SDI::InstrumentInfoDataC, ODM::InstrumentInfoDataC>{"InstrumentInfoData", 11});
   run(Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>{"GPSAntHeight", 3});
   run(Pair<SDI::GPSRefStationDataC, SDI::GPSRefStationDataImplC>{"GPSRefStationData", 15});
@@ -51,34 +78,24 @@ void ForEachPair(Check check) {
   run(Pair<SDI::TPSMeasDataC, ODM::TPSMeasDataC>{"TPSMeasData", 28});
   run(Pair<SDI::TPSCorrectionDataC, ODM::TPSCorrectionDataC>{"TPSCorrectionData", 13});
   run(Pair<SDI::TPSCalibrationDataC, ODM::TPSCalibrationDataC>{"TPSCalibrationData", 8});
-  run(Pair<SDI::ImgCameraInfoC, SDI::ImgCameraInfoImplC>{"ImgCameraInfo", 11});
-  run(Pair<SDI::ImgChipWindowInfoC, SDI::ImgChipWindowInfoImplC>{"ImgChipWindowInfo", 4});
-  run(Pair<SDI::ImgExteriorOrientationC, SDI::ImgExteriorOrientationImplC>{"ImgExteriorOrientation",
-                                                                           6});
-  run(Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC>{"ImgInteriorOrientation",
-                                                                           7});
+  run(Pair<SDI::ImgCameraInfoC, SDI::ImgCameraInfoImplC, Equality::kOperators>{"ImgCameraInfo",
+                                                                               11});
+  run(Pair<SDI::ImgChipWindowInfoC, SDI::ImgChipWindowInfoImplC, Equality::kOperators>{
+      "ImgChipWindowInfo", 4});
+  run(Pair<SDI::ImgExteriorOrientationC, SDI::ImgExteriorOrientationImplC, Equality::kOperators>{
+      "ImgExteriorOrientation", 6});
+  run(Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC, Equality::kOperators>{
+      "ImgInteriorOrientation", 7});
 }
 
 template <class Record>
-concept HasOperator = requires(const Record& a, const Record& b) {
-  a == b;
-};
-template <class Record>
-concept HasMethod = requires(const Record& a, const Record& b) {
-  a.isEqual(b);
-}
-|| requires(const Record& a, const Record& b) { a.IsEqual(b); };
-template <class Record>
-concept HasEquality = HasOperator<Record> || HasMethod<Record>;
-
-template <HasEquality Record>
 bool AreEqual(const Record& a, const Record& b) {
   if constexpr (HasOperator<Record>) {
     return a == b;
-  } else if constexpr (requires { a.isEqual(b); }) {
-    return a.isEqual(b);
-  } else {
+  } else if constexpr (HasIsEqual<Record>) {
     return a.IsEqual(b);
+  } else {
+    return a.isEqual(b);
   }
 }
 
@@ -163,12 +180,13 @@ TEST(Records, AreZeroByDefaultButForTheseFields) {
   EXPECT_EQ(found, others.size());
 }
 
-TEST(Records, WriteOneFieldWithOneSetter) {
+TEST(Records, StoreInOneFieldWhatOneSetterIsGiven) {
   ForEachPair([]<class P>(const P&) {
     for (const auto& field : FieldsOf<typename P::ImplT>()) {
       typename P::ImplT record;
       field.fill(record, 17);
       EXPECT_EQ(DifferingFields(record, typename P::ImplT()), field.name);
+      EXPECT_EQ(field.show(record), field.filled(17)) << field.name;
     }
   });
 }
@@ -178,20 +196,19 @@ TEST(Records, ReadAndWriteTheSameFieldOnBothSides) {
     using Public = typename P::PublicT;
     using Impl = typename P::ImplT;
     if constexpr (requires { FieldsOf<Public>(); }) {
-      for (const auto& field : FieldsOf<Public>()) {
-        Public object;
-        field.fill(object, 17);
-        EXPECT_EQ(DifferingFields(*object.GetImpl(), Impl()), field.name);
-      }
-      Public object;
-      FillAll(*object.GetImpl());
       const auto fieldsOfImpl = FieldsOf<Impl>();
       for (const auto& field : FieldsOf<Public>()) {
         SCOPED_TRACE(field.name);
-        for (const auto& same : fieldsOfImpl) {
-          if (same.name != field.name) continue;
-          EXPECT_EQ(field.show(object), same.show(*object.GetImpl()));
-        }
+        const auto same = std::ranges::find(fieldsOfImpl, field.name, &Field<Impl>::name);
+        ASSERT_NE(same, fieldsOfImpl.end());
+        Public object;
+        field.fill(object, 17);
+        Impl direct;
+        same->fill(direct, 17);
+        EXPECT_EQ(DifferingFields(*object.GetImpl(), direct), "");
+        EXPECT_EQ(field.show(object), field.filled(17));
+        FillAll(*object.GetImpl());
+        EXPECT_EQ(field.show(object), same->show(*object.GetImpl()));
       }
     }
   });
@@ -233,7 +250,7 @@ TEST(Records, AreCopiedAndAssignedWithEveryField) {
 TEST(Records, AreEqualWhenEveryFieldIsEqualByItsOwnTolerance) {
   ForEachPair([]<class P>(const P&) {
     using Public = typename P::PublicT;
-    if constexpr (HasEquality<Public>) {
+    if constexpr (P::kHasEquality) {
       Public a;
       FillAll(*a.GetImpl());
       ExpectEquality(Public(), Public(), true);
@@ -256,7 +273,7 @@ TEST(Records, AreEqualWhenEveryFieldIsEqualByItsOwnTolerance) {
 TEST(Records, TakeNaNForAnythingWithToleranceAndForNothingWithout) {
   ForEachPair([]<class P>(const P&) {
     using Public = typename P::PublicT;
-    if constexpr (HasEquality<Public>) {
+    if constexpr (P::kHasEquality) {
       Public a;
       FillAll(*a.GetImpl());
       for (const auto& field : FieldsOf<typename P::ImplT>()) {
@@ -271,12 +288,125 @@ TEST(Records, TakeNaNForAnythingWithToleranceAndForNothingWithout) {
   });
 }
 
-// Callers find equality under the name of the subsystem: a method, or an operator in imaging.
-static_assert(HasMethod<SDI::PositionC> && !HasOperator<SDI::PositionC>);
-static_assert(HasMethod<ODM::TPSMeasDataC> && !HasOperator<ODM::TPSMeasDataC>);
-static_assert(HasOperator<SDI::ImgCameraInfoC> && !HasMethod<SDI::ImgCameraInfoC>);
-static_assert(HasOperator<SDI::ImgCameraInfoImplC> && !HasMethod<SDI::ImgCameraInfoImplC>);
-static_assert(!HasEquality<SDI::RectangleC> && !HasEquality<ODM::RectangleC>);
-static_assert(!HasEquality<SDI::DisplayAttributesC> && !HasEquality<ODM::DisplayAttributesC>);
+// The integers have the widths in which their sources give them.
+template <class Record, auto... getters, class Integer>
+constexpr bool AllGive(Integer /*example*/) {
+  return (std::is_same_v<std::invoke_result_t<decltype(getters), const Record&>, Integer> && ...);
+}
+
+template <class R>
+constexpr bool AttributesAreIntegers() {
+  return AllGive<R, &R::GetAttribute1, &R::GetAttribute2, &R::GetAttribute3, &R::GetAttribute4,
+                 &R::GetAttribute5>(std::int32_t{}) &&
+         AllGive<R, &R::GetDimension>(std::uint16_t{});
+}
+static_assert(AttributesAreIntegers<SDI::PositionC>() && AttributesAreIntegers<ODM::PositionC>());
+
+template <class R>
+constexpr bool SystemWordsAreIntegers() {
+  return AllGive<R, &R::GetKind, &R::GetVariant, &R::GetHasHeight>(std::int32_t{});
+}
+static_assert(SystemWordsAreIntegers<SDI::CoordinateReferenceSystemC>());
+static_assert(SystemWordsAreIntegers<ODM::CoordinateReferenceSystemC>());
+
+template <class R>
+constexpr bool DisplayParamsAreShorts() {
+  return AllGive<R, &R::GetParam1, &R::GetParam2, &R::GetParam3, &R::GetParam4, &R::GetParam5,
+                 &R::GetParam6>(std::int16_t{}) &&
+         AllGive<R, &R::GetMode, &R::GetOptions>(std::uint32_t{});
+}
+static_assert(DisplayParamsAreShorts<SDI::DisplayAttributesC>());
+static_assert(DisplayParamsAreShorts<ODM::DisplayAttributesC>());
+
+template <class R>
+constexpr bool MementoIsCodedInAByte() {
+  return AllGive<R, &R::GetValid>(std::uint8_t{}) && AllGive<R, &R::GetSource>(std::int32_t{});
+}
+static_assert(MementoIsCodedInAByte<SDI::UndulationMementoC>());
+static_assert(MementoIsCodedInAByte<ODM::UndulationMementoC>());
+
+template <class R>
+constexpr bool AxesAreAByte() {
+  return AllGive<R, &R::GetValidAxes>(std::uint8_t{});
+}
+static_assert(AxesAreAByte<SDI::CoordinateQualityC>() && AxesAreAByte<ODM::CoordinateQualityC>());
+
+template <class R>
+constexpr bool SetupWordsAreUnsigned() {
+  return AllGive<R, &R::GetFlags, &R::GetWord1, &R::GetWord2, &R::GetWord3>(std::uint32_t{}) &&
+         AllGive<R, &R::GetByte1>(std::uint8_t{});
+}
+static_assert(SetupWordsAreUnsigned<SDI::TPSSetupDataC>());
+static_assert(SetupWordsAreUnsigned<ODM::TPSSetupDataC>());
+
+template <class R>
+constexpr bool MeasurementWordsAreUnsigned() {
+  return AllGive<R, &R::GetWord1, &R::GetWord2, &R::GetWord3, &R::GetWord4, &R::GetWord5,
+                 &R::GetWord6, &R::GetWord7, &R::GetWord8, &R::GetFlags, &R::GetWord9>(
+      std::uint32_t{});
+}
+static_assert(MeasurementWordsAreUnsigned<SDI::TPSMeasDataC>());
+static_assert(MeasurementWordsAreUnsigned<ODM::TPSMeasDataC>());
+
+template <class R>
+constexpr bool CameraIntegersAreUnsigned() {
+  return AllGive<R, &R::GetInt1, &R::GetInt2, &R::GetInt3, &R::GetInt4, &R::GetInt5>(
+      std::uint32_t{});
+}
+static_assert(CameraIntegersAreUnsigned<SDI::ImgCameraInfoC>());
+static_assert(CameraIntegersAreUnsigned<SDI::ImgCameraInfoImplC>());
+using CameraImpl = SDI::ImgCameraInfoImplC;
+static_assert(AllGive<CameraImpl, &CameraImpl::GetShort1, &CameraImpl::GetShort2>(std::uint16_t{}));
+
+using Correction = SDI::TPSCorrectionDataC;
+using CorrectionImpl = ODM::TPSCorrectionDataC;
+static_assert(AllGive<Correction, &Correction::GetFlags>(std::uint32_t{}));
+static_assert(AllGive<CorrectionImpl, &CorrectionImpl::GetFlags>(std::uint32_t{}));
+using Interior = SDI::ImgInteriorOrientationC;
+using InteriorImpl = SDI::ImgInteriorOrientationImplC;
+static_assert(AllGive<Interior, &Interior::GetModelCode>(std::uint32_t{}));
+static_assert(AllGive<InteriorImpl, &InteriorImpl::GetModelCode>(std::uint32_t{}));
+using Info = SDI::InstrumentInfoDataC;
+using InfoImpl = ODM::InstrumentInfoDataC;
+static_assert(AllGive<Info, &Info::GetFlags>(std::uint32_t{}));
+static_assert(AllGive<InfoImpl, &InfoImpl::getFlags>(std::uint32_t{}));
+static_assert(AllGive<Info, &Info::GetNumber1, &Info::GetNumber2, &Info::GetNumber3,
+                      &Info::GetNumber4>(std::int32_t{}));
+static_assert(AllGive<InfoImpl, &InfoImpl::getNumber1, &InfoImpl::getNumber2, &InfoImpl::getNumber3,
+                      &InfoImpl::getNumber4>(std::int32_t{}));
+using Station = SDI::GPSRefStationDataC;
+static_assert(AllGive<Station, &Station::GetStationNumber>(std::uint16_t{}));
+static_assert(AllGive<Station, &Station::GetStationKind, &Station::GetStationCode2,
+                      &Station::GetValidMask>(std::uint8_t{}));
+
+// What a class does not offer.
+template <class R>
+concept ChangesItsUndulation = requires(R& memento) {
+  memento.SetUndulation(1.0F);
+}
+|| requires(R& memento) { memento.SetSource(1); }
+|| requires(R& memento) { memento.SetValid(1); };
+static_assert(!ChangesItsUndulation<SDI::UndulationMementoC>);
+static_assert(!ChangesItsUndulation<ODM::UndulationMementoC>);
+
+template <class R>
+constexpr bool TakesTheValuesOfADisplay() {
+  return std::is_constructible_v<R, std::uint32_t, std::int16_t, std::int16_t, std::int16_t,
+                                 std::int16_t, std::int16_t, std::int16_t, std::uint32_t>;
+}
+static_assert(!TakesTheValuesOfADisplay<SDI::DisplayAttributesC>());
+static_assert(!TakesTheValuesOfADisplay<ODM::DisplayAttributesC>());
+
+template <class R>
+concept ChangesItsStation = requires(R& station) {
+  station.SetStationNumber(1);
+}
+|| requires(R& station) { station.SetStationKind(1); }
+|| requires(R& station) { station.SetStationCode2(1); }
+|| requires(R& station) { station.SetValidMask(1); }
+|| requires(R& station, SDI::CoordinateReferenceSystemC part) { station.SetReferenceSystem(part); }
+|| requires(R& station, SDI::CoordinatePointC part) { station.SetPoint(part); }
+|| requires(R& station, SDI::GPSAntHeightC part) { station.SetAntennaHeight(part); };
+static_assert(!ChangesItsStation<SDI::GPSRefStationDataC>);
 
 }  // namespace

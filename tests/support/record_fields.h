@@ -35,6 +35,8 @@ struct Field {
   std::function<std::string(const Record&)> show;
   /// Writes a value that is no field's default; another `seed` gives another value, but in a bool.
   std::function<void(Record&, int seed)> fill;
+  /// What `show` gives after `fill` with the same seed.
+  std::function<std::string(int seed)> filled;
   /// Moves a number by `units` of its smallest units; changes a text or a bool unless it is 0.
   std::function<void(Record&, int units)> move;
   /// Writes NaN. Empty when the field has none.
@@ -123,6 +125,7 @@ Field<Record> MakeField(std::string name, Get get, Set set) {
   field.compared = std::floating_point<Value> ? Compared::kWithTolerance : Compared::kExactly;
   field.show = [read](const Record& record) { return Show(read(record)); };
   field.fill = [write](Record& record, int seed) { write(record, Sample<Value>(seed)); };
+  field.filled = [](int seed) { return Show(Sample<Value>(seed)); };
   field.move = [read, write](Record& record, int units) {
     write(record, Moved(read(record), units));
   };
@@ -151,6 +154,7 @@ Fields<Record> FieldsOfPart(const std::string& name, Get get, Set set, const Fie
     field.compared = part.compared;
     field.show = [get, part](const Record& record) { return part.show(std::invoke(get, record)); };
     field.fill = change(part.fill);
+    field.filled = part.filled;
     field.move = change(part.move);
     if (part.spoil) field.spoil = change(part.spoil);
     fields.push_back(std::move(field));

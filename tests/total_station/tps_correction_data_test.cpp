@@ -39,6 +39,11 @@ TEST(TPSCorrectionData, ConvertsBetweenPpmAndScale) {
   EXPECT_EQ(correction.PpmFromScale(1.0), 0.0);
   EXPECT_EQ(correction.PpmFromScale(0.0), -1e6);
   EXPECT_EQ(correction.PpmFromScale(1.5), 500000.0);
+  // Here a product with 1e-6 and a quotient by 1e6 round differently, and so do their inverses.
+  EXPECT_EQ(correction.ScaleFromPpm(367.75), 1.00036775);
+  EXPECT_EQ(correction.ScaleFromPpm(-44.4), 0.9999556000000001);
+  EXPECT_EQ(correction.PpmFromScale(1.9341), 934099.9999999999);
+  EXPECT_EQ(correction.PpmFromScale(0.8743), -125700.00000000003);
   // 0.999 - 1 is off by half a unit in the last place of 0.999, times a million.
   EXPECT_NEAR(correction.PpmFromScale(0.999), -1000.0, 1e-9);
 }

@@ -1,0 +1,19 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_COUNTED_POINT_H_
+#define SURVEYDATA_TESTS_SUPPORT_COUNTED_POINT_H_
+
+#include <surveydata/geodetic/coordinate_point.h>
+
+/// The public object of a point that counts how many of its kind are destroyed.
+class CountedPointC : public SDI::CoordinatePointC {
+ public:
+  CountedPointC(ODM::CoordinatePointC* impl, int& destroyed)
+      : CoordinatePointC(impl), destroyed_(destroyed) {}
+  CountedPointC(const CountedPointC&) = delete;
+  CountedPointC& operator=(const CountedPointC&) = delete;
+  ~CountedPointC() override { ++destroyed_; }
+
+ private:
+  int& destroyed_;
+};
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_COUNTED_POINT_H_
