@@ -22,7 +22,7 @@ class SURVEYDATA_API BaseC {
   /// Links to `impl` as `SetImpl` does.
   explicit BaseC(ImplObjectC* impl) { BaseC::SetImpl(impl); }
   /// Unlinks the implementation, then deletes it.
-  virtual ~BaseC();
+  virtual inline ~BaseC();
 
   /// Copies the pointer alone and touches no link. Public classes copy data instead.
   BaseC& operator=(const BaseC& other) noexcept = default;
@@ -52,7 +52,7 @@ class SURVEYDATA_API ImplObjectC {
   /// An implementation without an owner: copying never copies the link.
   ImplObjectC(const ImplObjectC& other) noexcept;
   /// Unlinks the owner, then deletes it.
-  virtual ~ImplObjectC();
+  virtual inline ~ImplObjectC();
 
   /// Leaves both owners as they are.
   ImplObjectC& operator=(const ImplObjectC& other) noexcept;
