@@ -58,6 +58,8 @@ class SURVEYDATA_API CoordinatePointC : public API::HandleC<ODM::CoordinatePoint
   bool IsEqual(const CoordinatePointC& other) const;
 };
 
+static_assert(sizeof(CoordinatePointC) == 16 && sizeof(ODM::CoordinatePointC) == 40);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_POINT_H_

@@ -72,6 +72,8 @@ class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQua
   bool IsEqual(const CoordinateQualityC& other) const;
 };
 
+static_assert(sizeof(CoordinateQualityC) == 16 && sizeof(ODM::CoordinateQualityC) == 72);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_QUALITY_H_

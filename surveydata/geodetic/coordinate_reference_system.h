@@ -64,6 +64,9 @@ class SURVEYDATA_API CoordinateReferenceSystemC
   bool IsEqual(const CoordinateReferenceSystemC& other) const;
 };
 
+static_assert(sizeof(CoordinateReferenceSystemC) == 16 &&
+              sizeof(ODM::CoordinateReferenceSystemC) == 32);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_REFERENCE_SYSTEM_H_

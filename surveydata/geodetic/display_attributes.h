@@ -74,6 +74,8 @@ class SURVEYDATA_API DisplayAttributesC : public API::HandleC<ODM::DisplayAttrib
   void SetOptions(std::uint32_t options);
 };
 
+static_assert(sizeof(DisplayAttributesC) == 16 && sizeof(ODM::DisplayAttributesC) == 40);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_DISPLAY_ATTRIBUTES_H_

@@ -26,15 +26,18 @@ class SURVEYDATA_API InstrumentInfoDataC
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
 
+  /// The record's own identifier: the reference is good until the record is destroyed, and shows
+  /// later changes.
   const API::FixedStringC<16>& getIdentifier() const;
   /// Empty afterwards when `identifier` has more than 16 units or is null.
   void setIdentifier(const char16_t* identifier);
   std::uint32_t getFlags() const;
   /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
   void setFlags(std::uint32_t set, std::uint32_t clear);
-  /// A text's pointer stays good until that text is set again or assigned to.
+  /// A text's pointer is good until that text is set again or assigned to, or the record is
+  /// destroyed. A setter takes null for the empty text.
+  /// @{
   const char* getText1() const;
-  /// Null stands for the empty text.
   void setText1(const char* text1);
   const char* getText2() const;
   void setText2(const char* text2);
@@ -42,6 +45,7 @@ class SURVEYDATA_API InstrumentInfoDataC
   void setText3(const char* text3);
   const char* getText4() const;
   void setText4(const char* text4);
+  /// @}
   float getValue() const;
   void setValue(float value);
   std::int32_t getNumber1() const;
@@ -87,15 +91,18 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
 
+  /// The record's own identifier: the reference is good until the record is destroyed, and shows
+  /// later changes.
   const API::FixedStringC<16>& GetIdentifier() const;
   /// Empty afterwards when `identifier` has more than 16 units or is null.
   void SetIdentifier(const char16_t* identifier);
   std::uint32_t GetFlags() const;
   /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
-  /// A text's pointer stays good until that text is set again or assigned to.
+  /// A text's pointer is good until that text is set again or assigned to, or the record is
+  /// destroyed. A setter takes null for the empty text.
+  /// @{
   const char* GetText1() const;
-  /// Null stands for the empty text.
   void SetText1(const char* text1);
   const char* GetText2() const;
   void SetText2(const char* text2);
@@ -103,6 +110,7 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   void SetText3(const char* text3);
   const char* GetText4() const;
   void SetText4(const char* text4);
+  /// @}
   float GetValue() const;
   void SetValue(float value);
   std::int32_t GetNumber1() const;
@@ -118,6 +126,8 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   /// `API::CompareWithTolerance` in single precision. A NaN equals anything.
   bool IsEqual(const InstrumentInfoDataC& other) const;
 };
+
+static_assert(sizeof(InstrumentInfoDataC) == 16);
 
 }  // namespace SDI
 

@@ -148,6 +148,8 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   bool IsEqual(const PositionC& other) const;
 };
 
+static_assert(sizeof(PositionC) == 16 && sizeof(ODM::PositionC) == 216);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_POSITION_H_

@@ -74,6 +74,8 @@ class SURVEYDATA_API QMatrixC : public API::HandleC<ODM::QMatrixC> {
   bool IsEqual(const QMatrixC& other) const;
 };
 
+static_assert(sizeof(QMatrixC) == 16 && sizeof(ODM::QMatrixC) == 40);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_Q_MATRIX_H_

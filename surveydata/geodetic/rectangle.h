@@ -64,6 +64,8 @@ class SURVEYDATA_API RectangleC : public API::HandleC<ODM::RectangleC> {
   void SetTopRight(const CoordinatePointC& topRight);
 };
 
+static_assert(sizeof(RectangleC) == 16 && sizeof(ODM::RectangleC) == 128);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_GEODETIC_RECTANGLE_H_

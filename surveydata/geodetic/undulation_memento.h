@@ -38,9 +38,9 @@ class SURVEYDATA_API UndulationMementoC
 
 namespace SDI {
 
-/// An undulation as it was found for a position: the height of the geoid above the ellipsoid, with
-/// its source and its validity in the coding of the caller. All are 0 by default. A memento changes
-/// only by assignment of another one.
+/// An undulation as it was found for a position: the height of the geoid above the ellipsoid in
+/// metres, with its source and its validity in the coding of the caller. All are 0 by default. A
+/// memento changes only by assignment of another one.
 class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMementoC> {
  public:
   using HandleC::HandleC;
@@ -55,6 +55,8 @@ class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMem
   /// `API::CompareWithTolerance` in single precision. A NaN equals anything.
   bool IsEqual(const UndulationMementoC& other) const;
 };
+
+static_assert(sizeof(UndulationMementoC) == 16 && sizeof(ODM::UndulationMementoC) == 32);
 
 }  // namespace SDI
 

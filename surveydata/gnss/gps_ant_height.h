@@ -90,7 +90,8 @@ class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
   /// than its offset (or either is NaN).
   float GetVerticalHeight() const;
 
-  /// False when either side has no implementation.
+  /// Whether the kinds are the same and height and offset agree within the tolerance of
+  /// `API::CompareWithTolerance`. False when either side has no implementation.
   bool IsEqual(const GPSAntHeightC& other) const;
 };
 

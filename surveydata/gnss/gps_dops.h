@@ -28,10 +28,12 @@ class SURVEYDATA_VISIBLE GPSDOPsFieldsC : public API::ImplC<Self, GPSDOPsC> {
   double GetPDOP() const;
   double GetGDOP() const;
 
-  /// The stored values, in tenths.
+  /// The stored value, in tenths.
+  /// @{
   std::uint16_t GetHDOPTenths() const;
   std::uint16_t GetVDOPTenths() const;
   std::uint16_t GetTDOPTenths() const;
+  /// @}
 
   bool isEqual(const Self& other) const;
 
@@ -87,16 +89,18 @@ class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
     SetImpl(impl);
   }
 
-  /// The horizontal, vertical and time dilution of precision.
+  /// The horizontal dilution of precision.
   double GetHDOP() const;
+  /// The vertical dilution of precision.
   double GetVDOP() const;
+  /// The dilution of precision of the time.
   double GetTDOP() const;
   /// The dilution of the position, sqrt(HDOP^2 + VDOP^2).
   double GetPDOP() const;
   /// The geometric dilution, sqrt(HDOP^2 + VDOP^2 + TDOP^2).
   double GetGDOP() const;
 
-  /// False when either side has no implementation.
+  /// Whether all three stored values are the same. False when either side has no implementation.
   bool IsEqual(const GPSDOPsC& other) const;
 };
 

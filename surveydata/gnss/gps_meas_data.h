@@ -81,11 +81,13 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   using API::ImplC<Self, GPSMeasDataC>::ImplC;
   GPSMeasFieldsC() = default;
 
-  /// The two times, 0 by default; they are always there.
+  /// One of the two times, 0 by default; they are always there.
+  /// @{
   Vorlin::TimeC GetTimeA() const;
   void SetTimeA(const Vorlin::TimeC& time);
   Vorlin::TimeC GetTimeB() const;
   void SetTimeB(const Vorlin::TimeC& time);
+  /// @}
 
   std::uint16_t GetSetMask() const;
   std::uint16_t GetStatusMask() const;
@@ -93,20 +95,26 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool IsStatusBit1() const;
   bool IsStatusBit2() const;
   bool IsStatusBit3() const;
-  /// Status bits are raised here and cleared by nothing but `Reset` of the full implementation.
+  /// Raises the status bit, which nothing but `Reset` of the full implementation clears.
+  /// @{
   void SetStatusBit0();
   void SetStatusBit1();
   void SetStatusBit2();
   void SetStatusBit3();
+  /// @}
 
   /// Without information per system, system 1 counts as used and the others do not.
+  /// @{
   bool IsSystem1Used() const;
   bool IsSystem2Used() const;
   bool IsSystem3Used() const;
+  /// @}
 
   /// The held antenna height, whether it is set or not.
+  /// @{
   const AntHeight& GetAntennaHeight() const;
   AntHeight& GetAntennaHeight();
+  /// @}
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
   void SetAntennaHeight(const AntHeight& antennaHeight);
   /// Does nothing when `antennaHeight` has no implementation of its class.
@@ -119,33 +127,41 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   void SetValues(const std::uint16_t* values, std::uint8_t count);
 
   /// The held dilutions of precision, whether they are set or not.
+  /// @{
   const DOPs& GetDOPs() const;
   DOPs& GetDOPs();
+  /// @}
   bool GetDOPs(GPSDOPsC& dops) const;
   /// -1 for a value that is set but not available.
+  /// @{
   bool GetHDOP(double& hdop) const;
   bool GetPDOP(double& pdop) const;
+  /// @}
   void SetDOPs(const DOPs& dops);
 
   bool GetWord16(std::uint16_t& word) const;
   void SetWord16(std::uint16_t word);
 
-  /// The stored pairs, whether they are set or not.
+  /// The stored pair, whether it is set or not.
+  /// @{
   GPSCounterPair GetStoredTotalPair() const;
   GPSCounterPair GetStoredSystem1Pair() const;
   GPSCounterPair GetStoredSystem2Pair() const;
   GPSCounterPair GetStoredSystem3Pair() const;
+  /// @}
   bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
   void SetTotalPair(std::uint8_t first, std::uint8_t second);
   /// The pair of system 1; without information per system, the total pair.
   bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
   void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
   bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
+  bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
   /// Stores the pair. Whether a pair whose second value is 0 counts as present is where the full
   /// and the compact implementation differ: `Self::kRaisesForZero`.
+  /// @{
   void SetSystem2Pair(std::uint8_t first, std::uint8_t second);
-  bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
   void SetSystem3Pair(std::uint8_t first, std::uint8_t second);
+  /// @}
 
   /// The three components, in the unit and axes of the producer (metres, earth-centred, from frames
   /// of record files).
@@ -317,17 +333,21 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
     SetImpl(impl);
   }
 
-  /// The two times, 0 by default; they are always there.
+  /// One of the two times, 0 by default; they are always there.
+  /// @{
   Vorlin::TimeC GetTimeA() const;
   Vorlin::TimeC GetTimeB() const;
+  /// @}
 
   bool IsStatusBit0() const;
   bool IsStatusBit1() const;
   bool IsStatusBit2() const;
   bool IsStatusBit3() const;
   /// Without information per system, system 1 counts as used and system 2 does not.
+  /// @{
   bool IsSystem1Used() const;
   bool IsSystem2Used() const;
+  /// @}
 
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
   /// Does nothing when `antennaHeight` has no implementation of its class.
@@ -357,7 +377,8 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   std::uint32_t GetValueC() const;
   std::uint8_t GetFlagE() const;
 
-  /// False when either side has no implementation.
+  /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
+  /// terminator, the list up to its count. False when either side has no implementation.
   bool IsEqual(const GPSMeasDataC& other) const;
 };
 

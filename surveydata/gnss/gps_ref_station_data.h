@@ -55,23 +55,31 @@ class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataI
   std::uint8_t GetStationKind() const;
   std::uint8_t GetStationCode2() const;
   std::uint8_t GetValidMask() const;
-  /// Bits 0x1, 0x2 and 0x4 of the valid mask.
+  /// Bit 0x1 of the valid mask.
   bool IsAntennaHeightValid() const;
+  /// Bit 0x2 of the valid mask: whether reference system and point are valid.
   bool IsPositionValid() const;
+  /// Bit 0x4 of the valid mask.
   bool IsFlag3Set() const;
 
-  /// These three copy the part into the argument and answer true; they answer false and leave the
-  /// argument alone when the part is not valid, or the argument has no implementation of its class.
+  /// Copies the part into the argument and answers true; answers false and leaves the argument
+  /// alone when the part is not valid, or the argument has no implementation of its class.
+  /// @{
   bool GetReferenceSystem(CoordinateReferenceSystemC& referenceSystem) const;
   bool GetPoint(CoordinatePointC& point) const;
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
+  /// @}
 
-  /// False when either side has no implementation.
+  /// Whether every field agrees, valid or not, the name and the reserved byte included: numbers of
+  /// the point and the antenna height within the tolerance of `API::CompareWithTolerance`, the name
+  /// up to its terminator, all else exactly. False when either side has no implementation.
   bool IsEqual(const GPSRefStationDataC& other) const;
 
  private:
   bool IsValid(std::uint8_t bit) const;
 };
+
+static_assert(sizeof(GPSRefStationDataC) == 16 && sizeof(GPSRefStationDataImplC) == 200);
 
 }  // namespace SDI
 

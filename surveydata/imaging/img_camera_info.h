@@ -83,6 +83,8 @@ class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
   bool operator==(const ImgCameraInfoC& other) const;
 };
 
+static_assert(sizeof(ImgCameraInfoC) == 16 && sizeof(ImgCameraInfoImplC) == 80);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_IMAGING_IMG_CAMERA_INFO_H_

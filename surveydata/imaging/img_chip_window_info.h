@@ -50,6 +50,8 @@ class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoI
   bool operator==(const ImgChipWindowInfoC& other) const;
 };
 
+static_assert(sizeof(ImgChipWindowInfoC) == 16 && sizeof(ImgChipWindowInfoImplC) == 48);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_IMAGING_IMG_CHIP_WINDOW_INFO_H_

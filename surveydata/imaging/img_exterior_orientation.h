@@ -60,6 +60,8 @@ class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOr
   bool operator==(const ImgExteriorOrientationC& other) const;
 };
 
+static_assert(sizeof(ImgExteriorOrientationC) == 16 && sizeof(ImgExteriorOrientationImplC) == 64);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_IMAGING_IMG_EXTERIOR_ORIENTATION_H_

@@ -67,6 +67,8 @@ class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOr
   bool operator==(const ImgInteriorOrientationC& other) const;
 };
 
+static_assert(sizeof(ImgInteriorOrientationC) == 16 && sizeof(ImgInteriorOrientationImplC) == 72);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_IMAGING_IMG_INTERIOR_ORIENTATION_H_

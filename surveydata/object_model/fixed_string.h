@@ -24,14 +24,18 @@ class SURVEYDATA_VISIBLE FixedStringC {
   /// A text of one unit, 0x00 to 0xFF; empty when `c` is 0.
   explicit FixedStringC(char c);
   /// A text of one unit; empty when `c` is 0.
+  /// @{
   explicit FixedStringC(char16_t c);
   explicit FixedStringC(wchar_t c);
+  /// @}
   /// The bytes of `s`, each a unit of 0x00 to 0xFF. Empty when `s` is longer than `N` or null.
   /// \throws boost::numeric::positive_overflow when `s` has 2^31 bytes or more.
   explicit FixedStringC(const char* s);
   /// The units of `s`. Empty when `s` is longer than `N` or null.
+  /// @{
   explicit FixedStringC(const char16_t* s);
   explicit FixedStringC(const wchar_t* s);
+  /// @}
 
   std::uint64_t GetLength() const { return length_; }
   bool IsEmpty() const { return length_ == 0; }
@@ -45,18 +49,23 @@ class SURVEYDATA_VISIBLE FixedStringC {
   bool operator<=(const FixedStringC& other) const;
 
   /// Appends a unit; changes nothing when the text is full, or has no room for a surrogate pair.
+  /// @{
   FixedStringC& operator+=(char16_t c);
   FixedStringC& operator+=(wchar_t c);
+  /// @}
   /// Appends `c` sign-extended: the bytes 0x80 to 0xFF become the units 0xFF80 to 0xFFFF. The
   /// constructor from a `char` differs.
   FixedStringC& operator+=(char c);
   /// Appends as many units of `s` as fit. `s` may be this text.
   FixedStringC& operator+=(const FixedStringC& s);
   /// Appends as many units of `s` as fit; nothing when `s` alone is longer than `N`.
+  /// @{
   FixedStringC& operator+=(const char16_t* s);
   FixedStringC& operator+=(const wchar_t* s);
+  /// @}
   /// \throws boost::numeric::positive_overflow when `s` has 2^31 bytes or more.
   FixedStringC& operator+=(const char* s);
+  /// This text and as many units of `s` as fit.
   FixedStringC operator+(const FixedStringC& s) const;
 
   /// Keeps `count` units from `start` on and returns `count`. When the text ends before them it
@@ -70,9 +79,11 @@ class SURVEYDATA_VISIBLE FixedStringC {
 
   /// The number at the front of the text as `atoi`, `atof` and `atol` read it; 0 when a unit is
   /// above 255. A number that does not fit is whatever the C runtime makes of it.
+  /// @{
   std::int32_t ToInt() const;
   double ToDouble() const;
   std::int32_t ToLong() const;
+  /// @}
 
   /// Writes the text up to its first 0 unit as UTF-8, one to three bytes a unit.
   ///

@@ -96,7 +96,8 @@ class SURVEYDATA_VISIBLE ImplC : public Base {
  public:
   using Base::Base;
   ImplC() = default;
-  /// Defaults, with `owner` as the owner. The owner learns of its implementation by `SetImpl`.
+  /// Defaults, with `owner` as the owner, which must be of class `Public`; this is not checked. The
+  /// owner learns of its implementation by `SetImpl`.
   explicit ImplC(BaseC* owner) { this->SetBase(owner); }
 
   /// The public object of this implementation, made on the first call and owned by it.

@@ -76,18 +76,20 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   using HandleC::HandleC;
   ScanC() = default;
 
-  /// The texts, terminated by 0. The pointers live as long as the scan and show later changes.
+  /// The text, terminated by 0. The pointer lives as long as the scan and shows later changes.
+  /// @{
   const char16_t* GetText1() const;
+  const char16_t* GetText2() const;
+  const char16_t* GetText3() const;
+  const char16_t* GetText4() const;
+  /// @}
   /// \return false, with the text unchanged, when `text` is null or longer than 32 units.
   bool SetText1(const char16_t* text);
-  const char16_t* GetText2() const;
   /// \return false, with the text unchanged, when `text` is null or longer than 32 units, although
   ///         there is room for 64.
   bool SetText2(const char16_t* text);
-  const char16_t* GetText3() const;
   /// \return false, with the text unchanged, when `text` is null or longer than 255 units.
   bool SetText3(const char16_t* text);
-  const char16_t* GetText4() const;
   /// A text that is null or longer than 64 units empties the field.
   void SetText4(const char16_t* text);
   double GetValue1() const;
@@ -120,6 +122,8 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   /// both scans have one.
   bool IsEqual(const ScanC& other) const;
 };
+
+static_assert(sizeof(ScanC) == 16 && sizeof(ScanImplC) == 952);
 
 }  // namespace SDI
 

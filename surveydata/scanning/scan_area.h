@@ -116,12 +116,14 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
   /// \cost that of `IsAreaValid`; `PreparedAreaC` answers many questions faster.
   bool Contains(double hz, double v) const;
 
-  /// The bounds, rad; the largest finite double when the area is not valid. `GetHzMin` exceeds
+  /// A bound, rad; the largest finite double when the area is not valid. `GetHzMin` exceeds
   /// `GetHzMax` when the area crosses Hz 0.
+  /// @{
   double GetHzMin() const;
   double GetVMin() const;
   double GetHzMax() const;
   double GetVMax() const;
+  /// @}
 
   double GetHzStep() const;
   void SetHzStep(double step);

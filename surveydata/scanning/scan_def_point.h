@@ -69,6 +69,8 @@ class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
   bool operator==(const ScanDefPointC& other) const;
 };
 
+static_assert(sizeof(ScanDefPointC) == 16 && sizeof(ScanDefPointImplC) == 40);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_SCANNING_SCAN_DEF_POINT_H_

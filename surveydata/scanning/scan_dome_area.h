@@ -41,6 +41,8 @@ class SURVEYDATA_API ScanDomeAreaC : public API::HandleC<ScanDomeAreaImplC, Scan
   ScanDomeAreaC();
 };
 
+static_assert(sizeof(ScanDomeAreaC) == 16);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_SCANNING_SCAN_DOME_AREA_H_

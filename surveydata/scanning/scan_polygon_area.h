@@ -38,6 +38,8 @@ class SURVEYDATA_API ScanPolygonAreaC : public API::HandleC<ScanPolygonAreaImplC
   void SetPoints(const std::vector<ScanDefPointC>& points);
 };
 
+static_assert(sizeof(ScanPolygonAreaC) == 16);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_SCANNING_SCAN_POLYGON_AREA_H_

@@ -42,6 +42,8 @@ class SURVEYDATA_API ScanRectangularAreaC
   bool GetCorners(ScanDefPointC& a, ScanDefPointC& b) const;
 };
 
+static_assert(sizeof(ScanRectangularAreaC) == 16);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_SCANNING_SCAN_RECTANGULAR_AREA_H_

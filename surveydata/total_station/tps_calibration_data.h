@@ -85,6 +85,8 @@ class SURVEYDATA_API TPSCalibrationDataC : public API::HandleC<ODM::TPSCalibrati
   bool IsEqual(const TPSCalibrationDataC& other) const;
 };
 
+static_assert(sizeof(TPSCalibrationDataC) == 16 && sizeof(ODM::TPSCalibrationDataC) == 80);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_CALIBRATION_DATA_H_

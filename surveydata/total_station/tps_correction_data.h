@@ -129,6 +129,8 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   bool IsEqual(const TPSCorrectionDataC& other) const;
 };
 
+static_assert(sizeof(TPSCorrectionDataC) == 16 && sizeof(ODM::TPSCorrectionDataC) == 104);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_CORRECTION_DATA_H_

@@ -205,6 +205,8 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   bool IsEqual(const TPSMeasDataC& other) const;
 };
 
+static_assert(sizeof(TPSMeasDataC) == 16 && sizeof(ODM::TPSMeasDataC) == 224);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_MEAS_DATA_H_

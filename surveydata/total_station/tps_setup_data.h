@@ -116,6 +116,8 @@ class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
   bool IsEqual(const TPSSetupDataC& other) const;
 };
 
+static_assert(sizeof(TPSSetupDataC) == 16 && sizeof(ODM::TPSSetupDataC) == 88);
+
 }  // namespace SDI
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_SETUP_DATA_H_
