@@ -36,7 +36,8 @@ int main() {
 
   // The parts belong to the position: what changes there changes here.
   position.GetCoordinateQuality().SetValidAxes(0x03);
-  std::printf("without a height   %s\n", position.GetStdDev(3, &height) ? "known" : "not known");
+  std::printf("axis 3 not valid   deviation %s\n",
+              position.GetStdDev(3, &height) ? "known" : "not known");
   position.GetCRS().SetHasHeight(0);
   std::printf("dimension          %d\n", position.GetDimension());
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <numbers>
 
 #include <surveydata/total_station/tps_calibration_data.h>
 #include <surveydata/total_station/tps_correction_data.h>
@@ -17,7 +18,7 @@ namespace {
 
 constexpr std::uint32_t kRaw = 0x1;
 constexpr std::uint32_t kCorrected = 0x2;
-constexpr double kGon = 3.14159265358979323846 / 200.0;
+constexpr double kGon = std::numbers::pi / 200.0;
 
 // Directions and distance are the values 1 to 3 of a measurement: Hz, V and the slope distance.
 void Correct(SDI::TPSMeasDataC& target, const SDI::TPSCalibrationDataC& calibration,
@@ -65,10 +66,11 @@ int main() {
   Print("corrected", target);
   std::printf("scale      %.1f ppm\n", correction.PpmFromScale(correction.GetScaleFactor()));
 
+  // The point measured: the reflector, whose height above the ground is left out.
   const double azimuth = target.GetValue1() + setup.GetValue5();
   const double horizontal = target.GetValue3() * std::sin(target.GetValue2());
   std::printf(
-      "target     east %.3f  north %.3f  height %.3f\n",
+      "reflector  east %.3f  north %.3f  height %.3f\n",
       setup.GetValue2() + horizontal * std::sin(azimuth),
       setup.GetValue3() + horizontal * std::cos(azimuth),
       setup.GetValue4() + setup.GetValue1() + target.GetValue3() * std::cos(target.GetValue2()));

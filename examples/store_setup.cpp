@@ -33,14 +33,15 @@ void Write(std::ostream& out, const SDI::TPSSetupDataC& s) {
             s.GetWord1(), s.GetWord2(), s.GetWord3());
 }
 
-// False, with `setup` untouched, when the line does not hold thirteen numbers.
+// False, with `setup` untouched, when the line does not hold thirteen numbers or when the third is
+// no byte. It is read as a wider number: a stream would take a byte for a character.
 bool Read(std::istream& in, SDI::TPSSetupDataC& setup) {
   double value[5];
   float single[3];
   std::uint32_t flags, byte, word[3];
   in >> value[0] >> flags >> byte >> value[1] >> value[2] >> value[3] >> value[4];
   in >> single[0] >> single[1] >> single[2] >> word[0] >> word[1] >> word[2];
-  if (!in) return false;
+  if (!in || byte > 0xFF) return false;
   setup = SDI::TPSSetupDataC(value[0], flags, static_cast<std::uint8_t>(byte), value[1], value[2],
                              value[3], value[4], single[0], single[1], single[2], word[0], word[1],
                              word[2]);
@@ -69,4 +70,9 @@ int main() {
   SDI::TPSSetupDataC restored;
   if (!Read(file, restored)) return 1;
   std::cout << "what is read back is " << Answer(restored.IsEqual(setup)) << '\n';
+
+  std::istringstream damaged("1.623 5 300 634217.482 248903.117 487.264 0.553 0 0 0 0 0 0");
+  if (Read(damaged, restored)) return 1;
+  std::cout << "a line with a byte of 300 is refused and leaves it "
+            << Answer(restored.IsEqual(setup)) << '\n';
 }

@@ -1,0 +1,41 @@
+# Compares the code (```cpp) and output (```text) that ROOT/DOCUMENT shows with the files it comes from.
+# The line before such a block names its file: <!-- examples/NAME.cpp --> for all of it, and
+# <!-- from examples/NAME.cpp --> for lines that stand in it together. Each of FILES is shown.
+cmake_minimum_required(VERSION 3.25)
+
+file(READ ${ROOT}/${DOCUMENT} rest)
+set(shown "")
+while(rest MATCHES "\n```(cpp|text)\n")
+  set(fence "${CMAKE_MATCH_0}")
+  string(FIND "${rest}" "${fence}" at)
+  string(SUBSTRING "${rest}" 0 ${at} before)
+  if(NOT before MATCHES "\n<!-- (from )?([^ \n]+) -->$")
+    message(FATAL_ERROR "${DOCUMENT}: a block without its file, behind\n${before}")
+  endif()
+  set(from "${CMAKE_MATCH_1}")
+  set(name "${CMAKE_MATCH_2}")
+
+  string(LENGTH "${fence}" length)
+  math(EXPR at "${at} + ${length}")
+  string(SUBSTRING "${rest}" ${at} -1 rest)
+  string(FIND "${rest}" "\n```\n" end)
+  if(end LESS 0)
+    message(FATAL_ERROR "${DOCUMENT}: the block of ${name} has no end")
+  endif()
+  math(EXPR length "${end} + 1")
+  string(SUBSTRING "${rest}" 0 ${length} block)
+  string(SUBSTRING "${rest}" ${end} -1 rest)
+
+  file(READ ${ROOT}/${name} file)
+  string(FIND "\n${file}" "\n${block}" found)
+  if(found LESS 0 OR (NOT from AND NOT block STREQUAL file))
+    message(FATAL_ERROR "${DOCUMENT} shows of ${name} what does not stand there:\n${block}")
+  endif()
+  list(APPEND shown ${name})
+endwhile()
+
+foreach(name IN LISTS FILES)
+  if(NOT name IN_LIST shown)
+    message(FATAL_ERROR "${DOCUMENT} does not show ${name}")
+  endif()
+endforeach()
