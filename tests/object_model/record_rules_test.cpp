@@ -288,7 +288,7 @@ TEST(Records, TakeNaNForAnythingWithToleranceAndForNothingWithout) {
   });
 }
 
-// The integers have the widths in which their sources give them.
+// Callers rely on the widths and the signs of the integers.
 template <class Record, auto... getters, class Integer>
 constexpr bool AllGive(Integer /*example*/) {
   return (std::is_same_v<std::invoke_result_t<decltype(getters), const Record&>, Integer> && ...);
