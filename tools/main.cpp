@@ -13,11 +13,13 @@ namespace {
 using Tool::ExitCode;
 
 ExitCode Run(int argc, char** argv) {
-  CLI::App app("Works with the record files and the scan areas of a surveying instrument.", "surveydata");
+  CLI::App app("Works with the record files and the scan areas of a surveying instrument.",
+               "surveydata");
   app.set_version_flag("--version", "surveydata " SURVEYDATA_VERSION);
   app.require_subcommand(1);
   app.footer(
-      "Exit codes: 0 done, 1 a finding (a bad frame, a gap, an area that is not valid, a direction\n"
+      "Exit codes: 0 done, 1 a finding (a bad frame, a gap, an area that is not valid, a "
+      "direction\n"
       "outside), 2 wrong usage, 3 a file cannot be read or written.\n\n"
       "Example:\n  surveydata record --help");
   ExitCode result = ExitCode::kDone;

@@ -79,6 +79,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"area", "contains", area, "1,2", "--csv", "-"},
       {"area", "plot", area},
       {"area", "plot", area, "-o", "/dev/null", "--probe", "x"},
+      {"area", "plot", area, "-o", "/dev/null", "--window", "0,0"},
+      {"area", "plot", area, "-o", "/dev/null", "--window", "0,0,"},
       {"area", "plot", area, "-o", "/dev/null", "--window", "0,0,10"},
       {"area", "plot", area, "-o", "/dev/null", "--window", "10,0,0,10"},
       {"area", "plot", area, "-o", area},
