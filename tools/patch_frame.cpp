@@ -1,16 +1,10 @@
 #include "patch_frame.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <array>
+#include <cstddef>
 #include <iterator>
 #include <string_view>
-
-#include <fmt/format.h>
-#include <unistd.h>
 
 #include <surveydata/gnss/record_frame.h>
 
@@ -21,7 +15,6 @@ namespace Tool {
 namespace {
 
 namespace Frame = SDI::RecordFrame;
-namespace fs = std::filesystem;
 
 constexpr std::string_view kNameBlock = "name";
 constexpr std::string_view kAntennaBlock = "antenna height";
@@ -32,51 +25,6 @@ std::string Utf8Of(const std::u16string& units) {
       std::max(0, Frame::EncodeName(units.data(), units.size(), bytes.data(), bytes.size() + 1))));
   return bytes;
 }
-
-// A record file of one frame, for the library's writer, which works on files alone.
-class OneFrameFileC {
- public:
-  explicit OneFrameFileC(std::span<const std::uint8_t> frame)
-      : path_((fs::temp_directory_path() / "surveydata-XXXXXX.rec").string()) {
-    const int file = mkstemps(path_.data(), static_cast<int>(kExtension.size()) + 1);
-    if (file < 0) Refuse("cannot write");
-    const bool isWritten =
-        write(file, frame.data(), frame.size()) == static_cast<ssize_t>(frame.size());
-    if (close(file) != 0 || !isWritten) Refuse("cannot write");
-  }
-  OneFrameFileC(const OneFrameFileC&) = delete;
-  OneFrameFileC& operator=(const OneFrameFileC&) = delete;
-  ~OneFrameFileC() { unlink(path_.c_str()); }
-
-  void Write(const SDI::GPSMeasDataImplC& measurement, SDI::GPSRecordFileInfo info) const {
-    const std::string_view stem =
-        std::string_view(path_).substr(0, path_.size() - kExtension.size() - 1);
-    if (stem.size() >= sizeof(info.path)) Refuse("too long a path for");
-    std::fill(std::begin(info.path), std::end(info.path), '\0');
-    stem.copy(info.path, stem.size());
-    std::fill(std::begin(info.extension), std::end(info.extension), '\0');
-    kExtension.copy(info.extension, kExtension.size());
-    info.offset = 0;
-    if (SDI::GPSRecordFileC::WriteGPSMeasData(&measurement, &info) != SDI::GPSRecordFileC::kDone) {
-      Refuse("cannot patch");
-    }
-  }
-
-  std::vector<std::uint8_t> Read() const {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
-
- private:
-  static constexpr std::string_view kExtension = "rec";
-
-  [[noreturn]] void Refuse(std::string_view what) const {
-    throw ToolErrorC(ExitCode::kFileError, fmt::format("{} the temporary file {}: {}", what, path_,
-                                                       std::strerror(errno)));
-  }
-
-  std::string path_;
-};
 
 bool IsAskedFor(const FrameField& field, const FrameChanges& changes) {
   if (field.block == kNameBlock) {
@@ -131,13 +79,11 @@ PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges&
     measurement.SetAntennaHeight(
         SDI::GPSAntHeightImplC(*changes.antennaHeight, !changes.isSlant, 0.0F));
   }
-  const OneFrameFileC file(frame);
-  file.Write(measurement, info);
-  std::vector<std::uint8_t> after = file.Read();
-
-  if (after.size() != frame.size()) {
-    throw ToolErrorC(ExitCode::kFileError, "the patched frame has another size");
-  }
+  std::array<std::uint8_t, Frame::kMaxSize> buffer{};
+  std::copy(frame.begin(), frame.end(), buffer.begin());
+  Frame::Patch(buffer, &measurement, info);
+  std::vector<std::uint8_t> after(buffer.begin(),
+                                  buffer.begin() + static_cast<std::ptrdiff_t>(frame.size()));
   for (const FrameField& field : fields) {
     if (IsAskedFor(field, changes)) continue;
     std::copy_n(frame.begin() + static_cast<std::ptrdiff_t>(field.at), field.size,

@@ -1,6 +1,6 @@
 #include <cmath>
-#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -46,8 +46,17 @@ std::u16string ParseName(const std::string& utf8) {
   return *units;
 }
 
-float ParseHeight(double metres) {
-  if (!(0.0 <= metres && metres <= kHighestAntenna)) {
+std::int32_t ParseNumber(const std::string& text) {
+  const auto number = ToNumber<std::int32_t>(text);
+  if (!number) throw CLI::ValidationError("--number", "is no decimal number of 32 bits");
+  return *number;
+}
+
+float ParseHeight(const std::string& text) {
+  const auto number = ToNumber<double>(text);
+  if (!number) throw CLI::ValidationError("--antenna-height", "is no decimal number");
+  const double metres = *number;
+  if (!(0.0 <= metres && metres <= kHighestAntenna) || std::signbit(metres)) {
     throw CLI::ValidationError("--antenna-height",
                                fmt::format("must be from 0 to {} metres", kHighestAntenna));
   }
@@ -105,6 +114,8 @@ ExitCode Run(const Options& options) {
   if (!changes.name && !changes.number && !changes.antennaHeight) {
     throw ToolErrorC(ExitCode::kUsage, "nothing to set: give --name, --number or --antenna-height");
   }
+  std::optional<FileReplacementC> replacement;  // holds the lock while the frame is read
+  if (!options.isDryRun) replacement.emplace(options.file);
   const PatchedFrame frame = PatchFrame(FindFrame(options), changes);
   OutputC out;
   if (frame.before == frame.after) {
@@ -112,9 +123,7 @@ ExitCode Run(const Options& options) {
   } else if (options.isDryRun) {
     WriteChanges(out, options.offset, frame);
   } else {
-    FileReplacementC replacement(options.file);
-    replacement.Patch(options.offset, frame.after);
-    replacement.Commit(options.offset, frame.after);
+    replacement->Replace(options.offset, frame.before, frame.after);
   }
   out.Close();
   return ExitCode::kDone;
@@ -130,7 +139,9 @@ void AddRecordSet(CLI::App& record, ExitCode& result) {
       "height and kind of the antenna height, each only when asked for, and the checksum. Every\n"
       "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
       "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
-      "inode, so other hard links keep the old content; symbolic links are followed.");
+      "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
+      "locked (flock) meanwhile, so of several of these commands at once all but one end with 3.\n"
+      "Nobody else may write to it meanwhile: such a change is refused where it is noticed.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
   AddOffsetOption(command, options->offset);
@@ -140,16 +151,17 @@ void AddRecordSet(CLI::App& record, ExitCode& result) {
           "The point name: up to 17 characters, UTF-8")
       ->type_name("TEXT");
   command
-      .add_option_function<std::int32_t>(
-          "--number", [options](const std::int32_t& number) { options->changes.number = number; },
+      .add_option_function<std::string>(
+          "--number",
+          [options](const std::string& text) { options->changes.number = ParseNumber(text); },
           "The number beside the name")
       ->type_name("N");
   CLI::Option* const height =
       command
-          .add_option_function<double>(
+          .add_option_function<std::string>(
               "--antenna-height",
-              [options](const double& metres) {
-                options->changes.antennaHeight = ParseHeight(metres);
+              [options](const std::string& text) {
+                options->changes.antennaHeight = ParseHeight(text);
               },
               "The antenna height in metres, 0 to 1000; vertical unless --slant is given")
           ->type_name("H");

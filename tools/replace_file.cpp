@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
@@ -9,8 +11,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <sys/file.h>
 
 #include "exit_code.h"
 #include "progress.h"
@@ -48,99 +49,155 @@ bool WriteAt(int file, std::uint64_t offset, std::span<const std::uint8_t> bytes
 
 }  // namespace
 
-// Closes on every way out.
-class FileReplacementC::DescriptorC {
+// Holds back the signals that would end the program with the copy left behind.
+class FileReplacementC::SignalsC {
  public:
-  explicit DescriptorC(int descriptor) : descriptor_(descriptor) {}
-  DescriptorC(const DescriptorC&) = delete;
-  DescriptorC& operator=(const DescriptorC&) = delete;
-  ~DescriptorC() {
-    if (descriptor_ >= 0) close(descriptor_);
+  SignalsC() {
+    sigemptyset(&held_);
+    for (const int signal : kSignals) {
+      struct sigaction action {};
+      const bool isIgnored =
+          sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+      if (!isIgnored) sigaddset(&held_, signal);
+    }
+    sigprocmask(SIG_BLOCK, &held_, &before_);
   }
-  int Get() const { return descriptor_; }
+  SignalsC(const SignalsC&) = delete;
+  SignalsC& operator=(const SignalsC&) = delete;
+  ~SignalsC() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+  bool IsAnyPending() const {
+    sigset_t pending;
+    sigpending(&pending);
+    return std::any_of(std::begin(kSignals), std::end(kSignals), [&](int signal) {
+      return sigismember(&held_, signal) == 1 && sigismember(&pending, signal) == 1;
+    });
+  }
 
  private:
-  int descriptor_;
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+  sigset_t held_;
+  sigset_t before_;
 };
 
+// A new file beside the original, removed unless it takes its place.
+class FileReplacementC::CopyC {
+ public:
+  // A short name: that of the original may be as long as a name can be.
+  explicit CopyC(const std::filesystem::path& folder)
+      : path_((folder / ".surveydata.XXXXXX").string()),
+        file_(mkostemp(path_.data(), O_CLOEXEC)),
+        isThere_(file_.Get() >= 0) {}
+  CopyC(const CopyC&) = delete;
+  CopyC& operator=(const CopyC&) = delete;
+  ~CopyC() {
+    if (isThere_) unlink(path_.c_str());
+  }
+
+  bool IsOpen() const { return file_.Get() >= 0; }
+  int Get() const { return file_.Get(); }
+  const std::string& GetPath() const { return path_; }
+  bool Rename(const std::filesystem::path& to) {
+    if (std::rename(path_.c_str(), to.c_str()) != 0) return false;
+    isThere_ = false;
+    return true;
+  }
+
+ private:
+  std::string path_;
+  DescriptorC file_;
+  bool isThere_;
+};
+
+void FileReplacementC::Refuse(const std::string& what) const {
+  throw ToolErrorC(ExitCode::kFileError, fmt::format("{}; {} is as it was", what, file_.string()));
+}
+
 void FileReplacementC::Fail(const std::string& what) const {
-  throw ToolErrorC(ExitCode::kFileError, fmt::format("{}: {}; {} is as it was", what,
-                                                     std::strerror(errno), file_.string()));
+  Refuse(fmt::format("{}: {}", what, std::strerror(errno)));
 }
 
 FileReplacementC::FileReplacementC(const std::string& file) : file_(file) {
-  std::error_code error;
-  file_ = std::filesystem::canonical(file, error);
-  if (error) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", file, error.message()));
-  }
-  // Replacing needs no right to write the file itself, so ask for it.
-  if (access(file_.c_str(), W_OK) != 0) Fail(fmt::format("cannot write {}", file_.string()));
-  const DescriptorC from(open(file_.c_str(), O_RDONLY | O_CLOEXEC));
-  struct stat status {};
-  if (from.Get() < 0 || fstat(from.Get(), &status) != 0) {
-    Fail(fmt::format("cannot read {}", file_.string()));
-  }
-  if (!S_ISREG(status.st_mode)) {
-    throw ToolErrorC(ExitCode::kFileError, fmt::format("{} is no regular file", file_.string()));
-  }
-
-  std::string copy =
-      (file_.parent_path() / fmt::format(".{}.XXXXXX", file_.filename().string())).string();
-  const DescriptorC to(mkostemp(copy.data(), O_CLOEXEC));
-  if (to.Get() < 0) Fail(fmt::format("cannot write a copy beside {}", file_.string()));
-  copy_ = std::move(copy);
-  try {
-    Copy(from.Get(), to.Get(), static_cast<std::uint64_t>(status.st_size));
-    // The owner is kept where the system lets us.
-    if (fchown(to.Get(), status.st_uid, status.st_gid) != 0 && errno != EPERM) {
-      Fail(fmt::format("cannot set the owner of {}", copy_));
+  // Until the lock is on what the path names, not on a file that another one replaced just then.
+  do {
+    std::error_code error;
+    file_ = std::filesystem::canonical(file, error);
+    if (error) {
+      throw ToolErrorC(ExitCode::kFileError,
+                       fmt::format("cannot read {}: {}", file, error.message()));
     }
-    if (fchmod(to.Get(), status.st_mode & 07777) != 0) {
-      Fail(fmt::format("cannot set the permissions of {}", copy_));
+    // Network file systems lock only what is open for writing.
+    const int mode = access(file_.c_str(), W_OK) == 0 ? O_RDWR : O_RDONLY;
+    original_ = DescriptorC(open(file_.c_str(), mode | O_NONBLOCK | O_CLOEXEC));
+    if (original_.Get() < 0 && mode == O_RDWR) {  // a folder, say
+      original_ = DescriptorC(open(file_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     }
-  } catch (...) {
-    unlink(copy_.c_str());  // the destructor does not run
-    throw;
-  }
+    if (original_.Get() < 0 || fstat(original_.Get(), &status_) != 0) {
+      Fail(fmt::format("cannot read {}", file_.string()));
+    }
+    if (!S_ISREG(status_.st_mode)) {
+      Refuse(fmt::format("cannot read {}: no regular file", file_.string()));
+    }
+    if (flock(original_.Get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno == EWOULDBLOCK) Refuse("another program has locked the file");
+      Fail(fmt::format("cannot lock {}", file_.string()));
+    }
+  } while (IsReplaced());
+  if (fstat(original_.Get(), &status_) != 0) Fail(fmt::format("cannot read {}", file_.string()));
 }
 
-FileReplacementC::~FileReplacementC() {
-  if (!copy_.empty()) unlink(copy_.c_str());
+bool FileReplacementC::IsReplaced() const {
+  struct stat now {};
+  return stat(file_.c_str(), &now) != 0 || now.st_ino != status_.st_ino ||
+         now.st_dev != status_.st_dev;
 }
 
-void FileReplacementC::Copy(int from, int to, std::uint64_t size) const {
-  ProgressC progress(size);
+bool FileReplacementC::IsChanged() const {
+  struct stat now {};
+  return IsReplaced() || fstat(original_.Get(), &now) != 0 || now.st_size != status_.st_size ||
+         now.st_mtim.tv_sec != status_.st_mtim.tv_sec ||
+         now.st_mtim.tv_nsec != status_.st_mtim.tv_nsec;
+}
+
+void FileReplacementC::Copy(const CopyC& copy, const SignalsC& signals) const {
+  ProgressC progress(static_cast<std::uint64_t>(status_.st_size));
   std::vector<std::uint8_t> block(kBlock);
   for (std::uint64_t at = 0;;) {
-    const ssize_t count = ReadAt(from, at, block);
+    if (signals.IsAnyPending()) Refuse("interrupted");
+    const ssize_t count = ReadAt(original_.Get(), at, block);
     if (count < 0) Fail(fmt::format("cannot read {}", file_.string()));
     if (count == 0) return;
-    if (!WriteAt(to, at, std::span(block).first(static_cast<std::size_t>(count)))) {
-      Fail(fmt::format("cannot write {}", copy_));
+    if (!WriteAt(copy.Get(), at, std::span(block).first(static_cast<std::size_t>(count)))) {
+      Fail(fmt::format("cannot write {}", copy.GetPath()));
     }
     at += static_cast<std::uint64_t>(count);
     progress.Update(at);
   }
 }
 
-void FileReplacementC::Patch(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
-  const DescriptorC copy(open(copy_.c_str(), O_WRONLY | O_CLOEXEC));
-  if (copy.Get() < 0 || !WriteAt(copy.Get(), offset, bytes)) {
-    Fail(fmt::format("cannot write {}", copy_));
+void FileReplacementC::KeepOwnerAndMode(const CopyC& copy) const {
+  constexpr auto kSameOwner = static_cast<uid_t>(-1);
+  // The group decides who else may use the file; the owner can be kept by root alone.
+  if (fchown(copy.Get(), status_.st_uid, status_.st_gid) != 0 &&
+      (errno != EPERM || fchown(copy.Get(), kSameOwner, status_.st_gid) != 0)) {
+    Fail(fmt::format("cannot give the copy the group of {}", file_.string()));
+  }
+  if (fchmod(copy.Get(), status_.st_mode & 07777) != 0) {
+    Fail(fmt::format("cannot give the copy the permissions of {}", file_.string()));
   }
 }
 
-void FileReplacementC::Verify(std::uint64_t offset, std::span<const std::uint8_t> bytes) const {
-  const DescriptorC file(open(file_.c_str(), O_RDONLY | O_CLOEXEC));
-  const DescriptorC copy(open(copy_.c_str(), O_RDONLY | O_CLOEXEC));
+void FileReplacementC::Verify(const CopyC& copy, std::uint64_t offset,
+                              std::span<const std::uint8_t> bytes) const {
   std::vector<std::uint8_t> expected(kBlock);
   std::vector<std::uint8_t> found(kBlock);
   for (std::uint64_t at = 0;;) {
-    const ssize_t expectedCount = ReadAt(file.Get(), at, expected);
+    const ssize_t expectedCount = ReadAt(original_.Get(), at, expected);
     const ssize_t foundCount = ReadAt(copy.Get(), at, found);
-    if (expectedCount < 0 || foundCount < 0) Fail(fmt::format("cannot read {} back", copy_));
+    if (expectedCount < 0 || foundCount < 0) {
+      Fail(fmt::format("cannot read {} back", copy.GetPath()));
+    }
     const auto count = static_cast<std::size_t>(expectedCount);
     const std::uint64_t end = at + count;
     const std::uint64_t first = std::max(at, offset);
@@ -153,28 +210,38 @@ void FileReplacementC::Verify(std::uint64_t offset, std::span<const std::uint8_t
     }
     if (foundCount != expectedCount ||
         !std::equal(expected.begin(), expected.begin() + expectedCount, found.begin())) {
-      throw ToolErrorC(ExitCode::kFileError,
-                       fmt::format("{} does not read back as written (or the file changed in the "
-                                   "meantime); {} is as it was",
-                                   copy_, file_.string()));
+      Refuse(fmt::format("{} does not read back as written, or the file changed meanwhile",
+                         copy.GetPath()));
     }
     if (count < kBlock) return;
     at = end;
   }
 }
 
-void FileReplacementC::Commit(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
-  {
-    const DescriptorC copy(open(copy_.c_str(), O_RDONLY | O_CLOEXEC));
-    if (copy.Get() < 0 || fsync(copy.Get()) != 0) Fail(fmt::format("cannot write {}", copy_));
+void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
+                               std::span<const std::uint8_t> after) {
+  // Replacing needs no right to write the file itself, so ask for it.
+  if (access(file_.c_str(), W_OK) != 0) Fail(fmt::format("cannot write {}", file_.string()));
+  const SignalsC signals;  // let through when the copy is gone
+  CopyC copy(file_.parent_path());
+  if (!copy.IsOpen()) Fail(fmt::format("cannot write a copy beside {}", file_.string()));
+  Copy(copy, signals);
+  std::vector<std::uint8_t> found(before.size());
+  if (ReadAt(copy.Get(), offset, found) != static_cast<ssize_t>(before.size()) ||
+      !std::equal(before.begin(), before.end(), found.begin())) {
+    Refuse("the file changed meanwhile");
   }
-  Verify(offset, bytes);
-  if (std::rename(copy_.c_str(), file_.c_str()) != 0) {
-    Fail(fmt::format("cannot replace {}", file_.string()));
-  }
-  copy_.clear();
-  const DescriptorC directory(open(file_.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
-  if (directory.Get() < 0 || fsync(directory.Get()) != 0) {
+  if (!WriteAt(copy.Get(), offset, after)) Fail(fmt::format("cannot write {}", copy.GetPath()));
+  KeepOwnerAndMode(copy);
+  if (fsync(copy.Get()) != 0) Fail(fmt::format("cannot write {}", copy.GetPath()));
+  Verify(copy, offset, after);
+  if (signals.IsAnyPending()) Refuse("interrupted");
+  if (IsChanged()) Refuse("the file changed meanwhile");
+  if (!copy.Rename(file_)) Fail(fmt::format("cannot replace {}", file_.string()));
+
+  const DescriptorC folder(open(file_.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
+  // Some file systems have nothing to do for a folder and say so.
+  if ((folder.Get() < 0 || fsync(folder.Get()) != 0) && errno != EINVAL && errno != ENOTSUP) {
     throw ToolErrorC(ExitCode::kFileError,
                      fmt::format("{} is replaced, but its folder could not be brought to the disk: "
                                  "{}",

@@ -1,9 +1,11 @@
 #ifndef SURVEYDATA_TOOLS_TEXT_H_
 #define SURVEYDATA_TOOLS_TEXT_H_
 
+#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace Tool {
 
@@ -14,6 +16,16 @@ std::string ToPrintable(std::u16string_view text);
 /// The 16-bit units of well-formed UTF-8; nothing for any other text, and for characters that need
 /// more than one unit.
 std::optional<std::u16string> ToSingleUnits(std::string_view utf8);
+
+/// The decimal number that the whole text is; nothing for any other text, and out of range.
+template <class Number>
+std::optional<Number> ToNumber(std::string_view text) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || stop != end) return {};
+  return number;
+}
 
 }  // namespace Tool
 

@@ -1,5 +1,4 @@
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -69,43 +68,6 @@ std::span<std::uint8_t> RestOf(Buffer& buffer, const Header& header) {
                                    header.Size() - RecordFrame::kHeaderSize);
 }
 
-// Rewrites the blocks of a frame that an update may change.
-void Patch(Buffer& frame, const GPSMeasDataImplC* measurement, const GPSRecordFileInfo& info) {
-  constexpr std::size_t kFileFlagsSize = 12;
-  constexpr std::size_t kNameSize = 38;
-  constexpr std::size_t kKindAt = 6;
-
-  const std::uint16_t flags = measurement != nullptr
-                                  ? boost::endian::load_little_u16(&frame[RecordFrame::kFlags1At])
-                                  : std::uint16_t{RecordFrame::kFileFlags | RecordFrame::kName};
-  std::uint8_t* block = &frame[RecordFrame::kBlocksAt];
-
-  if ((flags & RecordFrame::kFileFlags) != 0) {
-    block[kKindAt] = (info.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
-    block += kFileFlagsSize;
-  }
-  if ((flags & RecordFrame::kName) != 0) {
-    char16_t units[65];
-    RecordFrame::DecodeName(info.name, sizeof(info.name), units, std::size(units));
-    for (std::size_t i = 0; i < RecordFrame::kNameUnits; ++i) {
-      boost::endian::store_little_u16(block + 2 * i, units[i]);
-    }
-    boost::endian::store_little_s32(block + 2 * RecordFrame::kNameUnits, info.number);
-    block += kNameSize;
-  }
-  if ((flags & RecordFrame::kAntennaHeight) != 0) {
-    const GPSAntHeightImplC none;
-    const bool isSet = (measurement->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
-    const GPSAntHeightImplC& antenna = isSet ? measurement->GetAntennaHeight() : none;
-    float height = 0.0F;
-    bool isVertical = true;
-    antenna.GetHeight(height, isVertical);
-    boost::endian::store_little_u32(block,
-                                    std::bit_cast<std::uint32_t>(antenna.GetVerticalHeight()));
-    block[4] = isVertical ? 0 : RecordFrame::kSlantHeight;
-  }
-}
-
 }  // namespace
 
 std::uint32_t GPSRecordFileC::ReadGPSMeasData(GPSMeasDataImplC* measurement,
@@ -134,7 +96,7 @@ std::uint32_t GPSRecordFileC::WriteGPSMeasData(const GPSMeasDataImplC* measureme
   if (!header.IsMeasurement()) return kBadFrame;
   if (Read(RestOf(frame, header))) {
     if (!RecordFrame::HasRightChecksum(frame.data(), header.length)) return kBadFrame;
-    Patch(frame, measurement, *info);
+    RecordFrame::Patch(frame, measurement, *info);
   }
 
   const std::size_t size = RecordFrame::Build(frame, RecordFrame::kType, RecordFrame::kNoSubType,

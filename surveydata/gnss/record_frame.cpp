@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <bit>
+#include <iterator>
 #include <numeric>
 
 #include <surveydata/gnss/record_frame.h>
@@ -44,6 +46,43 @@ std::size_t Build(std::span<std::uint8_t> buffer, std::uint8_t type, int subType
   if (0 <= subType && subType <= 255) buffer[5] = static_cast<std::uint8_t>(subType);
   boost::endian::store_little_u16(&buffer[length], Checksum(buffer.data(), length));
   return size;
+}
+
+void Patch(std::span<std::uint8_t, kMaxSize> frame, const GPSMeasDataImplC* measurement,
+           const GPSRecordFileInfo& info) {
+  constexpr std::size_t kFileFlagsSize = 12;
+  constexpr std::size_t kNameSize = 38;
+  constexpr std::size_t kKindAt = 6;
+
+  const std::uint16_t flags = measurement != nullptr
+                                  ? boost::endian::load_little_u16(&frame[kFlags1At])
+                                  : std::uint16_t{kFileFlags | kName};
+  std::uint8_t* block = &frame[kBlocksAt];
+
+  if ((flags & kFileFlags) != 0) {
+    block[kKindAt] = (info.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
+    block += kFileFlagsSize;
+  }
+  if ((flags & kName) != 0) {
+    char16_t units[65];
+    DecodeName(info.name, sizeof(info.name), units, std::size(units));
+    for (std::size_t i = 0; i < kNameUnits; ++i) {
+      boost::endian::store_little_u16(block + 2 * i, units[i]);
+    }
+    boost::endian::store_little_s32(block + 2 * kNameUnits, info.number);
+    block += kNameSize;
+  }
+  if ((flags & kAntennaHeight) != 0) {
+    const GPSAntHeightImplC none;
+    const bool isSet = (measurement->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
+    const GPSAntHeightImplC& antenna = isSet ? measurement->GetAntennaHeight() : none;
+    float height = 0.0F;
+    bool isVertical = true;
+    antenna.GetHeight(height, isVertical);
+    boost::endian::store_little_u32(block,
+                                    std::bit_cast<std::uint32_t>(antenna.GetVerticalHeight()));
+    block[4] = isVertical ? 0 : kSlantHeight;
+  }
 }
 
 int EncodeName(const char16_t* units, std::size_t count, char* dst, std::size_t capacity) {

@@ -63,6 +63,13 @@ bool HasRightChecksum(const std::uint8_t* frame, std::size_t length);
 /// \return as `GPSRecordFileC::ReadGPSMeasData`: `kDone` or `kBadFrame`.
 std::uint32_t Decode(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info);
 
+/// Rewrites the blocks that an update may change, where the flags of the frame announce them: kind
+/// byte, name and number, antenna height; without a measurement the first two, whatever the flags.
+/// The checksum is left to `Build`. `frame` is a whole buffer: a frame that is too short for its
+/// blocks is written past its end.
+void Patch(std::span<std::uint8_t, kMaxSize> frame, const GPSMeasDataImplC* measurement,
+           const GPSRecordFileInfo& info);
+
 /// Marks a frame without a sub-type.
 inline constexpr int kNoSubType = -1;
 

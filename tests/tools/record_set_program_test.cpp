@@ -1,21 +1,29 @@
 #include <algorithm>
 #include <bit>
+#include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "exit_code.h"
 #include "program.h"
+#include "replace_file.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using nlohmann::json;
 
 // The frame of the sample that has all three blocks, and what else the tests know of it.
 constexpr std::size_t kFrame = 960;
@@ -193,6 +201,13 @@ TEST_F(RecordSet, RefusesValuesThatAFrameCannotHold) {
       {{"--name", "\xFF"}, "is not UTF-8"},
       {{"--number", "2147483648"}, "--number"},
       {{"--number", "x"}, "--number"},
+      {{"--number", ""}, "--number"},
+      {{"--number", "0x10"}, "--number"},
+      {{"--number", "7 "}, "--number"},
+      {{"--antenna-height", ""}, "is no decimal number"},
+      {{"--antenna-height", "0x1p3"}, "is no decimal number"},
+      {{"--antenna-height", "1,5"}, "is no decimal number"},
+      {{"--antenna-height", "-0.0"}, "must be from 0 to 1000 metres"},
       {{"--antenna-height", "-0.001"}, "must be from 0 to 1000 metres"},
       {{"--antenna-height", "1000.001"}, "must be from 0 to 1000 metres"},
       {{"--antenna-height", "nan"}, "must be from 0 to 1000 metres"},
@@ -220,6 +235,11 @@ TEST_F(RecordSet, TakesTheOutermostNumbersAndHeights) {
     EXPECT_EQ(Set({"--antenna-height", height}).exitCode, 0) << height;
     EXPECT_EQ(Set({"--antenna-height", height, "--slant"}).exitCode, 0) << height;
   }
+}
+
+TEST_F(RecordSet, ReadsNumbersAsDecimal) {
+  EXPECT_EQ(Set({"--number", "010", "--antenna-height", "010"}).exitCode, 0);
+  EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 10, .height = 10.0F}));
 }
 
 TEST_F(RecordSet, KeepsBytesThatTheWriterWouldNormalise) {
@@ -347,6 +367,134 @@ TEST_F(RecordSet, WorksOnLongPathsAndNamesWithoutExtension) {
   EXPECT_TRUE(ReadBytes(file.string()) == Expected({.name = {}, .number = 77, .height = {}}));
 }
 
+TEST_F(RecordSet, WorksOnNamesAsLongAsTheyCanBe) {
+  const std::string file = folder_ / std::string(255, 'n');
+  fs::copy(file_, file);
+  EXPECT_EQ(RunProgram({"record", "set", file, "--offset", "960", "--number", "77"}).exitCode, 0);
+  EXPECT_TRUE(ReadBytes(file) == Expected({.name = {}, .number = 77, .height = {}}));
+}
+
+TEST_F(RecordSet, LosesNothingWhenSeveralRunAtOnce) {
+  // Each ends with 0 and is in the file, or with 3 and is not.
+  Bytes expected = before_;
+  const json index = SampleIndex("valley_drive");
+  std::string command;
+  std::vector<std::size_t> offsets;
+  for (const json& frame : index["frames"]) {
+    const auto offset = frame["offset"].get<std::size_t>();
+    if ((expected[offset + 15] & 0x03) != 0x03) continue;  // no name and number to change
+    offsets.push_back(offset);
+    if (offsets.size() == 12) break;
+  }
+  ASSERT_EQ(offsets.size(), 12u);
+  for (const std::size_t offset : offsets) {
+    const std::string at = std::to_string(offset);
+    command += "{ surveydata record set sample.rec --offset " + at +
+               " --number 4711; echo $? >out." + at + "; } & ";
+  }
+  RunShell("{ " + command + "wait; }", folder_.Path().string());
+  int successes = 0;
+  for (const std::size_t offset : offsets) {
+    const std::string code = Lines(ReadText(folder_ / ("out." + std::to_string(offset)))).at(0);
+    SCOPED_TRACE(offset);
+    EXPECT_TRUE(code == "0" || code == "3") << code;
+    if (code != "0") continue;
+    ++successes;
+    std::uint8_t* const frame = &expected[offset];
+    Change{.name = {}, .number = 4711, .height = {}}.Apply(frame, frame[2] + 256u * frame[3] + 2u);
+  }
+  EXPECT_GE(successes, 1);
+  EXPECT_TRUE(ReadBytes(file_) == expected);
+}
+
+TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasLocked) {
+  const Tool::DescriptorC holder(open(file_.c_str(), O_RDONLY));
+  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
+  const Outcome outcome = Set({"--number", "5"});
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("locked"), std::string::npos) << outcome.err;
+  EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // which writes nothing
+  ExpectUntouched();
+}
+
+TEST_F(RecordSet, RefusesAFileThatChangesMeanwhile) {
+  const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
+  Bytes after = before;
+  Change{.name = {}, .number = 77, .height = {}}.Apply(after.data(), kFrameSize);
+  const struct {
+    const char* what;
+    std::function<void()> change;
+  } cases[] = {
+      {"nothing", [] {}},
+      {"appended to", [&] { Replace(before_ + Bytes{0}); }},
+      {"another file of the same name",
+       [&] {
+         fs::copy(file_, folder_ / "new");
+         fs::rename(folder_ / "new", file_);
+       }},
+      {"another byte, same size",
+       [&] {
+         Bytes bytes = before_;
+         bytes[0] ^= 1;
+         Replace(bytes);
+         fs::last_write_time(file_, fs::file_time_type::clock::now() + std::chrono::hours(1));
+       }},
+      {"a byte of the frame, and the time set back",
+       [&] {
+         const auto time = fs::last_write_time(file_);
+         Bytes bytes = before_;
+         bytes[kFrame + 20] ^= 1;
+         Replace(bytes);
+         fs::last_write_time(file_, time);
+       }},
+  };
+  const Bytes sample = before_;
+  for (const auto& [what, change] : cases) {
+    SCOPED_TRACE(what);
+    Replace(sample);
+    Tool::FileReplacementC replacement(file_);
+    change();
+    if (std::string(what) == "nothing") {
+      replacement.Replace(kFrame, before, after);
+      EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 77, .height = {}}));
+      continue;
+    }
+    EXPECT_THROW(replacement.Replace(kFrame, before, after), Tool::ToolErrorC);
+    ExpectUntouched();
+  }
+}
+
+TEST_F(RecordSet, LeavesNoCopyBehindWhenASignalComes) {
+  const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    SCOPED_TRACE(signal);
+    sigset_t one;
+    sigemptyset(&one);
+    sigaddset(&one, signal);
+    ASSERT_EQ(sigprocmask(SIG_BLOCK, &one, nullptr), 0);
+    std::raise(signal);
+    Tool::FileReplacementC replacement(file_);
+    EXPECT_THROW(replacement.Replace(kFrame, before, before), Tool::ToolErrorC);
+    int received = 0;
+    EXPECT_EQ(sigwait(&one, &received), 0);  // still there for who waits for it
+    EXPECT_EQ(received, signal);
+    sigprocmask(SIG_UNBLOCK, &one, nullptr);
+    ExpectUntouched();
+  }
+
+  // The same in a run of the program: large enough that the signal comes while it copies.
+  fs::resize_file(file_, 64 << 20);
+  const Outcome outcome = RunShell(
+      "{ surveydata record set sample.rec --offset 960 --number 5 & "
+      "until ls -A | grep -q '^[.]surveydata'; do kill -0 $! || break; done; "
+      "kill -TERM $!; wait $!; }",
+      folder_.Path().string());
+  EXPECT_EQ(outcome.exitCode, 128 + SIGTERM) << outcome.err;
+  EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
+  fs::resize_file(file_, before_.size());
+  ExpectUntouched();
+}
+
 TEST_F(RecordSet, LeavesTheFileAsItWasWhenTheDiskTakesNoMore) {
   const Outcome outcome =
       Set({"--number", "5"}, {.shell = "trap '' XFSZ; ulimit -f 16;"});  // 8 KiB or 16 KiB
@@ -390,10 +538,19 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
     EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
     ExpectUntouched();
   }
-  // With both, it works: the refusals above are about the permissions.
   fs::permissions(folder_.Path(), fs::perms{0777});
   fs::permissions(file_, fs::perms{0666});
+  if (geteuid() == 0) {
+    // Who may write, but not give the copy the file's group, would change who can read it.
+    const Outcome outcome = setAsOther();
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("the group of"), std::string::npos) << outcome.err;
+    ExpectUntouched();
+    ASSERT_EQ(chown(file_.c_str(), 0, 65534), 0);
+  }
+  // With all of them, it works: the refusals above are about the permissions.
   EXPECT_EQ(setAsOther().exitCode, 0);
+  EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
 }
 
 }  // namespace
