@@ -56,281 +56,269 @@ bool GPSListBlock::isEqual(const GPSListBlock& other) const {
   return head == other.head && count == other.count && std::equal(entries, end, other.entries);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-Vorlin::TimeC GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTimeA() const {
+template <class Self>
+Vorlin::TimeC GPSMeasFieldsC<Self>::GetTimeA() const {
   return timeA_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTimeA(const Vorlin::TimeC& time) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetTimeA(const Vorlin::TimeC& time) {
   timeA_ = time;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-Vorlin::TimeC GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTimeB() const {
+template <class Self>
+Vorlin::TimeC GPSMeasFieldsC<Self>::GetTimeB() const {
   return timeB_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTimeB(const Vorlin::TimeC& time) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetTimeB(const Vorlin::TimeC& time) {
   timeB_ = time;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSetMask() const {
+template <class Self>
+std::uint16_t GPSMeasFieldsC<Self>::GetSetMask() const {
   return setMask_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStatusMask() const {
+template <class Self>
+std::uint16_t GPSMeasFieldsC<Self>::GetStatusMask() const {
   return statusMask_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit0() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsStatusBit0() const {
   return HasStatus(kStatusBit0);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit1() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsStatusBit1() const {
   return HasStatus(kStatusBit1);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit2() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsStatusBit2() const {
   return HasStatus(kStatusBit2);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsStatusBit3() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsStatusBit3() const {
   return HasStatus(kStatusBit3);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit0() {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetStatusBit0() {
   Raise(0, kStatusBit0);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit1() {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetStatusBit1() {
   Raise(0, kStatusBit1);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit2() {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetStatusBit2() {
   Raise(0, kStatusBit2);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetStatusBit3() {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetStatusBit3() {
   Raise(0, kStatusBit3);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem1Used() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsSystem1Used() const {
   return !HasSet(kHasSystems) || HasStatus(kSystem1);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem2Used() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsSystem2Used() const {
   return HasSet(kHasSystems) && HasStatus(kSystem2);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::IsSystem3Used() const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::IsSystem3Used() const {
   return HasSet(kHasSystems) && HasStatus(kSystem3);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-const AntHeight& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight() const {
+template <class Self>
+auto GPSMeasFieldsC<Self>::GetAntennaHeight() const -> const AntHeight& {
   return antennaHeight_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-AntHeight& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight() {
+template <class Self>
+auto GPSMeasFieldsC<Self>::GetAntennaHeight() -> AntHeight& {
   return antennaHeight_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetAntennaHeight(
-    GPSAntHeightC& antennaHeight) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetAntennaHeight(GPSAntHeightC& antennaHeight) const {
   GPSAntHeightImplC* const to = antennaHeight.GetImpl();
   if (to == nullptr || !HasSet(kHasAntennaHeight)) return false;
   CopyAntennaHeight(antennaHeight_, *to);
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetAntennaHeight(
-    const AntHeight& antennaHeight) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetAntennaHeight(const AntHeight& antennaHeight) {
   antennaHeight_ = antennaHeight;
   Raise(kHasAntennaHeight);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetAntennaHeight(
-    const GPSAntHeightC& antennaHeight) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetAntennaHeight(const GPSAntHeightC& antennaHeight) {
   const GPSAntHeightImplC* const from = antennaHeight.GetImpl();
   if (from == nullptr) return;
   CopyAntennaHeight(*from, antennaHeight_);
   Raise(kHasAntennaHeight);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-std::uint8_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetValueCount() const {
+template <class Self>
+std::uint8_t GPSMeasFieldsC<Self>::GetValueCount() const {
   return valueCount_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-std::uint16_t GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetValue(std::uint8_t index) const {
+template <class Self>
+std::uint16_t GPSMeasFieldsC<Self>::GetValue(std::uint8_t index) const {
   return index < valueCount_ ? values_[index] : std::uint16_t{0};
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetValues(const std::uint16_t* values,
-                                                                 std::uint8_t count) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetValues(const std::uint16_t* values, std::uint8_t count) {
   const std::size_t kept = values != nullptr ? std::min<std::size_t>(count, values_.size()) : 0;
   std::copy_n(values, kept, values_.begin());
   valueCount_ = static_cast<std::uint8_t>(kept);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-const DOPs& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs() const {
+template <class Self>
+auto GPSMeasFieldsC<Self>::GetDOPs() const -> const DOPs& {
   return dops_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-DOPs& GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs() {
+template <class Self>
+auto GPSMeasFieldsC<Self>::GetDOPs() -> DOPs& {
   return dops_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetDOPs(GPSDOPsC& dops) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetDOPs(GPSDOPsC& dops) const {
   GPSDOPsImplC* const to = dops.GetImpl();
   if (to == nullptr || !HasSet(kHasDOPs)) return false;
   *to = GPSDOPsImplC(dops_.GetHDOPTenths(), dops_.GetVDOPTenths(), dops_.GetTDOPTenths());
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetHDOP(double& hdop) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetHDOP(double& hdop) const {
   if (!HasSet(kHasDOPs)) return false;
   hdop = dops_.GetHDOP();
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetPDOP(double& pdop) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetPDOP(double& pdop) const {
   if (!HasSet(kHasDOPs)) return false;
   pdop = dops_.GetPDOP();
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetDOPs(const DOPs& dops) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetDOPs(const DOPs& dops) {
   dops_ = dops;
   Raise(kHasDOPs);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetWord16(std::uint16_t& word) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetWord16(std::uint16_t& word) const {
   if (!HasSet(kHasWord16)) return false;
   word = word16_;
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetWord16(std::uint16_t word) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetWord16(std::uint16_t word) {
   word16_ = word;
   Raise(kHasWord16);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredTotalPair() const {
+template <class Self>
+GPSCounterPair GPSMeasFieldsC<Self>::GetStoredTotalPair() const {
   return totalPair_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem1Pair() const {
+template <class Self>
+GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem1Pair() const {
   return system1Pair_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem2Pair() const {
+template <class Self>
+GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem2Pair() const {
   return system2Pair_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-GPSCounterPair GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetStoredSystem3Pair() const {
+template <class Self>
+GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem3Pair() const {
   return system3Pair_;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetTotalPair(std::uint8_t& first,
-                                                                    std::uint8_t& second) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetTotalPair(std::uint8_t& first, std::uint8_t& second) const {
   return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetTotalPair(std::uint8_t first,
-                                                                    std::uint8_t second) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetTotalPair(std::uint8_t first, std::uint8_t second) {
   totalPair_ = {first, second};
   Raise(kHasTotalPair);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem1Pair(std::uint8_t& first,
-                                                                      std::uint8_t& second) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const {
   if (!HasSet(kHasSystems)) return GetTotalPair(first, second);
   return CopyOut(HasStatus(kSystem1), system1Pair_, first, second);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem1Pair(std::uint8_t first,
-                                                                      std::uint8_t second) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetSystem1Pair(std::uint8_t first, std::uint8_t second) {
   system1Pair_ = {first, second};
   Raise(kHasSystems, kSystem1);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem2Pair(std::uint8_t& first,
-                                                                      std::uint8_t& second) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const {
   return CopyOut(IsSystem2Used(), system2Pair_, first, second);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem2Pair(std::uint8_t first,
-                                                                      std::uint8_t second) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetSystem2Pair(std::uint8_t first, std::uint8_t second) {
   SetLaterSystem(system2Pair_, kSystem2, {first, second});
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetSystem3Pair(std::uint8_t& first,
-                                                                      std::uint8_t& second) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const {
   return CopyOut(IsSystem3Used(), system3Pair_, first, second);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetSystem3Pair(std::uint8_t first,
-                                                                      std::uint8_t second) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetSystem3Pair(std::uint8_t first, std::uint8_t second) {
   SetLaterSystem(system3Pair_, kSystem3, {first, second});
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::GetVector(double (&vector)[3]) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::GetVector(double (&vector)[3]) const {
   if (!HasSet(kHasVector)) return false;
   std::copy(vector_.begin(), vector_.end(), vector);
   return true;
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetVector(const double (&vector)[3]) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetVector(const double (&vector)[3]) {
   std::copy_n(vector, vector_.size(), vector_.begin());
   Raise(kHasVector);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::isEqual(const Self& other) const {
+template <class Self>
+bool GPSMeasFieldsC<Self>::isEqual(const Self& other) const {
   return API::EqualFields<GPSMeasFieldsC>(
       *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_, &GPSMeasFieldsC::extraTime_,
       &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_, &GPSMeasFieldsC::antennaHeight_,
@@ -339,20 +327,19 @@ bool GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::isEqual(const Self& other
       &GPSMeasFieldsC::system2Pair_, &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::Raise(std::uint16_t setBits,
-                                                             std::uint16_t statusBits) {
+template <class Self>
+void GPSMeasFieldsC<Self>::Raise(std::uint16_t setBits, std::uint16_t statusBits) {
   setMask_ = static_cast<std::uint16_t>(setMask_ | setBits);
   statusMask_ = static_cast<std::uint16_t>(statusMask_ | statusBits);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::Clear(std::uint16_t setBits) {
+template <class Self>
+void GPSMeasFieldsC<Self>::Clear(std::uint16_t setBits) {
   setMask_ = static_cast<std::uint16_t>(setMask_ & ~setBits);
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::ResetFields() {
+template <class Self>
+void GPSMeasFieldsC<Self>::ResetFields() {
   setMask_ = 0;
   statusMask_ = 0;
   valueCount_ = 0;
@@ -364,16 +351,15 @@ void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::ResetFields() {
   system3Pair_ = {};
 }
 
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
-void GPSMeasFieldsC<Self, AntHeight, DOPs, ExtraTime>::SetLaterSystem(GPSCounterPair& pair,
-                                                                      std::uint16_t system,
-                                                                      GPSCounterPair value) {
+template <class Self>
+void GPSMeasFieldsC<Self>::SetLaterSystem(GPSCounterPair& pair, std::uint16_t system,
+                                          GPSCounterPair value) {
   pair = value;
   if (value.second != 0 || Self::kRaisesForZero) Raise(kHasSystems, system);
 }
 
-template class GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime>;
-template class GPSMeasFieldsC<ODM::GPSMeasDataC, ODM::GPSAntHeightC, ODM::GPSDOPsC, GPSNoExtraTime>;
+template class GPSMeasFieldsC<GPSMeasDataImplC>;
+template class GPSMeasFieldsC<ODM::GPSMeasDataC>;
 
 std::uint8_t GPSMeasDataImplC::GetExtraTimeCount() const { return extraTime_.count; }
 

@@ -12,8 +12,12 @@
 #include <surveydata/object_model/handle.h>
 #include <surveydata/platform/vorlin_time.h>
 
+namespace ODM {
+class SURVEYDATA_API GPSMeasDataC;
+}
 namespace SDI {
 class SURVEYDATA_API GPSMeasDataC;
+class SURVEYDATA_API GPSMeasDataImplC;
 
 /// Two counters of one kind of satellites. What they count is up to the producer; receivers give
 /// those in view and those used.
@@ -51,13 +55,35 @@ struct SURVEYDATA_API GPSListBlock {
 };
 static_assert(sizeof(GPSListBlock) == 66);
 
+/// What an implementation of a measurement is made of, where the two have classes of their own.
+template <class Self>
+struct GPSMeasParts;
+
+template <>
+struct GPSMeasParts<GPSMeasDataImplC> {
+  using AntHeight = GPSAntHeightImplC;
+  using DOPs = GPSDOPsImplC;
+  using ExtraTime = GPSExtraTime;
+};
+
+template <>
+struct GPSMeasParts<ODM::GPSMeasDataC> {
+  using AntHeight = ODM::GPSAntHeightC;
+  using DOPs = ODM::GPSDOPsC;
+  using ExtraTime = GPSNoExtraTime;
+};
+
 /// What the full and the compact implementation of a measurement share.
 ///
 /// Optional fields carry a bit in the set mask, raised by their setters. A getter of such a field
 /// answers false and leaves its outputs alone while the bit is clear.
-template <class Self, class AntHeight, class DOPs, class ExtraTime>
+template <class Self>
 class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> {
  public:
+  using AntHeight = typename GPSMeasParts<Self>::AntHeight;
+  using DOPs = typename GPSMeasParts<Self>::DOPs;
+  using ExtraTime = typename GPSMeasParts<Self>::ExtraTime;
+
   // Bits of the set mask.
   static constexpr std::uint16_t kHasAntennaHeight = 0x0002;
   static constexpr std::uint16_t kHasDOPs = 0x0004;
@@ -208,10 +234,8 @@ class SURVEYDATA_API GPSMeasDataC;
 }
 namespace SDI {
 class SURVEYDATA_API GPSMeasDataImplC;
-extern template class SURVEYDATA_API
-    GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime>;
-extern template class SURVEYDATA_API
-    GPSMeasFieldsC<ODM::GPSMeasDataC, ODM::GPSAntHeightC, ODM::GPSDOPsC, GPSNoExtraTime>;
+extern template class SURVEYDATA_API GPSMeasFieldsC<GPSMeasDataImplC>;
+extern template class SURVEYDATA_API GPSMeasFieldsC<ODM::GPSMeasDataC>;
 
 /// The data of a `GPSMeasDataC`, and the record that a frame of a record file is read into.
 ///
@@ -219,8 +243,7 @@ extern template class SURVEYDATA_API
 /// 29); a longer or missing one is refused: it empties the field and is reported through the C
 /// runtime, by `errno` ERANGE or EINVAL and, where the runtime has one, its invalid-parameter
 /// handler.
-class SURVEYDATA_API GPSMeasDataImplC
-    : public GPSMeasFieldsC<GPSMeasDataImplC, GPSAntHeightImplC, GPSDOPsImplC, GPSExtraTime> {
+class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> {
  public:
   /// A pair of system 2 or 3 whose second value is 0 is stored but not present.
   static constexpr bool kRaisesForZero = false;
@@ -306,8 +329,7 @@ namespace ODM {
 /// The compact record of a measurement: times, masks, antenna height, values, dilutions of
 /// precision, counters and vector. A public object made by its `GetBase()` finds no implementation
 /// of its own class and answers accordingly.
-class SURVEYDATA_API GPSMeasDataC
-    : public SDI::GPSMeasFieldsC<GPSMeasDataC, GPSAntHeightC, GPSDOPsC, SDI::GPSNoExtraTime> {
+class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
  public:
   /// A pair of system 2 or 3 is present once it is stored.
   static constexpr bool kRaisesForZero = true;

@@ -249,7 +249,8 @@ Decoded Decode(const char* src, std::size_t limit, char16_t* units, std::size_t 
                DecodeRules rules) {
   // The limit does not promise that so many bytes are there: the terminator may end them before.
   const std::size_t most = std::min(limit, kLongest * capacity);
-  const auto* const terminator = static_cast<const char*>(std::memchr(src, 0, most));
+  const void* const found = most != 0 ? std::memchr(src, 0, most) : nullptr;  // `src` may be null
+  const auto* const terminator = static_cast<const char*>(found);
   const auto size = terminator != nullptr ? terminator - src : static_cast<std::ptrdiff_t>(most);
   const Taken taken = DecodeBlocks(src, size, units, static_cast<std::ptrdiff_t>(capacity), rules);
 
