@@ -1,6 +1,6 @@
 #include "area_commands.h"
 
-#include <fmt/core.h>
+#include "message.h"
 
 namespace Tool {
 
@@ -10,7 +10,7 @@ void AddAreaArgument(CLI::App& command, std::string& file) {
 
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
   for (const AreaFault& fault : faults) {
-    fmt::print(stderr, "surveydata: the area is not valid: {}\n", fault.text);
+    Tell("the area is not valid: " + fault.text);
   }
   return faults.empty() ? ExitCode::kDone : ExitCode::kFinding;
 }

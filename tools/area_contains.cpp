@@ -7,6 +7,7 @@
 
 #include <fmt/compile.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <surveydata/scanning/prepared_area.h>
 
@@ -14,6 +15,7 @@
 #include "area_file.h"
 #include "direction_reader.h"
 #include "json_writer.h"
+#include "message.h"
 #include "output.h"
 
 namespace Tool {
@@ -97,6 +99,9 @@ ExitCode Run(const Options& options) {
   const auto answer = std::make_unique<AnswerC>(file, options.isJson);
   for (const Direction& direction : directions) answer->Add(direction);
   if (directions.empty()) {
+    if (options.csv.empty() && isatty(STDIN_FILENO) != 0) {
+      Tell("type directions, one a line: Hz and V; the end of the input (Ctrl-D) ends them");
+    }
     DirectionReaderC reader(options.csv.empty() ? "-" : options.csv);
     for (Direction direction{}; reader.Next(direction);) answer->Add(direction);
   }

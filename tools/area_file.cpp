@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <set>
@@ -20,6 +19,7 @@
 #include <surveydata/scanning/scan_rectangular_area.h>
 
 #include "exit_code.h"
+#include "message.h"
 
 namespace Tool {
 namespace {
@@ -37,8 +37,7 @@ std::string ReadWhole(const std::string& path) {
     }
   }
   if (file == nullptr || std::ferror(file.get()) != 0) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", path, std::strerror(errno)));
+    FailToRead(path);
   }
   return text;
 }

@@ -76,9 +76,7 @@ void AddAreaPlot(CLI::App& area, ExitCode& result) {
       "its bounds and the lowest usable direction. What is filled is what the library answers.");
   const auto options = std::make_shared<Options>();
   AddAreaArgument(command, options->file);
-  command.add_option("-o,--output", options->output, "The picture to write")
-      ->required()
-      ->type_name("OUT.svg");
+  AddOutputOption(command, options->output, "The picture to write", "OUT.svg")->required();
   command
       .add_option("--probe", options->probes,
                   "A direction to ask for and to mark with the answer; can be repeated")

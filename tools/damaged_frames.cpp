@@ -10,7 +10,7 @@
 
 #include <surveydata/gnss/record_frame.h>
 
-#include "exit_code.h"
+#include "message.h"
 
 namespace Tool {
 namespace {
@@ -27,31 +27,33 @@ const char* Reason(std::uint64_t frameEnd, std::uint64_t gapEnd, std::uint64_t f
 DamagedFrameFinderC::DamagedFrameFinderC(const std::string& file)
     : name_(file), file_(std::fopen(file.c_str(), "rb"), &std::fclose) {
   if (file_ == nullptr) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", file, std::strerror(errno)));
+    FailToRead(file);
   }
 }
 
-void DamagedFrameFinderC::Find(std::uint64_t gapOffset, std::uint64_t gapSize,
-                               std::uint64_t fileSize,
+void DamagedFrameFinderC::Find(const SDI::GPSRecordEntry& gap, RecordWalkC& walk,
                                const std::function<void(const DamagedFrame&)>& report) {
-  const std::uint64_t gapEnd = gapOffset + gapSize;
+  constexpr int kFirstByte = Frame::kMagic & 0xFF;
+  const std::uint64_t gapEnd = gap.offset + gap.size;
   std::array<std::uint8_t, std::size_t{64} * 1024> bytes;
-  for (std::uint64_t at = gapOffset; at + Frame::kHeaderSize <= gapEnd;) {
+  for (std::uint64_t at = gap.offset; at + Frame::kHeaderSize <= gapEnd;) {
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), gapEnd - at));
     if (fseeko(file_.get(), static_cast<off_t>(at), SEEK_SET) != 0 ||
         std::fread(bytes.data(), 1, count, file_.get()) != count) {
-      throw ToolErrorC(ExitCode::kFileError,
-                       fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+      FailToRead(name_);
     }
     const std::size_t starts = count - Frame::kHeaderSize + 1;
     for (std::size_t i = 0; i < starts; ++i) {
+      const void* const found = std::memchr(&bytes[i], kFirstByte, starts - i);
+      if (found == nullptr) break;
+      i = static_cast<std::size_t>(static_cast<const std::uint8_t*>(found) - bytes.data());
       const auto header = Frame::Header::Load(&bytes[i]);
       // Less than times and flags is no frame, whatever the checksum.
       if (!header.IsMeasurement() || header.length < Frame::kBlocksAt) continue;
-      report({at + i, header.Size(), Reason(at + i + header.Size(), gapEnd, fileSize)});
+      report({at + i, header.Size(), Reason(at + i + header.Size(), gapEnd, walk.GetFileSize())});
     }
     at += starts;
+    walk.ShowProgress(at);
   }
 }
 

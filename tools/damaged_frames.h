@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "record_walk.h"
+
 namespace Tool {
 
 /// What looks like a measurement frame in a gap: its header stands there, but not its checksum.
@@ -22,8 +24,8 @@ class DamagedFrameFinderC {
  public:
   explicit DamagedFrameFinderC(const std::string& file);
 
-  /// Reports the frames whose headers stand in the gap, in order.
-  void Find(std::uint64_t gapOffset, std::uint64_t gapSize, std::uint64_t fileSize,
+  /// Reports the frames whose headers stand in the gap that `walk` is at, in order.
+  void Find(const SDI::GPSRecordEntry& gap, RecordWalkC& walk,
             const std::function<void(const DamagedFrame&)>& report);
 
  private:

@@ -5,11 +5,11 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
 #include <fmt/format.h>
 
 #include "exit_code.h"
+#include "message.h"
 
 namespace Tool {
 namespace {
@@ -69,8 +69,7 @@ DirectionReaderC::DirectionReaderC(const std::string& path)
       file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb"),
             path == "-" ? &KeepOpen : &std::fclose) {
   if (file_ == nullptr) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+    FailToRead(name_);
   }
 }
 
@@ -82,6 +81,10 @@ bool DirectionReaderC::Next(Direction& direction) {
       return ToolErrorC(ExitCode::kFileError, fmt::format("{}: line {} {}", name_, line_, what));
     };
     if (read.size() + 1 == buffer_.size() && read.back() != '\n') throw refuse("is too long");
+    // The text stops short of the line's end: a zero byte, unless the file ends there.
+    if ((read.empty() || read.back() != '\n') && std::feof(file_.get()) == 0) {
+      throw refuse("has a zero byte");
+    }
     const std::string_view text = Trimmed(read);
     if (text.empty() || text.front() == '#') continue;
     const auto parsed = ParseDirection(text);
@@ -98,8 +101,7 @@ bool DirectionReaderC::Next(Direction& direction) {
     }
   }
   if (std::ferror(file_.get()) != 0) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", name_, std::strerror(errno)));
+    FailToRead(name_);
   }
   return false;
 }

@@ -1,11 +1,16 @@
-#include <cstdio>
 #include <exception>
+#include <sstream>
+#include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
-#include <fmt/core.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "area_commands.h"
 #include "exit_code.h"
+#include "message.h"
+#include "output.h"
 #include "record_commands.h"
 
 namespace {
@@ -28,22 +33,41 @@ ExitCode Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? ExitCode::kDone : ExitCode::kUsage;
+    std::ostringstream help;
+    std::ostringstream complaint;
+    if (app.exit(error, help, complaint) != 0) {
+      const std::string text = complaint.str();
+      Tool::Tell(std::string_view(text).substr(0, text.find_last_not_of('\n') + 1));
+      return ExitCode::kUsage;
+    }
+    Tool::OutputC out;
+    out.Print("{}", help.str());
+    out.Close();
   }
   return result;
+}
+
+// Files do not take the place of standard streams that are closed: messages would go into them.
+void FillStandardStreams() {
+  int file = 0;
+  do {
+    file = open("/dev/null", O_RDONLY);
+  } while (0 <= file && file <= STDERR_FILENO);
+  if (file >= 0) close(file);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  FillStandardStreams();
   ExitCode result = ExitCode::kFileError;
   try {
     result = Run(argc, argv);
   } catch (const Tool::ToolErrorC& error) {
-    fmt::print(stderr, "surveydata: {}\n", error.what());
+    Tool::Tell(error.what());
     result = error.GetCode();
   } catch (const std::exception& error) {
-    fmt::print(stderr, "surveydata: {}\n", error.what());
+    Tool::Tell(error.what());
   }
   return static_cast<int>(result);
 }

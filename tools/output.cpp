@@ -46,4 +46,17 @@ void OutputC::Close() {
   }
 }
 
+CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::string& description,
+                             const std::string& typeName) {
+  return command
+      .add_option_function<std::string>(
+          "-o,--output",
+          [&output](const std::string& name) {
+            if (name.empty()) throw CLI::ValidationError("--output", "needs the name of a file");
+            output = name;
+          },
+          description + "; written in place, so a run that fails leaves a part of it")
+      ->type_name(typeName);
+}
+
 }  // namespace Tool

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace Tool {
@@ -44,6 +45,10 @@ class OutputC {
   std::FILE* file_;
   fmt::memory_buffer buffer_;
 };
+
+/// Adds `-o,--output` with a file name that is not empty.
+CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::string& description,
+                             const std::string& typeName);
 
 }  // namespace Tool
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -19,9 +20,10 @@ constexpr std::uint64_t kWidth = 40;
 
 }  // namespace
 
-ProgressC::ProgressC(std::uint64_t total)
+ProgressC::ProgressC(std::uint64_t total, bool hasRows)
     : total_(total),
-      isWanted_(total > kStep && isatty(STDERR_FILENO) != 0),
+      isWanted_(total > kStep && isatty(STDERR_FILENO) != 0 &&
+                !(hasRows && isatty(STDOUT_FILENO) != 0)),
       nextDraw_(steady_clock::now() + kPatience) {}
 
 ProgressC::~ProgressC() {
@@ -34,8 +36,10 @@ void ProgressC::Draw(std::uint64_t done) {
   if (now < nextDraw_) return;
   nextDraw_ = now + kBetweenDraws;
   const std::uint64_t shown = std::min(done, total_);
-  fmt::print(stderr, "\r[{:<{}}] {:3d}%  {} of {} MiB", std::string(shown * kWidth / total_, '#'),
-             kWidth, shown * 100 / total_, shown / kStep, total_ / kStep);
+  const std::string bar =
+      fmt::format("\r[{:<{}}] {:3d}%  {} of {} MiB", std::string(shown * kWidth / total_, '#'),
+                  kWidth, shown * 100 / total_, shown / kStep, total_ / kStep);
+  std::fputs(bar.c_str(), stderr);
   std::fflush(stderr);
   isDrawn_ = true;
 }

@@ -10,8 +10,9 @@ namespace Tool {
 /// second, and wiped away at the end.
 class ProgressC {
  public:
-  /// `total` in bytes; 0 when it is not known, and no bar then.
-  explicit ProgressC(std::uint64_t total);
+  /// `total` in bytes; 0 when it is not known, and no bar then. With `hasRows` the work writes
+  /// lines to standard output: no bar where that is a terminal too, which would mix them.
+  explicit ProgressC(std::uint64_t total, bool hasRows = false);
   ProgressC(const ProgressC&) = delete;
   ProgressC& operator=(const ProgressC&) = delete;
   ~ProgressC();

@@ -1,13 +1,12 @@
-#include <cstdio>
+#include <cstdint>
 #include <memory>
 #include <string>
-
-#include <fmt/format.h>
 
 #include "csv_writer.h"
 #include "decoded_record.h"
 #include "describe_record.h"
 #include "json_writer.h"
+#include "message.h"
 #include "output.h"
 #include "record_commands.h"
 #include "record_walk.h"
@@ -34,28 +33,24 @@ void WriteJson(OutputC& out, const DecodedRecord& record) {
 }
 
 ExitCode Run(const Options& options) {
-  RecordWalkC walk(options.file);
+  RecordWalkC walk(options.file, options.output.empty());
   OutputC out(options.output, options.file);
   if (options.isCsv) WriteCsv(out, DecodedRecord(), CsvWriterC::Row::kHeader);
-  ExitCode result = ExitCode::kDone;
-  SDI::GPSRecordEntry entry;
-  while (walk.Next(entry)) {
-    if (!entry.IsMeasurement()) continue;
-    const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
-    if (!record.IsDone()) {
-      fmt::print(stderr, "surveydata: the frame at {} is left out: its blocks do not fit\n",
-                 entry.offset);
-      result = ExitCode::kFinding;
-      continue;
-    }
+  std::uint64_t count = 0;
+  ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
+    ++count;
     if (options.isCsv) {
       WriteCsv(out, record, CsvWriterC::Row::kRecord);
     } else {
       WriteJson(out, record);
     }
     out.FlushIfFull();
-  }
+  });
   out.Close();
+  if (count == 0 && walk.GetFileSize() > 0) {
+    Tell(options.file + " holds no measurement");
+    result = ExitCode::kFinding;
+  }
   return result;
 }
 
@@ -66,12 +61,12 @@ void AddRecordExport(CLI::App& record, ExitCode& result) {
       "export",
       "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
       "A frame whose blocks do not fit is left out, named on standard error, and gives the\n"
-      "exit code 1. Other kinds of records and gaps are passed over.");
+      "exit code 1. Other kinds of records and gaps are passed over; a file that has nothing else\n"
+      "gives the exit code 1 as well.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
   command.add_flag("--csv", options->isCsv, "CSV with a header row, quoted as RFC 4180 has it");
-  command.add_option("-o,--output", options->output, "Write to this file, not standard output")
-      ->type_name("OUT");
+  AddOutputOption(command, options->output, "Write to this file, not standard output", "OUT");
   command.footer("Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv");
   command.callback([options, &result] { result = Run(*options); });
 }

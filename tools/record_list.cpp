@@ -159,7 +159,7 @@ std::string Counted(std::uint64_t count, std::string_view thing) {
 }
 
 ExitCode Run(const Options& options) {
-  RecordWalkC walk(options.file);
+  RecordWalkC walk(options.file, true);
   DamagedFrameFinderC finder(options.file);
   OutputC out;
   std::unique_ptr<ListI> list;
@@ -180,7 +180,7 @@ ExitCode Run(const Options& options) {
       ++gaps;
       gapBytes += entry.size;
       list->Gap(entry);
-      finder.Find(entry.offset, entry.size, walk.GetFileSize(), reportBad);
+      finder.Find(entry, walk, reportBad);
     } else if (!entry.IsMeasurement()) {
       ++others;
       list->Other(entry);

@@ -52,15 +52,9 @@ Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
 
 ExitCode Run(const Options& options) {
   SatelliteSeriesC series;
-  {
-    RecordWalkC walk(options.file);
-    SDI::GPSRecordEntry entry;
-    while (walk.Next(entry)) {
-      if (!entry.IsMeasurement()) continue;
-      const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
-      if (record.IsDone()) series.Add(record);
-    }
-  }
+  RecordWalkC walk(options.file);
+  const ExitCode result =
+      ForEachMeasurement(walk, [&](const DecodedRecord& record) { series.Add(record); });
   if (series.GetRecordCount() == 0) {
     throw ToolErrorC(ExitCode::kFinding,
                      fmt::format("{} holds no measurement to draw", options.file));
@@ -69,7 +63,7 @@ ExitCode Run(const Options& options) {
   OutputC out(options.output, options.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();
-  return ExitCode::kDone;
+  return result;
 }
 
 }  // namespace
@@ -78,12 +72,11 @@ void AddRecordPlot(CLI::App& record, ExitCode& result) {
   CLI::App& command = *record.add_subcommand(
       "plot",
       "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
-      "where time steps by more than three times the median step.");
+      "where time steps by more than three times the median step. A frame whose blocks do not fit\n"
+      "is left out, named on standard error, and gives the exit code 1.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
-  command.add_option("-o,--output", options->output, "The picture to write")
-      ->required()
-      ->type_name("OUT.svg");
+  AddOutputOption(command, options->output, "The picture to write", "OUT.svg")->required();
   command.footer("Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg");
   command.callback([options, &result] { result = Run(*options); });
 }

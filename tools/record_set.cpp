@@ -1,6 +1,7 @@
 #include <cmath>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,8 @@
 #include <surveydata/gnss/record_frame.h>
 
 #include "damaged_frames.h"
+#include "decoded_record.h"
+#include "message.h"
 #include "output.h"
 #include "patch_frame.h"
 #include "record_commands.h"
@@ -79,12 +82,11 @@ std::vector<std::uint8_t> FindFrame(const Options& options) {
       reason = fmt::format("a record of type {} stands there", entry.type);
     } else {
       reason = "no record stands there";
-      DamagedFrameFinderC(options.file)
-          .Find(entry.offset, entry.size, walk.GetFileSize(), [&](const DamagedFrame& frame) {
-            if (frame.offset == options.offset) {
-              reason = fmt::format("a bad frame stands there: {}", frame.reason);
-            }
-          });
+      DamagedFrameFinderC(options.file).Find(entry, walk, [&](const DamagedFrame& frame) {
+        if (frame.offset == options.offset) {
+          reason = fmt::format("a bad frame stands there: {}", frame.reason);
+        }
+      });
     }
     break;
   }
@@ -109,6 +111,13 @@ void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame)
   }
 }
 
+bool IsSlant(std::span<const std::uint8_t> frame) {
+  float height = 0;
+  bool isVertical = true;
+  Decode(0, frame).measurement.GetAntennaHeight().GetHeight(height, isVertical);
+  return !isVertical;
+}
+
 ExitCode Run(const Options& options) {
   const FrameChanges& changes = options.changes;
   if (!changes.name && !changes.number && !changes.antennaHeight) {
@@ -117,9 +126,12 @@ ExitCode Run(const Options& options) {
   std::optional<FileReplacementC> replacement;  // holds the lock while the frame is read
   if (!options.isDryRun) replacement.emplace(options.file);
   const PatchedFrame frame = PatchFrame(FindFrame(options), changes);
+  if (changes.antennaHeight && !changes.isSlant && IsSlant(frame.before)) {
+    Tell("the antenna height becomes a vertical one, without --slant; it is a slant height now");
+  }
   OutputC out;
   if (frame.before == frame.after) {
-    out.Print("The frame at {} holds this already; nothing is changed.\n", options.offset);
+    Tell(fmt::format("the frame at {} holds this already; nothing is changed", options.offset));
   } else if (options.isDryRun) {
     WriteChanges(out, options.offset, frame);
   } else {

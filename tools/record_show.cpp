@@ -1,7 +1,6 @@
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -16,6 +15,7 @@
 #include "describe_record.h"
 #include "explain_frame.h"
 #include "json_writer.h"
+#include "message.h"
 #include "output.h"
 #include "record_commands.h"
 #include "show_writer.h"
@@ -41,8 +41,7 @@ std::vector<std::uint8_t> LoadFrame(const Options& options) {
       file != nullptr && fseeko(file.get(), static_cast<off_t>(options.offset), SEEK_SET) == 0;
   bytes.resize(isInReach ? std::fread(bytes.data(), 1, bytes.size(), file.get()) : 0);
   if (file == nullptr || std::ferror(file.get()) != 0) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", options.file, std::strerror(errno)));
+    FailToRead(options.file);
   }
 
   const auto refuse = [&](std::string_view what) {
@@ -121,7 +120,7 @@ ExitCode Run(const Options& options) {
   }
   out.Close();
   if (record.IsDone()) return ExitCode::kDone;
-  fmt::print(stderr, "surveydata: the blocks of the frame at {} do not fit\n", options.offset);
+  Tell(fmt::format("the blocks of the frame at {} do not fit", options.offset));
   return ExitCode::kFinding;
 }
 

@@ -1,30 +1,44 @@
 #include "record_walk.h"
 
 #include <cerrno>
-#include <cstring>
 
 #include <fmt/format.h>
 
-#include "exit_code.h"
+#include "message.h"
 
 namespace Tool {
 
-RecordWalkC::RecordWalkC(const std::string& file)
-    : file_(file), index_(file.c_str()), progress_(index_.GetFileSize()) {
+RecordWalkC::RecordWalkC(const std::string& file, bool hasRows)
+    : file_(file), index_(file.c_str()), progress_(index_.GetFileSize(), hasRows) {
   if (!index_.IsOpen()) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", file, std::strerror(errno)));
+    FailToRead(file);
   }
 }
 
 bool RecordWalkC::Next(SDI::GPSRecordEntry& entry) {
   const bool isFound = index_.Next(entry);
   if (index_.HasFailed()) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", file_, std::strerror(errno)));
+    FailToRead(file_);
   }
   if (isFound) progress_.Update(entry.offset);
   return isFound;
+}
+
+ExitCode ForEachMeasurement(RecordWalkC& walk,
+                            const std::function<void(const DecodedRecord&)>& visit) {
+  ExitCode result = ExitCode::kDone;
+  SDI::GPSRecordEntry entry;
+  while (walk.Next(entry)) {
+    if (!entry.IsMeasurement()) continue;
+    const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
+    if (record.IsDone()) {
+      visit(record);
+    } else {
+      Tell(fmt::format("the frame at {} is left out: its blocks do not fit", entry.offset));
+      result = ExitCode::kFinding;
+    }
+  }
+  return result;
 }
 
 }  // namespace Tool

@@ -8,7 +8,9 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "../../tools/area_file.h"
 #include "program.h"
@@ -281,6 +283,37 @@ TEST(AreaContains, NamesTheLineThatIsNoDirection) {
 }
 
 // Around the size of a block, and many.
+TEST(AreaContains, RefusesALineWithAZeroByte) {
+  const TempFolderC folder;
+  for (const std::string& line :
+       {std::string("57,92\0\n57,92\n", 13), std::string("\0\n57,92\n", 8),
+        std::string("57,92\n#\0x\n57,92\n", 16)}) {
+    WriteBytes(folder / "in", {line.begin(), line.end()});
+    const Outcome outcome =
+        Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("has a zero byte"), std::string::npos) << outcome.err;
+  }
+  WriteBytes(folder / "in", {'5', '7', ',', '9', '2'});  // no end of the line is no zero byte
+  EXPECT_EQ(Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"}).exitCode, 0);
+}
+
+TEST(AreaContains, SaysOnATerminalThatItWaitsForDirections) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    GTEST_SKIP() << "no terminal to be had";
+  }
+  const std::string name = ptsname(terminal);
+  const int keptOpen = open(name.c_str(), O_RDWR | O_NOCTTY);
+  ASSERT_EQ(write(terminal, "57,92\n\x04", 7), 7);
+  const Outcome outcome =
+      RunShell("surveydata area contains '" + DataPath("areas/facade.json") + "' <" + name, "/");
+  close(keptOpen);
+  close(terminal);
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NE(outcome.err.find("type directions"), std::string::npos) << outcome.err;
+}
+
 TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
   const TempFolderC folder;
   const Tool::AreaFile file = Tool::LoadAreaFile(AreaPath("facade"));

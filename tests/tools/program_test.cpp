@@ -68,6 +68,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "show", file, "--offset", "18446744073709551616"},
       {"record", "set", file, "--name", "A"},
       {"record", "plot", file},
+      {"record", "plot", file, "-o", ""},
+      {"record", "export", file, "-o", ""},
       {"area"},
       {"area", "nonsense"},
       {"area", "info"},
@@ -78,6 +80,7 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"area", "contains", area, "1,2", "1;x"},
       {"area", "contains", area, "1,2", "--csv", "-"},
       {"area", "plot", area},
+      {"area", "plot", area, "-o", ""},
       {"area", "plot", area, "-o", "/dev/null", "--probe", "x"},
       {"area", "plot", area, "-o", "/dev/null", "--window", "0,0"},
       {"area", "plot", area, "-o", "/dev/null", "--window", "0,0,"},
@@ -90,7 +93,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
     const Outcome outcome = RunProgram(arguments);
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_NE(outcome.err, "");
+    EXPECT_TRUE(outcome.err.starts_with("surveydata: ")) << outcome.err;
+    EXPECT_TRUE(outcome.err.ends_with("\n") && !outcome.err.ends_with("\n\n")) << outcome.err;
   }
 }
 
@@ -139,21 +143,51 @@ TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
   const TempFolderC folder;
   const std::string file = DataPath("valley_drive.rec");
   const std::string area = DataPath("areas/facade.json");
-  for (const std::string& command :
-       {"surveydata record list '" + file + "' >/dev/full",
-        "surveydata record show '" + file + "' --offset 960 >/dev/full",
-        "surveydata record export '" + file + "' >/dev/full",
-        "surveydata record export '" + file + "' -o /dev/full",
-        "surveydata record plot '" + file + "' -o /dev/full",
-        "surveydata area info '" + area + "' >/dev/full",
-        "surveydata area outline '" + area + "' >/dev/full",
-        "surveydata area contains '" + area + "' 57,92 >/dev/full",
-        "surveydata area plot '" + area + "' -o /dev/full"}) {
+  for (const std::string& command : std::vector<std::string>{
+           "surveydata --help >/dev/full", "surveydata --version >/dev/full",
+           "surveydata record list --help >/dev/full", "surveydata --version >&-",
+           "surveydata record list '" + file + "' >&-",
+           "surveydata record list '" + file + "' >/dev/full",
+           "surveydata record show '" + file + "' --offset 960 >/dev/full",
+           "surveydata record export '" + file + "' >/dev/full",
+           "surveydata record export '" + file + "' -o /dev/full",
+           "surveydata record plot '" + file + "' -o /dev/full",
+           "surveydata area info '" + area + "' >/dev/full",
+           "surveydata area outline '" + area + "' >/dev/full",
+           "surveydata area contains '" + area + "' 57,92 >/dev/full",
+           "surveydata area plot '" + area + "' -o /dev/full"}) {
     SCOPED_TRACE(command);
     const Outcome outcome = RunShell(command, folder.Path().string());
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_NE(outcome.err.find("cannot write"), std::string::npos) << outcome.err;
   }
+}
+
+TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  const TempFolderC folder;
+  WriteBytes(folder / "bad.rec",
+             MakeFrame(113, MakeBody(0x0008, {2})));  // a block that does not fit
+  const struct {
+    std::string command;
+    int code;
+  } cases[] = {
+      {"surveydata record list missing.rec", 3},
+      {"surveydata record nonsense", 2},
+      {"surveydata record export bad.rec -o out.json", 1},
+      {"surveydata record show bad.rec --offset 0", 1},
+      {"surveydata area info '" + DataPath("valley_drive.rec") + "'", 3},
+  };
+  for (const auto& [command, code] : cases) {
+    for (const char* const where : {" 2>/dev/full", " 2>&-"}) {
+      SCOPED_TRACE(command + where);
+      EXPECT_EQ(RunShell(command + where, folder.Path().string()).exitCode, code);
+    }
+  }
+  const std::string closed = "surveydata record export bad.rec -o out.json 2>&- >&- <&-";
+  EXPECT_EQ(RunShell(closed, folder.Path().string()).exitCode, 1);
+  // No message went into the file that was opened meanwhile.
+  EXPECT_EQ(ReadText(folder / "out.json"), "");
 }
 
 TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {

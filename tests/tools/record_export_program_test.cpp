@@ -211,6 +211,17 @@ TEST(RecordExport, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
   EXPECT_EQ(outcome.err, "surveydata: the frame at 19 is left out: its blocks do not fit\n");
 }
 
+TEST(RecordExport, SaysOfAFileWithoutMeasurementsThatItHasNone) {
+  const TempFolderC folder;
+  for (const Bytes& bytes : {MakeFrame(17, {1, 2, 3}), Bytes(1000, 0), Bytes{1}}) {
+    WriteBytes(folder / "none.rec", bytes);
+    const Outcome outcome = Export(folder / "none.rec");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err.find("holds no measurement"), std::string::npos) << outcome.err;
+  }
+}
+
 TEST(RecordExport, WorksOnAnEmptyFile) {
   const TempFolderC folder;
   EXPECT_EQ(Export(WriteFrames(folder, {})).out, "");

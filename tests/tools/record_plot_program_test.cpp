@@ -144,6 +144,18 @@ TEST(RecordPlot, DrawsASingleMeasurement) {
   EXPECT_EQ(text.find("inf"), std::string::npos);
 }
 
+TEST(RecordPlot, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
+  const TempFolderC folder;
+  const Bytes good = MakeFrame(113, MakeBody(0x0100, {12, 7}));
+  WriteBytes(folder / "two.rec", good + MakeFrame(113, MakeBody(0x0008, {2})));
+  const Outcome outcome = Plot(folder / "two.rec", folder / "out.svg");
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_NE(outcome.err.find("the frame at " + std::to_string(good.size()) + " is left out"),
+            std::string::npos)
+      << outcome.err;
+  EXPECT_EQ(Runs(ParseXml(ReadText(folder / "out.svg")), "#0072b2"), std::vector<std::size_t>{1});
+}
+
 TEST(RecordPlot, RefusesAFileWithoutMeasurementsAndItsOwnInput) {
   const TempFolderC folder;
   const Bytes bytes = MakeFrame(17, {1, 2, 3});

@@ -237,6 +237,15 @@ TEST_F(RecordSet, TakesTheOutermostNumbersAndHeights) {
   }
 }
 
+TEST_F(RecordSet, SaysThatASlantHeightBecomesAVerticalOne) {
+  EXPECT_EQ(Set({"--number", "8"}).err, "");
+  EXPECT_EQ(Set({"--antenna-height", "1.6", "--slant"}).err, "");
+  const Outcome outcome = Set({"--antenna-height", "1.5"});  // the sample's is a slant height
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NE(outcome.err.find("becomes a vertical one"), std::string::npos) << outcome.err;
+  EXPECT_EQ(Set({"--antenna-height", "1.6"}).err, "");
+}
+
 TEST_F(RecordSet, ReadsNumbersAsDecimal) {
   EXPECT_EQ(Set({"--number", "010", "--antenna-height", "010"}).exitCode, 0);
   EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 10, .height = 10.0F}));
@@ -272,7 +281,8 @@ TEST_F(RecordSet, LeavesTheFileAloneWhenItHoldsTheValuesAlready) {
   const std::uint64_t inode = Inode(file_);
   const Outcome outcome = Set({"--name", "Süd-Ø1", "--number", "1"});
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_NE(outcome.out.find("nothing is changed"), std::string::npos);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.err.find("nothing is changed"), std::string::npos);
   EXPECT_EQ(Inode(file_), inode);
 }
 
