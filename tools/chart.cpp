@@ -69,16 +69,21 @@ struct Frame {
   double Y(double value) const { return bottom - value / highest * (bottom - top); }
 };
 
+// Columns of one width, wide enough for the names of all lines in any font.
 void DrawLegend(SvgC& svg, const ChartPanel& panel, double top) {
+  constexpr double kColumn = 96;
   constexpr double kSample = 22;
-  constexpr double kLetter = 7.6;
-  double right = kRight;
-  for (auto line = panel.lines.rbegin(); line != panel.lines.rend(); ++line) {
-    const double left = right - kLetter * static_cast<double>(line->name.size());
-    svg.Text({right, top - 9}, line->name, {.anchor = "end"});
-    svg.Line({left - kSample - 6, top - 13.5}, {left - 6, top - 13.5}, {line->colour, 3.0});
-    right = left - kSample - 24;
+  double left = kRight - kColumn * static_cast<double>(panel.lines.size());
+  for (const ChartLine& line : panel.lines) {
+    svg.Line({left, top - 13.5}, {left + kSample, top - 13.5}, {line.colour, 3.0});
+    svg.Text({left + kSample + 7, top - 9}, line.name);
+    left += kColumn;
   }
+}
+
+bool HasValues(const ChartPanel& panel) {
+  return std::any_of(panel.lines.begin(), panel.lines.end(),
+                     [](const ChartLine& line) { return !line.runs.empty(); });
 }
 
 void DrawLines(SvgC& svg, const ChartPanel& panel, const Frame& frame) {
@@ -116,6 +121,10 @@ void DrawPanel(SvgC& svg, const ChartPanel& panel, Frame frame,
   svg.Text({26, (frame.top + frame.bottom) / 2}, panel.label, {.anchor = "middle", .turned = -90});
   DrawLegend(svg, panel, frame.top);
   DrawLines(svg, panel, frame);
+  if (!HasValues(panel)) {
+    svg.Text({(kLeft + kRight) / 2, (frame.top + frame.bottom) / 2}, "none recorded",
+             {.anchor = "middle", .colour = kQuiet});
+  }
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace Tool {
 
 /// Dilutions of precision and satellite counts over time, in a fixed amount of memory: when there
 /// are more records than a picture can tell apart, neighbours are put together to a group that
-/// keeps the lowest and the highest of each value.
+/// keeps the lowest and the highest of each value, each with its time.
 class SatelliteSeriesC {
  public:
   enum Value : std::size_t { kHDOP, kVDOP, kPDOP, kUsed, kInView, kValueCount };
@@ -26,28 +26,38 @@ class SatelliteSeriesC {
   double GetLastTime() const;
 
   /// The runs of a value. A run ends where a step in time is more than three times the median
-  /// step of all records, or goes backwards, and where records in between lack the value for as
-  /// long.
+  /// step (of the first 4096 records), or goes backwards, and where records in between lack the
+  /// value for as long. Where there are too many gaps to keep them all, what stands around them is
+  /// in runs of one point.
   std::vector<std::vector<ChartPoint>> GetRuns(Value value) const;
 
  private:
+  // What the records of a group have of a value. Times are milliseconds of GPS time.
   struct Range {
-    float lowest;  // above the highest when there is no value
-    float highest;
+    float lowest = 1;  // above the highest when there is no value
+    float highest = 0;
+    std::int64_t lowestAt = 0;
+    std::int64_t highestAt = 0;
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+    bool hasGap = false;
+
     bool IsEmpty() const { return lowest > highest; }
   };
   struct Group {
-    std::int64_t first;  // milliseconds of GPS time
+    std::int64_t first;
     std::int64_t last;
     std::array<Range, kValueCount> values;
   };
 
-  static void Merge(Group& into, const Group& from);
-  bool IsGap(std::int64_t from, std::int64_t to, std::int64_t median) const;
+  static void Merge(Group& into, const Group& from, std::int64_t median);
+  static bool HasGap(const Group& from, const Group& to, std::int64_t median);
+  static bool IsGap(std::int64_t from, std::int64_t to, std::int64_t median);
   std::int64_t MedianStep() const;
   void Condense(bool acrossGaps);
 
   std::uint64_t records_ = 0;
+  std::int64_t median_ = 0;  // of the steps in time; 0 when it is not yet known
   std::vector<Group> groups_;
 };
 

@@ -117,6 +117,36 @@ TEST(RecordPlot, NamesFileAxesAndLines) {
   }
 }
 
+TEST(RecordPlot, SetsTheNamesOfTheLegendBehindTheirSamples) {
+  const TempFolderC folder;
+  Plot(DataPath("valley_drive.rec"), folder / "out.svg");
+  const ptree svg = ParseXml(ReadText(folder / "out.svg"));
+  std::size_t names = 0;
+  double sampleEnd = 0, textEnd = 0, y = 0;
+  for (const auto& [element, child] : svg.get_child("svg")) {
+    const auto attribute = [&child = child](const char* name) {
+      return child.get<double>(std::string("<xmlattr>.") + name);
+    };
+    if (element == "line" && child.get<std::string>("<xmlattr>.stroke-width") == "3") {
+      if (attribute("y1") != y) textEnd = 0;  // the other panel
+      EXPECT_GT(attribute("x1"), textEnd);
+      y = attribute("y1");
+      sampleEnd = attribute("x2");
+    }
+    const std::string text = child.data();
+    if (element != "text" || sampleEnd == 0) continue;
+    for (const char* const name : {"PDOP", "VDOP", "HDOP", "in view", "used"}) {
+      if (text != name) continue;
+      ++names;
+      EXPECT_GT(attribute("x"), sampleEnd) << name;
+      constexpr double kLetter = 9;  // of 13 high, on average at most
+      textEnd = attribute("x") + kLetter * static_cast<double>(text.size());
+      EXPECT_EQ(child.get<std::string>("<xmlattr>.text-anchor", "start"), "start") << name;
+    }
+  }
+  EXPECT_EQ(names, 5u);
+}
+
 TEST(RecordPlot, EscapesTheNameOfTheFile) {
   const TempFolderC folder;
   for (const auto& [name, title] :

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -192,6 +194,57 @@ TEST(SatelliteSeries, KeepsExtremesAndGapsOfManyRecordsInFewPoints) {
   EXPECT_NEAR(low, 1.0, 1e-6);
   EXPECT_NEAR(high, 99.9, 1e-5);
   EXPECT_EQ(extremes(Tool::SatelliteSeriesC::kUsed), std::pair(1.0, 9.0));
+}
+
+// However many gaps there are: each value is drawn at a time that has it, and no line joins what
+// lies on either side of a gap.
+TEST(SatelliteSeries, DrawsNothingWhereNothingIsRecorded) {
+  for (const int bursts : {10, 300, 20'000}) {
+    SCOPED_TRACE(bursts);
+    Tool::SatelliteSeriesC series;
+    std::map<double, double> expected;
+    for (int i = 0; i < 10 * bursts; ++i) {
+      // Ten records a second apart, then a minute of nothing; every third burst lacks the pair.
+      const int burst = i / 10;
+      const int second = 70 * burst + i % 10;
+      Tool::DecodedRecord record;
+      record.measurement.SetTimeA(
+          {static_cast<std::uint16_t>(second / 604800), second % 604800 * 1000});
+      if (burst % 3 != 0) {
+        const int used = 5 + i * 7 % 11;
+        record.measurement.SetTotalPair(20, static_cast<std::uint8_t>(used));
+        expected[second] = used;
+      }
+      series.Add(record);
+    }
+    std::size_t points = 0;
+    for (const auto& run : series.GetRuns(Tool::SatelliteSeriesC::kUsed)) {
+      points += run.size();
+      EXPECT_EQ(static_cast<int>(run.front().time) / 70, static_cast<int>(run.back().time) / 70);
+      for (const Tool::ChartPoint& point : run) {
+        const auto found = expected.find(point.time);
+        ASSERT_NE(found, expected.end()) << point.time;
+        EXPECT_EQ(found->second, point.value);
+      }
+    }
+    EXPECT_GT(points, 0u);
+    EXPECT_LE(points, 8192u);
+    EXPECT_TRUE(series.GetRuns(Tool::SatelliteSeriesC::kHDOP).empty());
+  }
+}
+
+TEST(DrawChart, SaysWhereAPanelHasNothingToShow) {
+  Tool::Chart chart{.title = "t",
+                    .subtitle = "",
+                    .timeLabel = "",
+                    .firstTime = 0,
+                    .lastTime = 1,
+                    .panels = {{"with", false, {{"a", "#000000", 1, {{{0, 1}, {1, 2}}}}}}}};
+  EXPECT_EQ(Tool::DrawChart(chart).find("none recorded"), std::string::npos);
+  chart.panels.push_back({"without", false, {{"b", "#000000", 1, {}}}});
+  const std::string svg = Tool::DrawChart(chart);
+  EXPECT_NE(svg.find("none recorded"), std::string::npos);
+  EXPECT_EQ(svg.find("none recorded"), svg.rfind("none recorded"));
 }
 
 }  // namespace
