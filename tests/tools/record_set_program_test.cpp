@@ -482,18 +482,25 @@ TEST_F(RecordSet, LeavesNoCopyBehindWhenASignalComes) {
     sigemptyset(&one);
     sigaddset(&one, signal);
     ASSERT_EQ(sigprocmask(SIG_BLOCK, &one, nullptr), 0);
+    const auto inherited = std::signal(signal, SIG_DFL);  // it may be ignored, as under nohup
     std::raise(signal);
-    Tool::FileReplacementC replacement(file_);
-    EXPECT_THROW(replacement.Replace(kFrame, before, before), Tool::ToolErrorC);
+    EXPECT_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before), Tool::ToolErrorC);
     int received = 0;
     EXPECT_EQ(sigwait(&one, &received), 0);  // still there for who waits for it
     EXPECT_EQ(received, signal);
+    ExpectUntouched();
+
+    // One that is ignored stops nothing.
+    std::signal(signal, SIG_IGN);
+    std::raise(signal);
+    EXPECT_NO_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before));
     sigprocmask(SIG_UNBLOCK, &one, nullptr);
+    std::signal(signal, inherited);
     ExpectUntouched();
   }
 
   // The same in a run of the program: large enough that the signal comes while it copies.
-  fs::resize_file(file_, 64 << 20);
+  fs::resize_file(file_, 192 << 20);
   const Outcome outcome = RunShell(
       "{ surveydata record set sample.rec --offset 960 --number 5 & "
       "until ls -A | grep -q '^[.]surveydata'; do kill -0 $! || break; done; "
