@@ -87,20 +87,6 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   }
 }
 
-int FromUtf8(Text text, const char* src, std::size_t* inOutLength) {
-  std::size_t limit = inOutLength != nullptr ? *inOutLength : SIZE_MAX;
-  if (inOutLength != nullptr) *inOutLength = 0;
-  if (src == nullptr) return Utf8::kDone;
-  if (limit == SIZE_MAX) limit = 3 * text.Capacity();
-  const Utf8::Decoded decoded =
-      Utf8::Decode(src, limit, text.units.data(), text.Capacity(),
-                   {.readsByteAtLimit = true, .acceptsLeadsFromF0 = true});
-  text.length = std::min(decoded.characters, text.Capacity());
-  text.units.back() = 0;
-  if (inOutLength != nullptr) *inOutLength = decoded.bytes;
-  return decoded.result;
-}
-
 [[gnu::noinline]] bool ToNarrow(std::span<const char16_t> text, char* dst, std::size_t dstSize) {
   if (dst == nullptr || dstSize < text.size()) return false;
   unsigned all = 0;
@@ -245,7 +231,7 @@ int FixedStringC<N>::ToUtf8(char* dst, std::size_t dstSize) const {
 
 template <std::uint16_t N>
 int FixedStringC<N>::FromUtf8(const char* src, std::size_t* inOutLength) {
-  return API::FromUtf8({data_, length_}, src, inOutLength);
+  return Utf8::DecodeText(src, inOutLength, data_, N, length_);
 }
 
 template <std::uint16_t N>

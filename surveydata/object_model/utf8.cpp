@@ -127,8 +127,9 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
   return out + kBlock;
 }
 
-// Decodes eight characters of three bytes each; takes none when one of them is none.
-bool DecodeThreeByteBlock(const char* src, char16_t* units) {
+// Decodes eight characters of three bytes each; takes none when one of them is none. Out of line,
+// where its many constants take no registers from the other kinds of blocks.
+[[gnu::noinline]] bool DecodeThreeByteBlock(const char* src, char16_t* units) {
   constexpr std::uint32_t kMarks = 0xC0C0F0;
   constexpr std::uint32_t kThreeBytes = 0x8080E0;
   std::array<std::uint32_t, kBlock> sequences;
@@ -202,6 +203,53 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
   return {in - src, out - units};
 }
 
+// Stands in both of its callers: for a short text, a call more and its results on the stack are an
+// eighth of the time.
+[[gnu::always_inline]] inline Decoded DecodeInline(const char* src, std::size_t limit,
+                                                   char16_t* units, std::size_t capacity,
+                                                   DecodeRules rules) {
+  // The limit does not promise that so many bytes are there: the terminator may end them before.
+  const std::size_t most = std::min(limit, kLongest * capacity);
+  const void* const found = most != 0 ? std::memchr(src, 0, most) : nullptr;  // `src` may be null
+  const auto* const terminator = static_cast<const char*>(found);
+  const auto size = terminator != nullptr ? terminator - src : static_cast<std::ptrdiff_t>(most);
+  const Taken taken = DecodeBlocks(src, size, units, static_cast<std::ptrdiff_t>(capacity), rules);
+
+  Decoded done{kDone, static_cast<std::size_t>(taken.bytes),
+               static_cast<std::size_t>(taken.characters)};
+  while (done.bytes < limit || (done.bytes == limit && rules.readsByteAtLimit)) {
+    const char* const at = src + done.bytes;
+    const std::size_t left = limit - done.bytes;
+    const unsigned lead = Byte(*at);
+    if (lead == 0) break;
+    auto unit = static_cast<char16_t>(lead);
+    std::size_t bytes = 1;
+    if (lead >= 0x80) {
+      bytes = lead >= 0xE0 ? 3 : 2;
+      if (lead < 0xC0 || (lead >= 0xF0 && !rules.acceptsLeadsFromF0)) {
+        done.result = kInvalid;
+        break;
+      }
+      if (left < bytes) {
+        done.result = kCut;
+        break;
+      }
+      if (!IsContinuation(at[1]) || (bytes == 3 && !IsContinuation(at[2]))) {
+        done.result = kInvalid;
+        break;
+      }
+      unit = bytes == 3 ? Join(lead, at[1], at[2]) : Join(lead, at[1]);
+    }
+    if (done.characters < capacity) units[done.characters] = unit;
+    ++done.characters;
+    done.bytes += bytes;
+  }
+  if (done.result == kDone && done.characters > capacity) done.result = kTooLong;
+  const std::size_t stored = std::min(done.characters, capacity);
+  std::fill(units + stored, units + capacity, u'\0');
+  return done;
+}
+
 }  // namespace
 
 std::size_t Encode(const char16_t* units, std::size_t count, char* dst, std::size_t space) {
@@ -247,46 +295,21 @@ std::size_t Encode(const char16_t* units, std::size_t count, char* dst, std::siz
 
 Decoded Decode(const char* src, std::size_t limit, char16_t* units, std::size_t capacity,
                DecodeRules rules) {
-  // The limit does not promise that so many bytes are there: the terminator may end them before.
-  const std::size_t most = std::min(limit, kLongest * capacity);
-  const void* const found = most != 0 ? std::memchr(src, 0, most) : nullptr;  // `src` may be null
-  const auto* const terminator = static_cast<const char*>(found);
-  const auto size = terminator != nullptr ? terminator - src : static_cast<std::ptrdiff_t>(most);
-  const Taken taken = DecodeBlocks(src, size, units, static_cast<std::ptrdiff_t>(capacity), rules);
+  return DecodeInline(src, limit, units, capacity, rules);
+}
 
-  Decoded done{kDone, static_cast<std::size_t>(taken.bytes),
-               static_cast<std::size_t>(taken.characters)};
-  while (done.bytes < limit || (done.bytes == limit && rules.readsByteAtLimit)) {
-    const char* const at = src + done.bytes;
-    const std::size_t left = limit - done.bytes;
-    const unsigned lead = Byte(*at);
-    if (lead == 0) break;
-    auto unit = static_cast<char16_t>(lead);
-    std::size_t bytes = 1;
-    if (lead >= 0x80) {
-      bytes = lead >= 0xE0 ? 3 : 2;
-      if (lead < 0xC0 || (lead >= 0xF0 && !rules.acceptsLeadsFromF0)) {
-        done.result = kInvalid;
-        break;
-      }
-      if (left < bytes) {
-        done.result = kCut;
-        break;
-      }
-      if (!IsContinuation(at[1]) || (bytes == 3 && !IsContinuation(at[2]))) {
-        done.result = kInvalid;
-        break;
-      }
-      unit = bytes == 3 ? Join(lead, at[1], at[2]) : Join(lead, at[1]);
-    }
-    if (done.characters < capacity) units[done.characters] = unit;
-    ++done.characters;
-    done.bytes += bytes;
-  }
-  if (done.result == kDone && done.characters > capacity) done.result = kTooLong;
-  const std::size_t stored = std::min(done.characters, capacity);
-  std::fill(units + stored, units + capacity, u'\0');
-  return done;
+int DecodeText(const char* src, std::size_t* inOutLength, char16_t* units, std::size_t capacity,
+               std::uint64_t& length) {
+  std::size_t limit = inOutLength != nullptr ? *inOutLength : SIZE_MAX;
+  if (inOutLength != nullptr) *inOutLength = 0;
+  if (src == nullptr) return kDone;
+  if (limit == SIZE_MAX) limit = kLongest * capacity;
+  const Decoded decoded = DecodeInline(src, limit, units, capacity,
+                                       {.readsByteAtLimit = true, .acceptsLeadsFromF0 = true});
+  length = std::min(decoded.characters, capacity);
+  units[capacity] = 0;
+  if (inOutLength != nullptr) *inOutLength = decoded.bytes;
+  return decoded.result;
 }
 
 }  // namespace API::Utf8

@@ -2,6 +2,7 @@
 #define SURVEYDATA_OBJECT_MODEL_UTF8_H_
 
 #include <cstddef>
+#include <cstdint>
 
 /// \file
 /// Internal: UTF-8 as the texts of this library use it, for 16-bit units one by one. Sequences have
@@ -42,6 +43,13 @@ struct DecodeRules {
 /// cleared.
 Decoded Decode(const char* src, std::size_t limit, char16_t* units, std::size_t capacity,
                DecodeRules rules);
+
+/// `Decode` as `FixedStringC::FromUtf8` answers: `inOutLength` is the limit and becomes the bytes
+/// consumed; null or `SIZE_MAX` is a limit of three bytes for each unit. `units` has one unit more
+/// than the capacity, for the terminator, and `length` becomes the number of units before it. A
+/// null `src` changes neither.
+int DecodeText(const char* src, std::size_t* inOutLength, char16_t* units, std::size_t capacity,
+               std::uint64_t& length);
 
 }  // namespace API::Utf8
 
