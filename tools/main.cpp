@@ -7,35 +7,24 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "area_commands.h"
+#include "commands.h"
 #include "exit_code.h"
 #include "message.h"
 #include "output.h"
-#include "record_commands.h"
 
 namespace {
 
 using Tool::ExitCode;
 
 ExitCode Run(int argc, char** argv) {
-  CLI::App app("Works with the record files and the scan areas of a surveying instrument.",
-               "surveydata");
-  app.set_version_flag("--version", "surveydata " SURVEYDATA_VERSION);
-  app.require_subcommand(1);
-  app.footer(
-      "Exit codes: 0 done, 1 a finding (a bad frame, a gap, an area that is not valid, a "
-      "direction\n"
-      "outside), 2 wrong usage, 3 a file cannot be read or written.\n\n"
-      "Example:\n  surveydata record --help");
   ExitCode result = ExitCode::kDone;
-  Tool::AddRecordCommands(app, result);
-  Tool::AddAreaCommands(app, result);
+  const auto app = Tool::MakeCommands(result);
   try {
-    app.parse(argc, argv);
+    app->parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     std::ostringstream help;
     std::ostringstream complaint;
-    if (app.exit(error, help, complaint) != 0) {
+    if (app->exit(error, help, complaint) != 0) {
       const std::string text = complaint.str();
       Tool::Tell(std::string_view(text).substr(0, text.find_last_not_of('\n') + 1));
       return ExitCode::kUsage;
