@@ -1,5 +1,6 @@
-# Says what the shared library LIBRARY weighs, and fails when that is more than it may: 400 KB
-# of 1024 bytes stripped, the C++ and C runtimes as the only libraries it needs, no initialiser but the compiler's.
+# Says what the shared library LIBRARY weighs, and fails when that is more than it may: 400 KB of
+# 1024 bytes stripped, the C++ and C runtimes as the only libraries it needs, no initialiser but the
+# compiler's. It also fails when the loader would leave writable what it fills in.
 cmake_minimum_required(VERSION 3.25)
 
 set(most_bytes 409600)
@@ -24,6 +25,13 @@ message(STATUS "needed libraries: ${text}")
 list(REMOVE_ITEM needed ${runtimes})
 if(needed OR text STREQUAL "")
   message(SEND_ERROR "the library needs more than the runtimes: ${needed}")
+endif()
+
+execute_process(COMMAND ${READELF} -l -W ${LIBRARY}
+  OUTPUT_VARIABLE segments COMMAND_ERROR_IS_FATAL ANY)
+if(NOT dynamic MATCHES "BIND_NOW" OR NOT segments MATCHES "GNU_RELRO" OR
+   segments MATCHES "GNU_STACK[^\n]+RWE")
+  message(SEND_ERROR "tables of addresses stay writable, or the stack is executable")
 endif()
 
 # The one entry of the compiler's start files; each initialiser of a source adds one.

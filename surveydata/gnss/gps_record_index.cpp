@@ -12,7 +12,7 @@ static_assert(GPSRecordEntry::kLongestMeasurement == RecordFrame::kMaxSize);
 // The part of the file that the walk looks at, with the sums of its bytes: the checksum of a record
 // of any length is then one difference, so that no arrangement of bytes makes the walk slow.
 struct GPSRecordIndexC::Window {
-  static constexpr std::size_t kCapacity = 256 * 1024;
+  static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
   static constexpr std::size_t kLongestRecord = 0xFFFF + RecordFrame::kChecksumSize;
   static_assert(kCapacity >= 2 * kLongestRecord);
 

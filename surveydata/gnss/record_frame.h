@@ -27,7 +27,7 @@ inline constexpr std::uint16_t kMinLength = 5;  ///< The checksum stands behind 
 inline constexpr std::uint16_t kMaxLength = 498;
 inline constexpr std::size_t kChecksumSize = 2;
 inline constexpr std::size_t kMaxSize = kMaxLength + kChecksumSize;
-inline constexpr std::uint16_t kNameUnits = 17;
+inline constexpr std::size_t kNameUnits = 17;
 inline constexpr std::size_t kFlags1At = 15;  ///< Behind the header and the times.
 inline constexpr std::size_t kBlocksAt = 17;
 

@@ -35,6 +35,7 @@ WideUnits ToUnits(wchar_t wide) {
   if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
     return {{static_cast<char16_t>(wide), 0}, 1};
   } else {
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): wchar_t is no signed char
     const auto c = static_cast<std::uint32_t>(wide);
     if (c <= 0xFFFF) return {{static_cast<char16_t>(c), 0}, 1};
     if (c > 0x10FFFF) return {{u'\uFFFD', 0}, 1};

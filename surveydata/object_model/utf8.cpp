@@ -14,8 +14,8 @@
 namespace API::Utf8 {
 namespace {
 
-constexpr int kBlock = 8;    // characters
-constexpr int kLongest = 3;  // bytes of a sequence
+constexpr std::ptrdiff_t kBlock = 8;    // characters
+constexpr std::ptrdiff_t kLongest = 3;  // bytes of a sequence
 
 template <std::unsigned_integral Word>
 Word Load(const void* from) {

@@ -119,7 +119,7 @@ bool SphereAreaC::BuildFrame(Frame& frame) const {
   const std::vector<AnglePointC>& edges = frame.edges;
 
   double pointsVMin = edges.front().V;
-  double pointsVMax = edges.front().V;
+  double pointsVMax = pointsVMin;
   for (const AnglePointC& point : edges) {
     if (point.V < pointsVMin) pointsVMin = point.V;
     if (point.V > pointsVMax) pointsVMax = point.V;
@@ -127,7 +127,7 @@ bool SphereAreaC::BuildFrame(Frame& frame) const {
 
   double hzMax = edges.front().Hz;
   double vMin = edges.front().V;
-  double vMax = edges.front().V;
+  double vMax = vMin;
   double winding = 0.0;
   for (std::size_t i = 1; i < edges.size(); ++i) {
     const AnglePointC& current = edges[i];
