@@ -26,7 +26,7 @@ class SURVEYDATA_API PreparedAreaC {
   ~PreparedAreaC();
 
   /// Whether a direction lies inside; angles in rad.
-  /// \cost grows with the number of edges that the direction's meridian crosses.
+  /// \cost grows with the number of edges near the direction, not with that of all.
   bool Contains(double hz, double v) const;
 
   /// Answers for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the three.

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <limits>
 
@@ -12,22 +11,41 @@ namespace {
 // No comparison of the rules is undecided beyond this distance: the rounding to 10 digits, and the
 // accuracy of the arcs.
 constexpr double kMargin = kRoundingMargin;
+// Crossings this far apart are never taken for one, which those are that agree to 10 digits.
+constexpr double kApart = 4e-10;
 // What the ends of the search line may be off, doubled.
 constexpr double kLineMargin = 1e-7;
-// Pieces reach this far beyond their edges, so that a column holds all that may matter to it.
+// A column lists the edges that come this near.
 constexpr double kOverlap = 1e-8;
 constexpr double kMinWidth = 1e-3;
-constexpr double kPiecesPerEdge = 6.0;
 constexpr double kUndecided = std::numeric_limits<double>::infinity();
-
-// The next float that is not below x.
-float UpToFloat(double x) { return static_cast<float>(x * (1.0 + 1e-6)); }
 
 // tan(lat) of a direction, which falls from infinity at the zenith; beyond the poles it stays.
 double TangentOf(double v) {
   if (v < kMargin) return kUndecided;
   if (v > PI - kMargin) return -kUndecided;
   return std::cos(v) / std::sin(v);
+}
+
+// The rows of the cells are even in this, between -1 at the nadir and 1 at the zenith.
+double HeightOf(double tangent) { return tangent / (1.0 + std::fabs(tangent)); }
+
+// How far a sinusoid a cos(x) + b sin(x) swings.
+double Swing(double a, double b) { return std::sqrt(a * a + b * b); }
+
+// How far tan(lat) of an arc may leave the range of its values at two Hz: t'' = -t.
+double BulgeOf(double t1, double t2, double span) {
+  return 0.2 * std::max(std::fabs(t1), std::fabs(t2)) * span * span;
+}
+constexpr double kShortSpan = 1.8;  // up to which that holds
+static_assert(CellGridC::kWidest < kShortSpan);
+
+// Higher than this no direction is asked for but by the rules.
+constexpr double kPoleTangent = 1e9;
+
+// What a difference of directions makes in tan(lat): the derivative, doubled.
+double InTangent(double difference, double tangent) {
+  return 2.0 * difference * (1.0 + tangent * tangent);
 }
 
 // The same values as `NormalizeAngle`, and quick for a in (-2 pi, 2 pi).
@@ -43,14 +61,11 @@ bool IsRegular(const AnglePointC& p) {
   return p.Hz >= -kMargin && p.Hz <= TWO_PI + kMargin && p.V >= 0.0 && p.V <= PI;
 }
 
-// As many columns as there are edges or more, but no more than keeps the lists linear in size.
-std::size_t CountColumns(std::size_t edges, double spans, double width, double minStep) {
-  const double n = static_cast<double>(edges);
-  const double wanted = std::max(n, 16.0);
-  const double crossedAtOnce = spans / width;
-  const double affordable =
-      std::clamp(kPiecesPerEdge * n / std::max(crossedAtOnce, 1.0), 8.0, wanted);
-  return static_cast<std::size_t>(std::max(std::min(affordable, width / minStep), 1.0));
+// Of the first `count` edges.
+double SumOfSpans(const std::vector<AnglePointC>& edges, std::size_t count) {
+  double sum = 0.0;
+  for (std::size_t e = 0; e < count; ++e) sum += std::fabs(edges[2 * e].Hz - edges[2 * e + 1].Hz);
+  return sum;
 }
 
 }  // namespace
@@ -74,455 +89,370 @@ PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area) {
     way_ = Way::kRectangle;
     return;
   }
-  way_ = Way::kColumns;
+  way_ = Way::kCells;
   hasSearchLine_ =
       GreatCircleArcC(SpherePointC({0.0, vLow_}), SpherePointC({0.0, vHigh_})).IsValid();
-  BuildStrips();
-  if (!hasSearchLine_) return;
-  BuildArcs();
-  MeasureCorners();
-  BuildPieces();
-  units_ = {};
-  cornerReach_ = {};
+  std::vector<CellGridC::Part> parts;
+  parts.reserve(4 * edges_.size());
+  BuildStrips(parts);
+  if (hasSearchLine_) BuildCurves(parts);
 }
 
-void PreparedSphereAreaC::BuildArcs() {
-  arcs_.reserve(edges_.size() / 2);
+std::vector<PreparedSphereAreaC::Corner> PreparedSphereAreaC::BuildCorners() {
+  const std::size_t n = edges_.size() / 2;
+  std::vector<Corner> corners;
+  corners.reserve(n);
+  curves_.reserve(n + 1);
   SpherePointC start(edges_.front());
-  units_.reserve(edges_.size() / 2 + 1);
-  units_.push_back(start.GetUnit());
-  for (std::size_t i = 0; i < edges_.size(); i += 2) {
-    const SpherePointC end(edges_[i + 1]);
-    units_.push_back(end.GetUnit());
-    const ArcEdgeC& arc = arcs_.emplace_back(start, end);
-    if (arc.IsValid() && arc.GetPole() != 0) {
-      poleEdges_.push_back(static_cast<std::uint32_t>(i / 2));
-      (arc.GetPole() > 0 ? hasNorthPole_ : hasSouthPole_) = true;
+  for (std::size_t i = 0; i < n; ++i) {
+    const SpherePointC end(edges_[2 * i + 1]);
+    const ArcEdgeC arc(start, end);
+    const cVec3& u = start.GetUnit();
+    const double level = Swing(u.X(), u.Y());
+    corners.push_back(
+        {NormalizeAngle(edges_[2 * i].Hz), u.X() / level, u.Y() / level, u.Z() / level});
+    Curve& curve = curves_.emplace_back();
+    curve.edge = static_cast<std::uint32_t>(i);
+    const auto isAtZenith = [](const SpherePointC& p) {
+      return p.GetLatitude() > 0.0 && IsPole(p.GetLatitude());
+    };
+    if (!arc.IsValid()) {
+      curve.kind = isAtZenith(start) && isAtZenith(end) ? Kind::kPole : Kind::kSteep;
+      // Without an arc between two points the ring has a gap.
+      if (curve.kind == Kind::kSteep && !(start == end)) needsRules_ = true;
+    } else if (arc.GetPole() != 0) {
+      curve.kind = Kind::kPole;
+      poleEdges_.push_back(curve.edge);
+      (arc.GetPole() > 0 ? hasNorthPole_ : needsRules_) = true;
+    } else if (arc.IsThroughPoles() ||
+               !(std::fabs(arc.GetNormal().Z()) > kMargin * arc.GetNormalLength())) {
+      curve.kind = Kind::kSteep;
+    } else {
+      curve.a = -arc.GetNormal().X() / arc.GetNormal().Z();
+      curve.b = -arc.GetNormal().Y() / arc.GetNormal().Z();
     }
     start = end;
   }
+  return corners;
 }
 
-void PreparedSphereAreaC::MeasureCorners() {
-  const auto dot = [](const cVec3& a, const cVec3& b) {
-    return a.X() * b.X() + a.Y() * b.Y() + a.Z() * b.Z();
-  };
-  const std::size_t n = arcs_.size();
-  cornerReach_.assign(n + 1, kMargin);
-  for (std::size_t i = 0; i < n; ++i) {
-    const std::size_t before = i > 0 ? i - 1 : n - 1;
-    const ArcEdgeC& in = arcs_[before];
-    const ArcEdgeC& out = arcs_[i];
-    if (!in.IsValid() || !out.IsValid() || in.IsThroughPoles() || out.IsThroughPoles()) continue;
-    const bool staysOnOneSide = (edges_[2 * before + 1].Hz - edges_[2 * before].Hz) *
-                                    (edges_[2 * i + 1].Hz - edges_[2 * i].Hz) <
-                                0.0;
-    if (!staysOnOneSide) continue;
-    // Two great circles part at the angle of their planes: a meridian at the distance d from their
-    // corner crosses them at least sin(d) times the sine of that angle apart, on the first quarter
-    // turn.
-    const cVec3& a = in.GetNormal();
-    const cVec3& b = out.GetNormal();
-    const cVec3 between{a.Y() * b.Z() - a.Z() * b.Y(), a.Z() * b.X() - a.X() * b.Z(),
-                        a.X() * b.Y() - a.Y() * b.X()};
-    const double sine =
-        std::sqrt(dot(between, between)) / (in.GetNormalLength() * out.GetNormalLength());
-    const double sinV = std::sqrt(units_[i].X() * units_[i].X() + units_[i].Y() * units_[i].Y());
-    const double reach = 4.0 * kMargin / (sine * sinV);
-    constexpr double kFar = 0.05;
-    const bool isBounded = reach < kFar && dot(units_[before], units_[before + 1]) > 0.0 &&
-                           dot(units_[i], units_[i + 1]) > 0.0;
-    cornerReach_[i] = isBounded ? std::max(reach, kMargin) : kUndecided;
-  }
-  cornerReach_[n] = cornerReach_[0];
-}
-
-bool PreparedSphereAreaC::MayTouch(const Piece& a, const Piece& b, Span& where) const {
-  const auto [first, second] = std::minmax(a.edge, b.edge);
-  const auto last = static_cast<std::uint32_t>(arcs_.size() - 1);
-  if (second - first == 1 && cornerReach_[second] < kUndecided) return false;
-  if (first == 0 && second == last && cornerReach_[0] < kUndecided) return false;
-  const double low = std::max({-kOverlap, a.OuterLow(), b.OuterLow()});
-  const double high = std::min({pieces_.step + kOverlap, a.OuterHigh(), b.OuterHigh()});
-  if (low > high) return false;
-  const double bend = std::fabs(static_cast<double>(a.bend) - static_cast<double>(b.bend));
-  const double errors = a.Error() + b.Error() + bend * (high - low) * (high - low);
-  const double gapLow = a.At(low) - b.At(low);
-  const double gapHigh = a.At(high) - b.At(high);
-  if ((gapLow > errors && gapHigh > errors) || (gapLow < -errors && gapHigh < -errors)) {
-    return false;
-  }
-  // The gap is a straight line up to the errors.
-  const double perGap = (high - low) / (gapHigh - gapLow);
-  const double x1 = low + (errors - gapLow) * perGap;
-  const double x2 = low + (-errors - gapLow) * perGap;
-  where = {low, high};
-  if (std::isfinite(x1) && std::isfinite(x2)) {
-    where.low = std::max(low, std::min(x1, x2) - kMargin);
-    where.high = std::min(high, std::max(x1, x2) + kMargin);
-  }
-  return true;
-}
-
-void PreparedSphereAreaC::OrderColumn(std::size_t column) {
-  const std::span<Piece> pieces(pieces_.items.data() + pieces_.begin[column],
-                                pieces_.items.data() + pieces_.begin[column + 1]);
-  Order& order = orders_[column];
-  order = {0, true};
-  // Where a few pairs of pieces come close together there the rules decide; where many do, or far,
-  // the pieces of a meridian are compared when it is asked for.
-  constexpr std::size_t kMaxTouches = 64;
-  const std::size_t firstTouch = touches_.items.size();
-  const auto note = [&](const Piece& a, const Piece& b) {
-    Span where{};
-    if (!MayTouch(a, b, where)) return true;
-    if (touches_.items.size() - firstTouch == kMaxTouches ||
-        where.high - where.low > pieces_.step / 16.0) {
-      order.isProven = false;
-      touches_.items.resize(firstTouch);
-      return false;
-    }
-    touches_.items.push_back(where);
-    return true;
-  };
-  constexpr std::size_t kFew = 6;
-  if (pieces.size() <= kFew) {
-    for (std::size_t i = 1; i < pieces.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) {
-        if (!note(pieces[i], pieces[j])) return;
-      }
-    }
-    return;
-  }
-
-  // By the lowest value that each piece may have; only pieces that share a value can touch.
-  struct Entry {
-    double lowest;
-    double highest;
-    Piece piece;
-  };
-  std::vector<Entry> entries;
-  entries.reserve(pieces.size());
-  for (const Piece& piece : pieces) {
-    if (!(piece.Error() < kUndecided)) {
-      order.isProven = false;
-      return;
-    }
-    const double low = std::max(piece.OuterLow(), -kOverlap);
-    const double high = std::min(piece.OuterHigh(), pieces_.step + kOverlap);
-    const double t1 = piece.At(low);
-    const double t2 = piece.At(high);
-    const double slack =
-        piece.Error() + std::fabs(static_cast<double>(piece.bend)) * (high - low) * (high - low);
-    entries.push_back({std::min(t1, t2) - slack, std::max(t1, t2) + slack, piece});
-  }
-  std::sort(entries.begin(), entries.end(),
-            [](const Entry& a, const Entry& b) { return a.lowest < b.lowest; });
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    for (std::size_t j = i + 1; j < entries.size() && entries[j].lowest <= entries[i].highest;
-         ++j) {
-      if (!note(entries[i].piece, entries[j].piece)) return;
-    }
-  }
-  // Pieces that fill the column and never touch have one order in all of it.
-  if (touches_.items.size() > firstTouch) return;
-  std::size_t next = 0;
-  for (const bool wantFilling : {true, false}) {
-    for (const Entry& entry : entries) {
-      const bool fills = entry.piece.low == -kUndecided && entry.piece.high == kUndecided;
-      if (fills == wantFilling) pieces[next++] = entry.piece;
-    }
-    if (wantFilling) order.sorted = static_cast<std::uint32_t>(next);
-  }
-  const double middle = pieces_.step / 2.0;
-  std::sort(pieces.begin(), pieces.begin() + order.sorted,
-            [middle](const Piece& a, const Piece& b) { return a.At(middle) > b.At(middle); });
-}
-
-void PreparedSphereAreaC::BuildPieces() {
+void PreparedSphereAreaC::BuildCurves(std::vector<CellGridC::Part>& parts) {
+  const std::vector<Corner> corners = BuildCorners();
+  const std::size_t n = corners.size();
   // A frame of less than a turn needs columns for its own width alone; edges at a pole concern
   // every meridian.
-  const bool isNarrow = frameWidth_ < TWO_PI - 1e-3 && poleEdges_.empty();
-  const double width = isNarrow ? std::max(frameWidth_, kMinWidth) : TWO_PI;
-
-  double spans = 0.0;
-  for (const ArcEdgeC& arc : arcs_) {
-    if (arc.IsValid() && !arc.IsThroughPoles()) spans += arc.GetHzMax() - arc.GetHzMin();
-  }
-  const std::size_t columns = CountColumns(arcs_.size(), spans, width, 4.0 * kOverlap);
-  const auto count = static_cast<std::ptrdiff_t>(columns);
-  const double step = width / static_cast<double>(columns);
-  pieces_.width = width;
-  pieces_.step = step;
-  pieces_.perRadian = static_cast<double>(columns) / width;
-
-  std::vector<double> cosines(columns + 1);
-  std::vector<double> sines(columns + 1);
+  isNarrow_ = frameWidth_ < TWO_PI - 1e-3 && poleEdges_.empty();
+  const double width = isNarrow_ ? std::max(frameWidth_, kMinWidth) : TWO_PI;
+  const std::size_t columns =
+      CellGridC::CountColumns(n, SumOfSpans(edges_, n), width, 4.0 * kOverlap);
+  curveGrid_ = CellGridC(width, columns);
+  std::vector<Border> borders(columns + 1);
   for (std::size_t i = 0; i <= columns; ++i) {
-    const double h = static_cast<double>(i) * step;
-    cosines[i] = std::cos(h);
-    sines[i] = std::sin(h);
+    const double h = curveGrid_.GetBorder(i);
+    borders[i] = {std::cos(h), std::sin(h)};
   }
 
-  // Calls use(column, piece) for every piece in the order of the edges.
-  struct Range {
-    std::ptrdiff_t first;
-    std::ptrdiff_t last;
-    double turn;
+  // What surely lies within the ends of the search line, and what beyond them.
+  const double clearTop = TangentOf(vLow_ - kOverlap);
+  const double clearBottom = TangentOf(vHigh_ + kOverlap);
+  const double above = enclosesZenith_ ? TangentOf(vLow_ - kLineMargin) : kUndecided;
+  const double below = enclosesZenith_ ? TangentOf(vHigh_ + kLineMargin) : -kUndecided;
+
+  parts.clear();
+  touches_.reserve(2 * n);
+  const auto columnOf = [&](double hz) {
+    return static_cast<std::uint32_t>(curveGrid_.ColumnOf(hz));
   };
-  const auto rangeOf = [&](double low, double high) {
-    const double turn = isNarrow ? 0.0 : TWO_PI * std::floor(low / TWO_PI);
-    auto first =
-        static_cast<std::ptrdiff_t>(std::floor((low - turn - kOverlap) * pieces_.perRadian));
-    auto last =
-        static_cast<std::ptrdiff_t>(std::floor((high - turn + kOverlap) * pieces_.perRadian));
-    if (isNarrow) {
-      first = std::clamp<std::ptrdiff_t>(first, 0, count - 1);
-      last = std::clamp<std::ptrdiff_t>(last, 0, count - 1);
+  const auto leaveToRules = [&](std::size_t column) {
+    AddTouch(curveGrid_.GetBorder(column) - kMargin, curveGrid_.GetBorder(column + 1) + kMargin);
+  };
+  for (std::size_t e = 0; e < n; ++e) {
+    const Corner& start = corners[e];
+    const Corner& end = corners[e + 1 < n ? e + 1 : 0];
+    Curve curve = curves_[e];
+    if (curve.kind == Kind::kPole) {
+      // Up to the pole from each end.
+      for (const Corner* const corner : {&start, &end}) {
+        if (corner->tangent > kPoleTangent) continue;
+        if (corner->tangent < clearBottom) leaveToRules(curveGrid_.ColumnOf(corner->hz));
+        const double height = HeightOf(corner->tangent);
+        curve.low = curve.high = corner->hz;
+        CellGridC::Part part =
+            CellGridC::MakePart(curves_.size(), columnOf(corner->hz), height, 1.0);
+        part.start = static_cast<float>(height);
+        parts.push_back(part);
+        curves_.push_back(curve);
+      }
+      continue;
     }
-    return Range{first, last, turn};
-  };
-  const auto columnOf = [&](std::ptrdiff_t i) {
-    return static_cast<std::size_t>(i < 0 ? i + count : (i >= count ? i - count : i));
-  };
-
-  // Where an edge at a pole has its meridian, and on the opposite side, no bound decides.
-  std::vector<std::pair<double, std::uint32_t>> seams;
-  for (const std::uint32_t edge : poleEdges_) {
-    const ArcEdgeC& arc = arcs_[edge];
-    for (const double side : {0.0, PI}) {
-      seams.emplace_back(NormalizeAngle(arc.GetMeridian() + side), edge);
-    }
-  }
-
-  pieces_.begin.assign(columns + 1, 0);
-  const auto countRange = [&](const Range& range) {
-    for (std::ptrdiff_t i = range.first; i <= range.last; ++i) ++pieces_.begin[columnOf(i)];
-  };
-  for (const ArcEdgeC& arc : arcs_) {
-    if (!arc.IsValid() || arc.IsThroughPoles()) continue;
-    countRange(rangeOf(arc.GetHzMin(), arc.GetHzMax()));
-  }
-  for (const auto& [hz, edge] : seams) countRange(rangeOf(hz, hz));
-  std::uint32_t total = 0;
-  for (std::uint32_t& begin : pieces_.begin) {
-    total += begin;
-    begin = total;
-  }
-  pieces_.items.resize(total);
-  const auto put = [&](std::ptrdiff_t column, const Piece& piece) {
-    pieces_.items[--pieces_.begin[columnOf(column)]] = piece;
-  };
-
-  // The ends of the search line, and what surely lies beyond them, as tan(lat).
-  const double tangentTop = TangentOf(vLow_);
-  const double tangentBottom = TangentOf(vHigh_);
-  const double tangentAbove = TangentOf(vLow_ - kLineMargin);
-  const double tangentBelow = TangentOf(vHigh_ + kLineMargin);
-  for (std::size_t e = 0; e < arcs_.size(); ++e) {
-    const ArcEdgeC& arc = arcs_[e];
-    if (!arc.IsValid() || arc.IsThroughPoles()) continue;
-    const bool isEast = edges_[2 * e].Hz <= edges_[2 * e + 1].Hz;
-    const AnglePointC& west = edges_[isEast ? 2 * e : 2 * e + 1];
-    const AnglePointC& east = edges_[isEast ? 2 * e + 1 : 2 * e];
-    const Range range = rangeOf(west.Hz, east.Hz);
-    const double low = west.Hz - range.turn;
-    const double high = east.Hz - range.turn;
-    const cVec3& n = arc.GetNormal();
-    const double flip = n.Z() < 0.0 ? 1.0 : -1.0;
-    const double nz = std::fabs(n.Z());
-    // tan(lat) swings between -k and k.
-    const double k2 = (n.X() * n.X() + n.Y() * n.Y()) / (nz * nz);
-    const double k = std::sqrt(k2);
-    const bool isTooSteep = !(nz > kMargin * arc.GetNormalLength());
-    // Whether the whole edge lies within the search line's range.
-    const auto isClear = [&](double v) { return v >= vLow_ - kOverlap && v <= vHigh_ + kOverlap; };
-    const cVec3& westUnit = units_[isEast ? e : e + 1];
-    const cVec3& eastUnit = units_[isEast ? e + 1 : e];
-    const auto cosLatOf = [](const cVec3& u) { return std::sqrt(u.X() * u.X() + u.Y() * u.Y()); };
-    const double westCos = cosLatOf(westUnit);
-    const double eastCos = cosLatOf(eastUnit);
-    const double westTangent = westUnit.Z() / westCos;
-    const double eastTangent = eastUnit.Z() / eastCos;
-    // The derivative of tan(lat).
-    const auto derivativeAt = [&](double cosine, double sine) {
-      return flip * (n.Y() * cosine - n.X() * sine) / nz;
-    };
-    const double westDerivative = derivativeAt(westUnit.X() / westCos, westUnit.Y() / westCos);
-    const double eastDerivative = derivativeAt(eastUnit.X() / eastCos, eastUnit.Y() / eastCos);
-    bool fits = isClear(west.V) && isClear(east.V);
-    if (fits) {
-      // The slope of tan(lat) has one sign where the vertex is not in the span; the vertex lies
-      // within the line's range when that reaches beyond the arc's highest and lowest point.
-      const bool isFarInside = std::min(west.V, east.V) - (high - low) > vLow_ &&
-                               std::max(west.V, east.V) + (high - low) < vHigh_;
-      if (!isFarInside) {
-        const bool hasVertex = !(westDerivative * eastDerivative > 1e-12 * k2);
-        if (hasVertex) {
-          const double highest = std::atan(k);
-          fits = (westTangent > 0.0 && eastTangent > 0.0 && isClear(HALF_PI - highest)) ||
-                 (westTangent < 0.0 && eastTangent < 0.0 && isClear(HALF_PI + highest));
-        }
+    const bool wraps = std::fabs(start.hz - end.hz) > PI;
+    const bool isEast = (start.hz <= end.hz) != wraps;
+    const Corner& west = isEast ? start : end;
+    const Corner& east = isEast ? end : start;
+    curve.low = west.hz;
+    curve.high = wraps ? east.hz + TWO_PI : east.hz;
+    curves_[e] = curve;
+    const bool isArc = curve.kind == Kind::kArc;
+    double lowest = std::min(west.tangent, east.tangent);
+    double highest = std::max(west.tangent, east.tangent);
+    const double span = curve.high - curve.low;
+    bool isClear = lowest > clearBottom && highest < clearTop;
+    if (isArc) {
+      const double bulge = BulgeOf(west.tangent, east.tangent, span);
+      if (span > kShortSpan || lowest - bulge < clearBottom || highest + bulge > clearTop) {
+        // tan(lat) swings between -k and k; its derivative tells whether it does so in between.
+        const double k = Swing(curve.a, curve.b);
+        const double climbWest = curve.b * west.cosine - curve.a * west.sine;
+        const double climbEast = curve.b * east.cosine - curve.a * east.sine;
+        if (climbWest > 0.0 && climbEast < 0.0) highest = k;
+        if (climbWest < 0.0 && climbEast > 0.0) lowest = -k;
+        isClear = lowest > clearBottom && highest < clearTop;
       }
     }
-
-    const auto reachOf = [this](std::size_t corner) {
-      return cornerReach_[corner] < kUndecided ? cornerReach_[corner] : kMargin;
-    };
-    const double westReach = reachOf(isEast ? e : e + 1);
-    const double eastReach = reachOf(isEast ? e + 1 : e);
-    double x0 = low;
-    double t0 = westTangent;
-    double d0 = westDerivative;
-    for (std::ptrdiff_t i = range.first; i <= range.last; ++i) {
-      const std::size_t column = columnOf(i);
-      const double columnLow = static_cast<double>(i) * step;
-      const double columnHigh = static_cast<double>(i + 1) * step;
-      double x1 = high;
-      double t1 = eastTangent;
-      double d1 = eastDerivative;
-      if (columnHigh < high) {
-        x1 = columnHigh;
-        t1 = flip * (n.X() * cosines[column + 1] + n.Y() * sines[column + 1]) / nz;
-        d1 = derivativeAt(cosines[column + 1], sines[column + 1]);
+    const std::uint32_t first = columnOf(west.hz);
+    const std::uint32_t last = columnOf(east.hz) + static_cast<std::uint32_t>(wraps ? columns : 0);
+    std::size_t index = e;
+    double x0 = curve.low;
+    double t0 = west.tangent;
+    for (std::uint32_t i = first; i <= last; ++i) {
+      const auto column = static_cast<std::uint32_t>(i < columns ? i : i - columns);
+      if (i == columns) {
+        index = curves_.size();
+        curve.low -= TWO_PI;
+        curve.high -= TWO_PI;
+        curves_.push_back(curve);
       }
-      const double dx = x1 - x0;
-      Piece piece{};
-      // What surrounds a corner may reach into the columns beside its own.
-      piece.low =
-          low + westReach < columnLow - kOverlap ? -kUndecided : low - columnLow + westReach;
-      piece.high =
-          high - eastReach > columnHigh + kOverlap ? kUndecided : high - columnLow - eastReach;
-      piece.reachLow = UpToFloat(westReach + kMargin);
-      piece.reachHigh = UpToFloat(eastReach + kMargin);
-      piece.error = std::numeric_limits<float>::infinity();
-      piece.edge = static_cast<std::uint32_t>(e);
-      bool isOutside = false;
-      if (dx >= 0.0 && !isTooSteep) {
-        // t'' = -t: the parabola of the first three terms is off by at most k dx^3 / 6.
-        const double bend = -t0 / 2.0;
-        const double back = columnLow - x0;
-        piece.slope = d0 + 2.0 * bend * back;
-        piece.t0 = t0 + (d0 + bend * back) * back;
-        piece.bend = static_cast<float>(bend);
-        const double extreme = std::max(std::fabs(t0), std::fabs(t1)) + std::fabs(bend) * dx * dx;
-        const double error = 0.17 * k * dx * dx * dx + 4.0 * kMargin * (1.0 + extreme * extreme) +
-                             1e-12 * (std::fabs(d0) + std::fabs(bend)) +
-                             1e-7 * std::fabs(bend) * step * step;
-        const double slack = error + std::fabs(bend) * dx * dx;
-        const double lowest = std::min(t0, t1) - slack;
-        const double highest = std::max(t0, t1) + slack;
-        isOutside = lowest > tangentAbove || highest < tangentBelow;
-        const bool isWithin = highest < tangentTop && lowest > tangentBottom;
-        if (fits || isWithin) piece.error = UpToFloat(error);
-      }
-      if (isOutside) piece.edge = std::numeric_limits<std::uint32_t>::max();
-      put(i, piece);
-      if (columnHigh < high && columnHigh > low) {
+      double low = lowest;
+      double high = highest;
+      if (isArc) {
+        const double x1 = i < last ? curveGrid_.GetBorder(i + 1) : west.hz + span;
+        const double t1 = i < last ? curve.At(borders[column + 1].cosine, borders[column + 1].sine)
+                                   : east.tangent;
+        const double slack = BulgeOf(t0, t1, x1 - x0) +
+                             InTangent(4.0 * kMargin, std::max(std::fabs(t0), std::fabs(t1))) +
+                             curve.Error();
+        low = std::min(t0, t1) - slack;
+        high = std::max(t0, t1) + slack;
         x0 = x1;
         t0 = t1;
-        d0 = d1;
       }
-    }
-  }
-  for (const auto& [hz, edge] : seams) {
-    const Range range = rangeOf(hz, hz);
-    for (std::ptrdiff_t i = range.first; i <= range.last; ++i) {
-      const double x = hz - static_cast<double>(i) * step;
-      Piece seam{};
-      seam.low = x + kMargin;
-      seam.high = x - kMargin;
-      seam.reachLow = seam.reachHigh = UpToFloat(2.0 * kMargin);
-      seam.edge = edge;
-      put(i, seam);
-    }
-  }
-  // Pieces beyond the search line's range are never crossed.
-  std::size_t kept = 0;
-  for (std::size_t column = 0; column < columns; ++column) {
-    const std::size_t from = pieces_.begin[column];
-    const std::size_t to = pieces_.begin[column + 1];
-    pieces_.begin[column] = static_cast<std::uint32_t>(kept);
-    for (std::size_t i = from; i < to; ++i) {
-      if (pieces_.items[i].edge != std::numeric_limits<std::uint32_t>::max()) {
-        pieces_.items[kept++] = pieces_.items[i];
+      if (!isClear && !(high < clearTop && low > clearBottom)) {
+        const bool isBeyond = low > above || high < below;
+        if (isBeyond) continue;
+        leaveToRules(column);
       }
+      CellGridC::Part part = CellGridC::MakePart(index, column, HeightOf(low), HeightOf(high));
+      if (i == first) part.start = static_cast<float>(HeightOf(west.tangent));
+      if (i == last) part.end = static_cast<float>(HeightOf(east.tangent));
+      part.entersLeft = i > first ? 1U : 0U;
+      parts.push_back(part);
     }
+    // The rules may count an edge a little beyond its ends.
+    const auto list = [&](std::size_t curveIndex, std::size_t column) {
+      parts.push_back(CellGridC::MakePart(curveIndex, column, HeightOf(lowest), HeightOf(highest)));
+    };
+    if (first > 0 && west.hz - curveGrid_.GetBorder(first) < kOverlap) list(e, first - 1);
+    const std::size_t next = (last < columns ? last : last - columns) + 1;
+    if (next < columns && curveGrid_.GetBorder(next) - east.hz < kOverlap) list(index, next);
   }
-  pieces_.begin[columns] = static_cast<std::uint32_t>(kept);
-  pieces_.items.resize(kept);
-  orders_.resize(columns);
-  touches_.begin.reserve(columns + 1);
-  for (std::size_t column = 0; column < columns; ++column) {
-    touches_.begin.push_back(static_cast<std::uint32_t>(touches_.items.size()));
-    OrderColumn(column);
-  }
-  touches_.begin.push_back(static_cast<std::uint32_t>(touches_.items.size()));
+  curveGrid_.Build(parts);
+  FindTouchesOfCorners(corners);
+  FindTouchesOfCells(borders);
+  SortTouches();
 }
 
-void PreparedSphereAreaC::BuildStrips() {
+void PreparedSphereAreaC::AddTouch(double low, double high) {
+  if (low < 0.0 && !isNarrow_) touches_.push_back({low + TWO_PI, TWO_PI});
+  if (high > TWO_PI) touches_.push_back({0.0, high - TWO_PI});
+  touches_.push_back({std::max(low, 0.0), high});
+}
+
+void PreparedSphereAreaC::FindTouchesOfCorners(const std::vector<Corner>& corners) {
+  const std::size_t n = corners.size();
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t before = i > 0 ? i - 1 : n - 1;
+    const Curve& in = curves_[before];
+    const Curve& out = curves_[i];
+    const Corner& corner = corners[i];
+    double west = kMargin;
+    double east = kMargin;
+    const bool goesEast = edges_[2 * i].Hz < edges_[2 * i + 1].Hz;
+    const bool cameEast = edges_[2 * before].Hz < edges_[2 * before + 1].Hz;
+    if (in.kind == Kind::kArc && out.kind == Kind::kArc && goesEast != cameEast) {
+      // Both edges are on one side, and part as a sinusoid that is 0 at the corner.
+      const double span = std::min(in.high - in.low, out.high - out.low);
+      const double difference = Swing(in.a - out.a, in.b - out.b);
+      const double closest = InTangent(kApart, corner.tangent) + in.Error() + out.Error();
+      double reach = 1.01 * closest / difference;
+      // Farther on the bound would be another.
+      const double change = reach * std::max(Swing(in.a, in.b), Swing(out.a, out.b));
+      const bool isBounded =
+          reach < 0.01 && span < 3.0 && change < 0.1 * (1.0 + std::fabs(corner.tangent));
+      reach = (isBounded ? std::min(reach, span) : span) + kMargin;
+      (goesEast ? east : west) = reach;
+    }
+    AddTouch(corner.hz - west, corner.hz + east);
+    if (out.kind == Kind::kSteep) AddTouch(out.low - kMargin, out.high + kMargin);
+  }
+  // Where an edge at a pole has its meridian, and on the opposite side, the rules decide.
+  for (const std::uint32_t edge : poleEdges_) {
+    for (const double side : {0.0, PI}) {
+      const double hz = NormalizeAngle(MakeArc(edge).GetMeridian() + side);
+      AddTouch(hz - 2.0 * kMargin, hz + 2.0 * kMargin);
+    }
+  }
+}
+
+void PreparedSphereAreaC::FindTouchesOfCells(const std::vector<Border>& borders) {
+  struct Line {
+    double west;  // tan(lat) where the curve, or what would continue it, meets the borders
+    double east;
+    double closest;
+    double error;
+    const Curve* curve;
+  };
+  constexpr std::size_t kMostLines = 1024;  // of a cell
+  std::vector<Line> lines;
+  lines.reserve(16);
+  double columnWest = 0.0;
+  double columnEast = 0.0;
+  const auto compare = [&](const Line& a, const Line& b) {
+    // The gap is a sinusoid: where it has one sign at both borders it is the least at one of them.
+    const double gapWest = a.west - b.west;
+    const double gapEast = a.east - b.east;
+    const double closest = std::min(a.closest, b.closest) + a.error + b.error;
+    const bool isApart =
+        gapWest * gapEast > 0.0 && std::min(std::fabs(gapWest), std::fabs(gapEast)) > closest;
+    if (isApart) return;
+    const auto [first, second] = std::minmax(a.curve->edge, b.curve->edge);
+    if (second - first < 2 || (first == 0 && 2 * (second + 1) == edges_.size()))
+      return;  // neighbours
+    double low = std::max({columnWest, a.curve->low, b.curve->low}) - kMargin;
+    double high = std::min({columnEast, a.curve->high, b.curve->high}) + kMargin;
+    if (low > high) return;
+    const double gapA = a.curve->a - b.curve->a;
+    const double gapB = a.curve->b - b.curve->b;
+    const double reach = 1.01 * closest / Swing(gapA, gapB);
+    if (reach < 0.01) {
+      const double middle = (columnWest + columnEast) / 2.0;
+      const double zero = middle + std::remainder(std::atan2(-gapA, gapB) - middle, PI);
+      low = std::max(low, zero - reach);
+      high = std::min(high, zero + reach);
+      if (low > high) return;
+    }
+    AddTouch(low, high);
+  };
+  for (std::size_t i = 0; i < curveGrid_.GetColumnCount(); ++i) {
+    columnWest = curveGrid_.GetBorder(i);
+    columnEast = curveGrid_.GetBorder(i + 1);
+    curveGrid_.ForEachCell(i, [&](const CellGridC::Cell& cell) {
+      // Two curves are compared in the lowest cell that has both: there one of them is lowest.
+      lines.clear();
+      std::size_t lowest = 0;
+      for (const bool isLowest : {true, false}) {
+        for (const CellGridC::Item& item : cell.items) {
+          const Curve& curve = curves_[item.curve];
+          if (curve.kind != Kind::kArc || (item.isLowest != 0) != isLowest) continue;
+          const double west = curve.At(borders[i].cosine, borders[i].sine);
+          const double east = curve.At(borders[i + 1].cosine, borders[i + 1].sine);
+          const double extreme = std::max(std::fabs(west), std::fabs(east));
+          lines.push_back({west, east, InTangent(kApart, 1.1 * extreme), curve.Error(), &curve});
+        }
+        if (isLowest) lowest = lines.size();
+      }
+      if (lines.size() > kMostLines) {
+        AddTouch(columnWest - kMargin, columnEast + kMargin);
+        return;
+      }
+      for (std::size_t a = 0; a < lowest; ++a) {
+        for (std::size_t b = a + 1; b < lines.size(); ++b) compare(lines[a], lines[b]);
+      }
+    });
+  }
+}
+
+void PreparedSphereAreaC::SortTouches() {
+  const auto isBefore = [](const Span& a, const Span& b) { return a.low < b.low; };
+  std::sort(touches_.begin(), touches_.end(), isBefore);
+  std::size_t kept = 0;
+  for (const Span& touch : touches_) {
+    if (kept > 0 && touch.low <= touches_[kept - 1].high) {
+      touches_[kept - 1].high = std::max(touches_[kept - 1].high, touch.high);
+    } else {
+      touches_[kept++] = touch;
+    }
+  }
+  touches_.resize(kept);
+  touchesPerRadian_ = static_cast<double>(kept) / curveGrid_.GetWidth();
+  touchBegin_.reserve(kept);
+  std::uint32_t first = 0;
+  for (std::size_t i = 0; i < kept; ++i) {
+    while (first < kept && touches_[first].high * touchesPerRadian_ < static_cast<double>(i)) {
+      ++first;
+    }
+    touchBegin_.push_back(first);
+  }
+}
+
+inline bool PreparedSphereAreaC::IsAtSeam(double h) const {
+  return h > curveGrid_.GetWidth() || h > TWO_PI - kOverlap || (!isNarrow_ && h < kOverlap);
+}
+
+inline bool PreparedSphereAreaC::MayTouch(double h) const {
+  const auto part = static_cast<std::size_t>(h * touchesPerRadian_);
+  for (std::size_t i = touchBegin_[std::min(part, touchBegin_.size() - 1)];
+       i < touches_.size() && touches_[i].low <= h; ++i) {
+    if (h <= touches_[i].high) return true;
+  }
+  return false;
+}
+
+void PreparedSphereAreaC::BuildStrips(std::vector<CellGridC::Part>& parts) {
   // The probe of the band lies in [0, 2 pi], whatever the width of the frame.
   const double width = std::min(frameWidth_, TWO_PI) + 2.0 * kBandReach;
   const std::size_t measured = edges_.size() / 2 - 1;  // the closing edge has no band
-  double spans = 0.0;
-  for (std::size_t e = 0; e < measured; ++e) {
-    spans += std::fabs(edges_[2 * e].Hz - edges_[2 * e + 1].Hz);
-  }
-  const std::size_t columns = CountColumns(edges_.size() / 2, spans, width, 2.0 * kBandReach);
-  const double step = width / static_cast<double>(columns);
-  strips_.width = width;
-  strips_.step = step;
-  strips_.perRadian = static_cast<double>(columns) / width;
-  const auto columnAt = [&](double x) {
-    return static_cast<std::size_t>(
-        std::clamp(x * strips_.perRadian, 0.0, static_cast<double>(columns - 1)));
-  };
+  stripGrid_ = CellGridC(width, CellGridC::CountColumns(measured, SumOfSpans(edges_, measured),
+                                                        width, 2.0 * kBandReach));
   constexpr double kReach = kBandReach + kOverlap;
-
-  strips_.begin.assign(columns + 1, 0);
-  for (std::size_t e = 0; e < measured; ++e) {
-    const auto [low, high] = std::minmax(edges_[2 * e].Hz, edges_[2 * e + 1].Hz);
-    if (low - kReach > width) continue;
-    const std::size_t last = columnAt(high + kReach);
-    for (std::size_t i = columnAt(low - kReach); i <= last; ++i) ++strips_.begin[i];
-  }
-  std::uint32_t total = 0;
-  for (std::uint32_t& begin : strips_.begin) {
-    total += begin;
-    begin = total;
-  }
-  strips_.items.resize(total);
+  const double step = stripGrid_.GetBorder(1);
+  strips_.reserve(measured);
   for (std::size_t e = 0; e < measured; ++e) {
     const AnglePointC& a = edges_[2 * e];
     const AnglePointC& b = edges_[2 * e + 1];
     const auto [low, high] = std::minmax(a.Hz, b.Hz);
-    if (low - kReach > width) continue;
     const auto [vLow, vHigh] = std::minmax(a.V, b.V);
     // A strip is what lies within the reach of the edge's line, or the edge's box when the line is
     // steep.
-    Strip strip{(vLow + vHigh) / 2.0, 0.0,
-                static_cast<float>(((vHigh - vLow) / 2.0 + kReach) * (1.0 + 1e-6)),
-                static_cast<std::uint32_t>(e)};
+    Strip strip{(vLow + vHigh) / 2.0, 0.0, (vHigh - vLow) / 2.0 + kReach};
     if (high - low > step) {
       strip.slope = (b.V - a.V) / (b.Hz - a.Hz);
       strip.v0 = a.V - strip.slope * a.Hz;
-      strip.halfHeight =
-          static_cast<float>(kReach * std::sqrt(1.0 + strip.slope * strip.slope) * (1.0 + 1e-6));
+      strip.halfHeight = kReach * std::sqrt(1.0 + strip.slope * strip.slope);
     }
-    const std::size_t last = columnAt(high + kReach);
-    for (std::size_t i = columnAt(low - kReach); i <= last; ++i) {
-      strips_.items[--strips_.begin[i]] = strip;
+    strips_.push_back(strip);
+    if (low - kReach > width) continue;
+    const std::size_t last = stripGrid_.ColumnOf(high + kReach);
+    for (std::size_t i = stripGrid_.ColumnOf(low - kReach); i <= last; ++i) {
+      const double v1 = strip.v0 + strip.slope * stripGrid_.GetBorder(i);
+      const double v2 = strip.v0 + strip.slope * stripGrid_.GetBorder(i + 1);
+      const double top = std::max(std::min(v1, v2) - strip.halfHeight, vLow - kReach);
+      const double bottom = std::min(std::max(v1, v2) + strip.halfHeight, vHigh + kReach);
+      parts.push_back(CellGridC::MakePart(e, i, top, std::max(top, bottom)));
     }
   }
+  stripGrid_.Build(parts);
+}
+
+ArcEdgeC PreparedSphereAreaC::MakeArc(std::size_t edge) const {
+  return {SpherePointC(edges_[2 * edge]), SpherePointC(edges_[2 * edge + 1])};
 }
 
 inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
-  if (x > strips_.width) return false;
-  for (const Strip& strip : strips_[strips_.IndexOf(x)]) {
-    if (!(std::fabs(v - (strip.v0 + strip.slope * x)) <= static_cast<double>(strip.halfHeight))) {
-      continue;
-    }
-    if (IsInBand({x, v}, edges_[2 * strip.edge], edges_[2 * strip.edge + 1])) return true;
+  if (x > stripGrid_.GetWidth()) return false;
+  for (const CellGridC::Item& item : stripGrid_.Find(x, v).items) {
+    const Strip& strip = strips_[item.curve];
+    if (!(std::fabs(v - (strip.v0 + strip.slope * x)) <= strip.halfHeight)) continue;
+    if (IsInBand({x, v}, edges_[2 * item.curve], edges_[2 * item.curve + 1])) return true;
   }
   return false;
 }
@@ -554,91 +484,61 @@ bool PreparedSphereAreaC::AskRules(double h, double v) const {
   }
   const double cosH = std::cos(h);
   const double sinH = std::sin(h);
-  const auto add = [&](const ArcEdgeC& arc) {
+  const auto add = [&](std::size_t edge) {
     double at = 0.0;
-    if (arc.CrossesMeridian(h, cosH, sinH, vLow_, vHigh_, at)) crossings.push_back(at);
+    if (IsSurelyMissed(edges_[2 * edge], edges_[2 * edge + 1], h)) return;
+    if (MakeArc(edge).CrossesMeridian(h, cosH, sinH, vLow_, vHigh_, at)) crossings.push_back(at);
   };
-  if (h > TWO_PI - kOverlap || h > pieces_.width) {  // at the seam
-    for (const ArcEdgeC& arc : arcs_) add(arc);
+  if (IsAtSeam(h)) {
+    for (std::size_t edge = 0; edge < edges_.size() / 2; ++edge) add(edge);
   } else {
-    for (const Piece& piece : pieces_[pieces_.IndexOf(h)]) {
-      if (arcs_[piece.edge].GetPole() == 0) add(arcs_[piece.edge]);
-    }
-    for (const std::uint32_t edge : poleEdges_) add(arcs_[edge]);
+    curveGrid_.ForEachCell(curveGrid_.ColumnOf(h), [&](const CellGridC::Cell& cell) {
+      for (const CellGridC::Item& item : cell.items) {
+        const Curve& curve = curves_[item.curve];
+        if (item.isLowest != 0 && curve.kind != Kind::kPole && h > curve.low - kOverlap &&
+            h < curve.high + kOverlap) {
+          add(curve.edge);
+        }
+      }
+    });
+    for (const std::uint32_t edge : poleEdges_) add(edge);
   }
   return IsInsideByParity(crossings, v, enclosesZenith_);
 }
 
-inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskColumns(double h, double v) const {
+inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskCells(double h, double v) const {
   if (!hasSearchLine_) return {false, true};
   // Every crossing lies within the search line's range: all count as above, or none does.
   if (v > vHigh_ + kLineMargin || (!enclosesZenith_ && v < vLow_ - kLineMargin)) {
     return {false, true};
   }
-  if (h > pieces_.width + kOverlap && h < TWO_PI - kOverlap) return {false, true};
-  if (h > pieces_.width || h > TWO_PI - kOverlap || hasSouthPole_ || v < kOverlap ||
-      v > PI - kOverlap) {
+  if (h > curveGrid_.GetWidth() + kOverlap && h < TWO_PI - kOverlap) return {false, true};
+  if (needsRules_ || IsAtSeam(h) || v < kOverlap || v > PI - kOverlap || MayTouch(h)) {
     return {AskRules(h, v), false};
   }
-
   // Edges at the north pole are crossed there, above any direction, if the line reaches it.
-  bool hasOneAbove = enclosesZenith_;
-  if (hasNorthPole_) {
-    if (vLow_ - kVertexAccuracy > -kMargin) return {AskRules(h, v), false};
-    hasOneAbove = true;
-  }
-  const std::size_t column = pieces_.IndexOf(h);
-  const std::span<const Piece> pieces = pieces_[column];
-  const Order order = orders_[column];
-  const double x = h - static_cast<double>(column) * pieces_.step;
+  if (hasNorthPole_ && vLow_ - kVertexAccuracy > -kMargin) return {AskRules(h, v), false};
+  const std::size_t column = curveGrid_.ColumnOf(h);
+
+  const double cosH = std::cos(h);
+  const double sinH = std::sin(h);
   const double t = std::cos(v) / std::sin(v);
-  const auto offsetFrom = [x, t](const Piece& piece) { return piece.At(x) - t; };
-  const auto isUndecided = [&offsetFrom](const Piece& piece) {
-    return !(std::fabs(offsetFrom(piece)) > piece.Error());
-  };
-  for (const Span& touch : touches_[column]) {
-    if (x >= touch.low && x <= touch.high) return {AskRules(h, v), false};
+  const double margin = InTangent(2.0 * kMargin, t);
+  const CellGridC::Cell cell = curveGrid_.Find(column, HeightOf(t));
+  bool isOdd = cell.isOddBelow;
+  bool isDecided = true;
+  for (const CellGridC::Item& item : cell.items) {
+    const Curve& curve = curves_[item.curve];
+    const double gap = curve.At(cosH, sinH) - t;
+    const bool hasBegun = h > curve.low;
+    const bool isBeside = hasBegun && h < curve.high;
+    isDecided = isDecided && (!isBeside || std::fabs(gap) > margin + curve.Error());
+    const bool isBelow = isBeside ? gap < 0.0 : item.endsBelow != 0;
+    isOdd ^= hasBegun && isBelow != (item.startsBelow != 0);
   }
-  constexpr std::size_t kMaxBelow = 8;
-  std::array<const Piece*, kMaxBelow> below;
-  std::size_t belowCount = 0;
-  if (order.sorted > 0) {
-    const auto end = pieces.begin() + order.sorted;
-    const auto firstBelow = std::partition_point(
-        pieces.begin(), end, [&](const Piece& piece) { return offsetFrom(piece) >= 0.0; });
-    if ((firstBelow != end && isUndecided(*firstBelow)) ||
-        (firstBelow != pieces.begin() && isUndecided(*(firstBelow - 1)))) {
-      return {AskRules(h, v), false};
-    }
-    hasOneAbove = hasOneAbove || firstBelow != pieces.begin();
-    belowCount = static_cast<std::size_t>(end - firstBelow);
-  }
-  for (const Piece& piece : pieces.subspan(order.sorted)) {
-    if (x > piece.low && x < piece.high) {
-      if (isUndecided(piece)) return {AskRules(h, v), false};
-      if (offsetFrom(piece) > 0.0) {
-        hasOneAbove = true;
-      } else {
-        if (belowCount < kMaxBelow) below[belowCount] = &piece;
-        ++belowCount;
-      }
-    } else if (!(x < piece.OuterLow() || x > piece.OuterHigh())) {
-      return {AskRules(h, v), false};
-    }
-  }
-  if (!hasOneAbove) return {false, true};
-  if (!order.isProven) {
-    // Crossings that agree to 10 digits would count as one.
-    if (belowCount > kMaxBelow) return {AskRules(h, v), false};
-    for (std::size_t i = 1; i < belowCount; ++i) {
-      for (std::size_t j = 0; j < i; ++j) {
-        const double apart = offsetFrom(*below[i]) - offsetFrom(*below[j]);
-        if (!(std::fabs(apart) > below[i]->Error() + below[j]->Error()))
-          return {AskRules(h, v), false};
-      }
-    }
-  }
-  return {belowCount % 2 == 1, true};
+  if (!isDecided) return {AskRules(h, v), false};
+  // A closed ring is crossed an even number of times: with an odd number below, one is above.
+  return {isOdd, true};
 }
 
 inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskInline(double hz, double v) const {
@@ -652,9 +552,9 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskInline(double hz, dou
                                                            : BandProbe(hz, v, hzOrigin_).Hz;
   }
   const double h = NormalizeOneTurn(hz - hzOrigin_);
-  if (way_ == Way::kColumns) {
+  if (way_ == Way::kCells) {
     if (IsInAnyBand(x, v)) return {true, true};
-    return AskColumns(h, v);
+    return AskCells(h, v);
   }
   for (std::size_t i = 0; i + 2 < edges_.size(); i += 2) {
     if (IsNearBox({x, v}, edges_[i], edges_[i + 1]) && IsInBand({x, v}, edges_[i], edges_[i + 1])) {

@@ -1,11 +1,13 @@
 #ifndef SURVEYDATA_SPHERE_GEOMETRY_PREPARED_SPHERE_AREA_H_
 #define SURVEYDATA_SPHERE_GEOMETRY_PREPARED_SPHERE_AREA_H_
 
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/cell_grid.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 namespace GMAT {
@@ -13,10 +15,10 @@ namespace GMAT {
 /// A sphere area made ready for many questions. It never changes and knows nothing of the area it
 /// was made from. Every answer is that of `SphereAreaC::Contains`, bit for bit.
 ///
-/// Hz is cut into columns. Each knows the edges that a meridian in it can cross, as parabolas
-/// with a bound of their error, and the edges that may have a direction in their band. Where the
-/// bounds prove the answer it is given at once; otherwise the rules decide, on the edges of the
-/// column.
+/// On a meridian tan(latitude) of an arc is a sinusoid of Hz, so that arcs are compared with a
+/// direction by two products. The plane of Hz and tan(latitude) is cut into cells; each knows the
+/// arcs that come into it, and whether an odd number lies below. Where the bounds of the rounding
+/// prove the answer it is given at once; otherwise the rules decide, on the edges of the column.
 class PreparedSphereAreaC {
  public:
   /// \cost n log n for n points at least, that of `SphereAreaC::IsValid` included.
@@ -27,7 +29,8 @@ class PreparedSphereAreaC {
     bool isProven;  ///< Whether the bounds proved it, and the rules were not asked.
   };
 
-  /// \cost grows with the number of edges that the meridian crosses, not with their total.
+  /// \cost grows with the number of edges in the direction's cell, which is some ten or twenty
+  ///       unless edges crowd in a small part of the area.
   Answer Ask(double hz, double v) const;
 
   void Contains(std::span<const double> hz, std::span<const double> v,
@@ -38,28 +41,29 @@ class PreparedSphereAreaC {
   enum class Way {
     kNever,      // not an area
     kRectangle,  // by comparing with the corners
-    kColumns,    // as the class comment says
+    kCells,      // as the class comment says
     kPlain,      // by the rules: points out of range
   };
 
-  // A piece of an edge in a column: V = v0 + (slope + bend * x) * x up to `error`, for x between
-  // the ends. x is Hz counted from the start of the column. Within `reach` outside an end no bound
-  // decides.
-  struct Piece {
-    double low;
-    double high;
-    double t0;
-    double slope;
-    float bend;
-    float error;
-    float reachLow;
-    float reachHigh;
-    std::uint32_t edge;
+  enum class Kind : std::uint8_t {
+    kArc,
+    kSteep,  // along a meridian, or nearly so: only its ends matter
+    kPole    // to the zenith or over it; its curves rise to the pole at its ends
+  };
 
-    double At(double x) const { return t0 + (slope + static_cast<double>(bend) * x) * x; }
-    double Error() const { return static_cast<double>(error); }
-    double OuterLow() const { return low - static_cast<double>(reachLow); }
-    double OuterHigh() const { return high + static_cast<double>(reachHigh); }
+  // An edge as tan(latitude) = a cos(Hz) + b sin(Hz) between two Hz. Edge k has curve k, and
+  // another a turn apart when it crosses Hz 0.
+  struct Curve {
+    double a = 0.0;
+    double b = 0.0;
+    double low = 0.0;
+    double high = 0.0;
+    std::uint32_t edge = 0;
+    Kind kind = Kind::kArc;
+
+    double At(double cosine, double sine) const { return a * cosine + b * sine; }
+    // What the rules, too, may be off by rounding in steep arcs.
+    double Error() const { return 1e-14 * (std::fabs(a) + std::fabs(b)); }
   };
 
   struct Span {
@@ -67,50 +71,41 @@ class PreparedSphereAreaC {
     double high;
   };
 
-  struct Order {
-    std::uint32_t sorted;  // so many pieces come first that fill the column, from top to bottom
-    bool isProven;  // no two crossings are close together, but near corners and in `touches_`
-  };
-
-  // The strip of a column in which an edge's band may lie.
+  // Where the band of an edge may lie.
   struct Strip {
     double v0;
     double slope;
-    float halfHeight;
-    std::uint32_t edge;
+    double halfHeight;
   };
 
-  // Lists of one kind, one per column, back to back.
-  template <class Item>
-  struct Columns {
-    double perRadian = 0.0;
-    double step = 0.0;
-    double width = 0.0;
-    std::vector<std::uint32_t> begin;  // one more than there are columns
-    std::vector<Item> items;
-
-    std::size_t IndexOf(double hz) const {
-      const auto wanted = static_cast<std::size_t>(hz * perRadian);
-      return wanted < begin.size() - 2 ? wanted : begin.size() - 2;
-    }
-    std::span<const Item> operator[](std::size_t column) const {
-      return {items.data() + begin[column], items.data() + begin[column + 1]};
-    }
+  struct Corner {
+    double hz;  // in [0, 2 pi)
+    double cosine;
+    double sine;
+    double tangent;  // of the latitude
   };
 
-  void BuildArcs();
-  // Finds how near a meridian may come to a corner before its two edges are crossed close together.
-  void MeasureCorners();
-  // Orders the pieces of a column, and finds out whether its crossings are well apart.
-  void OrderColumn(std::size_t column);
-  // Whether two pieces of a column may come close together, and where.
-  bool MayTouch(const Piece& a, const Piece& b, Span& where) const;
-  void BuildPieces();
-  void BuildStrips();
+  struct Border {
+    double cosine;
+    double sine;
+  };
+
+  std::vector<Corner> BuildCorners();
+  void BuildCurves(std::vector<CellGridC::Part>& parts);
+  // Finds the Hz at which crossings may be so close that they count as one.
+  void FindTouchesOfCorners(const std::vector<Corner>& corners);
+  void FindTouchesOfCells(const std::vector<Border>& borders);
+  void AddTouch(double low, double high);
+  void SortTouches();
+  void BuildStrips(std::vector<CellGridC::Part>& parts);
+  // Where the frame begins and ends, so that edges of the first or the last column may count.
+  bool IsAtSeam(double h) const;
+  bool MayTouch(double h) const;
+  ArcEdgeC MakeArc(std::size_t edge) const;
   Answer AskInline(double hz, double v) const;
   bool IsInAnyBand(double x, double v) const;
   Answer AskRectangle(double h, double v) const;
-  Answer AskColumns(double h, double v) const;
+  Answer AskCells(double h, double v) const;
   // The rules, with the crossings of the column's edges or of all.
   bool AskRules(double h, double v) const;
 
@@ -121,17 +116,18 @@ class PreparedSphereAreaC {
   double frameWidth_ = 0.0;
   bool enclosesZenith_ = false;
   bool hasSearchLine_ = true;
+  bool isNarrow_ = false;  // less than a turn wide
   bool hasNorthPole_ = false;
-  bool hasSouthPole_ = false;
+  bool needsRules_ = false;  // at the south pole, or where edges have no arc
   std::vector<AnglePointC> edges_;
-  std::vector<ArcEdgeC> arcs_;
-  std::vector<cVec3> units_;         // of the starts of the edges, and of the last end
-  std::vector<double> cornerReach_;  // in Hz; infinite where there is no bound
   std::vector<std::uint32_t> poleEdges_;
-  Columns<Piece> pieces_;
-  std::vector<Order> orders_;  // one per column of pieces
-  Columns<Span> touches_;      // of the same columns: where pieces may come close together
-  Columns<Strip> strips_;
+  std::vector<Curve> curves_;
+  CellGridC curveGrid_;
+  std::vector<Span> touches_;              // in ascending order, none overlap
+  std::vector<std::uint32_t> touchBegin_;  // the first that reaches beyond each part of the width
+  double touchesPerRadian_ = 0.0;
+  std::vector<Strip> strips_;
+  CellGridC stripGrid_;
   SphereAreaC plainArea_;  // for `Way::kPlain`
 };
 

@@ -52,20 +52,28 @@ int main(int argc, char** argv) {
   RingGenerator random(seed);
   Tally adversarial;
   Tally uniform;
-  while (adversarial.probes + uniform.probes < wanted) {
+  Tally crowded;
+  constexpr std::uint64_t kCrowdedAmong = 100;  // rings
+  for (std::uint64_t ring = 0; adversarial.probes + uniform.probes + crowded.probes < wanted;
+       ++ring) {
+    const bool isCrowded = ring % kCrowdedAmong == 0;
     GMAT::SphereAreaC area;
-    area.AddPoints(random.Ring(200, true));
+    area.AddPoints(isCrowded ? random.CrowdedRing() : random.Ring(200, true));
     const GMAT::PreparedSphereAreaC prepared(area);
     std::vector<AnglePointC> edges;
     double hzOrigin = 0.0;
     area.BuildEdgeList(edges, hzOrigin);
     for (int i = 0; i < 40; ++i) {
-      if (!Compare(area, prepared, random.Probe(edges, hzOrigin, true), adversarial)) return 1;
+      if (!Compare(area, prepared, random.Probe(edges, hzOrigin, true),
+                   isCrowded ? crowded : adversarial)) {
+        return 1;
+      }
       const AnglePointC anywhere{random.Uniform(0.0, GMAT::TWO_PI), random.Uniform(0.0, GMAT::PI)};
-      if (!Compare(area, prepared, anywhere, uniform)) return 1;
+      if (!Compare(area, prepared, anywhere, isCrowded ? crowded : uniform)) return 1;
     }
   }
   adversarial.Print("adversarial");
   uniform.Print("uniform");
+  crowded.Print("crowded");
   return 0;
 }

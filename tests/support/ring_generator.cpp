@@ -181,6 +181,32 @@ std::vector<AnglePointC> RingGenerator::Ring(std::size_t maxPoints, bool wild) {
   return ring;
 }
 
+std::vector<AnglePointC> RingGenerator::CrowdedRing() {
+  const std::size_t n = 100 + Below(500);
+  const auto at = [n](std::size_t i) { return static_cast<double>(i) / static_cast<double>(n); };
+  const double hz = OneIn(3) ? 0.0 : Uniform(0.0, TWO_PI);
+  const double v = Uniform(0.8, 2.0);
+  const double width = Uniform(0.05, 0.7);
+  const std::uint64_t kind = Below(5);
+  std::vector<AnglePointC> ring;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double angle = TWO_PI * at(i);
+    const double r = kind == 4 && angle > 0.05 ? width : width * Uniform(0.4, 1.0);
+    AnglePointC p{hz + r * std::cos(angle), v + r * std::sin(angle)};
+    if (kind == 0) p = {TWO_PI * at(i), v + Uniform(-width, width)};
+    if (kind == 1 || kind == 2) {  // up one side in steps, with a tooth for every other corner
+      const bool isTip = i % 2 == 1 && i + 1 < n;
+      const double along = -width + 2.0 * width * at(i);
+      const double across = i + 1 == n ? -width
+                            : isTip    ? Uniform(0.5, 1.0) * width
+                                       : Uniform(0.0, 0.1) * width;
+      p = kind == 1 ? AnglePointC{hz + across, v + along} : AnglePointC{hz + along, v + across};
+    }
+    ring.push_back({NormalizeAngle(p.Hz), std::clamp(p.V, 0.0, PI)});
+  }
+  return ring;
+}
+
 AnglePointC RingGenerator::Probe(const std::vector<AnglePointC>& edges, double hzOrigin,
                                  bool wild) {
   if (edges.empty()) return {Uniform(0.0, TWO_PI), Uniform(0.0, PI)};

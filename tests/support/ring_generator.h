@@ -19,6 +19,10 @@ class RingGenerator {
   /// out of range or are no numbers.
   std::vector<GMAT::AnglePointC> Ring(std::size_t maxPoints, bool wild);
 
+  /// Hundreds of corners, so that a meridian crosses many edges: a star of spikes, long teeth along
+  /// Hz or along V, a jagged ring around the zenith, or much detail in a small part of the ring.
+  std::vector<GMAT::AnglePointC> CrowdedRing();
+
   /// A direction to ask for. `edges` and `hzOrigin` are those of the ring.
   GMAT::AnglePointC Probe(const std::vector<GMAT::AnglePointC>& edges, double hzOrigin, bool wild);
 

@@ -1,0 +1,133 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_CELL_GRID_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_CELL_GRID_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace GMAT {
+
+/// Curves of a plane, found by place. The plane is cut into columns of one width in x, and each
+/// column into rows of one height, as many as its curves are worth. A cell lists the curves that
+/// come into it.
+///
+/// Of curves that are the edges of rings a cell also knows whether an odd number lies below it.
+/// With the marks of its items that tells how many lie below any point (`Item`).
+class CellGridC {
+ public:
+  static constexpr std::uint32_t kMostCurves = (1U << 29) - 1;
+  static constexpr std::uint32_t kMostItems = (1U << 31) - 1;
+
+  /// What a curve does in one column. Where it has no ends, these are at `kNoEnd`. Heights are
+  /// below 8.
+  struct Part {
+    std::uint32_t curve;
+    std::uint32_t column : 31;
+    std::uint32_t entersLeft : 1;  ///< Whether it comes in from the column before.
+    float low;                     ///< No point of the curve in this column lies lower ...
+    float high;                    ///< ... or higher.
+    float start;                   ///< The height of its beginning, with x growing.
+    float end;
+  };
+  static constexpr float kNoEnd = 1e30F;
+  /// What heights may lose in a float.
+  static constexpr float kRounding = 1e-6F;
+
+  /// Left of its beginning a curve counts for nothing. Beside it, `startsBelow` counts, and once
+  /// more whether the curve lies below the point. Right of its end both marks count. The sum is odd
+  /// or even with the number of curves between the cell's lower left corner and the point.
+  struct Item {
+    std::uint32_t curve : 29;
+    std::uint32_t isLowest : 1;  ///< Whether no cell below has the curve; true once a column.
+    std::uint32_t startsBelow : 1;
+    std::uint32_t endsBelow : 1;
+  };
+
+  struct Cell {
+    std::span<const Item> items;
+    bool isOddBelow;  ///< Curves of other cells, at the left border of the column.
+  };
+
+  /// The widest column that there is.
+  static constexpr double kWidest = 1.6;
+  /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
+  /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
+  static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep);
+
+  CellGridC() = default;
+  CellGridC(double width, std::size_t columns)
+      : width_(width), perUnit_(static_cast<double>(columns) / width), columns_(columns) {}
+
+  double GetWidth() const { return width_; }
+  std::size_t GetColumnCount() const { return columns_.size(); }
+  double GetBorder(std::size_t column) const { return static_cast<double>(column) / perUnit_; }
+  /// The column at x, the first or the last one beyond the ends.
+  std::size_t ColumnOf(double x) const {
+    return static_cast<std::size_t>(
+        std::clamp(x * perUnit_, 0.0, static_cast<double>(columns_.size() - 1)));
+  }
+
+  /// A part of the curve between two heights.
+  static Part MakePart(std::size_t curve, std::size_t column, double low, double high) {
+    return {static_cast<std::uint32_t>(curve),
+            static_cast<std::uint32_t>(column) & kMostItems,
+            0U,
+            static_cast<float>(low) - kRounding,
+            static_cast<float>(high) + kRounding,
+            kNoEnd,
+            kNoEnd};
+  }
+
+  void Build(const std::vector<Part>& parts);
+
+  Cell Find(std::size_t column, double y) const {
+    const Column& at = columns_[column];
+    return GetCell(at.firstCell + at.RowOf(y));
+  }
+  Cell Find(double x, double y) const { return Find(ColumnOf(x), y); }
+
+  /// All cells of a column.
+  template <class Use>
+  void ForEachCell(std::size_t column, Use use) const {
+    const Column& at = columns_[column];
+    for (std::uint32_t row = 0; row < at.rows; ++row) use(GetCell(at.firstCell + row));
+  }
+
+ private:
+  struct Column {
+    float low = kNoEnd;
+    float high = -kNoEnd;
+    float rowsPerUnit = 0.0F;
+    std::uint32_t firstCell = 0;
+    std::uint32_t rows = 0;
+
+    std::uint32_t RowOf(double y) const {
+      if (rows == 1) return 0;
+      return static_cast<std::uint32_t>(
+          std::clamp((y - static_cast<double>(low)) * static_cast<double>(rowsPerUnit), 0.0,
+                     static_cast<double>(rows - 1)));
+    }
+    std::uint32_t RowOf(float y) const { return RowOf(static_cast<double>(y)); }
+  };
+  struct List {
+    std::uint32_t begin : 31;
+    std::uint32_t isOddBelow : 1;
+  };
+
+  Cell GetCell(std::size_t i) const {
+    return {{items_.data() + lists_[i].begin, items_.data() + lists_[i + 1].begin},
+            lists_[i].isOddBelow != 0};
+  }
+
+  double width_ = 0.0;
+  double perUnit_ = 0.0;
+  std::vector<Column> columns_;
+  std::vector<List> lists_;  // one more than there are cells
+  std::vector<Item> items_;
+};
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_CELL_GRID_H_
