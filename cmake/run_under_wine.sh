@@ -6,4 +6,5 @@ for library in libstdc++-6.dll libwinpthread-1.dll; do
 done
 export WINEPATH
 export WINEDEBUG="${WINEDEBUG:--all}"
+export LC_ALL=C.UTF-8  # names of files
 exec wine "$@"

@@ -7,7 +7,6 @@
 
 #include <fmt/compile.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <surveydata/scanning/prepared_area.h>
 
@@ -17,6 +16,7 @@
 #include "json_writer.h"
 #include "message.h"
 #include "output.h"
+#include "platform.h"
 
 namespace Tool {
 namespace {
@@ -99,8 +99,9 @@ ExitCode Run(const Options& options) {
   const auto answer = std::make_unique<AnswerC>(file, options.isJson);
   for (const Direction& direction : directions) answer->Add(direction);
   if (directions.empty()) {
-    if (options.csv.empty() && isatty(STDIN_FILENO) != 0) {
-      Tell("type directions, one a line: Hz and V; the end of the input (Ctrl-D) ends them");
+    if (options.csv.empty() && IsTerminal(StandardStream::kInput)) {
+      Tell(fmt::format("type directions, one a line: Hz and V; the end of the input ({}) ends them",
+                       kEndOfInput));
     }
     DirectionReaderC reader(options.csv.empty() ? "-" : options.csv);
     for (Direction direction{}; reader.Next(direction);) answer->Add(direction);

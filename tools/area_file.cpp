@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <set>
 #include <type_traits>
@@ -20,6 +19,7 @@
 
 #include "exit_code.h"
 #include "message.h"
+#include "platform.h"
 
 namespace Tool {
 namespace {
@@ -53,9 +53,8 @@ class AreaReaderC {
     RefuseOthers(root_, "",
                  {"kind", "unit", "name", "points", "hzStep", "vStep", "limitLow", "limitHigh",
                   "settingA", "settingB", "settingC", "settingD", "settingE"});
-    AreaFile file{.name = std::filesystem::path(path_).filename().string(),
-                  .unit = ReadUnit(),
-                  .area = MakeArea()};
+    AreaFile file{
+        .name = ToPath(path_).filename().string(), .unit = ReadUnit(), .area = MakeArea()};
     if (root_.contains("name")) file.name = Text("name");
     SDI::ScanAreaC& area = *file.area;
     area.SetHzStep(ToRadians(Number(root_, "", "hzStep"), file.unit));

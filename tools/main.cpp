@@ -4,13 +4,12 @@
 #include <string_view>
 
 #include <CLI/CLI.hpp>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include "commands.h"
 #include "exit_code.h"
 #include "message.h"
 #include "output.h"
+#include "platform.h"
 
 namespace {
 
@@ -36,19 +35,10 @@ ExitCode Run(int argc, char** argv) {
   return result;
 }
 
-// Files do not take the place of standard streams that are closed: messages would go into them.
-void FillStandardStreams() {
-  int file = 0;
-  do {
-    file = open("/dev/null", O_RDONLY);
-  } while (0 <= file && file <= STDERR_FILENO);
-  if (file >= 0) close(file);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  FillStandardStreams();
+  Tool::PrepareStandardStreams();
   ExitCode result = ExitCode::kFileError;
   try {
     result = Run(argc, argv);

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "exit_code.h"
+#include "platform.h"
 
 namespace Tool {
 
@@ -12,7 +13,7 @@ OutputC::OutputC(const std::string& file, const std::string& input)
     : name_(file.empty() ? "standard output" : file), file_(stdout) {
   if (file.empty()) return;
   std::error_code ignored;
-  if (!input.empty() && std::filesystem::equivalent(file, input, ignored)) {
+  if (!input.empty() && std::filesystem::equivalent(ToPath(file), ToPath(input), ignored)) {
     throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is the input itself", file));
   }
   file_ = std::fopen(file.c_str(), "wb");

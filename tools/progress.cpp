@@ -5,7 +5,8 @@
 #include <string>
 
 #include <fmt/format.h>
-#include <unistd.h>
+
+#include "platform.h"
 
 namespace Tool {
 namespace {
@@ -22,8 +23,8 @@ constexpr std::uint64_t kWidth = 40;
 
 ProgressC::ProgressC(std::uint64_t total, bool hasRows)
     : total_(total),
-      isWanted_(total > kStep && isatty(STDERR_FILENO) != 0 &&
-                !(hasRows && isatty(STDOUT_FILENO) != 0)),
+      isWanted_(total > kStep && IsTerminal(StandardStream::kError) &&
+                !(hasRows && IsTerminal(StandardStream::kOutput))),
       nextDraw_(steady_clock::now() + kPatience) {}
 
 ProgressC::~ProgressC() {

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -9,6 +8,7 @@
 #include "decoded_record.h"
 #include "gps_time.h"
 #include "output.h"
+#include "platform.h"
 #include "record_commands.h"
 #include "record_walk.h"
 #include "satellite_series.h"
@@ -32,7 +32,7 @@ Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
   const double first = series.GetFirstTime();
   const double last = series.GetLastTime();
   // Colours that people with any colour vision tell apart, in shades that differ as well.
-  return {.title = std::filesystem::path(file).filename().string(),
+  return {.title = ToPath(file).filename().string(),
           .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),
                                   Moment(first), Moment(last)),
           .timeLabel =

@@ -152,7 +152,7 @@ void AddRecordSet(CLI::App& record, ExitCode& result) {
       "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
       "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
       "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
-      "locked (flock) meanwhile, so of several of these commands at once all but one end with 3.\n"
+      "locked meanwhile, so of several of these commands at once all but one end with 3.\n"
       "Nobody else may write to it meanwhile: such a change is refused where it is noticed.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);

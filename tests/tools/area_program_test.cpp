@@ -8,9 +8,7 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "../../tools/area_file.h"
 #include "program.h"
@@ -250,39 +248,48 @@ TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
   const TempFolderC folder;
   const std::string text = "hz,v,remark\r\n# a comment\r\n\r\n0,90,first\r\n355;100\r\n8\t116\r\n";
   WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
-  const std::string area = "surveydata area contains '" + AreaPath("doorway") + "' --json";
+  const std::vector<std::string> area = {"area", "contains", AreaPath("doorway"), "--json"};
   const std::string expected =
       "{\"hz\":0.0,\"v\":90.0,\"inside\":true}\n{\"hz\":355.0,\"v\":100.0,\"inside\":true}\n"
       "{\"hz\":8.0,\"v\":116.0,\"inside\":true}\n";
-  for (const std::string& command :
-       {area + " --csv d.csv", area + " --csv - <d.csv", area + " <d.csv"}) {
-    SCOPED_TRACE(command);
-    const Outcome outcome = RunShell(command, folder.Path().string());
+  const struct {
+    std::vector<std::string> more;
+    RunOptions run;
+  } cases[] = {
+      {{"--csv", "d.csv"}, {.folder = folder.Path().string()}},
+      {{"--csv", "-"}, {.input = folder / "d.csv"}},
+      {{}, {.input = folder / "d.csv"}},
+  };
+  for (const auto& [more, run] : cases) {
+    SCOPED_TRACE(testing::PrintToString(more));
+    std::vector<std::string> arguments = area;
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Outcome outcome = RunProgram(arguments, run);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.out, expected);
     EXPECT_EQ(outcome.err, "");
   }
-  const Outcome none = RunShell("printf '' | " + area, folder.Path().string());
+  const Outcome none = RunProgram(area);
   EXPECT_EQ(none.exitCode, 0);
   EXPECT_EQ(none.out, "");
 }
 
 TEST(AreaContains, NamesTheLineThatIsNoDirection) {
   const TempFolderC folder;
-  const std::string area = "surveydata area contains '" + AreaPath("doorway") + "' >/dev/null";
   for (const auto& [input, message] :
-       {std::pair<std::string, std::string>{"1,2\\nheading\\n", "standard input: line 2 is no"},
-        {"hz,v\\nhz,v\\n", "standard input: line 2 is no direction: hz,v"},
-        {"\\n\\n-,2\\n", "standard input: line 3 is no direction: -,2"},
-        {"$(printf '1%.0s' $(seq 5000)),2\\n", "standard input: line 1 is too long"}}) {
+       {std::pair<std::string, std::string>{"1,2\nheading\n", "standard input: line 2 is no"},
+        {"hz,v\nhz,v\n", "standard input: line 2 is no direction: hz,v"},
+        {"\n\n-,2\n", "standard input: line 3 is no direction: -,2"},
+        {std::string(5000, '1') + ",2\n", "standard input: line 1 is too long"}}) {
     SCOPED_TRACE(message);
-    const Outcome outcome = RunShell("printf \"" + input + "\" | " + area, folder.Path().string());
+    WriteBytes(folder / "in", Bytes(input.begin(), input.end()));
+    const Outcome outcome =
+        RunProgram({"area", "contains", AreaPath("doorway")}, {.input = folder / "in"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
   }
 }
 
-// Around the size of a block, and many.
 TEST(AreaContains, RefusesALineWithAZeroByte) {
   const TempFolderC folder;
   for (const std::string& line :
@@ -298,22 +305,7 @@ TEST(AreaContains, RefusesALineWithAZeroByte) {
   EXPECT_EQ(Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"}).exitCode, 0);
 }
 
-TEST(AreaContains, SaysOnATerminalThatItWaitsForDirections) {
-  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
-    GTEST_SKIP() << "no terminal to be had";
-  }
-  const std::string name = ptsname(terminal);
-  const int keptOpen = open(name.c_str(), O_RDWR | O_NOCTTY);
-  ASSERT_EQ(write(terminal, "57,92\n\x04", 7), 7);
-  const Outcome outcome =
-      RunShell("surveydata area contains '" + DataPath("areas/facade.json") + "' <" + name, "/");
-  close(keptOpen);
-  close(terminal);
-  EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_NE(outcome.err.find("type directions"), std::string::npos) << outcome.err;
-}
-
+// Around the size of a block, and many.
 TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
   const TempFolderC folder;
   const Tool::AreaFile file = Tool::LoadAreaFile(AreaPath("facade"));
@@ -332,10 +324,13 @@ TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
       expected += isInside ? "inside\n" : "outside\n";
     }
     WriteBytes(folder / "d.csv", Bytes(input.begin(), input.end()));
-    const Outcome outcome = RunShell("surveydata area contains '" + AreaPath("facade") +
-                                         "' --csv d.csv | sed '1d;$d' | awk '{print $3}'",
-                                     folder.Path().string());
-    EXPECT_EQ(outcome.out, expected);
+    const std::vector<std::string> lines =
+        Lines(Area("contains", AreaPath("facade"), {"--csv", folder / "d.csv"}).out);
+    std::string answers;  // behind the heading, and before the sum
+    for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
+      answers += lines[i].substr(lines[i].rfind(' ') + 1) + "\n";
+    }
+    EXPECT_EQ(answers, expected);
     EXPECT_FALSE(areAllInside);
   }
 }
@@ -422,26 +417,6 @@ TEST(AreaPlot, DrawsWhateverPointsAFileHolds) {
     EXPECT_EQ(text.find("inf\""), std::string::npos);
     EXPECT_LE(Area("info", file).exitCode, 1);
     EXPECT_LE(Area("outline", file).exitCode, 1);
-  }
-}
-
-TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
-  const TempFolderC folder;
-  const fs::path pictures = DataPath("../../docs/pictures");
-  const Outcome outcome =
-      RunShell("bash '" + (pictures / "redraw.sh").string() + "' .", folder.Path().string());
-  ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
-  const std::string texts = ReadText((pictures / "README.md").string());
-  std::vector<std::string> kept;
-  for (const auto& entry : fs::directory_iterator(pictures)) {
-    if (entry.path().extension() == ".svg") kept.push_back(entry.path().filename().string());
-  }
-  std::sort(kept.begin(), kept.end());
-  EXPECT_EQ(kept, folder.Names());
-  for (const std::string& name : folder.Names()) {
-    SCOPED_TRACE(name);
-    EXPECT_EQ(ReadText(folder / name), ReadText(pictures / name)) << "run docs/pictures/redraw.sh";
-    EXPECT_NE(texts.find(name), std::string::npos) << "not explained";
   }
 }
 

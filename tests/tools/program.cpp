@@ -1,39 +1,19 @@
 #include "program.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 
-#include <sys/wait.h>
-
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string Quoted(std::string_view text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
-  return quoted + "'";
-}
-
-Outcome Run(const std::string& command) {
-  const TempFolderC folder;
-  const std::string whole = "{ " + command + "\n} >" + Quoted(folder / "out") + " 2>" +
-                            Quoted(folder / "err") + " </dev/null";
-  const int status = std::system(whole.c_str());
-  if (status == -1 || !WIFEXITED(status)) throw std::runtime_error("did not exit: " + command);
-  return {WEXITSTATUS(status), ReadText(folder / "out"), ReadText(folder / "err")};
-}
-
-}  // namespace
-
 TempFolderC::TempFolderC() {
-  std::string name = (fs::temp_directory_path() / "surveydata-test-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
-  path_ = name;
+  std::random_device random;
+  do {
+    path_ = fs::temp_directory_path() / ("surveydata-test-" + std::to_string(random()));
+  } while (!fs::create_directory(path_));
 }
 
 TempFolderC::~TempFolderC() {
@@ -50,23 +30,11 @@ std::vector<std::string> TempFolderC::Names() const {
   return names;
 }
 
-Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& options) {
-  std::string command;
-  if (!options.folder.empty()) command += "cd " + Quoted(options.folder) + " && ";
-  command += options.shell + " ";
-  command += Quoted(options.program.empty() ? ProgramPath() : options.program);
-  for (const std::string& argument : arguments) command += " " + Quoted(argument);
-  return Run(command);
+std::string ProgramPath() { return fs::absolute(SURVEYDATA_PROGRAM).string(); }
+
+std::string DataPath(std::string_view name) {
+  return fs::absolute(SURVEYDATA_TEST_DATA + std::string(name)).string();
 }
-
-Outcome RunShell(const std::string& command, const std::string& folder) {
-  const std::string bin = fs::path(ProgramPath()).parent_path().string();
-  return Run("cd " + Quoted(folder) + " && PATH=" + Quoted(bin) + ":\"$PATH\" && " + command);
-}
-
-std::string ProgramPath() { return SURVEYDATA_PROGRAM; }
-
-std::string DataPath(std::string_view name) { return SURVEYDATA_TEST_DATA + std::string(name); }
 
 std::string ReadText(const std::string& file) {
   std::ifstream in(file, std::ios::binary);

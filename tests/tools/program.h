@@ -43,14 +43,16 @@ struct Outcome {
 /// How a run differs from a plain one.
 struct RunOptions {
   std::string folder = {};   ///< The working folder.
-  std::string shell = {};    ///< Shell commands before it, in the same shell, e.g. "ulimit -f 8;".
+  std::string input = {};    ///< The file on its standard input; none for an empty one.
   std::string program = {};  ///< Another copy of the program.
+  /// POSIX systems alone: shell commands before it, in the same shell, e.g. "ulimit -f 8;".
+  std::string shell = {};
 };
 
 /// Runs the program with its arguments as they are.
 Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
-/// Runs a shell command in which `surveydata` is the program.
+/// POSIX systems alone: runs a shell command in which `surveydata` is the program.
 Outcome RunShell(const std::string& command, const std::string& folder);
 
 /// The path of the program, of a file in tests/data.

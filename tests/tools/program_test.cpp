@@ -1,6 +1,5 @@
 #include "program.h"
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -8,37 +7,10 @@
 
 namespace {
 
-// Every command line whose help is looked at.
-const std::vector<std::vector<std::string>> kCommands = {
-    {},
-    {"record"},
-    {"record", "list"},
-    {"record", "show"},
-    {"record", "export"},
-    {"record", "set"},
-    {"record", "plot"},
-    {"area"},
-    {"area", "info"},
-    {"area", "outline"},
-    {"area", "contains"},
-    {"area", "plot"},
-};
-
 std::string Joined(const std::vector<std::string>& words) {
   std::string text = "surveydata";
   for (const std::string& word : words) text += " " + word;
   return text;
-}
-
-// The lines behind "Example:" that begin with the program's name.
-std::vector<std::string> Examples(const std::string& help) {
-  std::vector<std::string> examples;
-  bool isBehind = false;
-  for (const std::string& line : Lines(help)) {
-    if (line == "Example:") isBehind = true;
-    if (isBehind && line.starts_with("  surveydata ")) examples.push_back(line.substr(2));
-  }
-  return examples;
 }
 
 TEST(Program, TellsItsVersion) {
@@ -136,84 +108,6 @@ TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
     }
   }
   EXPECT_TRUE(folder.Names().empty());
-}
-
-TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
-  const TempFolderC folder;
-  const std::string file = DataPath("valley_drive.rec");
-  const std::string area = DataPath("areas/facade.json");
-  for (const std::string& command : std::vector<std::string>{
-           "surveydata --help >/dev/full", "surveydata --version >/dev/full",
-           "surveydata record list --help >/dev/full", "surveydata --version >&-",
-           "surveydata record list '" + file + "' >&-",
-           "surveydata record list '" + file + "' >/dev/full",
-           "surveydata record show '" + file + "' --offset 960 >/dev/full",
-           "surveydata record export '" + file + "' >/dev/full",
-           "surveydata record export '" + file + "' -o /dev/full",
-           "surveydata record plot '" + file + "' -o /dev/full",
-           "surveydata area info '" + area + "' >/dev/full",
-           "surveydata area outline '" + area + "' >/dev/full",
-           "surveydata area contains '" + area + "' 57,92 >/dev/full",
-           "surveydata area plot '" + area + "' -o /dev/full"}) {
-    SCOPED_TRACE(command);
-    const Outcome outcome = RunShell(command, folder.Path().string());
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("cannot write"), std::string::npos) << outcome.err;
-  }
-}
-
-TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
-  const TempFolderC folder;
-  WriteBytes(folder / "bad.rec",
-             MakeFrame(113, MakeBody(0x0008, {2})));  // a block that does not fit
-  const struct {
-    std::string command;
-    int code;
-  } cases[] = {
-      {"surveydata record list missing.rec", 3},
-      {"surveydata record nonsense", 2},
-      {"surveydata record export bad.rec -o out.json", 1},
-      {"surveydata record show bad.rec --offset 0", 1},
-      {"surveydata area info '" + DataPath("valley_drive.rec") + "'", 3},
-  };
-  for (const auto& [command, code] : cases) {
-    for (const char* const where : {" 2>/dev/full", " 2>&-"}) {
-      SCOPED_TRACE(command + where);
-      EXPECT_EQ(RunShell(command + where, folder.Path().string()).exitCode, code);
-    }
-  }
-  const std::string closed = "surveydata record export bad.rec -o out.json 2>&- >&- <&-";
-  EXPECT_EQ(RunShell(closed, folder.Path().string()).exitCode, 1);
-  // No message went into the file that was opened meanwhile.
-  EXPECT_EQ(ReadText(folder / "out.json"), "");
-}
-
-TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
-  for (const auto& command : kCommands) {
-    SCOPED_TRACE(Joined(command));
-    std::vector<std::string> arguments = command;
-    arguments.push_back("--help");
-    const Outcome help = RunProgram(arguments);
-    EXPECT_EQ(help.exitCode, 0);
-    EXPECT_EQ(help.err, "");
-    const std::vector<std::string> examples = Examples(help.out);
-    EXPECT_FALSE(examples.empty()) << help.out;
-    for (const std::string& example : examples) {
-      SCOPED_TRACE(example);
-      EXPECT_TRUE(example.starts_with(Joined(command)));
-      const TempFolderC folder;
-      std::filesystem::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
-      std::filesystem::copy(DataPath("areas"), folder.Path());
-      const std::size_t before = folder.Names().size();
-      const Outcome outcome = RunShell(example, folder.Path().string());
-      // The sample has gaps, which a list reports.
-      EXPECT_EQ(outcome.exitCode, example.find(" list valley") != std::string::npos ? 1 : 0);
-      EXPECT_EQ(outcome.err, "");
-      EXPECT_TRUE(outcome.out != "" || folder.Names().size() > before);
-    }
-  }
 }
 
 TEST(Program, DrawsNoProgressBarWhereStandardErrorIsNoTerminal) {

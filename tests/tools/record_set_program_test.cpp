@@ -1,106 +1,26 @@
 #include <algorithm>
-#include <bit>
 #include <chrono>
-#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include "exit_code.h"
 #include "program.h"
-#include "replace_file.h"
+#include "record_set_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-// The frame of the sample that has all three blocks, and what else the tests know of it.
-constexpr std::size_t kFrame = 960;
-constexpr std::size_t kFrameSize = 467;
-constexpr std::size_t kKindAt = 17 + 6;
-constexpr std::size_t kNameAt = 17 + 12;
-constexpr std::size_t kNumberAt = kNameAt + 34;
-constexpr std::size_t kHeightAt = kNumberAt + 4;
-constexpr std::size_t kHeightKindAt = kHeightAt + 4;
-
-// What is asked for, and how a frame looks afterwards: written down plainly.
-struct Change {
-  std::optional<std::u16string> name;
-  std::optional<std::int32_t> number;
-  std::optional<float> height;
-  bool isSlant = false;
-
-  void Apply(std::uint8_t* frame, std::size_t size) const {
-    if (name) {
-      for (std::size_t i = 0; i < 17; ++i) {
-        const unsigned unit = i < name->size() ? (*name)[i] : 0u;
-        frame[kNameAt + 2 * i] = static_cast<std::uint8_t>(unit);
-        frame[kNameAt + 2 * i + 1] = static_cast<std::uint8_t>(unit >> 8);
-      }
-    }
-    const auto put = [frame](std::size_t at, std::uint32_t value) {
-      for (std::size_t i = 0; i < 4; ++i) frame[at + i] = static_cast<std::uint8_t>(value >> 8 * i);
-    };
-    if (number) put(kNumberAt, static_cast<std::uint32_t>(*number));
-    if (height) {
-      put(kHeightAt, std::bit_cast<std::uint32_t>(*height));
-      frame[kHeightKindAt] = isSlant ? 1 : 0;
-    }
-    FixChecksum(frame, size);
-  }
-};
-
-// A copy of the sample in a folder of its own.
-class RecordSet : public testing::Test {
- protected:
-  RecordSet() { WriteBytes(file_, before_); }
-
-  Outcome Set(const std::vector<std::string>& options, const RunOptions& run = {}) const {
-    return SetAt("960", options, run);
-  }
-  Outcome SetAt(const std::string& offset, const std::vector<std::string>& options,
-                const RunOptions& run = {}) const {
-    std::vector<std::string> arguments = {"record", "set", file_, "--offset", offset};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    return RunProgram(arguments, run);
-  }
-
-  Bytes Expected(const Change& change) const {
-    Bytes bytes = before_;
-    change.Apply(&bytes[kFrame], kFrameSize);
-    return bytes;
-  }
-
-  void Replace(const Bytes& bytes) {
-    before_ = bytes;
-    WriteBytes(file_, bytes);
-  }
-
-  void ExpectUntouched() const {
-    EXPECT_EQ(ReadBytes(file_), before_);
-    EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
-  }
-
-  TempFolderC folder_;
-  std::string file_ = folder_ / "sample.rec";
-  Bytes before_ = ReadBytes(DataPath("valley_drive.rec"));
-};
-
-std::uint64_t Inode(const std::string& file) {
-  struct stat status {};
-  stat(file.c_str(), &status);
-  return status.st_ino;
+// Makes a file an hour old: one that takes its place is younger.
+fs::file_time_type MakeOld(const std::string& file) {
+  fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
+  return fs::last_write_time(file);
 }
 
 TEST_F(RecordSet, ChangesWhatIsAskedForAndTheChecksumInEveryCombination) {
@@ -134,10 +54,10 @@ TEST_F(RecordSet, ChangesWhatIsAskedForAndTheChecksumInEveryCombination) {
 
     std::vector<std::string> dry = options;
     dry.push_back("--dry-run");
-    const std::uint64_t inode = Inode(file_);
+    const auto time = MakeOld(file_);
     const Outcome told = Set(dry);
     EXPECT_EQ(told.exitCode, 0);
-    EXPECT_EQ(Inode(file_), inode);
+    EXPECT_TRUE(fs::last_write_time(file_) == time);
     ExpectUntouched();
 
     const Outcome done = Set(options);
@@ -278,12 +198,12 @@ TEST_F(RecordSet, KeepsBytesThatTheWriterWouldNormalise) {
 }
 
 TEST_F(RecordSet, LeavesTheFileAloneWhenItHoldsTheValuesAlready) {
-  const std::uint64_t inode = Inode(file_);
+  const auto time = MakeOld(file_);
   const Outcome outcome = Set({"--name", "Süd-Ø1", "--number", "1"});
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(outcome.out, "");
   EXPECT_NE(outcome.err.find("nothing is changed"), std::string::npos);
-  EXPECT_EQ(Inode(file_), inode);
+  EXPECT_TRUE(fs::last_write_time(file_) == time);
 }
 
 TEST_F(RecordSet, RefusesOffsetsWhereNoValidMeasurementFrameBegins) {
@@ -345,26 +265,6 @@ TEST_F(RecordSet, RefusesAFrameWithoutTheBlockThatAnOptionNeeds) {
   }
 }
 
-TEST_F(RecordSet, FollowsASymbolicLink) {
-  const TempFolderC other;
-  const std::string link = other / "link.rec";
-  fs::create_symlink(file_, link);
-  const Outcome outcome = RunProgram({"record", "set", link, "--offset", "960", "--number", "77"});
-  EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-  EXPECT_TRUE(fs::is_symlink(link));
-  EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 77, .height = {}}));
-  EXPECT_EQ(other.Names(), std::vector<std::string>{"link.rec"});
-  EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
-}
-
-TEST_F(RecordSet, KeepsThePermissions) {
-  for (const auto mode : {0640, 0604, 0777}) {
-    fs::permissions(file_, static_cast<fs::perms>(mode));
-    EXPECT_EQ(Set({"--number", std::to_string(mode)}).exitCode, 0);
-    EXPECT_EQ(static_cast<int>(fs::status(file_).permissions()), mode);
-  }
-}
-
 TEST_F(RecordSet, WorksOnLongPathsAndNamesWithoutExtension) {
   fs::path folder = folder_.Path();
   for (int i = 0; i < 3; ++i) folder /= std::string(100, 'd');
@@ -377,18 +277,10 @@ TEST_F(RecordSet, WorksOnLongPathsAndNamesWithoutExtension) {
   EXPECT_TRUE(ReadBytes(file.string()) == Expected({.name = {}, .number = 77, .height = {}}));
 }
 
-TEST_F(RecordSet, WorksOnNamesAsLongAsTheyCanBe) {
-  const std::string file = folder_ / std::string(255, 'n');
-  fs::copy(file_, file);
-  EXPECT_EQ(RunProgram({"record", "set", file, "--offset", "960", "--number", "77"}).exitCode, 0);
-  EXPECT_TRUE(ReadBytes(file) == Expected({.name = {}, .number = 77, .height = {}}));
-}
-
 TEST_F(RecordSet, LosesNothingWhenSeveralRunAtOnce) {
   // Each ends with 0 and is in the file, or with 3 and is not.
   Bytes expected = before_;
   const json index = SampleIndex("valley_drive");
-  std::string command;
   std::vector<std::size_t> offsets;
   for (const json& frame : index["frames"]) {
     const auto offset = frame["offset"].get<std::size_t>();
@@ -397,180 +289,25 @@ TEST_F(RecordSet, LosesNothingWhenSeveralRunAtOnce) {
     if (offsets.size() == 12) break;
   }
   ASSERT_EQ(offsets.size(), 12u);
-  for (const std::size_t offset : offsets) {
-    const std::string at = std::to_string(offset);
-    command += "{ surveydata record set sample.rec --offset " + at +
-               " --number 4711; echo $? >out." + at + "; } & ";
+  std::vector<int> codes(offsets.size());
+  std::vector<std::thread> runs;
+  for (std::size_t i = 0; i < offsets.size(); ++i) {
+    runs.emplace_back([&, i] {
+      codes[i] = SetAt(std::to_string(offsets[i]), {"--number", "4711"}).exitCode;
+    });
   }
-  RunShell("{ " + command + "wait; }", folder_.Path().string());
+  for (std::thread& run : runs) run.join();
   int successes = 0;
-  for (const std::size_t offset : offsets) {
-    const std::string code = Lines(ReadText(folder_ / ("out." + std::to_string(offset)))).at(0);
-    SCOPED_TRACE(offset);
-    EXPECT_TRUE(code == "0" || code == "3") << code;
-    if (code != "0") continue;
+  for (std::size_t i = 0; i < offsets.size(); ++i) {
+    SCOPED_TRACE(offsets[i]);
+    EXPECT_TRUE(codes[i] == 0 || codes[i] == 3) << codes[i];
+    if (codes[i] != 0) continue;
     ++successes;
-    std::uint8_t* const frame = &expected[offset];
+    std::uint8_t* const frame = &expected[offsets[i]];
     Change{.name = {}, .number = 4711, .height = {}}.Apply(frame, frame[2] + 256u * frame[3] + 2u);
   }
   EXPECT_GE(successes, 1);
   EXPECT_TRUE(ReadBytes(file_) == expected);
-}
-
-TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasLocked) {
-  const Tool::DescriptorC holder(open(file_.c_str(), O_RDONLY));
-  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
-  const Outcome outcome = Set({"--number", "5"});
-  EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("locked"), std::string::npos) << outcome.err;
-  EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // which writes nothing
-  ExpectUntouched();
-}
-
-TEST_F(RecordSet, RefusesAFileThatChangesMeanwhile) {
-  const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
-  Bytes after = before;
-  Change{.name = {}, .number = 77, .height = {}}.Apply(after.data(), kFrameSize);
-  const struct {
-    const char* what;
-    std::function<void()> change;
-  } cases[] = {
-      {"nothing", [] {}},
-      {"appended to", [&] { Replace(before_ + Bytes{0}); }},
-      {"another file of the same name",
-       [&] {
-         fs::copy(file_, folder_ / "new");
-         fs::rename(folder_ / "new", file_);
-       }},
-      {"another byte, same size",
-       [&] {
-         Bytes bytes = before_;
-         bytes[0] ^= 1;
-         Replace(bytes);
-         fs::last_write_time(file_, fs::file_time_type::clock::now() + std::chrono::hours(1));
-       }},
-      {"a byte of the frame, and the time set back",
-       [&] {
-         const auto time = fs::last_write_time(file_);
-         Bytes bytes = before_;
-         bytes[kFrame + 20] ^= 1;
-         Replace(bytes);
-         fs::last_write_time(file_, time);
-       }},
-  };
-  const Bytes sample = before_;
-  for (const auto& [what, change] : cases) {
-    SCOPED_TRACE(what);
-    Replace(sample);
-    Tool::FileReplacementC replacement(file_);
-    change();
-    if (std::string(what) == "nothing") {
-      replacement.Replace(kFrame, before, after);
-      EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 77, .height = {}}));
-      continue;
-    }
-    EXPECT_THROW(replacement.Replace(kFrame, before, after), Tool::ToolErrorC);
-    ExpectUntouched();
-  }
-}
-
-TEST_F(RecordSet, LeavesNoCopyBehindWhenASignalComes) {
-  const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    SCOPED_TRACE(signal);
-    sigset_t one;
-    sigemptyset(&one);
-    sigaddset(&one, signal);
-    ASSERT_EQ(sigprocmask(SIG_BLOCK, &one, nullptr), 0);
-    const auto inherited = std::signal(signal, SIG_DFL);  // it may be ignored, as under nohup
-    std::raise(signal);
-    EXPECT_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before), Tool::ToolErrorC);
-    int received = 0;
-    EXPECT_EQ(sigwait(&one, &received), 0);  // still there for who waits for it
-    EXPECT_EQ(received, signal);
-    ExpectUntouched();
-
-    // One that is ignored stops nothing.
-    std::signal(signal, SIG_IGN);
-    std::raise(signal);
-    EXPECT_NO_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before));
-    sigprocmask(SIG_UNBLOCK, &one, nullptr);
-    std::signal(signal, inherited);
-    ExpectUntouched();
-  }
-
-  // The same in a run of the program, large enough that the signal mostly comes while it copies.
-  // Whichever is first, the file is the old one or the new one, and no copy is left.
-  fs::resize_file(file_, 192 << 20);
-  const Outcome outcome = RunShell(
-      "{ surveydata record set sample.rec --offset 960 --number 5 & "
-      "until ls -A | grep -q '^[.]surveydata'; do kill -0 $! || break; done; "
-      "kill -TERM $!; wait $!; }",
-      folder_.Path().string());
-  EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
-  fs::resize_file(file_, before_.size());
-  if (outcome.exitCode != 0) {
-    EXPECT_EQ(outcome.exitCode, 128 + SIGTERM) << outcome.err;
-    ExpectUntouched();
-  }
-}
-
-TEST_F(RecordSet, LeavesTheFileAsItWasWhenTheDiskTakesNoMore) {
-  const Outcome outcome =
-      Set({"--number", "5"}, {.shell = "trap '' XFSZ; ulimit -f 16;"});  // 8 KiB or 16 KiB
-  EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
-  ExpectUntouched();
-}
-
-// Root may write everywhere, so another user tries.
-TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
-  if (geteuid() == 0 && std::system("command -v setpriv >/dev/null") != 0) {
-    GTEST_SKIP() << "root, and no setpriv";
-  }
-  const TempFolderC bin;
-  RunOptions run;
-  if (geteuid() == 0) {
-    fs::copy(ProgramPath(), bin / "surveydata");
-    fs::permissions(bin.Path(), fs::perms{0755});
-    run.program = "setpriv";
-  }
-  const auto setAsOther = [&] {
-    std::vector<std::string> arguments = {"record", "set",      file_, "--offset",
-                                          "960",    "--number", "5"};
-    if (geteuid() == 0) {
-      arguments.insert(arguments.begin(),
-                       {"--reuid=65534", "--regid=65534", "--clear-groups", bin / "surveydata"});
-    }
-    return RunProgram(arguments, run);
-  };
-  const struct {
-    const char* what;
-    unsigned folder;
-    unsigned file;
-  } cases[] = {{"folder", 0555, 0666}, {"file", 0777, 0444}};
-  for (const auto& [what, folder, file] : cases) {
-    SCOPED_TRACE(what);
-    fs::permissions(folder_.Path(), fs::perms{folder});
-    fs::permissions(file_, fs::perms{file});
-    const Outcome outcome = setAsOther();
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
-    ExpectUntouched();
-  }
-  fs::permissions(folder_.Path(), fs::perms{0777});
-  fs::permissions(file_, fs::perms{0666});
-  if (geteuid() == 0) {
-    // Who may write, but not give the copy the file's group, would change who can read it.
-    const Outcome outcome = setAsOther();
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("the group of"), std::string::npos) << outcome.err;
-    ExpectUntouched();
-    ASSERT_EQ(chown(file_.c_str(), 0, 65534), 0);
-  }
-  // With all of them, it works: the refusals above are about the permissions.
-  EXPECT_EQ(setAsOther().exitCode, 0);
-  EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
 }
 
 }  // namespace

@@ -1,0 +1,213 @@
+// What it takes a POSIX shell, file system or terminal to show.
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "program.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+// Every command line whose help is looked at.
+const std::vector<std::vector<std::string>> kCommands = {
+    {},
+    {"record"},
+    {"record", "list"},
+    {"record", "show"},
+    {"record", "export"},
+    {"record", "set"},
+    {"record", "plot"},
+    {"area"},
+    {"area", "info"},
+    {"area", "outline"},
+    {"area", "contains"},
+    {"area", "plot"},
+};
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text = "surveydata";
+  for (const std::string& word : words) text += " " + word;
+  return text;
+}
+
+// The lines behind "Example:" that begin with the program's name.
+std::vector<std::string> Examples(const std::string& help) {
+  std::vector<std::string> examples;
+  bool isBehind = false;
+  for (const std::string& line : Lines(help)) {
+    if (line == "Example:") isBehind = true;
+    if (isBehind && line.starts_with("  surveydata ")) examples.push_back(line.substr(2));
+  }
+  return examples;
+}
+
+TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  const TempFolderC folder;
+  const std::string file = DataPath("valley_drive.rec");
+  const std::string area = DataPath("areas/facade.json");
+  for (const std::string& command : std::vector<std::string>{
+           "surveydata --help >/dev/full", "surveydata --version >/dev/full",
+           "surveydata record list --help >/dev/full", "surveydata --version >&-",
+           "surveydata record list '" + file + "' >&-",
+           "surveydata record list '" + file + "' >/dev/full",
+           "surveydata record show '" + file + "' --offset 960 >/dev/full",
+           "surveydata record export '" + file + "' >/dev/full",
+           "surveydata record export '" + file + "' -o /dev/full",
+           "surveydata record plot '" + file + "' -o /dev/full",
+           "surveydata area info '" + area + "' >/dev/full",
+           "surveydata area outline '" + area + "' >/dev/full",
+           "surveydata area contains '" + area + "' 57,92 >/dev/full",
+           "surveydata area plot '" + area + "' -o /dev/full"}) {
+    SCOPED_TRACE(command);
+    const Outcome outcome = RunShell(command, folder.Path().string());
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("cannot write"), std::string::npos) << outcome.err;
+  }
+}
+
+TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  const TempFolderC folder;
+  WriteBytes(folder / "bad.rec",
+             MakeFrame(113, MakeBody(0x0008, {2})));  // a block that does not fit
+  const struct {
+    std::string command;
+    int code;
+  } cases[] = {
+      {"surveydata record list missing.rec", 3},
+      {"surveydata record nonsense", 2},
+      {"surveydata record export bad.rec -o out.json", 1},
+      {"surveydata record show bad.rec --offset 0", 1},
+      {"surveydata area info '" + DataPath("valley_drive.rec") + "'", 3},
+  };
+  for (const auto& [command, code] : cases) {
+    for (const char* const where : {" 2>/dev/full", " 2>&-"}) {
+      SCOPED_TRACE(command + where);
+      EXPECT_EQ(RunShell(command + where, folder.Path().string()).exitCode, code);
+    }
+  }
+  const std::string closed = "surveydata record export bad.rec -o out.json 2>&- >&- <&-";
+  EXPECT_EQ(RunShell(closed, folder.Path().string()).exitCode, 1);
+  // No message went into the file that was opened meanwhile.
+  EXPECT_EQ(ReadText(folder / "out.json"), "");
+}
+
+TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
+  for (const auto& command : kCommands) {
+    SCOPED_TRACE(Joined(command));
+    std::vector<std::string> arguments = command;
+    arguments.push_back("--help");
+    const Outcome help = RunProgram(arguments);
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(help.err, "");
+    const std::vector<std::string> examples = Examples(help.out);
+    EXPECT_FALSE(examples.empty()) << help.out;
+    for (const std::string& example : examples) {
+      SCOPED_TRACE(example);
+      EXPECT_TRUE(example.starts_with(Joined(command)));
+      const TempFolderC folder;
+      fs::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
+      fs::copy(DataPath("areas"), folder.Path());
+      const std::size_t before = folder.Names().size();
+      const Outcome outcome = RunShell(example, folder.Path().string());
+      // The sample has gaps, which a list reports.
+      EXPECT_EQ(outcome.exitCode, example.find(" list valley") != std::string::npos ? 1 : 0);
+      EXPECT_EQ(outcome.err, "");
+      EXPECT_TRUE(outcome.out != "" || folder.Names().size() > before);
+    }
+  }
+}
+
+// A file that is larger than the memory that the program may take.
+TEST(RecordExport, TakesAFixedAmountOfMemory) {
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  constexpr std::size_t kFileSize = std::size_t{40} << 20;
+  constexpr long kMemory = 32L << 10;  // KiB
+  const TempFolderC folder;
+  const std::string file = folder / "large.rec";
+  const std::string sample = ReadText(DataPath("valley_drive.rec"));
+  std::ofstream out(file, std::ios::binary);
+  for (std::size_t size = 0; size < kFileSize; size += sample.size()) out << sample;
+  out.close();
+
+  const std::string program = ProgramPath();
+  const pid_t child = fork();
+  if (child == 0) {
+    const int null = open("/dev/null", O_WRONLY);
+    dup2(null, STDOUT_FILENO);
+    execl(program.c_str(), program.c_str(), "record", "export", file.c_str(), nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  rusage usage{};
+  ASSERT_EQ(wait4(child, &status, 0, &usage), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_LT(usage.ru_maxrss, kMemory);
+}
+
+TEST(RecordExport, RefusesToOverwriteItsInputThroughALink) {
+  const TempFolderC folder;
+  fs::copy(DataPath("valley_drive.rec"), folder / "a.rec");
+  fs::create_symlink(folder / "a.rec", folder / "link.rec");
+  EXPECT_EQ(RunProgram({"record", "export", folder / "a.rec", "-o", folder / "link.rec"}).exitCode,
+            2);
+  EXPECT_EQ(ReadBytes(folder / "a.rec"), ReadBytes(DataPath("valley_drive.rec")));
+}
+
+TEST(AreaContains, SaysOnATerminalThatItWaitsForDirections) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    GTEST_SKIP() << "no terminal to be had";
+  }
+  const std::string name = ptsname(terminal);
+  const int keptOpen = open(name.c_str(), O_RDWR | O_NOCTTY);
+  ASSERT_EQ(write(terminal, "57,92\n\x04", 7), 7);
+  const Outcome outcome =
+      RunShell("surveydata area contains '" + DataPath("areas/facade.json") + "' <" + name, "/");
+  close(keptOpen);
+  close(terminal);
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NE(outcome.err.find("type directions"), std::string::npos) << outcome.err;
+}
+
+TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
+  const TempFolderC folder;
+  const fs::path pictures = DataPath("../../docs/pictures");
+  const Outcome outcome =
+      RunShell("bash '" + (pictures / "redraw.sh").string() + "' .", folder.Path().string());
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+  const std::string texts = ReadText((pictures / "README.md").string());
+  std::vector<std::string> kept;
+  for (const auto& entry : fs::directory_iterator(pictures)) {
+    if (entry.path().extension() == ".svg") kept.push_back(entry.path().filename().string());
+  }
+  std::sort(kept.begin(), kept.end());
+  EXPECT_EQ(kept, folder.Names());
+  for (const std::string& name : folder.Names()) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(ReadText(folder / name), ReadText(pictures / name)) << "run docs/pictures/redraw.sh";
+    EXPECT_NE(texts.find(name), std::string::npos) << "not explained";
+  }
+}
+
+}  // namespace
