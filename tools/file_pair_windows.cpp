@@ -266,12 +266,12 @@ struct HeldSignalsC::Platform {
   }
 
   static inline std::atomic<bool> isPending = false;
-  static inline HANDLE isOver = nullptr;
+  static inline const HANDLE isOver = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 };
 
 HeldSignalsC::HeldSignalsC() {
   Platform::isPending = false;
-  Platform::isOver = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  ResetEvent(Platform::isOver);
   SetConsoleCtrlHandler(&Platform::Hold, TRUE);
 }
 
