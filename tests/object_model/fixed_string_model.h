@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <ostream>
+#include <random>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -143,6 +145,41 @@ inline Encoded ToUtf8(const std::u16string& units, std::size_t space) {
   }
   if (space > out.written.size()) out.written += '\0';
   return out;
+}
+
+/// The bytes of a text, for messages.
+inline std::string Hex(const std::string& bytes) {
+  std::string hex;
+  char digits[4];
+  for (const char c : bytes) {
+    std::snprintf(digits, sizeof(digits), "%02X ", static_cast<unsigned char>(c));
+    hex += digits;
+  }
+  return hex;
+}
+
+/// Units that mostly need one, two or three bytes of UTF-8, or all of these, lone surrogates too.
+inline std::u16string RandomUnits(std::mt19937_64& random, std::size_t count) {
+  std::u16string units;
+  const unsigned kind = static_cast<unsigned>(random() % 8);
+  while (units.size() < count) {
+    switch (kind < 3 ? kind : random() % 4) {
+      case 0:
+        units += static_cast<char16_t>(1 + random() % 0x7F);
+        break;
+      case 1:
+        units += static_cast<char16_t>(0x80 + random() % 0x780);
+        break;
+      case 2:
+        units += static_cast<char16_t>(0x800 + random() % 0xF800);
+        break;
+      default:
+        units += random() % 50 == 0 ? std::u16string(1, u'\0') : u"abcdefgh";
+        break;
+    }
+  }
+  units.resize(count);
+  return units;
 }
 
 }  // namespace Model
