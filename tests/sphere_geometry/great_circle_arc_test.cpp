@@ -31,6 +31,8 @@ TEST(GreatCircleArc, WhichEndsHaveAnArcAndOfWhichKind) {
       {"from the pole", {0.1, 0.0}, {2.0, 0.6}, true, true, false},
       {"to the pole", {0.1, 1.0}, {2.0, PI}, true, true, false},
       {"on the equator", {0.1, HALF_PI}, {0.9, HALF_PI}, true, false, true},
+      {"on the equator to ten digits", {0.1, HALF_PI + 9e-11}, {0.9, HALF_PI}, true, false, true},
+      {"beside the equator", {0.1, HALF_PI + 2e-10}, {0.9, HALF_PI}, true, false, false},
       {"from the equator", {0.1, HALF_PI}, {0.9, 1.5}, true, false, false},
   };
   for (const auto& c : cases) {
@@ -63,6 +65,9 @@ TEST(GreatCircleArc, VertexIsTheHighestPointOfTheCircle) {
   ASSERT_TRUE(Arc({1.0, PI - 0.8}, {2.0, PI - 0.8}).GetVertex(lat, lon));
   EXPECT_NEAR(lon, 1.5, 1e-14);
   EXPECT_NEAR(lat, -std::atan(std::tan(HALF_PI - 0.8) / std::cos(0.5)), 1e-14);
+  // From the equator it is the northern one, wherever the arc leads.
+  ASSERT_TRUE(Arc({1.0, HALF_PI}, {2.0, 1.8}).GetVertex(lat, lon));
+  EXPECT_GT(lat, 0.0);
   // The longitude is not normalised.
   ASSERT_TRUE(Arc({8.0, 0.8}, {9.0, 0.8}).GetVertex(lat, lon));
   EXPECT_NEAR(lon, 8.5, 1e-14);
@@ -81,6 +86,41 @@ TEST(GreatCircleArc, CircleOfLatitudeIsCrossedTwiceOrNever) {
   EXPECT_TRUE(std::isnan(lon1) && std::isnan(lon2)) << "above the vertex";
   EXPECT_FALSE(Arc({1.0, HALF_PI}, {2.0, HALF_PI}).GetLatitudeCrossings(0.1, lon1, lon2));
   EXPECT_FALSE(Arc({1.0, 1.0}, {1.0, 1.0}).GetLatitudeCrossings(0.1, lon1, lon2));
+}
+
+TEST(LatitudeCrossings, LieInTheFrameOfTheArc) {
+  std::vector<AnglePointC> out;
+  FindLatitudeCrossings({12.0, 1.0}, {13.0, 1.0}, 0.95, out);
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_NEAR(out[0].Hz + out[1].Hz, 25.0, 1e-12);
+  for (const AnglePointC& at : out) {
+    EXPECT_GT(at.Hz, 12.0);
+    EXPECT_LT(at.Hz, 13.0);
+    EXPECT_EQ(at.V, 0.95);
+  }
+  FindLatitudeCrossings({12.0, 1.0}, {13.0, 1.0}, 1.01, out);
+  EXPECT_EQ(out.size(), 2u) << "the circle is crossed beyond both ends";
+  FindLatitudeCrossings({12.0, HALF_PI}, {13.0, HALF_PI}, HALF_PI, out);
+  EXPECT_EQ(out.size(), 2u) << "the equator has none";
+}
+
+TEST(LatitudeCrossings, OfTheCircleThroughTheVertexAreOne) {
+  int found = 0;
+  for (int i = 1; i < 20; ++i) {
+    const AnglePointC a{1.0, 0.5 + 0.05 * i};
+    const AnglePointC b{2.0, 0.5 + 0.05 * i};
+    double lat = 0.0;
+    double lon = 0.0;
+    ASSERT_TRUE(Arc(a, b).GetVertex(lat, lon));
+    const double v = HALF_PI - lat;
+    if (HALF_PI - v != lat) continue;  // the circle must have exactly the vertex's latitude
+    ++found;
+    std::vector<AnglePointC> out;
+    FindLatitudeCrossings(a, b, v, out);
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_NEAR(out[0].Hz, 1.5, 1e-10);
+  }
+  EXPECT_GT(found, 0);
 }
 
 TEST(ArcEdge, HoldsTheLongitudesBetweenItsEndsOnAnyTurn) {
@@ -116,6 +156,41 @@ TEST(ArcEdge, APoleLiesOnEveryArcThatEndsThereOrPassesOver) {
   EXPECT_FALSE(over.Holds(1.3, 2.0));
   EXPECT_TRUE(along.Holds(HALF_PI - 0.55, 1.0));
   EXPECT_FALSE(along.Holds(HALF_PI - 0.7, 1.0));
+}
+
+TEST(ArcEdge, KnowsItsPoleOnAnyTurn) {
+  const struct {
+    const char* what;
+    AnglePointC a, b;
+    int pole;
+  } cases[] = {
+      {"over the zenith", {1.0, 0.5}, {1.0 + PI, 2.5}, 1},
+      {"over the nadir", {1.0, 0.7}, {1.0 + PI, 2.5}, -1},
+      {"over the zenith on another turn", {7.0, 0.5}, {7.0 - PI, 0.6}, 1},
+      {"over the nadir on another turn", {7.0, 2.5}, {7.0 - PI, 2.6}, -1},
+      {"from the nadir", {1.0, PI}, {2.0, 2.0}, -1},
+      {"to the zenith", {1.0, 1.0}, {2.0, 0.0}, 1},
+      {"beside the zenith", {1.0, 1e-3}, {3.0, 1e-3}, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    const ArcEdgeC arc{SpherePointC(c.a), SpherePointC(c.b)};
+    EXPECT_EQ(arc.GetPole(), c.pole);
+    EXPECT_EQ(arc.IsThroughPoles(), c.pole != 0);
+  }
+}
+
+// The product of the unit vectors would lose half of the digits.
+TEST(ArcEdge, AShortArcIsCrossedWhereItIs) {
+  constexpr double kShort = 1e-6;
+  const ArcEdgeC arc{SpherePointC({1.0, 1.0}), SpherePointC({1.0 + kShort, 1.0 + kShort})};
+  for (const double part : {0.25, 0.5, 0.75}) {
+    SCOPED_TRACE(part);
+    const double h = 1.0 + part * kShort;
+    double v = 0.0;
+    ASSERT_TRUE(arc.CrossesMeridian(h, std::cos(h), std::sin(h), 0.0, 3.0, v));
+    EXPECT_NEAR(v, 1.0 + part * kShort, kShort * kShort);  // the chord is straight up to this
+  }
 }
 
 TEST(ArcEdge, AMeridianCrossesOnItsOwnSideAlone) {
@@ -172,6 +247,19 @@ TEST(ArcEdge, ArcsCrossWhereBothHoldThePoint) {
   EXPECT_FALSE(
       FindSphericalCrossing(edge({1.0, 1.0}, {1.0, 1.0}), edge({1.0, 1.5}, {2.0, 1.0}), at))
       << "no arc";
+  // The great circles meet within one of them alone.
+  EXPECT_FALSE(
+      FindSphericalCrossing(edge({1.0, 1.0}, {2.0, 1.5}), edge({2.5, 1.2}, {2.6, 2.2}), at));
+  EXPECT_FALSE(
+      FindSphericalCrossing(edge({2.5, 1.2}, {2.6, 2.2}), edge({1.0, 1.0}, {2.0, 1.5}), at));
+  // Planes at an angle of 1e-10 or less are one.
+  const auto atHorizon = [&](double tilt) {
+    return FindSphericalCrossing(edge({1.0, HALF_PI}, {2.0, HALF_PI}),
+                                 edge({1.0, HALF_PI - tilt}, {2.0, HALF_PI + tilt}), at);
+  };
+  EXPECT_FALSE(atHorizon(4e-11));  // the sine is about twice the tilt
+  EXPECT_TRUE(atHorizon(6e-11));
+  EXPECT_NEAR(at.Hz, 1.5, 1e-4);
   // Two meridian edges meet at the pole over which both pass.
   EXPECT_TRUE(
       FindSphericalCrossing(edge({0.0, 0.5}, {PI, 0.5}), edge({1.0, 0.5}, {1.0 + PI, 0.5}), at));
@@ -185,6 +273,13 @@ TEST(PlanarEdges, CrossWithinTheSpansOfBoth) {
   EXPECT_FALSE(FindPlanarCrossing({0.0, 0.0}, {2.0, 2.0}, {3.0, 2.0}, {5.0, 0.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({0.0, 0.0}, {2.0, 2.0}, {0.0, 1.0}, {2.0, 3.0}, at))
       << "parallel";
+  // Lines that are nearly parallel still cross.
+  EXPECT_TRUE(FindPlanarCrossing({0.0, 0.0}, {2.0, 1e-9}, {0.0, 1e-9}, {2.0, 0.0}, at));
+  // In the span of one edge alone, where Hz or V of the other says nothing.
+  EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {0.0, 2.0}, {2.0, 2.0}, at));
+  EXPECT_FALSE(FindPlanarCrossing({0.0, 2.0}, {2.0, 2.0}, {1.0, 0.0}, {1.0, 1.0}, at));
+  EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {2.0, 0.5}, {3.0, 0.5}, at));
+  EXPECT_FALSE(FindPlanarCrossing({2.0, 0.5}, {3.0, 0.5}, {1.0, 0.0}, {1.0, 1.0}, at));
   // Touching counts, to ten digits.
   EXPECT_TRUE(FindPlanarCrossing({0.0, 0.0}, {2.0, 0.0}, {1.0, 4e-11}, {1.0, 1.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({0.0, 0.0}, {2.0, 0.0}, {1.0, 1e-9}, {1.0, 1.0}, at));

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -107,6 +109,40 @@ TEST(SphereArea, RectangleBounds) {
   EXPECT_EQ(e.hzMax, 6.0 + (0.1 + TWO_PI - 6.0));
 }
 
+TEST(SphereArea, ARectangleWithoutWidthDoesNotGoAround) {
+  const Extents e = Measure(Area({{1.0, 0.5}, {1.0, 1.0}}));
+  EXPECT_EQ(e.hzMin, 1.0);
+  EXPECT_EQ(e.hzMax, 1.0);
+}
+
+TEST(SphereArea, TheEdgesOfARectangleBeginAtItsLeftSide) {
+  std::vector<AnglePointC> edges;
+  double hzOrigin = 0.0;
+  ASSERT_TRUE(Area({{1.0, 0.5}, {3.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  const std::vector<AnglePointC> expected = {{0.0, 0.5}, {0.0, 1.5}, {0.0, 1.5}, {2.0, 1.5},
+                                             {2.0, 1.5}, {2.0, 0.5}, {2.0, 0.5}, {0.0, 0.5}};
+  EXPECT_EQ(edges, expected);
+  EXPECT_EQ(hzOrigin, 1.0);
+  // What the caller passes is added to the second corner, unless the rectangle crosses the seam.
+  hzOrigin = 0.25;
+  ASSERT_TRUE(Area({{1.0, 0.5}, {3.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[3].Hz, 2.25);
+  hzOrigin = 0.25;
+  ASSERT_TRUE(Area({{6.0, 0.5}, {0.5, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[3].Hz, 0.5 + TWO_PI - 6.0);
+  EXPECT_EQ(hzOrigin, 6.0);
+}
+
+TEST(SphereArea, TheEdgeThatClosesARectangleIsAtTheFirstV) {
+  const SphereAreaC area = Area({{0.0, 1.0}, {2.0, 1.5}});
+  EXPECT_NEAR(area.DistanceToBoundary(1.0, 1.4), 0.1, 1e-15);
+  EXPECT_NEAR(area.DistanceToBoundary(1.0, 1.1), 0.4, 1e-15) << "not 0.1";
+  const double outside = 0.9 * CONTAINS_TOLERANCE / 2.0;
+  EXPECT_TRUE(area.Contains(1.0, 1.5 + outside));
+  EXPECT_TRUE(area.Contains(2.0 + outside, 1.2));
+  EXPECT_FALSE(area.Contains(1.0, 1.0 - outside));
+}
+
 TEST(SphereArea, RectangleContainsWhatLiesBetweenItsCorners) {
   const SphereAreaC area = Area({{1.0, 0.5}, {2.0, 1.0}});
   EXPECT_TRUE(area.Contains(1.5, 0.75));
@@ -159,6 +195,33 @@ TEST(SphereArea, ABowTieIsNotValid) {
   EXPECT_FALSE(Area({{6.0, 1.0}, {0.3, 1.5}, {0.3, 1.0}, {6.0, 1.5}}).IsValid());
 }
 
+// Star-shaped about no point, so that its edges are compared.
+TEST(SphereArea, ACombIsValid) {
+  const std::vector<AnglePointC> comb = {{1.0, 1.0}, {1.2, 1.5}, {1.4, 1.0}, {1.6, 1.5},
+                                         {1.8, 1.0}, {2.0, 1.5}, {2.2, 1.0}, {2.2, 2.0},
+                                         {1.6, 1.9}, {1.0, 2.0}};
+  for (std::size_t first = 0; first < comb.size(); ++first) {
+    SCOPED_TRACE(first);
+    std::vector<AnglePointC> ring = comb;
+    std::rotate(ring.begin(), ring.begin() + static_cast<std::ptrdiff_t>(first), ring.end());
+    EXPECT_TRUE(Area(ring).IsValid());
+    EXPECT_TRUE(Area(ring).Contains(1.6, 1.7));
+    EXPECT_FALSE(Area(ring).Contains(1.6, 1.3));
+    std::iter_swap(std::find(ring.begin(), ring.end(), AnglePointC{2.2, 2.0}),
+                   std::find(ring.begin(), ring.end(), AnglePointC{1.0, 2.0}));
+    EXPECT_FALSE(Area(ring).IsValid());
+  }
+}
+
+TEST(SphereArea, AnEdgeThatTouchesAnotherToTenDigitsCrossesIt) {
+  const auto spike = [](double gap) {
+    return Area({{1.0, 1.0}, {2.0, 1.0}, {1.0 + gap, 1.25}, {2.0, 1.5}, {1.0, 1.5}});
+  };
+  EXPECT_FALSE(spike(0.0).IsValid());
+  EXPECT_FALSE(spike(4e-11).IsValid());
+  EXPECT_TRUE(spike(1e-9).IsValid());
+}
+
 TEST(SphereArea, ATriangleNeverCrossesItself) {
   EXPECT_TRUE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.5}}).IsValid());
   EXPECT_TRUE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.0}}).IsValid());
@@ -192,6 +255,101 @@ TEST(SphereArea, RingAroundTheZenith) {
   EXPECT_FALSE(Area(back).Contains(2.0, 0.4));
 }
 
+TEST(SphereArea, EveryRingAroundTheAxisEnclosesTheZenith) {
+  for (int n = 3; n < 40; ++n) {
+    SCOPED_TRACE(n);
+    std::vector<AnglePointC> ring = RingAtV(0.3, n, 0.1 * n);
+    EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+    std::reverse(ring.begin(), ring.end());
+    EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+  }
+}
+
+TEST(SphereArea, TheBoundsOfARingAroundTheZenithBeginAtItsFirstPoint) {
+  // The smallest Hz is that of the second point.
+  const Extents e =
+      Measure(Area({{0.5, 0.3}, {0.3, 0.4}, {1.5, 0.3}, {3.0, 0.3}, {4.5, 0.3}, {6.0, 0.3}}));
+  EXPECT_TRUE(e.enclosesZenith);
+  EXPECT_EQ(e.hzMin, 0.5 + 1e-6);
+  EXPECT_EQ(e.hzMax, 0.5 + 1e-6 + TWO_PI);
+}
+
+TEST(SphereArea, ARingThatWindsTwiceEnclosesTheZenith) {
+  std::vector<AnglePointC> ring;
+  for (int i = 0; i < 10; ++i)
+    ring.push_back({NormalizeAngle(2.0 * TWO_PI * i / 10), 0.3 + 0.05 * i});
+  std::vector<AnglePointC> edges;
+  double hzOrigin = 0.0;
+  ASSERT_TRUE(Area(ring).BuildEdgeList(edges, hzOrigin));
+  EXPECT_NEAR(edges.back().Hz, 2.0 * TWO_PI, 1e-13);
+  EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+  std::reverse(ring.begin(), ring.end());
+  ASSERT_TRUE(Area(ring).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges.back().Hz, 0.0);
+  EXPECT_NEAR(edges.front().Hz, 2.0 * TWO_PI, 1e-13);
+  EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+}
+
+TEST(SphereArea, ARingAroundTheZenithNeedNotBeValid) {
+  // Two neighbours changed places, so the ring crosses itself there.
+  std::vector<AnglePointC> ring = RingAtV(0.6, 12);
+  for (std::size_t i = 0; i < ring.size(); i += 2) ring[i].V = 0.9;
+  std::swap(ring[3], ring[5]);
+  const SphereAreaC area = Area(ring);
+  EXPECT_FALSE(area.IsValid());
+  const Extents e = Measure(area);
+  EXPECT_TRUE(e.result);
+  EXPECT_TRUE(e.enclosesZenith);
+  EXPECT_TRUE(area.Contains(5.0, 0.2));
+  EXPECT_FALSE(area.Contains(5.0, 1.2));
+  std::vector<AnglePointC> out;
+  EXPECT_TRUE(area.SearchLine({5.0, 0.2}, true, out));
+  EXPECT_EQ(out.size(), 1u);
+}
+
+// The first six edges go around, the others come back below: the frame is wider than a turn.
+TEST(SphereArea, AnAreaMayBeWiderThanATurn) {
+  const SphereAreaC area = Area({{0.0, 1.5},
+                                 {2.0, 1.5},
+                                 {4.0, 1.5},
+                                 {6.0, 1.5},
+                                 {1.0, 1.0},
+                                 {1.7, 1.0},
+                                 {6.1, 2.0},
+                                 {4.0, 2.0},
+                                 {2.0, 2.0},
+                                 {0.1, 2.0}});
+  std::vector<AnglePointC> edges;
+  double hzOrigin = 0.0;
+  ASSERT_TRUE(area.BuildEdgeList(edges, hzOrigin));
+  EXPECT_NEAR(edges[9].Hz, 1.7 + TWO_PI, 1e-15);
+  EXPECT_EQ(edges.back(), edges.front());
+  const Extents e = Measure(area);
+  EXPECT_TRUE(e.result);
+  EXPECT_FALSE(e.enclosesZenith);
+  EXPECT_EQ(e.hzMin, 0.0);
+  EXPECT_NEAR(e.hzMax, 1.7 + TWO_PI, 1e-15);
+  // The vertex of the edge at V = 1 is found where the edge is, beyond the turn.
+  EXPECT_NEAR(e.vMin, HALF_PI - std::atan(std::tan(HALF_PI - 1.0) / std::cos(0.35)), 1e-14);
+  EXPECT_TRUE(area.Contains(1.35, 1.05));
+  EXPECT_TRUE(area.Contains(1.35, 1.8)) << "below, on the first turn";
+  std::vector<AnglePointC> out;
+  ASSERT_TRUE(area.SearchLine({0.0, 1.2}, false, out));
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_GT(out[0].Hz, 6.0);
+  EXPECT_GT(out[1].Hz, TWO_PI + 1.0) << "in the frame of the edges";
+}
+
+TEST(SphereArea, ARingBelowTheLimitIsFollowedBetweenTheLimitAndItsTop) {
+  // The bounds in V are in the wrong order then: 0.8 pi, and 2.6 at the corners.
+  const SphereAreaC area = Area(RingAtV(2.6, 12, 0.5));
+  const Extents e = Measure(area, true);
+  EXPECT_EQ(e.vMin, 2.6);
+  EXPECT_EQ(e.vMax, V_LIMIT);
+  EXPECT_TRUE(area.Contains(0.5, 1.0)) << "at a corner";
+  EXPECT_FALSE(area.Contains(0.6, 1.0)) << "between corners the ring lies below its top";
+}
+
 TEST(SphereArea, ARingAroundTheZenithEndsAtTheLimit) {
   // Where its boundary lies below the limit, nothing is inside: the search line ends above it.
   const SphereAreaC area = Area(RingAtV(2.6, 12, 0.5));
@@ -214,6 +372,22 @@ class UnlimitedAreaC : public SphereAreaC {
   UnlimitedAreaC() { SetVUnlimited(true); }
 };
 
+// Callers hold sphere areas by value.
+TEST(SphereArea, HoldsItsMembersInOrder) {
+  UnlimitedAreaC area;
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&area);
+  const auto at = [bytes](auto value, std::size_t offset) {
+    std::memcpy(&value, bytes + offset, sizeof(value));
+    return value;
+  };
+  EXPECT_EQ(at(std::uint32_t{9}, 8), 1u);
+  EXPECT_EQ(at(std::uint64_t{9}, 16), 0u);
+  EXPECT_EQ(at(std::uint8_t{9}, 24), 0u);
+  EXPECT_EQ(at(std::uint64_t{9}, 32), 0u);
+  EXPECT_EQ(reinterpret_cast<const unsigned char*>(&area.GetPoints()) - bytes, 40);
+  EXPECT_EQ(at(std::uint8_t{9}, 64), 1u);
+}
+
 TEST(SphereArea, ClampVSetsOrFailsInTheOrderOfItsChecks) {
   const SphereAreaC area;
   double a = 3.0;
@@ -231,6 +405,19 @@ TEST(SphereArea, ClampVSetsOrFailsInTheOrderOfItsChecks) {
   a = V_LIMIT;
   b = 0.0;
   EXPECT_TRUE(area.ClampV(a, b, false));
+  // The first value beyond the limits ends a check that may not clamp; one that may goes on.
+  a = std::nextafter(V_LIMIT, 3.0);
+  b = -std::numeric_limits<double>::denorm_min();
+  EXPECT_FALSE(area.ClampV(a, b, false));
+  EXPECT_GT(a, V_LIMIT);
+  EXPECT_TRUE(area.ClampV(a, b, true));
+  EXPECT_EQ(a, V_LIMIT);
+  EXPECT_EQ(b, 0.0);
+  a = -1.0;
+  b = 3.0;
+  EXPECT_TRUE(area.ClampV(a, b, true));
+  EXPECT_EQ(a, 0.0);
+  EXPECT_EQ(b, V_LIMIT);
 }
 
 TEST(SphereArea, WithoutALimitVStaysAsItIs) {
@@ -286,11 +473,20 @@ TEST(SphereArea, EdgeListIsUnwrappedAndBeginsAtZero) {
   EXPECT_EQ(edges[3], (AnglePointC{0.2 + TWO_PI - 6.0, 1.5}));
   EXPECT_EQ(edges[4], edges[3]);
   EXPECT_EQ(edges[5], edges[0]);
+  // Half a turn is no crossing of the seam.
+  ASSERT_TRUE(Area({{0.0, 1.0}, {PI, 1.1}, {1.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[1].Hz, PI);
+  ASSERT_TRUE(Area({{PI, 1.0}, {0.0, 1.1}, {1.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[1].Hz, 0.0);
   // The other way over the seam.
   ASSERT_TRUE(Area({{0.3, 1.1}, {6.0, 1.0}, {0.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[1].Hz, 0.0);
   EXPECT_NEAR(edges[0].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
   EXPECT_NEAR(hzOrigin, 6.0, 1e-15);
+  // Points that are not in the first turn: the origin is.
+  ASSERT_TRUE(Area({{9.0, 1.0}, {9.5, 1.1}, {9.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
+  EXPECT_EQ(edges[1].Hz, 0.5);
+  EXPECT_EQ(hzOrigin, NormalizeAngle(9.0));
 }
 
 TEST(SphereArea, TheDistanceIsMeasuredAtHzPlusTheOrigin) {
@@ -373,6 +569,18 @@ TEST(SphereArea, LineSearchOfARectangle) {
   ASSERT_EQ(out.size(), 2u);
   EXPECT_NEAR(out[0].Hz, 0.0, 1e-15);
   EXPECT_NEAR(out[1].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
+  // Every crossing has exactly the Hz of the line.
+  for (int i = 0; i < 50; ++i) {
+    const double hz = NormalizeAngle(6.0 + 0.01 * i);
+    SCOPED_TRACE(hz);
+    ASSERT_TRUE(area.SearchLine({hz, 0.7}, true, out));
+    ASSERT_EQ(out.size(), 2u);
+    EXPECT_EQ(out[0].Hz, NormalizeAngle(hz - 6.0));
+    EXPECT_EQ(out[1].Hz, NormalizeAngle(hz - 6.0));
+  }
+  // Around a full turn the level line begins where it ends, and crosses nothing.
+  ASSERT_TRUE(Area({{0.0, 0.5}, {TWO_PI, 1.0}}).SearchLine({1.0, 0.7}, false, out));
+  EXPECT_TRUE(out.empty());
 }
 
 TEST(SphereArea, LineSearchFails) {
