@@ -144,6 +144,12 @@ Changes<Impl> ChangesOf() {
           [](Impl& impl) { impl = Impl(impl.GetHDOPTenths(), impl.GetVDOPTenths(), 3); }};
 }
 
+template <std::same_as<SDI::ScanDefPointImplC> Impl>
+Changes<Impl> ChangesOf() {
+  return {[](Impl& p) { p.SetHz(1.5); }, [](Impl& p) { p.SetV(1.5); },
+          [](Impl& p) { p.SetDistance(1.5); }};
+}
+
 // What both implementations of a measurement begin with, behind the times.
 template <class Impl>
 Changes<Impl> SharedChanges() {
@@ -306,6 +312,98 @@ TEST(Layout, ImplementationsHoldTheirFieldsInOrder) {
 TEST(Layout, MeasurementsHoldTheirFieldsInOrder) {
   ExpectFieldsAt<SDI::GPSMeasDataImplC>("full", "ttehh[fbf]bw[hhh]hppppvbiiAAiAbDbihhL");
   ExpectFieldsAt<ODM::GPSMeasDataC>("compact", "tthh[fbf]bw[hhh]hppppv");
+}
+
+TEST(Layout, ScanDefinitionPointsHoldTheirFieldsInOrder) {
+  ExpectFieldsAt<SDI::ScanDefPointImplC>("ScanDefPoint", "ddd");
+}
+
+// From the first byte that a change touches to behind the last one.
+template <class Object, class Change>
+Range Changed(Object& object, Change change) {
+  const auto before = BytesOf(object);
+  change(object);
+  const auto after = BytesOf(object);
+  const auto first = std::mismatch(before.begin(), before.end(), after.begin()).first;
+  const auto last = std::mismatch(before.rbegin(), before.rend(), after.rbegin()).first;
+  return {static_cast<std::size_t>(first - before.begin()),
+          static_cast<std::size_t>(before.rend() - last)};
+}
+
+template <class Object>
+std::size_t OffsetIn(const Object& object, const void* field) {
+  return static_cast<std::size_t>(static_cast<const std::byte*>(field) -
+                                  reinterpret_cast<const std::byte*>(&object));
+}
+
+template <class Impl>
+void ExpectAreaFieldsAt(std::uint32_t type) {
+  SCOPED_TRACE(type);
+  static_assert(sizeof(Impl) == 184);
+  Impl impl;
+  std::uint32_t stored = 0;
+  std::memcpy(&stored, reinterpret_cast<const std::byte*>(&impl) + 16, sizeof(stored));
+  EXPECT_EQ(stored, type);
+  using Change = void (*)(Impl&);
+  const struct {
+    std::size_t begin;
+    std::size_t size;
+    Change change;
+  } fields[] = {
+      {24, 8, [](Impl& a) { a.SetHzStep(1.5); }},    {32, 8, [](Impl& a) { a.SetVStep(1.5); }},
+      {40, 4, [](Impl& a) { a.SetSettingA(7); }},    {48, 8, [](Impl& a) { a.SetLimitLow(1.5); }},
+      {56, 8, [](Impl& a) { a.SetLimitHigh(1.5); }}, {64, 4, [](Impl& a) { a.SetSettingB(7); }},
+      {68, 4, [](Impl& a) { a.SetSettingC(7); }},    {72, 8, [](Impl& a) { a.SetSettingD(1.5); }},
+      {80, 2, [](Impl& a) { a.SetSettingE(7); }},
+  };
+  for (const auto& field : fields) {
+    SCOPED_TRACE(field.begin);
+    const Range range = Changed(impl, field.change);
+    EXPECT_GE(range.begin, field.begin);
+    EXPECT_LE(range.end, field.begin + field.size);
+  }
+  EXPECT_EQ(OffsetIn(impl, &impl.GetSphereArea()), 88U);
+  // The points are mirrored into the sphere area, and stand behind it.
+  if (type == SDI::kDomeArea) return;
+  const Range points =
+      Changed(impl, [](Impl& a) { a.AddPoint(SDI::ScanDefPointC(1.0, 1.0, 1.0)); });
+  EXPECT_GE(points.begin, 88U + 40);
+  EXPECT_LT(points.begin, 88U + 64);
+  EXPECT_GE(points.end, 160U);
+}
+
+TEST(Layout, ScanAreasHoldTheirFieldsInOrder) {
+  ExpectAreaFieldsAt<SDI::ScanRectangularAreaImplC>(SDI::kRectangularArea);
+  ExpectAreaFieldsAt<SDI::ScanPolygonAreaImplC>(SDI::kPolygonArea);
+  ExpectAreaFieldsAt<SDI::ScanDomeAreaImplC>(SDI::kDomeArea);
+}
+
+TEST(Layout, ScansHoldTheirFieldsInOrder) {
+  SDI::ScanImplC scan;
+  const std::size_t texts[] = {OffsetIn(scan, scan.GetText1()), OffsetIn(scan, scan.GetText2()),
+                               OffsetIn(scan, scan.GetText3()), OffsetIn(scan, scan.GetText4())};
+  EXPECT_EQ(texts[1] - texts[0], sizeof(API::FixedStringC<32>));
+  EXPECT_EQ(texts[2] - texts[1], sizeof(API::FixedStringC<64>));
+  EXPECT_EQ(texts[3] - texts[2], sizeof(API::FixedStringC<255>));
+  using Change = void (*)(SDI::ScanImplC&);
+  const Change changes[] = {[](SDI::ScanImplC& s) { s.SetValue1(1.5); },
+                            [](SDI::ScanImplC& s) { s.SetValue2(1.5); },
+                            [](SDI::ScanImplC& s) { s.SetValue3(1.5); },
+                            [](SDI::ScanImplC& s) { s.SetValue4(1.5); },
+                            [](SDI::ScanImplC& s) { s.SetWord1(7); },
+                            [](SDI::ScanImplC& s) { s.SetWord2(7); },
+                            [](SDI::ScanImplC& s) { s.CreateArea(SDI::kDomeArea); }};
+  const std::size_t area = sizeof(SDI::ScanImplC) - sizeof(void*);
+  const std::size_t ends[] = {area - 32, area - 24, area - 16,           area - 8,
+                              area - 4,  area,      area + sizeof(void*)};
+  const std::size_t begins[] = {area - 40, area - 32, area - 24, area - 16,
+                                area - 8,  area - 4,  area};
+  for (std::size_t i = 0; i < std::size(changes); ++i) {
+    SCOPED_TRACE(i);
+    const Range range = Changed(scan, changes[i]);
+    EXPECT_GE(range.begin, begins[i]);
+    EXPECT_LE(range.end, ends[i]);
+  }
 }
 
 TEST(Layout, TheTwoImplementationsOfAPartAreAlike) {

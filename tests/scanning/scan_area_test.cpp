@@ -182,7 +182,31 @@ TEST(ScanArea, KindsAreNeverEqual) {
   EXPECT_FALSE(rectangle.GetImpl()->IsEqual(*point.GetImpl())) << "no scan definition";
 }
 
+// An area of no kind that the library has, under any code.
+class StrangeAreaC : public ScanAreaImplC {
+ public:
+  explicit StrangeAreaC(std::uint32_t type) : ScanAreaImplC(type) {}
+  void GetOutline(std::vector<ScanDefPointC>&, double) const override {}
+};
+
+TEST(ScanArea, AnAreaOfAnotherClassWithTheCodeOfAKindIsNotEqual) {
+  const ScanRectangularAreaImplC rectangle;
+  const ScanPolygonAreaImplC polygon;
+  const ScanDomeAreaImplC dome;
+  for (const ScanAreaImplC* const area :
+       {static_cast<const ScanAreaImplC*>(&rectangle), static_cast<const ScanAreaImplC*>(&polygon),
+        static_cast<const ScanAreaImplC*>(&dome)}) {
+    EXPECT_FALSE(area->IsEqual(StrangeAreaC(area->GetType())));
+    EXPECT_FALSE(area->IsEqual(ScanDefinitionImplC(area->GetType())));
+  }
+  EXPECT_TRUE(StrangeAreaC(9).IsEqual(StrangeAreaC(9)));
+  EXPECT_FALSE(StrangeAreaC(9).IsEqual(StrangeAreaC(8)));
+  EXPECT_FALSE(StrangeAreaC(9).IsEqual(ScanDefinitionImplC(9)));
+}
+
 TEST(ScanDefinition, ComparesTypesAlone) {
+  static_assert(!std::is_default_constructible_v<ScanDefinitionImplC>);
+  static_assert(!std::is_default_constructible_v<ScanDefinitionC>);
   const ScanDefinitionC seven(new ScanDefinitionImplC(7));
   EXPECT_EQ(seven.GetType(), 7u);
   EXPECT_TRUE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(7))));
@@ -273,6 +297,15 @@ TEST(ScanRectangularArea, IsValidWithStepsAndTwoCornersThatDiffer) {
   area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
   area.AddPoint({1.5, 2.0, -1.0});
   EXPECT_FALSE(area.IsValid()) << "three points";
+  area.SetCorners({7.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  EXPECT_FALSE(area.IsValid()) << "out of range";
+  // Hz and V must differ exactly, but the corners by more than a denormal.
+  area.SetCorners({1.0, 0.5, -1.0}, {std::nextafter(1.0, 2.0), std::nextafter(0.5, 1.0), -1.0});
+  EXPECT_TRUE(area.IsValid());
+  area.SetCorners({0.0, 0.0, -1.0}, {1e-310, 1.0, -1.0});
+  EXPECT_TRUE(area.IsValid());
+  area.SetCorners({0.0, 0.0, -1.0}, {1e-310, 1e-310, -1.0});
+  EXPECT_FALSE(area.IsValid());
 }
 
 TEST(ScanRectangularArea, CornersAreSetAndRead) {
@@ -297,7 +330,7 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
     double first, second, filledFirst, filledSecond;
   } cases[] = {
       {12.5, -1.0, 12.5, 12.5}, {-1.0, 9.0, 9.0, 9.0}, {-1.0, -1.0, 3.0, 3.0},
-      {1.0, 2.0, 1.0, 2.0},     {0.0, -1.0, 0.0, 0.0},
+      {1.0, 2.0, 1.0, 2.0},     {0.0, -1.0, 0.0, 0.0}, {-1.0, 0.0, 0.0, 0.0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.first << ", " << c.second);
@@ -320,6 +353,10 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
   std::vector<ScanDefPointC> out;
   one.GetOutline(out, 3.0);
   EXPECT_TRUE(out.empty());
+  one.AddPoint({2.0, 2.0, 1.0});
+  one.AddPoint({3.0, 1.5, 1.0});
+  one.GetOutline(out, 3.0);
+  EXPECT_TRUE(out.empty()) << "three points";
 }
 
 TEST(ScanPolygonArea, SetPointsAppends) {
@@ -338,6 +375,13 @@ TEST(ScanPolygonArea, NeedsThreePointsWithoutRepeats) {
   EXPECT_FALSE(area->IsValid()) << "the last equals the first";
   area.reset(MakePolygon({{1.0, 1.0, 1.0}, {2.0, 1.0, 1.0}, {2.0, 1.0, 2.0}, {1.5, 1.5, 1.0}}));
   EXPECT_FALSE(area->IsValid()) << "a point repeats its predecessor";
+  // Points that differ by a denormal are equal here, though not to the geometry.
+  area.reset(MakePolygon({{0.0, 1.0, 1.0}, {1e-310, 1.0, 1.0}, {1.0, 1.5, 1.0}}));
+  EXPECT_TRUE(area->IsAreaValid());
+  EXPECT_FALSE(area->IsValid());
+  area.reset(MakePolygon({{0.0, 1.0, 1.0}, {1.0, 1.5, 1.0}, {1e-310, 1.0, 1.0}}));
+  EXPECT_TRUE(area->IsAreaValid());
+  EXPECT_FALSE(area->IsValid());
   // Around the zenith a ring of the kind is refused by these rules too.
   area.reset(MakePolygon({{0.0, 0.3, 1.0}, {2.0, 0.3, 1.0}, {4.0, 0.3, 1.0}}));
   EXPECT_TRUE(area->IsValid());
@@ -376,6 +420,7 @@ TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
   EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));
   // 0 is no distance for the mean, and is not filled.
   EXPECT_EQ(distances({0, 8, -1, 8}), (Distances{0, 8, 8, 8}));
+  EXPECT_EQ(distances({0, -1, 8, 8}), (Distances{0, 4, 8, 8})) << "nor does the mean stand for it";
   EXPECT_EQ(distances({0, 0, 0}), (Distances{99, 99, 99}));
 }
 
@@ -446,6 +491,37 @@ TEST(ScanArea, BoundsAcrossTheSeam) {
   EXPECT_EQ(low.GetDistance(), 5.0) << "distances stay";
 }
 
+TEST(ScanArea, BoundsAreClampedAndOnlyTheFarEndsAreWrapped) {
+  const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
+  area->SetCorners({0.0, 1.0, -1.0}, {kTwoPi, 2.6, -1.0});
+  EXPECT_EQ(area->GetVMax(), 2.5132741228718345);
+  EXPECT_EQ(area->GetHzMax(), kTwoPi) << "a full turn is in range";
+  const std::unique_ptr<ScanPolygonAreaC> ring(
+      MakePolygon({{kTwoPi, 0.3, -1.0}, {2.0, 0.3, -1.0}, {4.0, 0.3, -1.0}}));
+  EXPECT_EQ(ring->GetHzMin(), kTwoPi + 1e-6);
+}
+
+// Its bounding points stand upside down.
+class TurnedAreaC : public ScanRectangularAreaImplC {
+ public:
+  bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const override {
+    EXPECT_TRUE(normalize);
+    low = {5.0, 2.0, -1.0};
+    high = {4.0, 1.0, -1.0};
+    return true;
+  }
+};
+
+TEST(ScanArea, TheBoundsInVAreOrderedAndThoseInHzAreNot) {
+  ScanRectangularAreaC area(new TurnedAreaC);
+  area.SetSteps(0.1, 0.1);
+  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  EXPECT_EQ(area.GetHzMin(), 5.0);
+  EXPECT_EQ(area.GetHzMax(), 4.0);
+  EXPECT_EQ(area.GetVMin(), 1.0);
+  EXPECT_EQ(area.GetVMax(), 2.0);
+}
+
 TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
   // The rule of validity holds for a ring around the zenith too, though its extents do without.
   std::vector<ScanDefPointC> ring;
@@ -455,6 +531,16 @@ TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
   EXPECT_NEAR(area->GetHzMax(), 1e-6, 1e-14) << "normalised, the full turn is gone";
   EXPECT_EQ(area->GetVMax(), 2.5132741228718345);
   EXPECT_LT(area->GetVMin(), 0.5);
+  ring.clear();
+  for (int i = 0; i < 12; ++i) ring.emplace_back(kTwoPi * i / 12, i % 2 == 0 ? 0.9 : 0.6, -1.0);
+  std::swap(ring[3], ring[5]);
+  const std::unique_ptr<ScanPolygonAreaC> crossing(MakePolygon(ring));
+  ASSERT_FALSE(crossing->IsAreaValid());
+  ScanDefPointC low;
+  ScanDefPointC high;
+  EXPECT_FALSE(crossing->GetBoundingPoints(low, high, true));
+  EXPECT_EQ(high.GetV(), kNotSet);
+  EXPECT_TRUE(crossing->Contains(4.5, 0.2)) << "what is inside does not ask for it";
 }
 
 TEST(ScanArea, ContainsAsksTheGeometryWhateverTheSteps) {

@@ -68,6 +68,10 @@ TEST(ScanDefPoint, IsValidWhenBothAnglesAreSet) {
   EXPECT_FALSE(ScanDefPointImplC(kNotSet, 2.0, 1.0).IsValid());
   EXPECT_FALSE(ScanDefPointImplC(1.0, kNotSet, 1.0).IsValid());
   EXPECT_TRUE(ScanDefPointImplC(-kNotSet, 1e308, 1.0).IsValid());
+  EXPECT_FALSE(ScanDefPointImplC(kNotSet, kNotSet, 1.0).IsValid());
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  EXPECT_TRUE(ScanDefPointImplC(kInfinity, std::numeric_limits<double>::quiet_NaN(), 1.0).IsValid())
+      << "only the largest double stands for an angle that is not set";
 }
 
 }  // namespace
