@@ -276,18 +276,20 @@ TEST(SphereArea, TheBoundsOfARingAroundTheZenithBeginAtItsFirstPoint) {
 
 TEST(SphereArea, ARingThatWindsTwiceEnclosesTheZenith) {
   std::vector<AnglePointC> ring;
-  for (int i = 0; i < 10; ++i)
-    ring.push_back({NormalizeAngle(2.0 * TWO_PI * i / 10), 0.3 + 0.05 * i});
+  for (int i = 0; i < 10; ++i) {
+    ring.push_back({NormalizeAngle(3.0 + 2.0 * TWO_PI * i / 10), 0.3 + 0.05 * i});
+  }
   std::vector<AnglePointC> edges;
   double hzOrigin = 0.0;
-  ASSERT_TRUE(Area(ring).BuildEdgeList(edges, hzOrigin));
-  EXPECT_NEAR(edges.back().Hz, 2.0 * TWO_PI, 1e-13);
-  EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
-  std::reverse(ring.begin(), ring.end());
-  ASSERT_TRUE(Area(ring).BuildEdgeList(edges, hzOrigin));
-  EXPECT_EQ(edges.back().Hz, 0.0);
-  EXPECT_NEAR(edges.front().Hz, 2.0 * TWO_PI, 1e-13);
-  EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+  for (int way = 0; way < 2; ++way) {
+    ASSERT_TRUE(Area(ring).BuildEdgeList(edges, hzOrigin));
+    for (std::size_t i = 0; i < edges.size(); i += 2) {
+      EXPECT_NEAR(std::fabs(edges[i + 1].Hz - edges[i].Hz), 2.0 * TWO_PI / 10, 1e-14);
+    }
+    EXPECT_NEAR(std::fabs(edges.back().Hz - edges.front().Hz), 2.0 * TWO_PI, 1e-13);
+    EXPECT_TRUE(Measure(Area(ring)).enclosesZenith);
+    std::reverse(ring.begin(), ring.end());
+  }
 }
 
 TEST(SphereArea, ARingAroundTheZenithNeedNotBeValid) {
@@ -459,6 +461,19 @@ TEST(SphereArea, TheSecondVertexCandidateFollowsItsFormula) {
   const Extents e = Measure(Area(ring), true);
   EXPECT_EQ(e.vMax, NormalizeAngle(TWO_PI - (HALF_PI - lat)));
   EXPECT_GT(e.vMax, PI) << "no direction of the area";
+}
+
+TEST(SphereArea, WhatAnEdgeReachesBeyondTheBoundsIsOutside) {
+  // The first edge rises from V = 70 to 69.6 degrees at Hz = 71 degrees. The vertex is taken from
+  // its other end, below the horizon, and the opposite candidate is not that point.
+  constexpr double kDegree = PI / 180.0;
+  const SphereAreaC area = Area({{60 * kDegree, 70 * kDegree},
+                                 {190 * kDegree, 100 * kDegree},
+                                 {190 * kDegree, 115 * kDegree},
+                                 {60 * kDegree, 115 * kDegree}});
+  EXPECT_EQ(Measure(area, true).vMin, 70 * kDegree);
+  EXPECT_FALSE(area.Contains(71 * kDegree, 75 * kDegree)) << "the edge above is out of bounds";
+  EXPECT_TRUE(area.Contains(120 * kDegree, 80 * kDegree));
 }
 
 TEST(SphereArea, EdgeListIsUnwrappedAndBeginsAtZero) {
