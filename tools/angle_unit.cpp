@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <fmt/format.h>
+
 #include <surveydata/sphere_geometry/angles.h>
 
 namespace Tool {
@@ -50,5 +52,16 @@ double FromRadians(double radians, AngleUnit unit) {
 }
 
 int UnitDecimals(AngleUnit unit) { return unit == AngleUnit::kRad ? 7 : 5; }
+
+std::string AngleText(double angle, AngleUnit unit) {
+  constexpr double kLargest = 1e6;
+  if (!(std::fabs(angle) < kLargest)) return fmt::format("{:.6g}", angle);
+  return fmt::format("{:.{}f}", angle, UnitDecimals(unit));
+}
+
+std::string StepText(double step, AngleUnit unit) {
+  constexpr double kFine = 1e-3;  // with fewer than three digits left
+  return std::fabs(step) < kFine ? fmt::format("{:.6g}", step + 0.0) : AngleText(step, unit);
+}
 
 }  // namespace Tool

@@ -2,6 +2,7 @@
 #define SURVEYDATA_TOOLS_ANGLE_UNIT_H_
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace Tool {
@@ -25,6 +26,12 @@ double FromRadians(double radians, AngleUnit unit);
 
 /// The digits behind the point with which people read angles: a tenth of a microradian.
 int UnitDecimals(AngleUnit unit);
+
+/// An angle given in the unit, for people: with these digits, or with six in all where it is so
+/// large that nobody would read them.
+std::string AngleText(double angle, AngleUnit unit);
+/// The same for a step, which is never shown as 0 unless it is.
+std::string StepText(double step, AngleUnit unit);
 
 }  // namespace Tool
 

@@ -36,7 +36,7 @@ class FaultFinderC {
 
  private:
   std::string Angle(double radians) const {
-    return fmt::format("{:.{}f}", FromRadians(radians, file_.unit), UnitDecimals(file_.unit));
+    return AngleText(FromRadians(radians, file_.unit), file_.unit);
   }
   std::string Point(std::size_t i) const {
     return fmt::format("(Hz {}, V {})", Angle(points_[i].GetHz()), Angle(points_[i].GetV()));
@@ -49,7 +49,9 @@ class FaultFinderC {
   void CheckSteps() {
     const auto check = [&](std::string_view rule, std::string_view name, double step) {
       if (step > 0) return;
-      Report(rule, {}, {}, fmt::format("the {} is {}, not above 0", name, Angle(step)));
+      Report(rule, {}, {},
+             fmt::format("the {} is {}, not above 0", name,
+                         StepText(FromRadians(step, file_.unit), file_.unit)));
     };
     check("hzStepNotPositive", "Hz step", area_.GetHzStep());
     check("vStepNotPositive", "V step", area_.GetVStep());

@@ -20,6 +20,7 @@
 #include "exit_code.h"
 #include "message.h"
 #include "platform.h"
+#include "text.h"
 
 namespace Tool {
 namespace {
@@ -53,8 +54,9 @@ class AreaReaderC {
     RefuseOthers(root_, "",
                  {"kind", "unit", "name", "points", "hzStep", "vStep", "limitLow", "limitHigh",
                   "settingA", "settingB", "settingC", "settingD", "settingE"});
-    AreaFile file{
-        .name = ToPath(path_).filename().string(), .unit = ReadUnit(), .area = MakeArea()};
+    AreaFile file{.name = ToPrintable(ToPath(path_).filename().string()),
+                  .unit = ReadUnit(),
+                  .area = MakeArea()};
     if (root_.contains("name")) file.name = Text("name");
     SDI::ScanAreaC& area = *file.area;
     area.SetHzStep(ToRadians(Number(root_, "", "hzStep"), file.unit));

@@ -14,9 +14,13 @@
 #include "area_measure.h"
 #include "json_writer.h"
 #include "output.h"
+#include "text.h"
 
 namespace Tool {
 namespace {
+
+// More than this is told as this.
+constexpr double kMostDirections = 1e18;
 
 struct Options {
   std::string file;
@@ -89,7 +93,8 @@ void WriteJson(OutputC& out, const AreaReport& report) {
   line.End();
   line.Begin("directions", report.directions.has_value());
   if (report.directions) {
-    line.Field("count", static_cast<std::uint64_t>(std::min(report.directions->count, 1e18)));
+    line.Field("count",
+               static_cast<std::uint64_t>(std::min(report.directions->count, kMostDirections)));
     line.Field("exact", report.directions->isExact);
   }
   line.End();
@@ -102,20 +107,19 @@ void WriteText(OutputC& out, const AreaReport& report) {
   const auto line = [&](std::string_view key, const std::string& value) {
     out.Print("{:<13} {}\n", key, value);
   };
-  const auto angle = [&](double inUnit) {
-    return fmt::format("{:.{}f}", inUnit, UnitDecimals(report.file.unit));
-  };
+  const auto angle = [&](double inUnit) { return AngleText(inUnit, report.file.unit); };
   const auto radians = [&](double value) { return angle(report.InUnit(value)); };
 
-  line("name", report.file.name);
+  line("name", ToPrintable(report.file.name));
   if (area.GetType() == SDI::kDomeArea) {
     line("kind", "dome");
   } else {
     line("kind",
          fmt::format("{}, {} points", KindName(area), report.file.Sphere().GetPoints().size()));
   }
-  line("steps", fmt::format("Hz {} {}, V {} {}", radians(area.GetHzStep()), unit,
-                            radians(area.GetVStep()), unit));
+  const auto step = [&](double value) { return StepText(report.InUnit(value), report.file.unit); };
+  line("steps",
+       fmt::format("Hz {} {}, V {} {}", step(area.GetHzStep()), unit, step(area.GetVStep()), unit));
   line("valid", report.faults.empty() ? "yes" : "no");
   for (const AreaFault& fault : report.faults) line("  because", fault.text);
   if (!report.bounds) return;
@@ -133,9 +137,11 @@ void WriteText(OutputC& out, const AreaReport& report) {
                        ? std::string("by formula")
                        : fmt::format("by quadrature, to {:.1g} sr", solidAngle.accuracy)));
   if (!report.directions) return;
-  line("directions",
-       fmt::format("{}{:.0f} at these steps", report.directions->isExact ? "" : "about ",
-                   report.directions->count));
+  const DirectionCount& directions = *report.directions;
+  line("directions", directions.count < kMostDirections
+                         ? fmt::format("{}{:.0f} at these steps",
+                                       directions.isExact ? "" : "about ", directions.count)
+                         : fmt::format("{:.0e} or more at these steps", kMostDirections));
 }
 
 ExitCode Run(const Options& options) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -162,7 +163,12 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   const double columns =
       CountSteps(width, file.area->GetHzStep(), bounds.enclosesZenith || width >= GMAT::TWO_PI);
   const double rows = CountSteps(bounds.vMax - vMin, file.area->GetVStep(), false);
-  if (file.area->GetType() != SDI::kPolygonArea) return {columns * rows, true};
+  constexpr double kMostWhole = 9e15;  // the numbers below are whole in a double
+  if (file.area->GetType() != SDI::kPolygonArea) {
+    return {columns * rows, columns * rows < kMostWhole};
+  }
+  // Nobody counts these, nor are they a number of steps that could be enlarged.
+  if (!(columns * rows < std::numeric_limits<double>::max())) return {columns * rows, false};
 
   constexpr double kMostColumns = 4096;
   constexpr double kMostProbes = 2e7;

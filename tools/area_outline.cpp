@@ -1,3 +1,4 @@
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "area_file.h"
 #include "json_writer.h"
 #include "output.h"
+#include "text.h"
 
 namespace Tool {
 namespace {
@@ -52,7 +54,7 @@ void WriteCsv(OutputC& out, const AreaFile& file, const std::vector<SDI::ScanDef
 void WriteText(OutputC& out, const AreaFile& file, const std::vector<SDI::ScanDefPointC>& outline) {
   const std::string_view unit = UnitName(file.unit);
   const auto angle = [&](double radians) {
-    return fmt::format("{:.{}f}", FromRadians(radians, file.unit), UnitDecimals(file.unit));
+    return AngleText(FromRadians(radians, file.unit), file.unit);
   };
   out.Print("{:>5}  {:>12}  {:>12}  {:>12}\n", "point", fmt::format("Hz [{}]", unit),
             fmt::format("V [{}]", unit), "distance [m]");
@@ -92,7 +94,12 @@ void AddAreaOutline(CLI::App& area, ExitCode& result) {
   command
       .add_option("--default-distance", options->defaultDistance,
                   "Where no corner has a distance, m; none by default")
-      ->type_name("M");
+      ->type_name("M")
+      ->check([](const std::string& text) -> std::string {
+        const auto distance = ToNumber<double>(text);
+        const bool isDistance = distance && *distance > 0 && std::isfinite(*distance);
+        return isDistance ? "" : text + " is no distance above 0";
+      });
   CLI::Option* const json = command.add_flag("--json", options->isJson,
                                              "One JSON object, angles in the unit of the file");
   command.add_flag("--csv", options->isCsv, "A CSV table, angles in the unit of the file")

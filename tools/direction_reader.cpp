@@ -24,25 +24,38 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// Takes a number from the front.
+// Takes a number from the front. A plus sign is read over, though not before another sign.
 std::optional<double> TakeNumber(std::string_view& text) {
   double number = 0;
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || !std::isfinite(number)) return {};
   text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
   return number;
 }
 
-// Takes blanks with at most one comma or semicolon among them from the front; false when there is
-// neither.
-bool TakeSeparator(std::string_view& text) {
+// Takes blanks with at most one comma or semicolon among them from the front, and tells which of
+// the three it was; 0 when there is none.
+char TakeSeparator(std::string_view& text) {
   const std::size_t before = text.size();
+  char separator = ' ';
   text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
   if (!text.empty() && (text.front() == ',' || text.front() == ';')) {
+    separator = text.front();
     text.remove_prefix(1);
     text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
   }
-  return text.size() != before;
+  return text.size() != before ? separator : '\0';
+}
+
+// Whether the first field is a number of any kind, quoted or not.
+bool BeginsWithNumber(std::string_view text) {
+  if (text.front() == '"') text = Trimmed(text.substr(1));
+  double number = 0;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc::invalid_argument) return false;
+  const auto length = static_cast<std::size_t>(stop - text.data());
+  return length == text.size() || std::isalnum(static_cast<unsigned char>(text[length])) == 0;
 }
 
 }  // namespace
@@ -50,9 +63,16 @@ bool TakeSeparator(std::string_view& text) {
 std::optional<Direction> ParseDirection(std::string_view text) {
   text = Trimmed(text);
   const auto hz = TakeNumber(text);
-  if (!hz || !TakeSeparator(text)) return {};
+  if (!hz) return {};
+  const char separator = TakeSeparator(text);
+  if (separator == '\0') return {};
   const auto v = TakeNumber(text);
-  if (!v || !(text.empty() || TakeSeparator(text))) return {};
+  if (!v) return {};
+  if (text.empty()) return Direction{*hz, *v};
+  const char next = TakeSeparator(text);
+  if (next == '\0') return {};
+  // 57,92;95,3 and 57,92 95,3 have decimal commas, or two directions: nobody knows.
+  if (separator == ',' && next != ',' && TakeNumber(text)) return {};
   return Direction{*hz, *v};
 }
 
@@ -85,12 +105,16 @@ bool DirectionReaderC::Next(Direction& direction) {
     if ((read.empty() || read.back() != '\n') && std::feof(file_.get()) == 0) {
       throw refuse("has a zero byte");
     }
-    const std::string_view text = Trimmed(read);
+    std::string_view text = Trimmed(read);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (line_ == 1 && text.starts_with(kByteOrderMark)) {
+      text = Trimmed(text.substr(kByteOrderMark.size()));
+    }
     if (text.empty() || text.front() == '#') continue;
     const auto parsed = ParseDirection(text);
     const bool isHeading =
-        isHeadingAllowed_ && (std::isalpha(static_cast<unsigned char>(text.front())) != 0 ||
-                              text.front() == '"' || text.starts_with("\xEF\xBB\xBF"));
+        isHeadingAllowed_ && !BeginsWithNumber(text) &&
+        (std::isalpha(static_cast<unsigned char>(text.front())) != 0 || text.front() == '"');
     isHeadingAllowed_ = false;
     if (parsed) {
       direction = *parsed;

@@ -18,14 +18,16 @@ struct Direction {
 };
 
 /// Hz and V, then anything, with commas, semicolons, tabs or spaces between; nothing for any other
-/// text.
+/// text, and where a comma between Hz and V may be a decimal one: before a third number that another
+/// separator sets off.
 std::optional<Direction> ParseDirection(std::string_view text);
 
 /// A direction of the command line. \throw ToolErrorC  when it is none.
 Direction RequireDirection(const std::string& text);
 
 /// Reads directions line by line in a fixed amount of memory. Empty lines, lines that begin with
-/// '#', and a heading before the first direction are passed over.
+/// '#', a byte order mark, and a heading before the first direction are passed over. A heading
+/// begins with a letter or a quotation mark, and not with a number.
 class DirectionReaderC {
  public:
   /// Reads standard input when `path` is "-". \throw ToolErrorC  when the file cannot be read.

@@ -12,7 +12,11 @@ namespace Tool {
 
 void Tell(std::string_view message) noexcept {
   std::fputs("surveydata: ", stderr);
-  std::fwrite(message.data(), 1, message.size(), stderr);
+  for (const char c : message) {
+    // What a file holds must not steer the terminal.
+    const bool isControl = (static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7F;
+    std::fputc(isControl ? '?' : c, stderr);
+  }
   std::fputc('\n', stderr);
 }
 

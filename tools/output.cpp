@@ -54,7 +54,7 @@ CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::
           "-o,--output",
           [&output](const std::string& name) {
             if (name.empty()) throw CLI::ValidationError("--output", "needs the name of a file");
-            output = name;
+            output = name == "-" ? "" : name;
           },
           description + "; written in place, so a run that fails leaves a part of it")
       ->type_name(typeName);

@@ -46,7 +46,8 @@ class OutputC {
   fmt::memory_buffer buffer_;
 };
 
-/// Adds `-o,--output` with a file name that is not empty.
+/// Adds `-o,--output` with a file name that is not empty; - leaves `output` empty, for standard
+/// output.
 CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::string& description,
                              const std::string& typeName);
 

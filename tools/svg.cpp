@@ -5,30 +5,10 @@
 
 #include <fmt/format.h>
 
+#include "text.h"
+
 namespace Tool {
 namespace {
-
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-// The bytes of the UTF-8 sequence at the front, 0 when there is none.
-std::size_t SequenceLength(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = lead < 0x80                    ? 1
-                             : 0xC2 <= lead && lead <= 0xDF ? 2
-                             : 0xE0 <= lead && lead <= 0xEF ? 3
-                             : 0xF0 <= lead && lead <= 0xF4 ? 4
-                                                            : 0;
-  if (length > text.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
-  }
-  if (length < 3) return length;
-  // Overlong forms, surrogates, and what lies behind the last character.
-  const auto second = static_cast<unsigned char>(text[1]);
-  const bool isCharacter = !(lead == 0xE0 && second < 0xA0) && !(lead == 0xED && second >= 0xA0) &&
-                           !(lead == 0xF0 && second < 0x90) && !(lead == 0xF4 && second >= 0x90);
-  return isCharacter ? length : 0;
-}
 
 std::string Attributes(const SvgStroke& stroke) {
   std::string text = fmt::format("stroke=\"{}\" stroke-width=\"{}\"", stroke.colour, stroke.width);
@@ -40,24 +20,18 @@ std::string Attributes(const SvgStroke& stroke) {
 
 std::string EscapeXml(std::string_view text) {
   std::string out;
-  while (!text.empty()) {
-    const std::size_t length = SequenceLength(text);
-    const std::string_view c = text.substr(0, length);
-    const bool isControl = length == 1 && (static_cast<unsigned char>(c[0]) < 0x20 || c[0] == 0x7F);
-    if (length == 0 || isControl) {
-      out += kReplacement;
-    } else if (c == "&") {
+  for (const char c : ToPrintable(text)) {
+    if (c == '&') {
       out += "&amp;";
-    } else if (c == "<") {
+    } else if (c == '<') {
       out += "&lt;";
-    } else if (c == ">") {
+    } else if (c == '>') {
       out += "&gt;";
-    } else if (c == "\"") {
+    } else if (c == '"') {
       out += "&quot;";
     } else {
       out += c;
     }
-    text.remove_prefix(length == 0 ? 1 : length);
   }
   return out;
 }

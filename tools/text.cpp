@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -29,7 +30,46 @@ void Append(std::string& out, char32_t c) {
   continuation(0);
 }
 
+// The bytes of the UTF-8 sequence at the front, 0 when there is none.
+std::size_t SequenceLength(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = lead < 0x80                    ? 1
+                             : 0xC2 <= lead && lead <= 0xDF ? 2
+                             : 0xE0 <= lead && lead <= 0xEF ? 3
+                             : 0xF0 <= lead && lead <= 0xF4 ? 4
+                                                            : 0;
+  if (length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
+  }
+  if (length < 3) return length;
+  // Overlong forms, surrogates, and what lies behind the last character.
+  const auto second = static_cast<unsigned char>(text[1]);
+  const bool isCharacter = !(lead == 0xE0 && second < 0xA0) && !(lead == 0xED && second >= 0xA0) &&
+                           !(lead == 0xF0 && second < 0x90) && !(lead == 0xF4 && second >= 0x90);
+  return isCharacter ? length : 0;
+}
+
 }  // namespace
+
+std::string ToPrintable(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const std::size_t length = SequenceLength(utf8);
+    const auto first = static_cast<unsigned char>(utf8.front());
+    const bool isControl =
+        length == 1 ? IsControl(first)
+                    : length == 2 && first == 0xC2 && static_cast<unsigned char>(utf8[1]) < 0xA0;
+    if (length == 0 || isControl) {
+      Append(out, kReplacement);
+    } else {
+      out += utf8.substr(0, length);
+    }
+    utf8.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return out;
+}
 
 std::string ToPrintable(std::u16string_view text) {
   std::string out;

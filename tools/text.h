@@ -12,6 +12,8 @@ namespace Tool {
 /// UTF-8 for people: surrogate pairs become their character, a surrogate without its other half
 /// and control characters become U+FFFD.
 std::string ToPrintable(std::u16string_view text);
+/// The same for UTF-8, where bytes that are none become U+FFFD as well.
+std::string ToPrintable(std::string_view utf8);
 
 /// The 16-bit units of well-formed UTF-8; nothing for any other text, and for characters that need
 /// more than one unit.

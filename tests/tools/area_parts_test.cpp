@@ -250,6 +250,19 @@ TEST(CountDirections, CountsTheGridThatBeginsAtTheLowerBounds) {
   EXPECT_EQ(count(triangle).count, expected);
   EXPECT_TRUE(count(triangle).isExact);
 
+  // Steps without sense have no exact number, and no senseless one.
+  for (const double step : {5e-324, 1e-160}) {
+    SCOPED_TRACE(step);
+    for (const AreaFile& file : {MakeArea(std::make_unique<SDI::ScanDomeAreaC>(), {}, step, step),
+                                 MakeRectangle(10, 20, 30, 50, step),
+                                 MakePolygon({{340, 60}, {20, 70}, {5, 110}}, step)}) {
+      EXPECT_FALSE(count(file).isExact);
+      EXPECT_GT(count(file).count, 1e300);
+    }
+  }
+  EXPECT_EQ(count(MakePolygon({{340, 60}, {20, 70}, {5, 110}}, 1e300)).count, 0);
+  EXPECT_FALSE(count(MakeRectangle(10, 20, 30, 50, 1e-9)).isExact);
+
   // A tenth of the step has a hundred times the directions, whether counted or estimated.
   const AreaFile fine = MakePolygon({{340, 60}, {20, 70}, {5, 110}}, 0.001 * kDegree);
   const Tool::DirectionCount estimate = count(fine);
@@ -295,16 +308,33 @@ TEST(AngleUnit, GivesEveryAngleBack) {
   EXPECT_EQ(Tool::ToRadians(0.3, AngleUnit::kGon), GMAT::GonToRad(0.3));
 }
 
+TEST(AngleText, HasTheDigitsThatPeopleRead) {
+  EXPECT_EQ(Tool::AngleText(12.5, AngleUnit::kDeg), "12.50000");
+  EXPECT_EQ(Tool::AngleText(-0.1, AngleUnit::kGon), "-0.10000");
+  EXPECT_EQ(Tool::AngleText(1.5, AngleUnit::kRad), "1.5000000");
+  EXPECT_EQ(Tool::AngleText(999'999.0, AngleUnit::kDeg), "999999.00000");
+  EXPECT_EQ(Tool::AngleText(1e6, AngleUnit::kDeg), "1e+06");
+  EXPECT_EQ(Tool::AngleText(-1e300, AngleUnit::kRad), "-1e+300");
+  EXPECT_EQ(Tool::AngleText(std::numeric_limits<double>::infinity(), AngleUnit::kRad), "inf");
+  EXPECT_EQ(Tool::AngleText(1e-9, AngleUnit::kDeg), "0.00000");
+  EXPECT_EQ(Tool::StepText(0.05, AngleUnit::kGon), "0.05000");
+  EXPECT_EQ(Tool::StepText(1e-9, AngleUnit::kDeg), "1e-09");
+  EXPECT_EQ(Tool::StepText(-0.0, AngleUnit::kDeg), "0");
+  EXPECT_EQ(Tool::StepText(1e9, AngleUnit::kDeg), "1e+09");
+}
+
 TEST(ParseDirection, TakesTwoNumbersWithOneSeparator) {
   for (const char* const text :
-       {"1,2", "1;2", "1 2", "1\t2", " 1 , 2 ", "1,2,3,x", "1 2 inside", "1.0,2.0\r\n", "1,2;"}) {
+       {"1,2", "1;2", "1 2", "1\t2", " 1 , 2 ", "1,2,3,x", "1 2 inside", "1.0,2.0\r\n", "1,2;",
+        "+1,+2", "1;2;3", "1 2 3", "1,2, 3", "1;2 3", "1,2;x", "1 , 2 , 3"}) {
     const auto direction = Tool::ParseDirection(text);
     ASSERT_TRUE(direction.has_value()) << text;
     EXPECT_EQ(direction->hz, 1);
     EXPECT_EQ(direction->v, 2);
   }
   for (const char* const text :
-       {"", "1", "1,", ",1", "1,,2", "1x2", "x,2", "1,2x", "nan,1", "1,inf", "1e999,1", "1-2"}) {
+       {"", "1", "1,", ",1", "1,,2", "1x2", "x,2", "1,2x", "nan,1", "1,inf", "1e999,1", "1-2",
+        "+-1,2", "++1,2", "+,2", "1,2;3", "1,2 3", "1,2\t3,4", "1,2 ; 3"}) {
     EXPECT_FALSE(Tool::ParseDirection(text).has_value()) << text;
   }
 }

@@ -274,6 +274,87 @@ TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
   EXPECT_EQ(none.out, "");
 }
 
+TEST(AreaContains, ReadsOverAByteOrderMarkAndNotOverADirection) {
+  const TempFolderC folder;
+  const auto ask = [&](const std::string& text) {
+    WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+    return Area("contains", AreaPath("doorway"), {"--json", "--csv", folder / "d.csv"});
+  };
+  const std::string first = "{\"hz\":0.0,\"v\":90.0,\"inside\":true}\n";
+  EXPECT_EQ(ask("\xEF\xBB\xBF"
+                "0,90\n")
+                .out,
+            first);
+  EXPECT_EQ(ask("\xEF\xBB\xBF"
+                "Hz;V\n0;90\n")
+                .out,
+            first);
+  EXPECT_EQ(ask("\"Hz\",\"V\"\n0,90\n").out, first);
+  EXPECT_EQ(ask("north,nadir\n+0,90\n").out, first);
+  // What is a number, or looks like one, is no heading.
+  for (const char* const text :
+       {"\"0\",\"90\"\n0,90\n", "nan,90\n0,90\n", "inf,1\n0,90\n", "0,5;90,5\n", "1e999;90\n",
+        "0,90\n\xEF\xBB\xBF"
+        "0,90\n"}) {
+    SCOPED_TRACE(text);
+    const Outcome outcome = ask(text);
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("is no direction"), std::string::npos);
+  }
+}
+
+TEST(AreaCommands, DoNotSteerTheTerminal) {
+  const TempFolderC folder;
+  const std::string steering = "a\x1B[31mb";
+  const std::string lines = "0,90\n" + steering + "\n";
+  WriteBytes(folder / "d.csv", Bytes(lines.begin(), lines.end()));
+  const std::string named = Written(folder, R"({"kind": "dome", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "name": "a\u001b[31m\nb"})");
+  const Outcome info = Area("info", named);
+  EXPECT_NE(info.out.find("a\uFFFD[31m\uFFFDb\n"), std::string::npos) << info.out;
+  EXPECT_EQ(json::parse(Area("info", named, {"--json"}).out)["name"], "a\x1B[31m\nb");
+  for (const Outcome& outcome :
+       {info, Area("contains", AreaPath("doorway"), {"--csv", folder / "d.csv"}),
+        Area("info", folder / steering), Area("contains", AreaPath("doorway"), {steering})}) {
+    EXPECT_EQ((outcome.out + outcome.err).find('\x1B'), std::string::npos);
+  }
+}
+
+TEST(AreaInfo, TellsHugeNumbersShortly) {
+  const TempFolderC folder;
+  const std::string dome = Written(folder, R"({"kind": "dome", "unit": "rad", "hzStep": 1e-200,
+      "vStep": 1e-300})");
+  const Outcome text = Area("info", dome);
+  EXPECT_NE(text.out.find("Hz 1e-200 rad, V 1e-300 rad\n"), std::string::npos) << text.out;
+  EXPECT_NE(text.out.find("1e+18 or more at these steps\n"), std::string::npos) << text.out;
+  const json directions = json::parse(Area("info", dome, {"--json"}).out)["directions"];
+  EXPECT_EQ(directions["count"], 1'000'000'000'000'000'000);
+  EXPECT_EQ(directions["exact"], false);
+  const std::string far = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "points": [[1e300, 20], [30, 20], [20, 50]]})");
+  for (const char* const command : {"info", "outline"}) {
+    const Outcome outcome = Area(command, far);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_NE(outcome.out.find("1e+300"), std::string::npos) << outcome.out;
+  }
+}
+
+TEST(AreaOutline, RefusesADefaultThatIsNoDistance) {
+  for (const char* const distance : {"0", "-1", "nan", "inf", "1e400", "x", ""}) {
+    SCOPED_TRACE(distance);
+    EXPECT_EQ(Area("outline", AreaPath("facade"), {"--default-distance", distance}).exitCode, 2);
+  }
+}
+
+TEST(AreaPlot, WritesToStandardOutputForAHyphen) {
+  const TempFolderC folder;
+  const Outcome outcome = RunProgram({"area", "plot", AreaPath("doorway"), "-o", "-"},
+                                     {.folder = folder.Path().string()});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NO_THROW(ParseXml(outcome.out));
+  EXPECT_TRUE(folder.Names().empty());
+}
+
 TEST(AreaContains, NamesTheLineThatIsNoDirection) {
   const TempFolderC folder;
   for (const auto& [input, message] :

@@ -210,4 +210,19 @@ TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
   }
 }
 
+// Windows has no such names.
+TEST(AreaInfo, CallsAnAreaAfterItsFileWhateverItsBytes) {
+  const TempFolderC folder;
+  const std::string file = folder / "b\xFF\x1B.json";
+  std::string text = ReadText(DataPath("areas/facade.json"));
+  const std::string name = R"("name": "South facade with annex",)";
+  ASSERT_NE(text.find(name), std::string::npos);
+  text.erase(text.find(name), name.size());
+  WriteBytes(file, Bytes(text.begin(), text.end()));
+  for (const char* const command : {"info", "outline"}) {
+    const Outcome outcome = RunProgram({"area", command, file, "--json"});
+    EXPECT_EQ(nlohmann::json::parse(outcome.out)["name"], "b\uFFFD\uFFFD.json");
+  }
+}
+
 }  // namespace

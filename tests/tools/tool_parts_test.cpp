@@ -80,6 +80,21 @@ TEST(GpsTime, CountsDaysFromTheSixthOfJanuary1980) {
   }
 }
 
+TEST(ToPrintable, LeavesWellFormedUtf8AndReplacesTheRest) {
+  EXPECT_EQ(Tool::ToPrintable(std::string_view("a\u00E9\u20AC\U0001F600")),
+            "a\u00E9\u20AC\U0001F600");
+  EXPECT_EQ(Tool::ToPrintable(std::string_view("\n\x1B[31m\x7F\u0085", 8)),
+            "\uFFFD\uFFFD[31m\uFFFD\uFFFD");
+  EXPECT_EQ(Tool::ToPrintable(std::string_view("\0", 1)), "\uFFFD");
+  for (const char* const bad :
+       {"\xFF", "\x80", "\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"}) {
+    SCOPED_TRACE(bad);
+    const std::string shown = Tool::ToPrintable(std::string_view(bad + std::string("x")));
+    EXPECT_EQ(shown.substr(shown.size() - 4), "\uFFFDx");
+    EXPECT_EQ(Tool::ToPrintable(std::string_view(shown)), shown);
+  }
+}
+
 TEST(ToPrintable, JoinsSurrogatePairsAndReplacesWhatNobodyCanRead) {
   EXPECT_EQ(Tool::ToPrintable(u"aé€"), "aé€");
   EXPECT_EQ(Tool::ToPrintable(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
