@@ -41,8 +41,8 @@ install_dependencies() {
 
 # What the library and the program need, and what the tests need besides.
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
-test_packages=(abigail-tools doxygen fish libabsl-dev libbenchmark-dev libgtest-dev libicu-dev
-               librapidcheck-dev libs2-dev libssl-dev mandoc pkgconf zsh)
+test_packages=(abigail-tools doxygen dpkg-dev file fish libabsl-dev libbenchmark-dev libgtest-dev
+               libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian mandoc pkgconf zsh)
 
 # What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)

@@ -38,8 +38,7 @@ if(WAY STREQUAL "pkg_config")
   run(${CXX} -std=c++20 ${flags} ${CONSUMER_DIR}/consumer.cpp -o consumer_${LINKAGE}${SUFFIX}
       ${cflags} ${libs})
 else()
-  set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
-                -DCMAKE_BUILD_TYPE=Release)
+  set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
   if(TOOLCHAIN)
     set(arguments --toolchain ${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX} ${arguments})
   endif()
