@@ -1,5 +1,10 @@
 #include "area_commands.h"
 
+#include <algorithm>
+#include <cstddef>
+
+#include <fmt/format.h>
+
 #include "message.h"
 
 namespace Tool {
@@ -9,8 +14,12 @@ void AddAreaArgument(CLI::App& command, std::string& file) {
 }
 
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
-  for (const AreaFault& fault : faults) {
-    Tell("the area is not valid: " + fault.text);
+  constexpr std::size_t kMostTold = 8;
+  const std::size_t told = std::min(faults.size(), kMostTold);
+  for (std::size_t i = 0; i < told; ++i) Tell("the area is not valid: " + faults[i].text);
+  if (told < faults.size()) {
+    Tell(
+        fmt::format("the area is not valid: {} more reasons, see area info", faults.size() - told));
   }
   return faults.empty() ? ExitCode::kDone : ExitCode::kFinding;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <set>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -122,6 +123,16 @@ bool IsDrawable(const AnglePointC& p) {
   return std::fabs(p.Hz) <= kMost && std::fabs(p.V) <= kMost;
 }
 
+// The numbers of the points, or of the edges, that break a rule.
+std::set<std::size_t> Faulty(const AreaPicture& picture,
+                             std::vector<std::size_t> AreaFault::*numbers) {
+  std::set<std::size_t> faulty;
+  for (const AreaFault& fault : picture.faults) {
+    faulty.insert((fault.*numbers).begin(), (fault.*numbers).end());
+  }
+  return faulty;
+}
+
 std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
   std::vector<AnglePointC> edges;
   double hzOrigin = 0;
@@ -131,6 +142,7 @@ std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
       !sphere.BuildEdgeList(edges, hzOrigin)) {
     return {};
   }
+  const std::set<std::size_t> faulty = Faulty(picture, &AreaFault::edges);
   std::vector<EdgeCurve> curves;
   for (std::size_t i = 0; i < edges.size(); i += 2) {
     const AnglePointC a{edges[i].Hz + hzOrigin, edges[i].V};
@@ -138,10 +150,7 @@ std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
     const bool isStraight = corners.size() == 2;
     const bool isArc =
         isStraight || GMAT::GreatCircleArcC(GMAT::SpherePointC(a), GMAT::SpherePointC(b)).IsValid();
-    const bool isFaulty =
-        std::any_of(picture.faults.begin(), picture.faults.end(), [&](const AreaFault& fault) {
-          return std::find(fault.edges.begin(), fault.edges.end(), i / 2 + 1) != fault.edges.end();
-        });
+    const bool isFaulty = faulty.contains(i / 2 + 1);
     curves.push_back({isStraight || !isArc ? Straight(a, b) : Arc(a, b), isArc, isFaulty});
   }
   return curves;
@@ -150,12 +159,6 @@ std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
 const SvgStroke& EdgeStroke(const EdgeCurve& edge) {
   if (!edge.isArc) return kNoArc;
   return edge.isFaulty ? kFaultyEdge : kEdge;
-}
-
-bool IsFaultyPoint(const AreaPicture& picture, std::size_t number) {
-  return std::any_of(picture.faults.begin(), picture.faults.end(), [&](const AreaFault& fault) {
-    return std::find(fault.points.begin(), fault.points.end(), number) != fault.points.end();
-  });
 }
 
 void DrawProbe(SvgC& svg, SvgPoint at, bool isInside) {
@@ -181,12 +184,13 @@ void DrawCorners(SvgC& svg, const AreaPicture& picture,
   constexpr std::size_t kMostNumbered = 100;
   const std::vector<AnglePointC>& corners = picture.file.Sphere().GetPoints();
   const std::size_t n = corners.size();
+  const std::set<std::size_t> faulty = Faulty(picture, &AreaFault::points);
   std::vector<SvgPoint> dots;
   for (std::size_t i = 0; i < n; ++i) {
     if (!IsDrawable(corners[i])) continue;
     const SvgPoint p = map(show(corners[i]));
     if (!isShown(p)) continue;
-    const bool isFaulty = IsFaultyPoint(picture, i + 1);
+    const bool isFaulty = faulty.contains(i + 1);
     svg.Dot(p, isFaulty ? 4.2 : 2.6, isFaulty ? kFault : kEdge.colour);
     dots.push_back(p);
   }
@@ -220,10 +224,9 @@ void DrawCorners(SvgC& svg, const AreaPicture& picture,
     const SvgPoint at{p.x + kAway * away.x, p.y + kAway * away.y};
     if (!isFree(at)) continue;
     numbers.push_back(at);
-    svg.Text({at.x, at.y + 4}, fmt::format("{}", i + 1),
-             {.size = 11,
-              .anchor = "middle",
-              .colour = IsFaultyPoint(picture, i + 1) ? kFault : kEdge.colour});
+    svg.Text(
+        {at.x, at.y + 4}, fmt::format("{}", i + 1),
+        {.size = 11, .anchor = "middle", .colour = faulty.contains(i + 1) ? kFault : kEdge.colour});
   }
 }
 

@@ -229,6 +229,22 @@ TEST(AreaCommands, SayOfAnAreaThatIsNotValidWhyAndGiveTheCodeOne) {
   }
 }
 
+TEST(AreaCommands, TellEightReasonsAndInfoTellsAll) {
+  const TempFolderC folder;
+  std::string points;
+  for (int i = 0; i < 5000; ++i) points += std::string(i > 0 ? "," : "") + "[-1, 20]";
+  const std::string file = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "points": [)" + points + "]}");
+  for (const Outcome& outcome :
+       {Area("contains", file, {"1,2"}), Area("plot", file, {"-o", folder / "out.svg"})}) {
+    EXPECT_EQ(outcome.exitCode, 1);
+    const std::vector<std::string> lines = Lines(outcome.err);
+    ASSERT_EQ(lines.size(), 9u);
+    EXPECT_EQ(lines[8], "surveydata: the area is not valid: 9991 more reasons, see area info");
+  }
+  EXPECT_EQ(json::parse(Area("info", file, {"--json"}).out)["faults"].size(), 9999u);
+}
+
 TEST(AreaContains, AnswersForDirectionsOfTheCommandLine) {
   const Outcome inside = Area("contains", AreaPath("doorway"), {"0,90", "355,100"});
   EXPECT_EQ(inside.exitCode, 0);
