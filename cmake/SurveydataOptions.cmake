@@ -20,7 +20,7 @@ if(PROJECT_IS_TOP_LEVEL)
   if(SURVEYDATA_SANITIZE)
     add_compile_options(-fsanitize=${SURVEYDATA_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS
-                        -Wno-maybe-uninitialized)  # g++ sees ghosts behind its own checks
+                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)  # ghosts of its checks
     add_link_options(-fsanitize=${SURVEYDATA_SANITIZE})
   endif()
   if(SURVEYDATA_COVERAGE)

@@ -47,3 +47,6 @@ test_packages=(abigail-tools doxygen dpkg-dev file fish libabsl-dev libbenchmark
 # What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
+
+# What the fuzz targets need besides.
+fuzz_packages=(clang libclang-rt-14-dev)

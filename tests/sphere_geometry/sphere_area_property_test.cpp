@@ -1,5 +1,4 @@
 // Every answer of a sphere area equals that of the rules written down step by step, bit for bit.
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -10,11 +9,17 @@
 
 #include <surveydata/sphere_geometry/sphere_area.h>
 
+#include "compare_areas.h"
 #include "literal_sphere_area.h"
 #include "ring_generator.h"
 
 namespace GMAT {
 namespace {
+
+using CompareAreas::CompareLines;
+using CompareAreas::CompareProbe;
+using CompareAreas::CompareRing;
+using CompareAreas::Tally;
 
 // SURVEYDATA_SPHERE_AREA_CASES asks for another number of cases.
 #if defined(__SANITIZE_ADDRESS__)
@@ -28,19 +33,6 @@ std::uint64_t NumberOfCases() {
   return text != nullptr ? std::strtoull(text, nullptr, 10) : kDefaultCases;
 }
 
-std::uint64_t Bits(double x) { return std::bit_cast<std::uint64_t>(x); }
-
-// NaN equals NaN, whatever its sign and payload: these are not the same on every platform.
-bool Same(double a, double b) { return Bits(a) == Bits(b) || (a != a && b != b); }
-
-bool Same(const std::vector<AnglePointC>& a, const std::vector<literal::Angles>& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (!Same(a[i].Hz, b[i].hz) || !Same(a[i].V, b[i].v)) return false;
-  }
-  return true;
-}
-
 std::string Describe(const SphereAreaC& area) {
   std::string text;
   for (const AnglePointC& p : area.GetPoints()) {
@@ -49,61 +41,6 @@ std::string Describe(const SphereAreaC& area) {
     text += line;
   }
   return text;
-}
-
-struct Tally {
-  std::uint64_t cases = 0;
-  std::uint64_t valid = 0;
-  std::uint64_t zenith = 0;
-  std::uint64_t inside = 0;
-  std::uint64_t band = 0;
-  std::uint64_t crossings = 0;
-};
-
-void CompareRing(const SphereAreaC& area, const literal::SphereArea& rules, Tally& tally) {
-  const bool isValid = rules.IsValid();
-  ASSERT_EQ(area.IsValid(), isValid);
-  tally.valid += isValid;
-  for (const bool noClamp : {false, true}) {
-    literal::Extents expected{-1.0, -2.0, -3.0, -4.0, false};
-    double hzMin = -1.0;
-    double hzMax = -2.0;
-    double vMin = -3.0;
-    double vMax = -4.0;
-    bool enclosesZenith = false;
-    const bool result = rules.GetExtents(expected, noClamp);
-    ASSERT_EQ(area.GetExtents(hzMin, hzMax, vMin, vMax, enclosesZenith, noClamp), result);
-    ASSERT_TRUE(Same(hzMin, expected.hzMin)) << hzMin << " " << expected.hzMin;
-    ASSERT_TRUE(Same(hzMax, expected.hzMax)) << hzMax << " " << expected.hzMax;
-    ASSERT_TRUE(Same(vMin, expected.vMin)) << vMin << " " << expected.vMin;
-    ASSERT_TRUE(Same(vMax, expected.vMax)) << vMax << " " << expected.vMax;
-    ASSERT_EQ(enclosesZenith, expected.enclosesZenith);
-    if (noClamp) tally.zenith += enclosesZenith;
-  }
-}
-
-void CompareLines(const SphereAreaC& area, const literal::SphereArea& rules, AnglePointC probe,
-                  Tally& tally) {
-  for (const bool vertical : {true, false}) {
-    std::vector<AnglePointC> out(1);
-    std::vector<literal::Angles> expected(1);
-    const bool result = rules.SearchLine({probe.Hz, probe.V}, vertical, expected);
-    ASSERT_EQ(area.SearchLine(probe, vertical, out), result);
-    if (result) {
-      ASSERT_TRUE(Same(out, expected));
-      tally.crossings += out.size();
-    }
-  }
-}
-
-void CompareProbe(const SphereAreaC& area, const literal::SphereArea& rules, AnglePointC probe,
-                  Tally& tally) {
-  const double distance = rules.DistanceToBoundary(probe.Hz, probe.V);
-  ASSERT_TRUE(Same(area.DistanceToBoundary(probe.Hz, probe.V), distance));
-  const bool inside = rules.Contains(probe.Hz, probe.V);
-  ASSERT_EQ(area.Contains(probe.Hz, probe.V), inside);
-  tally.inside += inside;
-  tally.band += inside && distance < CONTAINS_TOLERANCE / 2.0;
 }
 
 TEST(SphereAreaProperty, EveryAnswerEqualsTheLiteralRulesBitForBit) {

@@ -1,0 +1,33 @@
+// Runs a target over the files that are named, or that lie in folders that are named: what a build
+// without a fuzzer does with the corpus.
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <vector>
+
+#include "tests/fuzz/fuzz_input.h"
+#include "tests/support/temp_file.h"
+
+namespace fs = std::filesystem;
+
+int main(int argc, char** argv) {
+  LLVMFuzzerInitialize(&argc, &argv);
+  std::vector<fs::path> files;
+  for (int i = 1; i < argc; ++i) {
+    if (!fs::is_directory(argv[i])) {
+      files.emplace_back(argv[i]);
+      continue;
+    }
+    for (const auto& entry : fs::directory_iterator(argv[i])) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  for (const fs::path& file : files) {
+    std::printf("%s\n", file.c_str());
+    std::fflush(stdout);  // the last name is the one to blame
+    const auto bytes = TestSupport::ReadBytes(file);
+    LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+  }
+  std::printf("%zu inputs\n", files.size());
+  return files.empty() ? 1 : 0;
+}

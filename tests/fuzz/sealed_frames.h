@@ -1,0 +1,19 @@
+#ifndef SURVEYDATA_TESTS_FUZZ_SEALED_FRAMES_H_
+#define SURVEYDATA_TESTS_FUZZ_SEALED_FRAMES_H_
+
+#include <cstddef>
+
+#include "tests/support/frame_builder.h"
+
+namespace Fuzz {
+
+/// Gives the frame at `at` its right checksum, where there is room for one: chance would not.
+inline void SealIfWhole(TestSupport::ByteVector& bytes, std::size_t at) {
+  if (at + 4 > bytes.size()) return;
+  const std::size_t length = bytes[at + 2] + std::size_t{256} * bytes[at + 3];
+  if (length >= 5 && at + length + 2 <= bytes.size()) TestSupport::Seal(bytes, at);
+}
+
+}  // namespace Fuzz
+
+#endif  // SURVEYDATA_TESTS_FUZZ_SEALED_FRAMES_H_

@@ -1,0 +1,96 @@
+// Any points and any directions: every answer of a sphere area equals that of the rules written
+// down step by step, bit for bit, and so does that of the prepared area.
+
+#include <cmath>
+#include <iterator>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/scanning/prepared_area.h>
+#include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/sphere_geometry/sphere_area.h>
+
+#include "compare_areas.h"
+#include "literal_sphere_area.h"
+#include "tests/fuzz/fuzz_input.h"
+
+namespace {
+
+constexpr std::size_t kMostPoints = 24;
+constexpr std::size_t kMostProbes = 6;
+
+// An angle within `range`, or one that the rules have trouble with.
+double Angle(Fuzz::InputC& in, double range, double previous) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const double specials[] = {0.0,
+                             -0.0,
+                             GMAT::TWO_PI,
+                             std::nextafter(GMAT::TWO_PI, 0.0),
+                             std::nextafter(0.0, 1.0),
+                             GMAT::V_LIMIT,
+                             kInfinity,
+                             std::numeric_limits<double>::quiet_NaN(),
+                             std::numeric_limits<double>::max()};
+  switch (in.Below(8)) {
+    case 0:
+    case 1:
+      return in.U16() * range / 65536;
+    case 2:
+      return static_cast<double>(in.Below(33)) * range / 32;
+    case 3:
+      return previous;
+    case 4: {  // beside it, in units of the last place
+      const auto units = in.Take<std::int8_t>();
+      double angle = previous;
+      for (int i = 0; i < std::abs(units); ++i) {
+        angle = std::nextafter(angle, units < 0 ? -kInfinity : kInfinity);
+      }
+      return angle;
+    }
+    case 5: {  // beside it, by about a tolerance
+      const auto factor = in.Take<std::int8_t>();
+      return previous + factor * std::pow(10.0, -static_cast<double>(in.Below(14)));
+    }
+    case 6:
+      return specials[in.Below(std::size(specials))];
+    default:
+      return in.Take<double>();
+  }
+}
+
+GMAT::AnglePointC Direction(Fuzz::InputC& in, const GMAT::AnglePointC& previous) {
+  const double hz = Angle(in, GMAT::TWO_PI, previous.Hz);
+  const double v = Angle(in, GMAT::PI, previous.V);
+  return {hz, v};
+}
+
+}  // namespace
+
+// The number of points, the points, directions up to the end.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Fuzz::InputC in({data, size});
+  GMAT::SphereAreaC area;
+  literal::SphereArea rules;
+  SDI::ScanPolygonAreaC polygon;
+  GMAT::AnglePointC point{1.0, 1.0};
+  for (std::size_t i = in.Below(kMostPoints + 1); i > 0; --i) {
+    point = Direction(in, point);
+    area.AddPoint(point.Hz, point.V);
+    rules.AddPoint(point.Hz, point.V);
+    polygon.AddPoint(SDI::ScanDefPointC(point.Hz, point.V, -1.0));
+  }
+  CompareAreas::Tally tally;
+  CompareAreas::CompareRing(area, rules, tally);
+  const SDI::PreparedAreaC prepared(polygon);
+  for (std::size_t i = 0; i < kMostProbes && !in.IsEmpty(); ++i) {
+    if (!area.GetPoints().empty() && in.Flag()) {
+      point = area.GetPoints()[in.Below(area.GetPointCount())];
+    }
+    point = Direction(in, point);
+    CompareAreas::CompareLines(area, rules, point, tally);
+    CompareAreas::CompareProbe(area, rules, point, tally);
+    EXPECT_EQ(prepared.Contains(point.Hz, point.V), rules.Contains(point.Hz, point.V));
+  }
+  return 0;
+}

@@ -1,0 +1,12 @@
+// Linked into every target: the first assertion that fails ends the process.
+
+#include <gtest/gtest.h>
+
+#include "tests/fuzz/fuzz_input.h"
+
+// Not sooner: the flags of GoogleTest get their defaults before `main`. Nobody catches what is
+// thrown.
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+  GTEST_FLAG_SET(throw_on_failure, true);
+  return 0;
+}
