@@ -34,12 +34,14 @@ void WidenByVertex(const AnglePointC& current, const AnglePointC& previous, doub
 
 // Whether no candidate for a vertex can reach beyond [vMin, vMax]. The first candidate lies at most
 // as far from `current` in V as in Hz, and counts only within the edge's Hz span; the second lies
-// at least a quarter turn from `current`.
+// at least a quarter turn from `current`. Where Hz is so large that it is rounded to more than a
+// fraction of the margin, nothing is known.
 bool CannotWiden(const AnglePointC& current, const AnglePointC& previous, double vMin,
                  double vMax) {
   constexpr double kMargin = 1e-6;  // above the accuracy of the vertex
+  constexpr double kLargestHz = 1e6;
   const double hz = std::fabs(current.Hz - previous.Hz);
-  return hz < HALF_PI - 0.01 && current.V >= 0.0 && current.V <= PI &&
+  return hz < HALF_PI - 0.01 && current.Hz < kLargestHz && current.V >= 0.0 && current.V <= PI &&
          current.V - hz - kMargin > vMin && current.V + hz + kMargin < vMax;
 }
 
