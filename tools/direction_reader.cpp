@@ -94,16 +94,18 @@ DirectionReaderC::DirectionReaderC(const std::string& path)
 }
 
 bool DirectionReaderC::Next(Direction& direction) {
-  while (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), file_.get()) != nullptr) {
+  for (;;) {
+    buffer_.fill('\n');  // no zero: the last one stands behind the line
+    if (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), file_.get()) == nullptr) break;
     ++line_;
     const std::string_view read = buffer_.data();
     const auto refuse = [&](const std::string& what) {
       return ToolErrorC(ExitCode::kFileError, fmt::format("{}: line {} {}", name_, line_, what));
     };
     if (read.size() + 1 == buffer_.size() && read.back() != '\n') throw refuse("is too long");
-    // The text stops short of the line's end: a zero byte, unless the file ends there.
-    if ((read.empty() || read.back() != '\n') && std::feof(file_.get()) == 0) {
-      throw refuse("has a zero byte");
+    if (read.empty() || read.back() != '\n') {  // only the end of the file may end a line like this
+      const auto last = std::find(buffer_.rbegin(), buffer_.rend(), '\0');
+      if (last.base() - 1 != buffer_.begin() + read.size()) throw refuse("has a zero byte");
     }
     std::string_view text = Trimmed(read);
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

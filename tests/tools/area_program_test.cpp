@@ -391,7 +391,8 @@ TEST(AreaContains, RefusesALineWithAZeroByte) {
   const TempFolderC folder;
   for (const std::string& line :
        {std::string("57,92\0\n57,92\n", 13), std::string("\0\n57,92\n", 8),
-        std::string("57,92\n#\0x\n57,92\n", 16)}) {
+        std::string("57,92\n#\0x\n57,92\n", 16), std::string("57,92\0", 6),
+        std::string("57,92\n\0 4", 9), std::string("\0", 1)}) {
     WriteBytes(folder / "in", {line.begin(), line.end()});
     const Outcome outcome =
         Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"});
