@@ -36,7 +36,9 @@ void ExpectHolds(const Tool::AreaFile& file, const json& text) {
   const auto unit = text.at("unit").get<std::string>();
   EXPECT_EQ(Tool::KindName(area), text.at("kind").get<std::string>());
   EXPECT_EQ(Tool::UnitName(file.unit), unit);
-  if (text.contains("name")) EXPECT_EQ(file.name, text.at("name").get<std::string>());
+  if (text.contains("name")) {
+    EXPECT_EQ(file.name, text.at("name").get<std::string>());
+  }
   EXPECT_TRUE(IsNear(area.GetHzStep(), InRadians(text.at("hzStep").get<double>(), unit)));
   EXPECT_TRUE(IsNear(area.GetVStep(), InRadians(text.at("vStep").get<double>(), unit)));
   EXPECT_EQ(area.GetSettingA(), text.value("settingA", 0u));
@@ -81,7 +83,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.area->GetOutline(outline, 10.0);
     if (points > kMostDrawnPoints || size % kRarelyDrawn != 0) return 0;
     EXPECT_NE(Tool::DrawArea({file, faults, {}, {}}).find("</svg>"), std::string::npos);
-    if (bounds) EXPECT_GE(Tool::MeasureSolidAngle(file, *bounds).steradians, 0.0);
+    if (bounds) {
+      EXPECT_GE(Tool::MeasureSolidAngle(file, *bounds).steradians, 0.0);
+    }
   } catch (const Tool::ToolErrorC& error) {
     EXPECT_EQ(error.GetCode(), Tool::ExitCode::kFileError);
     EXPECT_EQ(std::string(error.what()).find(memory.Path() + ": "), 0u);

@@ -104,6 +104,12 @@ struct AreaModel {
   bool IsDome() const { return kind->type == SDI::kDomeArea; }
 };
 
+AreaModel AreaOf(const Kind& kind) {
+  AreaModel model;
+  model.kind = &kind;
+  return model;
+}
+
 struct ScanModel {
   std::array<std::u16string, 4> texts;
   std::array<double, 4> values = {};
@@ -301,7 +307,7 @@ class SequenceC {
   void Create(AreaSlot& slot) {
     Delete(slot);
     const Kind& kind = kKinds[in_.Below(std::size(kKinds))];
-    slot.model.kind = &kind;
+    slot.model = AreaOf(kind);
     if (in_.Flag()) {
       slot.object = kind.makePublic();
       slot.isObjectCounted = true;
@@ -494,7 +500,7 @@ class SequenceC {
         const auto* const made = slot.scan->CreateArea(type);
         EXPECT_EQ(made, slot.scan->GetArea());
         slot.model.area.reset();
-        if (1 <= type && type <= 3) slot.model.area = AreaModel{.kind = &kKinds[type - 1]};
+        if (1 <= type && type <= 3) slot.model.area = AreaOf(kKinds[type - 1]);
         return;
       }
       case 5: {
