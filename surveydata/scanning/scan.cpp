@@ -60,6 +60,7 @@ ScanImplC::ScanImplC(const ScanImplC& other)
 
 ScanImplC& ScanImplC::operator=(const ScanImplC& other) {
   if (this == &other) return *this;
+  SetArea(other.GetArea());  // first: nothing else can fail
   text1_ = API::FixedStringC<32>(other.text1_.GetData());
   text2_ = API::FixedStringC<64>(other.text2_.GetData());
   text3_ = API::FixedStringC<255>(other.text3_.GetData());
@@ -70,7 +71,6 @@ ScanImplC& ScanImplC::operator=(const ScanImplC& other) {
   value4_ = other.value4_;
   word1_ = other.word1_;
   word2_ = other.word2_;
-  SetArea(other.GetArea());
   return *this;
 }
 

@@ -24,7 +24,12 @@ bool ScanAreaImplC::IsValid() const { return hzStep_ > 0.0 && vStep_ > 0.0 && Is
 
 bool ScanAreaImplC::AddPoint(const ScanDefPointC& point) {
   points_.push_back(point);
-  return sphereArea_.AddPoint(points_.back().GetHz(), points_.back().GetV());
+  try {
+    return sphereArea_.AddPoint(points_.back().GetHz(), points_.back().GetV());
+  } catch (...) {  // no memory: the two lists stay the same
+    points_.pop_back();
+    throw;
+  }
 }
 
 void ScanAreaImplC::RemoveLastPoint() {

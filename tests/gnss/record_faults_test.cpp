@@ -1,37 +1,38 @@
 #include <cstdint>
-#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+#include <tests/gnss/record_model.h>
+#include <tests/gnss/stored_fields.h>
+#include <tests/support/faults.h>
 #include <tests/support/frame_builder.h>
+#include <tests/support/same_info.h>
 #include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
+#include <surveydata/gnss/gps_record_index.h>
 
-// What a record file cannot be made to do on its own: `fseek` fails when it is told to. The linker
-// puts this program's function in the place of the C runtime's.
-
-namespace {
-
-int seeksLeft = -1;  // that succeed; -1 for all
-
-}  // namespace
-
-extern "C" {
-int __real_fseek(std::FILE* file, long offset, int whence);
-int __wrap_fseek(std::FILE* file, long offset, int whence);
-
-int __wrap_fseek(std::FILE* file, long offset, int whence) {
-  if (seeksLeft == 0) return -1;
-  if (seeksLeft > 0) --seeksLeft;
-  return __real_fseek(file, offset, whence);
-}
-}
+// What a record file cannot be made to do on its own: every call of the C runtime's file functions
+// fails once.
 
 namespace {
 
+using Faults::Extent;
 using SDI::GPSMeasDataImplC;
 using SDI::GPSRecordFileC;
 using SDI::GPSRecordFileInfo;
+using TestSupport::ByteVector;
+using TestSupport::StoredIn;
+
+// The open descriptors of this process.
+std::ptrdiff_t Descriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                       std::filesystem::directory_iterator());
+}
 
 class RecordFaults : public testing::Test {
  protected:
@@ -40,36 +41,188 @@ class RecordFaults : public testing::Test {
         file_(TestSupport::WellFormedFrame(0x0007, 0, random_)),
         before_(file_.Bytes()) {
     info_ = file_.Info();
+    info_.number = 4711;
+    measurement_.SetWord16(7);
   }
-  ~RecordFaults() override { seeksLeft = -1; }
+  ~RecordFaults() override {
+    Faults::FailNoFileCall();
+    EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+    EXPECT_EQ(Descriptors(), descriptors_);
+  }
+
+  // Runs `operation` with a file call that fails; neither memory nor a handle is left.
+  std::uint32_t RunWithFault(std::size_t call, Extent extent,
+                             const std::function<std::uint32_t()>& operation) {
+    const std::size_t taken = Faults::Allocations();
+    const std::size_t released = Faults::Releases();
+    Faults::FailFileCall(call, extent);
+    const std::uint32_t result = operation();
+    const std::size_t calls = Faults::FileCalls().size();
+    Faults::FailNoFileCall();
+    EXPECT_EQ(Faults::Allocations() - taken, Faults::Releases() - released);
+    EXPECT_GT(calls, call);  // the one that fails was reached
+    EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+    EXPECT_EQ(Descriptors(), descriptors_);
+    return result;
+  }
 
   std::mt19937_64 random_;
   TestSupport::TempFileC file_;
-  TestSupport::ByteVector before_;
+  ByteVector before_;
   GPSRecordFileInfo info_;
   GPSMeasDataImplC measurement_;
+  int openFiles_ = Faults::OpenFiles();
+  std::ptrdiff_t descriptors_ = Descriptors();
 };
 
-TEST_F(RecordFaults, AReadThatCannotBePositionedFindsNoFrame) {
-  seeksLeft = 0;
-  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement_, &info_), 2U);
-  EXPECT_EQ(measurement_.GetSetMask(), 0);
-}
+const std::vector<std::string> kReadCalls = {"fopen", "fseek", "fread", "fread", "fclose"};
+const std::vector<std::string> kWriteCalls = {"fopen", "fseek",  "fread", "fread",
+                                              "fseek", "fwrite", "fclose"};
 
-TEST_F(RecordFaults, AWriteThatCannotBePositionedForReadingFindsNoFrame) {
-  seeksLeft = 0;
-  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_), 2U);
-  EXPECT_EQ(file_.Bytes(), before_);
-}
-
-TEST_F(RecordFaults, AWriteThatCannotBePositionedForWritingHasNoFile) {
-  info_.number = 4711;
-  seeksLeft = 1;
-  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_), 1U);
-  EXPECT_EQ(file_.Bytes(), before_);
-  seeksLeft = 2;
+TEST_F(RecordFaults, TheCallsOfAReadAndOfAWrite) {
+  Faults::FailNoFileCall();
+  EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement_, &info_), 0U);
+  EXPECT_EQ(Faults::FileCalls(), kReadCalls);
+  Faults::FailNoFileCall();
   EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_), 0U);
-  EXPECT_NE(file_.Bytes(), before_);
+  EXPECT_EQ(Faults::FileCalls(), kWriteCalls);
+}
+
+TEST_F(RecordFaults, EveryCallOfAReadFails) {
+  // A read that falls short is a file that ends there, and a close is not asked for its result.
+  const std::uint32_t results[] = {1, 2, 0, 0, 0};
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 0; call < kReadCalls.size(); ++call) {
+      SCOPED_TRACE(testing::Message() << "call " << call << ", " << kReadCalls[call]);
+      GPSMeasDataImplC measurement = measurement_;
+      GPSRecordFileInfo info = info_;
+      EXPECT_EQ(RunWithFault(call, extent,
+                             [&] { return GPSRecordFileC::ReadGPSMeasData(&measurement, &info); }),
+                results[call]);
+      auto expected = StoredIn(measurement_);
+      GPSRecordFileInfo expectedInfo = info_;
+      if (kReadCalls[call] == "fclose") RecordModel::Read(before_, expected, expectedInfo);
+      EXPECT_EQ(StoredIn(measurement), expected);
+      TestSupport::ExpectSameInfo(info, expectedInfo);
+      EXPECT_EQ(file_.Bytes(), before_);
+      // The next one works.
+      EXPECT_EQ(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 0U);
+      EXPECT_EQ(info.number, RecordModel::I32(before_, 17 + 12 + 34));
+    }
+  }
+}
+
+TEST_F(RecordFaults, EveryCallOfAWriteFails) {
+  // The second read decides what is patched, not whether; the write itself is not checked.
+  const std::uint32_t results[] = {1, 2, 1, 0, 1, 0, 0};
+  const auto stored = StoredIn(measurement_);
+  ByteVector patched = before_;
+  ASSERT_EQ(RecordModel::Write(patched, &stored, info_), 0U);
+  ASSERT_NE(patched, before_);
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 0; call < kWriteCalls.size(); ++call) {
+      SCOPED_TRACE(testing::Message() << "call " << call << ", " << kWriteCalls[call]
+                                      << (extent == Extent::kHalf ? ", half done" : ""));
+      file_.Write(before_);
+      const GPSRecordFileInfo info = info_;
+      EXPECT_EQ(
+          RunWithFault(call, extent,
+                       [&] { return GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_); }),
+          results[call]);
+      TestSupport::ExpectSameInfo(info_, info);
+      EXPECT_EQ(StoredIn(measurement_), stored);
+
+      ByteVector expected = before_;
+      if (call == 3) {
+        // As if the file ended where the read did: whole, zeros behind the cut.
+        ByteVector cut = before_;
+        cut.resize(5 + (extent == Extent::kHalf ? (before_.size() - 5) / 2 : 0));
+        ASSERT_EQ(RecordModel::Write(cut, &stored, info_), 0U);
+        expected = cut;
+      } else if (call == 5 && extent == Extent::kHalf) {
+        const std::size_t half = patched.size() / 2;
+        for (std::size_t i = 0; i < half; ++i) expected[i] = patched[i];
+      } else if (call == 6) {
+        expected = patched;
+      }
+      EXPECT_EQ(file_.Bytes(), expected);
+      // The next one works.
+      file_.Write(before_);
+      EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_), 0U);
+      EXPECT_EQ(file_.Bytes(), patched);
+    }
+  }
+}
+
+TEST_F(RecordFaults, ABadFrameClosesTheFileWhateverElseFails) {
+  ByteVector bad = before_;
+  bad.back() ^= 1;
+  file_.Write(bad);
+  EXPECT_EQ(RunWithFault(4, Extent::kNothing,
+                         [&] { return GPSRecordFileC::ReadGPSMeasData(&measurement_, &info_); }),
+            2U);
+  EXPECT_EQ(RunWithFault(4, Extent::kNothing,
+                         [&] { return GPSRecordFileC::WriteGPSMeasData(&measurement_, &info_); }),
+            2U);
+  EXPECT_EQ(file_.Bytes(), bad);
+}
+
+struct Walked {
+  bool isOpen = false;
+  bool hasFailed = false;
+  std::uint64_t fileSize = 0;
+  std::vector<SDI::GPSRecordEntry> entries;
+};
+
+Walked Walk(const TestSupport::TempFileC& file) {
+  SDI::GPSRecordIndexC index(file.Path().c_str());
+  Walked walked;
+  walked.isOpen = index.IsOpen();
+  walked.fileSize = index.GetFileSize();
+  for (SDI::GPSRecordEntry entry; index.Next(entry);) walked.entries.push_back(entry);
+  walked.hasFailed = index.HasFailed();
+  EXPECT_TRUE(index.GetBytes().empty());
+  return walked;
+}
+
+TEST_F(RecordFaults, EveryCallOfAWalkFails) {
+  Faults::FailNoFileCall();
+  const Walked whole = Walk(file_);
+  ASSERT_EQ(whole.entries, RecordModel::Walk(before_));
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_EQ(calls, (std::vector<std::string>{"fopen", "fseeko", "fread", "fclose"}));
+  for (std::size_t call = 0; call < calls.size(); ++call) {
+    SCOPED_TRACE(calls[call]);
+    Faults::FailFileCall(call);
+    const Walked walked = Walk(file_);
+    EXPECT_GT(Faults::FileCalls().size(), call);
+    Faults::FailNoFileCall();
+    EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+    EXPECT_EQ(walked.isOpen, calls[call] != "fopen");
+    EXPECT_EQ(walked.hasFailed, calls[call] == "fread");
+    // Without its size the file is walked all the same.
+    const bool isMeasured = calls[call] == "fread" || calls[call] == "fclose";
+    EXPECT_EQ(walked.fileSize, isMeasured ? before_.size() : 0U);
+    const bool isWalked = calls[call] == "fseeko" || calls[call] == "fclose";
+    EXPECT_EQ(walked.entries, isWalked ? whole.entries : std::vector<SDI::GPSRecordEntry>());
+  }
+}
+
+TEST_F(RecordFaults, AWalkWhoseReadingFailsHalfwayListsWhatItRead) {
+  ByteVector bytes;
+  for (int i = 0; i < 3; ++i) TestSupport::Append(bytes, before_);
+  file_.Write(bytes);
+  Faults::FailFileCall(2, Extent::kHalf);  // half of the window: more than the file
+  const Walked walked = Walk(file_);
+  Faults::FailNoFileCall();
+  EXPECT_TRUE(walked.hasFailed);
+  EXPECT_EQ(walked.entries, RecordModel::Walk(bytes));
+}
+
+TEST_F(RecordFaults, AWalkWithoutMemoryLeavesNoFileOpen) {
+  EXPECT_EQ(Faults::FailuresBeforeSuccess([&] { SDI::GPSRecordIndexC(file_.Path().c_str()); },
+                                          [&] { EXPECT_EQ(Faults::OpenFiles(), openFiles_); }),
+            1U);
 }
 
 }  // namespace

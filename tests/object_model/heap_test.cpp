@@ -1,8 +1,6 @@
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <new>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -13,57 +11,30 @@
 
 #include "surveydata/gnss/record_frame.h"
 #include "tests/object_model/fixed_string_model.h"
+#include "tests/support/faults.h"
 #include "tests/support/pairs.h"
 #include "tests/support/temp_file.h"
 
 // How many blocks of the heap an operation takes, and what it leaves behind when there are none
-// left. The operators of this program count; they get their memory from `malloc`, so that
-// sanitizers see every block. They are not inlined, so that the compiler sees them as a pair.
+// left.
 
 namespace {
 
-std::size_t g_allocations = 0;
-std::size_t g_releases = 0;
-std::size_t g_left = SIZE_MAX;  // allocations that still succeed
-
-void* Allocate(std::size_t size) {
-  if (g_left == 0) throw std::bad_alloc();
-  --g_left;
-  ++g_allocations;
-  if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
-  throw std::bad_alloc();
-}
-
-void Release(void* block) {
-  if (block == nullptr) return;
-  ++g_releases;
-  std::free(block);
-}
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) { return Allocate(size); }
-[[gnu::noinline]] void* operator new[](std::size_t size) { return Allocate(size); }
-[[gnu::noinline]] void operator delete(void* block) noexcept { Release(block); }
-[[gnu::noinline]] void operator delete[](void* block) noexcept { Release(block); }
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { Release(block); }
-[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { Release(block); }
-
-namespace {
+using Faults::FailuresBeforeSuccess;
 
 // The blocks that `work` takes.
 template <class Work>
 std::size_t Allocations(Work work) {
-  const std::size_t before = g_allocations;
+  const std::size_t before = Faults::Allocations();
   work();
-  return g_allocations - before;
+  return Faults::Allocations() - before;
 }
 
 template <class Work>
 std::size_t Releases(Work work) {
-  const std::size_t before = g_releases;
+  const std::size_t before = Faults::Releases();
   work();
-  return g_releases - before;
+  return Faults::Releases() - before;
 }
 
 TEST(Heap, IsCounted) {
@@ -95,26 +66,6 @@ TYPED_TEST(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
   EXPECT_EQ(Allocations([&] { Impl another(impl); }), 0U);
   EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 1U);  // the public object
   EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 0U);
-}
-
-// Runs `work` with one more allocation each time until it succeeds, and expects that each failure
-// gives back what it took. Returns the number of failures.
-template <class Work>
-std::size_t FailuresBeforeSuccess(Work work) {
-  for (std::size_t failures = 0;; ++failures) {
-    const std::size_t taken = g_allocations;
-    const std::size_t released = g_releases;
-    bool isDone = false;
-    g_left = failures;
-    try {
-      work();
-      isDone = true;
-    } catch (const std::bad_alloc&) {
-    }
-    g_left = SIZE_MAX;
-    if (isDone) return failures;
-    EXPECT_EQ(g_allocations - taken, g_releases - released) << "after " << failures;
-  }
 }
 
 TYPED_TEST(PairHeap, WithoutMemoryNothingIsLeftBehind) {

@@ -55,6 +55,13 @@ using UnreadPairs =
 template <class Impl>
 inline constexpr bool kHasData = !std::is_base_of_v<SDI::ScanDomeAreaImplC, Impl>;
 
+/// The field by which records are marked; listing all of them takes a while.
+template <class Impl>
+const Records::Field<Impl>& LastField() {
+  static const Records::Field<Impl> field = Records::FieldsOf<Impl>().back();
+  return field;
+}
+
 /// Gives the data, if there is any, another value than its default.
 template <class Impl>
 void Mark(Impl& impl) {
@@ -71,7 +78,7 @@ void Mark(Impl& impl) {
   } else if constexpr (requires { impl.SetHorizontalOffset(7.0F); }) {
     impl.SetHorizontalOffset(7.0F);
   } else {
-    Records::FieldsOf<Impl>().back().fill(impl, 17);
+    LastField<Impl>().fill(impl, 17);
   }
 }
 
@@ -91,7 +98,7 @@ std::string Shown(const Impl& impl) {
   } else if constexpr (requires { impl.GetHorizontalOffset(); }) {
     return std::to_string(impl.GetHorizontalOffset());
   } else {
-    return Records::FieldsOf<Impl>().back().show(impl);
+    return LastField<Impl>().show(impl);
   }
 }
 

@@ -1,0 +1,322 @@
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/surveydata.h>
+
+#include "tests/support/faults.h"
+#include "tests/support/pairs.h"
+
+// Every allocation of every operation fails once: nothing leaks, nothing is deleted twice (the
+// sanitizer is the judge), links stand, sources are untouched, and where an operation makes its
+// copy first, its target is as it was. The operation then works.
+
+namespace {
+
+using Faults::BalanceC;
+using Faults::FailuresBeforeSuccess;
+using Faults::FailuresOfAChange;
+using Pairs::Mark;
+using Pairs::Shown;
+
+template <class P>
+class PairMemory : public testing::Test {
+ protected:
+  static void ExpectLinked(const typename P::PublicT& object) {
+    ASSERT_NE(object.GetImpl(), nullptr);
+    EXPECT_EQ(object.GetImpl()->API::ImplObjectC::GetBase(), &object);
+  }
+
+  static std::unique_ptr<typename P::PublicT> Marked() {
+    auto object = std::make_unique<typename P::PublicT>();
+    Mark(*object->GetImpl());
+    return object;
+  }
+};
+TYPED_TEST_SUITE(PairMemory, Pairs::AllPairs);
+
+TYPED_TEST(PairMemory, AssignmentFailsOrCopies) {
+  using Public = typename TypeParam::PublicT;
+  using Impl = typename TypeParam::ImplT;
+  this->Marked();  // whatever is made once for all tests is there now
+  FailuresBeforeSuccess([] {});
+  const BalanceC balance;
+  const auto source = this->Marked();
+  const std::string marked = Shown(*source->GetImpl());
+  Public target;
+  const auto check = [&] {
+    this->ExpectLinked(*source);
+    this->ExpectLinked(target);
+    EXPECT_EQ(Shown(*source->GetImpl()), marked);
+  };
+  if constexpr (std::is_copy_assignable_v<Public>) {
+    FailuresOfAChange([&] { target = *source; }, check);
+  } else {
+    FailuresOfAChange([&] { *target.GetImpl() = *source->GetImpl(); }, check);
+  }
+  check();
+  EXPECT_EQ(Shown(*target.GetImpl()), marked);
+  Impl* const impl = target.GetImpl();
+  EXPECT_EQ(FailuresBeforeSuccess([&] { *impl = std::as_const(*impl); }), 0U);  // to itself: none
+}
+
+TYPED_TEST(PairMemory, ACopyOfAnImplementationHasNoOwnerOrDoesNotExist) {
+  using Impl = typename TypeParam::ImplT;
+  const auto source = this->Marked();
+  const std::string marked = Shown(*source->GetImpl());
+  std::unique_ptr<Impl> copy;
+  FailuresBeforeSuccess([&] { copy = std::make_unique<Impl>(std::as_const(*source->GetImpl())); },
+                        [&] {
+                          EXPECT_EQ(copy, nullptr);
+                          this->ExpectLinked(*source);
+                          EXPECT_EQ(Shown(*source->GetImpl()), marked);
+                        });
+  EXPECT_EQ(copy->API::ImplObjectC::GetBase(), nullptr);
+  EXPECT_EQ(Shown(*copy), marked);
+}
+
+TYPED_TEST(PairMemory, AnImplementationThatIsNotAdoptedKeepsItsOwner) {
+  using Public = typename TypeParam::PublicT;
+  auto* const first = this->Marked().release();
+  auto* const impl = first->GetImpl();
+  Public* second = nullptr;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { second = new Public(impl); },
+                                  [&] {
+                                    EXPECT_EQ(impl->API::ImplObjectC::GetBase(), first);
+                                    this->ExpectLinked(*first);
+                                  }),
+            1U);
+  this->ExpectLinked(*second);
+  EXPECT_EQ(second->GetImpl(), impl);
+  delete second;
+}
+
+TYPED_TEST(PairMemory, LinkingAndPartingTakesNone) {
+  using Public = typename TypeParam::PublicT;
+  using Impl = typename TypeParam::ImplT;
+  auto* const impl = new Impl;
+  Public object;
+  auto* const before = object.GetImpl();
+  EXPECT_EQ(FailuresBeforeSuccess([&] {
+              before->DetachBase();
+              object.SetImpl(impl);
+            }),
+            0U);
+  delete before;
+  this->ExpectLinked(object);
+  EXPECT_EQ(object.GetImpl(), impl);
+}
+
+TYPED_TEST(PairMemory, DestroyingTakesNone) {
+  using Public = typename TypeParam::PublicT;
+  auto* object = this->Marked().release();
+  EXPECT_EQ(FailuresBeforeSuccess([&] { delete object; }), 0U);
+  object = new Public;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { delete object->GetImpl(); }), 0U);
+}
+
+// --- Records with parts
+
+TEST(PartsMemory, APartIsHandedOutOrNotThere) {
+  ODM::PositionC position;
+  position.GetCoordinatePoint().SetX(7.0);
+  API::BaseC* part = nullptr;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { part = position.GetCoordinatePoint().GetBase(); },
+                                  [&] { EXPECT_EQ(position.GetCoordinatePoint().GetX(), 7.0); }),
+            1U);
+  EXPECT_EQ(position.GetCoordinatePoint().GetBase(), part);
+  EXPECT_EQ(static_cast<SDI::CoordinatePointC*>(part)->GetX(), 7.0);
+}
+
+// --- Scans and their areas
+
+using SDI::ScanDefPointC;
+
+std::vector<ScanDefPointC> Corners() {
+  return {ScanDefPointC(0.5, 1.0, 1.0), ScanDefPointC(1.0, 0.9, 2.0), ScanDefPointC(1.2, 1.5, -1.0),
+          ScanDefPointC(0.4, 1.6, -1.0)};
+}
+
+// Points and geometry are the same.
+void ExpectMirrored(const SDI::ScanAreaImplC& area) {
+  std::vector<ScanDefPointC> points;
+  area.GetPoints(points);
+  const auto& mirrored = area.GetSphereArea().GetPoints();
+  ASSERT_EQ(points.size(), mirrored.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    EXPECT_EQ(points[i].GetHz(), mirrored[i].Hz);
+    EXPECT_EQ(points[i].GetV(), mirrored[i].V);
+  }
+}
+
+TEST(ScanAreaMemory, APointIsAddedWholeOrNotAtAll) {
+  const BalanceC balance;
+  SDI::ScanPolygonAreaC area;
+  std::size_t failures = 0;
+  for (std::uint16_t count = 0; count < 20; ++count) {
+    const ScanDefPointC point(0.1 * count, 1.0, 2.0);
+    failures += FailuresOfAChange([&] { area.AddPoint(point); },
+                                  [&] {
+                                    EXPECT_EQ(area.GetPointCount(), count);
+                                    ExpectMirrored(*area.GetImpl());
+                                  });
+    EXPECT_EQ(area.GetPointCount(), count + 1);
+    ExpectMirrored(*area.GetImpl());
+  }
+  EXPECT_GE(failures, 40U);  // the point's own two at least
+}
+
+TEST(ScanAreaMemory, ManyPointsAreAddedUpToTheOneThatFails) {
+  const BalanceC balance;
+  const auto corners = Corners();
+  SDI::ScanPolygonAreaC area;
+  FailuresOfAChange(
+      [&] {
+        area.Clear();
+        area.SetPoints(corners);
+      },
+      [&] { ExpectMirrored(*area.GetImpl()); });
+  EXPECT_EQ(area.GetPointCount(), corners.size());
+  SDI::ScanRectangularAreaC rectangle;
+  FailuresOfAChange([&] { rectangle.SetCorners(corners[0], corners[2]); },
+                    [&] { ExpectMirrored(*rectangle.GetImpl()); });
+  EXPECT_EQ(rectangle.GetPointCount(), 2U);
+}
+
+TEST(ScanAreaMemory, AnAreaCanBeUsedAfterAnAssignmentThatFailed) {
+  const BalanceC balance;
+  SDI::ScanPolygonAreaC source;
+  source.SetPoints(Corners());
+  source.SetSteps(0.1, 0.2);
+  for (const std::size_t points : {0U, 1U, 4U}) {
+    SDI::ScanPolygonAreaC target;
+    for (std::size_t i = 0; i < points; ++i) target.AddPoint(Corners()[i]);
+    FailuresOfAChange([&] { *target.GetImpl() = *source.GetImpl(); },
+                      [&] {
+                        target.IsValid();
+                        target.GetHzMin();
+                        std::vector<ScanDefPointC> outline;
+                        target.GetOutline(outline, 1.0);
+                      });
+    EXPECT_TRUE(target.IsEqual(source));
+    ExpectMirrored(*target.GetImpl());
+  }
+}
+
+TEST(ScanAreaMemory, QuestionsLeaveNothingBehind) {
+  SDI::ScanPolygonAreaC area;
+  area.SetPoints(Corners());
+  area.SetSteps(0.1, 0.2);
+  ScanDefPointC low;
+  ScanDefPointC high;
+  const auto ask = [&](auto question) {
+    const std::size_t failures = FailuresBeforeSuccess(question);
+    EXPECT_GE(failures, 1U);
+  };
+  bool answer = false;
+  ask([&] { answer = area.IsValid(); });
+  EXPECT_TRUE(answer);
+  ask([&] { answer = area.GetBoundingPoints(low, high, true); });
+  EXPECT_TRUE(answer);
+  ask([&] { answer = area.Contains(0.8, 1.2); });
+  EXPECT_TRUE(answer);
+  ask([&] { answer = area.GetHzMin() < area.GetHzMax(); });
+  EXPECT_TRUE(answer);
+  ask([&] {
+    std::vector<ScanDefPointC> points;
+    area.GetPoints(points);
+    answer = points == Corners();
+  });
+  EXPECT_TRUE(answer);
+  ask([&] {
+    std::vector<ScanDefPointC> outline;
+    area.GetOutline(outline, 1.0);
+    answer = outline.size() == 4;
+  });
+  EXPECT_TRUE(answer);
+  ask([&] {
+    const SDI::PreparedAreaC prepared(area);
+    const SDI::PreparedAreaC copy = prepared;
+    answer = copy.Contains(0.8, 1.2);
+  });
+  EXPECT_TRUE(answer);
+}
+
+class ScanMemory : public testing::Test {
+ protected:
+  ScanMemory() {
+    polygon_.SetPoints(Corners());
+    scan_.SetText1(u"before");
+    scan_.SetValue1(1.5);
+    scan_.SetArea(&polygon_);
+    other_.SetText1(u"other");
+    other_.CreateArea(SDI::kRectangularArea);
+  }
+
+  // The scan is as the constructor left it.
+  void ExpectUntouched() const {
+    EXPECT_EQ(scan_.GetText1(), std::u16string(u"before"));
+    EXPECT_EQ(scan_.GetValue1(), 1.5);
+    EXPECT_EQ(scan_.GetArea(), area_);
+    EXPECT_TRUE(scan_.GetArea()->IsEqual(polygon_));
+  }
+
+  BalanceC balance_;
+  SDI::ScanPolygonAreaC polygon_;
+  SDI::ScanC scan_;
+  SDI::ScanC other_;
+  const SDI::ScanDefinitionC* area_ = nullptr;
+};
+
+TEST_F(ScanMemory, AnAreaIsReplacedWholeOrNotAtAll) {
+  area_ = scan_.GetArea();
+  EXPECT_GE(
+      FailuresBeforeSuccess([&] { scan_.SetArea(other_.GetArea()); }, [&] { ExpectUntouched(); }),
+      2U);
+  EXPECT_TRUE(scan_.GetArea()->IsEqual(*other_.GetArea()));
+}
+
+TEST_F(ScanMemory, ItsOwnAreaIsCopiedOrKept) {
+  area_ = scan_.GetArea();
+  EXPECT_GE(
+      FailuresBeforeSuccess([&] { scan_.SetArea(scan_.GetArea()); }, [&] { ExpectUntouched(); }),
+      2U);
+  EXPECT_TRUE(scan_.GetArea()->IsEqual(polygon_));
+}
+
+TEST_F(ScanMemory, AScanIsAssignedWholeOrNotAtAll) {
+  area_ = scan_.GetArea();
+  EXPECT_GE(FailuresBeforeSuccess([&] { scan_ = other_; }, [&] { ExpectUntouched(); }), 2U);
+  EXPECT_TRUE(scan_.IsEqual(other_));
+  EXPECT_TRUE(scan_.GetArea()->IsEqual(*other_.GetArea()));
+}
+
+TEST_F(ScanMemory, AnAreaThatCannotBeCreatedIsNotThere) {
+  for (const std::uint32_t type : {1U, 2U, 3U}) {
+    scan_.SetArea(&polygon_);
+    EXPECT_EQ(FailuresOfAChange([&] { scan_.CreateArea(type); },
+                                [&] { EXPECT_EQ(scan_.GetArea(), nullptr); }),
+              2U);
+    EXPECT_EQ(scan_.GetArea()->GetType(), type);
+  }
+}
+
+TEST_F(ScanMemory, ACopyHasItsAreaOrDoesNotExist) {
+  area_ = scan_.GetArea();
+  std::unique_ptr<SDI::ScanC> copy;
+  EXPECT_GE(FailuresBeforeSuccess([&] { copy = std::make_unique<SDI::ScanC>(scan_); },
+                                  [&] {
+                                    EXPECT_EQ(copy, nullptr);
+                                    ExpectUntouched();
+                                  }),
+            4U);
+  EXPECT_TRUE(copy->IsEqual(scan_));
+  EXPECT_TRUE(copy->GetArea()->IsEqual(polygon_));
+}
+
+}  // namespace

@@ -1,0 +1,262 @@
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/surveydata.h>
+
+#include "tests/support/pairs.h"
+
+// Random programs: constructors, copies, assignments, adoptions, links and deletions from either
+// side in any order, against a model of who owns whom. Every step compares all links and the
+// objects that live; the address sanitizer sees what is deleted twice or never.
+
+namespace {
+
+constexpr std::uint64_t kSeed = 20260101;
+constexpr int kPrograms = 200;  // for each pair
+constexpr int kSteps = 60;
+constexpr int kStepsWithoutData = 15;
+constexpr std::size_t kMostObjects = 8;  // on each side
+
+template <class P>
+class RandomProgram : public testing::Test {
+ protected:
+  using Public = typename P::PublicT;
+  using Impl = typename P::ImplT;
+
+  // What lives, by number. The library's own objects (those that a constructor or `GetBase` makes)
+  // are known by their pointers alone.
+  static inline int countedPublics = 0;
+  static inline int countedImpls = 0;
+
+  class CountedPublic : public Public {
+   public:
+    template <class... Args>
+    explicit CountedPublic(Args&&... args) : Public(std::forward<Args>(args)...) {
+      ++countedPublics;
+    }
+    CountedPublic(const CountedPublic&) = delete;
+    CountedPublic& operator=(const CountedPublic&) = delete;
+    ~CountedPublic() override { --countedPublics; }
+  };
+  class CountedImpl : public Impl {
+   public:
+    CountedImpl() { ++countedImpls; }
+    explicit CountedImpl(const Impl& other) : Impl(other) { ++countedImpls; }
+    CountedImpl(const CountedImpl&) = delete;
+    CountedImpl& operator=(const CountedImpl&) = delete;
+    ~CountedImpl() override { --countedImpls; }
+  };
+
+  // The model. A pair is one public object, one implementation, or both with their link.
+  struct Side {
+    bool isCounted = false;
+  };
+  struct Pairing {
+    API::BaseC* object = nullptr;
+    Impl* impl = nullptr;
+    Side objectSide;
+    Side implSide;
+    bool isMarked = false;  // the data of `impl`
+  };
+
+  explicit RandomProgram() : random_(kSeed) {}
+  ~RandomProgram() override {
+    while (!pairings_.empty()) DeleteEither(0);
+    Check();
+  }
+
+  std::size_t Below(std::size_t limit) { return static_cast<std::size_t>(random_() % limit); }
+  bool Flip() { return Below(2) == 0; }
+
+  // The data cost more to look at than the links.
+  void Check(bool isDataToo = true) {
+    int publics = 0;
+    int impls = 0;
+    for (const Pairing& p : pairings_) {
+      publics += p.object != nullptr && p.objectSide.isCounted;
+      impls += p.impl != nullptr && p.implSide.isCounted;
+      if (p.object != nullptr) {
+        ASSERT_EQ(p.object->GetImpl(), p.impl);
+      }
+      if (p.impl != nullptr) {
+        ASSERT_EQ(p.impl->API::ImplObjectC::GetBase(), p.object);
+        if (!isDataToo) continue;
+        ASSERT_EQ(Pairs::IsMarked(*p.impl), p.isMarked || !Pairs::kHasData<Impl>);
+      }
+    }
+    ASSERT_EQ(countedPublics, publics);
+    ASSERT_EQ(countedImpls, impls);
+  }
+
+  // A pairing with the sides that are asked for; null when there is none.
+  Pairing* Some(bool hasObject, bool hasImpl) {
+    std::vector<Pairing*> fitting;
+    for (Pairing& p : pairings_) {
+      if ((p.object != nullptr || !hasObject) && (p.impl != nullptr || !hasImpl)) {
+        fitting.push_back(&p);
+      }
+    }
+    return fitting.empty() ? nullptr : fitting[Below(fitting.size())];
+  }
+  void Forget(const Pairing* p) { pairings_.erase(pairings_.begin() + (p - pairings_.data())); }
+
+  // Whichever side there is; both go.
+  void DeleteEither(std::size_t i) {
+    const Pairing p = pairings_[i];
+    pairings_.erase(pairings_.begin() + static_cast<std::ptrdiff_t>(i));
+    if (p.object != nullptr && (p.impl == nullptr || Flip())) {
+      delete p.object;
+    } else {
+      delete p.impl;
+    }
+  }
+
+  // The implementation that a public object makes for itself is of the class that it reads.
+  static constexpr bool kReads = requires(const Public& p) {
+    { p.GetImpl() } -> std::same_as<Impl*>;
+  };
+
+  Pairing OfPublic(API::BaseC* object) {
+    return {object, static_cast<Impl*>(object->GetImpl()), {true}, {false}, false};
+  }
+
+  void Step() {
+    if (pairings_.size() > kMostObjects) DeleteEither(Below(pairings_.size()));
+    switch (Below(12)) {
+      case 0:
+        if constexpr (kReads) pairings_.push_back(OfPublic(new CountedPublic));
+        return;
+      case 1:
+        pairings_.push_back({nullptr, new CountedImpl, {}, {true}, false});
+        return;
+      case 2: {  // adoption of an implementation, with or without an owner
+        Pairing* const p = Some(false, true);
+        if (p == nullptr) return;
+        if constexpr (std::is_constructible_v<Public, Impl*>) {
+          p->object = new CountedPublic(p->impl);  // the owner of before is gone
+        } else {
+          p->object = p->impl->GetBase();
+        }
+        p->objectSide.isCounted = std::is_constructible_v<Public, Impl*>;
+        return;
+      }
+      case 3: {  // a copy of a public object, which may have no implementation
+        if constexpr (kReads && std::is_copy_constructible_v<Public>) {
+          const Pairing* const p = Some(true, true);
+          if (p == nullptr) return;
+          Pairing copy = OfPublic(new CountedPublic(static_cast<const Public&>(*p->object)));
+          copy.isMarked = p->isMarked;
+          pairings_.push_back(copy);
+        }
+        return;
+      }
+      case 4: {
+        const Pairing* const p = Some(false, true);
+        if (p == nullptr) return;
+        const bool isMarked = p->isMarked;
+        pairings_.push_back(
+            {nullptr, new CountedImpl(static_cast<const Impl&>(*p->impl)), {}, {true}, isMarked});
+        return;
+      }
+      case 5: {  // assignment between public objects, to itself too
+        if constexpr (kReads && std::is_copy_assignable_v<Public>) {
+          Pairing* const to = Some(true, true);
+          const Pairing* const from = Some(true, true);
+          if (to == nullptr) return;
+          static_cast<Public&>(*to->object) = static_cast<const Public&>(*from->object);
+          to->isMarked = from->isMarked;
+        }
+        return;
+      }
+      case 6: {
+        Pairing* const to = Some(false, true);
+        const Pairing* const from = Some(false, true);
+        if (to == nullptr) return;
+        *to->impl = std::as_const(*from->impl);
+        to->isMarked = from->isMarked;
+        return;
+      }
+      case 7: {  // the public object that an implementation makes, or has
+        Pairing* const p = Some(false, true);
+        if (p == nullptr) return;
+        API::BaseC* const base = p->impl->GetBase();
+        ASSERT_NE(base, nullptr);
+        ASSERT_EQ(p->impl->GetBase(), base);
+        if (p->object == nullptr) {
+          p->object = base;
+          p->objectSide.isCounted = false;
+        }
+        return;
+      }
+      case 8: {  // both sides live on alone
+        Pairing* const p = Some(true, true);
+        if (p == nullptr) return;
+        p->impl->DetachBase();
+        const Pairing alone{p->object, nullptr, p->objectSide, {}, false};
+        p->object = nullptr;
+        pairings_.push_back(alone);
+        return;
+      }
+      case 9: {  // another implementation for a public object
+        Pairing* const to = Some(true, false);
+        const Pairing* const from = Some(false, true);
+        if (to == nullptr || from == nullptr) return;
+        if (to == from) {
+          to->object->SetImpl(from->impl);  // nothing happens
+          return;
+        }
+        Impl* const before = to->impl;
+        if (before != nullptr) before->DetachBase();  // as whoever replaces one must
+        to->object->SetImpl(from->impl);              // the owner of `from` is gone
+        to->impl = from->impl;
+        const Side beforeSide = std::exchange(to->implSide, from->implSide);
+        const bool wasMarked = std::exchange(to->isMarked, from->isMarked);
+        Forget(from);
+        if (before != nullptr) pairings_.push_back({nullptr, before, {}, beforeSide, wasMarked});
+        return;
+      }
+      case 10: {
+        Pairing* const p = Some(false, true);
+        if (p == nullptr || p->isMarked) return;
+        Pairs::Mark(*p->impl);
+        p->isMarked = true;
+        return;
+      }
+      default:
+        if (!pairings_.empty()) DeleteEither(Below(pairings_.size()));
+        return;
+    }
+  }
+
+ private:
+  std::mt19937_64 random_;
+  std::vector<Pairing> pairings_;
+};
+
+template <class List>
+struct JoinUnread;
+template <class... P>
+struct JoinUnread<testing::Types<P...>> {
+  template <class... Q>
+  static testing::Types<P..., Q...> With(testing::Types<Q...>);
+};
+using EveryPair = decltype(JoinUnread<Pairs::AllPairs>::With(std::declval<Pairs::UnreadPairs>()));
+TYPED_TEST_SUITE(RandomProgram, EveryPair);
+
+TYPED_TEST(RandomProgram, LeavesEveryLinkAndEveryObjectAsTheModelSays) {
+  for (int program = 0; program < kPrograms; ++program) {
+    for (int step = 0; step < kSteps; ++step) {
+      this->Step();
+      ASSERT_NO_FATAL_FAILURE(this->Check()) << "program " << program << ", step " << step;
+    }
+  }
+}
+
+}  // namespace

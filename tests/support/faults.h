@@ -1,0 +1,104 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_FAULTS_H_
+#define SURVEYDATA_TESTS_SUPPORT_FAULTS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+/// \file
+/// Makes calls fail that nothing else makes fail: allocations by `operator new`, and the file
+/// functions of the C runtime, in whose place the linker puts others. Link
+/// `heap_faults` for the first, `file_faults` for both.
+
+namespace Faults {
+
+inline constexpr std::size_t kNever = SIZE_MAX;
+
+// --- Memory
+
+/// Since the program began.
+std::size_t Allocations();
+std::size_t Releases();
+
+/// Lets `count` more allocations succeed; `kNever` for all.
+void LimitAllocations(std::size_t count);
+
+/// Runs `work` with one more allocation each time until it succeeds; `afterFailure` looks at what
+/// each failure left. Returns the number of failures.
+template <class Work, class Check>
+std::size_t FailuresOfAChange(Work work, Check afterFailure) {
+  for (std::size_t failures = 0;; ++failures) {
+    SCOPED_TRACE(testing::Message() << "after " << failures << " allocations");
+    bool isDone = false;
+    LimitAllocations(failures);
+    try {
+      work();
+      isDone = true;
+    } catch (const std::bad_alloc&) {
+    }
+    LimitAllocations(kNever);
+    if (isDone) return failures;
+    afterFailure();
+  }
+}
+
+/// The same for work that keeps nothing when it fails, not even room in a container: expects that
+/// each failure gives back what it took.
+template <class Work, class Check>
+std::size_t FailuresBeforeSuccess(Work work, Check afterFailure) {
+  std::size_t taken = 0;
+  std::size_t released = 0;
+  return FailuresOfAChange(
+      [&] {
+        taken = Allocations();
+        released = Releases();
+        work();
+      },
+      [&] {
+        EXPECT_EQ(Allocations() - taken, Releases() - released);
+        afterFailure();
+      });
+}
+
+template <class Work>
+std::size_t FailuresBeforeSuccess(Work work) {
+  return FailuresBeforeSuccess(work, [] {});
+}
+
+/// Expects at its end that everything taken since its beginning was given back.
+class BalanceC {
+ public:
+  BalanceC() = default;
+  BalanceC(const BalanceC&) = delete;
+  BalanceC& operator=(const BalanceC&) = delete;
+  ~BalanceC() { EXPECT_EQ(Allocations() - taken_, Releases() - released_); }
+
+ private:
+  std::size_t taken_ = Allocations();
+  std::size_t released_ = Releases();
+};
+
+// --- Files (not on Windows)
+
+/// How a read or a write fails: with nothing done, or after half of it.
+enum class Extent { kNothing, kHalf };
+
+/// Makes the file call with this number, counted from 0 from now on, fail, and no other: `fopen`,
+/// `fseek`, `fseeko`, `fread`, `fwrite`, `fclose`. A close that fails closes all the same.
+void FailFileCall(std::size_t number, Extent extent = Extent::kNothing);
+/// All succeed.
+void FailNoFileCall();
+
+/// The calls since `FailFileCall` or `FailNoFileCall`, by name.
+std::vector<std::string> FileCalls();
+
+/// How many files were opened and not closed since the program began.
+int OpenFiles();
+
+}  // namespace Faults
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_FAULTS_H_

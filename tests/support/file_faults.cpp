@@ -1,0 +1,120 @@
+#include <array>
+#include <cerrno>
+#include <cstdio>
+
+#include <sys/types.h>
+
+#include "tests/support/faults.h"
+
+namespace Faults {
+namespace {
+
+// No vector: nothing here may take memory while another count of it runs.
+std::array<const char*, 1000> g_calls;
+std::size_t g_callCount = 0;
+std::size_t g_failing = kNever;
+Extent g_extent = Extent::kNothing;
+int g_openFiles = 0;
+const std::FILE* g_failed = nullptr;  // the last file whose reading or writing failed
+
+// Whether this call is the one to fail.
+bool IsToFail(const char* name) {
+  if (g_callCount < g_calls.size()) g_calls[g_callCount] = name;
+  return g_callCount++ == g_failing;
+}
+
+}  // namespace
+
+void FailFileCall(std::size_t number, Extent extent) {
+  g_failing = number;
+  g_extent = extent;
+  g_failed = nullptr;
+  g_callCount = 0;
+}
+void FailNoFileCall() { FailFileCall(kNever); }
+
+std::vector<std::string> FileCalls() {
+  return {g_calls.begin(), g_calls.begin() + static_cast<std::ptrdiff_t>(g_callCount)};
+}
+
+int OpenFiles() { return g_openFiles; }
+
+}  // namespace Faults
+
+// `__wrap_X` stands where X is called, `__real_X` is X (--wrap of the linker).
+extern "C" {
+std::FILE* __real_fopen(const char* name, const char* mode);
+int __real_fseek(std::FILE* file, long offset, int whence);
+int __real_fseeko(std::FILE* file, off_t offset, int whence);
+std::size_t __real_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
+std::size_t __real_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
+int __real_fclose(std::FILE* file);
+int __real_ferror(std::FILE* file);
+
+std::FILE* __wrap_fopen(const char* name, const char* mode);
+int __wrap_fseek(std::FILE* file, long offset, int whence);
+int __wrap_fseeko(std::FILE* file, off_t offset, int whence);
+std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
+std::size_t __wrap___fread_chk(void* to, std::size_t room, std::size_t size, std::size_t count,
+                               std::FILE* file);
+std::size_t __wrap_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
+int __wrap_fclose(std::FILE* file);
+int __wrap_ferror(std::FILE* file);
+
+std::FILE* __wrap_fopen(const char* name, const char* mode) {
+  if (Faults::IsToFail("fopen")) {
+    errno = EMFILE;
+    return nullptr;
+  }
+  std::FILE* const file = __real_fopen(name, mode);
+  if (file != nullptr) ++Faults::g_openFiles;
+  return file;
+}
+
+int __wrap_fseek(std::FILE* file, long offset, int whence) {
+  if (!Faults::IsToFail("fseek")) return __real_fseek(file, offset, whence);
+  errno = EIO;
+  return -1;
+}
+
+int __wrap_fseeko(std::FILE* file, off_t offset, int whence) {
+  if (!Faults::IsToFail("fseeko")) return __real_fseeko(file, offset, whence);
+  errno = EIO;
+  return -1;
+}
+
+std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FILE* file) {
+  if (!Faults::IsToFail("fread")) return __real_fread(to, size, count, file);
+  Faults::g_failed = file;
+  const bool isHalf = Faults::g_extent == Faults::Extent::kHalf;
+  const std::size_t done = isHalf ? __real_fread(to, size, count / 2, file) : 0;
+  errno = EIO;
+  return done;
+}
+
+// What a hardened build calls where it knows the room at the destination.
+std::size_t __wrap___fread_chk(void* to, std::size_t /*room*/, std::size_t size, std::size_t count,
+                               std::FILE* file) {
+  return __wrap_fread(to, size, count, file);
+}
+
+std::size_t __wrap_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file) {
+  if (!Faults::IsToFail("fwrite")) return __real_fwrite(from, size, count, file);
+  Faults::g_failed = file;
+  const bool isHalf = Faults::g_extent == Faults::Extent::kHalf;
+  const std::size_t done = isHalf ? __real_fwrite(from, size, count / 2, file) : 0;
+  errno = ENOSPC;
+  return done;
+}
+
+int __wrap_fclose(std::FILE* file) {
+  const bool isToFail = Faults::IsToFail("fclose");
+  --Faults::g_openFiles;
+  const int result = __real_fclose(file);
+  if (!isToFail) return result;
+  errno = EIO;
+  return EOF;
+}
+
+int __wrap_ferror(std::FILE* file) { return file == Faults::g_failed ? 1 : __real_ferror(file); }
+}

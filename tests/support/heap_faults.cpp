@@ -1,0 +1,45 @@
+#include <cstdlib>
+
+#include "tests/support/faults.h"
+
+namespace Faults {
+namespace {
+
+// The operators get their memory from `malloc`, so that sanitizers see every block.
+std::size_t g_allocations = 0;
+std::size_t g_releases = 0;
+std::size_t g_left = kNever;
+
+void* Allocate(std::size_t size) {
+  if (g_left == 0) throw std::bad_alloc();
+  if (g_left != kNever) --g_left;
+  ++g_allocations;
+  if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
+  throw std::bad_alloc();
+}
+
+void Release(void* block) {
+  if (block == nullptr) return;
+  ++g_releases;
+  std::free(block);
+}
+
+}  // namespace
+
+std::size_t Allocations() { return g_allocations; }
+std::size_t Releases() { return g_releases; }
+void LimitAllocations(std::size_t count) { g_left = count; }
+
+}  // namespace Faults
+
+// Not inlined, so that the compiler sees them as a pair.
+[[gnu::noinline]] void* operator new(std::size_t size) { return Faults::Allocate(size); }
+[[gnu::noinline]] void* operator new[](std::size_t size) { return Faults::Allocate(size); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { Faults::Release(block); }
+[[gnu::noinline]] void operator delete[](void* block) noexcept { Faults::Release(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
+  Faults::Release(block);
+}
+[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept {
+  Faults::Release(block);
+}
