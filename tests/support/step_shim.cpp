@@ -163,4 +163,20 @@ extern "C" {
     return Next<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite")(file, bytes, size, offset);
   });
 }
+
+// The same by the names that a program calls which asks for offsets of 64 bits.
+[[gnu::visibility("default")]] int open64(const char* path, int flags, ...) {
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(more, mode_t) : 0;
+  va_end(more);
+  return open(path, flags, mode);
+}
+[[gnu::visibility("default")]] int mkostemp64(char* path, int flags) {
+  return mkostemp(path, flags);
+}
+[[gnu::visibility("default")]] ssize_t pwrite64(int file, const void* bytes, size_t count,
+                                                off64_t offset) {
+  return pwrite(file, bytes, count, offset);
+}
 }
