@@ -278,7 +278,7 @@ HeldSignalsC::HeldSignalsC() {
 HeldSignalsC::~HeldSignalsC() {
   SetConsoleCtrlHandler(&Platform::Hold, FALSE);
   SetEvent(Platform::isOver);
-  if (Platform::isPending) ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+  if (Platform::isPending) std::exit(static_cast<int>(STATUS_CONTROL_C_EXIT));
 }
 
 bool HeldSignalsC::IsAnyPending() const { return Platform::isPending; }

@@ -1,4 +1,3 @@
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 
@@ -23,18 +22,7 @@ HANDLE HandleOf(StandardStream stream) {
   return INVALID_HANDLE_VALUE;
 }
 
-constexpr std::array kOutputs{StandardStream::kOutput, StandardStream::kError};
-
-// How the console was: it stays behind when the program has ended.
-UINT codePageBefore;
-std::array<DWORD, kOutputs.size()> modesBefore;
-
-void RestoreConsole() {
-  SetConsoleOutputCP(codePageBefore);
-  for (std::size_t i = kOutputs.size(); i-- > 0;) {
-    if (IsTerminal(kOutputs[i])) SetConsoleMode(HandleOf(kOutputs[i]), modesBefore[i]);
-  }
-}
+UINT codePageBefore;  // the console stays behind when the program has ended
 
 }  // namespace
 
@@ -47,12 +35,7 @@ void PrepareStandardStreams() {
   if (!IsTerminal(StandardStream::kOutput) && !IsTerminal(StandardStream::kError)) return;
   codePageBefore = GetConsoleOutputCP();
   SetConsoleOutputCP(CP_UTF8);
-  for (std::size_t i = 0; i < kOutputs.size(); ++i) {
-    const HANDLE console = HandleOf(kOutputs[i]);
-    if (GetConsoleMode(console, &modesBefore[i]) == 0) continue;
-    SetConsoleMode(console, modesBefore[i] | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-  }
-  std::atexit(RestoreConsole);
+  std::atexit([] { SetConsoleOutputCP(codePageBefore); });
 }
 
 // The runtime's own test takes the null device for a terminal.

@@ -28,7 +28,7 @@ ProgressC::ProgressC(std::uint64_t total, bool hasRows)
       nextDraw_(steady_clock::now() + kPatience) {}
 
 ProgressC::~ProgressC() {
-  if (isDrawn_) std::fputs("\r\x1b[K", stderr);
+  if (width_ > 0) std::fputs(fmt::format("\r{:{}}\r", "", width_).c_str(), stderr);
 }
 
 void ProgressC::Draw(std::uint64_t done) {
@@ -38,11 +38,11 @@ void ProgressC::Draw(std::uint64_t done) {
   nextDraw_ = now + kBetweenDraws;
   const std::uint64_t shown = std::min(done, total_);
   const std::string bar =
-      fmt::format("\r[{:<{}}] {:3d}%  {} of {} MiB", std::string(shown * kWidth / total_, '#'),
+      fmt::format("[{:<{}}] {:3d}%  {} of {} MiB", std::string(shown * kWidth / total_, '#'),
                   kWidth, shown * 100 / total_, shown / kStep, total_ / kStep);
-  std::fputs(bar.c_str(), stderr);
+  std::fputs(("\r" + bar).c_str(), stderr);
   std::fflush(stderr);
-  isDrawn_ = true;
+  width_ = bar.size();  // it never becomes shorter
 }
 
 }  // namespace Tool

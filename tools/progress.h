@@ -2,6 +2,7 @@
 #define SURVEYDATA_TOOLS_PROGRESS_H_
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 
 namespace Tool {
@@ -28,7 +29,7 @@ class ProgressC {
   std::uint64_t total_;
   std::uint64_t next_ = 0;
   bool isWanted_;
-  bool isDrawn_ = false;
+  std::size_t width_ = 0;  ///< Of what is drawn.
   std::chrono::steady_clock::time_point nextDraw_;
 };
 

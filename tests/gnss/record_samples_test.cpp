@@ -217,7 +217,7 @@ TEST_P(RecordSamples, RecordsOfOtherKindsAreRefusedAndChangeNothing) {
 
 TEST_P(RecordSamples, TheIndexListsExactlyTheRecordsAndThePaddingAsGaps) {
   const json index = LoadIndex(GetParam());
-  const std::string path = kData / index["file"];
+  const std::string path = (kData / index["file"]).string();
   const auto bytes = TestSupport::ReadBytes(path);
   SDI::GPSRecordIndexC walk(path.c_str());
   ASSERT_TRUE(walk.IsOpen());

@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -524,7 +525,7 @@ TEST(FixedString, ReadsNumbersAsTheRuntimeDoes) {
       {"12abc", 12, 12.0},
       {"2147483647", 2147483647, 2147483647.0},
       {"-2147483648", std::numeric_limits<int>::min(), -2147483648.0},
-      {"0x10", 0, 16.0},
+      {"0x10", 0, std::atof("0x10")},  // 16, or 0 by runtimes that know no hexadecimal ones
   };
   for (const auto& [text, integer, real] : cases) {
     SCOPED_TRACE(text);

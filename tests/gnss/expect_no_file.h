@@ -1,0 +1,34 @@
+#ifndef SURVEYDATA_TESTS_GNSS_EXPECT_NO_FILE_H_
+#define SURVEYDATA_TESTS_GNSS_EXPECT_NO_FILE_H_
+
+#include <cstdint>
+
+#include <gtest/gtest.h>
+#include <tests/gnss/stored_fields.h>
+#include <tests/support/same_info.h>
+
+#include <surveydata/gnss/gps_record_file.h>
+
+namespace TestSupport {
+
+/// A read that ends with `result` and changes nothing.
+inline void ExpectReadChangesNothing(SDI::GPSRecordFileInfo info, std::uint32_t result) {
+  SDI::GPSMeasDataImplC measurement = FilledMeasurement();
+  const SDI::GPSRecordFileInfo before = info;
+  EXPECT_EQ(SDI::GPSRecordFileC::ReadGPSMeasData(&measurement, &info), result);
+  EXPECT_EQ(StoredIn(measurement), StoredIn(FilledMeasurement()));
+  ExpectSameInfo(info, before);
+}
+
+/// A file of which reading and writing end with `result` and change nothing.
+inline void ExpectNoFile(const SDI::GPSRecordFileInfo& info, std::uint32_t result) {
+  ExpectReadChangesNothing(info, result);
+  const SDI::GPSMeasDataImplC measurement = FilledMeasurement();
+  SDI::GPSRecordFileInfo writing = info;
+  EXPECT_EQ(SDI::GPSRecordFileC::WriteGPSMeasData(&measurement, &writing), result);
+  ExpectSameInfo(writing, info);
+}
+
+}  // namespace TestSupport
+
+#endif  // SURVEYDATA_TESTS_GNSS_EXPECT_NO_FILE_H_
