@@ -1,6 +1,7 @@
 # Brings abi/surveydata.exports and abi/recorded_numbers up to date with the objects of a build for
-# this system (ELF_LIBRARY) and of one for Windows (WINDOWS_LIBRARY), both static libraries. What is
-# new goes to the end; the number of what is gone is never given to anything else.
+# this system (ELF_LIBRARY) and of one for Windows (WINDOWS_LIBRARY), both static libraries, with the
+# compiler and the nm of the latter. What is new goes to the end; the number of what is gone is never
+# given to anything else.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
@@ -22,6 +23,17 @@ execute_process(
   COMMAND_ERROR_IS_FATAL ANY)
 file(STRINGS ${definition} windows REGEX "@[0-9]+")
 list(TRANSFORM windows REPLACE "^ *([A-Za-z0-9_]+) .*" "\\1")
+# Inline members are in the objects too, but g++ exports none of them; callers that are not optimised
+# ask for those of templates that the library instantiates.
+execute_process(COMMAND ${WINDOWS_NM} --defined-only ${WINDOWS_LIBRARY}
+  OUTPUT_VARIABLE defined ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL " [TW] _ZN[^ \n]+" defined "${defined}")
+list(TRANSFORM defined REPLACE ".* " "")
+foreach(symbol IN LISTS defined)
+  if(symbol IN_LIST elf)
+    list(APPEND windows ${symbol})
+  endif()
+endforeach()
 exports_in_scope(c++filt "${windows}" windows)
 
 if(NOT elf OR NOT windows)
