@@ -126,6 +126,7 @@ OriginalFileC::OriginalFileC(const std::string& file)
   if (own.path.empty() || GetFileInformationByHandle(own.file.Get(), &own.status) == 0) {
     Fail(fmt::format("cannot read {}", file));
   }
+  if ((own.status.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) own.isWritable = false;
   name_ = ForMessages(own.path);
   size_ = std::uint64_t{own.status.nFileSizeHigh} << 32 | own.status.nFileSizeLow;
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -163,6 +164,20 @@ TEST(RecordExport, TakesAFixedAmountOfMemory) {
   ASSERT_EQ(wait4(child, &status, 0, &usage), child);
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   EXPECT_LT(usage.ru_maxrss, kMemory);
+}
+
+TEST(RecordPlot, EscapesNamesOfAnyBytes) {
+  const TempFolderC folder;
+  for (const auto& [name, title] :
+       {std::pair<std::string, std::string>{"a<b>&\"c'.rec", "a&lt;b&gt;&amp;"},
+        {"x\xFF\x01.rec", "x\uFFFD\uFFFD.rec"}}) {
+    SCOPED_TRACE(title);
+    fs::copy(DataPath("valley_drive.rec"), folder / name);
+    EXPECT_EQ(RunProgram({"record", "plot", folder / name, "-o", folder / "out.svg"}).exitCode, 0);
+    const std::string svg = ReadText(folder / "out.svg");
+    EXPECT_NE(svg.find("<title>" + title), std::string::npos);
+    EXPECT_EQ(svg.find(name), std::string::npos);
+  }
 }
 
 TEST(RecordExport, RefusesToOverwriteItsInputThroughALink) {

@@ -149,16 +149,13 @@ TEST(RecordPlot, SetsTheNamesOfTheLegendBehindTheirSamples) {
 
 TEST(RecordPlot, EscapesTheNameOfTheFile) {
   const TempFolderC folder;
-  for (const auto& [name, title] :
-       {std::pair<std::string, std::string>{"a<b>&\"c'.rec", "a<b>&\"c'.rec"},
-        {"Höhe.rec", "Höhe.rec"},
-        {"x\xFF\x01.rec", "x\uFFFD\uFFFD.rec"}}) {
-    SCOPED_TRACE(title);
-    std::filesystem::copy(DataPath("valley_drive.rec"), folder / name);
+  for (const char* const name : {"a&b'c.rec", "Höhe.rec"}) {
+    SCOPED_TRACE(name);
+    WriteBytes(folder / name, ReadBytes(DataPath("valley_drive.rec")));
     EXPECT_EQ(Plot(folder / name, folder / "out.svg").exitCode, 0);
     const ptree svg = ParseXml(ReadText(folder / "out.svg"));
-    EXPECT_EQ(Texts(svg, "title").at(0), title);
-    EXPECT_EQ(Texts(svg, "text").at(0), title);
+    EXPECT_EQ(Texts(svg, "title").at(0), name);
+    EXPECT_EQ(Texts(svg, "text").at(0), name);
   }
 }
 

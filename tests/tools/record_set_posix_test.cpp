@@ -43,6 +43,29 @@ TEST_F(RecordSet, KeepsThePermissions) {
   }
 }
 
+TEST_F(RecordSet, WorksOnLongPaths) {
+  fs::path folder = folder_.Path();
+  for (int i = 0; i < 3; ++i) folder /= std::string(100, 'd');
+  fs::create_directories(folder);
+  const fs::path file = folder / "file.rec";
+  fs::copy(file_, file);
+  EXPECT_EQ(
+      RunProgram({"record", "set", file.string(), "--offset", "960", "--number", "77"}).exitCode,
+      0);
+  EXPECT_TRUE(ReadBytes(file.string()) == Expected({.name = {}, .number = 77, .height = {}}));
+}
+
+// Elsewhere the system itself sees to it that a command line is text.
+TEST_F(RecordSet, RefusesNamesThatAreNotUtf8) {
+  for (const char* const name : {"a\x80", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xFF"}) {
+    const Outcome outcome = Set({"--name", name});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err.find("is not UTF-8"), std::string::npos) << outcome.err;
+  }
+  ExpectUntouched();
+}
+
 TEST_F(RecordSet, WorksOnNamesAsLongAsTheyCanBe) {
   const std::string file = folder_ / std::string(255, 'n');
   fs::copy(file_, file);
