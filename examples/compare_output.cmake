@@ -6,11 +6,12 @@ file(MAKE_DIRECTORY ${WORK_DIR})
 if(DATA)
   file(COPY ${DATA} DESTINATION ${WORK_DIR} FILE_PERMISSIONS OWNER_READ OWNER_WRITE)
 endif()
-execute_process(COMMAND ${PROGRAM} WORKING_DIRECTORY ${WORK_DIR}
+execute_process(COMMAND ${EMULATOR} ${PROGRAM} WORKING_DIRECTORY ${WORK_DIR}
   OUTPUT_VARIABLE output RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "${PROGRAM} ended with ${result}")
 endif()
+string(REPLACE "\r\n" "\n" output "${output}")  # as Windows ends lines
 file(READ ${EXPECTED} expected)
 if(NOT output STREQUAL expected)
   message(FATAL_ERROR "The output differs from ${EXPECTED}:\n${output}")

@@ -182,29 +182,6 @@ TEST(RecordFileRead, WithoutArgumentsThereIsNoFile) {
   ExpectSameInfo(info, file.Info());
 }
 
-// The files that this process has open.
-std::ptrdiff_t OpenFiles() {
-  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-}
-
-TEST(RecordFileRead, EveryWayOutClosesTheFile) {
-  const TempFileC good(SmallFrame());
-  const TempFileC bad(ByteVector(20, 1));
-  const TempFileC empty;
-  GPSMeasDataImplC measurement;
-  const std::ptrdiff_t before = OpenFiles();
-  for (int i = 0; i < 2; ++i) {
-    for (const TempFileC* const file : {&good, &bad, &empty}) {
-      GPSRecordFileInfo info = file->Info();
-      ASSERT_NE(GPSRecordFileC::ReadGPSMeasData(&measurement, &info), 1U);
-      ASSERT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), file == &good  ? 0U
-                                                                       : file == &bad ? 2U
-                                                                                      : 1U);
-      EXPECT_EQ(OpenFiles(), before);
-    }
-  }
-}
-
 // --- Files that cannot be used ------------------------------------------------------------------
 
 TEST(RecordFileOpen, AMissingFileIsNoFile) {
@@ -487,20 +464,6 @@ TEST(RecordFileWrite, NamesOfEveryKind) {
     ASSERT_EQ(CheckWrite(file, frame, nullptr, info), 0U);
     ASSERT_FALSE(testing::Test::HasFailure());
   }
-}
-
-// The first sequence of the last bytes would need the byte behind the array, which is the first of
-// the extension.
-TEST(RecordFileWrite, TheByteBehindTheNameIsNotRead) {
-  const TempFileC file(FrameBuilderC().Times().U16(2).Fill(38, 2).Frame(), "file.\xA9");
-  GPSRecordFileInfo info = file.Info();
-  std::string name;
-  for (int i = 0; i < 16; ++i) name += "\xE2\x82\xAC";  // 48 bytes
-  SetName(info, name + "\xC3");
-  const GPSMeasDataImplC measurement;
-  EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, &info), 0U);
-  EXPECT_EQ(file.Bytes(),
-            FrameBuilderC().Times().U16(2).NameUnits(std::u16string(16, u'\u20ac')).I32(0).Frame());
 }
 
 // Frames in which the positions of the patches lie behind the frame or across its checksum.

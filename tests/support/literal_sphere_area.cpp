@@ -217,10 +217,14 @@ double PlanarLineDistance(Angles p, Angles a, Angles b) {
          PlanarDistance(a, b);
 }
 
+// 10^(-digits). The one that the rules take is rounded to nearest, which not every runtime's power
+// is.
+double Step(std::uint16_t digits) { return digits == 10 ? 1e-10 : std::pow(10.0, -digits); }
+
 }  // namespace
 
 bool ApproxEqual(double a, double b, std::uint16_t digits) {
-  return std::fabs(a - b) < std::pow(10.0, -digits);
+  return std::fabs(a - b) < Step(digits);
 }
 
 double RoundToStep(double x, double step) {
@@ -230,7 +234,7 @@ double RoundToStep(double x, double step) {
 
 bool InRange(double x, double lo, double hi, std::uint16_t digits) {
   if (lo < x && x < hi) return true;
-  const double step = std::pow(10.0, -digits);
+  const double step = Step(digits);
   const double roundedX = RoundToStep(x, step);
   const double roundedLo = RoundToStep(lo, step);
   const double roundedHi = RoundToStep(hi, step);
@@ -238,12 +242,12 @@ bool InRange(double x, double lo, double hi, std::uint16_t digits) {
 }
 
 bool AtLeast(double a, double b, std::uint16_t digits) {
-  const double step = std::pow(10.0, -digits);
+  const double step = Step(digits);
   return RoundToStep(a, step) > RoundToStep(b, step) || ApproxEqual(a, b, digits);
 }
 
 bool AtMost(double a, double b, std::uint16_t digits) {
-  const double step = std::pow(10.0, -digits);
+  const double step = Step(digits);
   return RoundToStep(b, step) > RoundToStep(a, step) || ApproxEqual(a, b, digits);
 }
 
