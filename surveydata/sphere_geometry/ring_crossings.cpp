@@ -16,11 +16,24 @@ bool CrossAsArcs(const AnglePointC& a1, const AnglePointC& a2, const AnglePointC
                                ArcEdgeC(SpherePointC(b1), SpherePointC(b2)), crossing);
 }
 
+struct Range {
+  double low;
+  double high;
+
+  Range(double a, double b) : low(std::min(a, b)), high(std::max(a, b)) {}
+  bool Reaches(const Range& other) const {
+    return high + kRoundingMargin >= other.low && other.high + kRoundingMargin >= low;
+  }
+  double GetLength() const { return high - low; }
+  void Widen(const Range& other) {
+    low = std::min(low, other.low);
+    high = std::max(high, other.high);
+  }
+};
+
 struct Box {
-  double hzMin;
-  double hzMax;
-  double vMin;
-  double vMax;
+  Range along;  // the sweep
+  Range across;
   std::size_t edge;
 };
 
@@ -101,25 +114,37 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
 
 bool CrossesItself(const std::vector<AnglePointC>& edges) {
   const std::size_t count = edges.size() / 2;
-  std::vector<Box> boxes(count);
+  std::vector<Box> boxes;
+  boxes.reserve(count);
+  double spansHz = 0.0;
+  double spansV = 0.0;
+  Range allHz(edges[0].Hz, edges[0].Hz);
+  Range allV(edges[0].V, edges[0].V);
   for (std::size_t i = 0; i < count; ++i) {
     const AnglePointC& a = edges[2 * i];
     const AnglePointC& b = edges[2 * i + 1];
-    boxes[i] = {std::min(a.Hz, b.Hz), std::max(a.Hz, b.Hz), std::min(a.V, b.V), std::max(a.V, b.V),
-                i};
+    const Box& box = boxes.emplace_back(Box{{a.Hz, b.Hz}, {a.V, b.V}, i});
+    spansHz += box.along.GetLength();
+    spansV += box.across.GetLength();
+    allHz.Widen(box.along);
+    allV.Widen(box.across);
+  }
+  // Sweep the way on which fewer edges lie side by side.
+  if (spansHz * allV.GetLength() > spansV * allHz.GetLength()) {
+    for (Box& box : boxes) std::swap(box.along, box.across);
   }
   std::sort(boxes.begin(), boxes.end(),
-            [](const Box& a, const Box& b) { return a.hzMin < b.hzMin; });
+            [](const Box& a, const Box& b) { return a.along.low < b.along.low; });
 
   // A crossing in the plane lies in both boxes to 10 digits, so boxes that are apart by more than
-  // the margin need no test. Edges enter in the order of their lower Hz and leave when passed.
+  // the margin need no test. Edges enter where they begin and leave when passed.
   std::vector<Box> active;
   for (const Box& box : boxes) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < active.size(); ++i) {
       const Box& other = active[i];
-      if (other.hzMax + kRoundingMargin < box.hzMin) continue;
-      if (other.vMax + kRoundingMargin >= box.vMin && box.vMax + kRoundingMargin >= other.vMin) {
+      if (other.along.high + kRoundingMargin < box.along.low) continue;
+      if (other.across.Reaches(box.across)) {
         const auto [first, second] = std::minmax(box.edge, other.edge);
         const bool areNeighbours = second - first < 2 || (first == 0 && second + 1 == count);
         AnglePointC crossing;
@@ -133,7 +158,7 @@ bool CrossesItself(const std::vector<AnglePointC>& edges) {
       }
       active[kept++] = other;
     }
-    active.resize(kept);
+    active.erase(active.begin() + static_cast<std::ptrdiff_t>(kept), active.end());
     active.push_back(box);
   }
   return false;

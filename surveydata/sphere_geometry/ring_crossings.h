@@ -15,7 +15,8 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
 
 /// Whether two edges that are no neighbours cross, both as arcs and in the plane. All angles lie in
 /// a few turns.
-/// \cost n log n, and one for every pair of edges that share a range of Hz.
+/// \cost n log n, and one for every pair of edges that share a range of Hz, or of V where these are
+///       fewer.
 bool CrossesItself(const std::vector<AnglePointC>& edges);
 
 }  // namespace GMAT
