@@ -11,8 +11,8 @@ namespace {
 // No comparison of the rules is undecided beyond this distance: the rounding to 10 digits, and the
 // accuracy of the arcs.
 constexpr double kMargin = kRoundingMargin;
-// Crossings this far apart are never taken for one, which those are that agree to 10 digits.
-constexpr double kApart = 4e-10;
+// Crossings this far apart are never taken for one, which those are that differ by less than 1e-10.
+constexpr double kApart = 1.5e-10;
 // What the ends of the search line may be off, doubled.
 constexpr double kLineMargin = 1e-7;
 // A column lists the edges that come this near.
@@ -43,9 +43,9 @@ static_assert(CellGridC::kWidest < kShortSpan);
 // Higher than this no direction is asked for but by the rules.
 constexpr double kPoleTangent = 1e9;
 
-// What a difference of directions makes in tan(lat): the derivative, doubled.
+// What a small difference of directions makes in tan(lat): the derivative.
 double InTangent(double difference, double tangent) {
-  return 2.0 * difference * (1.0 + tangent * tangent);
+  return difference * (1.0 + tangent * tangent);
 }
 
 // The same values as `NormalizeAngle`, and quick for a in (-2 pi, 2 pi).
@@ -229,7 +229,7 @@ void PreparedSphereAreaC::BuildCurves(std::vector<CellGridC::Part>& parts) {
         const double t1 = i < last ? curve.At(borders[column + 1].cosine, borders[column + 1].sine)
                                    : east.tangent;
         const double slack = BulgeOf(t0, t1, x1 - x0) +
-                             InTangent(4.0 * kMargin, std::max(std::fabs(t0), std::fabs(t1))) +
+                             InTangent(8.0 * kMargin, std::max(std::fabs(t0), std::fabs(t1))) +
                              curve.Error();
         low = std::min(t0, t1) - slack;
         high = std::max(t0, t1) + slack;
@@ -355,8 +355,11 @@ void PreparedSphereAreaC::FindTouchesOfCells(const std::vector<Border>& borders)
           if (curve.kind != Kind::kArc || (item.isLowest != 0) != isLowest) continue;
           const double west = curve.At(borders[i].cosine, borders[i].sine);
           const double east = curve.At(borders[i + 1].cosine, borders[i + 1].sine);
+          // In between tan(lat) may be greater, by 1 / cos(width / 2).
+          constexpr double kSteepest = 1.45;
           const double extreme = std::max(std::fabs(west), std::fabs(east));
-          lines.push_back({west, east, InTangent(kApart, 1.1 * extreme), curve.Error(), &curve});
+          lines.push_back(
+              {west, east, InTangent(kApart, kSteepest * extreme), curve.Error(), &curve});
         }
         if (isLowest) lowest = lines.size();
       }
@@ -523,7 +526,7 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskCells(double h, doubl
   const double cosH = std::cos(h);
   const double sinH = std::sin(h);
   const double t = std::cos(v) / std::sin(v);
-  const double margin = InTangent(2.0 * kMargin, t);
+  const double margin = InTangent(4.0 * kMargin, t);
   const CellGridC::Cell cell = curveGrid_.Find(column, HeightOf(t));
   bool isOdd = cell.isOddBelow;
   bool isDecided = true;
