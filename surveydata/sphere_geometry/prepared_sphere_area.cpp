@@ -267,6 +267,12 @@ void PreparedSphereAreaC::AddTouch(double low, double high) {
   touches_.push_back({std::max(low, 0.0), high});
 }
 
+double PreparedSphereAreaC::ExtremeOf(const Curve& curve, double t1, double t2) {
+  const double span = curve.high - curve.low;
+  if (span > kShortSpan) return Swing(curve.a, curve.b);
+  return std::max(std::fabs(t1), std::fabs(t2)) + BulgeOf(t1, t2, span);
+}
+
 void PreparedSphereAreaC::FindTouchesOfCorners(const std::vector<Corner>& corners) {
   const std::size_t n = corners.size();
   for (std::size_t i = 0; i < n; ++i) {
@@ -281,14 +287,12 @@ void PreparedSphereAreaC::FindTouchesOfCorners(const std::vector<Corner>& corner
     if (in.kind == Kind::kArc && out.kind == Kind::kArc && goesEast != cameEast) {
       // Both edges are on one side, and part as a sinusoid that is 0 at the corner.
       const double span = std::min(in.high - in.low, out.high - out.low);
-      const double difference = Swing(in.a - out.a, in.b - out.b);
-      const double closest = InTangent(kApart, corner.tangent) + in.Error() + out.Error();
-      double reach = 1.01 * closest / difference;
-      // Farther on the bound would be another.
-      const double change = reach * std::max(Swing(in.a, in.b), Swing(out.a, out.b));
-      const bool isBounded =
-          reach < 0.01 && span < 3.0 && change < 0.1 * (1.0 + std::fabs(corner.tangent));
-      reach = (isBounded ? std::min(reach, span) : span) + kMargin;
+      const double extreme =
+          std::max(ExtremeOf(in, corners[before].tangent, corner.tangent),
+                   ExtremeOf(out, corner.tangent, corners[i + 1 < n ? i + 1 : 0].tangent));
+      const double closest = InTangent(kApart, extreme) + in.Error() + out.Error();
+      double reach = 1.01 * closest / Swing(in.a - out.a, in.b - out.b);
+      reach = (reach < 0.01 && span < 3.0 ? std::min(reach, span) : span) + kMargin;
       (goesEast ? east : west) = reach;
     }
     AddTouch(corner.hz - west, corner.hz + east);

@@ -90,6 +90,8 @@ class PreparedSphereAreaC {
     double sine;
   };
 
+  // A bound of tan(lat) along an arc, given that of its ends.
+  static double ExtremeOf(const Curve& curve, double t1, double t2);
   std::vector<Corner> BuildCorners();
   void BuildCurves(std::vector<CellGridC::Part>& parts);
   // Finds the Hz at which crossings may be so close that they count as one.

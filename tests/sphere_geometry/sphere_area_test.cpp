@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <surveydata/sphere_geometry/great_circle_arc.h>
+#include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 namespace GMAT {
@@ -691,6 +692,54 @@ TEST(SphereArea, HugeAndSenselessPointsAreHarmless) {
         area.SearchLine({x, y}, false, out);
       }
     }
+  }
+}
+
+TEST(PreparedSphereArea, AnswersAsTheAreaDoesWhere) {
+  const struct {
+    const char* where;
+    std::vector<AnglePointC> ring;
+    AnglePointC probe;
+  } cases[] = {
+      // Far from their corner, near the nadir, two edges are crossed less than 1e-10 rad apart.
+      {"two edges come together again",
+       {{0x1.25f461f99e444p+2, 0x1.44bec1dc0d063p+0},
+        {0x1.f0c4fa923c637p+1, 0x1.8eb9778e8df57p+1},
+        {0x1.12013679646e9p+2, 0x1.cce20231231adp+0},
+        {0x1.f0c4fa923c637p+1, 0x1.8eb9778e5c7b1p+1},
+        {0x1.4ff7c7a8116c5p+1, 0x1.64455a10d2a0bp-1},
+        {0x1.6e3f35f9976d2p+1, 0x1.921fb55206ddfp+0}},
+       {0x1.f28f5245092d3p+1, 0x1.921ffe6d2bd6ap+0}},
+      // An edge that a column takes for one that lies beyond its end joins one along a meridian.
+      {"a meridian edge leaves through the end of the search line",
+       {{0x1.921fb54442d19p+2, 0x1p+1},
+        {-0x0p+0, 0x1.921fb54442d18p+0},
+        {0x1.921fb54442d19p+2, 0x1.921fb46d833cbp+1},
+        {0x1.5fdbbe9bd3348p+2, 0x1.921fb55206ddfp+0},
+        {0x1.921fb54442d19p+2, 0x1.921fb54442d18p+0},
+        {0x1.921fb54442d18p+2, 0x1.921fb54442d18p-1},
+        {0x1.921fb54442d18p+0, 0x1.921fb54442d18p+0},
+        {0x1.921fb54508bbp-1, 0x1.2d97c7f3321d2p+1},
+        {0x1.203af9ee75616p-50, 0x1.921fb54442d18p+0},
+        {0x1.921fb54442d18p+2, 0x1.921fb54442d18p+0},
+        {0x1.2d97c7f3321d2p+1, -0x0p+0},
+        {0x1.5fdbbe9bba774p+2, 0x1.3333333333333p-2}},
+       {0x1.8bd202cc052f9p-4, 0x1.62d8481ffdfp+0}},
+      // The edge belongs to the last column, and its other half to the first.
+      {"an edge across Hz 0 ends at the border of a column",
+       {{0x1.f6a7a2955385ep+1, 0x0p+0},
+        {0x1.921fb54442d19p-1, 0x1.921fb54442d18p+0},
+        {0x1.f6a7a2955385ep+1, 0x1.2d97c7f2c429ap+1},
+        {0x1.2d97c7f3321d2p+1, 0x1.921fb54442d18p+0},
+        {0x1.2d97c7f3321d1p+1, 0x1.41b2f769cf0ep+1},
+        {0x1.921fb5445b8ebp+2, 0x1.41b2f769611a8p+1}},
+       {0x1.2d97c7f3321cfp+1, 0x1.65adab5efa28ap+0}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.where);
+    const SphereAreaC area = Area(c.ring);
+    const PreparedSphereAreaC prepared(area);
+    EXPECT_EQ(prepared.Ask(c.probe.Hz, c.probe.V).isInside, area.Contains(c.probe.Hz, c.probe.V));
   }
 }
 
