@@ -88,7 +88,7 @@ void WriteJson(OutputC& out, const AreaReport& report) {
   if (report.solidAngle) {
     line.Field("steradians", report.solidAngle->steradians);
     line.Field("accuracy", report.solidAngle->accuracy);
-    line.Field("method", report.solidAngle->method);
+    line.Field("band", report.solidAngle->band);
   }
   line.End();
   line.Begin("directions", report.directions.has_value());
@@ -132,10 +132,10 @@ void WriteText(OutputC& out, const AreaReport& report) {
   const SolidAngle& solidAngle = *report.solidAngle;
   const double share = 50 * solidAngle.steradians / GMAT::TWO_PI;
   line("solid angle",
-       fmt::format("{:.6f} sr, {:.3f} % of the sphere ({})", solidAngle.steradians, share,
-                   solidAngle.accuracy == 0
-                       ? std::string("by formula")
-                       : fmt::format("by quadrature, to {:.1g} sr", solidAngle.accuracy)));
+       fmt::format("{:.9f} sr, {:.3f} % of the sphere{}", solidAngle.steradians, share,
+                   solidAngle.band == 0 ? std::string()
+                                        : fmt::format("; the boundary band adds at most {:.1g} sr",
+                                                      solidAngle.band)));
   if (!report.directions) return;
   const DirectionCount& directions = *report.directions;
   line("directions", directions.count < kMostDirections

@@ -11,6 +11,8 @@
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
+#include "polygon_solid_angle.h"
+
 namespace Tool {
 namespace {
 
@@ -33,77 +35,17 @@ class ProbeRowC {
   std::unique_ptr<bool[]> inside_;
 };
 
-// The solid angle per radian of Hz of what is inside at one Hz.
-double IntegrateMeridian(const SDI::PreparedAreaC& area, double hz, double vMin, double vMax,
-                         ProbeRowC& row) {
-  constexpr int kHalvings = 40;
-  const std::size_t count = row.v.size();
-  const double step = (vMax - vMin) / static_cast<double>(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    row.hz[i] = hz;
-    row.v[i] = vMin + (static_cast<double>(i) + 0.5) * step;
-  }
-  const std::span<const bool> inside = row.Ask(area);
-  double sum = 0;
-  double start = vMin;
-  for (std::size_t i = 1; i <= count; ++i) {
-    double border = vMax;
-    if (i < count) {
-      if (inside[i] == inside[i - 1]) continue;
-      double before = row.v[i - 1];
-      double behind = row.v[i];
-      for (int k = 0; k < kHalvings; ++k) {
-        const double middle = (before + behind) / 2;
-        (area.Contains(hz, middle) == inside[i - 1] ? before : behind) = middle;
-      }
-      border = (before + behind) / 2;
-    }
-    if (inside[i - 1]) sum += std::cos(start) - std::cos(border);
-    start = border;
-  }
-  return sum;
-}
-
-// Between the corners the integrand is smooth, so each stretch is measured for itself.
-double IntegrateArea(const SDI::PreparedAreaC& area, const AreaBounds& bounds,
-                     const std::vector<double>& cuts, int meridians) {
-  constexpr std::size_t kProbes = 512;
-  ProbeRowC row(kProbes);
-  double sum = 0;
-  for (std::size_t i = 1; i < cuts.size(); ++i) {
-    const double width = cuts[i] - cuts[i - 1];
-    const double count = std::ceil(meridians * width / (cuts.back() - cuts.front()));
-    for (double k = 0; k < count; ++k) {
-      const double hz = cuts[i - 1] + (k + 0.5) * width / count;
-      sum += IntegrateMeridian(area, hz, bounds.vMin, bounds.vMax, row) * width / count;
-    }
-  }
-  return sum;
-}
-
-// The Hz of the corners in the frame of the bounds, from one end to the other.
-std::vector<double> CornerHz(const AreaFile& file, const AreaBounds& bounds) {
-  std::vector<double> cuts = {bounds.hzMin, bounds.hzMax};
-  for (const GMAT::AnglePointC& corner : file.Sphere().GetPoints()) {
-    const double turns = std::ceil((bounds.hzMin - corner.Hz) / GMAT::TWO_PI);
-    const double hz = corner.Hz + turns * GMAT::TWO_PI;
-    if (hz < bounds.hzMax) cuts.push_back(hz);
-  }
-  std::sort(cuts.begin(), cuts.end());
-  cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
-  return cuts;
-}
-
-// What the boundary band can add at most: half of it lies outside, all along the edges.
-double BandArea(const AreaFile& file) {
+// Half of the boundary band lies outside, all along the edges but the one that closes the ring, and
+// all of it where it is not where the boundary is.
+double BandArea(const GMAT::SphereAreaC& sphere) {
   std::vector<GMAT::AnglePointC> edges;
   double hzOrigin = 0;
-  file.Sphere().BuildEdgeList(edges, hzOrigin);
+  sphere.BuildEdgeList(edges, hzOrigin);
   double length = 0;
-  for (std::size_t i = 0; i < edges.size(); i += 2) {
+  for (std::size_t i = 0; i + 2 < edges.size(); i += 2) {
     length += GMAT::PlanarDistance(edges[i], edges[i + 1]);
   }
-  return length * GMAT::CONTAINS_TOLERANCE / 2;
+  return length * GMAT::CONTAINS_TOLERANCE;
 }
 
 // The places of a grid from 0 to `length`; those of a full turn do not count its end again.
@@ -129,31 +71,19 @@ std::optional<AreaBounds> MeasureBounds(const AreaFile& file) {
 }
 
 SolidAngle MeasureSolidAngle(const AreaFile& file, const AreaBounds& bounds) {
-  constexpr std::string_view kFormula = "formula";
+  constexpr double kRounding = 1e-14;  // of the closed formulas
   if (file.area->GetType() == SDI::kDomeArea) {
-    return {GMAT::TWO_PI * (1 - std::cos(GMAT::V_LIMIT)), 0, kFormula};
+    return {GMAT::TWO_PI * (1 - std::cos(GMAT::V_LIMIT)), kRounding, 0};
   }
-  if (file.area->GetType() == SDI::kRectangularArea) {
+  const double band = BandArea(file.Sphere());
+  const std::vector<GMAT::AnglePointC>& corners = file.Sphere().GetPoints();
+  if (corners.size() == 2) {
     // The corners, for the bounds end at the lowest usable direction and the inside does not.
-    const std::vector<GMAT::AnglePointC>& corners = file.Sphere().GetPoints();
     const double height = std::fabs(std::cos(corners[0].V) - std::cos(corners[1].V));
-    return {(bounds.hzMax - bounds.hzMin) * height, 0, kFormula};
+    return {(bounds.hzMax - bounds.hzMin) * height, kRounding, band};
   }
-  constexpr int kMeridians = 1024;
-  const SDI::PreparedAreaC area(*file.area);
-  // Unclamped: but for one around the zenith, a polygon may reach below the lowest direction.
-  AreaBounds whole = bounds;
-  file.Sphere().GetExtents(whole.hzMin, whole.hzMax, whole.vMin, whole.vMax, whole.enclosesZenith,
-                           true);
-  if (whole.enclosesZenith) whole.vMin = 0;
-  // The first and the last probe of a meridian lie outside, or at the end of all V.
-  const double margin = (whole.vMax - whole.vMin) / 256;
-  whole.vMin = std::max(whole.vMin - margin, 0.0);
-  whole.vMax = std::min(whole.vMax + margin, GMAT::PI);
-  const std::vector<double> cuts = CornerHz(file, whole);
-  const double sparse = IntegrateArea(area, whole, cuts, kMeridians);
-  const double dense = IntegrateArea(area, whole, cuts, 2 * kMeridians);
-  return {dense, std::fabs(dense - sparse) + BandArea(file), "quadrature"};
+  const PolygonSolidAngle polygon = IntegratePolygon(file.Sphere());
+  return {polygon.steradians, polygon.rounding, band};
 }
 
 DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {

@@ -2,7 +2,6 @@
 #define SURVEYDATA_TOOLS_AREA_MEASURE_H_
 
 #include <optional>
-#include <string_view>
 
 #include "area_file.h"
 
@@ -22,17 +21,12 @@ std::optional<AreaBounds> MeasureBounds(const AreaFile& file);
 
 struct SolidAngle {
   double steradians;
-  double accuracy;          ///< 0 for a closed formula.
-  std::string_view method;  ///< "formula" or "quadrature".
+  double accuracy;  ///< A bound of the rounding.
+  double band;      ///< What the boundary band can add at most.
 };
 
-/// The solid angle of the directions that the library calls inside.
-///
-/// A rectangle and a dome have a closed formula. A polygon is cut into meridians, none at a corner;
-/// along each, the borders of the inside are found by bisection, and what lies between them is
-/// integrated exactly. The accuracy is an estimate: the change that twice the meridians make, and
-/// what the boundary band can add. An inside that is lower than a 512th of the height of the area
-/// can be missed.
+/// The solid angle of the directions that the library calls inside, but for the boundary band: by
+/// formula, for polygons from their arcs.
 SolidAngle MeasureSolidAngle(const AreaFile& file, const AreaBounds& bounds);
 
 struct DirectionCount {

@@ -48,6 +48,10 @@ constexpr SvgStroke kLowest{"#d55e00", 1.2, "9 3 2 3"};
 using Curve = std::function<AnglePointC(double)>;
 using Map = std::function<SvgPoint(const AnglePointC&)>;
 
+// More corners than this are too close for dots, and their edges too short to be halved for
+// nothing.
+constexpr std::size_t kMany = 1000;
+
 // An edge from t = 0 to t = 1, Hz in one continuous frame.
 struct EdgeCurve {
   Curve at;
@@ -96,25 +100,25 @@ Curve Arc(const AnglePointC& a, const AnglePointC& b) {
 
 // The curve as the page shows it, to a quarter of a pixel.
 void Sample(const Curve& curve, const Map& map, double t0, SvgPoint p0, double t1, SvgPoint p1,
-            int depth, std::vector<SvgPoint>& points) {
-  constexpr int kLeast = 3;
+            int depth, int least, std::vector<SvgPoint>& points) {
   constexpr int kMost = 14;
   constexpr double kFlat = 0.25;
   const double middle = (t0 + t1) / 2;
   const SvgPoint p = map(curve(middle));
   const double off = std::hypot(p.x - (p0.x + p1.x) / 2, p.y - (p0.y + p1.y) / 2);
-  if (depth == kMost || (depth >= kLeast && off < kFlat)) {
+  if (depth == kMost || (depth >= least && off < kFlat)) {
     points.push_back(p1);
     return;
   }
-  Sample(curve, map, t0, p0, middle, p, depth + 1, points);
-  Sample(curve, map, middle, p, t1, p1, depth + 1, points);
+  Sample(curve, map, t0, p0, middle, p, depth + 1, least, points);
+  Sample(curve, map, middle, p, t1, p1, depth + 1, least, points);
 }
 
-std::vector<SvgPoint> Sampled(const Curve& curve, const Map& map) {
+// `least` halvings are made in any case.
+std::vector<SvgPoint> Sampled(const Curve& curve, const Map& map, int least = 3) {
   const SvgPoint first = map(curve(0));
   std::vector<SvgPoint> points = {first};
-  Sample(curve, map, 0, first, 1, map(curve(1)), 0, points);
+  Sample(curve, map, 0, first, 1, map(curve(1)), 0, least, points);
   return points;
 }
 
@@ -156,6 +160,8 @@ std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
   return curves;
 }
 
+int LeastHalvings(const std::vector<EdgeCurve>& edges) { return edges.size() > kMany ? 0 : 3; }
+
 const SvgStroke& EdgeStroke(const EdgeCurve& edge) {
   if (!edge.isArc) return kNoArc;
   return edge.isFaulty ? kFaultyEdge : kEdge;
@@ -189,8 +195,8 @@ void DrawCorners(SvgC& svg, const AreaPicture& picture,
   for (std::size_t i = 0; i < n; ++i) {
     if (!IsDrawable(corners[i])) continue;
     const SvgPoint p = map(show(corners[i]));
-    if (!isShown(p)) continue;
     const bool isFaulty = faulty.contains(i + 1);
+    if (!isShown(p) || (n > kMany && !isFaulty)) continue;
     svg.Dot(p, isFaulty ? 4.2 : 2.6, isFaulty ? kFault : kEdge.colour);
     dots.push_back(p);
   }
@@ -284,7 +290,7 @@ class PlanePanelC {
     svg_.BeginClip({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight);
     svg_.Line(At({window_.hzMin, GMAT::V_LIMIT}), At({window_.hzMax, GMAT::V_LIMIT}), kLowest);
     for (const EdgeCurve& edge : edges) {
-      DrawTurned(edge.at, EdgeStroke(edge));
+      DrawTurned(edge.at, EdgeStroke(edge), LeastHalvings(edges));
     }
     if (bounds) DrawBounds(*bounds);
     svg_.EndClip();
@@ -350,7 +356,7 @@ class PlanePanelC {
   std::string Label(double tick) const { return fmt::format("{:.6g}", tick + 0.0); }
 
   // Once for each turn at which a part of it can be seen.
-  void DrawTurned(const Curve& curve, const SvgStroke& stroke) {
+  void DrawTurned(const Curve& curve, const SvgStroke& stroke, int least) {
     const double a = curve(0).Hz;
     const double b = curve(1).Hz;
     const double reach = GMAT::PI;  // what an arc may go beyond its ends, over a pole
@@ -358,9 +364,8 @@ class PlanePanelC {
         std::ceil((window_.hzMin - std::max(a, b) - reach) / GMAT::TWO_PI) * GMAT::TWO_PI;
     for (double turn = first; std::min(a, b) - reach + turn <= window_.hzMax;
          turn += GMAT::TWO_PI) {
-      const auto points = Sampled(curve, [&](const AnglePointC& p) {
-        return At({p.Hz + turn, p.V});
-      });
+      const auto shift = [&](const AnglePointC& p) { return At({p.Hz + turn, p.V}); };
+      const auto points = Sampled(curve, shift, least);
       const auto [left, right] =
           std::minmax_element(points.begin(), points.end(),
                               [](const SvgPoint& p, const SvgPoint& q) { return p.x < q.x; });
@@ -375,7 +380,7 @@ class PlanePanelC {
                                    {bounds.hzMax, bounds.vMax},
                                    {bounds.hzMin, bounds.vMax}};
     for (std::size_t i = 0; i < 4; ++i) {
-      DrawTurned(Straight(corners[i], corners[(i + 1) % 4]), kBounds);
+      DrawTurned(Straight(corners[i], corners[(i + 1) % 4]), kBounds, 3);
     }
   }
 
@@ -409,7 +414,9 @@ class PolarPanelC {
     DrawInside();
     DrawAxes();
     svg_.Circle(kPole, GMAT::V_LIMIT / GMAT::PI * kRadius, kLowest);
-    for (const EdgeCurve& edge : edges) svg_.Polyline(Sampled(edge.at, At), EdgeStroke(edge));
+    for (const EdgeCurve& edge : edges) {
+      svg_.Polyline(Sampled(edge.at, At, LeastHalvings(edges)), EdgeStroke(edge));
+    }
     if (bounds) DrawBounds(*bounds);
     svg_.Circle(kPole, kRadius, kFrame);
     DrawCorners(

@@ -85,7 +85,9 @@ TEST(AreaInfo, GivesJsonInTheUnitOfTheFile) {
   EXPECT_EQ(facade["bounds"]["hzMax"], 96.1646);
   EXPECT_EQ(facade["bounds"]["vMin"], 60.3342);
   EXPECT_EQ(facade["bounds"]["enclosesZenith"], false);
-  EXPECT_EQ(facade["solidAngle"]["method"], "quadrature");
+  EXPECT_NEAR(facade["solidAngle"]["steradians"].get<double>(), 0.577283, 2e-6);
+  EXPECT_LT(facade["solidAngle"]["accuracy"].get<double>(), 1e-12);
+  EXPECT_LT(facade["solidAngle"]["band"].get<double>(), 1e-4);
 
   const json doorway = json::parse(Area("info", AreaPath("doorway"), {"--json"}).out);
   EXPECT_EQ(doorway["bounds"]["hzMin"], 347.5);
