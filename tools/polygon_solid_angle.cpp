@@ -85,7 +85,7 @@ class IntegratorC {
       IntegrateStretch(hz, borders_[i + 1]);
     }
     for (const Crossed& item : crossed_) Flush(item, borders_.back());
-    return {sum_, kRounding * static_cast<double>(pieces_ + 1)};
+    return {std::max(sum_, 0.0), kRounding * static_cast<double>(pieces_ + 1)};
   }
 
  private:
@@ -103,9 +103,13 @@ class IntegratorC {
       hasNorthPole_ = hasNorthPole_ || (edge.GetPole() > 0 && reachesZenith);
       hasSouthPole_ = hasSouthPole_ || (edge.GetPole() < 0 && reachesNadir);
       const GMAT::cVec3& normal = edge.GetNormal();
-      if (edge.IsThroughPoles() || normal.Z() == 0.0) continue;
-      const double low = GMAT::NormalizeAngle(edge.GetHzMin());
-      const double high = low + (edge.GetHzMax() - edge.GetHzMin());
+      const bool isCurve = !edge.IsThroughPoles() && std::fabs(normal.Z()) > 0.0;  // and no NaN
+      if (!isCurve) continue;
+      // Of points out of range an edge may be longer than a turn: every meridian crosses it once.
+      const double span = std::min(edge.GetHzMax() - edge.GetHzMin(), TWO_PI);
+      const double middle = edge.GetHzMin() + (edge.GetHzMax() - edge.GetHzMin()) / 2.0;
+      const double low = GMAT::NormalizeAngle(span < TWO_PI ? edge.GetHzMin() : middle - GMAT::PI);
+      const double high = low + span;
       AddArc({-normal.X() / normal.Z(), -normal.Y() / normal.Z(), low, std::min(high, TWO_PI)});
       if (high > TWO_PI) AddArc({arcs_.back().a, arcs_.back().b, 0.0, high - TWO_PI});
     }
