@@ -29,6 +29,12 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
 endif()
 
+# A build with sanitizers is made in half the time without optimisation; the preset `asan` has none.
+# This option gives it back to what works through millions of cases.
+if(SURVEYDATA_SANITIZE)
+  set(SURVEYDATA_OPTIMISED $<$<CONFIG:Debug>:-O1>)
+endif()
+
 # The warnings that every source of the project is free of.
 add_library(surveydata_warnings INTERFACE)
 target_compile_options(surveydata_warnings INTERFACE

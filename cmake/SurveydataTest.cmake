@@ -1,9 +1,9 @@
-# surveydata_test(<name> [INTERNAL] [PROPERTY] [LABEL ...] [LIBRARIES ...]): one test program from
-# <name>.cpp.
+# surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]): one test
+# program from <name>.cpp.
 #
 # INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds RapidCheck,
 # with fixed parameters: another seed is a cache variable away. LABEL is the ctest label, by default
-# unit or property.
+# unit or property. EXHAUSTIVE optimises the test in every build.
 include(GoogleTest)
 if(CMAKE_CROSSCOMPILING)
   # Debian ships the sources of GoogleTest, but RapidCheck and ICU for its own systems alone: a build
@@ -20,7 +20,7 @@ set(SURVEYDATA_PROPERTY_PARAMS "seed=20260101 max_success=1000"
     CACHE STRING "RapidCheck parameters of the property tests")
 
 function(surveydata_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY" "LABEL" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY;EXHAUSTIVE" "LABEL" "LIBRARIES")
   if(arg_INTERNAL)
     set(library surveydata::surveydata_static)
   else()
@@ -38,6 +38,9 @@ function(surveydata_test name)
     set(label ${arg_LABEL})
   endif()
   add_executable(${name} ${name}.cpp)
+  if(arg_EXHAUSTIVE)
+    target_compile_options(${name} PRIVATE ${SURVEYDATA_OPTIMISED})
+  endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE
     SURVEYDATA_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data/")
