@@ -114,8 +114,9 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
     row.hz[i] = bounds.hzMin + static_cast<double>(i) * hzStep;
   }
   double count = 0;
-  for (double k = 0; k < shownRows; ++k) {
-    std::fill(row.v.begin(), row.v.end(), vMin + k * vStep);
+  const auto rowCount = static_cast<std::size_t>(shownRows);
+  for (std::size_t i = 0; i < rowCount; ++i) {
+    std::fill(row.v.begin(), row.v.end(), vMin + static_cast<double>(i) * vStep);
     const std::span<const bool> inside = row.Ask(area);
     count += static_cast<double>(std::count(inside.begin(), inside.end(), true));
   }

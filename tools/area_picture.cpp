@@ -251,9 +251,8 @@ std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wa
   }
   std::vector<double> ticks;
   const double slack = step * 1e-6;
-  for (double k = std::ceil((first - slack) / step); k * step <= last + slack; ++k) {
-    ticks.push_back(k * step);
-  }
+  const double before = std::ceil((first - slack) / step);
+  for (int i = 0; (before + i) * step <= last + slack; ++i) ticks.push_back((before + i) * step);
   return ticks;
 }
 
@@ -360,10 +359,10 @@ class PlanePanelC {
     const double a = curve(0).Hz;
     const double b = curve(1).Hz;
     const double reach = GMAT::PI;  // what an arc may go beyond its ends, over a pole
-    const double first =
-        std::ceil((window_.hzMin - std::max(a, b) - reach) / GMAT::TWO_PI) * GMAT::TWO_PI;
-    for (double turn = first; std::min(a, b) - reach + turn <= window_.hzMax;
-         turn += GMAT::TWO_PI) {
+    const double first = std::ceil((window_.hzMin - std::max(a, b) - reach) / GMAT::TWO_PI);
+    for (int i = 0;; ++i) {
+      const double turn = (first + i) * GMAT::TWO_PI;
+      if (!(std::min(a, b) - reach + turn <= window_.hzMax)) break;
       const auto shift = [&](const AnglePointC& p) { return At({p.Hz + turn, p.V}); };
       const auto points = Sampled(curve, shift, least);
       const auto [left, right] =
@@ -461,7 +460,8 @@ class PolarPanelC {
     const double half = HalfTurn(unit);
     const bool isRad = unit == AngleUnit::kRad;
     const double spoke = unit == AngleUnit::kGon ? 50 : isRad ? 1 : 30;
-    for (double hz = 0; hz < 2 * half - 1e-9; hz += spoke) {
+    for (int i = 0; i * spoke < 2 * half - 1e-9; ++i) {
+      const double hz = i * spoke;
       const double radians = ToRadians(hz, unit);
       svg_.Line(kPole, At({radians, GMAT::PI}), kGrid);
       const double r = kRadius + 14;
@@ -469,8 +469,8 @@ class PolarPanelC {
                 fmt::format("{:.4g}", hz), {.size = 12, .anchor = "middle"});
     }
     const double ring = unit == AngleUnit::kGon ? 50 : isRad ? 0.5 : 30;
-    for (double v = ring; v < half - 1e-9; v += ring) {
-      svg_.Circle(kPole, ToRadians(v, unit) / GMAT::PI * kRadius, kGrid);
+    for (int i = 1; i * ring < half - 1e-9; ++i) {
+      svg_.Circle(kPole, ToRadians(i * ring, unit) / GMAT::PI * kRadius, kGrid);
     }
     svg_.Text({kPole.x, kPlaneTop - 26}, "seen from the zenith",
               {.anchor = "middle", .isBold = true});

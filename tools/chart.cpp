@@ -152,6 +152,7 @@ std::vector<double> TimeTicks(double first, double last, int wanted) {
   const double start = std::ceil(first / step);
   const auto count = static_cast<int>(std::floor(last / step) - start) + 1;
   std::vector<double> ticks;
+  ticks.reserve(static_cast<std::size_t>(std::max(count, 0)));
   for (int i = 0; i < count; ++i) ticks.push_back((start + i) * step);
   return ticks;
 }
