@@ -328,9 +328,11 @@ void PreparedSphereAreaC::FindTouchesOfCells(const std::vector<Border>& borders)
     const bool isApart =
         gapWest * gapEast > 0.0 && std::min(std::fabs(gapWest), std::fabs(gapEast)) > closest;
     if (isApart) return;
-    const auto [first, second] = std::minmax(a.curve->edge, b.curve->edge);
-    if (second - first < 2 || (first == 0 && 2 * (second + 1) == edges_.size()))
-      return;  // neighbours
+    const std::size_t first = std::min(a.curve->edge, b.curve->edge);
+    const std::size_t second = std::max(a.curve->edge, b.curve->edge);
+    const bool areNeighbours =
+        second - first < 2 || (first == 0 && 2 * (second + 1) == edges_.size());
+    if (areNeighbours) return;
     double low = std::max({columnWest, a.curve->low, b.curve->low}) - kMargin;
     double high = std::min({columnEast, a.curve->high, b.curve->high}) + kMargin;
     if (low > high) return;
@@ -459,7 +461,8 @@ inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
   for (const CellGridC::Item& item : stripGrid_.Find(x, v).items) {
     const Strip& strip = strips_[item.curve];
     if (!(std::fabs(v - (strip.v0 + strip.slope * x)) <= strip.halfHeight)) continue;
-    if (IsInBand({x, v}, edges_[2 * item.curve], edges_[2 * item.curve + 1])) return true;
+    const std::size_t edge = item.curve;
+    if (IsInBand({x, v}, edges_[2 * edge], edges_[2 * edge + 1])) return true;
   }
   return false;
 }
