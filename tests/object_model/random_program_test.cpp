@@ -21,7 +21,6 @@ namespace {
 constexpr std::uint64_t kSeed = 20260101;
 constexpr int kPrograms = 200;  // for each pair
 constexpr int kSteps = 60;
-constexpr int kStepsWithoutData = 15;
 constexpr std::size_t kMostObjects = 8;  // on each side
 
 template <class P>
