@@ -25,7 +25,11 @@ class TempFolderC {
   ~TempFolderC();
 
   const std::filesystem::path& Path() const { return path_; }
-  std::string operator/(std::string_view name) const { return (path_ / name).string(); }
+  /// Takes and gives UTF-8, which a path made of plain characters is on some systems only.
+  std::string operator/(std::string_view name) const {
+    const auto path = (path_ / std::u8string(name.begin(), name.end())).u8string();
+    return {path.begin(), path.end()};
+  }
   /// The names in it, sorted.
   std::vector<std::string> Names() const;
 
