@@ -1,0 +1,263 @@
+#!/usr/bin/env python3
+"""Mutation check: would the tests notice a small mistake in the library?
+
+Copies the project to build/mutation, plants one small mutation at a time into the library, builds the
+tests that matter for its file and runs them until one fails. What no test notices is reported, unless
+tests/mutation/explained.json says why it changes no answer.
+
+  tests/mutation/mutate.py                    200 mutations, spread over the files by their size
+  tests/mutation/mutate.py --only utf8        those in files whose name matches
+  tests/mutation/mutate.py --list             only show the mutations
+
+Ends with 1 when a mutation survived that is not explained. Results: build/mutation/results.jsonl.
+"""
+
+import argparse
+import json
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import time
+from collections import Counter
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parents[2]
+WORK = PROJECT / "build" / "mutation"
+SOURCE = WORK / "source"
+BUILD = WORK / "build"
+EXPLAINED = Path(__file__).with_name("explained.json")
+
+# A token of the code, what takes its place, and the kind of mistake.
+SWAPS = [
+    (r" < ", " <= ", "relation"),
+    (r" <= ", " < ", "relation"),
+    (r" > ", " >= ", "relation"),
+    (r" >= ", " > ", "relation"),
+    (r" == ", " != ", "relation"),
+    (r" != ", " == ", "relation"),
+    (r" && ", " || ", "logic"),
+    (r" \|\| ", " && ", "logic"),
+    (r"(?<=[(\s])!(?=[\w(])", "", "negation"),
+    (r"\btrue\b", "false", "constant"),
+    (r"\bfalse\b", "true", "constant"),
+    (r" \+ ", " - ", "arithmetic"),
+    (r" - ", " + ", "arithmetic"),
+    (r" \* (?=[\w(])", " + ", "arithmetic"),
+    (r" / ", " * ", "arithmetic"),
+    (r" \+= ", " -= ", "arithmetic"),
+    (r" -= ", " += ", "arithmetic"),
+    (r" \| ", " & ", "bits"),
+    (r" & (?=[\w(])", " | ", "bits"),
+    (r" << ", " >> ", "bits"),
+    (r" >> ", " << ", "bits"),
+    (r"\bstd::min\b", "std::max", "extreme"),
+    (r"\bstd::max\b", "std::min", "extreme"),
+]
+INTEGER = re.compile(r"(?<![\w.'])(0x[0-9A-Fa-f]+|\d+)(?![\w.'])")
+DECIMAL = re.compile(r"(?<![\w.])\d+\.\d+(?:e-?\d+)?(?![\w.])")
+STATEMENT = re.compile(r"^\s+(?!return\b|using\b|static_assert\b|break;|continue;|const\b|delete\b)"
+                       r"[\w:.\->\[\]*]+(\(.*\)| [-+|&]?= .*)?;$")
+PASSED_OVER = re.compile(r"^\s*(#|//|static_assert|using |namespace |template |template<|class |struct |"
+                         r"friend |public:|private:|protected:|extern )")
+# Declarations with `&` or `*` between words are no operations.
+TYPE_AMPERSAND = re.compile(r"(const )?[\w:<>]+ & \w+[,)]")
+
+MOST_OF_A_FILE = 20
+
+# Which tests matter for a file: the rule with the longest matching beginning.
+TESTS = {
+    "surveydata/object_model/": ["base_test", "handle_test", "compare_test", "pair_rules_test",
+                                 "record_rules_test", "layout_test"],
+    "surveydata/object_model/compare": ["compare_test"],
+    "surveydata/object_model/fixed_string": ["fixed_string_test", "fixed_string_utf8_test"],
+    "surveydata/object_model/utf8": ["fixed_string_test", "record_frame_test",
+                                     "fixed_string_utf8_test"],
+    "surveydata/object_model/version": ["version_test"],
+    "surveydata/geodetic/": ["coordinate_point_test", "coordinate_quality_test",
+                             "coordinate_reference_system_test", "instrument_info_data_test",
+                             "position_test", "q_matrix_test", "rectangle_test",
+                             "undulation_memento_test", "record_rules_test", "pair_rules_test",
+                             "layout_test"],
+    "surveydata/gnss/": ["gps_ant_height_test", "gps_dops_test", "gps_meas_data_test",
+                         "gps_ref_station_data_test",
+                         "gps_record_file_test", "record_samples_test", "gps_record_index_test",
+                         "record_faults_test", "pair_rules_test", "record_frame_test"],
+    "surveydata/gnss/gps_record_index": ["gps_record_index_test", "record_samples_test",
+                                         "record_faults_test"],
+    "surveydata/gnss/record_frame": ["record_samples_test", "gps_record_file_test",
+                                     "record_frame_test"],
+    "surveydata/imaging/": ["img_camera_info_test", "img_chip_window_info_test",
+                            "img_orientation_test", "record_rules_test", "pair_rules_test"],
+    "surveydata/scanning/": ["scan_def_point_test", "scan_area_test", "scan_test",
+                             "prepared_area_test", "pair_rules_test", "layout_test"],
+    "surveydata/sphere_geometry/": ["angles_test", "vectors_test", "sphere_point_test",
+                                    "great_circle_arc_test", "sphere_area_test", "scan_area_test",
+                                    "prepared_area_test", "sphere_area_property_test"],
+    "surveydata/total_station/": ["tps_setup_data_test", "tps_meas_data_test",
+                                  "tps_correction_data_test", "tps_calibration_data_test",
+                                  "record_rules_test", "pair_rules_test"],
+}
+
+
+def tests_for(file):
+    return TESTS[max((rule for rule in TESTS if file.startswith(rule)), key=len)]
+
+
+def mutations_of_line(line):
+    """Yields (kind, mutated line)."""
+    code = line.split("//")[0].rstrip()
+    if not code.strip() or PASSED_OVER.match(code) or '"' in code:
+        return
+    for pattern, replacement, kind in SWAPS:
+        if "&" in pattern and TYPE_AMPERSAND.search(code):
+            continue
+        for match in re.finditer(pattern, code):
+            yield kind, code[:match.start()] + replacement + code[match.end():]
+    for match in INTEGER.finditer(code):
+        number = int(match.group(), 0)
+        yield "constant", code[:match.start()] + str(number + 1) + code[match.end():]
+    for match in DECIMAL.finditer(code):
+        yield "constant", code[:match.start()] + f"({match.group()} + 0.25)" + code[match.end():]
+    if STATEMENT.match(code):
+        yield "dropped statement", ""
+
+
+def candidates(only):
+    files = sorted(PROJECT.glob("surveydata/**/*.cpp"))
+    files += [PROJECT / "surveydata/object_model/handle.h", PROJECT / "surveydata/gnss/record_frame.h"]
+    files += sorted(PROJECT.glob("surveydata/sphere_geometry/*.h"))
+    found = []
+    for path in files:
+        name = str(path.relative_to(PROJECT))
+        if only and not re.search(only, name):
+            continue
+        for number, line in enumerate(path.read_text().splitlines(), 1):
+            for kind, mutated in mutations_of_line(line):
+                found.append({"file": name, "line": number, "kind": kind,
+                              "before": line.strip(), "after": mutated.strip()})
+    return found
+
+
+def choose(found, count, seed):
+    """At most one mutation of a line; every file has its share, at least one and not too many."""
+    rng = random.Random(seed)
+    rng.shuffle(found)
+    seen, by_file = set(), {}
+    for mutation in found:
+        place = (mutation["file"], mutation["line"])
+        if place not in seen:
+            seen.add(place)
+            by_file.setdefault(mutation["file"], []).append(mutation)
+    total = sum(len(of_file) for of_file in by_file.values())
+    chosen = []
+    for name in sorted(by_file):
+        share = min(max(1, round(count * len(by_file[name]) / total)), MOST_OF_A_FILE)
+        chosen += by_file[name][:share]
+    return chosen
+
+
+def run(command, timeout, **options):
+    try:
+        return subprocess.run(command, timeout=timeout, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, check=False, **options)
+    except subprocess.TimeoutExpired:
+        return None
+
+
+def prepare(all_tests, jobs):
+    files = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=PROJECT, check=True,
+                           capture_output=True, text=True).stdout.split("\n")
+    for name in filter(None, files):
+        source, target = PROJECT / name, SOURCE / name
+        if not source.is_file():
+            continue
+        target.parent.mkdir(parents=True, exist_ok=True)
+        if not target.exists() or target.read_bytes() != source.read_bytes():
+            shutil.copy(source, target)
+    configure = ["cmake", "-G", "Ninja", "-S", SOURCE, "-B", BUILD, "-D", "CMAKE_BUILD_TYPE=Debug",
+                 "-D", "CMAKE_CXX_FLAGS_DEBUG=-O1 -D_GLIBCXX_ASSERTIONS",
+                 "-D", "SURVEYDATA_BUILD_TOOLS=OFF", "-D", "SURVEYDATA_BUILD_BENCHMARKS=OFF",
+                 "-D", "SURVEYDATA_BUILD_EXAMPLES=OFF"]
+    for command in (configure, ["cmake", "--build", BUILD, "-j", str(jobs), "--target", *all_tests]):
+        done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, check=False)
+        if done.returncode != 0:
+            sys.exit(done.stdout[-4000:])
+    programs = {}
+    for name in all_tests:
+        programs[name] = next(path for path in BUILD.glob(f"tests/**/{name}") if path.is_file())
+    return programs
+
+
+def try_mutation(mutation, programs, jobs):
+    """Plants the mutation, and takes it out again. Returns the verdict and who noticed."""
+    path = SOURCE / mutation["file"]
+    lines = path.read_text().split("\n")
+    original = "\n".join(lines)
+    before = lines[mutation["line"] - 1]
+    indent = before[:len(before) - len(before.lstrip())]
+    lines[mutation["line"] - 1] = indent + mutation["after"]
+    path.write_text("\n".join(lines))
+    try:
+        tests = tests_for(mutation["file"])
+        built = run(["cmake", "--build", str(BUILD), "-j", str(jobs), "--target", *tests], 900)
+        if built is None or built.returncode != 0:
+            return "does not compile", None
+        for name in tests:
+            environment = dict(os.environ, RC_PARAMS="seed=20260101 max_success=1000")
+            done = run([str(programs[name]), "--gtest_fail_fast"], 300, cwd=SOURCE / "tests",
+                       env=environment)
+            if done is None:
+                return "killed", f"{name} (never ends)"
+            if done.returncode != 0:
+                return "killed", name
+        return "survived", None
+    finally:
+        path.write_text(original)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--count", type=int, default=200)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--only", help="a regular expression that the file name matches")
+    parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("--list", action="store_true")
+    arguments = parser.parse_args()
+
+    chosen = choose(candidates(arguments.only), arguments.count, arguments.seed)
+    if arguments.list:
+        for mutation in chosen:
+            print(f"{mutation['file']}:{mutation['line']}: {mutation['before']}  =>  "
+                  f"{mutation['after'] or '(dropped)'}")
+        print(f"{len(chosen)} mutations")
+        return 0
+
+    explained = {(entry["file"], entry["before"], entry["after"]): entry["why"]
+                 for entry in json.loads(EXPLAINED.read_text())}
+    programs = prepare(sorted({name for mutation in chosen for name in tests_for(mutation["file"])}),
+                       arguments.jobs)
+    verdicts = Counter()
+    with open(WORK / "results.jsonl", "w", encoding="utf-8") as results:
+        for position, mutation in enumerate(chosen, 1):
+            begin = time.monotonic()
+            verdict, by = try_mutation(mutation, programs, arguments.jobs)
+            if verdict == "survived":
+                why = explained.get((mutation["file"], mutation["before"], mutation["after"]))
+                if why:
+                    verdict, by = "explained", why
+            verdicts[verdict] += 1
+            results.write(json.dumps(dict(mutation, verdict=verdict, by=by)) + "\n")
+            results.flush()
+            print(f"{position}/{len(chosen)} {verdict:<16} {mutation['file']}:{mutation['line']} "
+                  f"{mutation['before']}  =>  {mutation['after'] or '(dropped)'}"
+                  f"  [{by or '-'}, {time.monotonic() - begin:.0f} s]", flush=True)
+    print(", ".join(f"{count} {verdict}" for verdict, count in sorted(verdicts.items())))
+    return 1 if verdicts["survived"] else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
