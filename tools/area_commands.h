@@ -24,7 +24,8 @@ void AddAreaPlot(CLI::App& area, ExitCode& result);
 /// Adds the positional argument AREA.
 void AddAreaArgument(CLI::App& command, std::string& file);
 
-/// Says on standard error why the area is not valid, up to eight reasons; `kFinding` when it is not.
+/// Says on standard error why the area is not valid, up to eight reasons; `kFinding` when it is
+/// not.
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults);
 
 }  // namespace Tool

@@ -18,8 +18,8 @@ struct Direction {
 };
 
 /// Hz and V, then anything, with commas, semicolons, tabs or spaces between; nothing for any other
-/// text, and where a comma between Hz and V may be a decimal one: before a third number that another
-/// separator sets off.
+/// text, and where a comma between Hz and V may be a decimal one: before a third number that
+/// another separator sets off.
 std::optional<Direction> ParseDirection(std::string_view text);
 
 /// A direction of the command line. \throw ToolErrorC  when it is none.
