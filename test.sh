@@ -18,7 +18,6 @@ case "${1:-}" in
     ;;
   --fuzz)
     [[ "${2:-}" =~ ^[1-9][0-9]*$ ]] || { echo "usage: ./test.sh --fuzz SECONDS" >&2; exit 2; }
-    packages=("${fuzz_packages[@]}")
     ;;
   *) echo "usage: ./test.sh [--quick | --windows | --fuzz SECONDS]" >&2; exit 2 ;;
 esac

@@ -39,14 +39,13 @@ install_dependencies() {
   rm -f "$log"
 }
 
-# What the library and the program need, and what the tests need besides.
+# What the library and the program need, and what the tests need besides. clang builds what runs under
+# sanitizers, and the fuzz targets.
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
-test_packages=(abigail-tools doxygen dpkg-dev file fish libabsl-dev libbenchmark-dev libgtest-dev
-               libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian mandoc pkgconf zsh)
+test_packages=(abigail-tools clang doxygen dpkg-dev file fish libabsl-dev libbenchmark-dev
+               libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
+               mandoc pkgconf zsh)
 
 # What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
-
-# What the fuzz targets need besides.
-fuzz_packages=(clang libclang-rt-14-dev)

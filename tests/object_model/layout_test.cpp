@@ -418,6 +418,9 @@ TYPED_TEST_SUITE(PairLayout, Pairs::AllPairs);
 #if defined(__GXX_ABI_VERSION)  // the Itanium rules: two destructors, then the virtual functions
 using Slot = void (*)();
 
+// The destructor in slot 0 may be that of the base where a class destroys nothing of its own.
+constexpr std::size_t kDeletingDestructor = 1;
+
 Slot SlotOf(const void* object, std::size_t index) {
   const Slot* table = nullptr;
   std::memcpy(&table, object, sizeof(table));
@@ -433,8 +436,7 @@ TYPED_TEST(PairLayout, APublicObjectIsALinkWithTwoVirtualOperations) {
   const API::ImplObjectC* linked = nullptr;
   std::memcpy(&linked, reinterpret_cast<const std::byte*>(&object) + sizeof(void*), sizeof(void*));
   EXPECT_EQ(linked, object.GetImpl());
-  EXPECT_NE(SlotOf(&object, 0), SlotOf(&base, 0));
-  EXPECT_NE(SlotOf(&object, 1), SlotOf(&base, 1));
+  EXPECT_NE(SlotOf(&object, kDeletingDestructor), SlotOf(&base, kDeletingDestructor));
   EXPECT_EQ(SlotOf(&object, 2), SlotOf(&base, 2));  // `SetImpl`, unchanged
 }
 
@@ -442,8 +444,7 @@ template <class Impl>
 void ExpectSlotsOfAnImplementation() {
   Impl impl;
   const API::ImplObjectC base;
-  EXPECT_NE(SlotOf(&impl, 0), SlotOf(&base, 0));
-  EXPECT_NE(SlotOf(&impl, 1), SlotOf(&base, 1));
+  EXPECT_NE(SlotOf(&impl, kDeletingDestructor), SlotOf(&base, kDeletingDestructor));
   const auto getBase = reinterpret_cast<API::BaseC* (*)(API::ImplObjectC*)>(SlotOf(&impl, 2));
   API::BaseC* const made = getBase(&impl);
   ASSERT_NE(made, nullptr);
