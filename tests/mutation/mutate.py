@@ -209,7 +209,7 @@ def try_mutation(mutation, programs, jobs):
             return "does not compile", None
         for name in tests:
             environment = dict(os.environ, RC_PARAMS="seed=20260101 max_success=1000")
-            done = run([str(programs[name]), "--gtest_fail_fast"], 300, cwd=SOURCE / "tests",
+            done = run([str(programs[name]), "--gtest_fail_fast"], 100, cwd=SOURCE / "tests",
                        env=environment)
             if done is None:
                 return "killed", f"{name} (never ends)"
