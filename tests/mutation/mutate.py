@@ -8,6 +8,7 @@ tests/mutation/explained.json says why it changes no answer.
   tests/mutation/mutate.py                    200 mutations, spread over the files by their size
   tests/mutation/mutate.py --only utf8        those in files whose name matches
   tests/mutation/mutate.py --list             only show the mutations
+  tests/mutation/mutate.py --again            those that survived the last time
 
 Ends with 1 when a mutation survived that is not explained. Results: build/mutation/results.jsonl.
 """
@@ -28,6 +29,7 @@ PROJECT = Path(__file__).resolve().parents[2]
 WORK = PROJECT / "build" / "mutation"
 SOURCE = WORK / "source"
 BUILD = WORK / "build"
+RESULTS = WORK / "results.jsonl"
 EXPLAINED = Path(__file__).with_name("explained.json")
 
 # A token of the code, what takes its place, and the kind of mistake.
@@ -66,8 +68,10 @@ PASSED_OVER = re.compile(r"^\s*(#|//|static_assert|using |namespace |template |t
 TYPE_AMPERSAND = re.compile(r"(const )?[\w:<>]+ & \w+[,)]")
 
 MOST_OF_A_FILE = 20
+LONGEST_RUN = 100  # seconds; what takes longer never ends
 
-# Which tests matter for a file: the rule with the longest matching beginning.
+# Which tests matter for a file: the rule with the longest matching beginning. A program that is no
+# GoogleTest stands with its arguments.
 TESTS = {
     "surveydata/object_model/": ["base_test", "handle_test", "compare_test", "pair_rules_test",
                                  "record_rules_test", "layout_test"],
@@ -96,7 +100,9 @@ TESTS = {
                              "prepared_area_test", "pair_rules_test", "layout_test"],
     "surveydata/sphere_geometry/": ["angles_test", "vectors_test", "sphere_point_test",
                                     "great_circle_arc_test", "sphere_area_test", "scan_area_test",
-                                    "prepared_area_test", "sphere_area_property_test"],
+                                    "geometry_cases_test", "prepared_area_test",
+                                    "sphere_area_property_test",
+                                    "prepared_area_long_run 1000000"],
     "surveydata/total_station/": ["tps_setup_data_test", "tps_meas_data_test",
                                   "tps_correction_data_test", "tps_calibration_data_test",
                                   "record_rules_test", "pair_rules_test"],
@@ -179,7 +185,7 @@ def prepare(all_tests, jobs):
         if not target.exists() or target.read_bytes() != source.read_bytes():
             shutil.copy(source, target)
     configure = ["cmake", "-G", "Ninja", "-S", SOURCE, "-B", BUILD, "-D", "CMAKE_BUILD_TYPE=Debug",
-                 "-D", "CMAKE_CXX_FLAGS_DEBUG=-O1 -D_GLIBCXX_ASSERTIONS",
+                 "-D", "CMAKE_CXX_FLAGS_DEBUG=-O1 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong",
                  "-D", "SURVEYDATA_BUILD_TOOLS=OFF", "-D", "SURVEYDATA_BUILD_BENCHMARKS=OFF",
                  "-D", "SURVEYDATA_BUILD_EXAMPLES=OFF"]
     for command in (configure, ["cmake", "--build", BUILD, "-j", str(jobs), "--target", *all_tests]):
@@ -193,6 +199,10 @@ def prepare(all_tests, jobs):
     return programs
 
 
+def names_of(tests):
+    return [test.split()[0] for test in tests]
+
+
 def try_mutation(mutation, programs, jobs):
     """Plants the mutation, and takes it out again. Returns the verdict and who noticed."""
     path = SOURCE / mutation["file"]
@@ -204,13 +214,15 @@ def try_mutation(mutation, programs, jobs):
     path.write_text("\n".join(lines))
     try:
         tests = tests_for(mutation["file"])
-        built = run(["cmake", "--build", str(BUILD), "-j", str(jobs), "--target", *tests], 900)
+        built = run(["cmake", "--build", str(BUILD), "-j", str(jobs), "--target", *names_of(tests)],
+                    900)
         if built is None or built.returncode != 0:
             return "does not compile", None
-        for name in tests:
+        for test in tests:
+            name, *options = test.split()
             environment = dict(os.environ, RC_PARAMS="seed=20260101 max_success=1000")
-            done = run([str(programs[name]), "--gtest_fail_fast"], 100, cwd=SOURCE / "tests",
-                       env=environment)
+            done = run([str(programs[name]), *(options or ["--gtest_fail_fast"])], LONGEST_RUN,
+                       cwd=SOURCE / "tests", env=environment)
             if done is None:
                 return "killed", f"{name} (never ends)"
             if done.returncode != 0:
@@ -227,9 +239,16 @@ def main():
     parser.add_argument("--only", help="a regular expression that the file name matches")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--list", action="store_true")
+    parser.add_argument("--again", action="store_true", help="those that survived the last time")
     arguments = parser.parse_args()
 
     chosen = choose(candidates(arguments.only), arguments.count, arguments.seed)
+    if arguments.again:
+        with open(RESULTS, encoding="utf-8") as results:
+            survived = {json.dumps([mutation["file"], mutation["before"], mutation["after"]])
+                        for mutation in map(json.loads, results) if mutation["verdict"] == "survived"}
+        chosen = [mutation for mutation in candidates(arguments.only) if json.dumps(
+            [mutation["file"], mutation["before"], mutation["after"]]) in survived]
     if arguments.list:
         for mutation in chosen:
             print(f"{mutation['file']}:{mutation['line']}: {mutation['before']}  =>  "
@@ -239,10 +258,10 @@ def main():
 
     explained = {(entry["file"], entry["before"], entry["after"]): entry["why"]
                  for entry in json.loads(EXPLAINED.read_text())}
-    programs = prepare(sorted({name for mutation in chosen for name in tests_for(mutation["file"])}),
-                       arguments.jobs)
+    programs = prepare(sorted({name for mutation in chosen
+                               for name in names_of(tests_for(mutation["file"]))}), arguments.jobs)
     verdicts = Counter()
-    with open(WORK / "results.jsonl", "w", encoding="utf-8") as results:
+    with open(RESULTS, "w", encoding="utf-8") as results:
         for position, mutation in enumerate(chosen, 1):
             begin = time.monotonic()
             verdict, by = try_mutation(mutation, programs, arguments.jobs)

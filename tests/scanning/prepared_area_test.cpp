@@ -19,12 +19,12 @@ namespace {
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kPi = 3.141592653589793;
 
-// Directions of every kind, and those that are none.
-void MakeProbes(std::vector<double>& hz, std::vector<double>& v) {
+// `count` directions of every kind, and those that are none.
+void MakeProbes(int count, std::vector<double>& hz, std::vector<double>& v) {
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> anyHz(-7.0, 14.0);
   std::uniform_real_distribution<double> anyV(-0.5, 4.0);
-  for (int i = 0; i < 5000; ++i) {
+  for (int i = 0; i < count; ++i) {
     hz.push_back(anyHz(random));
     v.push_back(anyV(random));
   }
@@ -40,10 +40,10 @@ void MakeProbes(std::vector<double>& hz, std::vector<double>& v) {
 }
 
 // The number of directions inside, after both forms were compared with the area.
-std::size_t CountInside(const ScanAreaC& area) {
+std::size_t CountInside(const ScanAreaC& area, int probes = 5000) {
   std::vector<double> hz;
   std::vector<double> v;
-  MakeProbes(hz, v);
+  MakeProbes(probes, hz, v);
   const PreparedAreaC prepared(area);
   const auto inside = std::make_unique<bool[]>(hz.size());
   prepared.Contains(hz, v, {inside.get(), hz.size()});
@@ -119,13 +119,41 @@ TEST(PreparedArea, ABatchEndsWithTheShortestOfItsThree) {
   }
 }
 
+TEST(PreparedArea, ACopyAnswersAsItsSource) {
+  ScanRectangularAreaC rectangle;
+  rectangle.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.5, -1.0});
+  const PreparedAreaC prepared(rectangle);
+  PreparedAreaC copy(prepared);
+  EXPECT_TRUE(copy.Contains(1.2, 1.2));
+  EXPECT_FALSE(copy.Contains(3.0, 1.2));
+  copy = PreparedAreaC(ScanDomeAreaC());
+  EXPECT_TRUE(copy.Contains(3.0, 1.2));
+  EXPECT_FALSE(prepared.Contains(3.0, 1.2));
+  copy = prepared;
+  EXPECT_TRUE(copy.Contains(1.2, 1.2));
+  EXPECT_FALSE(copy.Contains(3.0, 1.2));
+}
+
+// More edges side by side than are compared with each other.
+TEST(PreparedArea, AThousandEdgesNextToEachOther) {
+  ScanPolygonAreaC area;
+  for (int i = 0; i <= 1200; ++i) {
+    const bool isEast = i % 2 != 0;
+    area.AddPoint({isEast ? 3.0 : 1.0, (isEast ? 2.4 : 1.0) + 1e-7 * i, -1.0});
+  }
+  for (const auto& [hz, v] : {std::pair(1.0, 2.9), {3.2, 2.9}, {3.2, 0.6}}) {
+    area.AddPoint({hz, v, -1.0});
+  }
+  EXPECT_GT(CountInside(area, 300), 10u);
+}
+
 TEST(PreparedArea, SeveralThreadsMayAsk) {
   ScanPolygonAreaC ring;
   for (int i = 0; i < 50; ++i) ring.AddPoint({kTwoPi * i / 50, 1.0 + 0.1 * (i % 3), -1.0});
   const PreparedAreaC prepared(ring);
   std::vector<double> hz;
   std::vector<double> v;
-  MakeProbes(hz, v);
+  MakeProbes(5000, hz, v);
   const auto expected = std::make_unique<bool[]>(hz.size());
   prepared.Contains(hz, v, {expected.get(), hz.size()});
   std::size_t differences[4] = {};

@@ -329,8 +329,8 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
   const struct {
     double first, second, filledFirst, filledSecond;
   } cases[] = {
-      {12.5, -1.0, 12.5, 12.5}, {-1.0, 9.0, 9.0, 9.0}, {-1.0, -1.0, 3.0, 3.0},
-      {1.0, 2.0, 1.0, 2.0},     {0.0, -1.0, 0.0, 0.0}, {-1.0, 0.0, 0.0, 0.0},
+      {12.5, -1.0, 12.5, 12.5}, {-1.0, 9.0, 9.0, 9.0}, {-1.0, -1.0, 3.0, 3.0}, {1.0, 2.0, 1.0, 2.0},
+      {0.0, -1.0, 0.0, 0.0},    {-1.0, 0.0, 0.0, 0.0}, {1.0, 0.0, 1.0, 0.0},   {0.0, 1.0, 0.0, 1.0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.first << ", " << c.second);
