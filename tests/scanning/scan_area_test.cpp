@@ -211,6 +211,7 @@ TEST(ScanDefinition, ComparesTypesAlone) {
   EXPECT_EQ(seven.GetType(), 7u);
   EXPECT_TRUE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(7))));
   EXPECT_FALSE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(8))));
+  EXPECT_FALSE(ScanDefinitionImplC(7).IsEqual(API::ImplObjectC())) << "another class";
   ScanDefinitionImplC impl(7);
   EXPECT_EQ(static_cast<ScanDefinitionC*>(impl.GetBase())->GetImpl(), &impl);
 }
@@ -348,9 +349,16 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
       EXPECT_EQ(out[i + 1].GetDistance(), expected[i].GetDistance());
     }
   }
+  const std::unique_ptr<ScanRectangularAreaC> unknown(MakeRectangle());
+  unknown->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, std::nan("")});
+  std::vector<ScanDefPointC> out;
+  unknown->GetOutline(out, 3.0);
+  EXPECT_EQ(out[0].GetDistance(), -1.0) << "NaN is no distance to fill in";
+  EXPECT_TRUE(std::isnan(out[2].GetDistance()));
+  out.clear();
+
   ScanRectangularAreaC one;
   one.AddPoint({1.0, 1.0, 1.0});
-  std::vector<ScanDefPointC> out;
   one.GetOutline(out, 3.0);
   EXPECT_TRUE(out.empty());
   one.AddPoint({2.0, 2.0, 1.0});
