@@ -6,7 +6,8 @@
 #include <limits>
 
 /// \file
-/// Directions and the comparisons of angles with decimal tolerances. Angles are in radians.
+/// Directions and the comparisons of angles with decimal tolerances. Angles are in radians. What is
+/// not defined here is not exported.
 
 namespace GMAT {
 

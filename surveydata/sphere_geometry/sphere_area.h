@@ -27,6 +27,8 @@ class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure f
 /// closed polygon whose edges are arcs of great circles. Any points are stored, also those that
 /// make the area invalid; NaN and infinities answer false and never more.
 ///
+/// Its functions are not exported: a scan area, which holds one, asks it.
+///
 /// Nothing is kept between calls. Each question is answered as its comment says, bit for bit, on
 /// whatever way is the cheapest.
 class SphereAreaC : public AreaManagerI {

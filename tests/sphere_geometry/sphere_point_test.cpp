@@ -33,6 +33,8 @@ TEST(SpherePoint, SetWrapsBothAnglesAndForgetsTheUnitVector) {
   EXPECT_NEAR(p.GetLatitude(), 0.5, 1e-15);
   EXPECT_NEAR(p.GetLongitude(), TWO_PI - 1.0, 1e-15);
   EXPECT_NEAR(p.GetUnit().Z(), std::sin(0.5), 1e-15);
+  p.Set(0.0, 0.1 + TWO_PI);
+  EXPECT_NEAR(p.GetLongitude(), 0.1, 1e-15);
   p.Set(2.0, 1.0);  // no turn brings a latitude of 2 into range
   EXPECT_EQ(p.GetLatitude(), 2.0);
 }
