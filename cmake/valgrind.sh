@@ -3,6 +3,8 @@
 # which the sanitizers do not, and what is never released. Ends with 1 at the first finding.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+. cmake/install_dependencies.sh
+install_dependencies "${build_packages[@]}" "${test_packages[@]}" valgrind
 
 # A program, and which of its tests: those that work through millions of cases take too long here.
 # That of records in order looks at padding.

@@ -85,7 +85,7 @@ GPSRecordIndexC::GPSRecordIndexC(const char* fileName) {
   const auto size = ftello(file_);
 #endif
   if (size > 0) fileSize_ = static_cast<std::uint64_t>(size);
-  std::rewind(file_);
+  window_->hasFailed = window_->isAtEndOfFile = std::fseek(file_, 0, SEEK_SET) != 0;
 }
 
 GPSRecordIndexC::~GPSRecordIndexC() {

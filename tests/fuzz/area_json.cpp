@@ -1,7 +1,10 @@
 // An area file of any bytes is read whole or refused with the reason, and the program's questions
 // have answers for whatever area it gives.
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -64,14 +67,111 @@ void ExpectHolds(const Tool::AreaFile& file, const json& text) {
   }
 }
 
+// --- What an area file is
+
+// Whether an object holds a key twice: the parser would let the last one win.
+class RepeatFinderC : public json::json_sax_t {
+ public:
+  bool HasRepeat() const { return hasRepeat_; }
+
+  bool start_object(std::size_t /*size*/) override {
+    keys_.emplace_back();
+    return true;
+  }
+  bool key(std::string& key) override {
+    hasRepeat_ = hasRepeat_ || !keys_.back().insert(key).second;
+    return true;
+  }
+  bool end_object() override {
+    keys_.pop_back();
+    return true;
+  }
+  bool null() override { return true; }
+  bool boolean(bool /*value*/) override { return true; }
+  bool number_integer(std::int64_t /*value*/) override { return true; }
+  bool number_unsigned(std::uint64_t /*value*/) override { return true; }
+  bool number_float(double /*value*/, const std::string& /*text*/) override { return true; }
+  bool string(std::string& /*value*/) override { return true; }
+  bool binary(json::binary_t& /*value*/) override { return true; }
+  bool start_array(std::size_t /*size*/) override { return true; }
+  bool end_array() override { return true; }
+  bool parse_error(std::size_t /*at*/, const std::string& /*token*/,
+                   const json::exception& /*error*/) override {
+    return false;
+  }
+
+ private:
+  std::vector<std::set<std::string>> keys_;
+  bool hasRepeat_ = false;
+};
+
+bool HasOnly(const json& object, const std::set<std::string>& keys) {
+  for (const auto& [key, value] : object.items()) {
+    if (keys.count(key) == 0) return false;
+  }
+  return true;
+}
+
+bool IsNumber(const json& object, const char* key) {
+  return object.contains(key) && object[key].is_number();
+}
+
+bool IsOneOf(const json& object, const char* key, const std::set<std::string>& texts) {
+  return object.contains(key) && object[key].is_string() &&
+         texts.count(object[key].get<std::string>()) != 0;
+}
+
+bool IsPoint(const json& point) {
+  if (point.is_array()) {
+    if (point.size() != 2 && point.size() != 3) return false;
+    return std::all_of(point.begin(), point.end(), [](const json& n) { return n.is_number(); });
+  }
+  return point.is_object() && HasOnly(point, {"hz", "v", "distance"}) && IsNumber(point, "hz") &&
+         IsNumber(point, "v") && (!point.contains("distance") || IsNumber(point, "distance"));
+}
+
+bool IsAreaFile(const json& file) {
+  if (!file.is_object() ||
+      !HasOnly(file, {"kind", "unit", "name", "points", "hzStep", "vStep", "limitLow", "limitHigh",
+                      "settingA", "settingB", "settingC", "settingD", "settingE"})) {
+    return false;
+  }
+  if (!IsOneOf(file, "kind", {"rectangle", "polygon", "dome"}) ||
+      !IsOneOf(file, "unit", {"rad", "deg", "gon"}) || !IsNumber(file, "hzStep") ||
+      !IsNumber(file, "vStep") || (file.contains("name") && !file["name"].is_string())) {
+    return false;
+  }
+  for (const char* const key : {"limitLow", "limitHigh", "settingD"}) {
+    if (file.contains(key) && !file[key].is_number()) return false;
+  }
+  for (const char* const key : {"settingA", "settingB", "settingC", "settingE"}) {
+    const std::uint64_t most = std::string(key) == "settingE" ? 0xFFFF : 0xFFFF'FFFF;
+    if (file.contains(key) &&
+        (!file[key].is_number_unsigned() || file[key].get<std::uint64_t>() > most)) {
+      return false;
+    }
+  }
+  if (file["kind"] == "dome") return !file.contains("points");
+  return file.contains("points") && file["points"].is_array() &&
+         std::all_of(file["points"].begin(), file["points"].end(), IsPoint);
+}
+
+bool IsAreaFile(const std::uint8_t* data, std::size_t size) {
+  RepeatFinderC finder;
+  return json::sax_parse(data, data + size, &finder) && !finder.HasRepeat() &&
+         IsAreaFile(json::parse(data, data + size));
+}
+
 }  // namespace
 
 // The bytes of the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   memory.Write(data, size);
+  const bool isAreaFile = IsAreaFile(data, size);
   try {
     const Tool::AreaFile file = Tool::LoadAreaFile(memory.Path());
+    EXPECT_TRUE(isAreaFile);
     ExpectHolds(file, json::parse(data, data + size));
     const std::size_t points = file.area->GetPointCount();
     if (points > kMostPoints) return 0;
@@ -87,6 +187,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       EXPECT_GE(Tool::MeasureSolidAngle(file, *bounds).steradians, 0.0);
     }
   } catch (const Tool::ToolErrorC& error) {
+    EXPECT_FALSE(isAreaFile) << error.what();
     EXPECT_EQ(error.GetCode(), Tool::ExitCode::kFileError);
     EXPECT_EQ(std::string(error.what()).find(memory.Path() + ": "), 0u);
   }

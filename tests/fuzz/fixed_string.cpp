@@ -107,7 +107,8 @@ class SequenceC {
 
   void Change() {
     const std::size_t most = N + 3U;
-    switch (in_.Below(16)) {
+    const unsigned what = in_.U8();
+    switch (what % 16) {
       case 0: {
         const auto c = in_.Take<char>();
         text_ = FixedStringC<N>(c);
@@ -188,6 +189,64 @@ class SequenceC {
         const std::string bytes = TakeBytes(in_, most);
         text_ = FixedStringC<N>(bytes.c_str());
         units_ = Fitting(Widened(bytes));
+        break;
+      }
+      default:
+        Replace(what / 16);
+        break;
+    }
+  }
+
+  void Replace(unsigned how) {
+    switch (how) {
+      case 0: {
+        const auto c = in_.Take<char16_t>();
+        text_ = FixedStringC<N>(c);
+        units_ = Fitting({c});
+        break;
+      }
+      case 1: {
+        const std::wstring wide = TakeWide(in_, 1);
+        const wchar_t c = wide.empty() ? L'\0' : wide[0];
+        text_ = FixedStringC<N>(c);
+        units_ = Fitting(Units({c}));
+        break;
+      }
+      case 2: {
+        const std::u16string units = TakeUnits(in_, N + 3U);
+        text_ = FixedStringC<N>(units.c_str());
+        units_ = Fitting(units);
+        break;
+      }
+      case 3: {
+        const std::wstring wide = TakeWide(in_, N + 3U);
+        text_ = FixedStringC<N>(wide.c_str());
+        units_ = Fitting(Units(wide.c_str()));
+        break;
+      }
+      case 4:  // its own units, up to a 0
+        text_ += text_.GetData();
+        units_ = Cut(units_ + Fitting(units_));
+        break;
+      case 5: {  // nothing changes without a source
+        text_ += static_cast<const char*>(nullptr);
+        text_ += static_cast<const char16_t*>(nullptr);
+        text_ += static_cast<const wchar_t*>(nullptr);
+        auto inOut = in_.Take<std::size_t>();
+        EXPECT_EQ(text_.FromUtf8(nullptr, &inOut), 0);
+        EXPECT_EQ(inOut, 0U);  // the bytes taken
+        EXPECT_EQ(text_.Format(nullptr), -1);
+        break;
+      }
+      case 6:
+        text_ = FixedStringC<N>(static_cast<const char*>(nullptr));
+        units_.clear();
+        break;
+      case 7: {
+        const std::string bytes = TakeBytes(in_, 3U * N + 8);
+        const Model::Decoded expected = Model::FromUtf8(bytes.c_str(), Model::kNoLimit, N);
+        EXPECT_EQ(text_.FromUtf8(bytes.c_str(), nullptr), expected.result);
+        units_.assign(expected.units, expected.length);
         break;
       }
       default:

@@ -1,10 +1,12 @@
 // Scan areas and scans created, linked, copied, assigned, changed and deleted in any order, from
 // either side: what they hold follows a plain model, and exactly the objects live that should.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -88,6 +90,10 @@ struct Point {
   double distance;
 };
 
+// A point that is not set.
+constexpr double kNoAngle = std::numeric_limits<double>::max();
+constexpr Point kNoPoint{kNoAngle, kNoAngle, -1.0};
+
 struct AreaModel {
   const Kind* kind = nullptr;
   double hzStep = 0.0;
@@ -163,7 +169,80 @@ bool AreEqual(const ScanModel& a, const ScanModel& b) {
          (!a.area || !b.area || AreEqual(*a.area, *b.area));
 }
 
+bool Contains(const AreaModel& model, double hz, double v) {
+  if (!model.IsDome()) return GeometryOf(model).Contains(hz, v);
+  return literal::WrapIntoRange(&hz, 0.0, GMAT::TWO_PI) &&
+         literal::WrapIntoRange(&v, 0.0, GMAT::TWO_PI) && v <= GMAT::V_LIMIT;
+}
+
+// Of an area that is valid.
+literal::Extents BoundsOf(const AreaModel& model, bool normalize) {
+  literal::Extents bounds{0.0, GMAT::TWO_PI - 1e-6, 0.0, GMAT::V_LIMIT, false};
+  if (model.IsDome()) return bounds;
+  EXPECT_TRUE(GeometryOf(model).GetExtents(bounds, false));
+  if (normalize) {
+    literal::WrapIntoRange(&bounds.hzMax, 0.0, GMAT::TWO_PI);
+    literal::WrapIntoRange(&bounds.vMax, 0.0, GMAT::TWO_PI);
+  }
+  return bounds;
+}
+
+std::vector<Point> OutlineOf(const AreaModel& model, double defaultDistance) {
+  std::vector<Point> out = model.points;
+  if (model.kind->type == SDI::kRectangularArea) {
+    if (out.size() != 2) return {};
+    double d0 = out[0].distance;
+    double d1 = out[1].distance;
+    if (d0 < 0 && d1 < 0) {
+      d0 = d1 = defaultDistance;
+    } else if (d0 < 0 && d1 >= 0) {
+      d0 = d1;
+    } else if (d0 >= 0 && d1 < 0) {
+      d1 = d0;
+    }
+    const Point a = out[0];
+    const Point b = out[1];
+    return {{a.hz, a.v, d0}, {b.hz, a.v, d1}, {b.hz, b.v, d1}, {a.hz, b.v, d0}};
+  }
+  const std::uint64_t n = out.size();
+  double sum = 0.0;
+  std::uint64_t count = 0;
+  for (const Point& p : model.points) {
+    if (!(p.distance > 0)) continue;
+    sum += p.distance;
+    ++count;
+  }
+  if (count == n) return out;
+  if (count == 0) {
+    for (Point& p : out) p.distance = defaultDistance;
+    return out;
+  }
+  const double mean = sum / static_cast<double>(count);
+  const auto distance = [&](std::uint64_t i) {
+    const double given = model.points[i].distance;
+    return given < 0 ? mean : given;
+  };
+  for (std::uint64_t i = 0; i < n; ++i) {
+    if (!(model.points[i].distance < 0)) continue;
+    // The one before the first is that of number 2^64 - 1.
+    const std::uint64_t before = (i == 0 ? UINT64_MAX : i - 1) % n;
+    out[i].distance = (distance(before) + distance((i + 1) % n)) / 2.0;
+  }
+  return out;
+}
+
 bool HasBitsOf(double a, double b) { return std::memcmp(&a, &b, sizeof(a)) == 0; }
+
+bool IsSameNumber(double a, double b) { return HasBitsOf(a, b) || (a != a && b != b); }
+
+void ExpectPoints(const std::vector<ScanDefPointC>& points, const std::vector<Point>& expected) {
+  ASSERT_EQ(points.size(), expected.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    EXPECT_TRUE(IsSameNumber(points[i].GetHz(), expected[i].hz));
+    EXPECT_TRUE(IsSameNumber(points[i].GetV(), expected[i].v));
+    EXPECT_TRUE(IsSameNumber(points[i].GetDistance(), expected[i].distance));
+  }
+}
 
 void ExpectHolds(const ScanAreaImplC& area, const AreaModel& model) {
   EXPECT_EQ(area.GetType(), model.kind->type);
@@ -179,12 +258,7 @@ void ExpectHolds(const ScanAreaImplC& area, const AreaModel& model) {
   EXPECT_EQ(area.GetPointCount(), model.points.size());
   std::vector<ScanDefPointC> points(1);
   area.GetPoints(points);
-  ASSERT_EQ(points.size(), model.points.size());
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    EXPECT_TRUE(HasBitsOf(points[i].GetHz(), model.points[i].hz));
-    EXPECT_TRUE(HasBitsOf(points[i].GetV(), model.points[i].v));
-    EXPECT_TRUE(HasBitsOf(points[i].GetDistance(), model.points[i].distance));
-  }
+  ExpectPoints(points, model.points);
 }
 
 void ExpectHolds(const ScanC& scan, const ScanModel& model) {
@@ -336,13 +410,21 @@ class SequenceC {
         slot.object = base;
         return;
       }
-      case 4:  // part company
+      case 4: {  // part company; the public object goes, or to another implementation
         if (slot.object == nullptr) return;
         slot.impl->DetachBase();
         EXPECT_EQ(slot.object->GetImpl(), nullptr);
-        delete slot.object;
-        slot.object = nullptr;
+        ScanAreaC* const object = std::exchange(slot.object, nullptr);
+        AreaSlot& to = SomeArea();
+        if (to.model.kind != &kind) {
+          delete object;
+          return;
+        }
+        object->SetImpl(to.impl);  // whose public object goes
+        to.object = object;
+        to.isObjectCounted = slot.isObjectCounted;
         return;
+      }
       case 5: {
         AreaSlot& to = SomeArea();
         if (&to == &slot) return;
@@ -420,22 +502,40 @@ class SequenceC {
     EXPECT_EQ(slot.impl->IsValid(), isValid);
     const double hz = Number();
     const double v = Number();
-    if (!model.IsDome()) {
-      EXPECT_EQ(slot.impl->Contains(hz, v), GeometryOf(model).Contains(hz, v));
-    }
-    ScanDefPointC low;
-    ScanDefPointC high;
-    EXPECT_EQ(slot.impl->GetBoundingPoints(low, high, in_.Flag()), IsAreaValid(model));
+    EXPECT_EQ(slot.impl->Contains(hz, v), Contains(model, hz, v));
+    AskBounds(slot, in_.Flag());
     std::vector<ScanDefPointC> outline;
-    slot.impl->GetOutline(outline, 1.0);
-    std::size_t expected = 0;
-    if (model.kind->type == SDI::kPolygonArea) expected = model.points.size();
-    if (model.kind->type == SDI::kRectangularArea && model.points.size() == 2) expected = 4;
-    EXPECT_EQ(outline.size(), expected);
+    slot.impl->GetOutline(outline, 7.5);
+    ExpectPoints(outline, OutlineOf(model, 7.5));
+    if (const auto* const rectangle =
+            dynamic_cast<const SDI::ScanRectangularAreaImplC*>(slot.impl)) {
+      std::vector<ScanDefPointC> corners(2);
+      EXPECT_EQ(rectangle->GetCorners(corners[0], corners[1]), isValid);
+      ExpectPoints(corners, isValid ? model.points : std::vector<Point>(2, kNoPoint));
+    }
     const AreaSlot& other = SomeArea();
     if (other.impl != nullptr) {
       EXPECT_EQ(slot.impl->IsEqual(*other.impl), AreEqual(model, other.model));
     }
+  }
+
+  void AskBounds(const AreaSlot& slot, bool normalize) {
+    const bool isAreaValid = IsAreaValid(slot.model);
+    std::vector<ScanDefPointC> bounds(2);
+    EXPECT_EQ(slot.impl->GetBoundingPoints(bounds[0], bounds[1], normalize), isAreaValid);
+    std::vector<Point> expected(2, kNoPoint);
+    if (isAreaValid) {
+      const literal::Extents e = BoundsOf(slot.model, normalize);
+      expected = {{e.hzMin, e.vMin, -1.0}, {e.hzMax, e.vMax, -1.0}};
+    }
+    ExpectPoints(bounds, expected);
+    if (slot.object == nullptr) return;
+    literal::Extents e{kNoAngle, kNoAngle, kNoAngle, kNoAngle, false};
+    if (IsValid(slot.model)) e = BoundsOf(slot.model, true);
+    EXPECT_TRUE(IsSameNumber(slot.object->GetHzMin(), e.hzMin));
+    EXPECT_TRUE(IsSameNumber(slot.object->GetHzMax(), e.hzMax));
+    EXPECT_TRUE(IsSameNumber(slot.object->GetVMin(), std::min(e.vMin, e.vMax)));
+    EXPECT_TRUE(IsSameNumber(slot.object->GetVMax(), std::max(e.vMin, e.vMax)));
   }
 
   // Scans
@@ -527,10 +627,17 @@ class SequenceC {
         slot.scan->GetImpl()->SetArea(static_cast<const SDI::ScanDefinitionImplC*>(nullptr));
         slot.model.area.reset();
         return;
-      case 8:  // the implementation gets another public object
-        slot.scan = new CountedScan(slot.scan->GetImpl());
+      case 8: {  // the implementation gets another public object, in one step or in two
+        auto* const impl = slot.scan->GetImpl();
+        if (in_.Flag()) {
+          impl->DetachBase();
+          EXPECT_EQ(slot.scan->GetImpl(), nullptr);
+          delete slot.scan;
+        }
+        slot.scan = new CountedScan(impl);
         slot.isScanCounted = true;
         return;
+      }
       case 9:
       case 10:
         if (slot.model.area) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -65,6 +66,18 @@ GMAT::AnglePointC Direction(Fuzz::InputC& in, const GMAT::AnglePointC& previous)
   return {hz, v};
 }
 
+// An area with the points of another one, made in other ways.
+GMAT::SphereAreaC Rebuilt(const GMAT::SphereAreaC& area) {
+  GMAT::SphereAreaC other;
+  other.AddPoint(1.0, 2.0);
+  other.Clear();
+  other.RemoveLastPoint();  // of none
+  other.AddPoints(area.GetPoints());
+  other.AddPoint(1.0, 2.0);
+  other.RemoveLastPoint();
+  return other;
+}
+
 }  // namespace
 
 // The number of points, the points, directions up to the end.
@@ -82,7 +95,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   CompareAreas::Tally tally;
   CompareAreas::CompareRing(area, rules, tally);
+  const GMAT::SphereAreaC rebuilt = Rebuilt(area);
+  CompareAreas::CompareRing(rebuilt, rules, tally);
   const SDI::PreparedAreaC prepared(polygon);
+  std::vector<double> hz;
+  std::vector<double> v;
   for (std::size_t i = 0; i < kMostProbes && !in.IsEmpty(); ++i) {
     if (!area.GetPoints().empty() && in.Flag()) {
       point = area.GetPoints()[in.Below(area.GetPointCount())];
@@ -90,7 +107,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     point = Direction(in, point);
     CompareAreas::CompareLines(area, rules, point, tally);
     CompareAreas::CompareProbe(area, rules, point, tally);
-    EXPECT_EQ(prepared.Contains(point.Hz, point.V), rules.Contains(point.Hz, point.V));
+    const bool isInside = rules.Contains(point.Hz, point.V);
+    EXPECT_EQ(prepared.Contains(point.Hz, point.V), isInside);
+    EXPECT_EQ(polygon.Contains(point.Hz, point.V), isInside);
+    EXPECT_EQ(rebuilt.Contains(point.Hz, point.V), isInside);
+    hz.push_back(point.Hz);
+    v.push_back(point.V);
+  }
+  bool inside[kMostProbes] = {};
+  prepared.Contains(hz, v, inside);
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    EXPECT_EQ(inside[i], prepared.Contains(hz[i], v[i]));
   }
   return 0;
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -190,7 +191,8 @@ TEST_F(RecordFaults, EveryCallOfAWalkFails) {
   const Walked whole = Walk(file_);
   ASSERT_EQ(whole.entries, RecordModel::Walk(before_));
   const std::vector<std::string> calls = Faults::FileCalls();
-  ASSERT_EQ(calls, (std::vector<std::string>{"fopen", "fseeko", "fread", "fclose"}));
+  ASSERT_EQ(calls,
+            (std::vector<std::string>{"fopen", "fseeko", "ftello", "fseek", "fread", "fclose"}));
   for (std::size_t call = 0; call < calls.size(); ++call) {
     SCOPED_TRACE(calls[call]);
     Faults::FailFileCall(call);
@@ -199,11 +201,11 @@ TEST_F(RecordFaults, EveryCallOfAWalkFails) {
     Faults::FailNoFileCall();
     EXPECT_EQ(Faults::OpenFiles(), openFiles_);
     EXPECT_EQ(walked.isOpen, calls[call] != "fopen");
-    EXPECT_EQ(walked.hasFailed, calls[call] == "fread");
+    EXPECT_EQ(walked.hasFailed, calls[call] == "fseek" || calls[call] == "fread");
     // Without its size the file is walked all the same.
-    const bool isMeasured = calls[call] == "fread" || calls[call] == "fclose";
-    EXPECT_EQ(walked.fileSize, isMeasured ? before_.size() : 0U);
-    const bool isWalked = calls[call] == "fseeko" || calls[call] == "fclose";
+    const bool isUnmeasured = calls[call] == "fseeko" || calls[call] == "ftello";
+    EXPECT_EQ(walked.fileSize, walked.isOpen && !isUnmeasured ? before_.size() : 0U);
+    const bool isWalked = isUnmeasured || calls[call] == "fclose";
     EXPECT_EQ(walked.entries, isWalked ? whole.entries : std::vector<SDI::GPSRecordEntry>());
   }
 }
@@ -212,11 +214,38 @@ TEST_F(RecordFaults, AWalkWhoseReadingFailsHalfwayListsWhatItRead) {
   ByteVector bytes;
   for (int i = 0; i < 3; ++i) TestSupport::Append(bytes, before_);
   file_.Write(bytes);
-  Faults::FailFileCall(2, Extent::kHalf);  // half of the window: more than the file
+  Faults::FailFileCall(4, Extent::kHalf);  // half of the window: more than the file
   const Walked walked = Walk(file_);
   Faults::FailNoFileCall();
   EXPECT_TRUE(walked.hasFailed);
   EXPECT_EQ(walked.entries, RecordModel::Walk(bytes));
+}
+
+TEST_F(RecordFaults, EveryReadOfALongWalkFails) {
+  ByteVector bytes;
+  while (bytes.size() < 700'000) TestSupport::Append(bytes, before_);
+  file_.Write(bytes);
+  Faults::FailNoFileCall();
+  ASSERT_EQ(Walk(file_).entries, RecordModel::Walk(bytes));
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_GE(std::count(calls.begin(), calls.end(), "fread"), 4);
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 0; call < calls.size(); ++call) {
+      if (calls[call] != "fread") continue;
+      SCOPED_TRACE(testing::Message() << "call " << call);
+      Faults::FailFileCall(call, extent);
+      const Walked walked = Walk(file_);
+      Faults::FailNoFileCall();
+      EXPECT_TRUE(walked.hasFailed);
+      EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+      // What was read is walked, once and whole.
+      ByteVector read = bytes;
+      read.resize(
+          walked.entries.empty() ? 0 : walked.entries.back().offset + walked.entries.back().size);
+      EXPECT_EQ(walked.entries, RecordModel::Walk(read));
+      EXPECT_EQ(read.empty(), call == 4 && extent == Extent::kNothing);
+    }
+  }
 }
 
 TEST_F(RecordFaults, AWalkWithoutMemoryLeavesNoFileOpen) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/surveydata.h>
 
 #include "tests/support/faults.h"
@@ -245,6 +246,152 @@ TEST(ScanAreaMemory, QuestionsLeaveNothingBehind) {
     answer = copy.Contains(0.8, 1.2);
   });
   EXPECT_TRUE(answer);
+}
+
+TEST(ScanAreaMemory, TheOutlineOfARectangleIsCompleteOrCutShort) {
+  const BalanceC balance;
+  SDI::ScanRectangularAreaC rectangle;
+  rectangle.SetCorners(Corners()[0], Corners()[2]);
+  std::vector<ScanDefPointC> outline;
+  FailuresOfAChange(
+      [&] {
+        outline.clear();
+        rectangle.GetOutline(outline, 1.0);
+      },
+      [&] { EXPECT_LT(outline.size(), 4U); });
+  EXPECT_EQ(outline.size(), 4U);
+}
+
+// --- The geometry, on every way that it goes
+
+struct Shape {
+  const char* name;
+  std::vector<GMAT::AnglePointC> corners;
+  GMAT::AnglePointC inside;
+  GMAT::AnglePointC outside;
+};
+
+std::vector<Shape> Shapes() {
+  Shape ring{"around the zenith", {}, {2.0, 0.2}, {2.0, 0.5}};
+  for (int i = 0; i < 12; ++i) ring.corners.push_back({0.5 * i + 0.1, 0.3});
+  return {{"rectangle", {{0.5, 1.0}, {1.2, 1.5}}, {0.8, 1.2}, {2.0, 1.2}},
+          {"star", {{0.5, 1.0}, {1.0, 0.9}, {1.2, 1.5}, {0.4, 1.6}}, {0.8, 1.2}, {0.6, 0.8}},
+          // No point sees all of it, so its edges are compared.
+          {"comb",
+           {{1.0, 1.0},
+            {1.2, 1.5},
+            {1.4, 1.0},
+            {1.6, 1.5},
+            {1.8, 1.0},
+            {2.0, 1.5},
+            {2.2, 1.0},
+            {2.2, 2.0},
+            {1.6, 1.9},
+            {1.0, 2.0}},
+           {1.6, 1.7},
+           {1.6, 1.3}},
+          ring,
+          // A corner at the zenith, which prepared areas pass over.
+          {"wedge", {{0.0, 0.0}, {1.0, 1.0}, {2.0, 1.0}}, {1.5, 0.5}, {1.5, 1.6}},
+          // Beyond the zenith by less than the rules see: prepared areas leave it to them.
+          {"tipped", {{0.5, -1e-11}, {0.2, 1.0}, {0.8, 1.0}}, {0.5, 0.7}, {0.5, 1.2}},
+          {"bow tie", {{1.0, 1.0}, {2.0, 1.5}, {2.0, 1.0}, {1.0, 1.5}}, {9.9, 9.9}, {1.2, 1.25}}};
+}
+
+TEST(GeometryMemory, AnswersOrFailsAndForgets) {
+  for (const Shape& shape : Shapes()) {
+    SCOPED_TRACE(shape.name);
+    const bool isValid = std::string(shape.name) != "bow tie";
+    GMAT::SphereAreaC area;
+    EXPECT_GE(FailuresOfAChange([&] { area.AddPoints(shape.corners); },
+                                [&] { EXPECT_EQ(area.GetPointCount(), 0U); }),
+              1U);
+    const std::vector<GMAT::AnglePointC> points = area.GetPoints();
+    ASSERT_EQ(points.size(), shape.corners.size());
+    std::size_t failures = 0;
+    // The answer of a call that gets all it asks for is that of one that had to fail before.
+    const auto expectSame = [&](auto question) {
+      const auto expected = question();
+      auto answer = expected;
+      answer = {};
+      failures += FailuresBeforeSuccess([&] { answer = question(); },
+                                        [&] { EXPECT_EQ(area.GetPoints(), points); });
+      EXPECT_EQ(answer, expected);
+      return answer;
+    };
+    EXPECT_EQ(expectSame([&] { return area.IsValid(); }), isValid);
+    EXPECT_EQ(expectSame([&] {
+                double bounds[4];
+                bool enclosesZenith = false;
+                return area.GetExtents(bounds[0], bounds[1], bounds[2], bounds[3], enclosesZenith,
+                                       false);
+              }),
+              isValid);
+    EXPECT_FALSE(expectSame([&] { return area.Contains(shape.outside.Hz, shape.outside.V); }));
+    EXPECT_EQ(expectSame([&] { return area.Contains(shape.inside.Hz, shape.inside.V); }), isValid);
+    expectSame([&] { return area.DistanceToBoundary(shape.inside.Hz, shape.inside.V); });
+    for (const bool isVertical : {true, false}) {
+      expectSame([&] {
+        std::vector<GMAT::AnglePointC> crossings;
+        area.SearchLine(shape.inside, isVertical, crossings);
+        return crossings.size();
+      });
+    }
+    // At the seam of a prepared area, and at a corner, the rules decide.
+    expectSame([&] {
+      const GMAT::PreparedSphereAreaC prepared(area);
+      std::size_t inside = 0;
+      for (const GMAT::AnglePointC& p : {shape.inside, shape.outside, points[0], points[1]}) {
+        inside += prepared.Ask(p.Hz, p.V).isInside;
+        inside += prepared.Ask(p.Hz, shape.inside.V).isInside;
+      }
+      return inside;
+    });
+    expectSame([&] { return GMAT::SphereAreaC(area).GetPointCount(); });
+    EXPECT_GE(failures, 10U);
+  }
+}
+
+// --- Texts of any length
+
+TEST(TextMemory, ATextIsSetOrAsBefore) {
+  const std::string text(100, 'x');
+  const BalanceC balance;
+  SDI::InstrumentInfoDataC info;
+  const auto check = [&](auto set, auto get) {
+    (info.*set)("before");
+    EXPECT_EQ(FailuresOfAChange([&] { (info.*set)(text.c_str()); },
+                                [&] { EXPECT_STREQ((info.*get)(), "before"); }),
+              1U);
+    EXPECT_EQ((info.*get)(), text);
+  };
+  using Info = SDI::InstrumentInfoDataC;
+  check(&Info::SetText1, &Info::GetText1);
+  check(&Info::SetText2, &Info::GetText2);
+  check(&Info::SetText3, &Info::GetText3);
+  check(&Info::SetText4, &Info::GetText4);
+}
+
+TEST(TextMemory, ARecordWithLongTextsIsMadeAndCopiedOrNotThere) {
+  const std::string text(100, 'x');
+  const char* const t = text.c_str();
+  const BalanceC balance;
+  std::unique_ptr<SDI::InstrumentInfoDataC> info;
+  EXPECT_EQ(FailuresBeforeSuccess([&] {
+              info = std::make_unique<SDI::InstrumentInfoDataC>(u"name", 1, t, t, t, t, 1.0F, 1, 2,
+                                                                3, 4);
+            }),
+            6U);  // two objects, four texts
+  std::unique_ptr<SDI::InstrumentInfoDataC> copy;
+  EXPECT_EQ(FailuresBeforeSuccess([&] { copy = std::make_unique<SDI::InstrumentInfoDataC>(*info); },
+                                  [&] { EXPECT_EQ(info->GetText4(), text); }),
+            6U);
+  EXPECT_TRUE(copy->IsEqual(*info));
+  // An assignment may stop among the texts; the next one sets right what it left.
+  SDI::InstrumentInfoDataC target;
+  EXPECT_GE(FailuresOfAChange([&] { target = *info; }, [&] { EXPECT_EQ(info->GetText4(), text); }),
+            2U);
+  EXPECT_TRUE(target.IsEqual(*info));
 }
 
 class ScanMemory : public testing::Test {

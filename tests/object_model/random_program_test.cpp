@@ -29,6 +29,11 @@ class RandomProgram : public testing::Test {
   using Public = typename P::PublicT;
   using Impl = typename P::ImplT;
 
+  // A definition of no area has no data but its kind, which it is made with.
+  static constexpr bool kIsRecord = std::is_default_constructible_v<Impl>;
+  static constexpr std::uint32_t kSomeKind = 7;
+  static constexpr bool kTakesOwner = std::is_constructible_v<Impl, API::BaseC*>;
+
   // What lives, by number. The library's own objects (those that a constructor or `GetBase` makes)
   // are known by their pointers alone.
   static inline int countedPublics = 0;
@@ -46,7 +51,9 @@ class RandomProgram : public testing::Test {
   };
   class CountedImpl : public Impl {
    public:
-    CountedImpl() { ++countedImpls; }
+    CountedImpl() requires kIsRecord { ++countedImpls; }
+    CountedImpl() requires(!kIsRecord) : Impl(kSomeKind) { ++countedImpls; }
+    explicit CountedImpl(API::BaseC* owner) requires kTakesOwner : Impl(owner) { ++countedImpls; }
     explicit CountedImpl(const Impl& other) : Impl(other) { ++countedImpls; }
     CountedImpl(const CountedImpl&) = delete;
     CountedImpl& operator=(const CountedImpl&) = delete;
@@ -65,8 +72,11 @@ class RandomProgram : public testing::Test {
     bool isMarked = false;  // the data of `impl`
   };
 
-  explicit RandomProgram() : random_(kSeed) {}
-  ~RandomProgram() override {
+  RandomProgram() : random_(kSeed) {}
+  ~RandomProgram() override { End(); }
+
+  // A program leaves nothing.
+  void End() {
     while (!pairings_.empty()) DeleteEither(0);
     Check();
   }
@@ -74,8 +84,7 @@ class RandomProgram : public testing::Test {
   std::size_t Below(std::size_t limit) { return static_cast<std::size_t>(random_() % limit); }
   bool Flip() { return Below(2) == 0; }
 
-  // The data cost more to look at than the links.
-  void Check(bool isDataToo = true) {
+  void Check() {
     int publics = 0;
     int impls = 0;
     for (const Pairing& p : pairings_) {
@@ -86,8 +95,11 @@ class RandomProgram : public testing::Test {
       }
       if (p.impl != nullptr) {
         ASSERT_EQ(p.impl->API::ImplObjectC::GetBase(), p.object);
-        if (!isDataToo) continue;
-        ASSERT_EQ(Pairs::IsMarked(*p.impl), p.isMarked || !Pairs::kHasData<Impl>);
+        if constexpr (kIsRecord) {
+          ASSERT_EQ(Pairs::IsMarked(*p.impl), p.isMarked || !Pairs::kHasData<Impl>);
+        } else {
+          ASSERT_EQ(p.impl->GetType(), kSomeKind);
+        }
       }
     }
     ASSERT_EQ(countedPublics, publics);
@@ -128,9 +140,11 @@ class RandomProgram : public testing::Test {
 
   void Step() {
     if (pairings_.size() > kMostObjects) DeleteEither(Below(pairings_.size()));
-    switch (Below(12)) {
+    switch (Below(15)) {
       case 0:
-        if constexpr (kReads) pairings_.push_back(OfPublic(new CountedPublic));
+        if constexpr (kReads && std::is_default_constructible_v<Public>) {
+          pairings_.push_back(OfPublic(new CountedPublic));
+        }
         return;
       case 1:
         pairings_.push_back({nullptr, new CountedImpl, {}, {true}, false});
@@ -148,7 +162,7 @@ class RandomProgram : public testing::Test {
       }
       case 3: {  // a copy of a public object, which may have no implementation
         if constexpr (kReads && std::is_copy_constructible_v<Public>) {
-          const Pairing* const p = Some(true, true);
+          const Pairing* const p = Some(true, false);
           if (p == nullptr) return;
           Pairing copy = OfPublic(new CountedPublic(static_cast<const Public&>(*p->object)));
           copy.isMarked = p->isMarked;
@@ -164,13 +178,13 @@ class RandomProgram : public testing::Test {
             {nullptr, new CountedImpl(static_cast<const Impl&>(*p->impl)), {}, {true}, isMarked});
         return;
       }
-      case 5: {  // assignment between public objects, to itself too
+      case 5: {  // assignment between public objects, to itself too, with and without data
         if constexpr (kReads && std::is_copy_assignable_v<Public>) {
-          Pairing* const to = Some(true, true);
-          const Pairing* const from = Some(true, true);
+          Pairing* const to = Some(true, false);
+          const Pairing* const from = Some(true, false);
           if (to == nullptr) return;
           static_cast<Public&>(*to->object) = static_cast<const Public&>(*from->object);
-          to->isMarked = from->isMarked;
+          if (to->impl != nullptr && from->impl != nullptr) to->isMarked = from->isMarked;
         }
         return;
       }
@@ -212,7 +226,12 @@ class RandomProgram : public testing::Test {
           return;
         }
         Impl* const before = to->impl;
-        if (before != nullptr) before->DetachBase();  // as whoever replaces one must
+        if (before != nullptr && Flip()) {
+          to->object->SetImpl(from->impl);
+          ASSERT_EQ(before->API::ImplObjectC::GetBase(), to->object);  // still
+          ASSERT_EQ(to->object->GetImpl(), from->impl);
+        }
+        if (before != nullptr) before->DetachBase();  // as whoever replaces one must, first
         to->object->SetImpl(from->impl);              // the owner of `from` is gone
         to->impl = from->impl;
         const Side beforeSide = std::exchange(to->implSide, from->implSide);
@@ -222,10 +241,36 @@ class RandomProgram : public testing::Test {
         return;
       }
       case 10: {
-        Pairing* const p = Some(false, true);
-        if (p == nullptr || p->isMarked) return;
-        Pairs::Mark(*p->impl);
-        p->isMarked = true;
+        if constexpr (kIsRecord) {
+          Pairing* const p = Some(false, true);
+          if (p == nullptr || p->isMarked) return;
+          Pairs::Mark(*p->impl);
+          p->isMarked = true;
+        }
+        return;
+      }
+      case 11:  // a public object without an implementation
+        if constexpr (std::is_constructible_v<Public, Impl*>) {
+          pairings_.push_back(
+              {new CountedPublic(static_cast<Impl*>(nullptr)), nullptr, {true}, {}, false});
+        }
+        return;
+      case 12: {  // an implementation that is made for such a one
+        if constexpr (kTakesOwner) {
+          Pairing* const p = Some(true, false);
+          if (p == nullptr || p->impl != nullptr) return;
+          p->impl = new CountedImpl(p->object);
+          p->implSide.isCounted = true;
+          ASSERT_EQ(p->object->GetImpl(), nullptr);  // it does not know yet
+          p->object->SetImpl(p->impl);
+        }
+        return;
+      }
+      case 13: {  // no owner any more: the one of before is gone
+        Pairing* const p = Some(true, true);
+        if (p == nullptr) return;
+        p->impl->SetBase(nullptr);
+        p->object = nullptr;
         return;
       }
       default:
@@ -239,14 +284,12 @@ class RandomProgram : public testing::Test {
   std::vector<Pairing> pairings_;
 };
 
-template <class List>
-struct JoinUnread;
-template <class... P>
-struct JoinUnread<testing::Types<P...>> {
-  template <class... Q>
-  static testing::Types<P..., Q...> With(testing::Types<Q...>);
-};
-using EveryPair = decltype(JoinUnread<Pairs::AllPairs>::With(std::declval<Pairs::UnreadPairs>()));
+template <class... P, class... Q, class... R>
+testing::Types<P..., Q..., R...> Joined(testing::Types<P...>, testing::Types<Q...>,
+                                        testing::Types<R...>);
+// The base of the areas is a pair, too, though none that callers make.
+using Bases = testing::Types<Pairs::Pair<SDI::ScanDefinitionC, SDI::ScanDefinitionImplC>>;
+using EveryPair = decltype(Joined(Pairs::AllPairs(), Pairs::UnreadPairs(), Bases()));
 TYPED_TEST_SUITE(RandomProgram, EveryPair);
 
 TYPED_TEST(RandomProgram, LeavesEveryLinkAndEveryObjectAsTheModelSays) {
@@ -255,6 +298,7 @@ TYPED_TEST(RandomProgram, LeavesEveryLinkAndEveryObjectAsTheModelSays) {
       this->Step();
       ASSERT_NO_FATAL_FAILURE(this->Check()) << "program " << program << ", step " << step;
     }
+    ASSERT_NO_FATAL_FAILURE(this->End()) << "program " << program;
   }
 }
 

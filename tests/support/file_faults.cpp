@@ -46,6 +46,7 @@ extern "C" {
 std::FILE* __real_fopen(const char* name, const char* mode);
 int __real_fseek(std::FILE* file, long offset, int whence);
 int __real_fseeko(std::FILE* file, off_t offset, int whence);
+off_t __real_ftello(std::FILE* file);
 std::size_t __real_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __real_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
 int __real_fclose(std::FILE* file);
@@ -54,6 +55,7 @@ int __real_ferror(std::FILE* file);
 std::FILE* __wrap_fopen(const char* name, const char* mode);
 int __wrap_fseek(std::FILE* file, long offset, int whence);
 int __wrap_fseeko(std::FILE* file, off_t offset, int whence);
+off_t __wrap_ftello(std::FILE* file);
 std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __wrap___fread_chk(void* to, std::size_t room, std::size_t size, std::size_t count,
                                std::FILE* file);
@@ -79,6 +81,12 @@ int __wrap_fseek(std::FILE* file, long offset, int whence) {
 
 int __wrap_fseeko(std::FILE* file, off_t offset, int whence) {
   if (!Faults::IsToFail("fseeko")) return __real_fseeko(file, offset, whence);
+  errno = EIO;
+  return -1;
+}
+
+off_t __wrap_ftello(std::FILE* file) {
+  if (!Faults::IsToFail("ftello")) return __real_ftello(file);
   errno = EIO;
   return -1;
 }

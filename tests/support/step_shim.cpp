@@ -1,12 +1,12 @@
-// Loaded into a program in front of the C library (LD_PRELOAD): counts the calls by which it
-// changes files, and does something at one of them. SURVEYDATA_SHIM says what, at which call,
+// Loaded into a program in front of the C library (LD_PRELOAD): counts the calls by which it reads
+// and changes files, and does something at one of them. SURVEYDATA_SHIM says what, at which call,
 // counted from 0 over all of them, or of one function alone:
 //
 //   log                      nothing
 //   kill N                   ends the process as SIGKILL does, before the call
 //   tear N                   the same, but half of what a write is to write is written
 //   stop N | stop NAME N     stops the process as SIGSTOP does, before the call
-//   short N                  a write writes half and says so
+//   short N                  a write writes half and says so, a read reads half
 //   fail N ERRNO | fail NAME N ERRNO    the call does nothing and fails; N = -1: every call
 //   wait NAME MILLISECONDS   each call of the function takes so long
 //
@@ -164,6 +164,13 @@ extern "C" {
   });
 }
 
+[[gnu::visibility("default")]] ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
+  const Turn turn = Enter("pread");
+  if (turn == Turn::kFail) return -1;
+  return Next<ssize_t (*)(int, void*, size_t, off_t)>("pread")(
+      file, bytes, turn == Turn::kHalf ? count / 2 : count, offset);
+}
+
 // The same by the names that a program calls which asks for offsets of 64 bits.
 [[gnu::visibility("default")]] int open64(const char* path, int flags, ...) {
   va_list more;
@@ -174,6 +181,10 @@ extern "C" {
 }
 [[gnu::visibility("default")]] int mkostemp64(char* path, int flags) {
   return mkostemp(path, flags);
+}
+[[gnu::visibility("default")]] ssize_t pread64(int file, void* bytes, size_t count,
+                                               off64_t offset) {
+  return pread(file, bytes, count, offset);
 }
 [[gnu::visibility("default")]] ssize_t pwrite64(int file, const void* bytes, size_t count,
                                                 off64_t offset) {

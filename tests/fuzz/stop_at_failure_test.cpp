@@ -1,0 +1,19 @@
+#include <gtest/gtest.h>
+
+#include "tests/fuzz/fuzz_input.h"
+
+// Without this the targets could find nothing.
+
+namespace {
+
+// As in a target: nobody catches what is thrown.
+void FailInATarget() noexcept {
+  LLVMFuzzerInitialize(nullptr, nullptr);
+  EXPECT_EQ(1, 2) << "a finding";
+}
+
+TEST(FuzzTarget, EndsTheProcessAtTheFirstAssertionThatFails) {
+  EXPECT_DEATH(FailInATarget(), "a finding");
+}
+
+}  // namespace
