@@ -54,6 +54,18 @@ TYPED_TEST(Vectors, ABadIndexIsReportedAndUsed) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), line);
 }
 
+TEST(Vec2And3And4, AreMadeOfTheirComponentsInOrder) {
+  const cVec2 two(1.0, 2.0);
+  const cVec3 three(1.0, 2.0, 3.0);
+  const cVec4 four(1.0, 2.0, 3.0, 4.0);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(two[i], i + 1.0);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(three[i], i + 1.0);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(four[i], i + 1.0);
+  EXPECT_EQ(three.X(), 1.0);
+  EXPECT_EQ(three.Y(), 2.0);
+  EXPECT_EQ(three.Z(), 3.0);
+}
+
 TEST(Vec3, ScaleMultipliesByTheReciprocal) {
   cVec3 v(1.0, 2.0, -5.0);
   v.Scale(3.0);
