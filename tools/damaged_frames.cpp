@@ -50,7 +50,9 @@ void DamagedFrameFinderC::Find(const SDI::GPSRecordEntry& gap, RecordWalkC& walk
       const auto header = Frame::Header::Load(&bytes[i]);
       // Less than times and flags is no frame, whatever the checksum.
       if (!header.IsMeasurement() || header.length < Frame::kBlocksAt) continue;
-      report({at + i, header.Size(), Reason(at + i + header.Size(), gapEnd, walk.GetFileSize())});
+      const std::uint64_t end = at + i + header.Size();
+      report({at + i, header.Size(), Reason(end, gapEnd, walk.GetFileSize()),
+              end > gapEnd && end <= walk.GetFileSize()});
     }
     at += starts;
     walk.ShowProgress(at);

@@ -16,6 +16,7 @@ struct DamagedFrame {
   std::uint64_t offset;
   std::uint64_t size;  ///< As its header has it.
   const char* reason;
+  bool isInNextRecord = false;  ///< It ends in the next record: maybe no frame but chance bytes.
 };
 
 /// Looks for damaged frames in the gaps of a record file. Throws `ToolErrorC` where the file cannot

@@ -27,8 +27,11 @@ ProgressC::ProgressC(std::uint64_t total, bool hasRows)
                 !(hasRows && IsTerminal(StandardStream::kOutput))),
       nextDraw_(steady_clock::now() + kPatience) {}
 
-ProgressC::~ProgressC() {
+ProgressC::~ProgressC() { Wipe(); }
+
+void ProgressC::Wipe() {
   if (width_ > 0) std::fputs(fmt::format("\r{:{}}\r", "", width_).c_str(), stderr);
+  width_ = 0;
 }
 
 void ProgressC::Draw(std::uint64_t done) {

@@ -22,6 +22,8 @@ class ProgressC {
   void Update(std::uint64_t done) {
     if (isWanted_ && done >= next_) Draw(done);
   }
+  /// Wipes the bar away, for a message in its place; the next update may draw it again.
+  void Wipe();
 
  private:
   void Draw(std::uint64_t done);

@@ -60,9 +60,11 @@ void AddRecordExport(CLI::App& record, ExitCode& result) {
   CLI::App& command = *record.add_subcommand(
       "export",
       "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
-      "A frame whose blocks do not fit is left out, named on standard error, and gives the\n"
-      "exit code 1. Other kinds of records and gaps are passed over; a file that has nothing else\n"
-      "gives the exit code 1 as well.");
+      "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
+      "code 1; one that runs into the next record is counted alone, for chance bytes look like "
+      "it.\n"
+      "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
+      "exit code 1 as well.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
   command.add_flag("--csv", options->isCsv, "CSV with a header row, quoted as RFC 4180 has it");

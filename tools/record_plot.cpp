@@ -72,8 +72,8 @@ void AddRecordPlot(CLI::App& record, ExitCode& result) {
   CLI::App& command = *record.add_subcommand(
       "plot",
       "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
-      "where time steps by more than three times the median step. A frame whose blocks do not fit\n"
-      "is left out, named on standard error, and gives the exit code 1.");
+      "where time steps by more than three times the median step. Bad frames are left out,\n"
+      "counted on standard error, and give the exit code 1, as of export.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
   AddOutputOption(command, options->output, "The picture to write", "OUT.svg")->required();

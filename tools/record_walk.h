@@ -20,10 +20,14 @@ class RecordWalkC {
   /// `hasRows`: as of `ProgressC`.
   explicit RecordWalkC(const std::string& file, bool hasRows = false);
 
+  const std::string& GetFile() const { return file_; }
+  /// 0 of a pipe.
   std::uint64_t GetFileSize() const { return index_.GetFileSize(); }
   bool Next(SDI::GPSRecordEntry& entry);
   /// For work on a stretch that takes long.
   void ShowProgress(std::uint64_t offset) { progress_.Update(offset); }
+  /// Before a message.
+  void HideProgress() { progress_.Wipe(); }
   /// The bytes of the record that `Next` gave last.
   std::span<const std::uint8_t> GetBytes() const { return index_.GetBytes(); }
 
@@ -33,8 +37,9 @@ class RecordWalkC {
   ProgressC progress_;
 };
 
-/// Reads the measurements that are left in `walk`. Frames whose blocks do not fit are left out,
-/// named on standard error, and make the answer `kFinding`.
+/// Reads the measurements that are left in `walk`. Bad frames, those that `record list` shows, are
+/// left out, counted on standard error, and make the answer `kFinding`; those that end in the next
+/// record are counted alone. Gaps of a pipe, which cannot be read twice, are told of instead.
 ExitCode ForEachMeasurement(RecordWalkC& walk,
                             const std::function<void(const DecodedRecord&)>& visit);
 

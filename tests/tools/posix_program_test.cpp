@@ -133,10 +133,25 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
       const Outcome outcome = RunShell(example, folder.Path().string());
       // The sample has gaps, which a list reports.
       EXPECT_EQ(outcome.exitCode, example.find(" list valley") != std::string::npos ? 1 : 0);
-      EXPECT_EQ(outcome.err, "");
+      const bool isReadWhole = example.find(" export valley") != std::string::npos ||
+                               example.find(" plot valley") != std::string::npos;
+      EXPECT_EQ(outcome.err, isReadWhole ? BadFramesTold(4, "valley_drive.rec") : "");
       EXPECT_TRUE(outcome.out != "" || folder.Names().size() > before);
     }
   }
+}
+
+TEST(RecordExport, TellsOfAPipeWhatItCouldNotSearch) {
+  const TempFolderC folder;
+  const Bytes good = MakeFrame(113, MakeBody(0, {}));
+  WriteBytes(folder / "gap.rec", good + Bytes{1, 2, 3} + good);
+  const Outcome outcome =
+      RunShell("cat gap.rec | surveydata record export /dev/stdin", folder.Path().string());
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(Lines(outcome.out).size(), 2u);
+  EXPECT_EQ(outcome.err,
+            "surveydata: 3 bytes between the records were not searched for bad frames: /dev/stdin "
+            "is no file that can be read twice\n");
 }
 
 // A file that is larger than the memory that the program may take.

@@ -74,6 +74,12 @@ std::vector<nlohmann::json> JsonLines(std::string_view text);
 /// Names of the samples, without extension.
 inline constexpr const char* kSamples[] = {"valley_drive", "desert_highway"};
 
+/// What `record export` and `record plot` tell of bad frames that they leave out.
+std::string BadFramesTold(int count, const std::string& file);
+
+/// The headers in gaps of a sample, with frames that would run into the next record.
+inline int BadFramesOf(std::string_view sample) { return sample == "valley_drive" ? 4 : 2; }
+
 /// Where the records of a sample lie: `frames`, `others` and `padding`.
 nlohmann::json SampleIndex(std::string_view name);
 

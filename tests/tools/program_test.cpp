@@ -113,7 +113,7 @@ TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
 TEST(Program, DrawsNoProgressBarWhereStandardErrorIsNoTerminal) {
   const Outcome outcome = RunProgram({"record", "export", DataPath("valley_drive.rec")});
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.err, BadFramesTold(4, DataPath("valley_drive.rec")));
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ TEST(RecordExport, GivesTheExpectationLinesOfBothSamplesByteForByte) {
     SCOPED_TRACE(name);
     const Outcome outcome = Export(DataPath(std::string(name) + ".rec"));
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.err, BadFramesTold(BadFramesOf(name), DataPath(std::string(name) + ".rec")));
     EXPECT_TRUE(outcome.out == ReadText(DataPath(std::string(name) + ".expected.jsonl")));
   }
 }
@@ -194,7 +194,51 @@ TEST(RecordExport, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
   const Outcome outcome = Export(WriteFrames(folder, good + bad + good));
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_EQ(JsonLines(outcome.out).size(), 2u);
-  EXPECT_EQ(outcome.err, "surveydata: the frame at 19 is left out: its blocks do not fit\n");
+  EXPECT_EQ(outcome.err, "surveydata: the frame at 19 is left out: its blocks do not fit\n" +
+                             BadFramesTold(1, folder / "made.rec"));
+}
+
+TEST(RecordExport, TellsHowManyBadFramesItLeavesOutAsManyAsAListShows) {
+  const TempFolderC folder;
+  const Bytes good = MakeFrame(113, MakeBody(0, {}));
+  Bytes bad = good;
+  bad[10] ^= 1;
+  const Bytes unfit = MakeFrame(113, MakeBody(0x0008, {2}));
+  const auto cutTo = [&good](std::ptrdiff_t size) {
+    return Bytes(good.begin(), good.begin() + size);
+  };
+  const struct {
+    const char* what;
+    Bytes bytes;
+    std::size_t written;
+    int badFrames;
+    int exitCode;
+  } cases[] = {
+      {"nothing bad", good + MakeFrame(17, {1}) + Bytes{7} + good, 2, 0, 0},
+      {"wrong checksum", good + bad + good, 2, 1, 1},
+      {"two, and bytes between", bad + Bytes{1, 2} + good + bad, 1, 2, 1},
+      {"cut by the end", good + cutTo(18), 1, 1, 1},
+      {"header alone at the end", good + cutTo(5), 1, 1, 1},
+      {"too little of a header", good + cutTo(4), 1, 0, 0},
+      {"runs into the next record", cutTo(18) + good + good, 2, 1, 0},
+      {"runs into the next record, and a wrong checksum", cutTo(18) + good + bad, 1, 2, 1},
+      {"a wrong checksum, and runs into the next record", bad + good + cutTo(18) + good, 2, 2, 1},
+  };
+  for (const auto& [what, bytes, written, badFrames, exitCode] : cases) {
+    SCOPED_TRACE(what);
+    const std::string file = WriteFrames(folder, bytes);
+    const Outcome outcome = Export(file);
+    EXPECT_EQ(outcome.exitCode, exitCode);
+    EXPECT_EQ(JsonLines(outcome.out).size(), written);
+    EXPECT_EQ(outcome.err, badFrames == 0 ? "" : BadFramesTold(badFrames, file));
+    const std::string list = RunProgram({"record", "list", file}).out;
+    const std::string count =
+        ", " + std::to_string(badFrames) + (badFrames == 1 ? " bad frame\n" : " bad frames\n");
+    EXPECT_TRUE(list.ends_with(count)) << list;
+  }
+  const std::string file = WriteFrames(folder, unfit + good + bad);
+  EXPECT_EQ(Export(file).err, "surveydata: the frame at 0 is left out: its blocks do not fit\n" +
+                                  BadFramesTold(2, file));
 }
 
 TEST(RecordExport, SaysOfAFileWithoutMeasurementsThatItHasNone) {

@@ -92,7 +92,8 @@ TEST(RecordPlot, DrawsEveryValueAndLeavesGapsOpen) {
     const TempFolderC folder;
     const Outcome outcome = Plot(DataPath(std::string(name) + ".rec"), folder / "out.svg");
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, BadFramesTold(BadFramesOf(name), DataPath(std::string(name) + ".rec")));
     const ptree svg = ParseXml(ReadText(folder / "out.svg"));
     const auto records = JsonLines(ReadText(DataPath(std::string(name) + ".expected.jsonl")));
     EXPECT_GT(ExpectedRuns(records, medianStep, hasPair).size(), 2u) << "no gap to leave open";
@@ -181,6 +182,23 @@ TEST(RecordPlot, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
             std::string::npos)
       << outcome.err;
   EXPECT_EQ(Runs(ParseXml(ReadText(folder / "out.svg")), "#0072b2"), std::vector<std::size_t>{1});
+}
+
+TEST(RecordPlot, TellsHowManyBadFramesItLeavesOut) {
+  const TempFolderC folder;
+  const Bytes good = MakeFrame(113, MakeBody(0x0100, {12, 7}));
+  Bytes bad = good;
+  bad[10] ^= 1;
+  WriteBytes(folder / "two.rec", good + bad);
+  const Outcome outcome = Plot(folder / "two.rec", folder / "out.svg");
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.err, BadFramesTold(1, folder / "two.rec"));
+  EXPECT_EQ(Runs(ParseXml(ReadText(folder / "out.svg")), "#0072b2"), std::vector<std::size_t>{1});
+
+  WriteBytes(folder / "none.rec", bad + bad);
+  const Outcome none = Plot(folder / "none.rec", folder / "none.svg");
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_TRUE(none.err.starts_with(BadFramesTold(2, folder / "none.rec"))) << none.err;
 }
 
 TEST(RecordPlot, RefusesAFileWithoutMeasurementsAndItsOwnInput) {
