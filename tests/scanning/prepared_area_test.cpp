@@ -134,6 +134,72 @@ TEST(PreparedArea, ACopyAnswersAsItsSource) {
   EXPECT_FALSE(copy.Contains(3.0, 1.2));
 }
 
+// Rings whose edges crowd, each in another way.
+void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
+  const auto add = [](ScanPolygonAreaC& area, double hz, double v) {
+    area.AddPoint({hz - kTwoPi * std::floor(hz / kTwoPi), v, -1.0});
+  };
+  for (const double hz : {3.0, 0.05}) {  // a star, and one across Hz 0
+    ScanPolygonAreaC& star = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
+    for (int i = 0; i < 400; ++i) {
+      const double angle = kTwoPi * i / 400;
+      const double r = i % 2 == 0 ? 0.5 : 0.4;
+      add(star, hz + r * std::cos(angle), 1.4 + r * std::sin(angle));
+    }
+  }
+  // Long arcs that rise in between, to and fro; the way back is beyond them.
+  for (const double hz : {0.5, 5.0}) {
+    ScanPolygonAreaC& fan = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
+    for (int i = 0; i <= 60; ++i) {
+      add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);
+    }
+    for (const auto& [east, v] : {std::pair(0.0, 2.4), {2.6, 2.4}, {2.6, 0.6}}) {
+      add(fan, hz + east, v);
+    }
+  }
+  ScanPolygonAreaC& ring = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
+  for (int i = 0; i < 400; ++i) ring.AddPoint({kTwoPi * i / 400, 1.0 + 0.1 * (i % 5), -1.0});
+}
+
+TEST(PreparedArea, AnswersAsTheAreaDoesNextToItsEdges) {
+  std::vector<std::unique_ptr<ScanPolygonAreaC>> rings;
+  MakeCrowdedRings(rings);
+  for (const auto& ring : rings) {
+    const PreparedAreaC prepared(*ring);
+    std::vector<ScanDefPointC> points;
+    ring->GetPoints(points);
+    std::size_t inside = 0;
+    for (std::size_t i = 0; i + 1 < points.size(); i += 5) {
+      const double from = points[i].GetHz();
+      const double to = points[i + 1].GetHz();
+      for (const double part : {0.0, 0.3, 0.5, 1.0}) {
+        const double hz = from + part * std::remainder(to - from, kTwoPi);
+        const double v = points[i].GetV() + part * (points[i + 1].GetV() - points[i].GetV());
+        // On the chord, within the boundary band, just beyond it, far from it.
+        for (const double off : {0.0, 7e-6, -7e-6, 9e-6, -9e-6, 0.03, -0.3, 0.3}) {
+          const bool expected = ring->Contains(hz, v + off);
+          ASSERT_EQ(prepared.Contains(hz, v + off), expected) << hz << ", " << v << " + " << off;
+          inside += expected;
+        }
+      }
+    }
+    EXPECT_GT(inside, points.size() / 10);
+  }
+}
+
+TEST(PreparedArea, AnswersAsTheAreaDoesOnTheMeridiansOfItsCorners) {
+  ScanPolygonAreaC polygon;
+  for (const auto& [hz, v] : {std::pair(1.0, 1.0), {2.5, 0.7}, {3.0, 1.5}, {2.0, 2.2}}) {
+    polygon.AddPoint({hz, v, -1.0});
+  }
+  const PreparedAreaC prepared(polygon);
+  for (const double hz : {1.0, 2.5, 3.0, 2.0}) {
+    for (double v = 0.0; v < kPi; v += 0.01) {
+      ASSERT_EQ(prepared.Contains(hz, v), polygon.Contains(hz, v)) << hz << ", " << v;
+    }
+  }
+}
+
 // More edges side by side than are compared with each other.
 TEST(PreparedArea, AThousandEdgesNextToEachOther) {
   ScanPolygonAreaC area;
