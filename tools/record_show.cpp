@@ -47,7 +47,12 @@ std::vector<std::uint8_t> LoadFrame(const Options& options) {
   const auto refuse = [&](std::string_view what) {
     return ToolErrorC(ExitCode::kFinding, fmt::format("{} at offset {}", what, options.offset));
   };
-  if (bytes.size() < Frame::kHeaderSize) throw refuse("the file ends");
+  if (bytes.empty()) {
+    throw ToolErrorC(ExitCode::kFinding,
+                     fmt::format("no valid measurement frame at offset {}: the file ends before it",
+                                 options.offset));
+  }
+  if (bytes.size() < Frame::kHeaderSize) throw refuse("no record stands");
   const auto header = Frame::Header::Load(bytes.data());
   if (!header.IsRecord()) throw refuse("no record stands");
   if (!header.IsMeasurement()) {

@@ -96,8 +96,11 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
       {"1", "no record stands at offset 1"},
       {"894", "a frame with a wrong checksum stands at offset 894"},
       {"960", "the end of the file cuts the frame at offset 960"},
-      {"1422", "the file ends at offset 1422"},
-      {"18446744073709551615", "the file ends at offset 18446744073709551615"},
+      {"1422", "no record stands at offset 1422"},
+      {"1425", "no record stands at offset 1425"},
+      {"1426", "no valid measurement frame at offset 1426: the file ends before it"},
+      {"18446744073709551615",
+       "no valid measurement frame at offset 18446744073709551615: the file ends before it"},
   };
   for (const auto& [offset, message] : cases) {
     SCOPED_TRACE(offset);
