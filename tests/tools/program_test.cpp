@@ -70,6 +70,32 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
   }
 }
 
+TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* message;
+  } cases[] = {
+      {{}, "a command is missing: surveydata has record, area"},
+      {{"foo"}, "there is no command 'foo': surveydata has record, area"},
+      {{"records", "list", "a.rec"}, "there is no command 'records': surveydata has record, area"},
+      {{"record"}, "a command is missing: record has list, show, export, set, plot"},
+      {{"record", "lst"}, "there is no command 'lst': record has list, show, export, set, plot"},
+      {{"record", "--json", "lst", "a.rec"},
+       "there is no command 'lst': record has list, show, export, set, plot"},
+      {{"record", "--json"}, "a command is missing: record has list, show, export, set, plot"},
+      {{"area", "foo"}, "there is no command 'foo': area has info, outline, contains, plot"},
+      {{"record", "list"}, "FILE is required"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    SCOPED_TRACE(Joined(arguments));
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err,
+              "surveydata: " + std::string(message) + "\nRun with --help for more information.\n");
+  }
+}
+
 TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
   const TempFolderC folder;
   for (const std::string& file : {folder / "missing.rec", folder.Path().string()}) {
