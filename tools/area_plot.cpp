@@ -28,9 +28,10 @@ struct Options {
 AngleWindow ParseWindow(const std::string& text, AngleUnit unit) {
   std::size_t comma = text.find(',');
   if (comma != std::string::npos) comma = text.find(',', comma + 1);
-  const auto first = ParseDirection(std::string_view(text).substr(0, comma));
+  const auto first = ParseDirectionAlone(std::string_view(text).substr(0, comma));
   if (comma == std::string::npos) comma = text.size();
-  const auto last = ParseDirection(std::string_view(text).substr(std::min(comma + 1, text.size())));
+  const auto last =
+      ParseDirectionAlone(std::string_view(text).substr(std::min(comma + 1, text.size())));
   if (!first || !last || !(first->hz < last->hz) || !(first->v < last->v) ||
       last->hz - first->hz > 4 * HalfTurn(unit)) {
     throw ToolErrorC(ExitCode::kUsage,

@@ -58,28 +58,44 @@ bool BeginsWithNumber(std::string_view text) {
   return length == text.size() || std::isalnum(static_cast<unsigned char>(text[length])) == 0;
 }
 
+// Takes Hz and V from the front, and tells what stands between them.
+std::optional<Direction> TakeDirection(std::string_view& text, char& separator) {
+  const auto hz = TakeNumber(text);
+  if (!hz) return {};
+  separator = TakeSeparator(text);
+  if (separator == '\0') return {};
+  const auto v = TakeNumber(text);
+  if (!v) return {};
+  return Direction{*hz, *v};
+}
+
 }  // namespace
 
 std::optional<Direction> ParseDirection(std::string_view text) {
   text = Trimmed(text);
-  const auto hz = TakeNumber(text);
-  if (!hz) return {};
-  const char separator = TakeSeparator(text);
-  if (separator == '\0') return {};
-  const auto v = TakeNumber(text);
-  if (!v) return {};
-  if (text.empty()) return Direction{*hz, *v};
+  char separator = '\0';
+  const auto direction = TakeDirection(text, separator);
+  if (!direction || text.empty()) return direction;
   const char next = TakeSeparator(text);
   if (next == '\0') return {};
   // 57,92;95,3 and 57,92 95,3 have decimal commas, or two directions: nobody knows.
   if (separator == ',' && next != ',' && TakeNumber(text)) return {};
-  return Direction{*hz, *v};
+  return direction;
+}
+
+std::optional<Direction> ParseDirectionAlone(std::string_view text) {
+  text = Trimmed(text);
+  char separator = '\0';
+  const auto direction = TakeDirection(text, separator);
+  return text.empty() ? direction : std::nullopt;
 }
 
 Direction RequireDirection(const std::string& text) {
-  const auto direction = ParseDirection(text);
+  const auto direction = ParseDirectionAlone(text);
   if (!direction) {
-    throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is no direction HZ,V", text));
+    throw ToolErrorC(
+        ExitCode::kUsage,
+        fmt::format("{} is no direction HZ,V: two numbers, with a point for decimals", text));
   }
   return *direction;
 }

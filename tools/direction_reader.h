@@ -22,7 +22,10 @@ struct Direction {
 /// another separator sets off.
 std::optional<Direction> ParseDirection(std::string_view text);
 
-/// A direction of the command line. \throw ToolErrorC  when it is none.
+/// Hz and V, and nothing behind them: there decimal commas would go unnoticed.
+std::optional<Direction> ParseDirectionAlone(std::string_view text);
+
+/// A direction of the command line, alone. \throw ToolErrorC  when it is none.
 Direction RequireDirection(const std::string& text);
 
 /// Reads directions line by line in a fixed amount of memory. Empty lines, lines that begin with

@@ -403,4 +403,17 @@ TEST(ParseDirection, TakesTwoNumbersWithOneSeparator) {
   }
 }
 
+TEST(ParseDirectionAlone, TakesNothingBehindTheTwoNumbers) {
+  for (const char* const text : {"1,2", "1;2", "1 2", " 1 , 2 ", "+1,+2"}) {
+    const auto direction = Tool::ParseDirectionAlone(text);
+    ASSERT_TRUE(direction.has_value()) << text;
+    EXPECT_EQ(direction->hz, 1);
+    EXPECT_EQ(direction->v, 2);
+  }
+  for (const char* const text :
+       {"", "1", "1,", "1,2,", "1,2;", "1,2,3", "1;2;3", "1 2 3", "1,2,x", "1 2 x", "1,2x"}) {
+    EXPECT_FALSE(Tool::ParseDirectionAlone(text).has_value()) << text;
+  }
+}
+
 }  // namespace
