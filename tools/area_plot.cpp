@@ -77,9 +77,7 @@ void AddAreaPlot(CLI::App& area, ExitCode& result) {
       "its bounds and the lowest usable direction. What is filled is what the library answers.");
   const auto options = std::make_shared<Options>();
   AddAreaArgument(command, options->file);
-  AddOutputOption(command, options->output, "The picture to write, - for standard output",
-                  "OUT.svg")
-      ->required();
+  AddPictureOption(command, options->output);
   command
       .add_option("--probe", options->probes,
                   "A direction to ask for and to mark with the answer; can be repeated")

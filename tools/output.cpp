@@ -60,4 +60,16 @@ CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::
       ->type_name(typeName);
 }
 
+CLI::Option* AddPictureOption(CLI::App& command, std::string& output) {
+  return AddOutputOption(command, output, "The picture to write, - for standard output", "OUT.svg")
+      ->required()
+      ->check([](const std::string& name) {
+        const std::string extension = CLI::detail::to_lower(ToPath(name).extension().string());
+        for (const char* const other : {".png", ".jpg", ".jpeg", ".pdf", ".gif"}) {
+          if (extension == other) return fmt::format("{} is no name for an SVG picture", name);
+        }
+        return std::string();
+      });
+}
+
 }  // namespace Tool

@@ -51,6 +51,10 @@ class OutputC {
 CLI::Option* AddOutputOption(CLI::App& command, std::string& output, const std::string& description,
                              const std::string& typeName);
 
+/// Adds a required `-o,--output` for an SVG picture. Names that end like pictures of another kind
+/// are refused.
+CLI::Option* AddPictureOption(CLI::App& command, std::string& output);
+
 }  // namespace Tool
 
 #endif  // SURVEYDATA_TOOLS_OUTPUT_H_

@@ -68,7 +68,8 @@ void AddRecordExport(CLI::App& record, ExitCode& result) {
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
   command.add_flag("--csv", options->isCsv, "CSV with a header row, quoted as RFC 4180 has it");
-  AddOutputOption(command, options->output, "Write to this file, not standard output", "OUT");
+  AddOutputOption(command, options->output, "The file to write, - for standard output, the default",
+                  "OUT");
   command.footer("Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv");
   command.callback([options, &result] { result = Run(*options); });
 }

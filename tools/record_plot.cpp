@@ -76,7 +76,7 @@ void AddRecordPlot(CLI::App& record, ExitCode& result) {
       "counted on standard error, and give the exit code 1, as of export.");
   const auto options = std::make_shared<Options>();
   AddFileArgument(command, options->file);
-  AddOutputOption(command, options->output, "The picture to write", "OUT.svg")->required();
+  AddPictureOption(command, options->output);
   command.footer("Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg");
   command.callback([options, &result] { result = Run(*options); });
 }

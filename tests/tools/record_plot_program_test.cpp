@@ -201,6 +201,38 @@ TEST(RecordPlot, TellsHowManyBadFramesItLeavesOut) {
   EXPECT_TRUE(none.err.starts_with(BadFramesTold(2, folder / "none.rec"))) << none.err;
 }
 
+TEST(RecordPlot, RefusesNamesOfOtherPicturesAsAreaPlotDoes) {
+  const TempFolderC folder;
+  for (const char* const name : {"a.png", "a.PNG", "a.jpg", "a.jpeg", "a.pdf", "a.gif"}) {
+    SCOPED_TRACE(name);
+    for (const Outcome& outcome :
+         {Plot(DataPath("valley_drive.rec"), folder / name),
+          RunProgram({"area", "plot", DataPath("areas/facade.json"), "-o", folder / name})}) {
+      EXPECT_EQ(outcome.exitCode, 2);
+      EXPECT_NE(outcome.err.find("is no name for an SVG picture"), std::string::npos)
+          << outcome.err;
+    }
+  }
+  EXPECT_TRUE(folder.Names().empty());
+  for (const char* const name : {"a.svg", "a.SVG", "png", "a.png.svg"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(Plot(DataPath("valley_drive.rec"), folder / name).exitCode, 0);
+  }
+}
+
+TEST(RecordPlot, WritesToStandardOutputAsItsHelpSays) {
+  const TempFolderC folder;
+  const std::string file = DataPath("valley_drive.rec");
+  Plot(file, folder / "out.svg");
+  EXPECT_EQ(Plot(file, "-").out, ReadText(folder / "out.svg"));
+  EXPECT_EQ(RunProgram({"record", "export", file, "-o", "-"}).out,
+            RunProgram({"record", "export", file}).out);
+  for (const char* const command : {"plot", "export"}) {
+    const std::string help = RunProgram({"record", command, "--help"}).out;
+    EXPECT_NE(help.find("- for standard output"), std::string::npos) << help;
+  }
+}
+
 TEST(RecordPlot, RefusesAFileWithoutMeasurementsAndItsOwnInput) {
   const TempFolderC folder;
   const Bytes bytes = MakeFrame(17, {1, 2, 3});
