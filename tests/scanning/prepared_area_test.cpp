@@ -147,15 +147,23 @@ void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
       add(star, hz + r * std::cos(angle), 1.4 + r * std::sin(angle));
     }
   }
-  // Long arcs that rise in between, to and fro; the way back is beyond them.
-  for (const double hz : {0.5, 5.0}) {
+  // Long arcs that rise in between, to and fro, and the way back beside them.
+  for (const double hz : {0.2, 5.0}) {
     ScanPolygonAreaC& fan = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
-    for (int i = 0; i <= 60; ++i) {
-      add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);
+    for (int i = 0; i <= 60; ++i) add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);
+    add(fan, hz - 0.2, 1.9);
+    add(fan, hz - 0.2, 0.7);
+  }
+  // A ribbon of level edges, a few boundary bands from one to the next. A band is where it should
+  // be for a frame that begins at Hz 0.
+  for (const double hz : {0.02, 6.2}) {
+    ScanPolygonAreaC& ribbon = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
+    for (int i = 0; i <= 80; ++i) {
+      const bool isEast = i % 4 == 1 || i % 4 == 2;
+      add(ribbon, hz + (isEast ? 0.01 : 0.0), 1.5 + 4e-5 * (i / 2));
     }
-    for (const auto& [east, v] : {std::pair(0.0, 2.4), {2.6, 2.4}, {2.6, 0.6}}) {
-      add(fan, hz + east, v);
-    }
+    add(ribbon, hz - 0.02, 1.5 + 4e-5 * 40);
+    add(ribbon, hz - 0.02, 1.5);
   }
   ScanPolygonAreaC& ring = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
   for (int i = 0; i < 400; ++i) ring.AddPoint({kTwoPi * i / 400, 1.0 + 0.1 * (i % 5), -1.0});
@@ -169,7 +177,7 @@ TEST(PreparedArea, AnswersAsTheAreaDoesNextToItsEdges) {
     std::vector<ScanDefPointC> points;
     ring->GetPoints(points);
     std::size_t inside = 0;
-    for (std::size_t i = 0; i + 1 < points.size(); i += 5) {
+    for (std::size_t i = 0; i + 1 < points.size(); i += points.size() > 100 ? 5 : 1) {
       const double from = points[i].GetHz();
       const double to = points[i + 1].GetHz();
       for (const double part : {0.0, 0.3, 0.5, 1.0}) {
