@@ -117,8 +117,8 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
   bool Contains(double hz, double v) const;
 
   /// A bound, rad; the largest finite double when the area is not valid. `GetHzMin` exceeds
-  /// `GetHzMax` when the area crosses Hz 0. Around the zenith, `GetVMin` is the least V of the ring,
-  /// not 0.
+  /// `GetHzMax` when the area crosses Hz 0. Around the zenith, `GetVMin` is the least V of the
+  /// ring, not 0.
   /// @{
   double GetHzMin() const;
   double GetVMin() const;
