@@ -85,7 +85,7 @@ TEST(CompareWithTolerance, GivesTheKnownAnswers) {
       {kInfinity, -kInfinity, DBL_EPSILON, 1},
       {kInfinity, kInfinity, DBL_EPSILON, 0},  // their difference is NaN
       {-kInfinity, -kInfinity, 0.0, 0},
-      {kInfinity, 1.0, DBL_MAX, 1},  // the tolerance of an infinity is the epsilon
+      {kInfinity, 1.0, DBL_MAX, 1},         // the tolerance of an infinity is the epsilon
       {DBL_MAX, -DBL_MAX, DBL_EPSILON, 1},  // the difference is infinite
       {DBL_MAX, DBL_MAX / 2, 1.0, 0},       // and here the tolerance is
       {kNaN, 1.0, DBL_EPSILON, 0},

@@ -92,7 +92,8 @@ class BalanceC {
 enum class Extent { kNothing, kHalf };
 
 /// Makes the file call with this number, counted from 0 from now on, fail, and no other: `fopen`,
-/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `fclose`. A close that fails closes all the same.
+/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `fclose`. A close that fails closes all the
+/// same.
 void FailFileCall(std::size_t number, Extent extent = Extent::kNothing);
 /// All succeed.
 void FailNoFileCall();
