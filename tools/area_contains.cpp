@@ -116,10 +116,9 @@ void AddAreaContains(CLI::App& area, ExitCode& result) {
       "contains",
       "Tell of directions whether they lie inside an area, or within 0.0005 gon of its boundary.\n"
       "Directions come from the command line, from a file or from standard input, one a line: Hz\n"
-      "and V in the unit of the area file, with a comma, semicolon or blanks between. Of lines "
-      "what\n"
-      "follows is passed over, and so are a heading, empty lines and those that begin with #. A\n"
-      "direction outside gives the exit code 1.");
+      "and V in the unit of the area file, with a comma, semicolon or blanks between. What\n"
+      "follows in a line is passed over, and so are a heading, empty lines and those that begin\n"
+      "with #. A direction outside gives the exit code 1.");
   const auto options = std::make_shared<Options>();
   AddAreaArgument(command, options->file);
   CLI::Option* const directions =

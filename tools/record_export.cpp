@@ -61,8 +61,7 @@ void AddRecordExport(CLI::App& record, ExitCode& result) {
       "export",
       "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
       "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
-      "code 1; one that runs into the next record is counted alone, for chance bytes look like "
-      "it.\n"
+      "code 1; one that runs into the next record, as chance bytes do, is counted alone.\n"
       "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
       "exit code 1 as well.");
   const auto options = std::make_shared<Options>();

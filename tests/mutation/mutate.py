@@ -276,7 +276,8 @@ def main():
     programs = prepare(sorted({test for mutation in chosen for test in tests_for(mutation["file"])}),
                        arguments.jobs)
     verdicts = Counter()
-    with open(RESULTS, "w", encoding="utf-8") as results:
+    part = RESULTS.with_suffix(".part")  # a run that is stopped leaves the results of the last one
+    with open(part, "w", encoding="utf-8") as results:
         for position, mutation in enumerate(chosen, 1):
             begin = time.monotonic()
             verdict, by = try_mutation(mutation, programs, arguments.jobs)
@@ -290,6 +291,7 @@ def main():
             print(f"{position}/{len(chosen)} {verdict:<16} {mutation['file']}:{mutation['line']} "
                   f"{mutation['before']}  =>  {mutation['after'] or '(dropped)'}"
                   f"  [{by or '-'}, {time.monotonic() - begin:.0f} s]", flush=True)
+    part.replace(RESULTS)
     print(", ".join(f"{count} {verdict}" for verdict, count in sorted(verdicts.items())))
     return 1 if verdicts["survived"] else 0
 
