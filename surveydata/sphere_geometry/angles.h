@@ -60,6 +60,9 @@ bool AtMost(double a, double b, std::uint16_t digits = kDigits);
 /// The gon has 400 to the full turn.
 constexpr double GonToRad(double gon) { return gon / 200.0 * PI; }
 
+/// A direction this near the boundary of an area (half of it on either side) counts as inside.
+inline constexpr double CONTAINS_TOLERANCE = GonToRad(0.001);
+
 /// The angle in [0, 2 pi) that differs from `a` by full turns; NaN when `a` is not finite.
 inline double NormalizeAngle(double a) {
   if (0.0 <= a && a < TWO_PI) return a;

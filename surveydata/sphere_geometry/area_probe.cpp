@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include <surveydata/sphere_geometry/area_probe.h>
-#include <surveydata/sphere_geometry/sphere_area.h>
 
 namespace GMAT {
 

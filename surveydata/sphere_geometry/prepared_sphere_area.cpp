@@ -71,21 +71,18 @@ double SumOfSpans(const std::vector<AnglePointC>& edges, std::size_t count) {
 }  // namespace
 
 PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area) {
-  SphereAreaC::Frame frame;
-  if (!area.BuildFrame(frame)) return;
-  if (!frame.enclosesZenith && !area.IsRingValid(frame.edges)) return;
-  hzOrigin_ = frame.hzOrigin;
-  vLow_ = std::min(frame.vMin, frame.vMax);
-  vHigh_ = std::max(frame.vMin, frame.vMax);
-  enclosesZenith_ = frame.enclosesZenith;
-  edges_ = std::move(frame.edges);
+  AreaFrame frame;
+  if (!BuildFrame(area.GetPoints(), frame)) return;
+  if (!frame.enclosesZenith && !IsRingValid(area.GetPoints(), frame.edges)) return;
+  frame_ = std::move(frame);
+  vLow_ = std::min(frame_.vMin, frame_.vMax);
+  vHigh_ = std::max(frame_.vMin, frame_.vMax);
   if (!std::all_of(area.GetPoints().begin(), area.GetPoints().end(), IsRegular)) {
     way_ = Way::kPlain;
-    plainArea_ = area;
     return;
   }
-  for (const AnglePointC& point : edges_) frameWidth_ = std::max(frameWidth_, point.Hz);
-  if (area.GetPointCount() == 2) {
+  for (const AnglePointC& point : frame_.edges) frameWidth_ = std::max(frameWidth_, point.Hz);
+  if (!frame_.isPolygon) {
     way_ = Way::kRectangle;
     return;
   }
@@ -93,24 +90,24 @@ PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area) {
   hasSearchLine_ =
       GreatCircleArcC(SpherePointC({0.0, vLow_}), SpherePointC({0.0, vHigh_})).IsValid();
   std::vector<CellGridC::Part> parts;
-  parts.reserve(4 * edges_.size());
+  parts.reserve(4 * frame_.edges.size());
   BuildStrips(parts);
   if (hasSearchLine_) BuildCurves(parts);
 }
 
 std::vector<PreparedSphereAreaC::Corner> PreparedSphereAreaC::BuildCorners() {
-  const std::size_t n = edges_.size() / 2;
+  const std::size_t n = frame_.GetEdgeCount();
   std::vector<Corner> corners;
   corners.reserve(n);
   curves_.reserve(n + 1);
-  SpherePointC start(edges_.front());
+  SpherePointC start(frame_.edges.front());
   for (std::size_t i = 0; i < n; ++i) {
-    const SpherePointC end(edges_[2 * i + 1]);
+    const SpherePointC end(frame_.GetEnd(i));
     const ArcEdgeC arc(start, end);
     const cVec3& u = start.GetUnit();
     const double level = Swing(u.X(), u.Y());
     corners.push_back(
-        {NormalizeAngle(edges_[2 * i].Hz), u.X() / level, u.Y() / level, u.Z() / level});
+        {NormalizeAngle(frame_.GetStart(i).Hz), u.X() / level, u.Y() / level, u.Z() / level});
     Curve& curve = curves_.emplace_back();
     curve.edge = static_cast<std::uint32_t>(i);
     const auto isAtZenith = [](const SpherePointC& p) {
@@ -144,7 +141,7 @@ void PreparedSphereAreaC::BuildCurves(std::vector<CellGridC::Part>& parts) {
   isNarrow_ = frameWidth_ < TWO_PI - 1e-3 && poleEdges_.empty();
   const double width = isNarrow_ ? std::max(frameWidth_, kMinWidth) : TWO_PI;
   const std::size_t columns =
-      CellGridC::CountColumns(n, SumOfSpans(edges_, n), width, 4.0 * kOverlap);
+      CellGridC::CountColumns(n, SumOfSpans(frame_.edges, n), width, 4.0 * kOverlap);
   curveGrid_ = CellGridC(width, columns);
   std::vector<Border> borders(columns + 1);
   for (std::size_t i = 0; i <= columns; ++i) {
@@ -155,8 +152,8 @@ void PreparedSphereAreaC::BuildCurves(std::vector<CellGridC::Part>& parts) {
   // What surely lies within the ends of the search line, and what beyond them.
   const double clearTop = TangentOf(vLow_ - kOverlap);
   const double clearBottom = TangentOf(vHigh_ + kOverlap);
-  const double above = enclosesZenith_ ? TangentOf(vLow_ - kLineMargin) : kUndecided;
-  const double below = enclosesZenith_ ? TangentOf(vHigh_ + kLineMargin) : -kUndecided;
+  const double above = frame_.enclosesZenith ? TangentOf(vLow_ - kLineMargin) : kUndecided;
+  const double below = frame_.enclosesZenith ? TangentOf(vHigh_ + kLineMargin) : -kUndecided;
 
   parts.clear();
   touches_.reserve(2 * n);
@@ -282,8 +279,8 @@ void PreparedSphereAreaC::FindTouchesOfCorners(const std::vector<Corner>& corner
     const Corner& corner = corners[i];
     double west = kMargin;
     double east = kMargin;
-    const bool goesEast = edges_[2 * i].Hz < edges_[2 * i + 1].Hz;
-    const bool cameEast = edges_[2 * before].Hz < edges_[2 * before + 1].Hz;
+    const bool goesEast = frame_.GetStart(i).Hz < frame_.GetEnd(i).Hz;
+    const bool cameEast = frame_.GetStart(before).Hz < frame_.GetEnd(before).Hz;
     if (in.kind == Kind::kArc && out.kind == Kind::kArc && goesEast != cameEast) {
       // Both edges are on one side, and part as a sinusoid that is 0 at the corner.
       const double span = std::min(in.high - in.low, out.high - out.low);
@@ -331,7 +328,7 @@ void PreparedSphereAreaC::FindTouchesOfCells(const std::vector<Border>& borders)
     const std::size_t first = std::min(a.curve->edge, b.curve->edge);
     const std::size_t second = std::max(a.curve->edge, b.curve->edge);
     const bool areNeighbours =
-        second - first < 2 || (first == 0 && 2 * (second + 1) == edges_.size());
+        second - first < 2 || (first == 0 && second + 1 == frame_.GetEdgeCount());
     if (areNeighbours) return;
     double low = std::max({columnWest, a.curve->low, b.curve->low}) - kMargin;
     double high = std::min({columnEast, a.curve->high, b.curve->high}) + kMargin;
@@ -419,15 +416,16 @@ inline bool PreparedSphereAreaC::MayTouch(double h) const {
 void PreparedSphereAreaC::BuildStrips(std::vector<CellGridC::Part>& parts) {
   // The probe of the band lies in [0, 2 pi], whatever the width of the frame.
   const double width = std::min(frameWidth_, TWO_PI) + 2.0 * kBandReach;
-  const std::size_t measured = edges_.size() / 2 - 1;  // the closing edge has no band
-  stripGrid_ = CellGridC(width, CellGridC::CountColumns(measured, SumOfSpans(edges_, measured),
-                                                        width, 2.0 * kBandReach));
+  const std::size_t measured = frame_.GetEdgeCount() - 1;  // the closing edge has no band
+  stripGrid_ =
+      CellGridC(width, CellGridC::CountColumns(measured, SumOfSpans(frame_.edges, measured), width,
+                                               2.0 * kBandReach));
   constexpr double kReach = kBandReach + kOverlap;
   const double step = stripGrid_.GetBorder(1);
   strips_.reserve(measured);
   for (std::size_t e = 0; e < measured; ++e) {
-    const AnglePointC& a = edges_[2 * e];
-    const AnglePointC& b = edges_[2 * e + 1];
+    const AnglePointC& a = frame_.GetStart(e);
+    const AnglePointC& b = frame_.GetEnd(e);
     const auto [low, high] = std::minmax(a.Hz, b.Hz);
     const auto [vLow, vHigh] = std::minmax(a.V, b.V);
     // A strip is what lies within the reach of the edge's line, or the edge's box when the line is
@@ -453,7 +451,7 @@ void PreparedSphereAreaC::BuildStrips(std::vector<CellGridC::Part>& parts) {
 }
 
 ArcEdgeC PreparedSphereAreaC::MakeArc(std::size_t edge) const {
-  return {SpherePointC(edges_[2 * edge]), SpherePointC(edges_[2 * edge + 1])};
+  return {SpherePointC(frame_.GetStart(edge)), SpherePointC(frame_.GetEnd(edge))};
 }
 
 inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
@@ -462,7 +460,7 @@ inline bool PreparedSphereAreaC::IsInAnyBand(double x, double v) const {
     const Strip& strip = strips_[item.curve];
     if (!(std::fabs(v - (strip.v0 + strip.slope * x)) <= strip.halfHeight)) continue;
     const std::size_t edge = item.curve;
-    if (IsInBand({x, v}, edges_[2 * edge], edges_[2 * edge + 1])) return true;
+    if (IsInBand({x, v}, frame_.GetStart(edge), frame_.GetEnd(edge))) return true;
   }
   return false;
 }
@@ -482,44 +480,25 @@ PreparedSphereAreaC::Answer PreparedSphereAreaC::AskRectangle(double h, double v
 }
 
 bool PreparedSphereAreaC::AskRules(double h, double v) const {
-  std::vector<double> crossings;
-  if (way_ == Way::kRectangle) {
-    for (std::size_t i = 0; i < edges_.size(); i += 2) {
-      AnglePointC crossing;
-      if (FindPlanarCrossing(edges_[i], edges_[i + 1], {h, vLow_}, {h, vHigh_}, crossing)) {
-        crossings.push_back(crossing.V);
+  if (way_ != Way::kCells || IsAtSeam(h))
+    return IsInsideByCrossings(frame_, AllEdges(frame_), h, v);
+  std::vector<std::uint32_t> edges = poleEdges_;
+  curveGrid_.ForEachCell(curveGrid_.ColumnOf(h), [&](const CellGridC::Cell& cell) {
+    for (const CellGridC::Item& item : cell.items) {
+      const Curve& curve = curves_[item.curve];
+      if (item.isLowest != 0 && curve.kind != Kind::kPole && h > curve.low - kOverlap &&
+          h < curve.high + kOverlap) {
+        edges.push_back(curve.edge);
       }
     }
-    return IsInsideByParity(crossings, v, enclosesZenith_);
-  }
-  const double cosH = std::cos(h);
-  const double sinH = std::sin(h);
-  const auto add = [&](std::size_t edge) {
-    double at = 0.0;
-    if (IsSurelyMissed(edges_[2 * edge], edges_[2 * edge + 1], h)) return;
-    if (MakeArc(edge).CrossesMeridian(h, cosH, sinH, vLow_, vHigh_, at)) crossings.push_back(at);
-  };
-  if (IsAtSeam(h)) {
-    for (std::size_t edge = 0; edge < edges_.size() / 2; ++edge) add(edge);
-  } else {
-    curveGrid_.ForEachCell(curveGrid_.ColumnOf(h), [&](const CellGridC::Cell& cell) {
-      for (const CellGridC::Item& item : cell.items) {
-        const Curve& curve = curves_[item.curve];
-        if (item.isLowest != 0 && curve.kind != Kind::kPole && h > curve.low - kOverlap &&
-            h < curve.high + kOverlap) {
-          add(curve.edge);
-        }
-      }
-    });
-    for (const std::uint32_t edge : poleEdges_) add(edge);
-  }
-  return IsInsideByParity(crossings, v, enclosesZenith_);
+  });
+  return IsInsideByCrossings(frame_, edges, h, v);
 }
 
 inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskCells(double h, double v) const {
   if (!hasSearchLine_) return {false, true};
   // Every crossing lies within the search line's range: all count as above, or none does.
-  if (v > vHigh_ + kLineMargin || (!enclosesZenith_ && v < vLow_ - kLineMargin)) {
+  if (v > vHigh_ + kLineMargin || (!frame_.enclosesZenith && v < vLow_ - kLineMargin)) {
     return {false, true};
   }
   if (h > curveGrid_.GetWidth() + kOverlap && h < TWO_PI - kOverlap) return {false, true};
@@ -555,22 +534,23 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskInline(double hz, dou
   if (!(hz >= 0.0 && hz <= TWO_PI) && !WrapIntoRange(hz, 0.0, TWO_PI)) return {false, true};
   if (!(v >= 0.0 && v <= TWO_PI) && !WrapIntoRange(v, 0.0, TWO_PI)) return {false, true};
   if (way_ == Way::kNever) return {false, true};
-  if (way_ == Way::kPlain) return {plainArea_.Contains(hz, v), false};
-  double x = hz + hzOrigin_;
+  const double hzOrigin = frame_.hzOrigin;
+  if (way_ == Way::kPlain) {
+    return {FindEdgeInBand(frame_, EdgesWithBand(frame_), BandProbe(hz, v, hzOrigin)) ||
+                AskRules(NormalizeAngle(hz - hzOrigin), v),
+            false};
+  }
+  double x = hz + hzOrigin;
   if (x > TWO_PI) {
     x = x > TWO_PI + kMargin && x < 2.0 * TWO_PI - kMargin ? x - TWO_PI
-                                                           : BandProbe(hz, v, hzOrigin_).Hz;
+                                                           : BandProbe(hz, v, hzOrigin).Hz;
   }
-  const double h = NormalizeOneTurn(hz - hzOrigin_);
+  const double h = NormalizeOneTurn(hz - hzOrigin);
   if (way_ == Way::kCells) {
     if (IsInAnyBand(x, v)) return {true, true};
     return AskCells(h, v);
   }
-  for (std::size_t i = 0; i + 2 < edges_.size(); i += 2) {
-    if (IsNearBox({x, v}, edges_[i], edges_[i + 1]) && IsInBand({x, v}, edges_[i], edges_[i + 1])) {
-      return {true, true};
-    }
-  }
+  if (FindEdgeInBand(frame_, EdgesWithBand(frame_), {x, v})) return {true, true};
   return AskRectangle(h, v);
 }
 

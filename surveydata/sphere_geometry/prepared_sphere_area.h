@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/area_rules.h>
 #include <surveydata/sphere_geometry/cell_grid.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
@@ -112,16 +113,14 @@ class PreparedSphereAreaC {
   bool AskRules(double h, double v) const;
 
   Way way_ = Way::kNever;
-  double hzOrigin_ = 0.0;
+  AreaFrame frame_;
   double vLow_ = 0.0;
   double vHigh_ = 0.0;
   double frameWidth_ = 0.0;
-  bool enclosesZenith_ = false;
   bool hasSearchLine_ = true;
   bool isNarrow_ = false;  // less than a turn wide
   bool hasNorthPole_ = false;
   bool needsRules_ = false;  // at the south pole, or where edges have no arc
-  std::vector<AnglePointC> edges_;
   std::vector<std::uint32_t> poleEdges_;
   std::vector<Curve> curves_;
   CellGridC curveGrid_;
@@ -130,7 +129,6 @@ class PreparedSphereAreaC {
   double touchesPerRadian_ = 0.0;
   std::vector<Strip> strips_;
   CellGridC stripGrid_;
-  SphereAreaC plainArea_;  // for `Way::kPlain`
 };
 
 }  // namespace GMAT

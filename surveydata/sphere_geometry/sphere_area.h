@@ -9,9 +9,6 @@
 
 namespace GMAT {
 
-/// A direction this near the boundary (half of it on either side) counts as inside.
-inline constexpr double CONTAINS_TOLERANCE = GonToRad(0.001);
-
 /// The root of what manages areas.
 class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure function
  public:
@@ -29,8 +26,8 @@ class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure f
 ///
 /// Its functions are not exported: a scan area, which holds one, asks it.
 ///
-/// Nothing is kept between calls. Each question is answered as its comment says, bit for bit, on
-/// whatever way is the cheapest.
+/// Nothing is kept between calls. Each question is answered as its comment says, bit for bit, by
+/// the cheapest path.
 class SphereAreaC : public AreaManagerI {
  public:
   SphereAreaC() = default;
@@ -97,29 +94,6 @@ class SphereAreaC : public AreaManagerI {
   void SetVUnlimited(bool unlimited) { unlimitedV_ = unlimited; }
 
  private:
-  friend class PreparedSphereAreaC;
-
-  // The edges and the bounds before any clamping.
-  struct Frame {
-    std::vector<AnglePointC> edges;
-    double hzOrigin = 0.0;
-    double hzMin = 0.0;
-    double hzMax = 0.0;
-    double vMin = 0.0;
-    double vMax = 0.0;
-    bool enclosesZenith = false;
-  };
-
-  bool IsPolygon() const { return points_.size() > 2; }
-  // False with fewer than two points.
-  bool BuildFrame(Frame& frame) const;
-  bool IsRingValid(const std::vector<AnglePointC>& edges) const;
-  bool ArePointsValid() const;
-  bool HasEqualPoints() const;
-  bool IsWithinBoundaryBand(const Frame& frame, double hz, double v) const;
-  // Unsorted; false when the search line is no arc.
-  bool FindMeridianCrossings(const Frame& frame, double h, std::vector<AnglePointC>& out) const;
-
   // Reserved: no operation reads them.
   [[maybe_unused]] std::uint32_t reserved1_ = 1;
   [[maybe_unused]] std::uint64_t reserved2_ = 0;

@@ -101,6 +101,7 @@ TESTS = {
                              "prepared_area_test", "pair_rules_test", "layout_test",
                              "memory_faults_test"],
     "surveydata/sphere_geometry/": ["angles_test", "vectors_test", "sphere_point_test",
+                                    "area_rules_test",
                                     "great_circle_arc_test", "sphere_area_test", "scan_area_test",
                                     "geometry_cases_test", "prepared_area_test",
                                     "sphere_area_property_test",
