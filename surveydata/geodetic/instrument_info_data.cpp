@@ -20,10 +20,22 @@ InstrumentInfoDataC::InstrumentInfoDataC(const char16_t* identifier, std::uint32
       number3_(number3),
       number4_(number4) {}
 
+InstrumentInfoDataC::InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags,
+                                         const char* text1, const char* text2, const char* text3,
+                                         const char* text4, float value, std::int32_t number1,
+                                         std::int32_t number2, std::int32_t number3,
+                                         std::int32_t number4)
+    : InstrumentInfoDataC(API::FixedStringC<16>(identifier).GetData(), flags, text1, text2, text3,
+                          text4, value, number1, number2, number3, number4) {}
+
 const API::FixedStringC<16>& InstrumentInfoDataC::getIdentifier() const { return identifier_; }
 void InstrumentInfoDataC::setIdentifier(const char16_t* identifier) {
   identifier_ = API::FixedStringC<16>(identifier);
 }
+void InstrumentInfoDataC::setIdentifier(const wchar_t* identifier) {
+  identifier_ = API::FixedStringC<16>(identifier);
+}
+void InstrumentInfoDataC::setIdentifier(std::nullptr_t /*identifier*/) { identifier_ = {}; }
 std::uint32_t InstrumentInfoDataC::getFlags() const { return flags_; }
 void InstrumentInfoDataC::setFlags(std::uint32_t set, std::uint32_t clear) {
   flags_ = API::ChangedFlags(flags_, set, clear);
@@ -68,10 +80,24 @@ InstrumentInfoDataC::InstrumentInfoDataC(const char16_t* identifier, std::uint32
     : HandleC(new ODM::InstrumentInfoDataC(identifier, flags, text1, text2, text3, text4, value,
                                            number1, number2, number3, number4)) {}
 
+InstrumentInfoDataC::InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags,
+                                         const char* text1, const char* text2, const char* text3,
+                                         const char* text4, float value, std::int32_t number1,
+                                         std::int32_t number2, std::int32_t number3,
+                                         std::int32_t number4)
+    : HandleC(new ODM::InstrumentInfoDataC(identifier, flags, text1, text2, text3, text4, value,
+                                           number1, number2, number3, number4)) {}
+
 const API::FixedStringC<16>& InstrumentInfoDataC::GetIdentifier() const {
   return GetImpl()->getIdentifier();
 }
 void InstrumentInfoDataC::SetIdentifier(const char16_t* identifier) {
+  GetImpl()->setIdentifier(identifier);
+}
+void InstrumentInfoDataC::SetIdentifier(const wchar_t* identifier) {
+  GetImpl()->setIdentifier(identifier);
+}
+void InstrumentInfoDataC::SetIdentifier(std::nullptr_t identifier) {
   GetImpl()->setIdentifier(identifier);
 }
 std::uint32_t InstrumentInfoDataC::GetFlags() const { return GetImpl()->getFlags(); }

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_
 #define SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -21,16 +22,26 @@ class SURVEYDATA_API InstrumentInfoDataC
   using ImplC::ImplC;
   InstrumentInfoDataC() = default;
   /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
+  InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+  /// @}
 
   /// The record's own identifier: the reference is good until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& getIdentifier() const;
   /// Empty afterwards when `identifier` has more than 16 units or is null.
+  /// @{
   void setIdentifier(const char16_t* identifier);
+  void setIdentifier(const wchar_t* identifier);
+  void setIdentifier(std::nullptr_t identifier);
+  /// @}
   std::uint32_t getFlags() const;
   /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
   void setFlags(std::uint32_t set, std::uint32_t clear);
@@ -86,16 +97,26 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   using HandleC::HandleC;
   InstrumentInfoDataC() = default;
   /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
+  InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+  /// @}
 
   /// The record's own identifier: the reference is good until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& GetIdentifier() const;
   /// Empty afterwards when `identifier` has more than 16 units or is null.
+  /// @{
   void SetIdentifier(const char16_t* identifier);
+  void SetIdentifier(const wchar_t* identifier);
+  void SetIdentifier(std::nullptr_t identifier);
+  /// @}
   std::uint32_t GetFlags() const;
   /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
   void SetFlags(std::uint32_t set, std::uint32_t clear);

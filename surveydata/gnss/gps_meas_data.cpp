@@ -320,11 +320,15 @@ void GPSMeasFieldsC<Self>::SetVector(const double (&vector)[3]) {
 template <class Self>
 bool GPSMeasFieldsC<Self>::isEqual(const Self& other) const {
   return API::EqualFields<GPSMeasFieldsC>(
-      *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_, &GPSMeasFieldsC::extraTime_,
-      &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_, &GPSMeasFieldsC::antennaHeight_,
-      &GPSMeasFieldsC::valueCount_, &GPSMeasFieldsC::values_, &GPSMeasFieldsC::dops_,
-      &GPSMeasFieldsC::word16_, &GPSMeasFieldsC::totalPair_, &GPSMeasFieldsC::system1Pair_,
-      &GPSMeasFieldsC::system2Pair_, &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
+             *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_,
+             &GPSMeasFieldsC::extraTime_, &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_,
+             &GPSMeasFieldsC::antennaHeight_, &GPSMeasFieldsC::valueCount_) &&
+         std::equal(values_.begin(), values_.begin() + valueCount_, other.values_.begin()) &&
+         API::EqualFields<GPSMeasFieldsC>(*this, other, &GPSMeasFieldsC::dops_,
+                                          &GPSMeasFieldsC::word16_, &GPSMeasFieldsC::totalPair_,
+                                          &GPSMeasFieldsC::system1Pair_,
+                                          &GPSMeasFieldsC::system2Pair_,
+                                          &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
 }
 
 template <class Self>

@@ -304,7 +304,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   void Reset();
 
   /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
-  /// terminator, the list up to its count.
+  /// terminator, the values and the list up to their counts.
   bool isEqual(const GPSMeasDataImplC& other) const;
 
  private:
@@ -400,7 +400,8 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   std::uint8_t GetFlagE() const;
 
   /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
-  /// terminator, the list up to its count. False when either side has no implementation.
+  /// terminator, the values and the list up to their counts. False when either side has no
+  /// implementation.
   bool IsEqual(const GPSMeasDataC& other) const;
 };
 

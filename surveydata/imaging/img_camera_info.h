@@ -38,6 +38,7 @@ class SURVEYDATA_API ImgCameraInfoImplC : public API::ImplC<ImgCameraInfoImplC, 
   void SetInt5(std::uint32_t int5);
 
   bool operator==(const ImgCameraInfoImplC& other) const;
+  bool operator!=(const ImgCameraInfoImplC& other) const = delete;
 
  private:
   std::uint32_t int1_ = 0;
@@ -81,6 +82,7 @@ class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
 
   /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgCameraInfoC& other) const;
+  bool operator!=(const ImgCameraInfoC& other) const = delete;
 };
 
 static_assert(sizeof(ImgCameraInfoC) == 16 && sizeof(ImgCameraInfoImplC) == 80);

@@ -23,6 +23,7 @@ class SURVEYDATA_API ImgChipWindowInfoImplC
   void SetValue4(double value4);
 
   bool operator==(const ImgChipWindowInfoImplC& other) const;
+  bool operator!=(const ImgChipWindowInfoImplC& other) const = delete;
 
  private:
   double value1_ = 0.0;
@@ -48,6 +49,7 @@ class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoI
 
   /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgChipWindowInfoC& other) const;
+  bool operator!=(const ImgChipWindowInfoC& other) const = delete;
 };
 
 static_assert(sizeof(ImgChipWindowInfoC) == 16 && sizeof(ImgChipWindowInfoImplC) == 48);

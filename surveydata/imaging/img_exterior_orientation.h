@@ -27,6 +27,7 @@ class SURVEYDATA_API ImgExteriorOrientationImplC
   void SetValue6(double value6);
 
   bool operator==(const ImgExteriorOrientationImplC& other) const;
+  bool operator!=(const ImgExteriorOrientationImplC& other) const = delete;
 
  private:
   double value1_ = 0.0;
@@ -58,6 +59,7 @@ class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOr
 
   /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgExteriorOrientationC& other) const;
+  bool operator!=(const ImgExteriorOrientationC& other) const = delete;
 };
 
 static_assert(sizeof(ImgExteriorOrientationC) == 16 && sizeof(ImgExteriorOrientationImplC) == 64);

@@ -31,6 +31,7 @@ class SURVEYDATA_API ImgInteriorOrientationImplC
   void SetValue6(double value6);
 
   bool operator==(const ImgInteriorOrientationImplC& other) const;
+  bool operator!=(const ImgInteriorOrientationImplC& other) const = delete;
 
  private:
   std::uint32_t modelCode_ = 0;
@@ -65,6 +66,7 @@ class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOr
 
   /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgInteriorOrientationC& other) const;
+  bool operator!=(const ImgInteriorOrientationC& other) const = delete;
 };
 
 static_assert(sizeof(ImgInteriorOrientationC) == 16 && sizeof(ImgInteriorOrientationImplC) == 72);

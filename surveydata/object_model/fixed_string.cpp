@@ -98,6 +98,18 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   return all < 256;
 }
 
+// The formatter of the C library as it is. With FORTIFY, `std::vsnprintf` means a checked function
+// that ends the process at a `%n` in a format that can be written to; the format is the caller's,
+// and `%n` is part of what `Format` promises. The other check, of the buffer's size, has nothing to
+// add: the size is passed. Nothing but `Format` calls this.
+int FormatUnchecked(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+#if defined(__GNUC__) && !defined(_WIN32)
+  return __builtin_vsnprintf(buffer, size, format, arguments);
+#else
+  return std::vsnprintf(buffer, size, format, arguments);
+#endif
+}
+
 // UTF-8 orders texts as their units do, since each unit is encoded by itself.
 bool NotAfter(const char16_t* a, const char16_t* b) {
   while (*a != 0 && *a == *b) ++a, ++b;
@@ -105,6 +117,12 @@ bool NotAfter(const char16_t* a, const char16_t* b) {
 }
 
 }  // namespace
+
+template <std::uint16_t N>
+FixedStringC<N>::FixedStringC(const FixedStringC& other) : length_(other.length_) {
+  std::memcpy(data_, other.data_, sizeof(data_));
+  data_[N] = 0;
+}
 
 template <std::uint16_t N>
 FixedStringC<N>::FixedStringC(char c)
@@ -241,7 +259,7 @@ int FixedStringC<N>::Format(const char* fmt, ...) {
   char buffer[2 * (N + 1)] = {};
   va_list arguments;
   va_start(arguments, fmt);
-  const int result = std::vsnprintf(buffer, sizeof(buffer), fmt, arguments);
+  const int result = FormatUnchecked(buffer, sizeof(buffer), fmt, arguments);
   va_end(arguments);
   *this = FixedStringC(buffer);
   return result;

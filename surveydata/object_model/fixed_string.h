@@ -21,6 +21,10 @@ class SURVEYDATA_VISIBLE FixedStringC {
  public:
   /// The empty text.
   FixedStringC() = default;
+  /// All units of `other` and its length; the last unit is 0 even where that of `other` is not.
+  FixedStringC(const FixedStringC& other);
+  /// Copies all units, the last one too, and the length as they are.
+  FixedStringC& operator=(const FixedStringC& other) = default;
   /// A text of one unit, 0x00 to 0xFF; empty when `c` is 0.
   explicit FixedStringC(char c);
   /// A text of one unit; empty when `c` is 0.
@@ -107,6 +111,7 @@ class SURVEYDATA_VISIBLE FixedStringC {
   int FromUtf8(const char* src, std::size_t* inOutLength);
 
   /// Replaces the text by the output of `vsnprintf`; empty when that has more than `N` characters.
+  /// `%n` is written to wherever the format is, also where FORTIFY refuses that to other callers.
   /// \return the number of characters formatted, also when they did not fit, or a negative value;
   ///         -1, with the text unchanged, when `fmt` is null or longer than `N`.
   int Format(const char* fmt, ...);

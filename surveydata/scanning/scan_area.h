@@ -108,7 +108,9 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
   /// Whether the points make an area, whatever the steps.
   bool IsAreaValid() const;
   /// The corners with their distances; a point without one takes it from the others, or
-  /// `defaultDistance` (m) where none has any. A dome leaves `out` alone.
+  /// `defaultDistance` (m) where none has any. A polygon replaces `out`. A rectangle appends its
+  /// four corners, made of its first two points; with fewer points it leaves `out` alone, as a dome
+  /// does.
   void GetOutline(std::vector<ScanDefPointC>& out, double defaultDistance) const;
 
   /// Whether a direction lies inside the area or within half of 0.001 gon of its boundary; for a

@@ -28,6 +28,9 @@ bool ScanDefPointImplC::IsEqual(const ScanDefPointImplC& other) const {
 }
 
 bool ScanDefPointImplC::operator==(const ScanDefPointImplC& other) const { return IsEqual(other); }
+bool ScanDefPointImplC::operator!=(const ScanDefPointImplC& other) const {
+  return !(*this == other);
+}
 
 ScanDefPointC::ScanDefPointC(double hz, double v, double distance)
     : HandleC(new ScanDefPointImplC(hz, v, distance)) {}
@@ -47,5 +50,6 @@ bool ScanDefPointC::IsEqual(const ScanDefPointC& other) const {
 }
 
 bool ScanDefPointC::operator==(const ScanDefPointC& other) const { return IsEqual(other); }
+bool ScanDefPointC::operator!=(const ScanDefPointC& other) const { return !(*this == other); }
 
 }  // namespace SDI

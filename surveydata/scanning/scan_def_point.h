@@ -31,6 +31,7 @@ class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, Sc
 
   bool IsEqual(const ScanDefPointImplC& other) const;
   bool operator==(const ScanDefPointImplC& other) const;
+  bool operator!=(const ScanDefPointImplC& other) const;
 
  private:
   double hz_ = std::numeric_limits<double>::max();
@@ -65,8 +66,11 @@ class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
   /// Whether both angles agree to less than the smallest normal double, so in effect exactly. The
   /// distance takes no part.
   bool IsEqual(const ScanDefPointC& other) const;
-  /// The same as `IsEqual`.
+  /// The same as `IsEqual`, and its negation.
+  /// @{
   bool operator==(const ScanDefPointC& other) const;
+  bool operator!=(const ScanDefPointC& other) const;
+  /// @}
 };
 
 static_assert(sizeof(ScanDefPointC) == 16 && sizeof(ScanDefPointImplC) == 40);

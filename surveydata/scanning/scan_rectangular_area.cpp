@@ -24,7 +24,7 @@ bool ScanRectangularAreaImplC::IsAreaValid() const {
 
 void ScanRectangularAreaImplC::GetOutline(std::vector<ScanDefPointC>& out,
                                           double defaultDistance) const {
-  if (Points().size() != 2) return;
+  if (Points().size() < 2) return;
   ScanDefPointC p0 = Points()[0];
   ScanDefPointC p1 = Points()[1];
   const double d0 = p0.GetDistance();

@@ -190,7 +190,7 @@ literal::Extents BoundsOf(const AreaModel& model, bool normalize) {
 std::vector<Point> OutlineOf(const AreaModel& model, double defaultDistance) {
   std::vector<Point> out = model.points;
   if (model.kind->type == SDI::kRectangularArea) {
-    if (out.size() != 2) return {};
+    if (out.size() < 2) return {};
     double d0 = out[0].distance;
     double d1 = out[1].distance;
     if (d0 < 0 && d1 < 0) {

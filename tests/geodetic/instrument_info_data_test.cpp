@@ -39,6 +39,45 @@ TEST(InstrumentInfoData, KeepsIdentifiersOfUpToSixteenUnits) {
   EXPECT_TRUE(info.GetIdentifier().IsEmpty());
 }
 
+TEST(InstrumentInfoData, TakesWideIdentifiersAsFixedTextsDo) {
+  const struct {
+    const wchar_t* wide;
+    const char16_t* units;
+  } cases[] = {
+      {L"TS-1", u"TS-1"},
+      {L"0123456789ABCDEF", u"0123456789ABCDEF"},
+      {L"0123456789ABCDEFG", u""},
+      {L"\u20AC", u"\u20AC"},
+      {L"TS\U0001F600", u"TS\U0001F600"},
+      {nullptr, u""},
+  };
+  for (const auto& [wide, units] : cases) {
+    const API::FixedStringC<16> expected(units);
+    const SDI::InstrumentInfoDataC made(wide, 1, "one", "two", "three", "four", 1.5F, 2, 3, 4, 5);
+    EXPECT_EQ(made.GetIdentifier(), expected);
+    EXPECT_EQ(Values(made), Values(SDI::InstrumentInfoDataC(units, 1, "one", "two", "three", "four",
+                                                            1.5F, 2, 3, 4, 5)));
+    const ODM::InstrumentInfoDataC impl(wide, 1, "one", "two", "three", "four", 1.5F, 2, 3, 4, 5);
+    EXPECT_TRUE(impl.isEqual(*made.GetImpl()));
+
+    SDI::InstrumentInfoDataC info = RecordOf(u"before");
+    info.SetIdentifier(wide);
+    EXPECT_EQ(info.GetIdentifier(), expected);
+    info.SetIdentifier(u"before");
+    info.GetImpl()->setIdentifier(wide);
+    EXPECT_EQ(info.GetIdentifier(), expected);
+  }
+}
+
+TEST(InstrumentInfoData, TakesALiteralNullForTheEmptyIdentifier) {
+  SDI::InstrumentInfoDataC info = RecordOf(u"TS-1");
+  info.SetIdentifier(nullptr);
+  EXPECT_TRUE(info.GetIdentifier().IsEmpty());
+  info.SetIdentifier(u"TS-1");
+  info.GetImpl()->setIdentifier(nullptr);
+  EXPECT_TRUE(info.GetIdentifier().IsEmpty());
+}
+
 TEST(InstrumentInfoData, LowersFlagsThatAreRaisedAndLoweredAtOnce) {
   ODM::InstrumentInfoDataC info;
   info.setFlags(0x4, 0);

@@ -737,6 +737,22 @@ TYPED_TEST(MeasDataImpl, EqualityTakesEveryField) {
   }
 }
 
+TYPED_TEST(MeasDataImpl, EqualityOfTheValuesStopsAtTheCount) {
+  const auto with = [](std::uint16_t first, std::uint16_t second, std::uint8_t count) {
+    const std::uint16_t values[] = {first, second};
+    TypeParam meas;
+    meas.SetValues(values, 2);
+    meas.SetValues(values, count);
+    return meas;
+  };
+  EXPECT_TRUE(with(1, 2, 0).isEqual(with(3, 4, 0)));
+  EXPECT_TRUE(with(1, 2, 1).isEqual(with(1, 4, 1)));
+  EXPECT_FALSE(with(1, 2, 1).isEqual(with(3, 2, 1)));
+  EXPECT_FALSE(with(1, 2, 2).isEqual(with(1, 4, 2)));
+  EXPECT_FALSE(with(1, 2, 2).isEqual(with(3, 2, 2)));
+  EXPECT_FALSE(with(1, 2, 1).isEqual(with(1, 2, 2)));
+}
+
 TYPED_TEST(MeasDataImpl, EqualityTakesEverySetBit) {
   using AntHeight = typename PartsOf<TypeParam>::AntHeight;
   using DOPs = typename PartsOf<TypeParam>::DOPs;

@@ -13,7 +13,7 @@ TEST(ImgChipWindowInfo, WithNaNDiffersFromItsCopy) {
   EXPECT_TRUE(window == ImgChipWindowInfoC(window));
   window.SetValue3(std::nan(""));
   EXPECT_FALSE(window == ImgChipWindowInfoC(window));
-  EXPECT_TRUE(window != ImgChipWindowInfoC(window));
+  EXPECT_FALSE(window == ImgChipWindowInfoC(window));
 }
 
 TEST(ImgChipWindowInfo, TellsTheSmallestDifference) {

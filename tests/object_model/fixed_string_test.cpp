@@ -63,7 +63,8 @@ TEST(FixedString, IsItsUnitsThenItsLength) {
 
 TEST(FixedString, IsAPlainValue) {
   using String = FixedStringC<16>;
-  static_assert(std::is_trivially_copyable_v<String> && !std::is_polymorphic_v<String>);
+  static_assert(std::is_standard_layout_v<String> && !std::is_polymorphic_v<String>);
+  static_assert(std::is_trivially_destructible_v<String>);
   static_assert(std::is_same_v<decltype(std::declval<const String&>().GetLength()), std::uint64_t>);
   String a(u"text");
   const String b = a;
@@ -74,6 +75,36 @@ TEST(FixedString, IsAPlainValue) {
   ExpectHolds(c, u"text!");
   c = *&c;
   ExpectHolds(c, u"text!");
+}
+
+TEST(FixedString, ACopyEndsItsUnitsAndAssignmentTakesThemAsTheyAre) {
+  ForEachCapacity([](auto capacity) {
+    constexpr std::uint16_t N = capacity();
+    using String = FixedStringC<N>;
+    // No operation writes the last unit of a text that is not full; a caller's memcpy may.
+    String text(u"abc");
+    std::vector<char16_t> units(N + 1U, u'u');
+    std::copy_n(u"abc", 4, units.begin());
+    units[4] = u'f';
+    units[N] = u'x';
+    std::memcpy(static_cast<void*>(&text), units.data(), units.size() * sizeof(char16_t));
+    const auto unitsOf = [](const String& s) {
+      return std::vector<char16_t>(s.GetData(), s.GetData() + N + 1);
+    };
+    ASSERT_EQ(unitsOf(text), units);
+
+    String assigned(u"before");
+    EXPECT_EQ(&(assigned = text), &assigned);
+    EXPECT_EQ(unitsOf(assigned), units) << "all units as they are";
+    EXPECT_EQ(assigned.GetLength(), 3U);
+
+    units[N] = 0;
+    const String copy(text);
+    EXPECT_EQ(unitsOf(copy), units) << "the last unit is 0, the others as they are";
+    EXPECT_EQ(copy.GetLength(), 3U);
+    const String moved(std::move(text));
+    EXPECT_EQ(unitsOf(moved), units) << "moving copies";
+  });
 }
 
 // --- Constructors

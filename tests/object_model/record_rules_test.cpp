@@ -27,6 +27,10 @@ concept HasOperator = requires(const Record& a, const Record& b) {
   a == b;
 };
 template <class Record>
+concept HasUnequal = requires(const Record& a, const Record& b) {
+  a != b;
+};
+template <class Record>
 concept HasIsEqual = requires(const Record& a, const Record& b) {
   a.IsEqual(b);
 };
@@ -36,7 +40,8 @@ concept HasIsEqualOfData = requires(const Record& a, const Record& b) {
 };
 
 // The names under which callers find equality: `IsEqual`, and `isEqual` of the data; in imaging the
-// operator on both sides.
+// operator on both sides. The opposite operator is nowhere, since C++20 would make it of this one
+// in some classes alone.
 enum class Equality { kMethods, kOperators, kNone };
 
 template <class Public, class Impl, Equality equality = Equality::kMethods>
@@ -49,6 +54,7 @@ struct Pair {
   static_assert(HasOperator<Public> == (equality == Equality::kOperators));
   static_assert(HasOperator<Impl> == (equality == Equality::kOperators));
   static_assert(!HasIsEqualOfData<Public> && !HasIsEqual<Impl>);
+  static_assert(!HasUnequal<Public> && !HasUnequal<Impl>);
 
   const char* name;
   std::size_t fields;  // how many the record has, its parts' fields counted one by one

@@ -355,16 +355,28 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
   unknown->GetOutline(out, 3.0);
   EXPECT_EQ(out[0].GetDistance(), -1.0) << "NaN is no distance to fill in";
   EXPECT_TRUE(std::isnan(out[2].GetDistance()));
-  out.clear();
+}
 
-  ScanRectangularAreaC one;
-  one.AddPoint({1.0, 1.0, 1.0});
-  one.GetOutline(out, 3.0);
-  EXPECT_TRUE(out.empty());
-  one.AddPoint({2.0, 2.0, 1.0});
-  one.AddPoint({3.0, 1.5, 1.0});
-  one.GetOutline(out, 3.0);
-  EXPECT_TRUE(out.empty()) << "three points";
+TEST(ScanRectangularArea, OutlineNeedsTwoCornersAndTakesTheFirstTwo) {
+  ScanRectangularAreaC area;
+  std::vector<ScanDefPointC> out(1);
+  area.GetOutline(out, 3.0);
+  EXPECT_EQ(out.size(), 1u) << "no corner";
+  area.AddPoint({1.0, 0.5, -1.0});
+  area.GetOutline(out, 3.0);
+  ASSERT_EQ(out.size(), 1u) << "one corner";
+  EXPECT_EQ(out[0].GetHz(), kNotSet) << "what was there stays";
+  area.AddPoint({2.0, 1.0, 5.0});
+  area.AddPoint({3.0, 1.5, 7.0});
+  area.AddPoint({4.0, 2.0, 9.0});
+  area.GetOutline(out, 3.0);
+  ASSERT_EQ(out.size(), 5u) << "four corners";
+  const ScanDefPointC expected[] = {
+      {1.0, 0.5, 5.0}, {2.0, 0.5, 5.0}, {2.0, 1.0, 5.0}, {1.0, 1.0, 5.0}};
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_TRUE(out[i + 1] == expected[i]) << i;
+    EXPECT_EQ(out[i + 1].GetDistance(), expected[i].GetDistance()) << i;
+  }
 }
 
 TEST(ScanPolygonArea, SetPointsAppends) {

@@ -1,4 +1,6 @@
+#include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -11,6 +13,25 @@ constexpr double kNotSet = 1.7976931348623157e308;
 
 static_assert(sizeof(ScanDefPointC) == sizeof(API::BaseC));
 static_assert(sizeof(ScanDefPointImplC) == sizeof(API::ImplObjectC) + 3 * sizeof(double));
+
+static_assert(std::is_same_v<decltype(&ScanDefPointC::operator!=),
+                             bool (ScanDefPointC::*)(const ScanDefPointC&) const>);
+static_assert(std::is_same_v<decltype(&ScanDefPointImplC::operator!=),
+                             bool (ScanDefPointImplC::*)(const ScanDefPointImplC&) const>);
+
+TEST(ScanDefPoint, UnequalIsTheNegationOfEqual) {
+  const double different[] = {1.0, 1.0 + 1e-15, std::nan("")};
+  for (const double a : different) {
+    for (const double b : different) {
+      const ScanDefPointC p(a, 0.5, 1.0);
+      const ScanDefPointC q(b, 0.5, 2.0);
+      EXPECT_EQ(p.operator!=(q), !(p == q));
+      EXPECT_EQ(p.GetImpl()->operator!=(*q.GetImpl()), !(p == q));
+    }
+  }
+  EXPECT_FALSE(ScanDefPointC(1.0, 0.5, 1.0) != ScanDefPointC(1.0, 0.5, 2.0));
+  EXPECT_TRUE(ScanDefPointC(1.0, 0.5, 1.0) != ScanDefPointC(1.0, 0.6, 1.0));
+}
 
 TEST(ScanDefPoint, IsNotSetAtFirst) {
   const ScanDefPointC point;

@@ -283,37 +283,37 @@ Fields<R> FieldsOf() {
 
 template <std::same_as<SDI::InstrumentInfoDataC> R>
 Fields<R> FieldsOf() {
-  return {
-      MakeField<R>(
-          "Identifier", [](const R& r) { return r.GetIdentifier().GetData(); }, &R::SetIdentifier),
-      FlagsField<R>(),
-      MakeField<R>("Text1", &R::GetText1, &R::SetText1),
-      MakeField<R>("Text2", &R::GetText2, &R::SetText2),
-      MakeField<R>("Text3", &R::GetText3, &R::SetText3),
-      MakeField<R>("Text4", &R::GetText4, &R::SetText4),
-      MakeField<R>("Value", &R::GetValue, &R::SetValue),
-      MakeField<R>("Number1", &R::GetNumber1, &R::SetNumber1),
-      MakeField<R>("Number2", &R::GetNumber2, &R::SetNumber2),
-      MakeField<R>("Number3", &R::GetNumber3, &R::SetNumber3),
-      MakeField<R>("Number4", &R::GetNumber4, &R::SetNumber4)};
+  return {MakeField<R>(
+              "Identifier", [](const R& r) { return r.GetIdentifier().GetData(); },
+              [](R& r, const char16_t* identifier) { r.SetIdentifier(identifier); }),
+          FlagsField<R>(),
+          MakeField<R>("Text1", &R::GetText1, &R::SetText1),
+          MakeField<R>("Text2", &R::GetText2, &R::SetText2),
+          MakeField<R>("Text3", &R::GetText3, &R::SetText3),
+          MakeField<R>("Text4", &R::GetText4, &R::SetText4),
+          MakeField<R>("Value", &R::GetValue, &R::SetValue),
+          MakeField<R>("Number1", &R::GetNumber1, &R::SetNumber1),
+          MakeField<R>("Number2", &R::GetNumber2, &R::SetNumber2),
+          MakeField<R>("Number3", &R::GetNumber3, &R::SetNumber3),
+          MakeField<R>("Number4", &R::GetNumber4, &R::SetNumber4)};
 }
 
 template <std::same_as<ODM::InstrumentInfoDataC> R>
 Fields<R> FieldsOf() {
-  return {
-      MakeField<R>(
-          "Identifier", [](const R& r) { return r.getIdentifier().GetData(); }, &R::setIdentifier),
-      MakeField<R>("Flags", &R::getFlags,
-                   [](R& r, std::uint32_t flags) { r.setFlags(flags, ~flags); }),
-      MakeField<R>("Text1", &R::getText1, &R::setText1),
-      MakeField<R>("Text2", &R::getText2, &R::setText2),
-      MakeField<R>("Text3", &R::getText3, &R::setText3),
-      MakeField<R>("Text4", &R::getText4, &R::setText4),
-      MakeField<R>("Value", &R::getValue, &R::setValue),
-      MakeField<R>("Number1", &R::getNumber1, &R::setNumber1),
-      MakeField<R>("Number2", &R::getNumber2, &R::setNumber2),
-      MakeField<R>("Number3", &R::getNumber3, &R::setNumber3),
-      MakeField<R>("Number4", &R::getNumber4, &R::setNumber4)};
+  return {MakeField<R>(
+              "Identifier", [](const R& r) { return r.getIdentifier().GetData(); },
+              [](R& r, const char16_t* identifier) { r.setIdentifier(identifier); }),
+          MakeField<R>("Flags", &R::getFlags,
+                       [](R& r, std::uint32_t flags) { r.setFlags(flags, ~flags); }),
+          MakeField<R>("Text1", &R::getText1, &R::setText1),
+          MakeField<R>("Text2", &R::getText2, &R::setText2),
+          MakeField<R>("Text3", &R::getText3, &R::setText3),
+          MakeField<R>("Text4", &R::getText4, &R::setText4),
+          MakeField<R>("Value", &R::getValue, &R::setValue),
+          MakeField<R>("Number1", &R::getNumber1, &R::setNumber1),
+          MakeField<R>("Number2", &R::getNumber2, &R::setNumber2),
+          MakeField<R>("Number3", &R::getNumber3, &R::setNumber3),
+          MakeField<R>("Number4", &R::getNumber4, &R::setNumber4)};
 }
 
 template <OneOf<SDI::GPSAntHeightImplC, SDI::GPSAntHeightC> R>
