@@ -1,45 +1,84 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test: as built for development, then with address and
-# undefined-behaviour checks. ./test.sh --quick leaves the second out. ./test.sh --windows builds for
-# 64-bit Windows instead, and runs the tests under wine. ./test.sh --fuzz SECONDS runs each fuzz target
-# for so long instead, two at once, on from what earlier runs found out (build/fuzz/corpus).
+# undefined-behaviour checks. An argument chooses another part of the checks instead; each part
+# installs what it needs.
 set -euo pipefail
 cd "$(dirname "$0")"
-
-presets=(dev asan)
-packages=()
 . cmake/install_dependencies.sh
-case "${1:-}" in
-  "") ;;
-  --quick) presets=(dev) ;;
-  --windows)
-    presets=(mingw)
-    packages=("${windows_compiler_packages[@]}" "${windows_test_packages[@]}")
-    ;;
-  --fuzz)
-    [[ "${2:-}" =~ ^[1-9][0-9]*$ ]] || { echo "usage: ./test.sh --fuzz SECONDS" >&2; exit 2; }
-    ;;
-  *) echo "usage: ./test.sh [--quick | --windows | --fuzz SECONDS]" >&2; exit 2 ;;
-esac
 
-install_dependencies "${build_packages[@]}" "${test_packages[@]}" ${packages[@]+"${packages[@]}"}
+usage() {
+  cat >&2 <<'END'
+usage: ./test.sh [PART]
+  (none)          build and test: for development, then with address and undefined-behaviour checks
+  --quick         build and test for development only
+  --layout        check the layout of the sources with clang-format
+  --tidy          check the sources with clang-tidy and cppcheck
+  --windows       build for 64-bit Windows and test under wine
+  --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
+  --bit-for-bit   compare the answers of the sphere geometry across compilers and optimisations
+  --valgrind      run a selection of the tests under valgrind
+END
+  exit 2
+}
 
-if [ "${1:-}" = --fuzz ]; then
-  cmake --preset fuzz
-  cmake --build --preset fuzz
-  exec tests/fuzz/run_targets.sh build/fuzz "$2"
-fi
+run_workflows() {
+  local preset
+  for preset in "$@"; do
+    cmake --workflow --preset "$preset"
+  done
+}
 
-if [ "${1:-}" = --windows ]; then
-  # A wine of our own, whose server stays until the end: one that is about to leave would take along
-  # a program that starts then.
+check_layout() {
+  install_dependencies git clang-format
+  git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run -Werror
+  echo "The layout of $(git ls-files '*.h' '*.cpp' | wc -l) files is right."
+}
+
+test_on_windows() {
+  # The server of a private wine prefix runs until the end: one that is about to stop would take a
+  # program with it that starts at that moment.
   export WINEPREFIX="$PWD/build/wine" WINEDEBUG=-all
   mkdir -p "$WINEPREFIX"
   wineserver -p
   trap 'wineserver -k' EXIT
   wine wineboot --init >/dev/null 2>&1
+  run_workflows mingw
+}
+
+part=${1:-}
+seconds=${2:-}
+if [ "$part" = --fuzz ]; then
+  [[ "$seconds" =~ ^[1-9][0-9]*$ ]] && [ $# -eq 2 ] || usage
+else
+  [ $# -le 1 ] || usage
 fi
 
-for preset in "${presets[@]}"; do
-  cmake --workflow --preset "$preset"
-done
+case "$part" in
+  "" | --quick | --windows | --fuzz | --bit-for-bit | --valgrind)
+    install_dependencies "${build_packages[@]}" "${test_packages[@]}"
+    ;;
+esac
+case "$part" in
+  "") run_workflows dev asan ;;
+  --quick) run_workflows dev ;;
+  --layout) check_layout ;;
+  --tidy)
+    install_dependencies "${build_packages[@]}" "${tidy_packages[@]}"
+    run_workflows tidy
+    ;;
+  --windows)
+    install_dependencies "${windows_compiler_packages[@]}" "${windows_test_packages[@]}"
+    test_on_windows
+    ;;
+  --fuzz)
+    cmake --preset fuzz
+    cmake --build --preset fuzz
+    tests/fuzz/run_targets.sh build/fuzz "$seconds"
+    ;;
+  --bit-for-bit) cmake/bit_for_bit.sh ;;
+  --valgrind)
+    install_dependencies valgrind
+    cmake/valgrind.sh
+    ;;
+  *) usage ;;
+esac

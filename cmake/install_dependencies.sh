@@ -49,3 +49,6 @@ test_packages=(abigail-tools clang doxygen dpkg-dev file fish libabsl-dev libben
 # What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
+
+# What the static analysis of the preset `tidy` needs besides.
+tidy_packages=(clang clang-tidy cppcheck)
