@@ -1,13 +1,12 @@
-#include "commands.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include "area_commands.h"
-#include "record_commands.h"
+#include <area/area_commands.h>
+#include <commands.h>
+#include <record/record_commands.h>
 
 namespace Tool {
 namespace {

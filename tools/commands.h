@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "exit_code.h"
+#include <command_line/exit_code.h>
 
 namespace Tool {
 

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <string>
 
-#include "command_tree.h"
-#include "commands.h"
-#include "completion.h"
-#include "man_page.h"
+#include <command_line/command_tree.h>
+#include <command_line/completion.h>
+#include <command_line/man_page.h>
+#include <commands.h>
 
 int main(int argc, char** argv) {
   Tool::ExitCode unused = Tool::ExitCode::kDone;

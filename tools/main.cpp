@@ -5,11 +5,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands.h"
-#include "exit_code.h"
-#include "message.h"
-#include "output.h"
-#include "platform.h"
+#include <command_line/exit_code.h>
+#include <command_line/message.h>
+#include <commands.h>
+#include <output/output.h>
+#include <platform/platform.h>
 
 namespace {
 
@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
   } catch (const Tool::ToolErrorC& error) {
     Tool::Tell(error.what());
     result = error.GetCode();
-  } catch (const std::exception& error) {
+  } catch (const std::exception& error) {  // a file that cannot be read or written
     Tool::Tell(error.what());
   }
   return static_cast<int>(result);

@@ -11,11 +11,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "area_faults.h"
-#include "area_file.h"
-#include "area_measure.h"
-#include "area_picture.h"
-#include "exit_code.h"
+#include <area/area_faults.h>
+#include <area/area_file.h>
+#include <area/area_measure.h>
+#include <area/area_picture.h>
+#include <command_line/exit_code.h>
+
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/memory_file.h"
 

@@ -9,8 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "direction_reader.h"
-#include "exit_code.h"
+#include <area/direction_reader.h>
+#include <command_line/exit_code.h>
+
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/memory_file.h"
 

@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "program.h"
+#include "tests/tools/program.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "program.h"
+#include "tests/tools/program.h"
 
 #include <algorithm>
 #include <fstream>

@@ -3,7 +3,7 @@
 
 #include <sys/wait.h>
 
-#include "program.h"
+#include "tests/tools/program.h"
 
 namespace fs = std::filesystem;
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "program.h"
+#include "tests/tools/program.h"
 
 namespace fs = std::filesystem;
 

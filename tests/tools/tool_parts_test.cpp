@@ -8,13 +8,14 @@
 
 #include <gtest/gtest.h>
 
-#include "../../tools/chart.h"
-#include "../../tools/explain_frame.h"
-#include "../../tools/gps_time.h"
-#include "../../tools/satellite_series.h"
-#include "../../tools/svg.h"
-#include "../../tools/text.h"
-#include "program.h"
+#include <command_line/text.h>
+#include <output/chart.h>
+#include <output/gps_time.h>
+#include <output/svg.h>
+#include <record/explain_frame.h>
+#include <record/satellite_series.h>
+
+#include "tests/tools/program.h"
 
 namespace {
 

@@ -1,0 +1,524 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+#include <gtest/gtest.h>
+
+#include <area/area_file.h>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using boost::property_tree::ptree;
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+const char* const kAreas[] = {"facade", "doorway", "dome", "ceiling", "bow_tie"};
+
+std::string AreaPath(std::string_view name) {
+  return DataPath("areas/" + std::string(name) + ".json");
+}
+
+Outcome Area(const std::string& command, const std::string& file,
+             const std::vector<std::string>& more = {}) {
+  std::vector<std::string> arguments = {"area", command, file};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return RunProgram(arguments);
+}
+
+std::string Written(const TempFolderC& folder, const std::string& text) {
+  const std::string file = folder / "made.json";
+  WriteBytes(file, Bytes(text.begin(), text.end()));
+  return file;
+}
+
+// Throws where the text is no well-formed XML.
+ptree ParseXml(const std::string& text) {
+  std::istringstream in(text);
+  ptree tree;
+  boost::property_tree::read_xml(in, tree);
+  return tree;
+}
+
+// How many elements of a kind have an attribute of this value, however deep.
+std::size_t Count(const ptree& tree, const std::string& element, const std::string& attribute,
+                  const std::string& value) {
+  std::size_t count = 0;
+  for (const auto& [name, child] : tree) {
+    if (name == element && child.get<std::string>("<xmlattr>." + attribute, "") == value) ++count;
+    count += Count(child, element, attribute, value);
+  }
+  return count;
+}
+
+bool HasText(const ptree& svg, const std::string& text) {
+  return std::any_of(
+      svg.get_child("svg").begin(), svg.get_child("svg").end(),
+      [&](const auto& child) { return child.first == "text" && child.second.data() == text; });
+}
+
+TEST(AreaInfo, TellsWhatIsKnownOfTheSamples) {
+  for (const char* const name : kAreas) {
+    SCOPED_TRACE(name);
+    const Outcome outcome = Area("info", AreaPath(name));
+    EXPECT_EQ(outcome.exitCode, std::string(name) == "bow_tie" ? 1 : 0);
+    EXPECT_EQ(outcome.out, ReadText(DataPath("areas/" + std::string(name) + ".info.txt")));
+    EXPECT_EQ(outcome.err, "");
+  }
+}
+
+TEST(AreaInfo, GivesJsonInTheUnitOfTheFile) {
+  const json facade = json::parse(Area("info", AreaPath("facade"), {"--json"}).out);
+  EXPECT_EQ(facade["kind"], "polygon");
+  EXPECT_EQ(facade["unit"], "gon");
+  EXPECT_EQ(facade["points"], 19);
+  EXPECT_EQ(facade["hzStep"], 0.05);
+  EXPECT_EQ(facade["valid"], true);
+  EXPECT_EQ(facade["faults"], json::array());
+  EXPECT_EQ(facade["bounds"]["hzMin"], 22.7505);
+  EXPECT_EQ(facade["bounds"]["hzMax"], 96.1646);
+  EXPECT_EQ(facade["bounds"]["vMin"], 60.3342);
+  EXPECT_EQ(facade["bounds"]["enclosesZenith"], false);
+  EXPECT_NEAR(facade["solidAngle"]["steradians"].get<double>(), 0.577283, 2e-6);
+  EXPECT_LT(facade["solidAngle"]["accuracy"].get<double>(), 1e-12);
+  EXPECT_LT(facade["solidAngle"]["band"].get<double>(), 1e-4);
+
+  const json doorway = json::parse(Area("info", AreaPath("doorway"), {"--json"}).out);
+  EXPECT_EQ(doorway["bounds"]["hzMin"], 347.5);
+  EXPECT_EQ(doorway["bounds"]["hzMax"], 8.25);
+  EXPECT_EQ(doorway["bounds"]["hzWidth"], 20.75);
+  EXPECT_EQ(doorway["directions"]["count"], 2374944);
+  EXPECT_EQ(doorway["directions"]["exact"], true);
+
+  const Outcome outcome = Area("info", AreaPath("bow_tie"), {"--json"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  const json bowTie = json::parse(outcome.out);
+  EXPECT_EQ(bowTie["valid"], false);
+  ASSERT_EQ(bowTie["faults"].size(), 1u);
+  EXPECT_EQ(bowTie["faults"][0]["rule"], "crossingEdges");
+  EXPECT_EQ(bowTie["faults"][0]["edges"], json({1, 3}));
+  EXPECT_TRUE(bowTie["bounds"].is_null());
+  EXPECT_TRUE(bowTie["solidAngle"].is_null());
+  EXPECT_TRUE(bowTie["directions"].is_null());
+}
+
+// The bounds need the points alone.
+TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
+  const TempFolderC folder;
+  const std::string file = Written(folder, R"({"kind": "rectangle", "unit": "deg", "hzStep": 0,
+      "vStep": -1, "points": [[10, 20], [30, 50]]})");
+  const Outcome outcome = Area("info", file, {"--json"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  const json info = json::parse(outcome.out);
+  EXPECT_EQ(info["name"], "made.json");
+  EXPECT_EQ(info["faults"].size(), 2u);
+  EXPECT_EQ(info["bounds"]["hzMax"], 30);
+  EXPECT_TRUE(info["directions"].is_null());
+}
+
+TEST(AreaFile, IsRefusedWithThePlaceAndTheReason) {
+  const std::string head = R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1, )";
+  const struct {
+    std::string text;
+    const char* message;
+  } cases[] = {
+      {"", "no JSON: parse error at line 1"},
+      {"{\n\"kind\": \"polygon\",\n\"unit\": deg}", "no JSON: parse error at line 3"},
+      {"[]", "the file is no object"},
+      {"{}", "\"unit\" is missing"},
+      {R"({"unit": "grad"})", "\"unit\" is none of rad, deg, gon"},
+      {R"({"unit": 1})", "\"unit\" is no text"},
+      {R"({"unit": "deg", "kind": "circle"})", "\"kind\" is none of rectangle, polygon, dome"},
+      {R"({"unit": "deg", "kind": "dome"})", "\"hzStep\" is missing"},
+      {R"({"unit": "deg", "kind": "dome", "hzStep": 1})", "\"vStep\" is missing"},
+      {R"({"unit": "deg", "kind": "dome", "hzStep": "1"})", "\"hzStep\" is no number"},
+      {R"({"unit": "deg", "hzstep": 1})", "\"hzstep\" is no member of this format"},
+      {R"({"unit": "deg", "unit": "gon"})", "\"unit\" stands twice in one object"},
+      {R"({"unit": "deg", "kind": "dome", "hzStep": 1, "vStep": 1, "points": []})",
+       "\"points\" do not belong to a dome"},
+      {head + "\"points\": 5}", "\"points\" is no array"},
+      {head + "\"name\": 5}", "\"name\" is no text"},
+      {head + "\"settingE\": 65536}", "\"settingE\" is no whole number from 0 to 65535"},
+      {head + "\"settingA\": -1}", "\"settingA\" is no whole number from 0 to 4294967295"},
+      {head + "\"limitLow\": null}", "\"limitLow\" is no number"},
+      {head.substr(0, head.size() - 2) + "}", "\"points\" is missing"},
+      {head + "\"points\": [[1, 2], 3]}", "point 2 is neither [hz, v]"},
+      {head + "\"points\": [[1, 2], [3]]}", "point 2 is neither [hz, v]"},
+      {head + "\"points\": [[1, 2], [3, \"4\"]]}", "point 2: the second number, v, is no number"},
+      {head + "\"points\": [{\"hz\": 1}]}", "point 1: \"v\" is missing"},
+      {head + "\"points\": [{\"hz\": 1, \"v\": 2, \"d\": 3}]}",
+       "point 1: \"d\" is no member of this format"},
+      {head + "\"points\": [{\"hz\": 1, \"v\": 2, \"distance\": null}]}",
+       "point 1: \"distance\" is no number"},
+      {head + "\"points\": [[1e999, 2]]}", "no JSON: "},
+  };
+  const TempFolderC folder;
+  for (const auto& [text, message] : cases) {
+    SCOPED_TRACE(text);
+    const Outcome outcome = Area("info", Written(folder, text));
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err.find("made.json: " + std::string(message)), std::string::npos)
+        << outcome.err;
+  }
+}
+
+TEST(AreaFile, KeepsEverySetting) {
+  const TempFolderC folder;
+  const Tool::AreaFile file = Tool::LoadAreaFile(Written(folder, R"({
+      "kind": "polygon", "unit": "gon", "name": "all", "hzStep": 1, "vStep": 2,
+      "limitLow": 0.5, "limitHigh": 80, "settingA": 7, "settingB": 8, "settingC": 4294967295,
+      "settingD": 1.5, "settingE": 65535,
+      "points": [[10, 20], [30, 40, 5.5], {"hz": 50, "v": 20, "distance": 6}]})"));
+  const SDI::ScanAreaC& area = *file.area;
+  EXPECT_EQ(file.name, "all");
+  EXPECT_EQ(area.GetHzStep(), GMAT::GonToRad(1));
+  EXPECT_EQ(area.GetVStep(), GMAT::GonToRad(2));
+  EXPECT_EQ(area.GetLimitLow(), 0.5);
+  EXPECT_EQ(area.GetLimitHigh(), 80);
+  EXPECT_EQ(area.GetSettingA(), 7u);
+  EXPECT_EQ(area.GetSettingB(), 8u);
+  EXPECT_EQ(area.GetSettingC(), 4294967295u);
+  EXPECT_EQ(area.GetSettingD(), 1.5);
+  EXPECT_EQ(area.GetSettingE(), 65535);
+  std::vector<SDI::ScanDefPointC> points;
+  area.GetPoints(points);
+  ASSERT_EQ(points.size(), 3u);
+  EXPECT_EQ(points[1].GetHz(), GMAT::GonToRad(30));
+  EXPECT_EQ(points[1].GetV(), GMAT::GonToRad(40));
+  EXPECT_FALSE(points[0].HasDistance());
+  EXPECT_EQ(points[1].GetDistance(), 5.5);
+  EXPECT_EQ(points[2].GetDistance(), 6);
+}
+
+TEST(AreaOutline, ListsTheCornersWithDistances) {
+  EXPECT_EQ(Area("outline", AreaPath("facade")).out,
+            ReadText(DataPath("areas/facade.outline.txt")));
+  EXPECT_EQ(Area("outline", AreaPath("doorway"), {"--csv"}).out,
+            "hz,v,distance\r\n347.5,71.25,6.2\r\n8.25,71.25,6.2\r\n8.25,117,6.2\r\n"
+            "347.5,117,6.2\r\n");
+  const json ceiling = json::parse(Area("outline", AreaPath("ceiling"), {"--json"}).out);
+  EXPECT_EQ(ceiling["unit"], "deg");
+  ASSERT_EQ(ceiling["points"].size(), 11u);
+  EXPECT_EQ(ceiling["points"][1], json({{"hz", 353.8845}, {"v", 101.0514}, {"distance", 2.869}}));
+}
+
+TEST(AreaOutline, TakesTheDefaultWhereNoCornerHasADistance) {
+  const TempFolderC folder;
+  const std::string file = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "points": [[10, 20], [30, 20], [20, 50]]})");
+  EXPECT_EQ(Area("outline", file, {"--csv"}).out,
+            "hz,v,distance\r\n10,20,\r\n30,20,\r\n20,50,\r\n");
+  EXPECT_EQ(Area("outline", file, {"--csv", "--default-distance", "7.5"}).out,
+            "hz,v,distance\r\n10,20,7.5\r\n30,20,7.5\r\n20,50,7.5\r\n");
+  EXPECT_EQ(Area("outline", AreaPath("dome"), {"--csv"}).out, "hz,v,distance\r\n");
+}
+
+TEST(AreaCommands, SayOfAnAreaThatIsNotValidWhyAndGiveTheCodeOne) {
+  const TempFolderC folder;
+  const std::string reason = "surveydata: the area is not valid: edges 1 (point 1 to 2) and 3";
+  for (const Outcome& outcome :
+       {Area("outline", AreaPath("bow_tie")), Area("contains", AreaPath("bow_tie"), {"130,70"}),
+        Area("plot", AreaPath("bow_tie"), {"-o", folder / "out.svg"})}) {
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err.substr(0, reason.size()), reason);
+  }
+}
+
+TEST(AreaCommands, TellEightReasonsAndInfoTellsAll) {
+  const TempFolderC folder;
+  std::string points;
+  for (int i = 0; i < 5000; ++i) points += std::string(i > 0 ? "," : "") + "[-1, 20]";
+  const std::string file = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "points": [)" + points + "]}");
+  for (const Outcome& outcome :
+       {Area("contains", file, {"1,2"}), Area("plot", file, {"-o", folder / "out.svg"})}) {
+    EXPECT_EQ(outcome.exitCode, 1);
+    const std::vector<std::string> lines = Lines(outcome.err);
+    ASSERT_EQ(lines.size(), 9u);
+    EXPECT_EQ(lines[8], "surveydata: the area is not valid: 9991 more reasons, see area info");
+  }
+  EXPECT_EQ(json::parse(Area("info", file, {"--json"}).out)["faults"].size(), 9999u);
+}
+
+TEST(AreaContains, AnswersForDirectionsOfTheCommandLine) {
+  const Outcome inside = Area("contains", AreaPath("doorway"), {"0,90", "355,100"});
+  EXPECT_EQ(inside.exitCode, 0);
+  EXPECT_EQ(inside.out,
+            "        Hz [deg]           V [deg]  answer\n"
+            "               0                90  inside\n"
+            "             355               100  inside\n"
+            "2 directions: 2 inside, 0 outside\n");
+  const Outcome mixed = Area("contains", AreaPath("doorway"), {"-5,90", "20,90", "--json"});
+  EXPECT_EQ(mixed.exitCode, 1);
+  EXPECT_EQ(mixed.out,
+            "{\"hz\":-5.0,\"v\":90.0,\"inside\":true}\n"
+            "{\"hz\":20.0,\"v\":90.0,\"inside\":false}\n");
+}
+
+TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
+  const TempFolderC folder;
+  const std::string text = "hz,v,remark\r\n# a comment\r\n\r\n0,90,first\r\n355;100\r\n8\t116\r\n";
+  WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+  const std::vector<std::string> area = {"area", "contains", AreaPath("doorway"), "--json"};
+  const std::string expected =
+      "{\"hz\":0.0,\"v\":90.0,\"inside\":true}\n{\"hz\":355.0,\"v\":100.0,\"inside\":true}\n"
+      "{\"hz\":8.0,\"v\":116.0,\"inside\":true}\n";
+  const struct {
+    std::vector<std::string> more;
+    RunOptions run;
+  } cases[] = {
+      {{"--csv", "d.csv"}, {.folder = folder.Path().string()}},
+      {{"--csv", "-"}, {.input = folder / "d.csv"}},
+      {{}, {.input = folder / "d.csv"}},
+  };
+  for (const auto& [more, run] : cases) {
+    SCOPED_TRACE(testing::PrintToString(more));
+    std::vector<std::string> arguments = area;
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Outcome outcome = RunProgram(arguments, run);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, expected);
+    EXPECT_EQ(outcome.err, "");
+  }
+  const Outcome none = RunProgram(area);
+  EXPECT_EQ(none.exitCode, 0);
+  EXPECT_EQ(none.out, "");
+}
+
+TEST(AreaContains, ReadsOverAByteOrderMarkAndNotOverADirection) {
+  const TempFolderC folder;
+  const auto ask = [&](const std::string& text) {
+    WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+    return Area("contains", AreaPath("doorway"), {"--json", "--csv", folder / "d.csv"});
+  };
+  const std::string first = "{\"hz\":0.0,\"v\":90.0,\"inside\":true}\n";
+  EXPECT_EQ(ask("\xEF\xBB\xBF"
+                "0,90\n")
+                .out,
+            first);
+  EXPECT_EQ(ask("\xEF\xBB\xBF"
+                "Hz;V\n0;90\n")
+                .out,
+            first);
+  EXPECT_EQ(ask("\"Hz\",\"V\"\n0,90\n").out, first);
+  EXPECT_EQ(ask("north,nadir\n+0,90\n").out, first);
+  // What is a number, or looks like one, is no heading.
+  for (const char* const text :
+       {"\"0\",\"90\"\n0,90\n", "nan,90\n0,90\n", "inf,1\n0,90\n", "0,5;90,5\n", "1e999;90\n",
+        "0,90\n\xEF\xBB\xBF"
+        "0,90\n"}) {
+    SCOPED_TRACE(text);
+    const Outcome outcome = ask(text);
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("is no direction"), std::string::npos);
+  }
+}
+
+TEST(AreaCommands, DoNotSteerTheTerminal) {
+  const TempFolderC folder;
+  const std::string steering = "a\x1B[31mb";
+  const std::string lines = "0,90\n" + steering + "\n";
+  WriteBytes(folder / "d.csv", Bytes(lines.begin(), lines.end()));
+  const std::string named = Written(folder, R"({"kind": "dome", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "name": "a\u001b[31m\nb"})");
+  const Outcome info = Area("info", named);
+  EXPECT_NE(info.out.find("a\uFFFD[31m\uFFFDb\n"), std::string::npos) << info.out;
+  EXPECT_EQ(json::parse(Area("info", named, {"--json"}).out)["name"], "a\x1B[31m\nb");
+  for (const Outcome& outcome :
+       {info, Area("contains", AreaPath("doorway"), {"--csv", folder / "d.csv"}),
+        Area("info", folder / steering), Area("contains", AreaPath("doorway"), {steering})}) {
+    EXPECT_EQ((outcome.out + outcome.err).find('\x1B'), std::string::npos);
+  }
+}
+
+TEST(AreaInfo, TellsHugeNumbersShortly) {
+  const TempFolderC folder;
+  const std::string dome = Written(folder, R"({"kind": "dome", "unit": "rad", "hzStep": 1e-200,
+      "vStep": 1e-300})");
+  const Outcome text = Area("info", dome);
+  EXPECT_NE(text.out.find("Hz 1e-200 rad, V 1e-300 rad\n"), std::string::npos) << text.out;
+  EXPECT_NE(text.out.find("1e+18 or more at these steps\n"), std::string::npos) << text.out;
+  const json directions = json::parse(Area("info", dome, {"--json"}).out)["directions"];
+  EXPECT_EQ(directions["count"], 1'000'000'000'000'000'000);
+  EXPECT_EQ(directions["exact"], false);
+  const std::string far = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
+      "vStep": 1, "points": [[1e300, 20], [30, 20], [20, 50]]})");
+  for (const char* const command : {"info", "outline"}) {
+    const Outcome outcome = Area(command, far);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_NE(outcome.out.find("1e+300"), std::string::npos) << outcome.out;
+  }
+}
+
+TEST(AreaOutline, RefusesADefaultThatIsNoDistance) {
+  for (const char* const distance : {"0", "-1", "nan", "inf", "1e400", "x", ""}) {
+    SCOPED_TRACE(distance);
+    EXPECT_EQ(Area("outline", AreaPath("facade"), {"--default-distance", distance}).exitCode, 2);
+  }
+}
+
+TEST(AreaPlot, WritesToStandardOutputForAHyphen) {
+  const TempFolderC folder;
+  const Outcome outcome = RunProgram({"area", "plot", AreaPath("doorway"), "-o", "-"},
+                                     {.folder = folder.Path().string()});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NO_THROW(ParseXml(outcome.out));
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(AreaContains, NamesTheLineThatIsNoDirection) {
+  const TempFolderC folder;
+  for (const auto& [input, message] :
+       {std::pair<std::string, std::string>{"1,2\nheading\n", "standard input: line 2 is no"},
+        {"hz,v\nhz,v\n", "standard input: line 2 is no direction: hz,v"},
+        {"\n\n-,2\n", "standard input: line 3 is no direction: -,2"},
+        {std::string(5000, '1') + ",2\n", "standard input: line 1 is too long"}}) {
+    SCOPED_TRACE(message);
+    WriteBytes(folder / "in", Bytes(input.begin(), input.end()));
+    const Outcome outcome =
+        RunProgram({"area", "contains", AreaPath("doorway")}, {.input = folder / "in"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
+  }
+}
+
+TEST(AreaContains, RefusesALineWithAZeroByte) {
+  const TempFolderC folder;
+  for (const std::string& line :
+       {std::string("57,92\0\n57,92\n", 13), std::string("\0\n57,92\n", 8),
+        std::string("57,92\n#\0x\n57,92\n", 16), std::string("57,92\0", 6),
+        std::string("57,92\n\0 4", 9), std::string("\0", 1)}) {
+    WriteBytes(folder / "in", {line.begin(), line.end()});
+    const Outcome outcome =
+        Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("has a zero byte"), std::string::npos) << outcome.err;
+  }
+  WriteBytes(folder / "in", {'5', '7', ',', '9', '2'});  // no end of the line is no zero byte
+  EXPECT_EQ(Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"}).exitCode, 0);
+}
+
+// Around the size of a block, and many.
+TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
+  const TempFolderC folder;
+  const Tool::AreaFile file = Tool::LoadAreaFile(AreaPath("facade"));
+  for (const int count : {1, 4095, 4096, 4097, 20'000}) {
+    SCOPED_TRACE(count);
+    std::string input;
+    std::string expected;
+    bool areAllInside = true;
+    for (int i = 0; i < count; ++i) {
+      const double hz = i * 7919 % 40000 / 400.0;
+      const double v = 50 + i * 104729 % 60000 / 1000.0;
+      const bool isInside =
+          file.area->Contains(Tool::ToRadians(hz, file.unit), Tool::ToRadians(v, file.unit));
+      areAllInside = areAllInside && isInside;
+      input += std::to_string(hz) + "," + std::to_string(v) + "\n";
+      expected += isInside ? "inside\n" : "outside\n";
+    }
+    WriteBytes(folder / "d.csv", Bytes(input.begin(), input.end()));
+    const std::vector<std::string> lines =
+        Lines(Area("contains", AreaPath("facade"), {"--csv", folder / "d.csv"}).out);
+    std::string answers;  // behind the heading, and before the sum
+    for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
+      answers += lines[i].substr(lines[i].rfind(' ') + 1) + "\n";
+    }
+    EXPECT_EQ(answers, expected);
+    EXPECT_FALSE(areAllInside);
+  }
+}
+
+TEST(AreaPlot, DrawsWellFormedPicturesOfEverySample) {
+  const TempFolderC folder;
+  for (const char* const name : kAreas) {
+    SCOPED_TRACE(name);
+    const Outcome outcome = Area("plot", AreaPath(name), {"-o", folder / "out.svg"});
+    EXPECT_EQ(outcome.exitCode, std::string(name) == "bow_tie" ? 1 : 0);
+    EXPECT_EQ(outcome.out, "");
+    const std::string text = ReadText(folder / "out.svg");
+    const ptree svg = ParseXml(text);
+    for (const char* const label :
+         {"Hz and V", "seen from the zenith", "zenith", "inside", "lowest direction"}) {
+      EXPECT_TRUE(HasText(svg, label)) << label;
+    }
+    EXPECT_EQ(text.find("nan"), std::string::npos);
+    EXPECT_EQ(text.find("inf"), std::string::npos);
+    const std::size_t filled = Count(svg, "polygon", "fill", "#cfe3f3");
+    EXPECT_EQ(filled > 0, std::string(name) != "bow_tie");
+  }
+}
+
+TEST(AreaPlot, DrawsEveryEdgeInBothPanelsAndCrossingOnesRed) {
+  const TempFolderC folder;
+  Area("plot", AreaPath("facade"), {"-o", folder / "out.svg"});
+  EXPECT_EQ(Count(ParseXml(ReadText(folder / "out.svg")), "polyline", "stroke", "#0072b2"), 38u);
+  Area("plot", AreaPath("bow_tie"), {"-o", folder / "out.svg"});
+  const ptree bowTie = ParseXml(ReadText(folder / "out.svg"));
+  EXPECT_EQ(Count(bowTie, "polyline", "stroke", "#0072b2"), 4u);
+  EXPECT_EQ(Count(bowTie, "polyline", "stroke", "#cc3311"), 4u);
+  // The upper and the lower edge lie on both sides of Hz 0, the others on one.
+  Area("plot", AreaPath("doorway"), {"-o", folder / "out.svg"});
+  EXPECT_EQ(Count(ParseXml(ReadText(folder / "out.svg")), "polyline", "stroke", "#0072b2"),
+            4u + 6u);
+}
+
+TEST(AreaPlot, MarksProbesByTheirAnswer) {
+  const TempFolderC folder;
+  WriteBytes(folder / "d.csv", {'5', ',', '9', '0', '\n'});
+  Area("plot", AreaPath("doorway"),
+       {"-o", folder / "out.svg", "--probe", "0,90", "--probe", "-5,90", "--probe", "20,90",
+        "--csv", folder / "d.csv"});
+  const ptree svg = ParseXml(ReadText(folder / "out.svg"));
+  EXPECT_TRUE(HasText(svg, "asked: inside (3)"));
+  EXPECT_TRUE(HasText(svg, "asked: outside (1)"));
+  // In both panels and in the legend; a cross has two lines.
+  EXPECT_EQ(Count(svg, "circle", "fill", "#117733"), 7u);
+  EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 6u);
+}
+
+TEST(AreaPlot, ShowsAWindowOfThePlane) {
+  const TempFolderC folder;
+  const auto labels = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> all = {"-o", folder / "out.svg"};
+    all.insert(all.end(), more.begin(), more.end());
+    EXPECT_EQ(Area("plot", AreaPath("doorway"), all).exitCode, 0);
+    return ParseXml(ReadText(folder / "out.svg"));
+  };
+  EXPECT_FALSE(HasText(labels({}), "-10"));
+  const ptree svg = labels({"--window", "-20,60,20,130"});
+  EXPECT_TRUE(HasText(svg, "-10"));
+  EXPECT_TRUE(HasText(svg, "130"));
+  // No seam within the window: every edge is drawn once there.
+  EXPECT_EQ(Count(svg, "polyline", "stroke", "#0072b2"), 8u);
+}
+
+TEST(AreaPlot, DrawsWhateverPointsAFileHolds) {
+  const TempFolderC folder;
+  for (const char* const points :
+       {"", "[0, 0]", "[1e300, 1], [2, 1e300], [3, 3]", "[0, 90], [180, 90], [90, 90]",
+        "[0, 0], [90, 0], [45, 180]", "[10, 10], [10, 10], [10, 10]",
+        "[0, 20], [180, 20], [90, 60]", "[-30, 500], [720, 20], [90, 60]"}) {
+    SCOPED_TRACE(points);
+    const std::string file =
+        Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1,
+            "points": [)" + std::string(points) +
+                            "]}");
+    EXPECT_NE(Area("plot", file, {"-o", folder / "out.svg"}).exitCode, 3);
+    const std::string text = ReadText(folder / "out.svg");
+    EXPECT_NO_THROW(ParseXml(text));
+    EXPECT_EQ(text.find("nan"), std::string::npos);
+    EXPECT_EQ(text.find("inf\""), std::string::npos);
+    EXPECT_LE(Area("info", file).exitCode, 1);
+    EXPECT_LE(Area("outline", file).exitCode, 1);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,294 @@
+// The manual page and the completions of the shells, which are made from the commands: what they
+// say, and what the shells do with them.
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <command_line/command_tree.h>
+#include <command_line/completion.h>
+#include <command_line/man_page.h>
+#include <commands.h>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using Tool::Command;
+
+Command OfTheProgram() {
+  Tool::ExitCode unused = Tool::ExitCode::kDone;
+  return Tool::DescribeCommands(*Tool::MakeCommands(unused));
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+bool IsThere(const std::string& program, const TempFolderC& folder) {
+  return RunShell("command -v " + program, folder.Path().string()).exitCode == 0;
+}
+
+void Write(const std::string& file, const std::string& text) {
+  WriteBytes(file, Bytes(text.begin(), text.end()));
+}
+
+// Every word of the help texts that is an option, with the words of the command before it.
+std::vector<std::vector<std::string>> OptionsOfTheHelp(const std::vector<std::string>& command) {
+  std::vector<std::string> arguments = command;
+  arguments.emplace_back("--help");
+  std::vector<std::vector<std::string>> found;
+  std::string section;
+  for (const std::string& line : Lines(RunProgram(arguments).out)) {
+    if (!line.empty() && line.front() != ' ') section = line;
+    if (!line.starts_with("  ") || line[2] == ' ') continue;
+    const std::string word = line.substr(2, line.find(' ', 2) - 2);
+    if (section == "Subcommands:") {
+      auto below = command;
+      below.push_back(word);
+      const auto options = OptionsOfTheHelp(below);
+      found.push_back(std::move(below));
+      found.insert(found.end(), options.begin(), options.end());
+    } else if (section == "Options:" || section == "Positionals:") {
+      for (std::size_t at = 0; at < word.size();) {  // -o,--output
+        const std::size_t end = std::min(word.find(',', at), word.size());
+        auto option = command;
+        option.push_back(word.substr(at, end - at));
+        found.push_back(std::move(option));
+        at = end + 1;
+      }
+    }
+  }
+  return found;
+}
+
+// The part of a manual page that is about a command.
+std::string ManSection(const std::string& page, const std::string& heading) {
+  const std::size_t begin = page.find(heading + "\n");
+  if (begin == std::string::npos) return {};
+  return page.substr(begin, page.find("\n.S", begin) - begin);
+}
+
+std::string InRoff(std::string text) {
+  for (std::size_t at = 0; (at = text.find('-', at)) != std::string::npos; at += 2) {
+    text.insert(at, "\\");
+  }
+  return text;
+}
+
+TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
+  const std::string page = Tool::ManPage(OfTheProgram(), "2026-01-02", "1.2.3");
+  const auto all = OptionsOfTheHelp({});
+  ASSERT_GT(all.size(), 50U);
+  for (const std::vector<std::string>& words : all) {
+    std::string path = "surveydata";
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) path += " " + words[i];
+    const std::string& last = words.back();
+    SCOPED_TRACE(path + " " + last);
+    if (last == "-h" || last == "--help") continue;
+    const bool isOption = last.starts_with("-");
+    const bool isArgument = last == "FILE" || last == "AREA" || last == "DIRECTION";
+    if (!isOption && !isArgument) {
+      EXPECT_FALSE(ManSection(page, ".SS " + path + " " + last).empty());
+      continue;
+    }
+    const std::string section =
+        ManSection(page, words.size() == 1 ? ".SH OPTIONS" : ".SS " + InRoff(path));
+    EXPECT_TRUE(Contains(section, (isOption ? "\\fB" : "\\fI") + InRoff(last) + "\\fR")) << section;
+  }
+  EXPECT_TRUE(Contains(ManSection(page, ".SH OPTIONS"), "\\-\\-help"));
+  EXPECT_TRUE(Contains(ManSection(page, ".SH EXIT CODES"), "2 wrong usage"));
+  EXPECT_TRUE(Contains(page, ".TH SURVEYDATA 1 2026-01-02 \"surveydata 1.2.3\""));
+}
+
+TEST(ManPage, IsReadWithoutAWarning) {
+  const TempFolderC folder;
+  Write(folder / "surveydata.1", Tool::ManPage(OfTheProgram(), "2026-01-02", "1.2.3"));
+  int readers = 0;
+  for (const std::string command :
+       {"mandoc -Tlint -Wwarning surveydata.1 >&2",
+        "LC_ALL=C.UTF-8 MANROFFSEQ= MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "
+        "./surveydata.1 >/dev/null",
+        "groff -man -ww -Tutf8 -z surveydata.1"}) {
+    if (!IsThere(command.starts_with("LC") ? "man" : command.substr(0, command.find(' ')), folder))
+      continue;
+    ++readers;
+    SCOPED_TRACE(command);
+    const Outcome outcome = RunShell(command, folder.Path().string());
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+  }
+  if (readers == 0) GTEST_SKIP() << "neither mandoc nor man nor groff";
+}
+
+TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
+  CLI::App app("Does things.", "tool");
+  bool isOn = false;
+  app.add_flag("--flag", isOn, ".begins with a dot, has a \\ and \"quotes\" and an \u00FC");
+  const std::string page = Tool::ManPage(Tool::DescribeCommands(app), "2026-01-02", "1");
+  EXPECT_TRUE(Contains(page,
+                       "\n\\&.begins with a dot, has a \\e and \\(dqquotes\\(dq and an "
+                       "\\[u00FC].\n"))
+      << page;
+}
+
+// Whatever is added to the commands is in all of them without further work.
+TEST(Descriptions, TellWhatIsAddedAndHideWhatIsHidden) {
+  CLI::App app("Does things.", "tool");
+  CLI::App& command = *app.add_subcommand("fetch", "Fetch something: anything");
+  std::string text;
+  command.add_option("-t,--tint", text, "The colour; none by default")->type_name("COLOUR");
+  command.add_option("--secret", text, "Not told")->group("");
+  app.add_subcommand("ghost", "Not told")->group("");
+  const Command top = Tool::DescribeCommands(app);
+  for (const std::string& out : {Tool::ManPage(top, "2026-01-02", "1"), Tool::BashCompletion(top),
+                                 Tool::ZshCompletion(top), Tool::FishCompletion(top)}) {
+    SCOPED_TRACE(out);
+    EXPECT_TRUE(Contains(out, "fetch"));
+    EXPECT_TRUE(Contains(out, "tint"));
+    EXPECT_FALSE(Contains(out, "secret"));
+    EXPECT_FALSE(Contains(out, "ghost"));
+    EXPECT_FALSE(Contains(out, "Not told"));
+  }
+}
+
+// What a shell offers at the end of a command line.
+struct Question {
+  std::vector<std::string> words;  // behind the program's name; the last one is completed
+  std::set<std::string> answer;
+  bool isFile = false;
+};
+
+const std::vector<Question>& Questions() {
+  static const std::vector<Question> questions{
+      {{""}, {"record", "area"}},
+      {{"re"}, {"record"}},
+      {{"record", ""}, {"list", "show", "export", "set", "plot"}},
+      {{"area", ""}, {"info", "outline", "contains", "plot"}},
+      {{"record", "list", "--"}, {"--help", "--json"}},
+      {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
+      {{"record", "list", "area", "--j"}, {"--json"}},  // a file with the name of a command
+      {{"record", "set", "--name", "list", "--num"}, {"--number"}},
+      {{"area", "contains", "a.json", "--"}, {"--help", "--csv", "--json"}},
+      {{"record", "show", "--offset", ""}, {}},
+      {{"area", "contains", "a.json", ""}, {}},
+      {{"area", "info", ""}, {"a.json", "folder"}, true},
+      {{"area", "outline", "--default-distance", "7", ""}, {"a.json", "folder"}, true},
+      {{"record", "list", "c"}, {"c.rec"}, true},
+      {{"record", "plot", "c.rec", "--output", ""}, {"b.svg", "folder"}, true},
+      {{"record", "plot", "c.rec", "-o", ""}, {"b.svg", "folder"}, true},
+      {{"record", "export", "-o", "c"}, {"c.rec"}, true},
+  };
+  return questions;
+}
+
+std::string InQuotes(const std::string& word) { return "'" + word + "'"; }
+
+std::string LineOf(const Question& question) {
+  std::string line = "surveydata";
+  for (const std::string& word : question.words) line += " " + word;
+  return line;
+}
+
+std::set<std::string> Offered(const std::string& text) {
+  std::set<std::string> offered;
+  for (std::string line : Lines(text)) {
+    line = line.substr(0, line.find('\t'));
+    if (line.ends_with('/')) line.pop_back();
+    if (!line.empty()) offered.insert(line);
+  }
+  return offered;
+}
+
+class CompletionTest : public testing::Test {
+ protected:
+  CompletionTest() {
+    std::filesystem::create_directories(folder_.Path() / "work" / "folder");
+    for (const char* const name : {"a.json", "b.svg", "c.rec"}) Write(folder_ / "work/" + name, "");
+  }
+
+  std::string Work() const { return folder_ / "work"; }
+  Outcome Shell(const std::string& command) const { return RunShell(command, Work()); }
+
+  TempFolderC folder_;
+};
+
+using BashCompletion = CompletionTest;
+using ZshCompletion = CompletionTest;
+using FishCompletion = CompletionTest;
+
+TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
+  if (!IsThere("bash", folder_)) GTEST_SKIP() << "no bash";
+  Write(folder_ / "surveydata", Tool::BashCompletion(OfTheProgram()));
+  const auto ask = [&](const std::vector<std::string>& words) {
+    std::string command =
+        "bash " SURVEYDATA_TEST_TOOLS "complete_in_bash.sh ../surveydata surveydata";
+    for (const std::string& word : words) command += " " + InQuotes(word);
+    const Outcome outcome = Shell(command);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+    return Offered(outcome.out);
+  };
+  for (const Question& question : Questions()) {
+    SCOPED_TRACE(LineOf(question));
+    EXPECT_EQ(ask(question.words), question.answer);
+  }
+  // Bash takes = for a word of its own.
+  EXPECT_EQ(ask({"record", "plot", "c.rec", "--output", "="}),
+            (std::set<std::string>{"b.svg", "folder"}));
+  EXPECT_EQ(ask({"record", "plot", "--output", "=", "b"}), (std::set<std::string>{"b.svg"}));
+  EXPECT_EQ(ask({"record", "plot", "--output", "=", "b.svg", "c"}),
+            (std::set<std::string>{"c.rec"}));
+  EXPECT_EQ(ask({"--v"}), (std::set<std::string>{"--version"}));
+  EXPECT_EQ(ask({"record", "list", "c.rec", ""}),
+            (std::set<std::string>{"-h", "--help", "--json"}));
+}
+
+TEST_F(ZshCompletion, OffersCommandsOptionsAndFiles) {
+  if (!IsThere("zsh", folder_)) GTEST_SKIP() << "no zsh";
+  std::filesystem::create_directory(folder_.Path() / "functions");
+  Write(folder_ / "functions/_surveydata", Tool::ZshCompletion(OfTheProgram()));
+  EXPECT_EQ(Shell("zsh -n ../functions/_surveydata").err, "");
+  std::string lines;
+  for (const Question& question : Questions()) lines += LineOf(question) + "\n";
+  Write(folder_ / "lines", lines);
+  const Outcome outcome = Shell("timeout 120 zsh -f " SURVEYDATA_TEST_TOOLS
+                                "complete_in_zsh.zsh ../functions ../lines ../out");
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+  std::string said = ReadText(folder_ / "out");
+  for (const Question& question : Questions()) {
+    SCOPED_TRACE(LineOf(question));
+    const std::size_t end = said.find("end\n");
+    ASSERT_NE(end, std::string::npos);
+    EXPECT_EQ(Offered(said.substr(0, end)), question.answer);
+    said.erase(0, end + 4);
+  }
+}
+
+// Fish offers files with the right extension first, and others after them.
+TEST_F(FishCompletion, OffersCommandsOptionsAndFiles) {
+  if (!IsThere("fish", folder_)) GTEST_SKIP() << "no fish";
+  Write(folder_ / "surveydata.fish", Tool::FishCompletion(OfTheProgram()));
+  EXPECT_EQ(Shell("HOME=.. fish -n ../surveydata.fish").err, "");
+  for (const Question& question : Questions()) {
+    SCOPED_TRACE(LineOf(question));
+    const Outcome outcome =
+        Shell("HOME=.. fish --no-config -c 'source ../surveydata.fish; complete -C \"" +
+              LineOf(question) + "\"'");
+    EXPECT_EQ(outcome.exitCode, 0);
+    const auto offered = Offered(outcome.out);
+    if (question.isFile) {
+      EXPECT_TRUE(std::includes(offered.begin(), offered.end(), question.answer.begin(),
+                                question.answer.end()))
+          << outcome.out;
+    } else {
+      EXPECT_EQ(offered, question.answer);
+    }
+  }
+}
+
+}  // namespace

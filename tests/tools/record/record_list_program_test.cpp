@@ -1,0 +1,214 @@
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using nlohmann::json;
+
+Outcome List(const std::string& file) { return RunProgram({"record", "list", file}); }
+
+std::vector<json> ListJson(const std::string& file) {
+  return JsonLines(RunProgram({"record", "list", file, "--json"}).out);
+}
+
+// A record file of one frame.
+std::string OneFrame(const TempFolderC& folder, const Bytes& frame) {
+  WriteBytes(folder / "one.rec", frame);
+  return folder / "one.rec";
+}
+
+Bytes SampleFrame(std::size_t offset, std::size_t size) {
+  const Bytes bytes = ReadBytes(DataPath("valley_drive.rec"));
+  const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(offset);
+  return {begin, begin + static_cast<std::ptrdiff_t>(size)};
+}
+
+TEST(RecordList, HasARowForEveryRecordOfTheSamplesAndForEveryStretchBetween) {
+  for (const char* const name : kSamples) {
+    SCOPED_TRACE(name);
+    const json index = SampleIndex(name);
+    // What the file is made of, as its index has it; stretches of padding side by side are one gap.
+    std::vector<json> expected;
+    for (const json& frame : index["frames"]) {
+      expected.push_back(
+          {{"kind", "measurement"}, {"offset", frame["offset"]}, {"size", frame["size"]}});
+    }
+    for (const json& other : index["others"]) {
+      expected.push_back({{"kind", "other"},
+                          {"offset", other["offset"]},
+                          {"size", other["size"]},
+                          {"type", other["type"]}});
+    }
+    for (const json& padding : index["padding"]) {
+      expected.push_back(
+          {{"kind", "gap"}, {"offset", padding["offset"]}, {"size", padding["size"]}});
+    }
+    std::sort(expected.begin(), expected.end(), [](const json& a, const json& b) {
+      return a["offset"].get<std::size_t>() < b["offset"].get<std::size_t>();
+    });
+
+    std::vector<json> found;
+    for (const json& line : ListJson(DataPath(std::string(name) + ".rec"))) {
+      if (line["kind"] == "badFrame") continue;  // lies inside a gap
+      json entry = {{"kind", line["kind"]}, {"offset", line["offset"]}, {"size", line["size"]}};
+      if (line["kind"] == "other") entry["type"] = line["type"];
+      found.push_back(entry);
+    }
+    EXPECT_EQ(found, expected);
+  }
+}
+
+TEST(RecordList, TellsOfEachMeasurementWhatReadingItGives) {
+  for (const char* const name : kSamples) {
+    const std::vector<json> records =
+        JsonLines(ReadText(DataPath(std::string(name) + ".expected.jsonl")));
+    std::size_t i = 0;
+    for (const json& line : ListJson(DataPath(std::string(name) + ".rec"))) {
+      if (line["kind"] != "measurement") continue;
+      ASSERT_LT(i, records.size());
+      const json& record = records[i++];
+      SCOPED_TRACE(record["offset"]);
+      EXPECT_EQ(line["time"], record["measurement"]["timeA"]);
+      EXPECT_EQ(line["name"], record["info"]["name"]);
+      const json& dops = record["getters"]["dops"];
+      for (const char* const dop : {"hdop", "vdop", "tdop", "pdop"}) {
+        const bool isThere = !dops.is_null() && dops[dop] >= 0;
+        EXPECT_EQ(line[dop], isThere ? dops[dop] : json());
+      }
+      const json& pair = record["getters"]["totalPair"];
+      EXPECT_EQ(line["inView"], pair.is_null() ? json() : pair[0]);
+      EXPECT_EQ(line["used"], pair.is_null() ? json() : pair[1]);
+    }
+    EXPECT_EQ(i, records.size());
+  }
+}
+
+// 2091 weeks from 6 January 1980 is 2 February 2020; 440075 s are five days, 2 h 14 min 35 s. The
+// other values are those of the file's expectation lines.
+TEST(RecordList, AlignsItsRowsForPeople) {
+  const Outcome outcome = List(DataPath("valley_drive.rec"));
+  EXPECT_EQ(outcome.exitCode, 1) << "the sample has gaps";
+  EXPECT_EQ(outcome.err, "");
+  const std::vector<std::string> lines = Lines(outcome.out);
+  const std::vector<std::string> first = {
+      "    offset  kind        length  GPS time                 week  time of week  HDOP  VDOP  "
+      "TDOP  PDOP  used/view  name",
+      "         0  type 1         647",
+      "       647  type 17        207",
+      "       854  measurement     40  2020-02-07T02:14:35.000  2091  440075.000 s   0.8   1.3   "
+      "1.1   1.5      25/39",
+      "       894  measurement     40  2020-02-07T02:14:39.000  2091  440079.000 s   0.8   1.3   "
+      "1.9   1.5      25/39",
+      "       934  GAP             26  bytes that belong to no record",
+      "       960  measurement    467  2020-02-07T02:14:43.000  2091  440083.000 s   0.8   1.3   "
+      "1.5   1.5      25/39  Süd-Ø1",
+  };
+  ASSERT_GE(lines.size(), first.size());
+  for (std::size_t i = 0; i < first.size(); ++i) EXPECT_EQ(lines[i], first[i]);
+
+  const json index = SampleIndex("valley_drive");
+  std::size_t gapBytes = 0;
+  for (const json& padding : index["padding"]) gapBytes += padding["size"].get<std::size_t>();
+  const std::string counts = std::to_string(index["frames"].size()) + " measurements, " +
+                             std::to_string(index["others"].size()) + " other records, " +
+                             std::to_string(index["padding"].size()) + " gaps (" +
+                             std::to_string(gapBytes) + " bytes), ";
+  EXPECT_TRUE(lines.back().starts_with(counts)) << lines.back();
+}
+
+TEST(RecordList, IsDoneWhenEveryByteBelongsToAGoodRecord) {
+  const TempFolderC folder;
+  const Outcome outcome = List(OneFrame(folder, SampleFrame(960, 467) + MakeFrame(17, {1, 2, 3})));
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(Lines(outcome.out).back(),
+            "1 measurement, 1 other record, 0 gaps (0 bytes), 0 bad frames");
+  EXPECT_EQ(List(OneFrame(folder, {})).exitCode, 0);
+}
+
+TEST(RecordList, ReportsAGap) {
+  const TempFolderC folder;
+  const Outcome outcome = List(OneFrame(folder, Bytes{7} + SampleFrame(960, 467)));
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(Lines(outcome.out)[1],
+            "         0  GAP              1  bytes that belong to no record");
+  EXPECT_EQ(Lines(outcome.out).back(),
+            "1 measurement, 0 other records, 1 gap (1 byte), 0 bad frames");
+}
+
+TEST(RecordList, ReportsFramesWithAWrongChecksum) {
+  const TempFolderC folder;
+  Bytes frame = SampleFrame(960, 467);
+  frame[100] ^= 1;
+  const Bytes good = SampleFrame(854, 40);
+  const struct {
+    const char* what;
+    Bytes bytes;
+    std::size_t badAt;
+    const char* reason;
+  } cases[] = {
+      {"alone", frame, 0, "wrong checksum"},
+      {"between frames", good + frame + good, 40, "wrong checksum"},
+      {"inside a gap", good + Bytes{1, 2, 3} + frame + Bytes{4} + good, 43, "wrong checksum"},
+      {"cut by the end", good + SampleFrame(960, 466), 40, "cut by the end of the file"},
+      {"header alone", good + SampleFrame(960, 5), 40, "cut by the end of the file"},
+      {"a byte is missing", SampleFrame(960, 400) + good, 0, "cut by the end of the file"},
+      {"bytes are missing", SampleFrame(960, 460) + good + good, 0, "runs into the next record"},
+  };
+  for (const auto& [what, bytes, badAt, reason] : cases) {
+    SCOPED_TRACE(what);
+    const std::string file = OneFrame(folder, bytes);
+    EXPECT_EQ(List(file).exitCode, 1);
+    std::vector<json> bad;
+    for (const json& line : ListJson(file)) {
+      if (line["kind"] == "badFrame") bad.push_back(line);
+    }
+    ASSERT_EQ(bad.size(), 1u);
+    EXPECT_EQ(bad[0]["offset"], badAt);
+    EXPECT_EQ(bad[0]["size"], 467);
+    EXPECT_EQ(bad[0]["reason"], reason);
+  }
+}
+
+TEST(RecordList, FindsABadFrameWhereverItLiesInALongGap) {
+  const TempFolderC folder;
+  Bytes frame = SampleFrame(854, 40);
+  frame[20] ^= 1;
+  // Around the block size in which gaps are read.
+  for (const std::size_t before : {65530u, 65531u, 65532u, 65535u, 65536u, 65537u}) {
+    SCOPED_TRACE(before);
+    std::vector<std::size_t> bad;
+    for (const json& line : ListJson(OneFrame(folder, Bytes(before, 0) + frame))) {
+      if (line["kind"] == "badFrame") bad.push_back(line["offset"]);
+    }
+    EXPECT_EQ(bad, std::vector<std::size_t>{before});
+  }
+}
+
+TEST(RecordList, ReportsFramesWhoseBlocksDoNotFit) {
+  const TempFolderC folder;
+  const Bytes twoExtraTimes = MakeFrame(113, MakeBody(0x0008, {2, 0, 0, 0, 0, 0, 0}));
+  const Bytes tooShort = MakeFrame(113, MakeBody(0x0100, {1}));
+  const std::string file = OneFrame(folder, twoExtraTimes + tooShort);
+  const Outcome outcome = List(file);
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(Lines(outcome.out)[1],
+            "         0  BAD FRAME       26  right checksum, but its blocks do not fit");
+  EXPECT_EQ(Lines(outcome.out).back(),
+            "0 measurements, 0 other records, 0 gaps (0 bytes), 2 bad frames");
+  EXPECT_EQ(ListJson(file).size(), 2u);
+}
+
+TEST(RecordList, DoesNotTakeLongRecordsOfTheSameTypeForMeasurements) {
+  const TempFolderC folder;
+  const Outcome outcome = List(OneFrame(folder, MakeFrame(113, Bytes(494, 0))));
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(Lines(outcome.out)[1], "         0  type 113       501");
+}
+
+}  // namespace

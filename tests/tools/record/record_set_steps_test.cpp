@@ -1,0 +1,330 @@
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include "tests/tools/program.h"
+
+// `record set` killed, stopped or failing at every single step: what is left is the old file or the
+// new one. tests/support/step_shim.cpp tells what it can be made to do.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The program's environment with the shim, as the shell takes it. The sanitizer need not come
+// first.
+std::string WithShim(const std::string& order) {
+  return "ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD='" SURVEYDATA_STEP_SHIM
+         "' SURVEYDATA_SHIM='" +
+         order + "'";
+}
+
+bool IsCopy(const std::string& name) { return name.starts_with(".surveydata."); }
+
+class RecordSetSteps : public testing::Test {
+ protected:
+  RecordSetSteps() {
+    WriteBytes(file_, before_);
+    EXPECT_EQ(Set("log").exitCode, 0);
+    after_ = ReadBytes(file_);
+    EXPECT_EQ(after_.size(), before_.size());
+    EXPECT_NE(after_, before_);
+    WriteBytes(file_, before_);
+  }
+
+  Outcome Set(const std::string& order) const {
+    return RunProgram({"record", "set", file_, "--offset", "960", "--number", "4711"},
+                      {.shell = WithShim(order)});
+  }
+
+  // The names of the calls of a run in which nothing happens.
+  std::vector<std::string> Calls() const {
+    const TempFolderC folder;
+    const std::string log = folder / "log";
+    const Outcome outcome =
+        RunProgram({"record", "set", file_, "--offset", "960", "--number", "4711"},
+                   {.shell = "SURVEYDATA_SHIM_LOG='" + log + "' " + WithShim("log")});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    WriteBytes(file_, before_);
+    return Lines(ReadText(log));
+  }
+
+  void ExpectNoCopyBehind() const {
+    EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
+  }
+
+  // Once more in full, from whatever was left.
+  void ExpectThatItWorksAgain() {
+    EXPECT_EQ(Set("log").exitCode, 0);
+    EXPECT_EQ(ReadBytes(file_), after_);
+    for (const std::string& name : folder_.Names()) {
+      if (IsCopy(name)) fs::remove(folder_ / name);
+    }
+    WriteBytes(file_, before_);
+  }
+
+  TempFolderC folder_;
+  std::string file_ = folder_ / "sample.rec";
+  Bytes before_ = ReadBytes(DataPath("valley_drive.rec"));
+  Bytes after_;
+};
+
+TEST_F(RecordSetSteps, ChangesFilesByTheseCallsInThisOrder) {
+  std::vector<std::string> calls = Calls();
+  std::erase(calls, "open");
+  EXPECT_GE(std::erase(calls, "pread"), 3U);
+  EXPECT_EQ(calls, (std::vector<std::string>{"flock", "mkostemp", "pwrite", "pwrite", "fchown",
+                                             "fchmod", "fsync", "rename", "fsync"}));
+}
+
+TEST_F(RecordSetSteps, KilledAtAnyStepLeavesTheOldFileOrTheNewOne) {
+  const std::vector<std::string> calls = Calls();
+  const auto rename = std::find(calls.begin(), calls.end(), "rename") - calls.begin();
+  for (std::ptrdiff_t step = 0; step < std::ssize(calls); ++step) {
+    for (const std::string what : {"kill", "tear"}) {
+      const std::string& call = calls[static_cast<std::size_t>(step)];
+      if (what == "tear" && call != "pwrite") continue;
+      SCOPED_TRACE(what + " at step " + std::to_string(step) + ", " + call);
+      EXPECT_EQ(Set(what + " " + std::to_string(step)).exitCode, 128 + SIGKILL);
+      EXPECT_TRUE(ReadBytes(file_) == (step <= rename ? before_ : after_));
+      // Nobody is left to remove the copy.
+      const auto names = folder_.Names();
+      EXPECT_LE(names.size(), 2U);
+      EXPECT_EQ(names.back(), "sample.rec");
+      EXPECT_TRUE(names.size() == 1 || IsCopy(names.front()));
+      ExpectThatItWorksAgain();
+    }
+  }
+}
+
+TEST_F(RecordSetSteps, AnyCallThatFailsLeavesTheOldFileOrTheNewOneAndSaysSo) {
+  const std::vector<std::string> calls = Calls();
+  int failures = 0;
+  for (std::size_t step = 0; step < calls.size(); ++step) {
+    for (const int error : {EIO, ENOSPC}) {
+      SCOPED_TRACE("step " + std::to_string(step) + ", " + calls[step]);
+      const Outcome outcome = Set("fail " + std::to_string(step) + " " + std::to_string(error));
+      const Bytes bytes = ReadBytes(file_);
+      ExpectNoCopyBehind();
+      if (outcome.exitCode == 0) {
+        EXPECT_EQ(calls[step], "open");  // of standard streams or of what may be opened another way
+        EXPECT_TRUE(bytes == after_);
+      } else {
+        ++failures;
+        EXPECT_EQ(outcome.exitCode, 3);
+        const bool isReplaced = outcome.err.find("sample.rec is replaced") != std::string::npos;
+        EXPECT_TRUE(bytes == (isReplaced ? after_ : before_));
+        EXPECT_NE(outcome.err.find(isReplaced ? "is replaced" : "sample.rec is as it was"),
+                  std::string::npos)
+            << outcome.err;
+      }
+      ExpectThatItWorksAgain();
+    }
+  }
+  EXPECT_GE(failures, 18);  // all but opening
+}
+
+TEST_F(RecordSetSteps, GoesOnBehindAReadOrAWriteThatFallsShort) {
+  const std::vector<std::string> calls = Calls();
+  for (std::size_t step = 0; step < calls.size(); ++step) {
+    if (calls[step] != "pread" && calls[step] != "pwrite") continue;
+    SCOPED_TRACE("step " + std::to_string(step) + ", " + calls[step]);
+    EXPECT_EQ(Set("short " + std::to_string(step)).exitCode, 0);
+    EXPECT_TRUE(ReadBytes(file_) == after_);
+    WriteBytes(file_, before_);
+  }
+}
+
+TEST_F(RecordSetSteps, IsDoneWhereAFolderHasNothingToBring) {
+  for (const int error : {EINVAL, ENOTSUP}) {
+    const Outcome outcome = Set("fail fsync 1 " + std::to_string(error));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(ReadBytes(file_) == after_);
+    WriteBytes(file_, before_);
+  }
+  // The file itself has.
+  EXPECT_EQ(Set("fail fsync 0 " + std::to_string(EINVAL)).exitCode, 3);
+  EXPECT_TRUE(ReadBytes(file_) == before_);
+}
+
+TEST_F(RecordSetSteps, KeepsTheGroupOrRefuses) {
+  // Only the owner cannot be kept.
+  EXPECT_EQ(Set("fail fchown 0 " + std::to_string(EPERM)).exitCode, 0);
+  EXPECT_TRUE(ReadBytes(file_) == after_);
+  WriteBytes(file_, before_);
+  // Nor the group.
+  const Outcome outcome = Set("fail fchown -1 " + std::to_string(EPERM));
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("the group of"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(ReadBytes(file_) == before_);
+  ExpectNoCopyBehind();
+}
+
+// --- Signals
+
+class RecordSetSignals : public RecordSetSteps {
+ protected:
+  // Sends a signal to the program while it stands before a call.
+  Outcome SetAndSignal(const std::string& order, const std::string& signal) const {
+    return RunShell("{ " + WithShim(order) +
+                        " surveydata record set sample.rec --offset 960 --number 4711 & "
+                        "while read -r id name state rest </proc/$!/stat && [ $state != T ]; do "
+                        "[ $state != Z ] || exit 99; done; "
+                        "kill -" +
+                        signal + " $!; kill -CONT $!; wait $!; }",
+                    folder_.Path().string());
+  }
+};
+
+TEST_F(RecordSetSignals, ThatComeBeforeTheFileIsReplacedLeaveItAsItWas) {
+  for (const char* const step : {"pwrite 0", "pwrite 1", "fchmod 0", "fsync 0"}) {
+    SCOPED_TRACE(step);
+    const Outcome outcome = SetAndSignal("stop " + std::string(step), "TERM");
+    EXPECT_EQ(outcome.exitCode, 128 + SIGTERM) << outcome.err;
+    EXPECT_TRUE(ReadBytes(file_) == before_);
+    ExpectNoCopyBehind();
+  }
+  EXPECT_EQ(SetAndSignal("stop fsync 0", "HUP").exitCode, 128 + SIGHUP);
+  EXPECT_TRUE(ReadBytes(file_) == before_);
+  ExpectNoCopyBehind();
+}
+
+TEST_F(RecordSetSignals, ThatComeLaterLetItBeReplacedFirst) {
+  for (const char* const step : {"rename 0", "fsync 1"}) {
+    SCOPED_TRACE(step);
+    EXPECT_EQ(SetAndSignal("stop " + std::string(step), "TERM").exitCode, 128 + SIGTERM);
+    EXPECT_TRUE(ReadBytes(file_) == after_);
+    ExpectNoCopyBehind();
+    WriteBytes(file_, before_);
+  }
+}
+
+// --- A full disk
+
+// A file system of its own, as large as is told.
+class SmallDiskC {
+ public:
+  explicit SmallDiskC(std::size_t bytes)
+      : isMounted_(mount("none", folder_.Path().c_str(), "tmpfs", 0,
+                         ("size=" + std::to_string(bytes)).c_str()) == 0) {}
+  SmallDiskC(const SmallDiskC&) = delete;
+  SmallDiskC& operator=(const SmallDiskC&) = delete;
+  ~SmallDiskC() {
+    if (isMounted_) umount2(folder_.Path().c_str(), MNT_DETACH);
+  }
+  bool IsMounted() const { return isMounted_; }
+  const TempFolderC& Folder() const { return folder_; }
+
+ private:
+  TempFolderC folder_;
+  bool isMounted_;
+};
+
+TEST_F(RecordSetSteps, OnADiskThatFillsUpLeavesTheFileAsItWas) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t pages = (before_.size() + page - 1) / page;
+  for (const std::size_t left : {std::size_t{0}, std::size_t{1}, pages / 2, pages - 1, pages}) {
+    SCOPED_TRACE(testing::Message() << left << " of " << pages << " pages left");
+    // The folder and the names take none.
+    const SmallDiskC disk((pages + left) * page);
+    if (!disk.IsMounted()) GTEST_SKIP() << "no file system may be mounted here";
+    const std::string file = disk.Folder() / "sample.rec";
+    WriteBytes(file, before_);
+    const Outcome outcome =
+        RunProgram({"record", "set", file, "--offset", "960", "--number", "4711"});
+    EXPECT_EQ(outcome.exitCode, left < pages ? 3 : 0) << outcome.err;
+    EXPECT_TRUE(ReadBytes(file) == (left < pages ? before_ : after_));
+    EXPECT_EQ(disk.Folder().Names(), std::vector<std::string>{"sample.rec"});
+  }
+}
+
+TEST_F(RecordSetSteps, OnAFileSizeThatIsLimitedLeavesTheFileAsItWas) {
+  const std::size_t blocks = (before_.size() + 511) / 512;  // the shell counts in these
+  for (const std::size_t limit : {std::size_t{1}, blocks / 2, blocks - 1, blocks}) {
+    SCOPED_TRACE(limit);
+    const Outcome outcome =
+        RunProgram({"record", "set", file_, "--offset", "960", "--number", "4711"},
+                   {.shell = "trap '' XFSZ; ulimit -f " + std::to_string(limit) + ";"});
+    EXPECT_EQ(outcome.exitCode, limit < blocks ? 3 : 0) << outcome.err;
+    EXPECT_TRUE(ReadBytes(file_) == (limit < blocks ? before_ : after_));
+    ExpectNoCopyBehind();
+  }
+}
+
+// --- The progress bar
+
+// A terminal for the program to write to.
+class TerminalC {
+ public:
+  TerminalC() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) return;
+    name_ = ptsname(master_);
+    keptOpen_ = open(name_.c_str(), O_RDWR | O_NOCTTY);
+  }
+  TerminalC(const TerminalC&) = delete;
+  TerminalC& operator=(const TerminalC&) = delete;
+  ~TerminalC() {
+    if (keptOpen_ >= 0) close(keptOpen_);
+    if (master_ >= 0) close(master_);
+  }
+  bool IsThere() const { return keptOpen_ >= 0; }
+  const std::string& Name() const { return name_; }
+  /// All that was written to it.
+  std::string Read() const {
+    std::string text;
+    char block[4096];
+    for (ssize_t size = 0; (size = read(master_, block, sizeof(block))) > 0;) {
+      text.append(block, static_cast<std::size_t>(size));
+    }
+    return text;
+  }
+
+ private:
+  int master_;
+  int keptOpen_ = -1;
+  std::string name_;
+};
+
+TEST_F(RecordSetSteps, DrawsAProgressBarOnATerminalWhenTheWorkIsLong) {
+  const TerminalC terminal;
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  constexpr std::uintmax_t kMebibyte = 1 << 20;
+  // Each block takes longer than anybody waits without a sign.
+  const auto set = [&](std::uintmax_t size, const std::string& errors) {
+    WriteBytes(file_, before_);
+    fs::resize_file(file_, size);
+    const Outcome outcome =
+        RunShell(WithShim("wait pwrite 600") +
+                     " surveydata record set sample.rec --offset 960 --number 4711 2>" + errors,
+                 folder_.Path().string());
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "");
+  };
+  set(2 * kMebibyte, terminal.Name());
+  const std::string drawn = terminal.Read();
+  EXPECT_TRUE(drawn.starts_with("\r[####################                    ]  50%  1 of 2 MiB"))
+      << drawn;
+  EXPECT_NE(drawn.find("] 100%  2 of 2 MiB"), std::string::npos) << drawn;
+  const std::size_t last = drawn.rfind('[');
+  ASSERT_NE(drawn.find('\r', last), std::string::npos) << drawn;
+  const std::size_t width = drawn.find('\r', last) - last;
+  EXPECT_TRUE(drawn.ends_with("\r" + std::string(width, ' ') + "\r")) << drawn;  // wiped away
+
+  set(kMebibyte, terminal.Name());  // so little is no long work, however slow
+  EXPECT_EQ(terminal.Read(), "");
+  const TempFolderC elsewhere;
+  set(2 * kMebibyte, elsewhere / "errors");  // no terminal
+  EXPECT_EQ(ReadText(elsewhere / "errors"), "");
+}
+
+}  // namespace

@@ -1,0 +1,38 @@
+#ifndef SURVEYDATA_TOOLS_AREA_ANGLE_UNIT_H_
+#define SURVEYDATA_TOOLS_AREA_ANGLE_UNIT_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Tool {
+
+/// The unit in which people give angles; the library works in radians.
+enum class AngleUnit { kRad, kDeg, kGon };
+
+/// "rad", "deg" or "gon".
+std::string_view UnitName(AngleUnit unit);
+/// Nothing for any other name.
+std::optional<AngleUnit> FindUnit(std::string_view name);
+
+/// Half a turn in the unit.
+double HalfTurn(AngleUnit unit);
+
+double ToRadians(double angle, AngleUnit unit);
+
+/// The angle in the unit; in degrees and gon rounded to 1e-11, so that an angle that went through
+/// radians comes back as it was given.
+double FromRadians(double radians, AngleUnit unit);
+
+/// The digits behind the point with which people read angles: a tenth of a microradian.
+int UnitDecimals(AngleUnit unit);
+
+/// An angle given in the unit, for people: with these digits, or with six in all where it is so
+/// large that nobody would read them.
+std::string AngleText(double angle, AngleUnit unit);
+/// The same for a step, which is never shown as 0 unless it is.
+std::string StepText(double step, AngleUnit unit);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_AREA_ANGLE_UNIT_H_

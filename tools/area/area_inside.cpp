@@ -1,0 +1,105 @@
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include <surveydata/scanning/prepared_area.h>
+
+#include <area/area_inside.h>
+
+namespace Tool {
+namespace {
+
+constexpr std::size_t kColumns = 720;
+
+// The runs of each row, from left to right.
+class RowScanC {
+ public:
+  RowScanC(const SDI::ScanAreaC& area, const AngleWindow& window)
+      : area_(area), window_(window), hz_(kColumns), v_(kColumns) {
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      hz_[i] = window.hzMin + (static_cast<double>(i) + 0.5) * (window.hzMax - window.hzMin) /
+                                  static_cast<double>(kColumns);
+    }
+  }
+
+  std::vector<InsideRun> Find(double v) {
+    std::fill(v_.begin(), v_.end(), v);
+    area_.Contains(hz_, v_, std::span<bool>(inside_.get(), kColumns));
+    std::vector<InsideRun> runs;
+    double start = window_.hzMin;
+    for (std::size_t i = 1; i <= kColumns; ++i) {
+      if (i < kColumns && inside_[i] == inside_[i - 1]) continue;
+      const double border = i < kColumns ? FindBorder(i, v) : window_.hzMax;
+      if (inside_[i - 1]) runs.push_back({v, start, border});
+      start = border;
+    }
+    return runs;
+  }
+
+ private:
+  double FindBorder(std::size_t i, double v) const {
+    constexpr int kHalvings = 20;
+    double before = hz_[i - 1];
+    double behind = hz_[i];
+    for (int k = 0; k < kHalvings; ++k) {
+      const double middle = (before + behind) / 2;
+      (area_.Contains(middle, v) == inside_[i - 1] ? before : behind) = middle;
+    }
+    return (before + behind) / 2;
+  }
+
+  SDI::PreparedAreaC area_;
+  AngleWindow window_;
+  std::vector<double> hz_;
+  std::vector<double> v_;
+  std::unique_ptr<bool[]> inside_ = std::make_unique<bool[]>(kColumns);
+};
+
+bool Overlap(const InsideRun& a, const InsideRun& b) { return a.from < b.to && b.from < a.to; }
+
+}  // namespace
+
+std::vector<InsideStrip> FindInside(const SDI::ScanAreaC& area, const AngleWindow& window,
+                                    int rows) {
+  RowScanC scan(area, window);
+  const double height = (window.vMax - window.vMin) / rows;
+  std::vector<InsideStrip> done;
+  std::vector<InsideStrip> open;  // those that reach to the border above the row
+  const auto close = [&](InsideStrip& strip, double border) {
+    strip.push_back({border, strip.back().from, strip.back().to});
+    done.push_back(std::move(strip));
+  };
+  for (int row = 0; row < rows; ++row) {
+    const double border = window.vMin + row * height;
+    const std::vector<InsideRun> runs = scan.Find(border + height / 2);
+    std::vector<InsideStrip> next;
+    for (const InsideRun& run : runs) {
+      // A run goes on with a strip when each touches nothing but the other.
+      const auto touches = [&](const InsideStrip& strip) {
+        return !strip.empty() && Overlap(strip.back(), run);
+      };
+      const auto strip = std::find_if(open.begin(), open.end(), touches);
+      const bool isAlone = strip != open.end() && std::none_of(strip + 1, open.end(), touches) &&
+                           std::count_if(runs.begin(), runs.end(), [&](const InsideRun& other) {
+                             return Overlap(strip->back(), other);
+                           }) == 1;
+      if (isAlone) {
+        strip->push_back(run);
+        next.push_back(std::move(*strip));
+        strip->clear();
+      } else {
+        next.push_back({{border, run.from, run.to}, run});
+      }
+    }
+    for (InsideStrip& strip : open) {
+      if (!strip.empty()) close(strip, border);
+    }
+    open = std::move(next);
+  }
+  for (InsideStrip& strip : open) close(strip, window.vMax);
+  return done;
+}
+
+}  // namespace Tool

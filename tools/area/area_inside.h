@@ -1,0 +1,36 @@
+#ifndef SURVEYDATA_TOOLS_AREA_AREA_INSIDE_H_
+#define SURVEYDATA_TOOLS_AREA_AREA_INSIDE_H_
+
+#include <vector>
+
+#include <surveydata/scanning/scan_area.h>
+
+namespace Tool {
+
+/// A part of the (Hz, V) plane, rad.
+struct AngleWindow {
+  double hzMin;
+  double hzMax;
+  double vMin;
+  double vMax;
+};
+
+/// What is inside at one V: from one Hz to another.
+struct InsideRun {
+  double v;
+  double from;
+  double to;
+};
+
+/// Runs one below the other that belong together: a simple piece of the inside.
+using InsideStrip = std::vector<InsideRun>;
+
+/// The inside of an area in a window as the library answers for it, in strips of `rows` equally
+/// distant V from top to bottom. Each strip ends above and below at a border between rows. What is
+/// narrower than a 720th of the window's width can be missed; the ends of a run are exact.
+std::vector<InsideStrip> FindInside(const SDI::ScanAreaC& area, const AngleWindow& window,
+                                    int rows);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_AREA_AREA_INSIDE_H_

@@ -1,0 +1,99 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <surveydata/scanning/prepared_area.h>
+
+#include <area/area_commands.h>
+#include <area/area_file.h>
+#include <area/area_picture.h>
+#include <area/direction_reader.h>
+#include <command_line/output_options.h>
+#include <output/output.h>
+
+namespace Tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string output;
+  std::vector<std::string> probes;
+  std::string csv;
+  std::string window;
+};
+
+// "HZ,V,HZ,V" as two opposite corners.
+AngleWindow ParseWindow(const std::string& text, AngleUnit unit) {
+  std::size_t comma = text.find(',');
+  if (comma != std::string::npos) comma = text.find(',', comma + 1);
+  const auto first = ParseDirectionAlone(std::string_view(text).substr(0, comma));
+  if (comma == std::string::npos) comma = text.size();
+  const auto last =
+      ParseDirectionAlone(std::string_view(text).substr(std::min(comma + 1, text.size())));
+  if (!first || !last || !(first->hz < last->hz) || !(first->v < last->v) ||
+      last->hz - first->hz > 4 * HalfTurn(unit)) {
+    throw ToolErrorC(ExitCode::kUsage,
+                     fmt::format("{} is no window HZ,V,HZ,V: the second corner has the larger Hz "
+                                 "and V, and is at most two turns away",
+                                 text));
+  }
+  return {ToRadians(first->hz, unit), ToRadians(last->hz, unit), ToRadians(first->v, unit),
+          ToRadians(last->v, unit)};
+}
+
+ExitCode Run(const Options& options) {
+  const AreaFile file = LoadAreaFile(options.file);
+  const std::vector<AreaFault> faults = FindAreaFaults(file);
+  AreaPicture picture{file, faults, {}, {}};
+  const SDI::PreparedAreaC area(*file.area);
+  const auto ask = [&](const Direction& direction) {
+    const double hz = ToRadians(direction.hz, file.unit);
+    const double v = ToRadians(direction.v, file.unit);
+    picture.probes.push_back({hz, v, area.Contains(hz, v)});
+  };
+  for (const std::string& probe : options.probes) ask(RequireDirection(probe));
+  if (!options.csv.empty()) {
+    DirectionReaderC reader(options.csv);
+    for (Direction direction{}; reader.Next(direction);) ask(direction);
+  }
+  if (!options.window.empty()) picture.window = ParseWindow(options.window, file.unit);
+
+  const std::string svg = DrawArea(picture);
+  OutputC out(options.output, options.file);
+  out.GetBuffer().append(svg.data(), svg.data() + svg.size());
+  out.Close();
+  return WarnOfFaults(faults);
+}
+
+}  // namespace
+
+void AddAreaPlot(CLI::App& area, ExitCode& result) {
+  CLI::App& command = *area.add_subcommand(
+      "plot",
+      "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, "
+      "with\n"
+      "its bounds and the lowest usable direction. What is filled is what the library answers.");
+  const auto options = std::make_shared<Options>();
+  AddAreaArgument(command, options->file);
+  AddPictureOption(command, options->output);
+  command
+      .add_option("--probe", options->probes,
+                  "A direction to ask for and to mark with the answer; can be repeated")
+      ->type_name("HZ,V")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--csv", options->csv, "More of them, one a line; - for standard input")
+      ->type_name("FILE");
+  command
+      .add_option("--window", options->window,
+                  "The part of the plane to show; the whole sphere by default")
+      ->type_name("HZ,V,HZ,V");
+  command.footer(
+      "Example:\n  surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 120,92");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool

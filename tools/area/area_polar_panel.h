@@ -1,0 +1,21 @@
+#ifndef SURVEYDATA_TOOLS_AREA_AREA_POLAR_PANEL_H_
+#define SURVEYDATA_TOOLS_AREA_AREA_POLAR_PANEL_H_
+
+#include <optional>
+#include <vector>
+
+#include <area/area_curves.h>
+#include <area/area_measure.h>
+#include <area/area_picture.h>
+#include <output/svg.h>
+
+namespace Tool {
+
+/// The area as seen from the zenith: the distance from the middle is V, north (Hz 0) is up, Hz goes
+/// clockwise.
+void DrawPolarPanel(SvgC& svg, const AreaPicture& picture, const std::vector<EdgeCurve>& edges,
+                    const std::optional<AreaBounds>& bounds);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_AREA_AREA_POLAR_PANEL_H_

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include <command_line/text.h>
+
+namespace Tool {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xD800; }
+bool IsLowSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xDC00; }
+bool IsControl(char32_t c) { return c < 0x20 || (0x7F <= c && c < 0xA0); }
+
+void Append(std::string& out, char32_t c) {
+  const auto put = [&out](char32_t byte) { out += static_cast<char>(byte); };
+  const auto continuation = [&](int shift) { put(0x80 | ((c >> shift) & 0x3F)); };
+  if (c < 0x80) return put(c);
+  if (c < 0x800) {
+    put(0xC0 | (c >> 6));
+  } else if (c < 0x10000) {
+    put(0xE0 | (c >> 12));
+    continuation(6);
+  } else {
+    put(0xF0 | (c >> 18));
+    continuation(12);
+    continuation(6);
+  }
+  continuation(0);
+}
+
+// The bytes of the UTF-8 sequence at the front, 0 when there is none.
+std::size_t SequenceLength(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = lead < 0x80                    ? 1
+                             : 0xC2 <= lead && lead <= 0xDF ? 2
+                             : 0xE0 <= lead && lead <= 0xEF ? 3
+                             : 0xF0 <= lead && lead <= 0xF4 ? 4
+                                                            : 0;
+  if (length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
+  }
+  if (length < 3) return length;
+  // Overlong forms, surrogates, and what lies behind the last character.
+  const auto second = static_cast<unsigned char>(text[1]);
+  const bool isCharacter = !(lead == 0xE0 && second < 0xA0) && !(lead == 0xED && second >= 0xA0) &&
+                           !(lead == 0xF0 && second < 0x90) && !(lead == 0xF4 && second >= 0x90);
+  return isCharacter ? length : 0;
+}
+
+}  // namespace
+
+std::string ToPrintable(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const std::size_t length = SequenceLength(utf8);
+    const auto first = static_cast<unsigned char>(utf8.front());
+    const bool isControl =
+        length == 1 ? IsControl(first)
+                    : length == 2 && first == 0xC2 && static_cast<unsigned char>(utf8[1]) < 0xA0;
+    if (length == 0 || isControl) {
+      Append(out, kReplacement);
+    } else {
+      out += utf8.substr(0, length);
+    }
+    utf8.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return out;
+}
+
+std::string ToPrintable(std::u16string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t c = text[i];
+    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+      c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FFu);
+    } else if (IsHighSurrogate(c) || IsLowSurrogate(c) || IsControl(c)) {
+      c = kReplacement;
+    }
+    Append(out, c);
+  }
+  return out;
+}
+
+std::optional<std::u16string> ToSingleUnits(std::string_view utf8) {
+  std::u16string units;
+  for (std::size_t i = 0; i < utf8.size();) {
+    const std::uint32_t lead = static_cast<unsigned char>(utf8[i++]);
+    const int more = lead < 0x80                    ? 0
+                     : 0xC0 <= lead && lead <= 0xDF ? 1
+                     : 0xE0 <= lead && lead <= 0xEF ? 2
+                                                    : -1;
+    if (more < 0) return {};
+    std::uint32_t c = more == 0 ? lead : lead & (0x3Fu >> more);
+    for (int k = 0; k < more; ++k) {
+      if (i == utf8.size() || (static_cast<unsigned char>(utf8[i]) & 0xC0) != 0x80) return {};
+      c = (c << 6) | (static_cast<unsigned char>(utf8[i++]) & 0x3Fu);
+    }
+    constexpr std::uint32_t kLeast[] = {0, 0x80, 0x800};  // anything below is overlong
+    if (c < kLeast[more] || IsHighSurrogate(c) || IsLowSurrogate(c)) return {};
+    units += static_cast<char16_t>(c);
+  }
+  return units;
+}
+
+}  // namespace Tool

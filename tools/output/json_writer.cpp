@@ -1,0 +1,88 @@
+#include <cmath>
+
+#include <fmt/compile.h>
+
+#include <command_line/text.h>
+#include <output/json_writer.h>
+
+namespace Tool {
+namespace {
+
+// The escape that JSON has for `unit`, or 0.
+char ShortEscape(char16_t unit) {
+  switch (unit) {
+    case u'"':
+      return '"';
+    case u'\\':
+      return '\\';
+    case u'\n':
+      return 'n';
+    case u'\r':
+      return 'r';
+    case u'\t':
+      return 't';
+    case u'\f':
+      return 'f';
+    case u'\b':
+      return 'b';
+    default:
+      return 0;
+  }
+}
+
+void AppendEscaped(fmt::memory_buffer& out, char16_t unit) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  if (const char escape = ShortEscape(unit); escape != 0) {
+    out.push_back('\\');
+    out.push_back(escape);
+  } else if (0x20 <= unit && unit < 0x7F) {
+    out.push_back(static_cast<char>(unit));
+  } else {
+    const char escaped[] = {'\\',
+                            'u',
+                            kDigits[unit >> 12],
+                            kDigits[(unit >> 8) & 0xFu],
+                            kDigits[(unit >> 4) & 0xFu],
+                            kDigits[unit & 0xFu]};
+    out.append(escaped, escaped + sizeof(escaped));
+  }
+}
+
+}  // namespace
+
+void JsonWriterC::Write(double value) {
+  if (!std::isfinite(value)) return Raw("null");
+  const std::size_t start = out_.size();
+  fmt::format_to(fmt::appender(out_), FMT_COMPILE("{}"), value);
+  const std::string_view digits(out_.data() + start, out_.size() - start);
+  const bool isWhole = digits.find_first_not_of("-0123456789") == std::string_view::npos;
+  if (isWhole) Raw(".0");
+}
+
+void JsonWriterC::Write(std::u16string_view text) {
+  out_.push_back('"');
+  for (const char16_t unit : text) AppendEscaped(out_, unit);
+  out_.push_back('"');
+}
+
+void JsonWriterC::Write(std::string_view utf8) {
+  out_.push_back('"');
+  for (const char byte : utf8) {
+    if (static_cast<unsigned char>(byte) < 0x80) {
+      AppendEscaped(out_, static_cast<unsigned char>(byte));
+    } else {
+      out_.push_back(byte);
+    }
+  }
+  out_.push_back('"');
+}
+
+void JsonWriterC::Write(HexBytes value) {
+  out_.push_back('"');
+  for (const char byte : value.bytes) {
+    fmt::format_to(fmt::appender(out_), FMT_COMPILE("{:02x}"), static_cast<unsigned char>(byte));
+  }
+  out_.push_back('"');
+}
+
+}  // namespace Tool

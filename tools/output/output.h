@@ -1,0 +1,50 @@
+#ifndef SURVEYDATA_TOOLS_OUTPUT_OUTPUT_H_
+#define SURVEYDATA_TOOLS_OUTPUT_OUTPUT_H_
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace Tool {
+
+/// Standard output or a file, written through one buffer of fixed size that is used again and
+/// again. Throws `ToolErrorC` where writing fails.
+class OutputC {
+ public:
+  /// To standard output when `file` is empty. Refuses to overwrite the file `input`.
+  explicit OutputC(const std::string& file = {}, const std::string& input = {});
+  OutputC(const OutputC&) = delete;
+  OutputC& operator=(const OutputC&) = delete;
+  ~OutputC();
+
+  /// Where text is appended; call `FlushIfFull` after each line or record.
+  fmt::memory_buffer& GetBuffer() { return buffer_; }
+  void FlushIfFull() {
+    if (buffer_.size() >= kFull) Flush();
+  }
+
+  template <class... Args>
+  void Print(fmt::format_string<Args...> format, Args&&... args) {
+    fmt::format_to(fmt::appender(buffer_), format, std::forward<Args>(args)...);
+    FlushIfFull();
+  }
+
+  /// Writes what is left. Call it at the end: only then it is known that all is written.
+  void Close();
+
+ private:
+  static constexpr std::size_t kFull = std::size_t{64} * 1024;
+
+  void Flush();
+
+  std::string name_;
+  std::FILE* file_;
+  fmt::memory_buffer buffer_;
+};
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_OUTPUT_OUTPUT_H_

@@ -1,0 +1,77 @@
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <command_line/progress.h>
+#include <output/replace_file.h>
+
+namespace Tool {
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 20;
+
+}  // namespace
+
+void FileReplacementC::Copy(CopiedFileC& copy, const HeldSignalsC& signals) const {
+  ProgressC progress(original_.GetSize());
+  std::vector<std::uint8_t> block(kBlock);
+  for (std::uint64_t at = 0;;) {
+    if (signals.IsAnyPending()) original_.Refuse("interrupted");
+    const std::size_t count = original_.Read(at, block);
+    if (count == 0) return;
+    copy.Write(at, std::span(block).first(count));
+    at += count;
+    progress.Update(at);
+  }
+}
+
+void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
+                              std::span<const std::uint8_t> bytes) const {
+  std::vector<std::uint8_t> expected(kBlock);
+  std::vector<std::uint8_t> found(kBlock);
+  for (std::uint64_t at = 0;;) {
+    const std::size_t count = original_.Read(at, expected);
+    const std::size_t foundCount = copy.Read(at, found);
+    const std::uint64_t end = at + count;
+    const std::uint64_t first = std::max(at, offset);
+    const std::uint64_t last = std::min<std::uint64_t>(end, offset + bytes.size());
+    if (first < last) {
+      const auto patch = bytes.subspan(static_cast<std::size_t>(first - offset),
+                                       static_cast<std::size_t>(last - first));
+      std::copy(patch.begin(), patch.end(),
+                expected.begin() + static_cast<std::ptrdiff_t>(first - at));
+    }
+    if (foundCount != count ||
+        !std::equal(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(count),
+                    found.begin())) {
+      original_.Refuse(fmt::format(
+          "{} does not read back as written, or the file changed meanwhile", copy.GetName()));
+    }
+    if (count < kBlock) return;
+    at = end;
+  }
+}
+
+void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
+                               std::span<const std::uint8_t> after) {
+  original_.RequireWritable();
+  const HeldSignalsC signals;  // let through when the copy is gone
+  CopiedFileC copy(original_);
+  Copy(copy, signals);
+  std::vector<std::uint8_t> found(before.size());
+  if (copy.Read(offset, found) != before.size() ||
+      !std::equal(before.begin(), before.end(), found.begin())) {
+    original_.Refuse("the file changed meanwhile");
+  }
+  copy.Write(offset, after);
+  copy.KeepOwnerAndMode();
+  copy.Flush();
+  Verify(copy, offset, after);
+  if (signals.IsAnyPending()) original_.Refuse("interrupted");
+  if (original_.IsChanged()) original_.Refuse("the file changed meanwhile");
+  copy.TakePlace();
+}
+
+}  // namespace Tool

@@ -1,0 +1,33 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <platform/platform.h>
+
+namespace Tool {
+
+// Messages would go into a file that takes the place of a standard stream.
+void PrepareStandardStreams() {
+  int file = 0;
+  do {
+    file = open("/dev/null", O_RDONLY);
+  } while (0 <= file && file <= STDERR_FILENO);
+  if (file >= 0) close(file);
+}
+
+bool IsTerminal(StandardStream stream) {
+  switch (stream) {
+    case StandardStream::kInput:
+      return isatty(STDIN_FILENO) != 0;
+    case StandardStream::kOutput:
+      return isatty(STDOUT_FILENO) != 0;
+    case StandardStream::kError:
+      return isatty(STDERR_FILENO) != 0;
+  }
+  return false;
+}
+
+const char* const kEndOfInput = "Ctrl-D";
+
+std::filesystem::path ToPath(const std::string& name) { return name; }
+
+}  // namespace Tool

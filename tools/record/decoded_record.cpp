@@ -1,0 +1,29 @@
+#include <algorithm>
+#include <iterator>
+
+#include <surveydata/gnss/record_frame.h>
+
+#include <record/decoded_record.h>
+
+namespace Tool {
+
+std::string_view DecodedRecord::NameBytes() const {
+  const char* const end = std::find(std::begin(info.name), std::end(info.name), '\0');
+  return {info.name, end};
+}
+
+std::u16string DecodedRecord::Name() const {
+  char16_t units[sizeof(info.name) + 1];  // more than its bytes can make
+  SDI::RecordFrame::DecodeName(info.name, sizeof(info.name), units, std::size(units));
+  return units;
+}
+
+DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame) {
+  DecodedRecord record;
+  record.offset = offset;
+  record.size = frame.size();
+  record.result = SDI::RecordFrame::Decode(frame, record.measurement, record.info);
+  return record;
+}
+
+}  // namespace Tool

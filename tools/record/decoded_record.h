@@ -1,0 +1,34 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_DECODED_RECORD_H_
+#define SURVEYDATA_TOOLS_RECORD_DECODED_RECORD_H_
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <surveydata/gnss/gps_meas_data.h>
+#include <surveydata/gnss/gps_record_file.h>
+
+namespace Tool {
+
+/// A measurement frame and what reading it gives.
+struct DecodedRecord {
+  std::uint64_t offset = 0;
+  std::uint64_t size = 0;
+  std::uint32_t result = 0;  ///< As of `GPSRecordFileC::ReadGPSMeasData`.
+  SDI::GPSMeasDataImplC measurement;
+  SDI::GPSRecordFileInfo info;
+
+  bool IsDone() const { return result == SDI::GPSRecordFileC::kDone; }
+
+  /// The UTF-8 bytes of the name, up to its terminator.
+  std::string_view NameBytes() const;
+  std::u16string Name() const;
+};
+
+/// Reads a frame that stands in memory.
+DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_DECODED_RECORD_H_

@@ -1,0 +1,20 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_EACH_MEASUREMENT_H_
+#define SURVEYDATA_TOOLS_RECORD_EACH_MEASUREMENT_H_
+
+#include <functional>
+
+#include <command_line/exit_code.h>
+#include <record/decoded_record.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+
+/// Reads the measurements that are left in `walk`. Bad frames, those that `record list` shows, are
+/// left out, counted on standard error, and make the answer `kFinding`; those that end in the next
+/// record are counted alone. Gaps of a pipe, which cannot be read twice, are told of instead.
+ExitCode ForEachMeasurement(RecordWalkC& walk,
+                            const std::function<void(const DecodedRecord&)>& visit);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_EACH_MEASUREMENT_H_

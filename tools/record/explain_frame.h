@@ -1,0 +1,29 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_EXPLAIN_FRAME_H_
+#define SURVEYDATA_TOOLS_RECORD_EXPLAIN_FRAME_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tool {
+
+/// What a run of bytes in a frame is.
+struct FrameField {
+  std::size_t at;    ///< Of the first byte, from the start of the frame.
+  std::size_t size;  ///< In bytes.
+  std::string_view block;
+  std::string_view field;
+  std::string value;  ///< For people.
+};
+
+/// Explains every byte of a measurement frame once, in order: header, blocks (as the library's own
+/// description of the frame has them), bytes behind the last block, checksum. From a block on that
+/// does not fit, the bytes up to the checksum are one field. `frame` has a right header and length.
+std::vector<FrameField> ExplainFrame(std::span<const std::uint8_t> frame);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_EXPLAIN_FRAME_H_

@@ -1,0 +1,78 @@
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <command_line/message.h>
+#include <command_line/output_options.h>
+#include <output/csv_writer.h>
+#include <output/json_writer.h>
+#include <output/output.h>
+#include <record/decoded_record.h>
+#include <record/describe_record.h>
+#include <record/each_measurement.h>
+#include <record/record_commands.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string output;
+  bool isCsv = false;
+};
+
+void WriteCsv(OutputC& out, const DecodedRecord& record, CsvWriterC::Row row) {
+  CsvWriterC line(out.GetBuffer(), row);
+  DescribeRecord(record, line);
+  line.EndLine();
+}
+
+void WriteJson(OutputC& out, const DecodedRecord& record) {
+  JsonWriterC line(out.GetBuffer());
+  DescribeRecord(record, line);
+  line.EndLine();
+}
+
+ExitCode Run(const Options& options) {
+  RecordWalkC walk(options.file, options.output.empty());
+  OutputC out(options.output, options.file);
+  if (options.isCsv) WriteCsv(out, DecodedRecord(), CsvWriterC::Row::kHeader);
+  std::uint64_t count = 0;
+  ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
+    ++count;
+    if (options.isCsv) {
+      WriteCsv(out, record, CsvWriterC::Row::kRecord);
+    } else {
+      WriteJson(out, record);
+    }
+    out.FlushIfFull();
+  });
+  out.Close();
+  if (count == 0 && walk.GetFileSize() > 0) {
+    Tell(options.file + " holds no measurement");
+    result = ExitCode::kFinding;
+  }
+  return result;
+}
+
+}  // namespace
+
+void AddRecordExport(CLI::App& record, ExitCode& result) {
+  CLI::App& command = *record.add_subcommand(
+      "export",
+      "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
+      "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
+      "code 1; one that runs into the next record, as chance bytes do, is counted alone.\n"
+      "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
+      "exit code 1 as well.");
+  const auto options = std::make_shared<Options>();
+  AddFileArgument(command, options->file);
+  command.add_flag("--csv", options->isCsv, "CSV with a header row, quoted as RFC 4180 has it");
+  AddOutputOption(command, options->output, "The file to write, - for standard output, the default",
+                  "OUT");
+  command.footer("Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool

@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <fmt/format.h>
+
+#include <command_line/text.h>
+#include <output/gps_time.h>
+#include <output/json_writer.h>
+#include <output/output.h>
+#include <record/damaged_frames.h>
+#include <record/decoded_record.h>
+#include <record/describe_record.h>
+#include <record/record_commands.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+namespace {
+
+struct Options {
+  std::string file;
+  bool isJson = false;
+};
+
+// What a list tells of a measurement.
+struct Summary {
+  Vorlin::TimeC time;
+  std::optional<double> hdop, vdop, tdop, pdop;
+  OptionalPair satellites;  // in view, used
+  std::u16string name;
+};
+
+std::optional<double> IfAvailable(bool isSet, double dop) {
+  return isSet && dop >= 0 ? std::optional(dop) : std::nullopt;
+}
+
+Summary Summarise(const DecodedRecord& record) {
+  using ImplC = SDI::GPSMeasDataImplC;
+  const ImplC& measurement = record.measurement;
+  const SDI::GPSDOPsImplC& dops = measurement.GetDOPs();
+  const bool hasDOPs = (measurement.GetSetMask() & ImplC::kHasDOPs) != 0;
+  return {measurement.GetTimeA(),
+          IfAvailable(hasDOPs, dops.GetHDOP()),
+          IfAvailable(hasDOPs, dops.GetVDOP()),
+          IfAvailable(hasDOPs, dops.GetTDOP()),
+          IfAvailable(hasDOPs, dops.GetPDOP()),
+          AskPair(measurement, &ImplC::GetTotalPair),
+          record.Name()};
+}
+
+// The stretches of a file in the form that the user asked for.
+class ListI {
+ public:
+  ListI() = default;
+  ListI(const ListI&) = delete;
+  ListI& operator=(const ListI&) = delete;
+  virtual ~ListI() = default;
+
+  virtual void Measurement(const DecodedRecord& record) = 0;
+  virtual void Other(const SDI::GPSRecordEntry& entry) = 0;
+  virtual void Gap(const SDI::GPSRecordEntry& entry) = 0;
+  virtual void BadFrame(const DamagedFrame& frame) = 0;
+};
+
+class TextListC : public ListI {
+ public:
+  explicit TextListC(OutputC& out) : out_(out) {
+    out.Print("{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>12} {:>5} {:>5} {:>5} {:>5}  {:>9}  {}\n",
+              "offset", "kind", "length", "GPS time", "week", "time of week", "HDOP", "VDOP",
+              "TDOP", "PDOP", "used/view", "name");
+  }
+
+  void Measurement(const DecodedRecord& record) override {
+    const Summary summary = Summarise(record);
+    const auto told = [](const std::optional<double>& dop) {
+      return dop ? fmt::format("{:.1f}", *dop) : std::string("-");
+    };
+    const auto satellites = summary.satellites ? fmt::format("{}/{}", (*summary.satellites)[1],
+                                                             (*summary.satellites)[0])
+                                               : std::string("-");
+    const std::string line = fmt::format(
+        "{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>10.3f} s {:>5} {:>5} {:>5} {:>5}  {:>9}  {}",
+        record.offset, "measurement", record.size, GpsDateTime(GpsMilliseconds(summary.time)),
+        summary.time.week, summary.time.timeOfWeek / 1000.0, told(summary.hdop), told(summary.vdop),
+        told(summary.tdop), told(summary.pdop), satellites, ToPrintable(summary.name));
+    out_.Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
+  }
+  void Other(const SDI::GPSRecordEntry& entry) override {
+    out_.Print("{:>10}  {:<11} {:>6}\n", entry.offset, fmt::format("type {}", entry.type),
+               entry.size);
+  }
+  void Gap(const SDI::GPSRecordEntry& entry) override {
+    out_.Print("{:>10}  {:<11} {:>6}  bytes that belong to no record\n", entry.offset, "GAP",
+               entry.size);
+  }
+  void BadFrame(const DamagedFrame& frame) override {
+    out_.Print("{:>10}  {:<11} {:>6}  {}\n", frame.offset, "BAD FRAME", frame.size, frame.reason);
+  }
+
+ private:
+  OutputC& out_;
+};
+
+class JsonListC : public ListI {
+ public:
+  explicit JsonListC(OutputC& out) : out_(out) {}
+
+  void Measurement(const DecodedRecord& record) override {
+    const Summary summary = Summarise(record);
+    JsonWriterC line = Begin(record.offset, record.size, "measurement");
+    line.Field("time", summary.time);
+    line.Field("gpsTime", std::string_view(GpsDateTime(GpsMilliseconds(summary.time))));
+    line.Field("hdop", summary.hdop);
+    line.Field("vdop", summary.vdop);
+    line.Field("tdop", summary.tdop);
+    line.Field("pdop", summary.pdop);
+    line.Field("inView", Nth(summary.satellites, 0));
+    line.Field("used", Nth(summary.satellites, 1));
+    line.Field("name", std::u16string_view(summary.name));
+    End(line);
+  }
+  void Other(const SDI::GPSRecordEntry& entry) override {
+    JsonWriterC line = Begin(entry.offset, entry.size, "other");
+    line.Field("type", entry.type);
+    End(line);
+  }
+  void Gap(const SDI::GPSRecordEntry& entry) override {
+    JsonWriterC line = Begin(entry.offset, entry.size, "gap");
+    End(line);
+  }
+  void BadFrame(const DamagedFrame& frame) override {
+    JsonWriterC line = Begin(frame.offset, frame.size, "badFrame");
+    line.Field("reason", std::string_view(frame.reason));
+    End(line);
+  }
+
+ private:
+  static std::optional<std::uint8_t> Nth(const OptionalPair& pair, std::size_t i) {
+    return pair ? std::optional((*pair)[i]) : std::nullopt;
+  }
+  JsonWriterC Begin(std::uint64_t offset, std::uint64_t size, std::string_view kind) {
+    JsonWriterC line(out_.GetBuffer());
+    line.Field("offset", offset);
+    line.Field("size", size);
+    line.Field("kind", kind);
+    return line;
+  }
+  void End(JsonWriterC& line) {
+    line.EndLine();
+    out_.FlushIfFull();
+  }
+
+  OutputC& out_;
+};
+
+// "1 gap", "2 gaps".
+std::string Counted(std::uint64_t count, std::string_view thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+ExitCode Run(const Options& options) {
+  RecordWalkC walk(options.file, true);
+  DamagedFrameFinderC finder(options.file);
+  OutputC out;
+  std::unique_ptr<ListI> list;
+  if (options.isJson) {
+    list = std::make_unique<JsonListC>(out);
+  } else {
+    list = std::make_unique<TextListC>(out);
+  }
+
+  std::uint64_t measurements = 0, others = 0, gaps = 0, gapBytes = 0, badFrames = 0;
+  const auto reportBad = [&](const DamagedFrame& frame) {
+    ++badFrames;
+    list->BadFrame(frame);
+  };
+  SDI::GPSRecordEntry entry;
+  while (walk.Next(entry)) {
+    if (entry.isGap) {
+      ++gaps;
+      gapBytes += entry.size;
+      list->Gap(entry);
+      finder.Find(entry, walk, reportBad);
+    } else if (!entry.IsMeasurement()) {
+      ++others;
+      list->Other(entry);
+    } else if (const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
+               record.IsDone()) {
+      ++measurements;
+      list->Measurement(record);
+    } else {
+      reportBad({entry.offset, entry.size, "right checksum, but its blocks do not fit"});
+    }
+  }
+  if (!options.isJson) {
+    out.Print("{}, {}, {} ({}), {}\n", Counted(measurements, "measurement"),
+              Counted(others, "other record"), Counted(gaps, "gap"), Counted(gapBytes, "byte"),
+              Counted(badFrames, "bad frame"));
+  }
+  out.Close();
+  return gaps + badFrames == 0 ? ExitCode::kDone : ExitCode::kFinding;
+}
+
+}  // namespace
+
+void AddRecordList(CLI::App& record, ExitCode& result) {
+  CLI::App& command = *record.add_subcommand(
+      "list",
+      "List every record of a file with time, dilutions of precision, satellites and name.\n"
+      "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no\n"
+      "record, headers of measurement frames there, and frames whose blocks do not fit.");
+  const auto options = std::make_shared<Options>();
+  AddFileArgument(command, options->file);
+  command.add_flag("--json", options->isJson, "JSON Lines: one object per line");
+  command.footer(
+      "Times are GPS times, without leap seconds.\n\n"
+      "Example:\n  surveydata record list valley_drive.rec");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool

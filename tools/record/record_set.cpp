@@ -1,0 +1,190 @@
+#include <cmath>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include <surveydata/gnss/gps_record_file.h>
+#include <surveydata/gnss/record_frame.h>
+
+#include <command_line/message.h>
+#include <command_line/text.h>
+#include <output/output.h>
+#include <output/replace_file.h>
+#include <record/damaged_frames.h>
+#include <record/decoded_record.h>
+#include <record/patch_frame.h>
+#include <record/record_commands.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+namespace {
+
+constexpr double kHighestAntenna = 1000.0;  // metres
+
+struct Options {
+  std::string file;
+  std::uint64_t offset = 0;
+  FrameChanges changes;
+  bool isDryRun = false;
+};
+
+std::u16string ParseName(const std::string& utf8) {
+  const auto refuse = [](const std::string& why) { return CLI::ValidationError("--name", why); };
+  const auto units = ToSingleUnits(utf8);
+  if (!units) {
+    throw refuse("is not UTF-8, or has a character beyond U+FFFF, which a frame cannot hold");
+  }
+  if (units->size() > SDI::RecordFrame::kNameUnits) {
+    throw refuse(fmt::format("has {} characters; a frame holds {}", units->size(),
+                             SDI::RecordFrame::kNameUnits));
+  }
+  constexpr std::size_t kBytes = sizeof(SDI::GPSRecordFileInfo::name);
+  if (utf8.size() > kBytes) {
+    throw refuse(fmt::format("needs {} bytes of UTF-8; {} are read back", utf8.size(), kBytes));
+  }
+  return *units;
+}
+
+std::int32_t ParseNumber(const std::string& text) {
+  const auto number = ToNumber<std::int32_t>(text);
+  if (!number) throw CLI::ValidationError("--number", "is no decimal number of 32 bits");
+  return *number;
+}
+
+float ParseHeight(const std::string& text) {
+  const auto number = ToNumber<double>(text);
+  if (!number) throw CLI::ValidationError("--antenna-height", "is no decimal number");
+  const double metres = *number;
+  if (!(0.0 <= metres && metres <= kHighestAntenna) || std::signbit(metres)) {
+    throw CLI::ValidationError("--antenna-height",
+                               fmt::format("must be from 0 to {} metres", kHighestAntenna));
+  }
+  return static_cast<float>(metres);
+}
+
+// The bytes of the measurement record that begins at the offset. Throws `ToolErrorC` where the
+// index lists none.
+std::vector<std::uint8_t> FindFrame(const Options& options) {
+  RecordWalkC walk(options.file);
+  SDI::GPSRecordEntry entry;
+  std::string reason = "the file ends before it";
+  while (walk.Next(entry)) {
+    if (options.offset >= entry.offset + entry.size) continue;
+    if (!entry.isGap && entry.offset != options.offset) {
+      reason = fmt::format("it lies inside the record at {}", entry.offset);
+    } else if (entry.IsMeasurement()) {
+      return {walk.GetBytes().begin(), walk.GetBytes().end()};
+    } else if (!entry.isGap) {
+      reason = fmt::format("a record of type {} stands there", entry.type);
+    } else {
+      reason = "no record stands there";
+      DamagedFrameFinderC(options.file).Find(entry, walk, [&](const DamagedFrame& frame) {
+        if (frame.offset == options.offset) {
+          reason = fmt::format("a bad frame stands there: {}", frame.reason);
+        }
+      });
+    }
+    break;
+  }
+  throw ToolErrorC(ExitCode::kFinding, fmt::format("no valid measurement frame at offset {}: {}",
+                                                   options.offset, reason));
+}
+
+// One line per changed byte; the first of a field tells its new value.
+void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
+  out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
+  for (const FrameField& field : frame.fields) {
+    const std::string name = field.block == field.field
+                                 ? std::string(field.field)
+                                 : fmt::format("{}, {}", field.block, field.field);
+    std::string value = " = " + field.value;
+    for (std::size_t i = field.at; i < field.at + field.size; ++i) {
+      if (frame.before[i] == frame.after[i]) continue;
+      out.Print("{:>10}   {:02x}   {:02x}  {}{}\n", offset + i, frame.before[i], frame.after[i],
+                name, value);
+      value.clear();
+    }
+  }
+}
+
+bool IsSlant(std::span<const std::uint8_t> frame) {
+  float height = 0;
+  bool isVertical = true;
+  Decode(0, frame).measurement.GetAntennaHeight().GetHeight(height, isVertical);
+  return !isVertical;
+}
+
+ExitCode Run(const Options& options) {
+  const FrameChanges& changes = options.changes;
+  if (!changes.name && !changes.number && !changes.antennaHeight) {
+    throw ToolErrorC(ExitCode::kUsage, "nothing to set: give --name, --number or --antenna-height");
+  }
+  std::optional<FileReplacementC> replacement;  // holds the lock while the frame is read
+  if (!options.isDryRun) replacement.emplace(options.file);
+  const PatchedFrame frame = PatchFrame(FindFrame(options), changes);
+  if (changes.antennaHeight && !changes.isSlant && IsSlant(frame.before)) {
+    Tell("the antenna height becomes a vertical one, without --slant; it is a slant height now");
+  }
+  OutputC out;
+  if (frame.before == frame.after) {
+    Tell(fmt::format("the frame at {} holds this already; nothing is changed", options.offset));
+  } else if (options.isDryRun) {
+    WriteChanges(out, options.offset, frame);
+  } else {
+    replacement->Replace(options.offset, frame.before, frame.after);
+  }
+  out.Close();
+  return ExitCode::kDone;
+}
+
+}  // namespace
+
+void AddRecordSet(CLI::App& record, ExitCode& result) {
+  CLI::App& command = *record.add_subcommand(
+      "set",
+      "Change name, number or antenna height of one measurement frame.\n"
+      "What is rewritten: the 17 characters of the name (zeros behind a shorter one), the number,\n"
+      "height and kind of the antenna height, each only when asked for, and the checksum. Every\n"
+      "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
+      "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
+      "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
+      "locked meanwhile, so of several of these commands at once all but one end with 3.\n"
+      "Nobody else may write to it meanwhile: such a change is refused where it is noticed.");
+  const auto options = std::make_shared<Options>();
+  AddFileArgument(command, options->file);
+  AddOffsetOption(command, options->offset);
+  command
+      .add_option_function<std::string>(
+          "--name", [options](const std::string& name) { options->changes.name = ParseName(name); },
+          "The point name: up to 17 characters, UTF-8")
+      ->type_name("TEXT");
+  command
+      .add_option_function<std::string>(
+          "--number",
+          [options](const std::string& text) { options->changes.number = ParseNumber(text); },
+          "The number beside the name")
+      ->type_name("N");
+  CLI::Option* const height =
+      command
+          .add_option_function<std::string>(
+              "--antenna-height",
+              [options](const std::string& text) {
+                options->changes.antennaHeight = ParseHeight(text);
+              },
+              "The antenna height in metres, 0 to 1000; vertical unless --slant is given")
+          ->type_name("H");
+  command.add_flag("--slant", options->changes.isSlant, "The antenna height is a slant height")
+      ->needs(height);
+  command.add_flag("--dry-run", options->isDryRun,
+                   "Print the bytes that would change, and leave the file as it is");
+  command.footer(
+      "Example:\n  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 "
+      "--dry-run");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool

@@ -1,0 +1,146 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <surveydata/gnss/record_frame.h>
+
+#include <command_line/message.h>
+#include <output/json_writer.h>
+#include <output/output.h>
+#include <record/decoded_record.h>
+#include <record/describe_record.h>
+#include <record/explain_frame.h>
+#include <record/record_commands.h>
+#include <record/show_writer.h>
+
+namespace Tool {
+namespace {
+
+namespace Frame = SDI::RecordFrame;
+
+struct Options {
+  std::string file;
+  std::uint64_t offset = 0;
+  bool isJson = false;
+  bool hasBytes = false;
+};
+
+// The frame at the offset. Throws `ToolErrorC` where none stands there.
+std::vector<std::uint8_t> LoadFrame(const Options& options) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(options.file.c_str(), "rb"),
+                                                             &std::fclose);
+  std::vector<std::uint8_t> bytes(Frame::kMaxSize);
+  const bool isInReach =
+      file != nullptr && fseeko(file.get(), static_cast<off_t>(options.offset), SEEK_SET) == 0;
+  bytes.resize(isInReach ? std::fread(bytes.data(), 1, bytes.size(), file.get()) : 0);
+  if (file == nullptr || std::ferror(file.get()) != 0) {
+    FailToRead(options.file);
+  }
+
+  const auto refuse = [&](std::string_view what) {
+    return ToolErrorC(ExitCode::kFinding, fmt::format("{} at offset {}", what, options.offset));
+  };
+  if (bytes.empty()) {
+    throw ToolErrorC(ExitCode::kFinding,
+                     fmt::format("no valid measurement frame at offset {}: the file ends before it",
+                                 options.offset));
+  }
+  if (bytes.size() < Frame::kHeaderSize) throw refuse("no record stands");
+  const auto header = Frame::Header::Load(bytes.data());
+  if (!header.IsRecord()) throw refuse("no record stands");
+  if (!header.IsMeasurement()) {
+    throw refuse(fmt::format("no measurement but a record of type {} stands", header.type));
+  }
+  if (bytes.size() < header.Size()) throw refuse("the end of the file cuts the frame");
+  bytes.resize(header.Size());
+  if (!Frame::HasRightChecksum(bytes.data(), header.length)) {
+    throw refuse("a frame with a wrong checksum stands");
+  }
+  return bytes;
+}
+
+std::string_view ToView(std::span<const std::uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+void WriteJson(OutputC& out, const DecodedRecord& record, std::span<const std::uint8_t> frame,
+               bool hasBytes) {
+  JsonWriterC line(out.GetBuffer());
+  DescribeRecord(record, line);
+  if (hasBytes) {
+    line.BeginArray("bytes");
+    for (const FrameField& field : ExplainFrame(frame)) {
+      line.BeginElement();
+      line.Field("offset", record.offset + field.at);
+      line.Field("size", field.size);
+      line.Field("hex", HexBytes{ToView(frame.subspan(field.at, field.size))});
+      line.Field("block", field.block);
+      line.Field("field", field.field);
+      line.Field("value", std::string_view(field.value));
+      line.End();
+    }
+    line.EndArray();
+  }
+  line.EndLine();
+}
+
+// Fields longer than a line go on in lines of their own.
+void WriteBytes(OutputC& out, std::uint64_t offset, std::span<const std::uint8_t> frame) {
+  constexpr std::size_t kPerLine = 8;
+  out.Print("{:>10}  {:<23}  {:<14}  {:<20}  {}\n", "offset", "bytes", "block", "field", "value");
+  for (const FrameField& field : ExplainFrame(frame)) {
+    for (std::size_t i = 0; i < field.size; i += kPerLine) {
+      const auto bytes = frame.subspan(field.at + i, std::min(kPerLine, field.size - i));
+      const std::string hex = fmt::format("{:02x}", fmt::join(bytes, " "));
+      if (i > 0) {
+        out.Print("{:>10}  {}\n", offset + field.at + i, hex);
+      } else {
+        const std::string line =
+            fmt::format("{:>10}  {:<23}  {:<14}  {:<20}  {}", offset + field.at, hex, field.block,
+                        field.field, field.value);
+        out.Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
+      }
+    }
+  }
+}
+
+ExitCode Run(const Options& options) {
+  const std::vector<std::uint8_t> frame = LoadFrame(options);
+  const DecodedRecord record = Decode(options.offset, frame);
+  OutputC out;
+  if (options.isJson) {
+    WriteJson(out, record, frame, options.hasBytes);
+  } else if (options.hasBytes) {
+    WriteBytes(out, options.offset, frame);
+  } else {
+    ShowWriterC writer(out.GetBuffer());
+    DescribeRecord(record, writer);
+  }
+  out.Close();
+  if (record.IsDone()) return ExitCode::kDone;
+  Tell(fmt::format("the blocks of the frame at {} do not fit", options.offset));
+  return ExitCode::kFinding;
+}
+
+}  // namespace
+
+void AddRecordShow(CLI::App& record, ExitCode& result) {
+  CLI::App& command = *record.add_subcommand(
+      "show", "Show one measurement frame: its fields, or what each of its bytes is.");
+  const auto options = std::make_shared<Options>();
+  AddFileArgument(command, options->file);
+  AddOffsetOption(command, options->offset);
+  command.add_flag("--bytes", options->hasBytes, "Every byte with its block, field and value");
+  command.add_flag("--json", options->isJson, "One JSON object, as of export");
+  command.footer("Example:\n  surveydata record show valley_drive.rec --offset 960 --bytes");
+  command.callback([options, &result] { result = Run(*options); });
+}
+
+}  // namespace Tool
