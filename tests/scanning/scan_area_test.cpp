@@ -1,7 +1,9 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -34,6 +36,8 @@ ScanRectangularAreaC* MakeRectangle() {
   return area;
 }
 
+using Calls = std::vector<std::string>;
+
 const std::vector<ScanDefPointC> kTriangle = {{1.0, 1.0, -1.0}, {2.0, 1.0, -1.0}, {1.5, 1.5, -1.0}};
 
 ScanPolygonAreaC* MakePolygon(const std::vector<ScanDefPointC>& points = kTriangle) {
@@ -42,6 +46,70 @@ ScanPolygonAreaC* MakePolygon(const std::vector<ScanDefPointC>& points = kTriang
   area->SetPoints(points);
   return area;
 }
+
+// What the getters of an area return; both sides of every kind have them.
+template <class Area>
+constexpr bool ReturnsItsTypes() {
+  using Point = ScanDefPointC;
+  using std::is_same_v;
+  Area* area = nullptr;
+  const Area* constant = nullptr;
+  std::vector<Point>* points = nullptr;
+  Point* point = nullptr;
+  static_assert(is_same_v<decltype(constant->GetHzStep()), double>);
+  static_assert(is_same_v<decltype(constant->GetVStep()), double>);
+  static_assert(is_same_v<decltype(constant->GetSettingA()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetLimitLow()), double>);
+  static_assert(is_same_v<decltype(constant->GetLimitHigh()), double>);
+  static_assert(is_same_v<decltype(constant->GetSettingB()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetSettingC()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetSettingD()), double>);
+  static_assert(is_same_v<decltype(constant->GetSettingE()), std::uint16_t>);
+  static_assert(is_same_v<decltype(constant->GetType()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetPointCount()), std::uint16_t>);
+  static_assert(is_same_v<decltype(constant->GetPoints(*points)), void>);
+  static_assert(is_same_v<decltype(constant->GetOutline(*points, 1.0)), void>);
+  static_assert(is_same_v<decltype(constant->GetBoundingPoints(*point, *point, true)), bool>);
+  static_assert(is_same_v<decltype(constant->IsValid()), bool>);
+  static_assert(is_same_v<decltype(constant->IsAreaValid()), bool>);
+  static_assert(is_same_v<decltype(constant->IsEqual(*constant)), bool>);
+  static_assert(is_same_v<decltype(constant->Contains(1.0, 1.0)), bool>);
+  static_assert(is_same_v<decltype(area->AddPoint(*point)), bool>);
+  static_assert(is_same_v<decltype(area->RemoveLastPoint()), void>);
+  static_assert(is_same_v<decltype(area->Clear()), void>);
+  return true;
+}
+static_assert(ReturnsItsTypes<ScanAreaC>() && ReturnsItsTypes<ScanAreaImplC>());
+static_assert(ReturnsItsTypes<ScanRectangularAreaC>() && ReturnsItsTypes<ScanPolygonAreaC>() &&
+              ReturnsItsTypes<ScanDomeAreaC>());
+static_assert(ReturnsItsTypes<ScanRectangularAreaImplC>() &&
+              ReturnsItsTypes<ScanPolygonAreaImplC>() && ReturnsItsTypes<ScanDomeAreaImplC>());
+
+template <class Public>
+using ImplOf = decltype(std::declval<const Public&>().GetImpl());
+static_assert(std::is_same_v<ImplOf<ScanDefinitionC>, ScanDefinitionImplC*>);
+static_assert(std::is_same_v<ImplOf<ScanAreaC>, ScanAreaImplC*>);
+static_assert(std::is_same_v<ImplOf<ScanRectangularAreaC>, ScanRectangularAreaImplC*>);
+static_assert(std::is_same_v<ImplOf<ScanPolygonAreaC>, ScanPolygonAreaImplC*>);
+static_assert(std::is_same_v<ImplOf<ScanDomeAreaC>, ScanDomeAreaImplC*>);
+
+template <class Bound>
+constexpr bool kIsABound = std::is_same_v<Bound, double (ScanAreaC::*)() const>;
+static_assert(kIsABound<decltype(&ScanAreaC::GetHzMin)> &&
+              kIsABound<decltype(&ScanAreaC::GetVMin)>);
+static_assert(kIsABound<decltype(&ScanAreaC::GetHzMax)> &&
+              kIsABound<decltype(&ScanAreaC::GetVMax)>);
+
+// Both sides of a rectangle answer for its corners; those of a polygon take points.
+template <class Area>
+using GottenCorners = decltype(std::declval<const Area&>().GetCorners(
+    std::declval<ScanDefPointC&>(), std::declval<ScanDefPointC&>()));
+static_assert(std::is_same_v<GottenCorners<ScanRectangularAreaC>, bool>);
+static_assert(std::is_same_v<GottenCorners<ScanRectangularAreaImplC>, bool>);
+static_assert(std::is_same_v<decltype(&ScanPolygonAreaC::SetPoints),
+                             void (ScanPolygonAreaC::*)(const std::vector<ScanDefPointC>&)>);
+static_assert(std::is_same_v<decltype(&ScanPolygonAreaImplC::SetPoints),
+                             void (ScanPolygonAreaImplC::*)(const std::vector<ScanDefPointC>&)>);
 
 template <class Area>
 class ScanAreas : public testing::Test {};
@@ -124,6 +192,46 @@ TYPED_TEST(ScanAreas, TheImplementationMakesThePublicObjectOfItsKind) {
 TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // the leak checker is the judge
   delete new TypeParam;
   delete (new TypeParam)->GetImpl();
+}
+
+// Steps that differ by less than the smallest normal double are equal, limits only when they are.
+TYPED_TEST(ScanAreas, EqualityToleratesSubnormalDifferencesOfTheStepsAlone) {
+  constexpr double kMin = std::numeric_limits<double>::min();
+  constexpr double kUnit = std::numeric_limits<double>::denorm_min();
+  const auto areEqual = [](auto set, double first, double second) {
+    TypeParam a;
+    TypeParam b;
+    set(a, first);
+    set(b, second);
+    const bool equal = a.IsEqual(b);
+    EXPECT_EQ(b.IsEqual(a), equal);
+    return equal;
+  };
+  const auto hzStep = [](TypeParam& area, double step) { area.SetHzStep(step); };
+  const auto vStep = [](TypeParam& area, double step) { area.SetVStep(step); };
+  for (const auto set : {+hzStep, +vStep}) {
+    for (const double base : {0.0, -kMin, kMin}) {
+      SCOPED_TRACE(base);
+      EXPECT_TRUE(areEqual(set, base, base + (kMin - kUnit)));
+      EXPECT_FALSE(areEqual(set, base, base + kMin));
+      EXPECT_TRUE(areEqual(set, base, base - (kMin - kUnit)));
+      EXPECT_FALSE(areEqual(set, base, base - kMin));
+    }
+    EXPECT_FALSE(areEqual(set, 0.1, std::nextafter(0.1, 1.0)));
+    EXPECT_TRUE(areEqual(set, 0.1, 0.1));
+    EXPECT_FALSE(areEqual(set, std::nan(""), std::nan("")));
+  }
+  const auto limitLow = [](TypeParam& area, double limit) { area.SetLimitLow(limit); };
+  const auto limitHigh = [](TypeParam& area, double limit) { area.SetLimitHigh(limit); };
+  for (const auto set : {+limitLow, +limitHigh}) {
+    EXPECT_FALSE(areEqual(set, 0.0, kUnit));
+    EXPECT_FALSE(areEqual(set, -kUnit, kUnit));
+    EXPECT_FALSE(areEqual(set, kMin, kMin - kUnit));
+    EXPECT_FALSE(areEqual(set, -1.0, std::nextafter(-1.0, 0.0)));
+    EXPECT_TRUE(areEqual(set, kUnit, kUnit));
+    EXPECT_TRUE(areEqual(set, 0.0, -0.0));
+    EXPECT_FALSE(areEqual(set, std::nan(""), std::nan("")));
+  }
 }
 
 TYPED_TEST(ScanAreas, EqualityComparesKindStepsPointsSettingAAndLimits) {
@@ -307,6 +415,112 @@ TEST(ScanRectangularArea, IsValidWithStepsAndTwoCornersThatDiffer) {
   EXPECT_TRUE(area.IsValid());
   area.SetCorners({0.0, 0.0, -1.0}, {1e-310, 1e-310, -1.0});
   EXPECT_FALSE(area.IsValid());
+}
+
+TEST(ScanArea, EachStepMustBeAboveZeroBeItEverSoLittle) {
+  constexpr double kUnit = std::numeric_limits<double>::denorm_min();
+  const struct {
+    double step;
+    bool isValid;
+  } cases[] = {
+      {0.0, false},
+      {-0.0, false},
+      {kUnit, true},
+      {-kUnit, false},
+      {std::numeric_limits<double>::min(), true},
+      {std::numeric_limits<double>::infinity(), true},
+      {-1.0, false},
+      {std::nan(""), false},
+  };
+  const std::unique_ptr<ScanAreaC> areas[] = {std::unique_ptr<ScanAreaC>(MakeRectangle()),
+                                              std::unique_ptr<ScanAreaC>(MakePolygon()),
+                                              std::make_unique<ScanDomeAreaC>()};
+  for (const std::unique_ptr<ScanAreaC>& area : areas) {
+    for (const auto& [step, isValid] : cases) {
+      SCOPED_TRACE(step);
+      area->SetSteps(0.1, step);
+      EXPECT_EQ(area->IsValid(), isValid) << "V";
+      area->SetSteps(step, 0.1);
+      EXPECT_EQ(area->IsValid(), isValid) << "Hz";
+    }
+  }
+}
+
+// An implementation that says which of its virtual functions run, in their order.
+template <class Impl>
+class LoggedC : public Impl {
+ public:
+  bool IsValid() const override { return Log("IsValid"), Impl::IsValid(); }
+  bool AddPoint(const ScanDefPointC& point) override {
+    Log("AddPoint " + std::to_string(point.GetHz()).substr(0, 3));
+    return Impl::AddPoint(point);
+  }
+  void RemoveLastPoint() override { Log("RemoveLastPoint"), Impl::RemoveLastPoint(); }
+  void Clear() override { Log("Clear"), Impl::Clear(); }
+  std::uint16_t GetPointCount() const override {
+    return Log("GetPointCount"), Impl::GetPointCount();
+  }
+  void GetPoints(std::vector<ScanDefPointC>& points) const override {
+    Log("GetPoints"), Impl::GetPoints(points);
+  }
+  bool IsAreaValid() const override { return Log("IsAreaValid"), Impl::IsAreaValid(); }
+  bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const override {
+    return Log("GetBoundingPoints"), Impl::GetBoundingPoints(low, high, normalize);
+  }
+
+  Calls TakeCalls() { return std::exchange(calls_, {}); }
+
+ private:
+  void Log(std::string call) const { calls_.push_back(std::move(call)); }
+
+  mutable Calls calls_;
+};
+
+TEST(ScanRectangularArea, SettingCornersClearsAndAddsThemByTheVirtualFunctions) {
+  auto* const impl = new LoggedC<ScanRectangularAreaImplC>;
+  ScanRectangularAreaC area(impl);
+  const Calls expected = {"Clear", "AddPoint 1.0", "AddPoint 2.0"};
+  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  EXPECT_EQ(impl->TakeCalls(), expected);
+  impl->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
+  EXPECT_EQ(impl->TakeCalls(), expected);
+  ScanDefPointC a;
+  ScanDefPointC b;
+  area.SetSteps(0.1, 0.1);
+  EXPECT_TRUE(area.GetCorners(a, b));
+  EXPECT_EQ(impl->TakeCalls(), (Calls{"IsValid", "IsAreaValid"}));
+}
+
+TEST(ScanPolygonArea, SettingPointsCallsNoVirtualFunction) {
+  auto* const impl = new LoggedC<ScanPolygonAreaImplC>;
+  ScanPolygonAreaC area(impl);
+  area.SetPoints(kTriangle);
+  impl->SetPoints({{1.2, 1.4, -1.0}});
+  EXPECT_EQ(impl->TakeCalls(), Calls());
+  std::vector<ScanDefPointC> points;
+  area.GetPoints(points);
+  EXPECT_EQ(points.size(), 4u);
+  EXPECT_EQ(area.GetPointCount(), 4u) << "the geometry has them too";
+  EXPECT_EQ(impl->TakeCalls(), (Calls{"GetPoints", "GetPointCount"}));
+}
+
+TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
+  auto* const impl = new LoggedC<ScanPolygonAreaImplC>;
+  ScanPolygonAreaC area(impl);
+  area.SetPoints(kTriangle);
+  area.SetSteps(0.1, 0.1);
+  EXPECT_TRUE(area.IsValid());
+  EXPECT_EQ(impl->TakeCalls(), (Calls{"IsValid", "IsAreaValid"}));
+  ScanDefPointC low;
+  ScanDefPointC high;
+  EXPECT_TRUE(area.GetBoundingPoints(low, high, false));
+  EXPECT_EQ(impl->TakeCalls(), (Calls{"GetBoundingPoints", "IsAreaValid"}));
+  for (const auto bound :
+       {&ScanAreaC::GetHzMin, &ScanAreaC::GetVMin, &ScanAreaC::GetHzMax, &ScanAreaC::GetVMax}) {
+    EXPECT_NE((area.*bound)(), kNotSet);
+    EXPECT_EQ(impl->TakeCalls(),
+              (Calls{"IsValid", "IsAreaValid", "GetBoundingPoints", "IsAreaValid"}));
+  }
 }
 
 TEST(ScanRectangularArea, CornersAreSetAndRead) {

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,25 @@ static_assert(std::is_same_v<decltype(&ScanDefPointC::operator!=),
                              bool (ScanDefPointC::*)(const ScanDefPointC&) const>);
 static_assert(std::is_same_v<decltype(&ScanDefPointImplC::operator!=),
                              bool (ScanDefPointImplC::*)(const ScanDefPointImplC&) const>);
+
+// What both sides return.
+template <class Point>
+constexpr bool ReturnsItsTypes() {
+  using std::is_same_v;
+  Point* point = nullptr;
+  const Point* constant = nullptr;
+  static_assert(is_same_v<decltype(constant->GetHz()), double>);
+  static_assert(is_same_v<decltype(constant->GetV()), double>);
+  static_assert(is_same_v<decltype(constant->GetDistance()), double>);
+  static_assert(is_same_v<decltype(constant->HasDistance()), bool>);
+  static_assert(is_same_v<decltype(constant->IsEqual(*constant)), bool>);
+  static_assert(is_same_v<decltype(point->ClearDistance()), void>);
+  return true;
+}
+static_assert(ReturnsItsTypes<ScanDefPointC>() && ReturnsItsTypes<ScanDefPointImplC>());
+static_assert(std::is_same_v<decltype(std::declval<const ScanDefPointImplC&>().IsValid()), bool>);
+static_assert(
+    std::is_same_v<decltype(std::declval<const ScanDefPointC&>().GetImpl()), ScanDefPointImplC*>);
 
 TEST(ScanDefPoint, UnequalIsTheNegationOfEqual) {
   const double different[] = {1.0, 1.0 + 1e-15, std::nan("")};

@@ -1,6 +1,9 @@
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +16,40 @@ namespace SDI {
 namespace {
 
 static_assert(sizeof(ScanC) == sizeof(API::BaseC));
+
+// What both sides return.
+template <class Scan>
+constexpr bool ReturnsItsTypes() {
+  using std::is_same_v;
+  Scan* scan = nullptr;
+  const Scan* constant = nullptr;
+  const ScanDefinitionC* area = nullptr;
+  const char16_t* text = nullptr;
+  static_assert(is_same_v<decltype(constant->GetText1()), const char16_t*>);
+  static_assert(is_same_v<decltype(constant->GetText2()), const char16_t*>);
+  static_assert(is_same_v<decltype(constant->GetText3()), const char16_t*>);
+  static_assert(is_same_v<decltype(constant->GetText4()), const char16_t*>);
+  static_assert(is_same_v<decltype(scan->SetText1(text)), bool>);
+  static_assert(is_same_v<decltype(scan->SetText2(text)), bool>);
+  static_assert(is_same_v<decltype(scan->SetText3(text)), bool>);
+  static_assert(is_same_v<decltype(scan->SetText4(text)), void>);
+  static_assert(is_same_v<decltype(constant->GetValue1()), double>);
+  static_assert(is_same_v<decltype(constant->GetValue2()), double>);
+  static_assert(is_same_v<decltype(constant->GetValue3()), double>);
+  static_assert(is_same_v<decltype(constant->GetValue4()), double>);
+  static_assert(is_same_v<decltype(constant->GetWord1()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetWord2()), std::uint32_t>);
+  static_assert(is_same_v<decltype(constant->GetArea()), ScanDefinitionC*>);
+  static_assert(is_same_v<decltype(scan->CreateArea(1)), ScanDefinitionC*>);
+  static_assert(is_same_v<decltype(scan->SetArea(area)), ScanDefinitionC*>);
+  static_assert(is_same_v<decltype(constant->IsEqual(*constant)), bool>);
+  return true;
+}
+static_assert(ReturnsItsTypes<ScanC>() && ReturnsItsTypes<ScanImplC>());
+static_assert(std::is_same_v<decltype(std::declval<const ScanC&>().GetImpl()), ScanImplC*>);
+static_assert(std::is_same_v<decltype(std::declval<ScanImplC&>().SetArea(
+                                 std::declval<const ScanDefinitionImplC*>())),
+                             ScanDefinitionC*>);
 
 std::u16string Units(std::size_t n) { return std::u16string(n, u'x'); }
 
@@ -101,6 +138,83 @@ TEST(Scan, SetAreaStoresACopy) {
   EXPECT_NE(dynamic_cast<ScanRectangularAreaC*>(scan.SetArea(&rectangle)), nullptr);
 }
 
+// An area whose end is counted; a scan makes none, so it takes the place of what the scan made.
+class CountedAreaC : public ScanDomeAreaImplC {
+ public:
+  explicit CountedAreaC(int& ends) : ends_(ends) {}
+  ~CountedAreaC() override { ++ends_; }
+
+ private:
+  int& ends_;
+};
+
+void CountTheEndOfItsArea(ScanC& scan, int& ends) {
+  auto* const area = static_cast<ScanAreaC*>(scan.CreateArea(kDomeArea));
+  ScanAreaImplC* const old = area->GetImpl();
+  old->DetachBase();
+  area->SetImpl(new CountedAreaC(ends));
+  delete old;
+}
+
+TEST(Scan, SetAreaReplacesTheAreaThatThereIs) {
+  ScanRectangularAreaC rectangle;
+  ScanPolygonAreaC polygon;
+  ScanDomeAreaC dome;
+  for (ScanAreaC* const area :
+       {static_cast<ScanAreaC*>(&rectangle), static_cast<ScanAreaC*>(&polygon),
+        static_cast<ScanAreaC*>(&dome)}) {
+    SCOPED_TRACE(area->GetType());
+    area->SetSteps(0.1, 0.2);
+    area->AddPoint({1.0, 1.0, 3.0});
+    int ends = 0;
+    ScanC scan;
+    CountTheEndOfItsArea(scan, ends);
+    ASSERT_EQ(ends, 0);
+    ScanDefinitionC* const made = scan.SetArea(area);
+    EXPECT_EQ(ends, 1) << "the area from before is gone";
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(scan.GetArea(), made);
+    EXPECT_NE(made, area);
+    EXPECT_TRUE(made->IsEqual(*area));
+
+    CountTheEndOfItsArea(scan, ends);
+    EXPECT_TRUE(scan.GetImpl()->SetArea(area->GetImpl())->IsEqual(*area));
+    EXPECT_EQ(ends, 2);
+    EXPECT_EQ(area->GetPointCount(), area == &dome ? 0u : 1u) << "the source stays";
+  }
+}
+
+TEST(Scan, TheAreaThatThereIsGoesWithWhateverTakesItsPlace) {
+  int ends = 0;
+  {
+    ScanC scan;
+    CountTheEndOfItsArea(scan, ends);
+    EXPECT_EQ(scan.SetArea(nullptr), nullptr);
+    EXPECT_EQ(ends, 0) << "a null area changes nothing";
+    EXPECT_EQ(scan.GetImpl()->SetArea(static_cast<const ScanDefinitionImplC*>(nullptr)), nullptr);
+    EXPECT_EQ(ends, 1);
+
+    CountTheEndOfItsArea(scan, ends);
+    const ScanDefinitionC unknown(new ScanDefinitionImplC(7));
+    EXPECT_EQ(scan.SetArea(&unknown), nullptr);
+    EXPECT_EQ(ends, 2);
+
+    CountTheEndOfItsArea(scan, ends);
+    EXPECT_EQ(scan.CreateArea(7), nullptr);
+    EXPECT_EQ(ends, 3);
+
+    CountTheEndOfItsArea(scan, ends);
+    ScanC other;
+    other.CreateArea(kPolygonArea);
+    scan = other;
+    EXPECT_EQ(ends, 4);
+    EXPECT_EQ(scan.GetArea()->GetType(), kPolygonArea);
+
+    CountTheEndOfItsArea(scan, ends);
+  }
+  EXPECT_EQ(ends, 5) << "with the scan";
+}
+
 TEST(Scan, SetAreaTakesItsOwnArea) {
   ScanC scan;
   static_cast<ScanAreaC*>(scan.CreateArea(2))->AddPoint({1.0, 1.0, 3.0});
@@ -168,8 +282,26 @@ TEST(Scan, EveryFieldTakesPartInEquality) {
   differs([](ScanC& s) { s.SetValue2(std::nan("")); });
   differs([](ScanC& s) { s.SetValue3(0.0); });
   differs([](ScanC& s) { s.SetValue4(0.0); });
+  differs([](ScanC& s) { s.SetValue4(std::nextafter(4.0, 5.0)); });
   differs([](ScanC& s) { s.SetWord1(0); });
   differs([](ScanC& s) { s.SetWord2(0); });
+}
+
+TEST(Scan, ValuesAreComparedExactlySubnormalOnesToo) {
+  constexpr double kUnit = std::numeric_limits<double>::denorm_min();
+  for (const auto set :
+       {&ScanC::SetValue1, &ScanC::SetValue2, &ScanC::SetValue3, &ScanC::SetValue4}) {
+    ScanC a;
+    ScanC b;
+    (a.*set)(kUnit);
+    EXPECT_FALSE(a.IsEqual(b));
+    EXPECT_FALSE(b.IsEqual(a));
+    (b.*set)(kUnit);
+    EXPECT_TRUE(a.IsEqual(b));
+    (a.*set)(0.0);
+    (b.*set)(-0.0);
+    EXPECT_TRUE(a.IsEqual(b));
+  }
 }
 
 TEST(Scan, AreasAreComparedWhenBothHaveOne) {
