@@ -1,16 +1,16 @@
 # Reads abi/surveydata.exports and the symbols of binaries: for the build, the tests and
 # abi/update_exports.
 
-# The prefixes of demangled names that belong to the library's namespaces. Instances of function
-# templates begin with their result instead and never leave.
-set(exports_scope
-  "^(vtable for |typeinfo for |typeinfo name for |non-virtual thunk to )?(API|SDI|ODM)::")
+# What mangled names of the library's namespaces begin with: members, tables of virtual functions,
+# type identities and their names, thunks.
+set(exports_scope "^_Z(T[VIS]|Thn?[0-9]+_)?N?K?3(API|SDI|ODM)")
 # A type symbol: every user of a class has a copy of its own, and leaving makes them one.
 set(exports_type "^_ZT[VI]")
-# What nobody outside asks for on ELF systems, where names cost room: names and bases of type
-# identities, and inline constants and destructors, of which every user has a copy.
-set(exports_needless "^typeinfo name for " "^(vtable|typeinfo) for API::(HandleC|ImplC)<"
-  "::k[A-Z][A-Za-z0-9]*$" "^API::(BaseC|ImplObjectC)::~")
+# What nobody outside asks for on ELF systems, where names cost room, by its demangled name: names and
+# bases of type identities, the base that only the library derives from, and constants, of which every
+# user has a copy.
+set(exports_needless "^typeinfo name for " "^((vtable|typeinfo) for )?API::(HandleC|ImplC)<"
+  "^((vtable|typeinfo) for )?SDI::GPSMeasFieldsC<" "::k[A-Z][A-Za-z0-9]*(<.*>)?$")
 list(JOIN exports_needless "|" exports_needless)
 
 # Sets exports_elf, exports_windows, exports_numbers (number:symbol, also of what is gone) and
@@ -65,9 +65,10 @@ function(exports_of_objects readelf cxxfilt files result)
   set(${result} ${symbols} PARENT_SCOPE)
 endfunction()
 
-# Those of `symbols` that belong to the library's namespaces, sorted; without those whose names match
-# a further argument.
+# Those of `symbols` that belong to the library's namespaces, sorted; without those whose demangled
+# names match a further argument.
 function(exports_in_scope cxxfilt symbols result)
+  list(FILTER symbols INCLUDE REGEX "${exports_scope}")
   list(REMOVE_DUPLICATES symbols)
   list(SORT symbols)
   string(REPLACE ";" "\n" lines "${symbols}")
@@ -79,7 +80,7 @@ function(exports_in_scope cxxfilt symbols result)
   string(REPLACE "\n" ";" names "${names}")
   set(kept "")
   foreach(symbol name IN ZIP_LISTS symbols names)
-    if(name MATCHES "${exports_scope}" AND (NOT ARGN OR NOT name MATCHES "${ARGN}"))
+    if(NOT ARGN OR NOT name MATCHES "${ARGN}")
       list(APPEND kept ${symbol})
     endif()
   endforeach()

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+CoordinatePointC::CoordinatePointC() = default;
+CoordinatePointC::CoordinatePointC(API::BaseC* owner) : ImplC(owner) {}
+CoordinatePointC::CoordinatePointC(const CoordinatePointC& other) = default;
+CoordinatePointC& CoordinatePointC::operator=(const CoordinatePointC& other) = default;
+CoordinatePointC::~CoordinatePointC() = default;
+API::BaseC* CoordinatePointC::GetBase() { return ImplC::GetBase(); }
+
 CoordinatePointC::CoordinatePointC(double x, double y, double z) : x_(x), y_(y), z_(z) {}
 
 double CoordinatePointC::GetX() const { return x_; }
@@ -21,6 +28,12 @@ bool CoordinatePointC::isEqual(const CoordinatePointC& other) const {
 
 namespace SDI {
 
+CoordinatePointC::CoordinatePointC() = default;
+CoordinatePointC::CoordinatePointC(ODM::CoordinatePointC* impl) : HandleC(impl) {}
+CoordinatePointC::CoordinatePointC(const CoordinatePointC& other) = default;
+CoordinatePointC& CoordinatePointC::operator=(const CoordinatePointC& other) = default;
+CoordinatePointC::~CoordinatePointC() = default;
+
 CoordinatePointC::CoordinatePointC(double x, double y, double z)
     : HandleC(new ODM::CoordinatePointC(x, y, z)) {}
 
@@ -36,3 +49,5 @@ bool CoordinatePointC::IsEqual(const CoordinatePointC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::CoordinatePointC* API::CastFromAny(API::ImplObjectC*);

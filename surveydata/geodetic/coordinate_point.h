@@ -13,8 +13,12 @@ namespace ODM {
 /// The data of an `SDI::CoordinatePointC`.
 class SURVEYDATA_API CoordinatePointC : public API::ImplC<CoordinatePointC, SDI::CoordinatePointC> {
  public:
-  using ImplC::ImplC;
-  CoordinatePointC() = default;
+  CoordinatePointC();
+  explicit CoordinatePointC(API::BaseC* owner);
+  CoordinatePointC(const CoordinatePointC& other);
+  CoordinatePointC& operator=(const CoordinatePointC& other);
+  ~CoordinatePointC() override;
+  API::BaseC* GetBase() override;
   CoordinatePointC(double x, double y, double z);
 
   double GetX() const;
@@ -42,8 +46,11 @@ namespace SDI {
 /// given: no value is refused.
 class SURVEYDATA_API CoordinatePointC : public API::HandleC<ODM::CoordinatePointC> {
  public:
-  using HandleC::HandleC;
-  CoordinatePointC() = default;
+  CoordinatePointC();
+  explicit CoordinatePointC(ODM::CoordinatePointC* impl);
+  CoordinatePointC(const CoordinatePointC& other);
+  CoordinatePointC& operator=(const CoordinatePointC& other);
+  ~CoordinatePointC() override;
   CoordinatePointC(double x, double y, double z);
 
   double GetX() const;
@@ -58,8 +65,10 @@ class SURVEYDATA_API CoordinatePointC : public API::HandleC<ODM::CoordinatePoint
   bool IsEqual(const CoordinatePointC& other) const;
 };
 
-static_assert(sizeof(CoordinatePointC) == 16 && sizeof(ODM::CoordinatePointC) == 40);
+static_assert(API::kHasSize<CoordinatePointC, 16> && API::kHasSize<ODM::CoordinatePointC, 40>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::CoordinatePointC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_POINT_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+CoordinateQualityC::CoordinateQualityC() = default;
+CoordinateQualityC::CoordinateQualityC(API::BaseC* owner) : ImplC(owner) {}
+CoordinateQualityC::CoordinateQualityC(const CoordinateQualityC& other) = default;
+CoordinateQualityC& CoordinateQualityC::operator=(const CoordinateQualityC& other) = default;
+CoordinateQualityC::~CoordinateQualityC() = default;
+API::BaseC* CoordinateQualityC::GetBase() { return ImplC::GetBase(); }
+
 CoordinateQualityC::CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes)
     : sigma_(sigma), matrix_(matrix), validAxes_(static_cast<std::uint8_t>(validAxes)) {}
 
@@ -22,6 +29,12 @@ bool CoordinateQualityC::isEqual(const CoordinateQualityC& other) const {
 }  // namespace ODM
 
 namespace SDI {
+
+CoordinateQualityC::CoordinateQualityC() = default;
+CoordinateQualityC::CoordinateQualityC(ODM::CoordinateQualityC* impl) : HandleC(impl) {}
+CoordinateQualityC::CoordinateQualityC(const CoordinateQualityC& other) = default;
+CoordinateQualityC& CoordinateQualityC::operator=(const CoordinateQualityC& other) = default;
+CoordinateQualityC::~CoordinateQualityC() = default;
 
 CoordinateQualityC::CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes)
     : HandleC(new ODM::CoordinateQualityC(sigma, *matrix.GetImpl(), validAxes)) {}
@@ -44,3 +57,5 @@ bool CoordinateQualityC::IsEqual(const CoordinateQualityC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::CoordinateQualityC* API::CastFromAny(API::ImplObjectC*);

@@ -22,8 +22,12 @@ class SURVEYDATA_API CoordinateQualityC
   static constexpr std::uint8_t kAxis2 = 0x02;
   static constexpr std::uint8_t kAxis3 = 0x04;
 
-  using ImplC::ImplC;
-  CoordinateQualityC() = default;
+  CoordinateQualityC();
+  explicit CoordinateQualityC(API::BaseC* owner);
+  CoordinateQualityC(const CoordinateQualityC& other);
+  CoordinateQualityC& operator=(const CoordinateQualityC& other);
+  ~CoordinateQualityC() override;
+  API::BaseC* GetBase() override;
   CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes);
 
   float GetSigma() const;
@@ -53,8 +57,11 @@ namespace SDI {
 /// by default. The standard deviations themselves are asked of a `PositionC`.
 class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQualityC> {
  public:
-  using HandleC::HandleC;
-  CoordinateQualityC() = default;
+  CoordinateQualityC();
+  explicit CoordinateQualityC(ODM::CoordinateQualityC* impl);
+  CoordinateQualityC(const CoordinateQualityC& other);
+  CoordinateQualityC& operator=(const CoordinateQualityC& other);
+  ~CoordinateQualityC() override;
   /// Keeps the low 8 bits of `validAxes`.
   CoordinateQualityC(float sigma, const QMatrixC& matrix, std::uint32_t validAxes);
 
@@ -72,8 +79,10 @@ class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQua
   bool IsEqual(const CoordinateQualityC& other) const;
 };
 
-static_assert(sizeof(CoordinateQualityC) == 16 && sizeof(ODM::CoordinateQualityC) == 72);
+static_assert(API::kHasSize<CoordinateQualityC, 16> && API::kHasSize<ODM::CoordinateQualityC, 72>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::CoordinateQualityC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_QUALITY_H_

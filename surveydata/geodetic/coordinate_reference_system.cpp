@@ -3,6 +3,15 @@
 
 namespace ODM {
 
+CoordinateReferenceSystemC::CoordinateReferenceSystemC() = default;
+CoordinateReferenceSystemC::CoordinateReferenceSystemC(API::BaseC* owner) : ImplC(owner) {}
+CoordinateReferenceSystemC::CoordinateReferenceSystemC(const CoordinateReferenceSystemC& other) =
+    default;
+CoordinateReferenceSystemC& CoordinateReferenceSystemC::operator=(
+    const CoordinateReferenceSystemC& other) = default;
+CoordinateReferenceSystemC::~CoordinateReferenceSystemC() = default;
+API::BaseC* CoordinateReferenceSystemC::GetBase() { return ImplC::GetBase(); }
+
 CoordinateReferenceSystemC::CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant,
                                                        std::int32_t hasHeight)
     : kind_(kind), variant_(variant), hasHeight_(hasHeight) {}
@@ -24,6 +33,15 @@ bool CoordinateReferenceSystemC::isEqual(const CoordinateReferenceSystemC& other
 
 namespace SDI {
 
+CoordinateReferenceSystemC::CoordinateReferenceSystemC() = default;
+CoordinateReferenceSystemC::CoordinateReferenceSystemC(ODM::CoordinateReferenceSystemC* impl)
+    : HandleC(impl) {}
+CoordinateReferenceSystemC::CoordinateReferenceSystemC(const CoordinateReferenceSystemC& other) =
+    default;
+CoordinateReferenceSystemC& CoordinateReferenceSystemC::operator=(
+    const CoordinateReferenceSystemC& other) = default;
+CoordinateReferenceSystemC::~CoordinateReferenceSystemC() = default;
+
 CoordinateReferenceSystemC::CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant,
                                                        std::int32_t hasHeight)
     : HandleC(new ODM::CoordinateReferenceSystemC(kind, variant, hasHeight)) {}
@@ -44,3 +62,5 @@ bool CoordinateReferenceSystemC::IsEqual(const CoordinateReferenceSystemC& other
 }
 
 }  // namespace SDI
+
+template ODM::CoordinateReferenceSystemC* API::CastFromAny(API::ImplObjectC*);

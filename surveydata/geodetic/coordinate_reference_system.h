@@ -16,8 +16,12 @@ namespace ODM {
 class SURVEYDATA_API CoordinateReferenceSystemC
     : public API::ImplC<CoordinateReferenceSystemC, SDI::CoordinateReferenceSystemC> {
  public:
-  using ImplC::ImplC;
-  CoordinateReferenceSystemC() = default;
+  CoordinateReferenceSystemC();
+  explicit CoordinateReferenceSystemC(API::BaseC* owner);
+  CoordinateReferenceSystemC(const CoordinateReferenceSystemC& other);
+  CoordinateReferenceSystemC& operator=(const CoordinateReferenceSystemC& other);
+  ~CoordinateReferenceSystemC() override;
+  API::BaseC* GetBase() override;
   CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant, std::int32_t hasHeight);
 
   std::int32_t GetKind() const;
@@ -46,8 +50,11 @@ namespace SDI {
 class SURVEYDATA_API CoordinateReferenceSystemC
     : public API::HandleC<ODM::CoordinateReferenceSystemC> {
  public:
-  using HandleC::HandleC;
-  CoordinateReferenceSystemC() = default;
+  CoordinateReferenceSystemC();
+  explicit CoordinateReferenceSystemC(ODM::CoordinateReferenceSystemC* impl);
+  CoordinateReferenceSystemC(const CoordinateReferenceSystemC& other);
+  CoordinateReferenceSystemC& operator=(const CoordinateReferenceSystemC& other);
+  ~CoordinateReferenceSystemC() override;
   CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant, std::int32_t hasHeight);
 
   /// 1 to 4 are the kinds that a position knows: 1 always has three dimensions, 2 and 3 have two
@@ -64,9 +71,11 @@ class SURVEYDATA_API CoordinateReferenceSystemC
   bool IsEqual(const CoordinateReferenceSystemC& other) const;
 };
 
-static_assert(sizeof(CoordinateReferenceSystemC) == 16 &&
-              sizeof(ODM::CoordinateReferenceSystemC) == 32);
+static_assert(API::kHasSize<CoordinateReferenceSystemC, 16> &&
+              API::kHasSize<ODM::CoordinateReferenceSystemC, 32>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::CoordinateReferenceSystemC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_COORDINATE_REFERENCE_SYSTEM_H_

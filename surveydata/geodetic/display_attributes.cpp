@@ -2,6 +2,13 @@
 
 namespace ODM {
 
+DisplayAttributesC::DisplayAttributesC() = default;
+DisplayAttributesC::DisplayAttributesC(API::BaseC* owner) : ImplC(owner) {}
+DisplayAttributesC::DisplayAttributesC(const DisplayAttributesC& other) = default;
+DisplayAttributesC& DisplayAttributesC::operator=(const DisplayAttributesC& other) = default;
+DisplayAttributesC::~DisplayAttributesC() = default;
+API::BaseC* DisplayAttributesC::GetBase() { return ImplC::GetBase(); }
+
 std::uint32_t DisplayAttributesC::GetMode() const { return mode_; }
 void DisplayAttributesC::SetMode(std::uint32_t mode) { mode_ = mode; }
 std::int16_t DisplayAttributesC::GetParam1() const { return param1_; }
@@ -23,6 +30,12 @@ void DisplayAttributesC::SetOptions(std::uint32_t options) { options_ = options;
 
 namespace SDI {
 
+DisplayAttributesC::DisplayAttributesC() = default;
+DisplayAttributesC::DisplayAttributesC(ODM::DisplayAttributesC* impl) : HandleC(impl) {}
+DisplayAttributesC::DisplayAttributesC(const DisplayAttributesC& other) = default;
+DisplayAttributesC& DisplayAttributesC::operator=(const DisplayAttributesC& other) = default;
+DisplayAttributesC::~DisplayAttributesC() = default;
+
 std::uint32_t DisplayAttributesC::GetMode() const { return GetImpl()->GetMode(); }
 void DisplayAttributesC::SetMode(std::uint32_t mode) { GetImpl()->SetMode(mode); }
 std::int16_t DisplayAttributesC::GetParam1() const { return GetImpl()->GetParam1(); }
@@ -41,3 +54,5 @@ std::uint32_t DisplayAttributesC::GetOptions() const { return GetImpl()->GetOpti
 void DisplayAttributesC::SetOptions(std::uint32_t options) { GetImpl()->SetOptions(options); }
 
 }  // namespace SDI
+
+template ODM::DisplayAttributesC* API::CastFromAny(API::ImplObjectC*);

@@ -16,7 +16,12 @@ namespace ODM {
 class SURVEYDATA_API DisplayAttributesC
     : public API::ImplC<DisplayAttributesC, SDI::DisplayAttributesC> {
  public:
-  using ImplC::ImplC;
+  DisplayAttributesC();
+  explicit DisplayAttributesC(API::BaseC* owner);
+  DisplayAttributesC(const DisplayAttributesC& other);
+  DisplayAttributesC& operator=(const DisplayAttributesC& other);
+  ~DisplayAttributesC() override;
+  API::BaseC* GetBase() override;
 
   std::uint32_t GetMode() const;
   void SetMode(std::uint32_t mode);
@@ -54,7 +59,11 @@ namespace SDI {
 /// default. There is no equality.
 class SURVEYDATA_API DisplayAttributesC : public API::HandleC<ODM::DisplayAttributesC> {
  public:
-  using HandleC::HandleC;
+  DisplayAttributesC();
+  explicit DisplayAttributesC(ODM::DisplayAttributesC* impl);
+  DisplayAttributesC(const DisplayAttributesC& other);
+  DisplayAttributesC& operator=(const DisplayAttributesC& other);
+  ~DisplayAttributesC() override;
 
   std::uint32_t GetMode() const;
   void SetMode(std::uint32_t mode);
@@ -74,8 +83,10 @@ class SURVEYDATA_API DisplayAttributesC : public API::HandleC<ODM::DisplayAttrib
   void SetOptions(std::uint32_t options);
 };
 
-static_assert(sizeof(DisplayAttributesC) == 16 && sizeof(ODM::DisplayAttributesC) == 40);
+static_assert(API::kHasSize<DisplayAttributesC, 16> && API::kHasSize<ODM::DisplayAttributesC, 40>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::DisplayAttributesC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_DISPLAY_ATTRIBUTES_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+InstrumentInfoDataC::InstrumentInfoDataC() = default;
+InstrumentInfoDataC::InstrumentInfoDataC(API::BaseC* owner) : ImplC(owner) {}
+InstrumentInfoDataC::InstrumentInfoDataC(const InstrumentInfoDataC& other) = default;
+InstrumentInfoDataC& InstrumentInfoDataC::operator=(const InstrumentInfoDataC& other) = default;
+InstrumentInfoDataC::~InstrumentInfoDataC() = default;
+API::BaseC* InstrumentInfoDataC::GetBase() { return ImplC::GetBase(); }
+
 InstrumentInfoDataC::InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags,
                                          const char* text1, const char* text2, const char* text3,
                                          const char* text4, float value, std::int32_t number1,
@@ -72,6 +79,12 @@ bool InstrumentInfoDataC::isEqual(const InstrumentInfoDataC& other) const {
 
 namespace SDI {
 
+InstrumentInfoDataC::InstrumentInfoDataC() = default;
+InstrumentInfoDataC::InstrumentInfoDataC(ODM::InstrumentInfoDataC* impl) : HandleC(impl) {}
+InstrumentInfoDataC::InstrumentInfoDataC(const InstrumentInfoDataC& other) = default;
+InstrumentInfoDataC& InstrumentInfoDataC::operator=(const InstrumentInfoDataC& other) = default;
+InstrumentInfoDataC::~InstrumentInfoDataC() = default;
+
 InstrumentInfoDataC::InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags,
                                          const char* text1, const char* text2, const char* text3,
                                          const char* text4, float value, std::int32_t number1,
@@ -128,3 +141,5 @@ bool InstrumentInfoDataC::IsEqual(const InstrumentInfoDataC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::InstrumentInfoDataC* API::CastFromAny(API::ImplObjectC*);

@@ -19,8 +19,12 @@ namespace ODM {
 class SURVEYDATA_API InstrumentInfoDataC
     : public API::ImplC<InstrumentInfoDataC, SDI::InstrumentInfoDataC> {
  public:
-  using ImplC::ImplC;
-  InstrumentInfoDataC() = default;
+  InstrumentInfoDataC();
+  explicit InstrumentInfoDataC(API::BaseC* owner);
+  InstrumentInfoDataC(const InstrumentInfoDataC& other);
+  InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
+  ~InstrumentInfoDataC() override;
+  API::BaseC* GetBase() override;
   /// An identifier of more than 16 units is taken as empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
@@ -94,8 +98,11 @@ namespace SDI {
 /// What they mean is up to the caller. All are empty or 0 by default.
 class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentInfoDataC> {
  public:
-  using HandleC::HandleC;
-  InstrumentInfoDataC() = default;
+  InstrumentInfoDataC();
+  explicit InstrumentInfoDataC(ODM::InstrumentInfoDataC* impl);
+  InstrumentInfoDataC(const InstrumentInfoDataC& other);
+  InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
+  ~InstrumentInfoDataC() override;
   /// An identifier of more than 16 units is taken as empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
@@ -148,8 +155,10 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   bool IsEqual(const InstrumentInfoDataC& other) const;
 };
 
-static_assert(sizeof(InstrumentInfoDataC) == 16);
+static_assert(API::kHasSize<InstrumentInfoDataC, 16>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::InstrumentInfoDataC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_INSTRUMENT_INFO_DATA_H_

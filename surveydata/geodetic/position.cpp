@@ -15,6 +15,13 @@ bool StdDevOf(float cofactor, unsigned needed, const CoordinateQualityC& quality
 
 }  // namespace
 
+PositionC::PositionC() = default;
+PositionC::PositionC(API::BaseC* owner) : ImplC(owner) {}
+PositionC::PositionC(const PositionC& other) = default;
+PositionC& PositionC::operator=(const PositionC& other) = default;
+PositionC::~PositionC() = default;
+API::BaseC* PositionC::GetBase() { return ImplC::GetBase(); }
+
 PositionC::PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
                      const CoordinateQualityC& quality, const UndulationMementoC& undulation,
                      std::int32_t attribute1, std::int32_t attribute3, std::int32_t attribute2,
@@ -114,6 +121,12 @@ bool PositionC::isEqual(const PositionC& other) const {
 
 namespace SDI {
 
+PositionC::PositionC() = default;
+PositionC::PositionC(ODM::PositionC* impl) : HandleC(impl) {}
+PositionC::PositionC(const PositionC& other) = default;
+PositionC& PositionC::operator=(const PositionC& other) = default;
+PositionC::~PositionC() = default;
+
 PositionC::PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
                      const CoordinateQualityC& quality, const UndulationMementoC& undulation)
     : PositionC(crs, point, quality, undulation, ODM::PositionC::kDefaultAttribute1, 0, 0, 0, 0) {}
@@ -184,3 +197,5 @@ bool PositionC::IsEqual(const PositionC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::PositionC* API::CastFromAny(API::ImplObjectC*);

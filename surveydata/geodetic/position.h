@@ -21,8 +21,12 @@ class SURVEYDATA_API PositionC : public API::ImplC<PositionC, SDI::PositionC> {
  public:
   static constexpr std::int32_t kDefaultAttribute1 = 50;
 
-  using ImplC::ImplC;
-  PositionC() = default;
+  PositionC();
+  explicit PositionC(API::BaseC* owner);
+  PositionC(const PositionC& other);
+  PositionC& operator=(const PositionC& other);
+  ~PositionC() override;
+  API::BaseC* GetBase() override;
   /// Attributes 2 and 3 change places: the third is given before the second.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation,
@@ -83,8 +87,11 @@ namespace SDI {
 /// object, which changes with the position and is destroyed with its implementation.
 class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
  public:
-  using HandleC::HandleC;
-  PositionC() = default;
+  PositionC();
+  explicit PositionC(ODM::PositionC* impl);
+  PositionC(const PositionC& other);
+  PositionC& operator=(const PositionC& other);
+  ~PositionC() override;
   /// Copies the four parts; the attributes are the default ones.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation);
@@ -148,8 +155,10 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   bool IsEqual(const PositionC& other) const;
 };
 
-static_assert(sizeof(PositionC) == 16 && sizeof(ODM::PositionC) == 216);
+static_assert(API::kHasSize<PositionC, 16> && API::kHasSize<ODM::PositionC, 216>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::PositionC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_POSITION_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+QMatrixC::QMatrixC() = default;
+QMatrixC::QMatrixC(API::BaseC* owner) : ImplC(owner) {}
+QMatrixC::QMatrixC(const QMatrixC& other) = default;
+QMatrixC& QMatrixC::operator=(const QMatrixC& other) = default;
+QMatrixC::~QMatrixC() = default;
+API::BaseC* QMatrixC::GetBase() { return ImplC::GetBase(); }
+
 QMatrixC::QMatrixC(float q11, float q12, float q13, float q22, float q23, float q33)
     : q11_(q11), q12_(q12), q13_(q13), q22_(q22), q23_(q23), q33_(q33) {}
 
@@ -28,6 +35,12 @@ bool QMatrixC::isEqual(const QMatrixC& other) const {
 
 namespace SDI {
 
+QMatrixC::QMatrixC() = default;
+QMatrixC::QMatrixC(ODM::QMatrixC* impl) : HandleC(impl) {}
+QMatrixC::QMatrixC(const QMatrixC& other) = default;
+QMatrixC& QMatrixC::operator=(const QMatrixC& other) = default;
+QMatrixC::~QMatrixC() = default;
+
 QMatrixC::QMatrixC(float q11, float q12, float q13, float q22, float q23, float q33)
     : HandleC(new ODM::QMatrixC(q11, q12, q13, q22, q23, q33)) {}
 
@@ -47,3 +60,5 @@ void QMatrixC::SetQ33(float q33) { GetImpl()->SetQ33(q33); }
 bool QMatrixC::IsEqual(const QMatrixC& other) const { return GetImpl()->isEqual(*other.GetImpl()); }
 
 }  // namespace SDI
+
+template ODM::QMatrixC* API::CastFromAny(API::ImplObjectC*);

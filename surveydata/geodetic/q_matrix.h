@@ -13,8 +13,12 @@ namespace ODM {
 /// The data of an `SDI::QMatrixC`.
 class SURVEYDATA_API QMatrixC : public API::ImplC<QMatrixC, SDI::QMatrixC> {
  public:
-  using ImplC::ImplC;
-  QMatrixC() = default;
+  QMatrixC();
+  explicit QMatrixC(API::BaseC* owner);
+  QMatrixC(const QMatrixC& other);
+  QMatrixC& operator=(const QMatrixC& other);
+  ~QMatrixC() override;
+  API::BaseC* GetBase() override;
   QMatrixC(float q11, float q12, float q13, float q22, float q23, float q33);
 
   float GetQ11() const;
@@ -52,8 +56,11 @@ namespace SDI {
 /// plain number.
 class SURVEYDATA_API QMatrixC : public API::HandleC<ODM::QMatrixC> {
  public:
-  using HandleC::HandleC;
-  QMatrixC() = default;
+  QMatrixC();
+  explicit QMatrixC(ODM::QMatrixC* impl);
+  QMatrixC(const QMatrixC& other);
+  QMatrixC& operator=(const QMatrixC& other);
+  ~QMatrixC() override;
   QMatrixC(float q11, float q12, float q13, float q22, float q23, float q33);
 
   float GetQ11() const;
@@ -74,8 +81,10 @@ class SURVEYDATA_API QMatrixC : public API::HandleC<ODM::QMatrixC> {
   bool IsEqual(const QMatrixC& other) const;
 };
 
-static_assert(sizeof(QMatrixC) == 16 && sizeof(ODM::QMatrixC) == 40);
+static_assert(API::kHasSize<QMatrixC, 16> && API::kHasSize<ODM::QMatrixC, 40>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::QMatrixC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_Q_MATRIX_H_

@@ -2,6 +2,13 @@
 
 namespace ODM {
 
+RectangleC::RectangleC() = default;
+RectangleC::RectangleC(API::BaseC* owner) : ImplC(owner) {}
+RectangleC::RectangleC(const RectangleC& other) = default;
+RectangleC& RectangleC::operator=(const RectangleC& other) = default;
+RectangleC::~RectangleC() = default;
+API::BaseC* RectangleC::GetBase() { return ImplC::GetBase(); }
+
 RectangleC::RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
                        const CoordinatePointC& topRight)
     : crs_(crs), bottomLeft_(bottomLeft), topRight_(topRight) {}
@@ -19,6 +26,12 @@ void RectangleC::SetTopRight(const CoordinatePointC& topRight) { topRight_ = top
 }  // namespace ODM
 
 namespace SDI {
+
+RectangleC::RectangleC() = default;
+RectangleC::RectangleC(ODM::RectangleC* impl) : HandleC(impl) {}
+RectangleC::RectangleC(const RectangleC& other) = default;
+RectangleC& RectangleC::operator=(const RectangleC& other) = default;
+RectangleC::~RectangleC() = default;
 
 RectangleC::RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
                        const CoordinatePointC& topRight)
@@ -53,3 +66,5 @@ void RectangleC::SetTopRight(const CoordinatePointC& topRight) {
 }
 
 }  // namespace SDI
+
+template ODM::RectangleC* API::CastFromAny(API::ImplObjectC*);

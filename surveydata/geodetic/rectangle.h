@@ -15,8 +15,12 @@ namespace ODM {
 /// The data of an `SDI::RectangleC`.
 class SURVEYDATA_API RectangleC : public API::ImplC<RectangleC, SDI::RectangleC> {
  public:
-  using ImplC::ImplC;
-  RectangleC() = default;
+  RectangleC();
+  explicit RectangleC(API::BaseC* owner);
+  RectangleC(const RectangleC& other);
+  RectangleC& operator=(const RectangleC& other);
+  ~RectangleC() override;
+  API::BaseC* GetBase() override;
   RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
              const CoordinatePointC& topRight);
 
@@ -47,8 +51,11 @@ namespace SDI {
 /// changes with the rectangle and is destroyed with its implementation.
 class SURVEYDATA_API RectangleC : public API::HandleC<ODM::RectangleC> {
  public:
-  using HandleC::HandleC;
-  RectangleC() = default;
+  RectangleC();
+  explicit RectangleC(ODM::RectangleC* impl);
+  RectangleC(const RectangleC& other);
+  RectangleC& operator=(const RectangleC& other);
+  ~RectangleC() override;
   /// Copies the three parts.
   RectangleC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& bottomLeft,
              const CoordinatePointC& topRight);
@@ -64,8 +71,10 @@ class SURVEYDATA_API RectangleC : public API::HandleC<ODM::RectangleC> {
   void SetTopRight(const CoordinatePointC& topRight);
 };
 
-static_assert(sizeof(RectangleC) == 16 && sizeof(ODM::RectangleC) == 128);
+static_assert(API::kHasSize<RectangleC, 16> && API::kHasSize<ODM::RectangleC, 128>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::RectangleC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_RECTANGLE_H_

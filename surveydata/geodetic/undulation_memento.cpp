@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+UndulationMementoC::UndulationMementoC() = default;
+UndulationMementoC::UndulationMementoC(API::BaseC* owner) : ImplC(owner) {}
+UndulationMementoC::UndulationMementoC(const UndulationMementoC& other) = default;
+UndulationMementoC& UndulationMementoC::operator=(const UndulationMementoC& other) = default;
+UndulationMementoC::~UndulationMementoC() = default;
+API::BaseC* UndulationMementoC::GetBase() { return ImplC::GetBase(); }
+
 UndulationMementoC::UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid)
     : undulation_(undulation), source_(source), valid_(valid) {}
 
@@ -19,6 +26,12 @@ bool UndulationMementoC::isEqual(const UndulationMementoC& other) const {
 
 namespace SDI {
 
+UndulationMementoC::UndulationMementoC() = default;
+UndulationMementoC::UndulationMementoC(ODM::UndulationMementoC* impl) : HandleC(impl) {}
+UndulationMementoC::UndulationMementoC(const UndulationMementoC& other) = default;
+UndulationMementoC& UndulationMementoC::operator=(const UndulationMementoC& other) = default;
+UndulationMementoC::~UndulationMementoC() = default;
+
 UndulationMementoC::UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid)
     : HandleC(new ODM::UndulationMementoC(undulation, source, valid)) {}
 
@@ -31,3 +44,5 @@ bool UndulationMementoC::IsEqual(const UndulationMementoC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::UndulationMementoC* API::CastFromAny(API::ImplObjectC*);

@@ -16,8 +16,12 @@ namespace ODM {
 class SURVEYDATA_API UndulationMementoC
     : public API::ImplC<UndulationMementoC, SDI::UndulationMementoC> {
  public:
-  using ImplC::ImplC;
-  UndulationMementoC() = default;
+  UndulationMementoC();
+  explicit UndulationMementoC(API::BaseC* owner);
+  UndulationMementoC(const UndulationMementoC& other);
+  UndulationMementoC& operator=(const UndulationMementoC& other);
+  ~UndulationMementoC() override;
+  API::BaseC* GetBase() override;
   UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid);
 
   float GetUndulation() const;
@@ -43,8 +47,11 @@ namespace SDI {
 /// memento changes only by assignment of another one.
 class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMementoC> {
  public:
-  using HandleC::HandleC;
-  UndulationMementoC() = default;
+  UndulationMementoC();
+  explicit UndulationMementoC(ODM::UndulationMementoC* impl);
+  UndulationMementoC(const UndulationMementoC& other);
+  UndulationMementoC& operator=(const UndulationMementoC& other);
+  ~UndulationMementoC() override;
   UndulationMementoC(float undulation, std::int32_t source, std::uint8_t valid);
 
   float GetUndulation() const;
@@ -56,8 +63,10 @@ class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMem
   bool IsEqual(const UndulationMementoC& other) const;
 };
 
-static_assert(sizeof(UndulationMementoC) == 16 && sizeof(ODM::UndulationMementoC) == 32);
+static_assert(API::kHasSize<UndulationMementoC, 16> && API::kHasSize<ODM::UndulationMementoC, 32>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::UndulationMementoC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GEODETIC_UNDULATION_MEMENTO_H_

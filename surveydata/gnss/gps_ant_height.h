@@ -9,58 +9,62 @@
 namespace SDI {
 class SURVEYDATA_API GPSAntHeightC;
 
-/// What the two implementations of an antenna height share: everything but the answer for a slant
-/// height that is shorter than its offset, `Self::TooShort`.
-template <class Self>
-class SURVEYDATA_VISIBLE GPSAntHeightFieldsC : public API::ImplC<Self, GPSAntHeightC> {
+/// The data of a `GPSAntHeightC`.
+class SURVEYDATA_API GPSAntHeightImplC : public API::ImplC<GPSAntHeightImplC, GPSAntHeightC> {
  public:
-  using API::ImplC<Self, GPSAntHeightC>::ImplC;
-  GPSAntHeightFieldsC() = default;
-  GPSAntHeightFieldsC(float height, bool isVertical, float horizontalOffset);
+  GPSAntHeightImplC();
+  explicit GPSAntHeightImplC(API::BaseC* owner);
+  GPSAntHeightImplC(const GPSAntHeightImplC& other);
+  GPSAntHeightImplC& operator=(const GPSAntHeightImplC& other);
+  ~GPSAntHeightImplC() override;
+  API::BaseC* GetBase() override;
+  GPSAntHeightImplC(float height, bool isVertical, float horizontalOffset);
 
   void GetHeight(float& height, bool& isVertical) const;
   void SetHeight(float height, bool isVertical);
   float GetHorizontalOffset() const;
   void SetHorizontalOffset(float horizontalOffset);
+  /// A slant height that is shorter than its offset has the vertical height 0.
   float GetVerticalHeight() const;
 
-  bool isEqual(const Self& other) const;
+  bool isEqual(const GPSAntHeightImplC& other) const;
 
  private:
   float height_ = 0.0F;
   bool isVertical_ = true;
   float horizontalOffset_ = 0.0F;
 };
-}  // namespace SDI
 
-namespace ODM {
-class SURVEYDATA_API GPSAntHeightC;
-}
-namespace SDI {
-class SURVEYDATA_API GPSAntHeightImplC;
-extern template class SURVEYDATA_API GPSAntHeightFieldsC<GPSAntHeightImplC>;
-extern template class SURVEYDATA_API GPSAntHeightFieldsC<ODM::GPSAntHeightC>;
-
-/// The data of a `GPSAntHeightC`.
-class SURVEYDATA_API GPSAntHeightImplC : public GPSAntHeightFieldsC<GPSAntHeightImplC> {
- public:
-  using GPSAntHeightFieldsC::GPSAntHeightFieldsC;
-
-  /// The vertical height of a slant height that is shorter than its offset: none.
-  static float TooShort(float /*height*/) { return 0.0F; }
-};
 }  // namespace SDI
 
 namespace ODM {
 /// The antenna height inside the compact measurement record. A public object made by its
 /// `GetBase()` finds no implementation of its own class and answers accordingly.
-class SURVEYDATA_API GPSAntHeightC : public SDI::GPSAntHeightFieldsC<GPSAntHeightC> {
+class SURVEYDATA_API GPSAntHeightC : public API::ImplC<GPSAntHeightC, SDI::GPSAntHeightC> {
  public:
-  using GPSAntHeightFieldsC::GPSAntHeightFieldsC;
+  GPSAntHeightC();
+  explicit GPSAntHeightC(API::BaseC* owner);
+  GPSAntHeightC(const GPSAntHeightC& other);
+  GPSAntHeightC& operator=(const GPSAntHeightC& other);
+  ~GPSAntHeightC() override;
+  API::BaseC* GetBase() override;
+  GPSAntHeightC(float height, bool isVertical, float horizontalOffset);
 
-  /// The vertical height of a slant height that is shorter than its offset: as measured.
-  static float TooShort(float height) { return height; }
+  void GetHeight(float& height, bool& isVertical) const;
+  void SetHeight(float height, bool isVertical);
+  float GetHorizontalOffset() const;
+  void SetHorizontalOffset(float horizontalOffset);
+  /// A slant height that is shorter than its offset is answered as measured.
+  float GetVerticalHeight() const;
+
+  bool isEqual(const GPSAntHeightC& other) const;
+
+ private:
+  float height_ = 0.0F;
+  bool isVertical_ = true;
+  float horizontalOffset_ = 0.0F;
 };
+
 }  // namespace ODM
 
 namespace SDI {
@@ -72,13 +76,14 @@ namespace SDI {
 /// Without an implementation of its class, getters answer 0 and false and setters do nothing.
 class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
  public:
-  using HandleC::HandleC;
-  GPSAntHeightC() = default;
+  GPSAntHeightC();
+  explicit GPSAntHeightC(GPSAntHeightImplC* impl);
   /// Takes ownership of an implementation that this class does not read.
   template <std::same_as<ODM::GPSAntHeightC> Compact>
-  explicit GPSAntHeightC(Compact* impl) : HandleC(nullptr) {
-    SetImpl(impl);
-  }
+  explicit GPSAntHeightC(Compact* impl);
+  GPSAntHeightC(const GPSAntHeightC& other);
+  GPSAntHeightC& operator=(const GPSAntHeightC& other);
+  ~GPSAntHeightC() override;
 
   void GetHeight(float& height, bool& isVertical) const;
   void SetHeight(float height, bool isVertical);
@@ -95,9 +100,13 @@ class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
   bool IsEqual(const GPSAntHeightC& other) const;
 };
 
-static_assert(sizeof(GPSAntHeightC) == 16 && sizeof(GPSAntHeightImplC) == 32);
-static_assert(sizeof(ODM::GPSAntHeightC) == sizeof(GPSAntHeightImplC));
+static_assert(API::kHasSize<GPSAntHeightC, 16> && API::kHasSize<GPSAntHeightImplC, 32>);
+static_assert(API::kHasSize<ODM::GPSAntHeightC, 32>);
+
+extern template SURVEYDATA_API GPSAntHeightC::GPSAntHeightC(ODM::GPSAntHeightC* impl);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::GPSAntHeightImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GNSS_GPS_ANT_HEIGHT_H_

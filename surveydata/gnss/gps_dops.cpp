@@ -4,68 +4,79 @@
 #include <surveydata/gnss/gps_dops.h>
 #include <surveydata/object_model/compare.h>
 
-namespace SDI {
+namespace {
 
-template <class Self>
-GPSDOPsFieldsC<Self>::GPSDOPsFieldsC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop)
-    : hdop_(hdop), vdop_(vdop), tdop_(tdop) {}
-
-template <class Self>
+// The length of the vector of `dops`, or -1 when one of them is not available.
 template <class... Dops>
-double GPSDOPsFieldsC<Self>::Combined(Dops... dops) {
-  if (std::max({dops...}) == DOP_NOT_AVAILABLE) return -1.0;
+double Combined(Dops... dops) {
+  if (std::max({dops...}) == SDI::DOP_NOT_AVAILABLE) return -1.0;
   const auto squared = [](double tenths) { return tenths * tenths; };
   return std::sqrt((squared(dops) + ...)) / 10.0;
 }
 
-template <class Self>
-double GPSDOPsFieldsC<Self>::GetHDOP() const {
-  return Combined(hdop_);
+}  // namespace
+
+namespace ODM {
+
+GPSDOPsC::GPSDOPsC() = default;
+GPSDOPsC::GPSDOPsC(API::BaseC* owner) : ImplC(owner) {}
+GPSDOPsC::GPSDOPsC(const GPSDOPsC& other) = default;
+GPSDOPsC& GPSDOPsC::operator=(const GPSDOPsC& other) = default;
+GPSDOPsC::~GPSDOPsC() = default;
+API::BaseC* GPSDOPsC::GetBase() { return ImplC::GetBase(); }
+GPSDOPsC::GPSDOPsC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop)
+    : hdop_(hdop), vdop_(vdop), tdop_(tdop) {}
+
+double GPSDOPsC::GetHDOP() const { return Combined(hdop_); }
+double GPSDOPsC::GetVDOP() const { return Combined(vdop_); }
+double GPSDOPsC::GetTDOP() const { return Combined(tdop_); }
+double GPSDOPsC::GetPDOP() const { return Combined(hdop_, vdop_); }
+double GPSDOPsC::GetGDOP() const { return Combined(hdop_, vdop_, tdop_); }
+std::uint16_t GPSDOPsC::GetHDOPTenths() const { return hdop_; }
+std::uint16_t GPSDOPsC::GetVDOPTenths() const { return vdop_; }
+std::uint16_t GPSDOPsC::GetTDOPTenths() const { return tdop_; }
+
+bool GPSDOPsC::isEqual(const GPSDOPsC& other) const {
+  return API::EqualFields(*this, other, &GPSDOPsC::hdop_, &GPSDOPsC::vdop_, &GPSDOPsC::tdop_);
 }
 
-template <class Self>
-double GPSDOPsFieldsC<Self>::GetVDOP() const {
-  return Combined(vdop_);
+}  // namespace ODM
+
+namespace SDI {
+
+GPSDOPsImplC::GPSDOPsImplC() = default;
+GPSDOPsImplC::GPSDOPsImplC(API::BaseC* owner) : ImplC(owner) {}
+GPSDOPsImplC::GPSDOPsImplC(const GPSDOPsImplC& other) = default;
+GPSDOPsImplC& GPSDOPsImplC::operator=(const GPSDOPsImplC& other) = default;
+GPSDOPsImplC::~GPSDOPsImplC() = default;
+API::BaseC* GPSDOPsImplC::GetBase() { return ImplC::GetBase(); }
+GPSDOPsImplC::GPSDOPsImplC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop)
+    : hdop_(hdop), vdop_(vdop), tdop_(tdop) {}
+
+double GPSDOPsImplC::GetHDOP() const { return Combined(hdop_); }
+double GPSDOPsImplC::GetVDOP() const { return Combined(vdop_); }
+double GPSDOPsImplC::GetTDOP() const { return Combined(tdop_); }
+double GPSDOPsImplC::GetPDOP() const { return Combined(hdop_, vdop_); }
+double GPSDOPsImplC::GetGDOP() const { return Combined(hdop_, vdop_, tdop_); }
+std::uint16_t GPSDOPsImplC::GetHDOPTenths() const { return hdop_; }
+std::uint16_t GPSDOPsImplC::GetVDOPTenths() const { return vdop_; }
+std::uint16_t GPSDOPsImplC::GetTDOPTenths() const { return tdop_; }
+
+bool GPSDOPsImplC::isEqual(const GPSDOPsImplC& other) const {
+  return API::EqualFields(*this, other, &GPSDOPsImplC::hdop_, &GPSDOPsImplC::vdop_,
+                          &GPSDOPsImplC::tdop_);
 }
 
-template <class Self>
-double GPSDOPsFieldsC<Self>::GetTDOP() const {
-  return Combined(tdop_);
+GPSDOPsC::GPSDOPsC() = default;
+GPSDOPsC::GPSDOPsC(GPSDOPsImplC* impl) : HandleC(impl) {}
+template <std::same_as<ODM::GPSDOPsC> Compact>
+GPSDOPsC::GPSDOPsC(Compact* impl) : HandleC(nullptr) {
+  SetImpl(impl);
 }
-
-template <class Self>
-double GPSDOPsFieldsC<Self>::GetPDOP() const {
-  return Combined(hdop_, vdop_);
-}
-
-template <class Self>
-double GPSDOPsFieldsC<Self>::GetGDOP() const {
-  return Combined(hdop_, vdop_, tdop_);
-}
-
-template <class Self>
-std::uint16_t GPSDOPsFieldsC<Self>::GetHDOPTenths() const {
-  return hdop_;
-}
-
-template <class Self>
-std::uint16_t GPSDOPsFieldsC<Self>::GetVDOPTenths() const {
-  return vdop_;
-}
-
-template <class Self>
-std::uint16_t GPSDOPsFieldsC<Self>::GetTDOPTenths() const {
-  return tdop_;
-}
-
-template <class Self>
-bool GPSDOPsFieldsC<Self>::isEqual(const Self& other) const {
-  return API::EqualFields<GPSDOPsFieldsC>(*this, other, &GPSDOPsFieldsC::hdop_,
-                                          &GPSDOPsFieldsC::vdop_, &GPSDOPsFieldsC::tdop_);
-}
-
-template class GPSDOPsFieldsC<GPSDOPsImplC>;
-template class GPSDOPsFieldsC<ODM::GPSDOPsC>;
+template GPSDOPsC::GPSDOPsC(ODM::GPSDOPsC* impl);
+GPSDOPsC::GPSDOPsC(const GPSDOPsC& other) = default;
+GPSDOPsC& GPSDOPsC::operator=(const GPSDOPsC& other) = default;
+GPSDOPsC::~GPSDOPsC() = default;
 
 double GPSDOPsC::GetHDOP() const { return Ask(&GPSDOPsImplC::GetHDOP, 0.0); }
 double GPSDOPsC::GetVDOP() const { return Ask(&GPSDOPsImplC::GetVDOP, 0.0); }
@@ -76,3 +87,5 @@ double GPSDOPsC::GetGDOP() const { return Ask(&GPSDOPsImplC::GetGDOP, 0.0); }
 bool GPSDOPsC::IsEqual(const GPSDOPsC& other) const { return AreBothEqual(other); }
 
 }  // namespace SDI
+
+template SDI::GPSDOPsImplC* API::CastFromAny(API::ImplObjectC*);

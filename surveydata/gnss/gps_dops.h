@@ -13,14 +13,16 @@ class SURVEYDATA_API GPSDOPsC;
 /// The stored value of a dilution of precision that is not available.
 inline constexpr std::uint16_t DOP_NOT_AVAILABLE = 0xFFFF;
 
-/// What the two implementations of the dilutions of precision share: everything. Values are stored
-/// in tenths, 0 to 65534; 23 stands for 2.3.
-template <class Self>
-class SURVEYDATA_VISIBLE GPSDOPsFieldsC : public API::ImplC<Self, GPSDOPsC> {
+/// The data of a `GPSDOPsC`. Values are stored in tenths, 0 to 65534; 23 stands for 2.3.
+class SURVEYDATA_API GPSDOPsImplC : public API::ImplC<GPSDOPsImplC, GPSDOPsC> {
  public:
-  using API::ImplC<Self, GPSDOPsC>::ImplC;
-  GPSDOPsFieldsC() = default;
-  GPSDOPsFieldsC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop);
+  GPSDOPsImplC();
+  explicit GPSDOPsImplC(API::BaseC* owner);
+  GPSDOPsImplC(const GPSDOPsImplC& other);
+  GPSDOPsImplC& operator=(const GPSDOPsImplC& other);
+  ~GPSDOPsImplC() override;
+  API::BaseC* GetBase() override;
+  GPSDOPsImplC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop);
 
   double GetHDOP() const;
   double GetVDOP() const;
@@ -35,41 +37,50 @@ class SURVEYDATA_VISIBLE GPSDOPsFieldsC : public API::ImplC<Self, GPSDOPsC> {
   std::uint16_t GetTDOPTenths() const;
   /// @}
 
-  bool isEqual(const Self& other) const;
+  bool isEqual(const GPSDOPsImplC& other) const;
 
  private:
-  // The length of the vector of `dops`, or -1 when one of them is not available.
-  template <class... Dops>
-  static double Combined(Dops... dops);
-
   std::uint16_t hdop_ = DOP_NOT_AVAILABLE;
   std::uint16_t vdop_ = DOP_NOT_AVAILABLE;
   std::uint16_t tdop_ = DOP_NOT_AVAILABLE;
 };
+
 }  // namespace SDI
 
 namespace ODM {
-class SURVEYDATA_API GPSDOPsC;
-}
-namespace SDI {
-class SURVEYDATA_API GPSDOPsImplC;
-extern template class SURVEYDATA_API GPSDOPsFieldsC<GPSDOPsImplC>;
-extern template class SURVEYDATA_API GPSDOPsFieldsC<ODM::GPSDOPsC>;
-
-/// The data of a `GPSDOPsC`.
-class SURVEYDATA_API GPSDOPsImplC : public GPSDOPsFieldsC<GPSDOPsImplC> {
+/// The dilutions of precision inside the compact measurement record, in tenths, too. A public
+/// object made by its `GetBase()` finds no implementation of its own class and answers accordingly.
+class SURVEYDATA_API GPSDOPsC : public API::ImplC<GPSDOPsC, SDI::GPSDOPsC> {
  public:
-  using GPSDOPsFieldsC::GPSDOPsFieldsC;
-};
-}  // namespace SDI
+  GPSDOPsC();
+  explicit GPSDOPsC(API::BaseC* owner);
+  GPSDOPsC(const GPSDOPsC& other);
+  GPSDOPsC& operator=(const GPSDOPsC& other);
+  ~GPSDOPsC() override;
+  API::BaseC* GetBase() override;
+  GPSDOPsC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop);
 
-namespace ODM {
-/// The dilutions of precision inside the compact measurement record. A public object made by its
-/// `GetBase()` finds no implementation of its own class and answers accordingly.
-class SURVEYDATA_API GPSDOPsC : public SDI::GPSDOPsFieldsC<GPSDOPsC> {
- public:
-  using GPSDOPsFieldsC::GPSDOPsFieldsC;
+  double GetHDOP() const;
+  double GetVDOP() const;
+  double GetTDOP() const;
+  double GetPDOP() const;
+  double GetGDOP() const;
+
+  /// The stored value, in tenths.
+  /// @{
+  std::uint16_t GetHDOPTenths() const;
+  std::uint16_t GetVDOPTenths() const;
+  std::uint16_t GetTDOPTenths() const;
+  /// @}
+
+  bool isEqual(const GPSDOPsC& other) const;
+
+ private:
+  std::uint16_t hdop_ = SDI::DOP_NOT_AVAILABLE;
+  std::uint16_t vdop_ = SDI::DOP_NOT_AVAILABLE;
+  std::uint16_t tdop_ = SDI::DOP_NOT_AVAILABLE;
 };
+
 }  // namespace ODM
 
 namespace SDI {
@@ -81,13 +92,14 @@ namespace SDI {
 /// implementation of this class.
 class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
  public:
-  using HandleC::HandleC;
-  GPSDOPsC() = default;
+  GPSDOPsC();
+  explicit GPSDOPsC(GPSDOPsImplC* impl);
   /// Takes ownership of an implementation that this class does not read.
   template <std::same_as<ODM::GPSDOPsC> Compact>
-  explicit GPSDOPsC(Compact* impl) : HandleC(nullptr) {
-    SetImpl(impl);
-  }
+  explicit GPSDOPsC(Compact* impl);
+  GPSDOPsC(const GPSDOPsC& other);
+  GPSDOPsC& operator=(const GPSDOPsC& other);
+  ~GPSDOPsC() override;
 
   /// The horizontal dilution of precision.
   double GetHDOP() const;
@@ -104,9 +116,13 @@ class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
   bool IsEqual(const GPSDOPsC& other) const;
 };
 
-static_assert(sizeof(GPSDOPsC) == 16 && sizeof(GPSDOPsImplC) == 24);
-static_assert(sizeof(ODM::GPSDOPsC) == sizeof(GPSDOPsImplC));
+static_assert(API::kHasSize<GPSDOPsC, 16> && API::kHasSize<GPSDOPsImplC, 24>);
+static_assert(API::kHasSize<ODM::GPSDOPsC, 24>);
+
+extern template SURVEYDATA_API GPSDOPsC::GPSDOPsC(ODM::GPSDOPsC* impl);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::GPSDOPsImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GNSS_GPS_DOPS_H_

@@ -6,17 +6,24 @@
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/object_model/compare.h>
 
-namespace SDI {
 namespace {
+
+using SDI::GPSCounterPair;
 
 // Copies the fields of an antenna height, from or to the compact implementation too.
 template <class From, class To>
-void CopyAntennaHeight(const From& from, To& to) {
+void CopyFields(const From& from, To& to) {
   float height = 0.0F;
   bool isVertical = true;
   from.GetHeight(height, isVertical);
   to.SetHeight(height, isVertical);
   to.SetHorizontalOffset(from.GetHorizontalOffset());
+}
+
+template <class Value>
+bool CopyOut(bool present, Value value, Value& to) {
+  if (present) to = value;
+  return present;
 }
 
 bool CopyOut(bool present, GPSCounterPair pair, std::uint8_t& first, std::uint8_t& second) {
@@ -51,284 +58,11 @@ void SetText(char16_t (&field)[N], const char16_t* text) {
 
 }  // namespace
 
+namespace SDI {
+
 bool GPSListBlock::isEqual(const GPSListBlock& other) const {
   const auto* const end = entries + std::min(count, kCapacity);
   return head == other.head && count == other.count && std::equal(entries, end, other.entries);
-}
-
-template <class Self>
-Vorlin::TimeC GPSMeasFieldsC<Self>::GetTimeA() const {
-  return timeA_;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetTimeA(const Vorlin::TimeC& time) {
-  timeA_ = time;
-}
-
-template <class Self>
-Vorlin::TimeC GPSMeasFieldsC<Self>::GetTimeB() const {
-  return timeB_;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetTimeB(const Vorlin::TimeC& time) {
-  timeB_ = time;
-}
-
-template <class Self>
-std::uint16_t GPSMeasFieldsC<Self>::GetSetMask() const {
-  return setMask_;
-}
-
-template <class Self>
-std::uint16_t GPSMeasFieldsC<Self>::GetStatusMask() const {
-  return statusMask_;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsStatusBit0() const {
-  return HasStatus(kStatusBit0);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsStatusBit1() const {
-  return HasStatus(kStatusBit1);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsStatusBit2() const {
-  return HasStatus(kStatusBit2);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsStatusBit3() const {
-  return HasStatus(kStatusBit3);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetStatusBit0() {
-  Raise(0, kStatusBit0);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetStatusBit1() {
-  Raise(0, kStatusBit1);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetStatusBit2() {
-  Raise(0, kStatusBit2);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetStatusBit3() {
-  Raise(0, kStatusBit3);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsSystem1Used() const {
-  return !HasSet(kHasSystems) || HasStatus(kSystem1);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsSystem2Used() const {
-  return HasSet(kHasSystems) && HasStatus(kSystem2);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::IsSystem3Used() const {
-  return HasSet(kHasSystems) && HasStatus(kSystem3);
-}
-
-template <class Self>
-auto GPSMeasFieldsC<Self>::GetAntennaHeight() const -> const AntHeight& {
-  return antennaHeight_;
-}
-
-template <class Self>
-auto GPSMeasFieldsC<Self>::GetAntennaHeight() -> AntHeight& {
-  return antennaHeight_;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetAntennaHeight(GPSAntHeightC& antennaHeight) const {
-  GPSAntHeightImplC* const to = antennaHeight.GetImpl();
-  if (to == nullptr || !HasSet(kHasAntennaHeight)) return false;
-  CopyAntennaHeight(antennaHeight_, *to);
-  return true;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetAntennaHeight(const AntHeight& antennaHeight) {
-  antennaHeight_ = antennaHeight;
-  Raise(kHasAntennaHeight);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetAntennaHeight(const GPSAntHeightC& antennaHeight) {
-  const GPSAntHeightImplC* const from = antennaHeight.GetImpl();
-  if (from == nullptr) return;
-  CopyAntennaHeight(*from, antennaHeight_);
-  Raise(kHasAntennaHeight);
-}
-
-template <class Self>
-std::uint8_t GPSMeasFieldsC<Self>::GetValueCount() const {
-  return valueCount_;
-}
-
-template <class Self>
-std::uint16_t GPSMeasFieldsC<Self>::GetValue(std::uint8_t index) const {
-  return index < valueCount_ ? values_[index] : std::uint16_t{0};
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetValues(const std::uint16_t* values, std::uint8_t count) {
-  const std::size_t kept = values != nullptr ? std::min<std::size_t>(count, values_.size()) : 0;
-  std::copy_n(values, kept, values_.begin());
-  valueCount_ = static_cast<std::uint8_t>(kept);
-}
-
-template <class Self>
-auto GPSMeasFieldsC<Self>::GetDOPs() const -> const DOPs& {
-  return dops_;
-}
-
-template <class Self>
-auto GPSMeasFieldsC<Self>::GetDOPs() -> DOPs& {
-  return dops_;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetDOPs(GPSDOPsC& dops) const {
-  GPSDOPsImplC* const to = dops.GetImpl();
-  if (to == nullptr || !HasSet(kHasDOPs)) return false;
-  *to = GPSDOPsImplC(dops_.GetHDOPTenths(), dops_.GetVDOPTenths(), dops_.GetTDOPTenths());
-  return true;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetHDOP(double& hdop) const {
-  if (!HasSet(kHasDOPs)) return false;
-  hdop = dops_.GetHDOP();
-  return true;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetPDOP(double& pdop) const {
-  if (!HasSet(kHasDOPs)) return false;
-  pdop = dops_.GetPDOP();
-  return true;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetDOPs(const DOPs& dops) {
-  dops_ = dops;
-  Raise(kHasDOPs);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetWord16(std::uint16_t& word) const {
-  if (!HasSet(kHasWord16)) return false;
-  word = word16_;
-  return true;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetWord16(std::uint16_t word) {
-  word16_ = word;
-  Raise(kHasWord16);
-}
-
-template <class Self>
-GPSCounterPair GPSMeasFieldsC<Self>::GetStoredTotalPair() const {
-  return totalPair_;
-}
-
-template <class Self>
-GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem1Pair() const {
-  return system1Pair_;
-}
-
-template <class Self>
-GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem2Pair() const {
-  return system2Pair_;
-}
-
-template <class Self>
-GPSCounterPair GPSMeasFieldsC<Self>::GetStoredSystem3Pair() const {
-  return system3Pair_;
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetTotalPair(std::uint8_t& first, std::uint8_t& second) const {
-  return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetTotalPair(std::uint8_t first, std::uint8_t second) {
-  totalPair_ = {first, second};
-  Raise(kHasTotalPair);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const {
-  if (!HasSet(kHasSystems)) return GetTotalPair(first, second);
-  return CopyOut(HasStatus(kSystem1), system1Pair_, first, second);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetSystem1Pair(std::uint8_t first, std::uint8_t second) {
-  system1Pair_ = {first, second};
-  Raise(kHasSystems, kSystem1);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const {
-  return CopyOut(IsSystem2Used(), system2Pair_, first, second);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetSystem2Pair(std::uint8_t first, std::uint8_t second) {
-  SetLaterSystem(system2Pair_, kSystem2, {first, second});
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const {
-  return CopyOut(IsSystem3Used(), system3Pair_, first, second);
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetSystem3Pair(std::uint8_t first, std::uint8_t second) {
-  SetLaterSystem(system3Pair_, kSystem3, {first, second});
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::GetVector(double (&vector)[3]) const {
-  if (!HasSet(kHasVector)) return false;
-  std::copy(vector_.begin(), vector_.end(), vector);
-  return true;
-}
-
-template <class Self>
-void GPSMeasFieldsC<Self>::SetVector(const double (&vector)[3]) {
-  std::copy_n(vector, vector_.size(), vector_.begin());
-  Raise(kHasVector);
-}
-
-template <class Self>
-bool GPSMeasFieldsC<Self>::isEqual(const Self& other) const {
-  return API::EqualFields<GPSMeasFieldsC>(
-             *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_,
-             &GPSMeasFieldsC::extraTime_, &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_,
-             &GPSMeasFieldsC::antennaHeight_, &GPSMeasFieldsC::valueCount_) &&
-         std::equal(values_.begin(), values_.begin() + valueCount_, other.values_.begin()) &&
-         API::EqualFields<GPSMeasFieldsC>(*this, other, &GPSMeasFieldsC::dops_,
-                                          &GPSMeasFieldsC::word16_, &GPSMeasFieldsC::totalPair_,
-                                          &GPSMeasFieldsC::system1Pair_,
-                                          &GPSMeasFieldsC::system2Pair_,
-                                          &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
 }
 
 template <class Self>
@@ -356,14 +90,163 @@ void GPSMeasFieldsC<Self>::ResetFields() {
 }
 
 template <class Self>
-void GPSMeasFieldsC<Self>::SetLaterSystem(GPSCounterPair& pair, std::uint16_t system,
-                                          GPSCounterPair value) {
+bool GPSMeasFieldsC<Self>::CopyAntennaHeight(GPSAntHeightC& antennaHeight) const {
+  GPSAntHeightImplC* const to = antennaHeight.GetImpl();
+  if (to == nullptr || !HasSet(kHasAntennaHeight)) return false;
+  CopyFields(antennaHeight_, *to);
+  return true;
+}
+
+template <class Self>
+void GPSMeasFieldsC<Self>::StoreAntennaHeight(const GPSAntHeightC& antennaHeight) {
+  const GPSAntHeightImplC* const from = antennaHeight.GetImpl();
+  if (from == nullptr) return;
+  CopyFields(*from, antennaHeight_);
+  Raise(kHasAntennaHeight);
+}
+
+template <class Self>
+void GPSMeasFieldsC<Self>::StoreValues(const std::uint16_t* values, std::uint8_t count) {
+  const std::size_t kept = values != nullptr ? std::min<std::size_t>(count, values_.size()) : 0;
+  std::copy_n(values, kept, values_.begin());
+  valueCount_ = static_cast<std::uint8_t>(kept);
+}
+
+template <class Self>
+bool GPSMeasFieldsC<Self>::CopyDOPs(GPSDOPsC& dops) const {
+  GPSDOPsImplC* const to = dops.GetImpl();
+  if (to == nullptr || !HasSet(kHasDOPs)) return false;
+  *to = GPSDOPsImplC(dops_.GetHDOPTenths(), dops_.GetVDOPTenths(), dops_.GetTDOPTenths());
+  return true;
+}
+
+template <class Self>
+bool GPSMeasFieldsC<Self>::CopyVector(double (&vector)[3]) const {
+  if (!HasSet(kHasVector)) return false;
+  std::copy(vector_.begin(), vector_.end(), vector);
+  return true;
+}
+
+template <class Self>
+void GPSMeasFieldsC<Self>::StoreLaterSystem(GPSCounterPair& pair, std::uint16_t system,
+                                            GPSCounterPair value) {
   pair = value;
   if (value.second != 0 || Self::kRaisesForZero) Raise(kHasSystems, system);
 }
 
-template class GPSMeasFieldsC<GPSMeasDataImplC>;
-template class GPSMeasFieldsC<ODM::GPSMeasDataC>;
+template <class Self>
+bool GPSMeasFieldsC<Self>::AreFieldsEqual(const Self& other) const {
+  return API::EqualFields<GPSMeasFieldsC>(
+             *this, other, &GPSMeasFieldsC::timeA_, &GPSMeasFieldsC::timeB_,
+             &GPSMeasFieldsC::extraTime_, &GPSMeasFieldsC::setMask_, &GPSMeasFieldsC::statusMask_,
+             &GPSMeasFieldsC::antennaHeight_, &GPSMeasFieldsC::valueCount_) &&
+         std::equal(values_.begin(), values_.begin() + valueCount_, other.values_.begin()) &&
+         API::EqualFields<GPSMeasFieldsC>(*this, other, &GPSMeasFieldsC::dops_,
+                                          &GPSMeasFieldsC::word16_, &GPSMeasFieldsC::totalPair_,
+                                          &GPSMeasFieldsC::system1Pair_,
+                                          &GPSMeasFieldsC::system2Pair_,
+                                          &GPSMeasFieldsC::system3Pair_, &GPSMeasFieldsC::vector_);
+}
+
+GPSMeasDataImplC::GPSMeasDataImplC() = default;
+GPSMeasDataImplC::GPSMeasDataImplC(API::BaseC* owner) : GPSMeasFieldsC(owner) {}
+GPSMeasDataImplC::GPSMeasDataImplC(const GPSMeasDataImplC& other) = default;
+GPSMeasDataImplC& GPSMeasDataImplC::operator=(const GPSMeasDataImplC& other) = default;
+GPSMeasDataImplC::~GPSMeasDataImplC() = default;
+API::BaseC* GPSMeasDataImplC::GetBase() { return ImplC::GetBase(); }
+
+Vorlin::TimeC GPSMeasDataImplC::GetTimeA() const { return timeA_; }
+void GPSMeasDataImplC::SetTimeA(const Vorlin::TimeC& time) { timeA_ = time; }
+Vorlin::TimeC GPSMeasDataImplC::GetTimeB() const { return timeB_; }
+void GPSMeasDataImplC::SetTimeB(const Vorlin::TimeC& time) { timeB_ = time; }
+std::uint16_t GPSMeasDataImplC::GetSetMask() const { return setMask_; }
+std::uint16_t GPSMeasDataImplC::GetStatusMask() const { return statusMask_; }
+bool GPSMeasDataImplC::IsStatusBit0() const { return HasStatus(kStatusBit0); }
+bool GPSMeasDataImplC::IsStatusBit1() const { return HasStatus(kStatusBit1); }
+bool GPSMeasDataImplC::IsStatusBit2() const { return HasStatus(kStatusBit2); }
+bool GPSMeasDataImplC::IsStatusBit3() const { return HasStatus(kStatusBit3); }
+void GPSMeasDataImplC::SetStatusBit0() { Raise(0, kStatusBit0); }
+void GPSMeasDataImplC::SetStatusBit1() { Raise(0, kStatusBit1); }
+void GPSMeasDataImplC::SetStatusBit2() { Raise(0, kStatusBit2); }
+void GPSMeasDataImplC::SetStatusBit3() { Raise(0, kStatusBit3); }
+bool GPSMeasDataImplC::IsSystem1Used() const { return !HasSet(kHasSystems) || HasStatus(kSystem1); }
+bool GPSMeasDataImplC::IsSystem2Used() const { return HasSystem(kSystem2); }
+bool GPSMeasDataImplC::IsSystem3Used() const { return HasSystem(kSystem3); }
+const GPSAntHeightImplC& GPSMeasDataImplC::GetAntennaHeight() const { return antennaHeight_; }
+GPSAntHeightImplC& GPSMeasDataImplC::GetAntennaHeight() { return antennaHeight_; }
+bool GPSMeasDataImplC::GetAntennaHeight(GPSAntHeightC& antennaHeight) const {
+  return CopyAntennaHeight(antennaHeight);
+}
+void GPSMeasDataImplC::SetAntennaHeight(const GPSAntHeightImplC& antennaHeight) {
+  antennaHeight_ = antennaHeight;
+  Raise(kHasAntennaHeight);
+}
+void GPSMeasDataImplC::SetAntennaHeight(const GPSAntHeightC& antennaHeight) {
+  StoreAntennaHeight(antennaHeight);
+}
+std::uint8_t GPSMeasDataImplC::GetValueCount() const { return valueCount_; }
+std::uint16_t GPSMeasDataImplC::GetValue(std::uint8_t index) const {
+  return index < valueCount_ ? values_[index] : std::uint16_t{0};
+}
+void GPSMeasDataImplC::SetValues(const std::uint16_t* values, std::uint8_t count) {
+  StoreValues(values, count);
+}
+const GPSDOPsImplC& GPSMeasDataImplC::GetDOPs() const { return dops_; }
+GPSDOPsImplC& GPSMeasDataImplC::GetDOPs() { return dops_; }
+bool GPSMeasDataImplC::GetDOPs(GPSDOPsC& dops) const { return CopyDOPs(dops); }
+bool GPSMeasDataImplC::GetHDOP(double& hdop) const {
+  return CopyOut(HasSet(kHasDOPs), dops_.GetHDOP(), hdop);
+}
+bool GPSMeasDataImplC::GetPDOP(double& pdop) const {
+  return CopyOut(HasSet(kHasDOPs), dops_.GetPDOP(), pdop);
+}
+void GPSMeasDataImplC::SetDOPs(const GPSDOPsImplC& dops) {
+  dops_ = dops;
+  Raise(kHasDOPs);
+}
+bool GPSMeasDataImplC::GetWord16(std::uint16_t& word) const {
+  return CopyOut(HasSet(kHasWord16), word16_, word);
+}
+void GPSMeasDataImplC::SetWord16(std::uint16_t word) {
+  word16_ = word;
+  Raise(kHasWord16);
+}
+GPSCounterPair GPSMeasDataImplC::GetStoredTotalPair() const { return totalPair_; }
+GPSCounterPair GPSMeasDataImplC::GetStoredSystem1Pair() const { return system1Pair_; }
+GPSCounterPair GPSMeasDataImplC::GetStoredSystem2Pair() const { return system2Pair_; }
+GPSCounterPair GPSMeasDataImplC::GetStoredSystem3Pair() const { return system3Pair_; }
+bool GPSMeasDataImplC::GetTotalPair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);
+}
+void GPSMeasDataImplC::SetTotalPair(std::uint8_t first, std::uint8_t second) {
+  totalPair_ = {first, second};
+  Raise(kHasTotalPair);
+}
+bool GPSMeasDataImplC::GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const {
+  if (!HasSet(kHasSystems)) return GetTotalPair(first, second);
+  return CopyOut(HasStatus(kSystem1), system1Pair_, first, second);
+}
+void GPSMeasDataImplC::SetSystem1Pair(std::uint8_t first, std::uint8_t second) {
+  system1Pair_ = {first, second};
+  Raise(kHasSystems, kSystem1);
+}
+bool GPSMeasDataImplC::GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(IsSystem2Used(), system2Pair_, first, second);
+}
+void GPSMeasDataImplC::SetSystem2Pair(std::uint8_t first, std::uint8_t second) {
+  StoreLaterSystem(system2Pair_, kSystem2, {first, second});
+}
+bool GPSMeasDataImplC::GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(IsSystem3Used(), system3Pair_, first, second);
+}
+void GPSMeasDataImplC::SetSystem3Pair(std::uint8_t first, std::uint8_t second) {
+  StoreLaterSystem(system3Pair_, kSystem3, {first, second});
+}
+bool GPSMeasDataImplC::GetVector(double (&vector)[3]) const { return CopyVector(vector); }
+void GPSMeasDataImplC::SetVector(const double (&vector)[3]) {
+  std::copy_n(vector, vector_.size(), vector_.begin());
+  Raise(kHasVector);
+}
 
 std::uint8_t GPSMeasDataImplC::GetExtraTimeCount() const { return extraTime_.count; }
 
@@ -451,7 +334,7 @@ void GPSMeasDataImplC::Reset() {
 }
 
 bool GPSMeasDataImplC::isEqual(const GPSMeasDataImplC& other) const {
-  return GPSMeasFieldsC::isEqual(other) &&
+  return AreFieldsEqual(other) &&
          API::EqualFields(
              *this, other, &GPSMeasDataImplC::flagA_, &GPSMeasDataImplC::valueB_,
              &GPSMeasDataImplC::valueC_, &GPSMeasDataImplC::textA_, &GPSMeasDataImplC::textB_,
@@ -459,6 +342,17 @@ bool GPSMeasDataImplC::isEqual(const GPSMeasDataImplC& other) const {
              &GPSMeasDataImplC::textD_, &GPSMeasDataImplC::valueF_, &GPSMeasDataImplC::valueG_,
              &GPSMeasDataImplC::valueH_, &GPSMeasDataImplC::valueI_, &GPSMeasDataImplC::listBlock_);
 }
+
+GPSMeasDataC::GPSMeasDataC() = default;
+GPSMeasDataC::GPSMeasDataC(GPSMeasDataImplC* impl) : HandleC(impl) {}
+template <std::same_as<ODM::GPSMeasDataC> Compact>
+GPSMeasDataC::GPSMeasDataC(Compact* impl) : HandleC(nullptr) {
+  SetImpl(impl);
+}
+template GPSMeasDataC::GPSMeasDataC(ODM::GPSMeasDataC* impl);
+GPSMeasDataC::GPSMeasDataC(const GPSMeasDataC& other) = default;
+GPSMeasDataC& GPSMeasDataC::operator=(const GPSMeasDataC& other) = default;
+GPSMeasDataC::~GPSMeasDataC() = default;
 
 Vorlin::TimeC GPSMeasDataC::GetTimeA() const {
   return Ask(&GPSMeasDataImplC::GetTimeA, Vorlin::TimeC());
@@ -526,3 +420,111 @@ std::uint8_t GPSMeasDataC::GetFlagE() const { return Ask(&GPSMeasDataImplC::GetF
 bool GPSMeasDataC::IsEqual(const GPSMeasDataC& other) const { return AreBothEqual(other); }
 
 }  // namespace SDI
+
+namespace ODM {
+
+GPSMeasDataC::GPSMeasDataC() = default;
+GPSMeasDataC::GPSMeasDataC(API::BaseC* owner) : GPSMeasFieldsC(owner) {}
+GPSMeasDataC::GPSMeasDataC(const GPSMeasDataC& other) = default;
+GPSMeasDataC& GPSMeasDataC::operator=(const GPSMeasDataC& other) = default;
+GPSMeasDataC::~GPSMeasDataC() = default;
+API::BaseC* GPSMeasDataC::GetBase() { return ImplC::GetBase(); }
+
+Vorlin::TimeC GPSMeasDataC::GetTimeA() const { return timeA_; }
+void GPSMeasDataC::SetTimeA(const Vorlin::TimeC& time) { timeA_ = time; }
+Vorlin::TimeC GPSMeasDataC::GetTimeB() const { return timeB_; }
+void GPSMeasDataC::SetTimeB(const Vorlin::TimeC& time) { timeB_ = time; }
+std::uint16_t GPSMeasDataC::GetSetMask() const { return setMask_; }
+std::uint16_t GPSMeasDataC::GetStatusMask() const { return statusMask_; }
+bool GPSMeasDataC::IsStatusBit0() const { return HasStatus(kStatusBit0); }
+bool GPSMeasDataC::IsStatusBit1() const { return HasStatus(kStatusBit1); }
+bool GPSMeasDataC::IsStatusBit2() const { return HasStatus(kStatusBit2); }
+bool GPSMeasDataC::IsStatusBit3() const { return HasStatus(kStatusBit3); }
+void GPSMeasDataC::SetStatusBit0() { Raise(0, kStatusBit0); }
+void GPSMeasDataC::SetStatusBit1() { Raise(0, kStatusBit1); }
+void GPSMeasDataC::SetStatusBit2() { Raise(0, kStatusBit2); }
+void GPSMeasDataC::SetStatusBit3() { Raise(0, kStatusBit3); }
+bool GPSMeasDataC::IsSystem1Used() const { return !HasSet(kHasSystems) || HasStatus(kSystem1); }
+bool GPSMeasDataC::IsSystem2Used() const { return HasSystem(kSystem2); }
+bool GPSMeasDataC::IsSystem3Used() const { return HasSystem(kSystem3); }
+const GPSAntHeightC& GPSMeasDataC::GetAntennaHeight() const { return antennaHeight_; }
+GPSAntHeightC& GPSMeasDataC::GetAntennaHeight() { return antennaHeight_; }
+bool GPSMeasDataC::GetAntennaHeight(SDI::GPSAntHeightC& antennaHeight) const {
+  return CopyAntennaHeight(antennaHeight);
+}
+void GPSMeasDataC::SetAntennaHeight(const GPSAntHeightC& antennaHeight) {
+  antennaHeight_ = antennaHeight;
+  Raise(kHasAntennaHeight);
+}
+void GPSMeasDataC::SetAntennaHeight(const SDI::GPSAntHeightC& antennaHeight) {
+  StoreAntennaHeight(antennaHeight);
+}
+std::uint8_t GPSMeasDataC::GetValueCount() const { return valueCount_; }
+std::uint16_t GPSMeasDataC::GetValue(std::uint8_t index) const {
+  return index < valueCount_ ? values_[index] : std::uint16_t{0};
+}
+void GPSMeasDataC::SetValues(const std::uint16_t* values, std::uint8_t count) {
+  StoreValues(values, count);
+}
+const GPSDOPsC& GPSMeasDataC::GetDOPs() const { return dops_; }
+GPSDOPsC& GPSMeasDataC::GetDOPs() { return dops_; }
+bool GPSMeasDataC::GetDOPs(SDI::GPSDOPsC& dops) const { return CopyDOPs(dops); }
+bool GPSMeasDataC::GetHDOP(double& hdop) const {
+  return CopyOut(HasSet(kHasDOPs), dops_.GetHDOP(), hdop);
+}
+bool GPSMeasDataC::GetPDOP(double& pdop) const {
+  return CopyOut(HasSet(kHasDOPs), dops_.GetPDOP(), pdop);
+}
+void GPSMeasDataC::SetDOPs(const GPSDOPsC& dops) {
+  dops_ = dops;
+  Raise(kHasDOPs);
+}
+bool GPSMeasDataC::GetWord16(std::uint16_t& word) const {
+  return CopyOut(HasSet(kHasWord16), word16_, word);
+}
+void GPSMeasDataC::SetWord16(std::uint16_t word) {
+  word16_ = word;
+  Raise(kHasWord16);
+}
+SDI::GPSCounterPair GPSMeasDataC::GetStoredTotalPair() const { return totalPair_; }
+SDI::GPSCounterPair GPSMeasDataC::GetStoredSystem1Pair() const { return system1Pair_; }
+SDI::GPSCounterPair GPSMeasDataC::GetStoredSystem2Pair() const { return system2Pair_; }
+SDI::GPSCounterPair GPSMeasDataC::GetStoredSystem3Pair() const { return system3Pair_; }
+bool GPSMeasDataC::GetTotalPair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(HasSet(kHasTotalPair), totalPair_, first, second);
+}
+void GPSMeasDataC::SetTotalPair(std::uint8_t first, std::uint8_t second) {
+  totalPair_ = {first, second};
+  Raise(kHasTotalPair);
+}
+bool GPSMeasDataC::GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const {
+  if (!HasSet(kHasSystems)) return GetTotalPair(first, second);
+  return CopyOut(HasStatus(kSystem1), system1Pair_, first, second);
+}
+void GPSMeasDataC::SetSystem1Pair(std::uint8_t first, std::uint8_t second) {
+  system1Pair_ = {first, second};
+  Raise(kHasSystems, kSystem1);
+}
+bool GPSMeasDataC::GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(IsSystem2Used(), system2Pair_, first, second);
+}
+void GPSMeasDataC::SetSystem2Pair(std::uint8_t first, std::uint8_t second) {
+  StoreLaterSystem(system2Pair_, kSystem2, {first, second});
+}
+bool GPSMeasDataC::GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const {
+  return CopyOut(IsSystem3Used(), system3Pair_, first, second);
+}
+void GPSMeasDataC::SetSystem3Pair(std::uint8_t first, std::uint8_t second) {
+  StoreLaterSystem(system3Pair_, kSystem3, {first, second});
+}
+bool GPSMeasDataC::GetVector(double (&vector)[3]) const { return CopyVector(vector); }
+void GPSMeasDataC::SetVector(const double (&vector)[3]) {
+  std::copy_n(vector, vector_.size(), vector_.begin());
+  Raise(kHasVector);
+}
+
+bool GPSMeasDataC::isEqual(const GPSMeasDataC& other) const { return AreFieldsEqual(other); }
+
+}  // namespace ODM
+
+template SDI::GPSMeasDataImplC* API::CastFromAny(API::ImplObjectC*);

@@ -73,17 +73,11 @@ struct GPSMeasParts<ODM::GPSMeasDataC> {
   using ExtraTime = GPSNoExtraTime;
 };
 
-/// What the full and the compact implementation of a measurement share.
-///
-/// Optional fields carry a bit in the set mask, raised by their setters. A getter of such a field
-/// answers false and leaves its outputs alone while the bit is clear.
+/// The fields that the full and the compact implementation of a measurement share, and the rules of
+/// their presence. Both classes declare their accessors themselves.
 template <class Self>
 class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> {
  public:
-  using AntHeight = typename GPSMeasParts<Self>::AntHeight;
-  using DOPs = typename GPSMeasParts<Self>::DOPs;
-  using ExtraTime = typename GPSMeasParts<Self>::ExtraTime;
-
   // Bits of the set mask.
   static constexpr std::uint16_t kHasAntennaHeight = 0x0002;
   static constexpr std::uint16_t kHasDOPs = 0x0004;
@@ -104,8 +98,73 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   static constexpr std::uint16_t kSystem2 = 0x0020;
   static constexpr std::uint16_t kSystem3 = 0x0040;
 
+ protected:
+  using AntHeight = typename GPSMeasParts<Self>::AntHeight;
+  using DOPs = typename GPSMeasParts<Self>::DOPs;
+  using ExtraTime = typename GPSMeasParts<Self>::ExtraTime;
+
   using API::ImplC<Self, GPSMeasDataC>::ImplC;
   GPSMeasFieldsC() = default;
+
+  bool HasSet(std::uint16_t bit) const { return (setMask_ & bit) != 0; }
+  bool HasStatus(std::uint16_t bit) const { return (statusMask_ & bit) != 0; }
+  bool HasSystem(std::uint16_t system) const { return HasSet(kHasSystems) && HasStatus(system); }
+  void Raise(std::uint16_t setBits, std::uint16_t statusBits = 0);
+  void Clear(std::uint16_t setBits);
+  /// Clears the masks, the values, word16 and the pairs, and leaves the other fields.
+  void ResetFields();
+
+  bool CopyAntennaHeight(GPSAntHeightC& antennaHeight) const;
+  void StoreAntennaHeight(const GPSAntHeightC& antennaHeight);
+  void StoreValues(const std::uint16_t* values, std::uint8_t count);
+  bool CopyDOPs(GPSDOPsC& dops) const;
+  bool CopyVector(double (&vector)[3]) const;
+  /// Stores the pair of system 2 or 3, which is present from then on unless its second value is 0
+  /// and `Self::kRaisesForZero` is not set.
+  void StoreLaterSystem(GPSCounterPair& pair, std::uint16_t system, GPSCounterPair value);
+
+  bool AreFieldsEqual(const Self& other) const;
+
+  Vorlin::TimeC timeA_;
+  Vorlin::TimeC timeB_;
+  [[no_unique_address]] ExtraTime extraTime_;
+  std::uint16_t setMask_ = 0;
+  std::uint16_t statusMask_ = 0;
+  AntHeight antennaHeight_;
+  std::uint8_t valueCount_ = 0;
+  std::array<std::uint16_t, 2> values_ = {};
+  DOPs dops_;
+  std::uint16_t word16_ = 0;
+  GPSCounterPair totalPair_;
+  GPSCounterPair system1Pair_;
+  GPSCounterPair system2Pair_;
+  GPSCounterPair system3Pair_;
+  std::array<double, 3> vector_ = {};
+};
+
+/// The data of a `GPSMeasDataC`, and the record that a frame of a record file is read into.
+///
+/// Optional fields carry a bit in the set mask, raised by their setters. A getter of such a field
+/// answers false and leaves its outputs alone while the bit is clear.
+///
+/// The texts are bounded arrays of 16-bit units. A setter takes texts of up to 79 units (text D:
+/// 29); a longer or missing one is refused: it empties the field and is reported through the C
+/// runtime, by `errno` ERANGE or EINVAL and, where the runtime has one, its invalid-parameter
+/// handler.
+class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> {
+ public:
+  /// A pair of system 2 or 3 whose second value is 0 is stored but not present.
+  static constexpr bool kRaisesForZero = false;
+  /// Units of a text, with the terminator.
+  static constexpr std::size_t kTextUnits = 80;
+  static constexpr std::size_t kTextDUnits = 30;
+
+  GPSMeasDataImplC();
+  explicit GPSMeasDataImplC(API::BaseC* owner);
+  GPSMeasDataImplC(const GPSMeasDataImplC& other);
+  GPSMeasDataImplC& operator=(const GPSMeasDataImplC& other);
+  ~GPSMeasDataImplC() override;
+  API::BaseC* GetBase() override;
 
   /// One of the two times, 0 by default; they are always there.
   /// @{
@@ -121,7 +180,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool IsStatusBit1() const;
   bool IsStatusBit2() const;
   bool IsStatusBit3() const;
-  /// Raises the status bit, which nothing but `Reset` of the full implementation clears.
+  /// Raises the status bit, which nothing but `Reset` clears.
   /// @{
   void SetStatusBit0();
   void SetStatusBit1();
@@ -138,11 +197,11 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
 
   /// The held antenna height, whether it is set or not.
   /// @{
-  const AntHeight& GetAntennaHeight() const;
-  AntHeight& GetAntennaHeight();
+  const GPSAntHeightImplC& GetAntennaHeight() const;
+  GPSAntHeightImplC& GetAntennaHeight();
   /// @}
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
-  void SetAntennaHeight(const AntHeight& antennaHeight);
+  void SetAntennaHeight(const GPSAntHeightImplC& antennaHeight);
   /// Does nothing when `antennaHeight` has no implementation of its class.
   void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
 
@@ -154,8 +213,8 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
 
   /// The held dilutions of precision, whether they are set or not.
   /// @{
-  const DOPs& GetDOPs() const;
-  DOPs& GetDOPs();
+  const GPSDOPsImplC& GetDOPs() const;
+  GPSDOPsImplC& GetDOPs();
   /// @}
   bool GetDOPs(GPSDOPsC& dops) const;
   /// -1 for a value that is set but not available.
@@ -163,7 +222,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool GetHDOP(double& hdop) const;
   bool GetPDOP(double& pdop) const;
   /// @}
-  void SetDOPs(const DOPs& dops);
+  void SetDOPs(const GPSDOPsImplC& dops);
 
   bool GetWord16(std::uint16_t& word) const;
   void SetWord16(std::uint16_t word);
@@ -182,8 +241,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
   bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
   bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
-  /// Stores the pair. Whether a pair whose second value is 0 counts as present is where the full
-  /// and the compact implementation differ: `Self::kRaisesForZero`.
+  /// Stores the pair. It counts as present unless its second value is 0.
   /// @{
   void SetSystem2Pair(std::uint8_t first, std::uint8_t second);
   void SetSystem3Pair(std::uint8_t first, std::uint8_t second);
@@ -193,65 +251,6 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   /// of record files).
   bool GetVector(double (&vector)[3]) const;
   void SetVector(const double (&vector)[3]);
-
-  bool isEqual(const Self& other) const;
-
- protected:
-  bool HasSet(std::uint16_t bit) const { return (setMask_ & bit) != 0; }
-  bool HasStatus(std::uint16_t bit) const { return (statusMask_ & bit) != 0; }
-  void Raise(std::uint16_t setBits, std::uint16_t statusBits = 0);
-  void Clear(std::uint16_t setBits);
-  /// Clears the masks, the values, word16 and the pairs, and leaves the other fields.
-  void ResetFields();
-
- private:
-  void SetLaterSystem(GPSCounterPair& pair, std::uint16_t system, GPSCounterPair value);
-
-  Vorlin::TimeC timeA_;
-  Vorlin::TimeC timeB_;
-
- protected:
-  [[no_unique_address]] ExtraTime extraTime_;
-
- private:
-  std::uint16_t setMask_ = 0;
-  std::uint16_t statusMask_ = 0;
-  AntHeight antennaHeight_;
-  std::uint8_t valueCount_ = 0;
-  std::array<std::uint16_t, 2> values_ = {};
-  DOPs dops_;
-  std::uint16_t word16_ = 0;
-  GPSCounterPair totalPair_;
-  GPSCounterPair system1Pair_;
-  GPSCounterPair system2Pair_;
-  GPSCounterPair system3Pair_;
-  std::array<double, 3> vector_ = {};
-};
-}  // namespace SDI
-
-namespace ODM {
-class SURVEYDATA_API GPSMeasDataC;
-}
-namespace SDI {
-class SURVEYDATA_API GPSMeasDataImplC;
-extern template class SURVEYDATA_API GPSMeasFieldsC<GPSMeasDataImplC>;
-extern template class SURVEYDATA_API GPSMeasFieldsC<ODM::GPSMeasDataC>;
-
-/// The data of a `GPSMeasDataC`, and the record that a frame of a record file is read into.
-///
-/// The texts are bounded arrays of 16-bit units. A setter takes texts of up to 79 units (text D:
-/// 29); a longer or missing one is refused: it empties the field and is reported through the C
-/// runtime, by `errno` ERANGE or EINVAL and, where the runtime has one, its invalid-parameter
-/// handler.
-class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> {
- public:
-  /// A pair of system 2 or 3 whose second value is 0 is stored but not present.
-  static constexpr bool kRaisesForZero = false;
-  /// Units of a text, with the terminator.
-  static constexpr std::size_t kTextUnits = 80;
-  static constexpr std::size_t kTextDUnits = 30;
-
-  using GPSMeasFieldsC::GPSMeasFieldsC;
 
   /// Whether there is a further time: 0 or 1.
   std::uint8_t GetExtraTimeCount() const;
@@ -334,7 +333,102 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   /// A pair of system 2 or 3 is present once it is stored.
   static constexpr bool kRaisesForZero = true;
 
-  using GPSMeasFieldsC::GPSMeasFieldsC;
+  GPSMeasDataC();
+  explicit GPSMeasDataC(API::BaseC* owner);
+  GPSMeasDataC(const GPSMeasDataC& other);
+  GPSMeasDataC& operator=(const GPSMeasDataC& other);
+  ~GPSMeasDataC() override;
+  API::BaseC* GetBase() override;
+
+  /// One of the two times, 0 by default; they are always there.
+  /// @{
+  Vorlin::TimeC GetTimeA() const;
+  void SetTimeA(const Vorlin::TimeC& time);
+  Vorlin::TimeC GetTimeB() const;
+  void SetTimeB(const Vorlin::TimeC& time);
+  /// @}
+
+  std::uint16_t GetSetMask() const;
+  std::uint16_t GetStatusMask() const;
+  bool IsStatusBit0() const;
+  bool IsStatusBit1() const;
+  bool IsStatusBit2() const;
+  bool IsStatusBit3() const;
+  /// Raises the status bit, which nothing clears.
+  /// @{
+  void SetStatusBit0();
+  void SetStatusBit1();
+  void SetStatusBit2();
+  void SetStatusBit3();
+  /// @}
+
+  /// Without information per system, system 1 counts as used and the others do not.
+  /// @{
+  bool IsSystem1Used() const;
+  bool IsSystem2Used() const;
+  bool IsSystem3Used() const;
+  /// @}
+
+  /// The held antenna height, whether it is set or not.
+  /// @{
+  const GPSAntHeightC& GetAntennaHeight() const;
+  GPSAntHeightC& GetAntennaHeight();
+  /// @}
+  bool GetAntennaHeight(SDI::GPSAntHeightC& antennaHeight) const;
+  void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
+  /// Does nothing when `antennaHeight` has no implementation of its class.
+  void SetAntennaHeight(const SDI::GPSAntHeightC& antennaHeight);
+
+  std::uint8_t GetValueCount() const;
+  /// 0 behind the count.
+  std::uint16_t GetValue(std::uint8_t index) const;
+  /// Keeps the first two of `count` values; none when `values` is null.
+  void SetValues(const std::uint16_t* values, std::uint8_t count);
+
+  /// The held dilutions of precision, whether they are set or not.
+  /// @{
+  const GPSDOPsC& GetDOPs() const;
+  GPSDOPsC& GetDOPs();
+  /// @}
+  bool GetDOPs(SDI::GPSDOPsC& dops) const;
+  /// -1 for a value that is set but not available.
+  /// @{
+  bool GetHDOP(double& hdop) const;
+  bool GetPDOP(double& pdop) const;
+  /// @}
+  void SetDOPs(const GPSDOPsC& dops);
+
+  bool GetWord16(std::uint16_t& word) const;
+  void SetWord16(std::uint16_t word);
+
+  /// The stored pair, whether it is set or not.
+  /// @{
+  SDI::GPSCounterPair GetStoredTotalPair() const;
+  SDI::GPSCounterPair GetStoredSystem1Pair() const;
+  SDI::GPSCounterPair GetStoredSystem2Pair() const;
+  SDI::GPSCounterPair GetStoredSystem3Pair() const;
+  /// @}
+  bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
+  void SetTotalPair(std::uint8_t first, std::uint8_t second);
+  /// The pair of system 1; without information per system, the total pair.
+  bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
+  void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
+  bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
+  bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;
+  /// Stores the pair, which counts as present.
+  /// @{
+  void SetSystem2Pair(std::uint8_t first, std::uint8_t second);
+  void SetSystem3Pair(std::uint8_t first, std::uint8_t second);
+  /// @}
+
+  /// The three components, in the unit and axes of the producer (metres, earth-centred, from frames
+  /// of record files).
+  bool GetVector(double (&vector)[3]) const;
+  void SetVector(const double (&vector)[3]);
+
+  /// Whether every stored field agrees: floating-point numbers within tolerance, the values up to
+  /// their count.
+  bool isEqual(const GPSMeasDataC& other) const;
 };
 }  // namespace ODM
 
@@ -347,13 +441,14 @@ namespace SDI {
 /// Without an implementation of its class, getters answer 0 and false and setters do nothing.
 class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
  public:
-  using HandleC::HandleC;
-  GPSMeasDataC() = default;
+  GPSMeasDataC();
+  explicit GPSMeasDataC(GPSMeasDataImplC* impl);
   /// Takes ownership of an implementation that this class does not read.
   template <std::same_as<ODM::GPSMeasDataC> Compact>
-  explicit GPSMeasDataC(Compact* impl) : HandleC(nullptr) {
-    SetImpl(impl);
-  }
+  explicit GPSMeasDataC(Compact* impl);
+  GPSMeasDataC(const GPSMeasDataC& other);
+  GPSMeasDataC& operator=(const GPSMeasDataC& other);
+  ~GPSMeasDataC() override;
 
   /// One of the two times, 0 by default; they are always there.
   /// @{
@@ -405,9 +500,13 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   bool IsEqual(const GPSMeasDataC& other) const;
 };
 
-static_assert(sizeof(GPSMeasDataC) == 16 && sizeof(GPSMeasDataImplC) == 792);
-static_assert(sizeof(ODM::GPSMeasDataC) == 144);
+static_assert(API::kHasSize<GPSMeasDataC, 16> && API::kHasSize<GPSMeasDataImplC, 792>);
+static_assert(API::kHasSize<ODM::GPSMeasDataC, 144>);
+
+extern template SURVEYDATA_API GPSMeasDataC::GPSMeasDataC(ODM::GPSMeasDataC* impl);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::GPSMeasDataImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GNSS_GPS_MEAS_DATA_H_

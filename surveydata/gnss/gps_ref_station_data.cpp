@@ -17,12 +17,26 @@ bool CopyOut(bool valid, const GPSRefStationDataImplC* from, Part GPSRefStationD
 
 }  // namespace
 
+GPSRefStationDataImplC::GPSRefStationDataImplC() = default;
+GPSRefStationDataImplC::GPSRefStationDataImplC(API::BaseC* owner) : ImplC(owner) {}
+GPSRefStationDataImplC::GPSRefStationDataImplC(const GPSRefStationDataImplC& other) = default;
+GPSRefStationDataImplC& GPSRefStationDataImplC::operator=(const GPSRefStationDataImplC& other) =
+    default;
+GPSRefStationDataImplC::~GPSRefStationDataImplC() = default;
+API::BaseC* GPSRefStationDataImplC::GetBase() { return ImplC::GetBase(); }
+
 bool GPSRefStationDataImplC::isEqual(const GPSRefStationDataImplC& other) const {
   using S = GPSRefStationDataImplC;
   return API::EqualFields(*this, other, &S::stationNumber, &S::stationKind, &S::referenceSystem,
                           &S::point, &S::antennaHeight, &S::name, &S::reserved8, &S::validMask,
                           &S::stationCode2);
 }
+
+GPSRefStationDataC::GPSRefStationDataC() = default;
+GPSRefStationDataC::GPSRefStationDataC(GPSRefStationDataImplC* impl) : HandleC(impl) {}
+GPSRefStationDataC::GPSRefStationDataC(const GPSRefStationDataC& other) = default;
+GPSRefStationDataC& GPSRefStationDataC::operator=(const GPSRefStationDataC& other) = default;
+GPSRefStationDataC::~GPSRefStationDataC() = default;
 
 std::uint16_t GPSRefStationDataC::GetStationNumber() const {
   return Ask(&GPSRefStationDataImplC::stationNumber, 0);
@@ -63,3 +77,5 @@ bool GPSRefStationDataC::IsEqual(const GPSRefStationDataC& other) const {
 }
 
 }  // namespace SDI
+
+template SDI::GPSRefStationDataImplC* API::CastFromAny(API::ImplObjectC*);

@@ -25,7 +25,12 @@ class SURVEYDATA_API GPSRefStationDataImplC
   /// Units of the name, with the terminator.
   static constexpr std::size_t kNameUnits = 31;
 
-  using ImplC::ImplC;
+  GPSRefStationDataImplC();
+  explicit GPSRefStationDataImplC(API::BaseC* owner);
+  GPSRefStationDataImplC(const GPSRefStationDataImplC& other);
+  GPSRefStationDataImplC& operator=(const GPSRefStationDataImplC& other);
+  ~GPSRefStationDataImplC() override;
+  API::BaseC* GetBase() override;
 
   /// Whether every field agrees: numbers of the point and the antenna height within the tolerance
   /// of `API::CompareWithTolerance`, the name up to its terminator.
@@ -49,7 +54,11 @@ class SURVEYDATA_API GPSRefStationDataImplC
 /// Without an implementation of its class, the two codes are 10, all else is 0 and false.
 class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataImplC> {
  public:
-  using HandleC::HandleC;
+  GPSRefStationDataC();
+  explicit GPSRefStationDataC(GPSRefStationDataImplC* impl);
+  GPSRefStationDataC(const GPSRefStationDataC& other);
+  GPSRefStationDataC& operator=(const GPSRefStationDataC& other);
+  ~GPSRefStationDataC() override;
 
   std::uint16_t GetStationNumber() const;
   std::uint8_t GetStationKind() const;
@@ -79,8 +88,10 @@ class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataI
   bool IsValid(std::uint8_t bit) const;
 };
 
-static_assert(sizeof(GPSRefStationDataC) == 16 && sizeof(GPSRefStationDataImplC) == 200);
+static_assert(API::kHasSize<GPSRefStationDataC, 16> && API::kHasSize<GPSRefStationDataImplC, 200>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::GPSRefStationDataImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_GNSS_GPS_REF_STATION_DATA_H_

@@ -3,6 +3,13 @@
 
 namespace SDI {
 
+ImgCameraInfoImplC::ImgCameraInfoImplC() = default;
+ImgCameraInfoImplC::ImgCameraInfoImplC(API::BaseC* owner) : ImplC(owner) {}
+ImgCameraInfoImplC::ImgCameraInfoImplC(const ImgCameraInfoImplC& other) = default;
+ImgCameraInfoImplC& ImgCameraInfoImplC::operator=(const ImgCameraInfoImplC& other) = default;
+ImgCameraInfoImplC::~ImgCameraInfoImplC() = default;
+API::BaseC* ImgCameraInfoImplC::GetBase() { return ImplC::GetBase(); }
+
 std::uint32_t ImgCameraInfoImplC::GetInt1() const { return int1_; }
 void ImgCameraInfoImplC::SetInt1(std::uint32_t int1) { int1_ = int1; }
 std::uint32_t ImgCameraInfoImplC::GetInt2() const { return int2_; }
@@ -34,6 +41,12 @@ bool ImgCameraInfoImplC::operator==(const ImgCameraInfoImplC& other) const {
       &ImgCameraInfoImplC::real4_, &ImgCameraInfoImplC::int4_, &ImgCameraInfoImplC::int5_);
 }
 
+ImgCameraInfoC::ImgCameraInfoC() = default;
+ImgCameraInfoC::ImgCameraInfoC(ImgCameraInfoImplC* impl) : HandleC(impl) {}
+ImgCameraInfoC::ImgCameraInfoC(const ImgCameraInfoC& other) = default;
+ImgCameraInfoC& ImgCameraInfoC::operator=(const ImgCameraInfoC& other) = default;
+ImgCameraInfoC::~ImgCameraInfoC() = default;
+
 std::uint32_t ImgCameraInfoC::GetInt1() const { return GetImpl()->GetInt1(); }
 void ImgCameraInfoC::SetInt1(std::uint32_t int1) { GetImpl()->SetInt1(int1); }
 std::uint32_t ImgCameraInfoC::GetInt2() const { return GetImpl()->GetInt2(); }
@@ -58,3 +71,5 @@ bool ImgCameraInfoC::operator==(const ImgCameraInfoC& other) const {
 }
 
 }  // namespace SDI
+
+template SDI::ImgCameraInfoImplC* API::CastFromAny(API::ImplObjectC*);

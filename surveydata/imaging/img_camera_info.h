@@ -12,7 +12,12 @@ class SURVEYDATA_API ImgCameraInfoC;
 /// The data of an `ImgCameraInfoC`.
 class SURVEYDATA_API ImgCameraInfoImplC : public API::ImplC<ImgCameraInfoImplC, ImgCameraInfoC> {
  public:
-  using ImplC::ImplC;
+  ImgCameraInfoImplC();
+  explicit ImgCameraInfoImplC(API::BaseC* owner);
+  ImgCameraInfoImplC(const ImgCameraInfoImplC& other);
+  ImgCameraInfoImplC& operator=(const ImgCameraInfoImplC& other);
+  ~ImgCameraInfoImplC() override;
+  API::BaseC* GetBase() override;
 
   std::uint32_t GetInt1() const;
   void SetInt1(std::uint32_t int1);
@@ -59,7 +64,11 @@ class SURVEYDATA_API ImgCameraInfoImplC : public API::ImplC<ImgCameraInfoImplC, 
 /// through the implementation alone.
 class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
  public:
-  using HandleC::HandleC;
+  ImgCameraInfoC();
+  explicit ImgCameraInfoC(ImgCameraInfoImplC* impl);
+  ImgCameraInfoC(const ImgCameraInfoC& other);
+  ImgCameraInfoC& operator=(const ImgCameraInfoC& other);
+  ~ImgCameraInfoC() override;
 
   std::uint32_t GetInt1() const;
   void SetInt1(std::uint32_t int1);
@@ -85,8 +94,10 @@ class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
   bool operator!=(const ImgCameraInfoC& other) const = delete;
 };
 
-static_assert(sizeof(ImgCameraInfoC) == 16 && sizeof(ImgCameraInfoImplC) == 80);
+static_assert(API::kHasSize<ImgCameraInfoC, 16> && API::kHasSize<ImgCameraInfoImplC, 80>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ImgCameraInfoImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_IMAGING_IMG_CAMERA_INFO_H_

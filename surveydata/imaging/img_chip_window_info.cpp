@@ -3,6 +3,14 @@
 
 namespace SDI {
 
+ImgChipWindowInfoImplC::ImgChipWindowInfoImplC() = default;
+ImgChipWindowInfoImplC::ImgChipWindowInfoImplC(API::BaseC* owner) : ImplC(owner) {}
+ImgChipWindowInfoImplC::ImgChipWindowInfoImplC(const ImgChipWindowInfoImplC& other) = default;
+ImgChipWindowInfoImplC& ImgChipWindowInfoImplC::operator=(const ImgChipWindowInfoImplC& other) =
+    default;
+ImgChipWindowInfoImplC::~ImgChipWindowInfoImplC() = default;
+API::BaseC* ImgChipWindowInfoImplC::GetBase() { return ImplC::GetBase(); }
+
 double ImgChipWindowInfoImplC::GetValue1() const { return value1_; }
 void ImgChipWindowInfoImplC::SetValue1(double value1) { value1_ = value1; }
 double ImgChipWindowInfoImplC::GetValue2() const { return value2_; }
@@ -18,6 +26,12 @@ bool ImgChipWindowInfoImplC::operator==(const ImgChipWindowInfoImplC& other) con
                          &ImgChipWindowInfoImplC::value4_);
 }
 
+ImgChipWindowInfoC::ImgChipWindowInfoC() = default;
+ImgChipWindowInfoC::ImgChipWindowInfoC(ImgChipWindowInfoImplC* impl) : HandleC(impl) {}
+ImgChipWindowInfoC::ImgChipWindowInfoC(const ImgChipWindowInfoC& other) = default;
+ImgChipWindowInfoC& ImgChipWindowInfoC::operator=(const ImgChipWindowInfoC& other) = default;
+ImgChipWindowInfoC::~ImgChipWindowInfoC() = default;
+
 double ImgChipWindowInfoC::GetValue1() const { return GetImpl()->GetValue1(); }
 void ImgChipWindowInfoC::SetValue1(double value1) { GetImpl()->SetValue1(value1); }
 double ImgChipWindowInfoC::GetValue2() const { return GetImpl()->GetValue2(); }
@@ -32,3 +46,5 @@ bool ImgChipWindowInfoC::operator==(const ImgChipWindowInfoC& other) const {
 }
 
 }  // namespace SDI
+
+template SDI::ImgChipWindowInfoImplC* API::CastFromAny(API::ImplObjectC*);

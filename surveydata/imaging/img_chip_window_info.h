@@ -11,7 +11,12 @@ class SURVEYDATA_API ImgChipWindowInfoC;
 class SURVEYDATA_API ImgChipWindowInfoImplC
     : public API::ImplC<ImgChipWindowInfoImplC, ImgChipWindowInfoC> {
  public:
-  using ImplC::ImplC;
+  ImgChipWindowInfoImplC();
+  explicit ImgChipWindowInfoImplC(API::BaseC* owner);
+  ImgChipWindowInfoImplC(const ImgChipWindowInfoImplC& other);
+  ImgChipWindowInfoImplC& operator=(const ImgChipWindowInfoImplC& other);
+  ~ImgChipWindowInfoImplC() override;
+  API::BaseC* GetBase() override;
 
   double GetValue1() const;
   void SetValue1(double value1);
@@ -36,7 +41,11 @@ class SURVEYDATA_API ImgChipWindowInfoImplC
 /// it. All are 0 by default.
 class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoImplC> {
  public:
-  using HandleC::HandleC;
+  ImgChipWindowInfoC();
+  explicit ImgChipWindowInfoC(ImgChipWindowInfoImplC* impl);
+  ImgChipWindowInfoC(const ImgChipWindowInfoC& other);
+  ImgChipWindowInfoC& operator=(const ImgChipWindowInfoC& other);
+  ~ImgChipWindowInfoC() override;
 
   double GetValue1() const;
   void SetValue1(double value1);
@@ -52,8 +61,10 @@ class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoI
   bool operator!=(const ImgChipWindowInfoC& other) const = delete;
 };
 
-static_assert(sizeof(ImgChipWindowInfoC) == 16 && sizeof(ImgChipWindowInfoImplC) == 48);
+static_assert(API::kHasSize<ImgChipWindowInfoC, 16> && API::kHasSize<ImgChipWindowInfoImplC, 48>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ImgChipWindowInfoImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_IMAGING_IMG_CHIP_WINDOW_INFO_H_

@@ -3,6 +3,15 @@
 
 namespace SDI {
 
+ImgExteriorOrientationImplC::ImgExteriorOrientationImplC() = default;
+ImgExteriorOrientationImplC::ImgExteriorOrientationImplC(API::BaseC* owner) : ImplC(owner) {}
+ImgExteriorOrientationImplC::ImgExteriorOrientationImplC(const ImgExteriorOrientationImplC& other) =
+    default;
+ImgExteriorOrientationImplC& ImgExteriorOrientationImplC::operator=(
+    const ImgExteriorOrientationImplC& other) = default;
+ImgExteriorOrientationImplC::~ImgExteriorOrientationImplC() = default;
+API::BaseC* ImgExteriorOrientationImplC::GetBase() { return ImplC::GetBase(); }
+
 double ImgExteriorOrientationImplC::GetValue1() const { return value1_; }
 void ImgExteriorOrientationImplC::SetValue1(double value1) { value1_ = value1; }
 double ImgExteriorOrientationImplC::GetValue2() const { return value2_; }
@@ -23,6 +32,14 @@ bool ImgExteriorOrientationImplC::operator==(const ImgExteriorOrientationImplC& 
       &ImgExteriorOrientationImplC::value5_, &ImgExteriorOrientationImplC::value6_);
 }
 
+ImgExteriorOrientationC::ImgExteriorOrientationC() = default;
+ImgExteriorOrientationC::ImgExteriorOrientationC(ImgExteriorOrientationImplC* impl)
+    : HandleC(impl) {}
+ImgExteriorOrientationC::ImgExteriorOrientationC(const ImgExteriorOrientationC& other) = default;
+ImgExteriorOrientationC& ImgExteriorOrientationC::operator=(const ImgExteriorOrientationC& other) =
+    default;
+ImgExteriorOrientationC::~ImgExteriorOrientationC() = default;
+
 double ImgExteriorOrientationC::GetValue1() const { return GetImpl()->GetValue1(); }
 void ImgExteriorOrientationC::SetValue1(double value1) { GetImpl()->SetValue1(value1); }
 double ImgExteriorOrientationC::GetValue2() const { return GetImpl()->GetValue2(); }
@@ -41,3 +58,5 @@ bool ImgExteriorOrientationC::operator==(const ImgExteriorOrientationC& other) c
 }
 
 }  // namespace SDI
+
+template SDI::ImgExteriorOrientationImplC* API::CastFromAny(API::ImplObjectC*);

@@ -11,7 +11,12 @@ class SURVEYDATA_API ImgExteriorOrientationC;
 class SURVEYDATA_API ImgExteriorOrientationImplC
     : public API::ImplC<ImgExteriorOrientationImplC, ImgExteriorOrientationC> {
  public:
-  using ImplC::ImplC;
+  ImgExteriorOrientationImplC();
+  explicit ImgExteriorOrientationImplC(API::BaseC* owner);
+  ImgExteriorOrientationImplC(const ImgExteriorOrientationImplC& other);
+  ImgExteriorOrientationImplC& operator=(const ImgExteriorOrientationImplC& other);
+  ~ImgExteriorOrientationImplC() override;
+  API::BaseC* GetBase() override;
 
   double GetValue1() const;
   void SetValue1(double value1);
@@ -42,7 +47,11 @@ class SURVEYDATA_API ImgExteriorOrientationImplC
 /// caller gives them, such as projection centre and rotation angles. All are 0 by default.
 class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOrientationImplC> {
  public:
-  using HandleC::HandleC;
+  ImgExteriorOrientationC();
+  explicit ImgExteriorOrientationC(ImgExteriorOrientationImplC* impl);
+  ImgExteriorOrientationC(const ImgExteriorOrientationC& other);
+  ImgExteriorOrientationC& operator=(const ImgExteriorOrientationC& other);
+  ~ImgExteriorOrientationC() override;
 
   double GetValue1() const;
   void SetValue1(double value1);
@@ -62,8 +71,12 @@ class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOr
   bool operator!=(const ImgExteriorOrientationC& other) const = delete;
 };
 
-static_assert(sizeof(ImgExteriorOrientationC) == 16 && sizeof(ImgExteriorOrientationImplC) == 64);
+static_assert(API::kHasSize<ImgExteriorOrientationC, 16> &&
+              API::kHasSize<ImgExteriorOrientationImplC, 64>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ImgExteriorOrientationImplC* API::CastFromAny(
+    API::ImplObjectC*);
 
 #endif  // SURVEYDATA_IMAGING_IMG_EXTERIOR_ORIENTATION_H_

@@ -3,6 +3,15 @@
 
 namespace SDI {
 
+ImgInteriorOrientationImplC::ImgInteriorOrientationImplC() = default;
+ImgInteriorOrientationImplC::ImgInteriorOrientationImplC(API::BaseC* owner) : ImplC(owner) {}
+ImgInteriorOrientationImplC::ImgInteriorOrientationImplC(const ImgInteriorOrientationImplC& other) =
+    default;
+ImgInteriorOrientationImplC& ImgInteriorOrientationImplC::operator=(
+    const ImgInteriorOrientationImplC& other) = default;
+ImgInteriorOrientationImplC::~ImgInteriorOrientationImplC() = default;
+API::BaseC* ImgInteriorOrientationImplC::GetBase() { return ImplC::GetBase(); }
+
 std::uint32_t ImgInteriorOrientationImplC::GetModelCode() const { return modelCode_; }
 void ImgInteriorOrientationImplC::SetModelCode(std::uint32_t modelCode) { modelCode_ = modelCode; }
 double ImgInteriorOrientationImplC::GetValue1() const { return value1_; }
@@ -26,6 +35,14 @@ bool ImgInteriorOrientationImplC::operator==(const ImgInteriorOrientationImplC& 
       &ImgInteriorOrientationImplC::value6_);
 }
 
+ImgInteriorOrientationC::ImgInteriorOrientationC() = default;
+ImgInteriorOrientationC::ImgInteriorOrientationC(ImgInteriorOrientationImplC* impl)
+    : HandleC(impl) {}
+ImgInteriorOrientationC::ImgInteriorOrientationC(const ImgInteriorOrientationC& other) = default;
+ImgInteriorOrientationC& ImgInteriorOrientationC::operator=(const ImgInteriorOrientationC& other) =
+    default;
+ImgInteriorOrientationC::~ImgInteriorOrientationC() = default;
+
 std::uint32_t ImgInteriorOrientationC::GetModelCode() const { return GetImpl()->GetModelCode(); }
 void ImgInteriorOrientationC::SetModelCode(std::uint32_t modelCode) {
   GetImpl()->SetModelCode(modelCode);
@@ -48,3 +65,5 @@ bool ImgInteriorOrientationC::operator==(const ImgInteriorOrientationC& other) c
 }
 
 }  // namespace SDI
+
+template SDI::ImgInteriorOrientationImplC* API::CastFromAny(API::ImplObjectC*);

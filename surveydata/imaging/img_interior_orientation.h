@@ -13,7 +13,12 @@ class SURVEYDATA_API ImgInteriorOrientationC;
 class SURVEYDATA_API ImgInteriorOrientationImplC
     : public API::ImplC<ImgInteriorOrientationImplC, ImgInteriorOrientationC> {
  public:
-  using ImplC::ImplC;
+  ImgInteriorOrientationImplC();
+  explicit ImgInteriorOrientationImplC(API::BaseC* owner);
+  ImgInteriorOrientationImplC(const ImgInteriorOrientationImplC& other);
+  ImgInteriorOrientationImplC& operator=(const ImgInteriorOrientationImplC& other);
+  ~ImgInteriorOrientationImplC() override;
+  API::BaseC* GetBase() override;
 
   std::uint32_t GetModelCode() const;
   void SetModelCode(std::uint32_t modelCode);
@@ -47,7 +52,11 @@ class SURVEYDATA_API ImgInteriorOrientationImplC
 /// numbers with the units and meaning that the caller gives them. All are 0 by default.
 class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOrientationImplC> {
  public:
-  using HandleC::HandleC;
+  ImgInteriorOrientationC();
+  explicit ImgInteriorOrientationC(ImgInteriorOrientationImplC* impl);
+  ImgInteriorOrientationC(const ImgInteriorOrientationC& other);
+  ImgInteriorOrientationC& operator=(const ImgInteriorOrientationC& other);
+  ~ImgInteriorOrientationC() override;
 
   std::uint32_t GetModelCode() const;
   void SetModelCode(std::uint32_t modelCode);
@@ -69,8 +78,12 @@ class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOr
   bool operator!=(const ImgInteriorOrientationC& other) const = delete;
 };
 
-static_assert(sizeof(ImgInteriorOrientationC) == 16 && sizeof(ImgInteriorOrientationImplC) == 72);
+static_assert(API::kHasSize<ImgInteriorOrientationC, 16> &&
+              API::kHasSize<ImgInteriorOrientationImplC, 72>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ImgInteriorOrientationImplC* API::CastFromAny(
+    API::ImplObjectC*);
 
 #endif  // SURVEYDATA_IMAGING_IMG_INTERIOR_ORIENTATION_H_

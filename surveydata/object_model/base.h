@@ -1,8 +1,6 @@
 #ifndef SURVEYDATA_OBJECT_MODEL_BASE_H_
 #define SURVEYDATA_OBJECT_MODEL_BASE_H_
 
-#include <utility>
-
 #include <surveydata/object_model/export.h>
 
 namespace API {
@@ -16,16 +14,17 @@ class SURVEYDATA_API ImplObjectC;
 class SURVEYDATA_API BaseC {
  public:
   /// A handle without an implementation.
-  BaseC() noexcept = default;
+  BaseC() noexcept;
   /// A handle without an implementation: a copy never shares the one of `other`.
   BaseC(const BaseC& other) noexcept;
   /// Links to `impl` as `SetImpl` does.
-  explicit BaseC(ImplObjectC* impl) { BaseC::SetImpl(impl); }
-  /// Unlinks the implementation, then deletes it.
-  virtual inline ~BaseC();
+  explicit BaseC(ImplObjectC* impl);
+  /// Takes itself from the implementation as its owner, then deletes it. Until that is done,
+  /// `GetImpl()` answers the implementation, also to the destructor of a class derived from it.
+  virtual ~BaseC();
 
   /// Copies the pointer alone and touches no link. Public classes copy data instead.
-  BaseC& operator=(const BaseC& other) noexcept = default;
+  BaseC& operator=(const BaseC& other) noexcept;
 
   /// Links to `impl` (may be null); a public object that owned `impl` before is deleted. Nothing
   /// happens when `impl` is linked already.
@@ -36,7 +35,7 @@ class SURVEYDATA_API BaseC {
   virtual void SetImpl(ImplObjectC* impl);
 
   /// The linked implementation, or null.
-  ImplObjectC* GetImpl() const noexcept { return impl_; }
+  [[gnu::always_inline]] ImplObjectC* GetImpl() const noexcept { return impl_; }
 
  private:
   friend class ImplObjectC;
@@ -48,11 +47,12 @@ class SURVEYDATA_API BaseC {
 class SURVEYDATA_API ImplObjectC {
  public:
   /// An implementation without an owner.
-  ImplObjectC() noexcept = default;
+  ImplObjectC() noexcept;
   /// An implementation without an owner: copying never copies the link.
   ImplObjectC(const ImplObjectC& other) noexcept;
-  /// Unlinks the owner, then deletes it.
-  virtual inline ~ImplObjectC();
+  /// Takes itself from the owner as its implementation, then deletes it. Until that is done,
+  /// `GetBase()` answers the owner, also to the destructor of a class derived from the owner's.
+  virtual ~ImplObjectC();
 
   /// Leaves both owners as they are.
   ImplObjectC& operator=(const ImplObjectC& other) noexcept;
@@ -71,20 +71,6 @@ class SURVEYDATA_API ImplObjectC {
 
   BaseC* owner_ = nullptr;
 };
-
-// Inline, so that creating and destroying a pair costs little more than its memory.
-
-inline BaseC::~BaseC() {
-  if (impl_ == nullptr) return;
-  impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
-  delete std::exchange(impl_, nullptr);
-}
-
-inline ImplObjectC::~ImplObjectC() {
-  if (owner_ == nullptr) return;
-  owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
-  delete std::exchange(owner_, nullptr);
-}
 
 }  // namespace API
 

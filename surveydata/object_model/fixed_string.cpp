@@ -119,9 +119,19 @@ bool NotAfter(const char16_t* a, const char16_t* b) {
 }  // namespace
 
 template <std::uint16_t N>
+FixedStringC<N>::FixedStringC() = default;
+
+template <std::uint16_t N>
 FixedStringC<N>::FixedStringC(const FixedStringC& other) : length_(other.length_) {
   std::memcpy(data_, other.data_, sizeof(data_));
   data_[N] = 0;
+}
+
+template <std::uint16_t N>
+FixedStringC<N>& FixedStringC<N>::operator=(const FixedStringC& other) {
+  std::memmove(data_, other.data_, sizeof(data_));  // `other` may be this text
+  length_ = other.length_;
+  return *this;
 }
 
 template <std::uint16_t N>

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include <surveydata/object_model/export.h>
+#include <surveydata/object_model/layout.h>
 
 namespace API {
 
@@ -20,11 +21,11 @@ template <std::uint16_t N>
 class SURVEYDATA_VISIBLE FixedStringC {
  public:
   /// The empty text.
-  FixedStringC() = default;
+  FixedStringC();
   /// All units of `other` and its length; the last unit is 0 even where that of `other` is not.
   FixedStringC(const FixedStringC& other);
   /// Copies all units, the last one too, and the length as they are.
-  FixedStringC& operator=(const FixedStringC& other) = default;
+  FixedStringC& operator=(const FixedStringC& other);
   /// A text of one unit, 0x00 to 0xFF; empty when `c` is 0.
   explicit FixedStringC(char c);
   /// A text of one unit; empty when `c` is 0.
@@ -132,7 +133,7 @@ extern template class SURVEYDATA_API FixedStringC<240>;
 extern template class SURVEYDATA_API FixedStringC<254>;
 extern template class SURVEYDATA_API FixedStringC<255>;
 
-static_assert(sizeof(FixedStringC<10>) == 32 && sizeof(FixedStringC<255>) == 520);
+static_assert(kHasSize<FixedStringC<10>, 32> && kHasSize<FixedStringC<255>, 520>);
 
 }  // namespace API
 

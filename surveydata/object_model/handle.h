@@ -9,17 +9,22 @@
 
 #include <surveydata/object_model/base.h>
 #include <surveydata/object_model/export.h>
+#include <surveydata/object_model/layout.h>
 
 /// \file
 /// The pair pattern: a public object that callers hold and an implementation that holds its data.
 ///
 /// A data class is two classes, an implementation derived from `ImplC` with the fields, their
 /// accessors and `isEqual`, and a public class derived from `HandleC` with the same accessors and
-/// `IsEqual`. Everything else that the two sides need stands here, once.
+/// `IsEqual`. What the special members of the two sides do is written here, once. Each class
+/// declares its own and defaults them in its source, so that they are compiled into the library
+/// alone: whoever uses public objects holds nothing that depends on the size or the fields of an
+/// implementation, and need not be compiled again when a record gets another field.
 
 namespace API {
 
-/// `CheckedCast` for what is not exactly a `Wanted`. Out of line, so that accessors stay small.
+/// `CheckedCast` for what is not exactly a `Wanted`. Out of line, so that accessors stay small; the
+/// library holds that of each of its implementations, which their headers declare.
 template <class Wanted>
 [[gnu::noinline, gnu::cold]] Wanted* CastFromAny(ImplObjectC* impl) {
   return dynamic_cast<Wanted*>(impl);
@@ -40,9 +45,13 @@ template <class Wanted>
 ///
 /// Copies are deep: a copy has an implementation of its own. Destroying either side of the pair
 /// destroys the other. Moving copies, so that no object is left without its implementation.
+///
+/// A class derived from this one declares the default constructor, the one that takes an `Impl*`,
+/// copying, assignment and the destructor, and defaults them in its source.
 template <class Impl, class Base = BaseC>
 class SURVEYDATA_VISIBLE HandleC : public Base {
  public:
+  /// Makes an implementation of its own, with its defaults.
   HandleC() : Base(new Impl) {}
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.
   explicit HandleC(Impl* impl) : Base(impl) {}
@@ -89,8 +98,11 @@ class SURVEYDATA_VISIBLE HandleC : public Base {
 
 /// The implementation side of a pair: holds the data of one `Public`.
 ///
-/// Copying copies the data and never the owner, so a class derived from this one declares no copy
-/// operation, no assignment and no destructor.
+/// Copying and assigning copy the data and never the owner. Destroying destroys the owner.
+///
+/// A class derived from this one declares the default constructor, the one that takes its owner,
+/// copying, assignment, the destructor and `GetBase`. It defaults them in its source, where
+/// `GetBase` calls the one below.
 template <class Self, class Public, class Base = ImplObjectC>
 class SURVEYDATA_VISIBLE ImplC : public Base {
  public:

@@ -31,7 +31,10 @@ std::string Padded(std::uint32_t value, std::size_t width) {
 
 }  // namespace
 
+VersionC::VersionC() = default;
 VersionC::VersionC(std::uint32_t word) : word_(word) {}
+VersionC::VersionC(const VersionC& other) = default;
+VersionC& VersionC::operator=(const VersionC& other) = default;
 
 void VersionC::Set(std::uint16_t major, std::uint16_t minor, std::uint16_t build,
                    std::uint16_t kind, std::uint16_t variant) {
@@ -63,6 +66,7 @@ std::string VersionC::Format(std::uint32_t style) const {
   }
 }
 
+bool VersionC::operator==(const VersionC& other) const = default;
 bool VersionC::operator>=(const VersionC& other) const { return word_ >= other.word_; }
 
 }  // namespace API

@@ -21,8 +21,10 @@ namespace API {
 /// The kind of a release has a letter: 2 is S, 3 is B, 4 is D, 5 is A, all others are R.
 class SURVEYDATA_API VersionC {
  public:
-  VersionC() = default;
+  VersionC();
   explicit VersionC(std::uint32_t word);
+  VersionC(const VersionC& other);
+  VersionC& operator=(const VersionC& other);
 
   /// Packs the five fields. Values beyond a field's range lose their upper bits.
   void Set(std::uint16_t major, std::uint16_t minor, std::uint16_t build, std::uint16_t kind,
@@ -46,7 +48,7 @@ class SURVEYDATA_API VersionC {
 
   /// Orders by major, minor, kind, variant, build.
   bool operator>=(const VersionC& other) const;
-  bool operator==(const VersionC& other) const = default;
+  bool operator==(const VersionC& other) const;
   bool operator!=(const VersionC& other) const = delete;
 
  private:

@@ -43,6 +43,9 @@ std::unique_ptr<ScanDefinitionC> Copy(const ScanDefinitionImplC& area) {
 
 }  // namespace
 
+ScanImplC::ScanImplC() = default;
+ScanImplC::ScanImplC(API::BaseC* owner) : ImplC(owner) {}
+
 ScanImplC::ScanImplC(const ScanImplC& other)
     : ImplC(other),
       text1_(other.text1_.GetData()),
@@ -75,6 +78,7 @@ ScanImplC& ScanImplC::operator=(const ScanImplC& other) {
 }
 
 ScanImplC::~ScanImplC() = default;
+API::BaseC* ScanImplC::GetBase() { return ImplC::GetBase(); }
 
 const char16_t* ScanImplC::GetText1() const { return text1_.GetData(); }
 bool ScanImplC::SetText1(const char16_t* text) { return SetText(text1_, text, 32); }
@@ -135,6 +139,12 @@ bool ScanImplC::IsEqual(const ScanImplC& other) const {
          (area_ == nullptr || other.area_ == nullptr || area_->IsEqual(*other.area_));
 }
 
+ScanC::ScanC() = default;
+ScanC::ScanC(ScanImplC* impl) : HandleC(impl) {}
+ScanC::ScanC(const ScanC& other) = default;
+ScanC& ScanC::operator=(const ScanC& other) = default;
+ScanC::~ScanC() = default;
+
 const char16_t* ScanC::GetText1() const { return GetImpl()->GetText1(); }
 bool ScanC::SetText1(const char16_t* text) { return GetImpl()->SetText1(text); }
 const char16_t* ScanC::GetText2() const { return GetImpl()->GetText2(); }
@@ -163,3 +173,5 @@ ScanDefinitionC* ScanC::SetArea(const ScanDefinitionC* area) { return GetImpl()-
 bool ScanC::IsEqual(const ScanC& other) const { return GetImpl()->IsEqual(*other.GetImpl()); }
 
 }  // namespace SDI
+
+template SDI::ScanImplC* API::CastFromAny(API::ImplObjectC*);

@@ -15,13 +15,14 @@ class SURVEYDATA_API ScanC;
 /// The data of a `ScanC`. It owns the area: deleting either deletes the area's implementation too.
 class SURVEYDATA_API ScanImplC : public API::ImplC<ScanImplC, ScanC> {
  public:
-  using ImplC::ImplC;
-  ScanImplC() = default;
+  ScanImplC();
+  explicit ScanImplC(API::BaseC* owner);
   /// Copies the area too.
   ScanImplC(const ScanImplC& other);
   /// Copies the area too; without one in `other`, this scan keeps its own.
   ScanImplC& operator=(const ScanImplC& other);
   ~ScanImplC() override;
+  API::BaseC* GetBase() override;
 
   const char16_t* GetText1() const;
   bool SetText1(const char16_t* text);
@@ -73,8 +74,11 @@ class SURVEYDATA_API ScanImplC : public API::ImplC<ScanImplC, ScanC> {
 /// Texts are empty and numbers 0 at first; there is no area.
 class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
  public:
-  using HandleC::HandleC;
-  ScanC() = default;
+  ScanC();
+  explicit ScanC(ScanImplC* impl);
+  ScanC(const ScanC& other);
+  ScanC& operator=(const ScanC& other);
+  ~ScanC() override;
 
   /// The text, terminated by 0. The pointer lives as long as the scan and shows later changes.
   /// @{
@@ -123,8 +127,10 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   bool IsEqual(const ScanC& other) const;
 };
 
-static_assert(sizeof(ScanC) == 16 && sizeof(ScanImplC) == 952);
+static_assert(API::kHasSize<ScanC, 16> && API::kHasSize<ScanImplC, 952>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ScanImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_SCANNING_SCAN_H_

@@ -101,6 +101,7 @@ struct ScanAreaC::Bounds {
 };
 
 ScanAreaC::ScanAreaC(ScanAreaImplC* impl) : ScanDefinitionC(impl) {}
+ScanAreaC::~ScanAreaC() = default;
 
 ScanAreaImplC* ScanAreaC::GetImpl() const {
   return API::CheckedCast<ScanAreaImplC>(API::BaseC::GetImpl());

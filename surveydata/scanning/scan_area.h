@@ -81,6 +81,7 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
  public:
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.
   explicit ScanAreaC(ScanAreaImplC* impl);
+  ~ScanAreaC() override;
 
   /// The two corners of the bounds, their distances untouched.
   ///

@@ -3,6 +3,13 @@
 
 namespace SDI {
 
+ScanDefPointImplC::ScanDefPointImplC() = default;
+ScanDefPointImplC::ScanDefPointImplC(API::BaseC* owner) : ImplC(owner) {}
+ScanDefPointImplC::ScanDefPointImplC(const ScanDefPointImplC& other) = default;
+ScanDefPointImplC& ScanDefPointImplC::operator=(const ScanDefPointImplC& other) = default;
+ScanDefPointImplC::~ScanDefPointImplC() = default;
+API::BaseC* ScanDefPointImplC::GetBase() { return ImplC::GetBase(); }
+
 ScanDefPointImplC::ScanDefPointImplC(double hz, double v, double distance)
     : hz_(hz), v_(v), distance_(distance) {}
 
@@ -32,6 +39,12 @@ bool ScanDefPointImplC::operator!=(const ScanDefPointImplC& other) const {
   return !(*this == other);
 }
 
+ScanDefPointC::ScanDefPointC() = default;
+ScanDefPointC::ScanDefPointC(ScanDefPointImplC* impl) : HandleC(impl) {}
+ScanDefPointC::ScanDefPointC(const ScanDefPointC& other) = default;
+ScanDefPointC& ScanDefPointC::operator=(const ScanDefPointC& other) = default;
+ScanDefPointC::~ScanDefPointC() = default;
+
 ScanDefPointC::ScanDefPointC(double hz, double v, double distance)
     : HandleC(new ScanDefPointImplC(hz, v, distance)) {}
 
@@ -53,3 +66,5 @@ bool ScanDefPointC::operator==(const ScanDefPointC& other) const { return IsEqua
 bool ScanDefPointC::operator!=(const ScanDefPointC& other) const { return !(*this == other); }
 
 }  // namespace SDI
+
+template SDI::ScanDefPointImplC* API::CastFromAny(API::ImplObjectC*);

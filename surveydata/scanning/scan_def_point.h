@@ -12,8 +12,12 @@ class SURVEYDATA_API ScanDefPointC;
 /// The data of a `ScanDefPointC`.
 class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, ScanDefPointC> {
  public:
-  using ImplC::ImplC;
-  ScanDefPointImplC() = default;
+  ScanDefPointImplC();
+  explicit ScanDefPointImplC(API::BaseC* owner);
+  ScanDefPointImplC(const ScanDefPointImplC& other);
+  ScanDefPointImplC& operator=(const ScanDefPointImplC& other);
+  ~ScanDefPointImplC() override;
+  API::BaseC* GetBase() override;
   ScanDefPointImplC(double hz, double v, double distance);
 
   double GetHz() const;
@@ -47,8 +51,11 @@ class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, Sc
 /// not above 0 has none, -1 at first. Every value is stored as given.
 class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
  public:
-  using HandleC::HandleC;
-  ScanDefPointC() = default;
+  ScanDefPointC();
+  explicit ScanDefPointC(ScanDefPointImplC* impl);
+  ScanDefPointC(const ScanDefPointC& other);
+  ScanDefPointC& operator=(const ScanDefPointC& other);
+  ~ScanDefPointC() override;
   ScanDefPointC(double hz, double v, double distance);
 
   double GetHz() const;
@@ -73,8 +80,10 @@ class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
   /// @}
 };
 
-static_assert(sizeof(ScanDefPointC) == 16 && sizeof(ScanDefPointImplC) == 40);
+static_assert(API::kHasSize<ScanDefPointC, 16> && API::kHasSize<ScanDefPointImplC, 40>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ScanDefPointImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_SCANNING_SCAN_DEF_POINT_H_

@@ -22,6 +22,10 @@ enum ScanAreaType : std::uint32_t {
 class SURVEYDATA_API ScanDefinitionImplC : public API::ImplC<ScanDefinitionImplC, ScanDefinitionC> {
  public:
   explicit ScanDefinitionImplC(std::uint32_t type);
+  ScanDefinitionImplC(const ScanDefinitionImplC& other);
+  ScanDefinitionImplC& operator=(const ScanDefinitionImplC& other);
+  ~ScanDefinitionImplC() override;
+  API::BaseC* GetBase() override;
 
   /// Whether `other` is a scan definition of the same type; areas compare their data as well.
   virtual bool IsEqual(const API::ImplObjectC& other) const;
@@ -40,6 +44,7 @@ class SURVEYDATA_API ScanDefinitionC : public API::BaseC, private boost::noncopy
  public:
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.
   explicit ScanDefinitionC(ScanDefinitionImplC* impl);
+  ~ScanDefinitionC() override;
 
   /// The implementation, or null when it is missing or of another class.
   ScanDefinitionImplC* GetImpl() const;

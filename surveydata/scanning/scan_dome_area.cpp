@@ -7,6 +7,7 @@ ScanDomeAreaImplC::ScanDomeAreaImplC(API::BaseC* owner) : ImplC(kDomeArea) { Set
 ScanDomeAreaImplC::ScanDomeAreaImplC(const ScanDomeAreaImplC& other) = default;
 ScanDomeAreaImplC& ScanDomeAreaImplC::operator=(const ScanDomeAreaImplC& other) = default;
 ScanDomeAreaImplC::~ScanDomeAreaImplC() = default;
+API::BaseC* ScanDomeAreaImplC::GetBase() { return ImplC::GetBase(); }
 
 bool ScanDomeAreaImplC::IsInDome(double hz, double v) {
   return GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI) && GMAT::WrapIntoRange(v, 0.0, GMAT::TWO_PI) &&
@@ -35,5 +36,9 @@ void ScanDomeAreaImplC::GetOutline(std::vector<ScanDefPointC>& /*out*/,
                                    double /*defaultDistance*/) const {}
 
 ScanDomeAreaC::ScanDomeAreaC() = default;
+ScanDomeAreaC::ScanDomeAreaC(ScanDomeAreaImplC* impl) : HandleC(impl) {}
+ScanDomeAreaC::~ScanDomeAreaC() = default;
 
 }  // namespace SDI
+
+template SDI::ScanDomeAreaImplC* API::CastFromAny(API::ImplObjectC*);

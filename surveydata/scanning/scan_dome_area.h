@@ -19,6 +19,7 @@ class SURVEYDATA_API ScanDomeAreaImplC
   ScanDomeAreaImplC(const ScanDomeAreaImplC& other);
   ScanDomeAreaImplC& operator=(const ScanDomeAreaImplC& other);
   ~ScanDomeAreaImplC() override;
+  API::BaseC* GetBase() override;
 
   /// Whether V, wrapped into a full turn, lies above the lowest usable direction. False when an
   /// angle is beyond 100 rad or no number.
@@ -37,12 +38,15 @@ class SURVEYDATA_API ScanDomeAreaImplC
 /// operations on them do nothing.
 class SURVEYDATA_API ScanDomeAreaC : public API::HandleC<ScanDomeAreaImplC, ScanAreaC> {
  public:
-  using HandleC::HandleC;
   ScanDomeAreaC();
+  explicit ScanDomeAreaC(ScanDomeAreaImplC* impl);
+  ~ScanDomeAreaC() override;
 };
 
-static_assert(sizeof(ScanDomeAreaC) == 16);
+static_assert(API::kHasSize<ScanDomeAreaC, 16>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ScanDomeAreaImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_SCANNING_SCAN_DOME_AREA_H_

@@ -12,6 +12,7 @@ ScanPolygonAreaImplC::ScanPolygonAreaImplC(API::BaseC* owner) : ImplC(kPolygonAr
 ScanPolygonAreaImplC::ScanPolygonAreaImplC(const ScanPolygonAreaImplC& other) = default;
 ScanPolygonAreaImplC& ScanPolygonAreaImplC::operator=(const ScanPolygonAreaImplC& other) = default;
 ScanPolygonAreaImplC::~ScanPolygonAreaImplC() = default;
+API::BaseC* ScanPolygonAreaImplC::GetBase() { return ImplC::GetBase(); }
 
 bool ScanPolygonAreaImplC::IsEqual(const API::ImplObjectC& other) const {
   return dynamic_cast<const ScanPolygonAreaImplC*>(&other) != nullptr &&
@@ -60,9 +61,13 @@ void ScanPolygonAreaImplC::SetPoints(const std::vector<ScanDefPointC>& points) {
 }
 
 ScanPolygonAreaC::ScanPolygonAreaC() = default;
+ScanPolygonAreaC::ScanPolygonAreaC(ScanPolygonAreaImplC* impl) : HandleC(impl) {}
+ScanPolygonAreaC::~ScanPolygonAreaC() = default;
 
 void ScanPolygonAreaC::SetPoints(const std::vector<ScanDefPointC>& points) {
   GetImpl()->SetPoints(points);
 }
 
 }  // namespace SDI
+
+template SDI::ScanPolygonAreaImplC* API::CastFromAny(API::ImplObjectC*);

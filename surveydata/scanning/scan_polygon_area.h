@@ -19,6 +19,7 @@ class SURVEYDATA_API ScanPolygonAreaImplC
   ScanPolygonAreaImplC(const ScanPolygonAreaImplC& other);
   ScanPolygonAreaImplC& operator=(const ScanPolygonAreaImplC& other);
   ~ScanPolygonAreaImplC() override;
+  API::BaseC* GetBase() override;
 
   bool IsEqual(const API::ImplObjectC& other) const override;
   bool IsValid() const override;
@@ -31,15 +32,18 @@ class SURVEYDATA_API ScanPolygonAreaImplC
 /// around the vertical axis encloses the zenith.
 class SURVEYDATA_API ScanPolygonAreaC : public API::HandleC<ScanPolygonAreaImplC, ScanAreaC> {
  public:
-  using HandleC::HandleC;
   ScanPolygonAreaC();
+  explicit ScanPolygonAreaC(ScanPolygonAreaImplC* impl);
+  ~ScanPolygonAreaC() override;
 
   /// Appends the points; those that are there already stay.
   void SetPoints(const std::vector<ScanDefPointC>& points);
 };
 
-static_assert(sizeof(ScanPolygonAreaC) == 16);
+static_assert(API::kHasSize<ScanPolygonAreaC, 16>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ScanPolygonAreaImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_SCANNING_SCAN_POLYGON_AREA_H_

@@ -10,6 +10,7 @@ ScanRectangularAreaImplC::ScanRectangularAreaImplC(const ScanRectangularAreaImpl
 ScanRectangularAreaImplC& ScanRectangularAreaImplC::operator=(
     const ScanRectangularAreaImplC& other) = default;
 ScanRectangularAreaImplC::~ScanRectangularAreaImplC() = default;
+API::BaseC* ScanRectangularAreaImplC::GetBase() { return ImplC::GetBase(); }
 
 bool ScanRectangularAreaImplC::IsEqual(const API::ImplObjectC& other) const {
   return dynamic_cast<const ScanRectangularAreaImplC*>(&other) != nullptr &&
@@ -58,6 +59,8 @@ bool ScanRectangularAreaImplC::GetCorners(ScanDefPointC& a, ScanDefPointC& b) co
 }
 
 ScanRectangularAreaC::ScanRectangularAreaC() = default;
+ScanRectangularAreaC::ScanRectangularAreaC(ScanRectangularAreaImplC* impl) : HandleC(impl) {}
+ScanRectangularAreaC::~ScanRectangularAreaC() = default;
 
 void ScanRectangularAreaC::SetCorners(const ScanDefPointC& a, const ScanDefPointC& b) {
   GetImpl()->SetCorners(a, b);
@@ -68,3 +71,5 @@ bool ScanRectangularAreaC::GetCorners(ScanDefPointC& a, ScanDefPointC& b) const 
 }
 
 }  // namespace SDI
+
+template SDI::ScanRectangularAreaImplC* API::CastFromAny(API::ImplObjectC*);

@@ -19,6 +19,7 @@ class SURVEYDATA_API ScanRectangularAreaImplC
   ScanRectangularAreaImplC(const ScanRectangularAreaImplC& other);
   ScanRectangularAreaImplC& operator=(const ScanRectangularAreaImplC& other);
   ~ScanRectangularAreaImplC() override;
+  API::BaseC* GetBase() override;
 
   bool IsEqual(const API::ImplObjectC& other) const override;
   bool IsAreaValid() const override;
@@ -33,8 +34,9 @@ class SURVEYDATA_API ScanRectangularAreaImplC
 class SURVEYDATA_API ScanRectangularAreaC
     : public API::HandleC<ScanRectangularAreaImplC, ScanAreaC> {
  public:
-  using HandleC::HandleC;
   ScanRectangularAreaC();
+  explicit ScanRectangularAreaC(ScanRectangularAreaImplC* impl);
+  ~ScanRectangularAreaC() override;
 
   /// Replaces all points by these two.
   void SetCorners(const ScanDefPointC& a, const ScanDefPointC& b);
@@ -42,8 +44,10 @@ class SURVEYDATA_API ScanRectangularAreaC
   bool GetCorners(ScanDefPointC& a, ScanDefPointC& b) const;
 };
 
-static_assert(sizeof(ScanRectangularAreaC) == 16);
+static_assert(API::kHasSize<ScanRectangularAreaC, 16>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API SDI::ScanRectangularAreaImplC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_SCANNING_SCAN_RECTANGULAR_AREA_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+TPSCalibrationDataC::TPSCalibrationDataC() = default;
+TPSCalibrationDataC::TPSCalibrationDataC(API::BaseC* owner) : ImplC(owner) {}
+TPSCalibrationDataC::TPSCalibrationDataC(const TPSCalibrationDataC& other) = default;
+TPSCalibrationDataC& TPSCalibrationDataC::operator=(const TPSCalibrationDataC& other) = default;
+TPSCalibrationDataC::~TPSCalibrationDataC() = default;
+API::BaseC* TPSCalibrationDataC::GetBase() { return ImplC::GetBase(); }
+
 TPSCalibrationDataC::TPSCalibrationDataC(double value1, double value2, double value3, double value4,
                                          double value5, double value6, double value7, double value8)
     : value1_(value1),
@@ -42,6 +49,12 @@ bool TPSCalibrationDataC::isEqual(const TPSCalibrationDataC& other) const {
 
 namespace SDI {
 
+TPSCalibrationDataC::TPSCalibrationDataC() = default;
+TPSCalibrationDataC::TPSCalibrationDataC(ODM::TPSCalibrationDataC* impl) : HandleC(impl) {}
+TPSCalibrationDataC::TPSCalibrationDataC(const TPSCalibrationDataC& other) = default;
+TPSCalibrationDataC& TPSCalibrationDataC::operator=(const TPSCalibrationDataC& other) = default;
+TPSCalibrationDataC::~TPSCalibrationDataC() = default;
+
 TPSCalibrationDataC::TPSCalibrationDataC(double value1, double value2, double value3, double value4,
                                          double value5, double value6, double value7, double value8)
     : HandleC(new ODM::TPSCalibrationDataC(value1, value2, value3, value4, value5, value6, value7,
@@ -69,3 +82,5 @@ bool TPSCalibrationDataC::IsEqual(const TPSCalibrationDataC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::TPSCalibrationDataC* API::CastFromAny(API::ImplObjectC*);

@@ -14,8 +14,12 @@ namespace ODM {
 class SURVEYDATA_API TPSCalibrationDataC
     : public API::ImplC<TPSCalibrationDataC, SDI::TPSCalibrationDataC> {
  public:
-  using ImplC::ImplC;
-  TPSCalibrationDataC() = default;
+  TPSCalibrationDataC();
+  explicit TPSCalibrationDataC(API::BaseC* owner);
+  TPSCalibrationDataC(const TPSCalibrationDataC& other);
+  TPSCalibrationDataC& operator=(const TPSCalibrationDataC& other);
+  ~TPSCalibrationDataC() override;
+  API::BaseC* GetBase() override;
   TPSCalibrationDataC(double value1, double value2, double value3, double value4, double value5,
                       double value6, double value7, double value8);
 
@@ -58,8 +62,11 @@ namespace SDI {
 /// caller gives them. All are 0 by default; none is refused.
 class SURVEYDATA_API TPSCalibrationDataC : public API::HandleC<ODM::TPSCalibrationDataC> {
  public:
-  using HandleC::HandleC;
-  TPSCalibrationDataC() = default;
+  TPSCalibrationDataC();
+  explicit TPSCalibrationDataC(ODM::TPSCalibrationDataC* impl);
+  TPSCalibrationDataC(const TPSCalibrationDataC& other);
+  TPSCalibrationDataC& operator=(const TPSCalibrationDataC& other);
+  ~TPSCalibrationDataC() override;
   TPSCalibrationDataC(double value1, double value2, double value3, double value4, double value5,
                       double value6, double value7, double value8);
 
@@ -85,8 +92,11 @@ class SURVEYDATA_API TPSCalibrationDataC : public API::HandleC<ODM::TPSCalibrati
   bool IsEqual(const TPSCalibrationDataC& other) const;
 };
 
-static_assert(sizeof(TPSCalibrationDataC) == 16 && sizeof(ODM::TPSCalibrationDataC) == 80);
+static_assert(API::kHasSize<TPSCalibrationDataC, 16> &&
+              API::kHasSize<ODM::TPSCalibrationDataC, 80>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::TPSCalibrationDataC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_CALIBRATION_DATA_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+TPSCorrectionDataC::TPSCorrectionDataC() = default;
+TPSCorrectionDataC::TPSCorrectionDataC(API::BaseC* owner) : ImplC(owner) {}
+TPSCorrectionDataC::TPSCorrectionDataC(const TPSCorrectionDataC& other) = default;
+TPSCorrectionDataC& TPSCorrectionDataC::operator=(const TPSCorrectionDataC& other) = default;
+TPSCorrectionDataC::~TPSCorrectionDataC() = default;
+API::BaseC* TPSCorrectionDataC::GetBase() { return ImplC::GetBase(); }
+
 TPSCorrectionDataC::TPSCorrectionDataC(double value1, double value2, double value3,
                                        double scaleFactor, double value5, double value6,
                                        double value7, double value8, float single1, float single2,
@@ -66,6 +73,12 @@ bool TPSCorrectionDataC::isEqual(const TPSCorrectionDataC& other) const {
 
 namespace SDI {
 
+TPSCorrectionDataC::TPSCorrectionDataC() = default;
+TPSCorrectionDataC::TPSCorrectionDataC(ODM::TPSCorrectionDataC* impl) : HandleC(impl) {}
+TPSCorrectionDataC::TPSCorrectionDataC(const TPSCorrectionDataC& other) = default;
+TPSCorrectionDataC& TPSCorrectionDataC::operator=(const TPSCorrectionDataC& other) = default;
+TPSCorrectionDataC::~TPSCorrectionDataC() = default;
+
 TPSCorrectionDataC::TPSCorrectionDataC(double value1, double value2, double value3,
                                        double scaleFactor, double value5, double value6,
                                        double value7, double value8, float single1, float single2,
@@ -117,3 +130,5 @@ bool TPSCorrectionDataC::IsEqual(const TPSCorrectionDataC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::TPSCorrectionDataC* API::CastFromAny(API::ImplObjectC*);

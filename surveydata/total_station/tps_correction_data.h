@@ -16,8 +16,12 @@ namespace ODM {
 class SURVEYDATA_API TPSCorrectionDataC
     : public API::ImplC<TPSCorrectionDataC, SDI::TPSCorrectionDataC> {
  public:
-  using ImplC::ImplC;
-  TPSCorrectionDataC() = default;
+  TPSCorrectionDataC();
+  explicit TPSCorrectionDataC(API::BaseC* owner);
+  TPSCorrectionDataC(const TPSCorrectionDataC& other);
+  TPSCorrectionDataC& operator=(const TPSCorrectionDataC& other);
+  ~TPSCorrectionDataC() override;
+  API::BaseC* GetBase() override;
   TPSCorrectionDataC(double value1, double value2, double value3, double scaleFactor, double value5,
                      double value6, double value7, double value8, float single1, float single2,
                      float single3, float single4, std::uint32_t flags);
@@ -84,8 +88,11 @@ namespace SDI {
 /// and is all zeros otherwise.
 class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrectionDataC> {
  public:
-  using HandleC::HandleC;
-  TPSCorrectionDataC() = default;
+  TPSCorrectionDataC();
+  explicit TPSCorrectionDataC(ODM::TPSCorrectionDataC* impl);
+  TPSCorrectionDataC(const TPSCorrectionDataC& other);
+  TPSCorrectionDataC& operator=(const TPSCorrectionDataC& other);
+  ~TPSCorrectionDataC() override;
   TPSCorrectionDataC(double value1, double value2, double value3, double scaleFactor, double value5,
                      double value6, double value7, double value8, float single1, float single2,
                      float single3, float single4, std::uint32_t flags);
@@ -129,8 +136,10 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   bool IsEqual(const TPSCorrectionDataC& other) const;
 };
 
-static_assert(sizeof(TPSCorrectionDataC) == 16 && sizeof(ODM::TPSCorrectionDataC) == 104);
+static_assert(API::kHasSize<TPSCorrectionDataC, 16> && API::kHasSize<ODM::TPSCorrectionDataC, 104>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::TPSCorrectionDataC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_CORRECTION_DATA_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+TPSMeasDataC::TPSMeasDataC() = default;
+TPSMeasDataC::TPSMeasDataC(API::BaseC* owner) : ImplC(owner) {}
+TPSMeasDataC::TPSMeasDataC(const TPSMeasDataC& other) = default;
+TPSMeasDataC& TPSMeasDataC::operator=(const TPSMeasDataC& other) = default;
+TPSMeasDataC::~TPSMeasDataC() = default;
+API::BaseC* TPSMeasDataC::GetBase() { return ImplC::GetBase(); }
+
 TPSMeasDataC::TPSMeasDataC(const char16_t* text, double value1, double value2, double value3,
                            double value4, double value5, double value6, float single1,
                            double value7, double value8, double value9, double value10,
@@ -116,6 +123,12 @@ bool TPSMeasDataC::isEqual(const TPSMeasDataC& other) const {
 
 namespace SDI {
 
+TPSMeasDataC::TPSMeasDataC() = default;
+TPSMeasDataC::TPSMeasDataC(ODM::TPSMeasDataC* impl) : HandleC(impl) {}
+TPSMeasDataC::TPSMeasDataC(const TPSMeasDataC& other) = default;
+TPSMeasDataC& TPSMeasDataC::operator=(const TPSMeasDataC& other) = default;
+TPSMeasDataC::~TPSMeasDataC() = default;
+
 TPSMeasDataC::TPSMeasDataC(const char16_t* text, double value1, double value2, double value3,
                            double value4, double value5, double value6, float single1,
                            double value7, double value8, double value9, double value10,
@@ -193,3 +206,5 @@ bool TPSMeasDataC::IsEqual(const TPSMeasDataC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::TPSMeasDataC* API::CastFromAny(API::ImplObjectC*);

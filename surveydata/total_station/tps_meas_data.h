@@ -16,8 +16,12 @@ namespace ODM {
 /// The data of an `SDI::TPSMeasDataC`.
 class SURVEYDATA_API TPSMeasDataC : public API::ImplC<TPSMeasDataC, SDI::TPSMeasDataC> {
  public:
-  using ImplC::ImplC;
-  TPSMeasDataC() = default;
+  TPSMeasDataC();
+  explicit TPSMeasDataC(API::BaseC* owner);
+  TPSMeasDataC(const TPSMeasDataC& other);
+  TPSMeasDataC& operator=(const TPSMeasDataC& other);
+  ~TPSMeasDataC() override;
+  API::BaseC* GetBase() override;
   /// `text` is taken as `SetText` takes it.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
@@ -129,8 +133,11 @@ namespace SDI {
 /// record has an empty text and is all zeros.
 class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
  public:
-  using HandleC::HandleC;
-  TPSMeasDataC() = default;
+  TPSMeasDataC();
+  explicit TPSMeasDataC(ODM::TPSMeasDataC* impl);
+  TPSMeasDataC(const TPSMeasDataC& other);
+  TPSMeasDataC& operator=(const TPSMeasDataC& other);
+  ~TPSMeasDataC() override;
   /// `text` is taken as `SetText` takes it.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
@@ -205,8 +212,10 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   bool IsEqual(const TPSMeasDataC& other) const;
 };
 
-static_assert(sizeof(TPSMeasDataC) == 16 && sizeof(ODM::TPSMeasDataC) == 224);
+static_assert(API::kHasSize<TPSMeasDataC, 16> && API::kHasSize<ODM::TPSMeasDataC, 224>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::TPSMeasDataC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_MEAS_DATA_H_

@@ -3,6 +3,13 @@
 
 namespace ODM {
 
+TPSSetupDataC::TPSSetupDataC() = default;
+TPSSetupDataC::TPSSetupDataC(API::BaseC* owner) : ImplC(owner) {}
+TPSSetupDataC::TPSSetupDataC(const TPSSetupDataC& other) = default;
+TPSSetupDataC& TPSSetupDataC::operator=(const TPSSetupDataC& other) = default;
+TPSSetupDataC::~TPSSetupDataC() = default;
+API::BaseC* TPSSetupDataC::GetBase() { return ImplC::GetBase(); }
+
 TPSSetupDataC::TPSSetupDataC(double value1, std::uint32_t flags, std::uint8_t byte1, double value2,
                              double value3, double value4, double value5, float single1,
                              float single2, float single3, std::uint32_t word1, std::uint32_t word2,
@@ -63,6 +70,12 @@ bool TPSSetupDataC::isEqual(const TPSSetupDataC& other) const {
 
 namespace SDI {
 
+TPSSetupDataC::TPSSetupDataC() = default;
+TPSSetupDataC::TPSSetupDataC(ODM::TPSSetupDataC* impl) : HandleC(impl) {}
+TPSSetupDataC::TPSSetupDataC(const TPSSetupDataC& other) = default;
+TPSSetupDataC& TPSSetupDataC::operator=(const TPSSetupDataC& other) = default;
+TPSSetupDataC::~TPSSetupDataC() = default;
+
 TPSSetupDataC::TPSSetupDataC(double value1, std::uint32_t flags, std::uint8_t byte1, double value2,
                              double value3, double value4, double value5, float single1,
                              float single2, float single3, std::uint32_t word1, std::uint32_t word2,
@@ -104,3 +117,5 @@ bool TPSSetupDataC::IsEqual(const TPSSetupDataC& other) const {
 }
 
 }  // namespace SDI
+
+template ODM::TPSSetupDataC* API::CastFromAny(API::ImplObjectC*);

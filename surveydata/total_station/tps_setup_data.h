@@ -15,8 +15,12 @@ namespace ODM {
 /// The data of an `SDI::TPSSetupDataC`.
 class SURVEYDATA_API TPSSetupDataC : public API::ImplC<TPSSetupDataC, SDI::TPSSetupDataC> {
  public:
-  using ImplC::ImplC;
-  TPSSetupDataC() = default;
+  TPSSetupDataC();
+  explicit TPSSetupDataC(API::BaseC* owner);
+  TPSSetupDataC(const TPSSetupDataC& other);
+  TPSSetupDataC& operator=(const TPSSetupDataC& other);
+  ~TPSSetupDataC() override;
+  API::BaseC* GetBase() override;
   TPSSetupDataC(double value1, std::uint32_t flags, std::uint8_t byte1, double value2,
                 double value3, double value4, double value5, float single1, float single2,
                 float single3, std::uint32_t word1, std::uint32_t word2, std::uint32_t word3);
@@ -77,8 +81,11 @@ namespace SDI {
 /// record is all zeros.
 class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
  public:
-  using HandleC::HandleC;
-  TPSSetupDataC() = default;
+  TPSSetupDataC();
+  explicit TPSSetupDataC(ODM::TPSSetupDataC* impl);
+  TPSSetupDataC(const TPSSetupDataC& other);
+  TPSSetupDataC& operator=(const TPSSetupDataC& other);
+  ~TPSSetupDataC() override;
   TPSSetupDataC(double value1, std::uint32_t flags, std::uint8_t byte1, double value2,
                 double value3, double value4, double value5, float single1, float single2,
                 float single3, std::uint32_t word1, std::uint32_t word2, std::uint32_t word3);
@@ -116,8 +123,10 @@ class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
   bool IsEqual(const TPSSetupDataC& other) const;
 };
 
-static_assert(sizeof(TPSSetupDataC) == 16 && sizeof(ODM::TPSSetupDataC) == 88);
+static_assert(API::kHasSize<TPSSetupDataC, 16> && API::kHasSize<ODM::TPSSetupDataC, 88>);
 
 }  // namespace SDI
+
+extern template SURVEYDATA_API ODM::TPSSetupDataC* API::CastFromAny(API::ImplObjectC*);
 
 #endif  // SURVEYDATA_TOTAL_STATION_TPS_SETUP_DATA_H_

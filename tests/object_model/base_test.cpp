@@ -76,6 +76,50 @@ TEST(Base, DestroysItsImplementationWithinItsOwnEnd) {
   EXPECT_EQ(impl, 2);
 }
 
+// What a destructor of a derived class, run by the destructor of the other side, finds there.
+class AskingImpl : public ImplObjectC {
+ public:
+  AskingImpl(BaseC& object, const ImplObjectC*& found) : object_(object), found_(found) {}
+  ~AskingImpl() override {
+    EXPECT_EQ(GetBase(), nullptr);  // its own link is cut
+    found_ = object_.GetImpl();
+  }
+
+ private:
+  BaseC& object_;
+  const ImplObjectC*& found_;
+};
+
+class AskingObject : public BaseC {
+ public:
+  AskingObject(ImplObjectC* impl, const BaseC*& found) : BaseC(impl), impl_(impl), found_(found) {}
+  ~AskingObject() override {
+    EXPECT_EQ(GetImpl(), nullptr);
+    found_ = impl_->GetBase();
+  }
+
+ private:
+  ImplObjectC* impl_;
+  const BaseC*& found_;
+};
+
+TEST(Base, StillAnswersItsImplementationWhileThatIsDestroyed) {
+  const ImplObjectC* found = nullptr;
+  auto* const object = new BaseC;
+  auto* const impl = new AskingImpl(*object, found);
+  object->SetImpl(impl);
+  delete object;
+  EXPECT_EQ(found, impl);
+}
+
+TEST(ImplObject, StillAnswersItsOwnerWhileThatIsDestroyed) {
+  const BaseC* found = nullptr;
+  auto* const impl = new ImplObjectC;
+  const auto* const object = new AskingObject(impl, found);
+  delete impl;
+  EXPECT_EQ(found, object);
+}
+
 TEST(ImplObject, DestroysItsOwnerWithinItsOwnEnd) {
   int object = 0;
   int impl = 0;

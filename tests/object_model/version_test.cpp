@@ -51,7 +51,7 @@ concept HasLessOrEqual = requires(const V& a, const V& b) {
 };
 
 TEST(Version, IsAPlainWordThatOffersEqualityAndNotBeforeAlone) {
-  static_assert(std::is_trivially_copyable_v<VersionC> && !std::is_polymorphic_v<VersionC>);
+  static_assert(std::is_trivially_destructible_v<VersionC> && !std::is_polymorphic_v<VersionC>);
   static_assert(sizeof(VersionC) == 4);
   static_assert(std::equality_comparable<int> && HasUnequal<int>);
   static_assert(!HasUnequal<VersionC> && !HasLess<VersionC> && !HasGreater<VersionC> &&
