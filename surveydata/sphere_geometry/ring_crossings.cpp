@@ -4,15 +4,23 @@
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/edge_sweep.h>
 #include <surveydata/sphere_geometry/ring_crossings.h>
 
 namespace GMAT {
 namespace {
 
-bool CrossAsArcs(const AnglePointC& a1, const AnglePointC& a2, const AnglePointC& b1,
-                 const AnglePointC& b2) {
+// Whether the edges `first` < `second` of a ring cross, as arcs and in the plane, and are no
+// neighbours. The planar question is the cheap one.
+bool DoEdgesCross(const std::vector<AnglePointC>& edges, std::size_t first, std::size_t second) {
+  if (second - first < 2 || (first == 0 && second + 1 == edges.size() / 2)) return false;
+  const AnglePointC& a1 = edges[2 * first];
+  const AnglePointC& a2 = edges[2 * first + 1];
+  const AnglePointC& b1 = edges[2 * second];
+  const AnglePointC& b2 = edges[2 * second + 1];
   AnglePointC crossing;
-  return FindSphericalCrossing(ArcEdgeC(SpherePointC(a1), SpherePointC(a2)),
+  return FindPlanarCrossing(a1, a2, b1, b2, crossing) &&
+         FindSphericalCrossing(ArcEdgeC(SpherePointC(a1), SpherePointC(a2)),
                                ArcEdgeC(SpherePointC(b1), SpherePointC(b2)), crossing);
 }
 
@@ -36,6 +44,58 @@ struct Box {
   Range across;
   std::size_t edge;
 };
+
+// So many comparisons of boxes cost less than the sweep in order.
+constexpr std::size_t kBoxesPerEdge = 24;
+
+// Asks for the pairs of edges whose boxes come within the margin of each other, and gives up after
+// `most` comparisons.
+SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing,
+                       std::size_t most) {
+  const std::size_t count = edges.size() / 2;
+  std::vector<Box> boxes;
+  boxes.reserve(count);
+  double spansHz = 0.0;
+  double spansV = 0.0;
+  Range allHz(edges[0].Hz, edges[0].Hz);
+  Range allV(edges[0].V, edges[0].V);
+  for (std::size_t i = 0; i < count; ++i) {
+    const AnglePointC& a = edges[2 * i];
+    const AnglePointC& b = edges[2 * i + 1];
+    const Box& box = boxes.emplace_back(Box{{a.Hz, b.Hz}, {a.V, b.V}, i});
+    spansHz += box.along.GetLength();
+    spansV += box.across.GetLength();
+    allHz.Widen(box.along);
+    allV.Widen(box.across);
+  }
+  // Sweep the way on which fewer edges lie side by side.
+  if (spansHz * allV.GetLength() > spansV * allHz.GetLength()) {
+    for (Box& box : boxes) std::swap(box.along, box.across);
+  }
+  std::sort(boxes.begin(), boxes.end(),
+            [](const Box& a, const Box& b) { return a.along.low < b.along.low; });
+
+  // A crossing in the plane lies in both boxes to 10 digits, so boxes that are apart by more than
+  // the margin need no test. Edges enter where they begin and leave when passed.
+  std::vector<Box> active;
+  for (const Box& box : boxes) {
+    if (most < active.size()) return SweepResult::kUndecided;
+    most -= active.size();
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < active.size(); ++i) {
+      const Box& other = active[i];
+      if (other.along.high + kRoundingMargin < box.along.low) continue;
+      if (other.across.Reaches(box.across)) {
+        const auto [first, second] = std::minmax(box.edge, other.edge);
+        if (areCrossing(first, second)) return SweepResult::kCrossing;
+      }
+      active[kept++] = other;
+    }
+    active.erase(active.begin() + static_cast<std::ptrdiff_t>(kept), active.end());
+    active.push_back(box);
+  }
+  return SweepResult::kNoCrossing;
+}
 
 }  // namespace
 
@@ -113,55 +173,16 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
 }
 
 bool CrossesItself(const std::vector<AnglePointC>& edges) {
+  const EdgePairTest areCrossing = [&edges](std::size_t first, std::size_t second) {
+    return DoEdgesCross(edges, first, second);
+  };
   const std::size_t count = edges.size() / 2;
-  std::vector<Box> boxes;
-  boxes.reserve(count);
-  double spansHz = 0.0;
-  double spansV = 0.0;
-  Range allHz(edges[0].Hz, edges[0].Hz);
-  Range allV(edges[0].V, edges[0].V);
-  for (std::size_t i = 0; i < count; ++i) {
-    const AnglePointC& a = edges[2 * i];
-    const AnglePointC& b = edges[2 * i + 1];
-    const Box& box = boxes.emplace_back(Box{{a.Hz, b.Hz}, {a.V, b.V}, i});
-    spansHz += box.along.GetLength();
-    spansV += box.across.GetLength();
-    allHz.Widen(box.along);
-    allV.Widen(box.across);
+  SweepResult result = SweepBoxes(edges, areCrossing, kBoxesPerEdge * count);
+  if (result == SweepResult::kUndecided) result = SweepInOrder(edges, areCrossing);
+  if (result == SweepResult::kUndecided) {
+    result = SweepBoxes(edges, areCrossing, std::numeric_limits<std::size_t>::max());
   }
-  // Sweep the way on which fewer edges lie side by side.
-  if (spansHz * allV.GetLength() > spansV * allHz.GetLength()) {
-    for (Box& box : boxes) std::swap(box.along, box.across);
-  }
-  std::sort(boxes.begin(), boxes.end(),
-            [](const Box& a, const Box& b) { return a.along.low < b.along.low; });
-
-  // A crossing in the plane lies in both boxes to 10 digits, so boxes that are apart by more than
-  // the margin need no test. Edges enter where they begin and leave when passed.
-  std::vector<Box> active;
-  for (const Box& box : boxes) {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < active.size(); ++i) {
-      const Box& other = active[i];
-      if (other.along.high + kRoundingMargin < box.along.low) continue;
-      if (other.across.Reaches(box.across)) {
-        const auto [first, second] = std::minmax(box.edge, other.edge);
-        const bool areNeighbours = second - first < 2 || (first == 0 && second + 1 == count);
-        AnglePointC crossing;
-        if (!areNeighbours &&
-            FindPlanarCrossing(edges[2 * first], edges[2 * first + 1], edges[2 * second],
-                               edges[2 * second + 1], crossing) &&
-            CrossAsArcs(edges[2 * first], edges[2 * first + 1], edges[2 * second],
-                        edges[2 * second + 1])) {
-          return true;
-        }
-      }
-      active[kept++] = other;
-    }
-    active.erase(active.begin() + static_cast<std::ptrdiff_t>(kept), active.end());
-    active.push_back(box);
-  }
-  return false;
+  return result == SweepResult::kCrossing;
 }
 
 }  // namespace GMAT

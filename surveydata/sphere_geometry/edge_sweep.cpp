@@ -1,0 +1,279 @@
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <numeric>
+#include <optional>
+#include <set>
+#include <span>
+#include <utility>
+
+#include <surveydata/sphere_geometry/edge_sweep.h>
+
+namespace GMAT {
+namespace {
+
+// The sweep works on coordinates rounded to multiples of this: their differences are exact doubles,
+// so that the order of edges is decided exactly.
+constexpr double kGrid = 0x1p-40;
+static_assert(kWidestFrame / kGrid <= 0x1p52);
+
+// How far the rounding moves an edge.
+constexpr double kMoved = 0.71 * kGrid;
+
+// The distance, along the axes, within which edges are asked for. An edge that is not steep and
+// passes an end of another one at a distance d passes above or below it by at most sqrt(2) d, or has
+// an end that near. The rest covers the rounding of heights, some units in the last place of 2048.
+constexpr double kNear = 2e-9;
+static_assert(1.4143 * (kCrossingReach + 2.0 * kMoved) + 1e-11 < kNear);
+
+struct Point {
+  double x;
+  double y;
+
+  friend bool operator==(const Point&, const Point&) = default;
+  friend bool operator<(const Point& p, const Point& q) {
+    return p.x != q.x ? p.x < q.x : p.y < q.y;
+  }
+};
+
+double Snapped(double angle) { return std::floor(angle / kGrid + 0.5) * kGrid; }
+
+// What `product`, the rounded a b, lacks.
+// \source Dekker, A floating-point technique for extending the available precision, 1971.
+double RestOfProduct(double a, double b, double product) {
+  constexpr double kSplitter = 0x1p27 + 1.0;
+  const auto high = [](double x) {
+    const double scaled = kSplitter * x;
+    return scaled - (scaled - x);
+  };
+  const double a1 = high(a);
+  const double b1 = high(b);
+  const double a2 = a - a1;
+  const double b2 = b - b1;
+  return a2 * b2 - (((product - a1 * b1) - a2 * b1) - a1 * b2);
+}
+
+// Which side of the line from `a` to `b` the point `p` lies on: 1 left, -1 right, 0 on it. Exact:
+// rounding keeps the order of two products, and those that round alike differ by their rests.
+int Side(const Point& a, const Point& b, const Point& p) {
+  const double dx = b.x - a.x;
+  const double dy = b.y - a.y;
+  const double px = p.x - a.x;
+  const double py = p.y - a.y;
+  double up = dx * py;
+  double down = dy * px;
+  if (up == down) {
+    up = RestOfProduct(dx, py, up);
+    down = RestOfProduct(dy, px, down);
+  }
+  return (up > down) - (up < down);
+}
+
+// An edge on the sweep line. A vertical one counts as leaning a little to the right.
+struct Segment {
+  Point left;
+  Point right;
+  std::size_t edge;
+
+  // Where the sweep line at `p`, which lies between the ends, crosses the segment.
+  double HeightAt(const Point& p) const {
+    if (left.x == right.x) return p.y;
+    return left.y + (p.x - left.x) / (right.x - left.x) * (right.y - left.y);
+  }
+};
+
+// The order on the sweep line. Two segments that it crosses are compared where the later one
+// begins; when that is on the other one, by where they go.
+struct IsBelow {
+  using is_transparent = void;
+
+  bool operator()(const Segment& s, const Segment& t) const {
+    return t.left < s.left ? SideOf(t, s) < 0 : SideOf(s, t) > 0;
+  }
+  bool operator()(const Segment& s, const Point& p) const { return Side(s.left, s.right, p) > 0; }
+  bool operator()(const Point& p, const Segment& s) const { return Side(s.left, s.right, p) < 0; }
+
+ private:
+  static int SideOf(const Segment& s, const Segment& later) {
+    const int side = Side(s.left, s.right, later.left);
+    return side != 0 ? side : Side(s.left, s.right, later.right);
+  }
+};
+
+// Whether they cross at a point that is an end of neither, so that they change places there.
+bool CrossInside(const Segment& s, const Segment& t) {
+  return Side(s.left, s.right, t.left) * Side(s.left, s.right, t.right) < 0 &&
+         Side(t.left, t.right, s.left) * Side(t.left, t.right, s.right) < 0;
+}
+
+// The edges of a ring and the question asked of their pairs. Corner i begins edge i and ends edge
+// i - 1; the last corner ends the last edge.
+class RingC {
+ public:
+  RingC(std::vector<Point> corners, const EdgePairTest& areCrossing)
+      : corners_(std::move(corners)), areCrossing_(areCrossing) {}
+
+  const std::vector<Point>& GetCorners() const { return corners_; }
+  std::size_t CountEdges() const { return corners_.size() - 1; }
+  void SwapAxes() {
+    for (Point& corner : corners_) std::swap(corner.x, corner.y);
+  }
+
+  // `action(edge, its other end)` for the edges at a corner, until it answers true.
+  template <class Action>
+  bool AnyEdgeAt(std::size_t corner, Action action) const {
+    return (corner > 0 && action(corner - 1, corners_[corner - 1])) ||
+           (corner < CountEdges() && action(corner, corners_[corner + 1]));
+  }
+
+  bool Ask(std::size_t edge, std::size_t other) const {
+    const auto [first, second] = std::minmax(edge, other);
+    return areCrossing_(first, second);
+  }
+  bool AskForEdgesAt(std::size_t corner, std::size_t other) const {
+    return AnyEdgeAt(corner, [&](std::size_t edge, const Point&) { return Ask(edge, other); });
+  }
+
+  std::vector<std::size_t> SortCorners() const {
+    std::vector<std::size_t> order(corners_.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [this](std::size_t i, std::size_t k) { return corners_[i] < corners_[k]; });
+    return order;
+  }
+
+ private:
+  std::vector<Point> corners_;
+  const EdgePairTest& areCrossing_;
+};
+
+// Whether a pair of edges crosses that have ends near each other.
+bool CrossNearCorners(const RingC& ring) {
+  const std::vector<Point>& corners = ring.GetCorners();
+  const std::vector<std::size_t> order = ring.SortCorners();
+  std::set<std::pair<double, std::size_t>> passed;  // nearby, by their y
+  auto oldest = order.begin();
+  for (const std::size_t corner : order) {
+    const Point& p = corners[corner];
+    for (; corners[*oldest].x < p.x - kNear; ++oldest) passed.erase({corners[*oldest].y, *oldest});
+    for (auto near = passed.lower_bound({p.y - kNear, 0});
+         near != passed.end() && near->first <= p.y + kNear; ++near) {
+      if (ring.AnyEdgeAt(near->second, [&](std::size_t edge, const Point&) {
+            return ring.AskForEdgesAt(corner, edge);
+          })) {
+        return true;
+      }
+    }
+    passed.insert({p.y, corner});
+  }
+  return false;
+}
+
+// Moves a sweep line along x.
+class SweepC {
+ public:
+  explicit SweepC(const RingC& ring) : ring_(ring), places_(ring.CountEdges()) {}
+
+  // Whether a pair of edges crosses that change places, or one of which passes an end of the other
+  // nearby and is not steep. `keepPlaces` tells that no edges change places.
+  SweepResult FindCrossing(bool keepPlaces) {
+    keepPlaces_ = keepPlaces;
+    const std::vector<Point>& corners = ring_.GetCorners();
+    const std::vector<std::size_t> order = ring_.SortCorners();
+    for (auto begin = order.begin(); begin != order.end();) {
+      const Point& at = corners[*begin];
+      const auto end =
+          std::find_if(begin, order.end(), [&](std::size_t corner) { return corners[corner] != at; });
+      // Edges begin where all that end are gone: what meets in a point and parts again there has no
+      // order.
+      const std::span<const std::size_t> here(begin, end);
+      for (const std::size_t corner : here) RemoveEdgesEndingAt(corner);
+      if (ArePlacesLost()) return AskForExchange();
+      for (const std::size_t corner : here) {
+        if (AskBelowAndAbove(corner)) return SweepResult::kCrossing;
+      }
+      for (const std::size_t corner : here) InsertEdgesBeginningAt(corner);
+      if (ArePlacesLost()) return AskForExchange();
+      begin = end;
+    }
+    return SweepResult::kNoCrossing;
+  }
+
+ private:
+  using Status = std::multiset<Segment, IsBelow>;
+
+  void RemoveEdgesEndingAt(std::size_t corner) {
+    const Point& at = ring_.GetCorners()[corner];
+    ring_.AnyEdgeAt(corner, [&](std::size_t edge, const Point& other) {
+      if (!(other < at)) return false;
+      const auto above = status_.erase(places_[edge]);
+      if (above != status_.begin() && above != status_.end()) Compare(*std::prev(above), *above);
+      return false;
+    });
+  }
+  void InsertEdgesBeginningAt(std::size_t corner) {
+    const Point& at = ring_.GetCorners()[corner];
+    ring_.AnyEdgeAt(corner, [&](std::size_t edge, const Point& other) {
+      if (!(at < other)) return false;
+      const auto place = status_.insert({at, other, edge});
+      places_[edge] = place;
+      if (place != status_.begin()) Compare(*std::prev(place), *place);
+      if (std::next(place) != status_.end()) Compare(*place, *std::next(place));
+      return false;
+    });
+  }
+
+  void Compare(const Segment& s, const Segment& t) {
+    if (!keepPlaces_ && !exchange_ && CrossInside(s, t)) exchange_.emplace(s.edge, t.edge);
+  }
+  bool ArePlacesLost() const { return exchange_.has_value(); }
+  SweepResult AskForExchange() const {
+    return ring_.Ask(exchange_->first, exchange_->second) ? SweepResult::kCrossing
+                                                          : SweepResult::kUndecided;
+  }
+
+  // The edges that pass a corner nearby, whatever lies between.
+  bool AskBelowAndAbove(std::size_t corner) const {
+    const Point& p = ring_.GetCorners()[corner];
+    const auto place = status_.lower_bound(p);
+    for (auto above = place; above != status_.end() && above->HeightAt(p) <= p.y + kNear; ++above) {
+      if (ring_.AskForEdgesAt(corner, above->edge)) return true;
+    }
+    for (auto below = place; below != status_.begin();) {
+      --below;
+      if (below->HeightAt(p) < p.y - kNear) break;
+      if (ring_.AskForEdgesAt(corner, below->edge)) return true;
+    }
+    return false;
+  }
+
+  const RingC& ring_;
+  bool keepPlaces_ = false;
+  Status status_;                         // the edges on the sweep line, from below
+  std::vector<Status::iterator> places_;  // where they are
+  std::optional<std::pair<std::size_t, std::size_t>> exchange_;
+};
+
+}  // namespace
+
+SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing) {
+  std::vector<Point> corners;
+  corners.reserve(edges.size() / 2 + 1);
+  const auto add = [&](const AnglePointC& corner) {
+    corners.push_back({Snapped(corner.Hz), Snapped(corner.V)});
+    return std::fabs(corner.Hz) <= kWidestFrame && std::fabs(corner.V) <= kWidestFrame;
+  };
+  for (std::size_t i = 0; i < edges.size(); i += 2) {
+    if (!add(edges[i])) return SweepResult::kUndecided;
+  }
+  if (!add(edges.back())) return SweepResult::kUndecided;
+
+  RingC ring(std::move(corners), areCrossing);
+  if (CrossNearCorners(ring)) return SweepResult::kCrossing;
+  const SweepResult result = SweepC(ring).FindCrossing(false);
+  if (result != SweepResult::kNoCrossing) return result;
+  ring.SwapAxes();
+  return SweepC(ring).FindCrossing(true);
+}
+
+}  // namespace GMAT

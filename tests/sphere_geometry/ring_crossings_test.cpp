@@ -1,0 +1,431 @@
+// Whether a ring crosses itself: the sweeps against the plain comparison of all pairs of edges.
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <boost/multiprecision/cpp_bin_float.hpp>
+#include <gtest/gtest.h>
+
+#include <benchmarks/hostile_rings.h>
+#include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/edge_sweep.h>
+#include <surveydata/sphere_geometry/ring_crossings.h>
+#include <surveydata/sphere_geometry/sphere_area.h>
+
+#include "literal_sphere_area.h"
+#include "ring_generator.h"
+
+namespace GMAT {
+namespace {
+
+using Ring = std::vector<AnglePointC>;
+using EdgePair = std::pair<std::size_t, std::size_t>;
+
+SphereAreaC ToArea(const Ring& ring) {
+  SphereAreaC area;
+  area.AddPoints(ring);
+  return area;
+}
+
+std::vector<AnglePointC> EdgesOf(const Ring& ring) {
+  std::vector<AnglePointC> edges;
+  double hzOrigin = 0.0;
+  ToArea(ring).BuildEdgeList(edges, hzOrigin);
+  return edges;
+}
+
+bool IsValidByTheLiteralRules(const Ring& ring) {
+  literal::SphereArea rules;
+  for (const AnglePointC& p : ring) rules.AddPoint(p.Hz, p.V);
+  return rules.IsValid();
+}
+
+bool AreNeighbours(std::size_t first, std::size_t second, std::size_t count) {
+  return second - first < 2 || (first == 0 && second + 1 == count);
+}
+
+bool DoEdgesCross(const std::vector<AnglePointC>& edges, std::size_t first, std::size_t second) {
+  if (AreNeighbours(first, second, edges.size() / 2)) return false;
+  const auto arc = [&](std::size_t i) {
+    return ArcEdgeC(SpherePointC(edges[2 * i]), SpherePointC(edges[2 * i + 1]));
+  };
+  AnglePointC crossing;
+  return FindPlanarCrossing(edges[2 * first], edges[2 * first + 1], edges[2 * second],
+                            edges[2 * second + 1], crossing) &&
+         FindSphericalCrossing(arc(first), arc(second), crossing);
+}
+
+bool HasCrossingPair(const std::vector<AnglePointC>& edges) {
+  for (std::size_t first = 0; 2 * first < edges.size(); ++first) {
+    for (std::size_t second = first + 2; 2 * second < edges.size(); ++second) {
+      if (DoEdgesCross(edges, first, second)) return true;
+    }
+  }
+  return false;
+}
+
+SweepResult Sweep(const std::vector<AnglePointC>& edges) {
+  return SweepInOrder(edges, [&edges](std::size_t first, std::size_t second) {
+    return DoEdgesCross(edges, first, second);
+  });
+}
+
+std::string Describe(const Ring& ring) {
+  std::string text;
+  for (const AnglePointC& p : ring) {
+    char line[100];
+    std::snprintf(line, sizeof(line), "{%a, %a}, ", p.Hz, p.V);
+    text += line;
+  }
+  return text;
+}
+
+class HostileRingGenerator : public RingGenerator {
+ public:
+  using RingGenerator::RingGenerator;
+
+  double Pick(std::initializer_list<double> values) { return values.begin()[Below(values.size())]; }
+
+  // One of the shapes of the benchmark, combs at any angle.
+  Ring Shape(std::size_t n) {
+    const std::uint64_t kind = Below(std::size(HostileRings::kAll) + 1);
+    const std::vector<Direction> corners = kind == std::size(HostileRings::kAll)
+                                               ? HostileRings::Comb(n, AnyAngle())
+                                               : HostileRings::kAll[kind].make(n);
+    Ring ring;
+    for (const Direction& d : corners) ring.push_back({d.hz, d.v});
+    return ring;
+  }
+
+  // A simple ring that is thin everywhere, at any angle: two chains above each other, whose
+  // distances, steps and edges are near the margins, or not.
+  Ring ThinRing(std::size_t n) {
+    const double angle = AnyAngle();
+    Ring ring;
+    Ring back;
+    double x = 60.0 * Uniform(-0.3, 0.0);
+    double y = 0.0;
+    const auto add = [&](Ring& to, double height) {
+      const Direction d = HostileRings::At(x, height, angle);
+      to.push_back({d.hz, d.v});
+    };
+    for (std::size_t i = 0; i < n / 2; ++i) {
+      add(ring, y);
+      if (Below(8) != 0) add(back, y + Small() + (Below(3) == 0 ? Uniform(0.0, 3.0) : 0.0));
+      x += Below(3) == 0 ? Uniform(0.0, 2.0) : Small() * static_cast<double>(Below(4) != 0);
+      y += (Below(3) == 0 ? Uniform(-3.0, 3.0) : Small()) * (Below(2) == 0 ? 1.0 : -1.0);
+    }
+    ring.insert(ring.end(), back.rbegin(), back.rend());
+    return ring;
+  }
+
+  // Corners on a few lines along Hz and V: vertical and collinear edges, touching corners.
+  Ring LatticeRing(std::size_t n) {
+    const double step = Pick({0.1, 0.1, 1e-3, 1e-9, 5e-10, 2e-10, 1e-12});
+    const std::uint64_t lines = 2 + Below(6);
+    Ring ring;
+    while (ring.size() < n) {
+      ring.push_back({1.0 + step * static_cast<double>(Below(lines)),
+                      1.5 + 0.1 * static_cast<double>(Below(lines))});
+      if (ring.size() > 1 && ring.back() == ring[ring.size() - 2]) ring.pop_back();
+    }
+    return ring;
+  }
+
+  // Plants crossings, edges that nearly touch, repeated corners, vertical edges, other turns.
+  void Harm(Ring& ring) {
+    const std::size_t i = Below(ring.size());
+    const std::size_t k = Below(ring.size());
+    const AnglePointC& a = ring[k];
+    const AnglePointC& b = ring[(k + 1) % ring.size()];
+    const double t = Uniform(0.0, 1.0);
+    const auto away = [this] {
+      const double sizes[] = {0.0, 1e-16, 1e-12, 1e-11, 1e-10, 2e-10, 4e-10, 5.8e-10, 1e-9, 3e-9};
+      return Uniform(-1.0, 1.0) * sizes[Below(std::size(sizes))];
+    };
+    switch (Below(7)) {
+      case 0:
+        std::swap(ring[i], ring[k]);
+        break;
+      case 1:
+      case 2:
+        ring[i] = {a.Hz + t * (b.Hz - a.Hz) + away(), a.V + t * (b.V - a.V) + away()};
+        break;
+      case 3:
+        ring[i] = {a.Hz + away(), a.V + away()};
+        break;
+      case 4:
+        ring[i].Hz = a.Hz + away();
+        break;
+      case 5:
+        ring[i].V = a.V + away();
+        break;
+      default:
+        ring.insert(ring.begin() + static_cast<std::ptrdiff_t>(i), {a.Hz + away(), a.V + away()});
+    }
+  }
+
+  // Brings corners across Hz 0 and out of range.
+  void Turn(Ring& ring) {
+    const double by = Uniform(-2.0, 2.0);
+    for (AnglePointC& p : ring) p.Hz = NormalizeAngle(p.Hz + by);
+  }
+
+  Ring Any(std::size_t n) {
+    const std::uint64_t kind = Below(8);
+    Ring ring = kind < 4 ? Shape(n) : kind < 7 ? ThinRing(n) : LatticeRing(n);
+    while (Below(2) == 0) Harm(ring);
+    if (Below(4) == 0) Turn(ring);
+    return ring;
+  }
+
+ private:
+  double AnyAngle() {
+    return Pick({0.0, 90.0, 45.0, -45.0, 1e-8, 89.99999, Uniform(0.0, 360.0), Uniform(0.0, 360.0)});
+  }
+  // Degrees: from 1e-11 to 1e-8 rad.
+  double Small() {
+    return Pick({1e-11, 1e-10, 2e-10, 4e-10, 7e-10, 1e-9, 1.5e-9, 3e-9, 1e-8}) * Uniform(0.3, 1.0) /
+           HostileRings::kDegree;
+  }
+};
+
+TEST(RingCrossings, ValidityOfHostileRingsIsThatOfTheLiteralRules) {
+  HostileRingGenerator random(1);
+  std::size_t valid = 0;
+  constexpr std::size_t kRings = 4000;
+  for (std::size_t i = 0; i < kRings; ++i) {
+    Ring ring = random.Any(8 + random.Below(33));
+    if (random.Below(50) == 0) {
+      (random.Below(2) == 0 ? ring[0].Hz : ring[1].V) =
+          random.Pick({std::numeric_limits<double>::quiet_NaN(), 7.0, -1.0, 1e300,
+                       std::numeric_limits<double>::infinity()});
+    }
+    const bool expected = IsValidByTheLiteralRules(ring);
+    ASSERT_EQ(ToArea(ring).IsValid(), expected) << Describe(ring);
+    valid += expected;
+  }
+  EXPECT_GT(valid, kRings / 5);
+  EXPECT_LT(valid, kRings * 4 / 5);
+}
+
+TEST(RingCrossings, SweepInOrderFindsACrossingWhereAPairHasOne) {
+  HostileRingGenerator random(2);
+  std::size_t counts[3] = {};
+  constexpr std::size_t kRings = 20'000;
+  for (std::size_t i = 0; i < kRings; ++i) {
+    const Ring ring = random.Any(8 + random.Below(i % 50 == 0 ? 600 : 60));
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    const bool expected = HasCrossingPair(edges);
+    const SweepResult result = Sweep(edges);
+    ++counts[static_cast<std::size_t>(result)];
+    if (result != SweepResult::kUndecided) {
+      ASSERT_EQ(result == SweepResult::kCrossing, expected) << Describe(ring);
+    }
+    ASSERT_EQ(CrossesItself(edges), expected) << Describe(ring);
+  }
+  EXPECT_GT(counts[static_cast<std::size_t>(SweepResult::kCrossing)], kRings / 5);
+  EXPECT_GT(counts[static_cast<std::size_t>(SweepResult::kNoCrossing)], kRings / 5);
+  EXPECT_GT(counts[static_cast<std::size_t>(SweepResult::kUndecided)], 0u);
+  EXPECT_LT(counts[static_cast<std::size_t>(SweepResult::kUndecided)], kRings / 10);
+}
+
+using Exact = boost::multiprecision::cpp_bin_float_100;
+
+Exact DistanceToSegment(const AnglePointC& p, const AnglePointC& a, const AnglePointC& b) {
+  const Exact x = Exact(b.Hz) - a.Hz;
+  const Exact y = Exact(b.V) - a.V;
+  const Exact px = Exact(p.Hz) - a.Hz;
+  const Exact py = Exact(p.V) - a.V;
+  const Exact length2 = x * x + y * y;
+  Exact t = length2 > 0 ? (px * x + py * y) / length2 : Exact(0);
+  t = t < 0 ? Exact(0) : t > 1 ? Exact(1) : t;
+  return sqrt((px - t * x) * (px - t * x) + (py - t * y) * (py - t * y));
+}
+
+int Side(const AnglePointC& a, const AnglePointC& b, const AnglePointC& p) {
+  const Exact cross = (Exact(b.Hz) - a.Hz) * (Exact(p.V) - a.V) - (Exact(b.V) - a.V) * (Exact(p.Hz) - a.Hz);
+  return cross.sign();
+}
+
+Exact Distance(const AnglePointC& a1, const AnglePointC& a2, const AnglePointC& b1,
+               const AnglePointC& b2) {
+  if (Side(a1, a2, b1) * Side(a1, a2, b2) < 0 && Side(b1, b2, a1) * Side(b1, b2, a2) < 0) return 0;
+  return std::min({DistanceToSegment(a1, b1, b2), DistanceToSegment(a2, b1, b2),
+                   DistanceToSegment(b1, a1, a2), DistanceToSegment(b2, a1, a2)});
+}
+
+// Whatever hides one edge from another: tiny edges between them, steep ones, vertical ones.
+TEST(RingCrossings, SweepInOrderAsksForAllPairsThatAreNear) {
+  HostileRingGenerator random(3);
+  std::size_t near = 0;
+  std::size_t decided = 0;
+  constexpr int kRings = 3000;
+  for (int i = 0; i < kRings; ++i) {
+    const Ring ring = random.ThinRing(6 + random.Below(30));
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    const std::size_t count = edges.size() / 2;
+    std::set<EdgePair> asked;
+    const SweepResult result = SweepInOrder(edges, [&](std::size_t first, std::size_t second) {
+      EXPECT_LE(first, second);
+      asked.emplace(first, second);
+      return false;
+    });
+    if (result != SweepResult::kNoCrossing) continue;
+    ++decided;
+    for (std::size_t first = 0; first < count; ++first) {
+      for (std::size_t second = first + 2; second < count; ++second) {
+        if (AreNeighbours(first, second, count)) continue;
+        const auto distance = static_cast<double>(Distance(
+            edges[2 * first], edges[2 * first + 1], edges[2 * second], edges[2 * second + 1]));
+        if (distance > kCrossingReach) continue;
+        ++near;
+        ASSERT_TRUE(asked.contains({first, second}))
+            << first << " and " << second << " of " << Describe(ring);
+      }
+    }
+  }
+  EXPECT_GT(decided, kRings / 2);
+  EXPECT_GT(near, 10'000u);
+}
+
+TEST(RingCrossings, SweepInOrderAsksForFewOthers) {
+  for (const HostileRings::Named& kind : HostileRings::kAll) {
+    for (const std::size_t n : {100, 1000, 10'000}) {
+      SphereAreaC area;
+      for (const Direction& d : kind.make(n)) area.AddPoint(d.hz, d.v);
+      ASSERT_EQ(area.GetPointCount(), n);
+      std::vector<AnglePointC> edges;
+      double hzOrigin = 0.0;
+      area.BuildEdgeList(edges, hzOrigin);
+      std::size_t asked = 0;
+      const SweepResult result = SweepInOrder(edges, [&](std::size_t, std::size_t) {
+        ++asked;
+        return false;
+      });
+      EXPECT_EQ(result, SweepResult::kNoCrossing) << kind.name << " of " << n;
+      EXPECT_LT(asked, 10u) << kind.name << " of " << n;
+      EXPECT_TRUE(area.IsValid()) << kind.name << " of " << n;
+    }
+  }
+}
+
+TEST(RingCrossings, OneCrossingInALargeRingIsFound) {
+  HostileRingGenerator random(4);
+  for (int i = 0; i < 60; ++i) {
+    Ring ring = random.Shape(3000);
+    ASSERT_TRUE(ToArea(ring).IsValid());
+    const std::size_t at = random.Below(ring.size() - 8);
+    std::swap(ring[at], ring[at + 2 + random.Below(6)]);
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    ASSERT_EQ(ToArea(ring).IsValid(), !HasCrossingPair(edges));
+  }
+}
+
+// The edges of a pair whose crossing the plane reports, as the bound of the sweep assumes.
+TEST(RingCrossings, ACrossingInThePlaneMeansThatTheEdgesAreWithinReach) {
+  HostileRingGenerator random(5);
+  Exact farthest = 0;
+  Exact farthestOfTiny = 0;
+  std::size_t reported = 0;
+  for (int i = 0; i < 400'000; ++i) {
+    // Nearly parallel lines side by side, or ends that miss each other, somewhere in a wide frame.
+    const double angle = random.Pick({0.0, HALF_PI, PI / 4.0, random.Uniform(0.0, TWO_PI)});
+    const double far = random.Pick({0.0, 1.0, 12.0, 2000.0});
+    const auto at = [&](double along, double across) {
+      return AnglePointC{far + along * std::cos(angle) - across * std::sin(angle),
+                         1.0 + along * std::sin(angle) + across * std::cos(angle)};
+    };
+    const auto off = [&] {
+      return random.Uniform(-1.0, 1.0) * random.Pick({1e-16, 1e-13, 1e-10, 3e-10, 6e-10, 1e-9});
+    };
+    const double length = random.Pick({1.0, 1e-3, 1e-9, 1e-10});
+    const double other = random.Pick({1.0, 1e-3, 1e-9});
+    AnglePointC a1 = at(0.0, 0.0);
+    AnglePointC a2 = at(length, off());
+    AnglePointC b1 = at(length + off(), off());
+    AnglePointC b2 = random.Below(2) == 0 ? at(length + other, off())
+                                          : at(length + random.Uniform(-1.0, 1.0) * other,
+                                               random.Uniform(-1.0, 1.0) * other);
+    const bool isTiny = random.Below(4) == 0;
+    if (isTiny) {  // an edge whose products underflow
+      const auto tiny = [&] { return 5e-324 * static_cast<double>(random.Below(4)); };
+      const double shift = random.Uniform(-1.0, 1.0) * 1e-9;
+      a1 = {tiny(), tiny()};
+      a2 = {tiny(), tiny()};
+      b1 = {shift + off(), -random.Pick({0.3, 0.6, 1.0})};
+      b2 = {shift + off(), random.Pick({0.3, 0.6, 1.0})};
+    }
+    AnglePointC crossing;
+    if (!FindPlanarCrossing(a1, a2, b1, b2, crossing)) continue;
+    ++reported;
+    const Exact distance = Distance(a1, a2, b1, b2);
+    Exact& most = isTiny ? farthestOfTiny : farthest;
+    most = std::max(most, distance);
+    ASSERT_LE(distance, kCrossingReach) << Describe({a1, a2, b1, b2});
+  }
+  EXPECT_GT(reported, 50'000u);
+  std::printf("%zu crossings of edges at most %.3g apart, %.3g for edges that underflow\n", reported,
+              static_cast<double>(farthest), static_cast<double>(farthestOfTiny));
+  EXPECT_GT(farthest, 4.5e-10);  // the bound is not idle
+}
+
+// The chord of a long edge and its arc: between them lies the tip of a tooth.
+Ring RingWithChordsThatCross() {
+  return {{0.5, PI / 4.0}, {1.9, PI / 4.0},        {1.9, 1.5}, {1.25, 1.4},
+          {1.2, PI / 4.0 - 0.02}, {1.15, 1.4}, {0.5, 1.5}};
+}
+
+TEST(RingCrossings, ChordsMayChangePlacesWhereArcsDoNot) {
+  const Ring ring = RingWithChordsThatCross();
+  EXPECT_EQ(Sweep(EdgesOf(ring)), SweepResult::kUndecided);
+  EXPECT_TRUE(ToArea(ring).IsValid());
+  EXPECT_TRUE(IsValidByTheLiteralRules(ring));
+}
+
+// Where the order of the edges is lost, crossings beyond are found all the same, in rings of any size.
+TEST(RingCrossings, CrossingsAreFoundAfterChordsThatChangedPlaces) {
+  for (const bool isCrossed : {false, true}) {
+    Ring ring = RingWithChordsThatCross();
+    const std::size_t before = ring.size();
+    for (int i = 0; i < 400; ++i) {  // teeth along Hz, many of them at the same Hz and V
+      ring.push_back({i % 4 == 0 || i % 4 == 3 ? 0.5 : 1.9, 1.6 + 0.002 * i});
+    }
+    ring.push_back({0.4, 2.5});
+    if (isCrossed) std::swap(ring[before + 200], ring[before + 205]);
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    EXPECT_EQ(Sweep(edges), SweepResult::kUndecided);
+    EXPECT_EQ(HasCrossingPair(edges), isCrossed);
+    EXPECT_EQ(CrossesItself(edges), isCrossed);
+    EXPECT_EQ(ToArea(ring).IsValid(), !isCrossed);
+  }
+}
+
+// Corners that wind around the axis a thousand times and back: a frame of 6000 rad.
+TEST(RingCrossings, WideFramesAreDecidedByBoxes) {
+  for (const bool isCrossed : {false, true}) {
+    Ring ring;
+    constexpr int kCorners = 4000;
+    for (int i = 0; i < 2 * kCorners; ++i) {
+      const int k = i < kCorners ? i : 2 * kCorners - 1 - i;
+      ring.push_back({NormalizeAngle(1.571 * k + 0.01), (i < kCorners ? 0.8 : 0.9) + 1e-4 * k});
+    }
+    if (isCrossed) ring[3000].V = 1.5;
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    EXPECT_GT(edges[kCorners].Hz, kWidestFrame);
+    EXPECT_EQ(Sweep(edges), SweepResult::kUndecided);
+    const bool expected = HasCrossingPair(edges);
+    EXPECT_EQ(expected, isCrossed);
+    EXPECT_EQ(CrossesItself(edges), expected);
+  }
+}
+
+}  // namespace
+}  // namespace GMAT
