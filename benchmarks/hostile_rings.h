@@ -9,8 +9,8 @@
 #include "rings.h"
 
 /// \file
-/// Valid rings of `n` corners in which many edges share a range of Hz and many a range of V, so that
-/// comparing bounding boxes takes n^2 steps. All lie some 1 rad around (pi / 2, pi / 2).
+/// Valid rings of `n` corners in which many edges share a range of Hz and many a range of V, so
+/// that comparing bounding boxes takes n^2 steps. All lie some 1 rad around (pi / 2, pi / 2).
 
 namespace HostileRings {
 
@@ -60,7 +60,7 @@ inline std::vector<Direction> TwoCombs(std::size_t n) {
 
 /// A corridor that winds around its middle and back.
 inline std::vector<Direction> Spiral(std::size_t n) {
-  const double turns = std::max(4.0, std::sqrt(static_cast<double>(n)) / 4.0);
+  const double turns = std::max(4.0, std::sqrt(static_cast<double>(n)) / 2.0);
   const std::size_t half = n / 2;
   std::vector<Direction> ring;
   for (std::size_t i = 0; i < n; ++i) {

@@ -8,66 +8,26 @@
 #include <utility>
 
 #include <surveydata/sphere_geometry/edge_sweep.h>
+#include <surveydata/sphere_geometry/side_of_line.h>
 
 namespace GMAT {
 namespace {
 
-// The sweep works on coordinates rounded to multiples of this: their differences are exact doubles,
-// so that the order of edges is decided exactly.
-constexpr double kGrid = 0x1p-40;
-static_assert(kWidestFrame / kGrid <= 0x1p52);
+// The sweep works on corners rounded to the grid on which `SideOfLine` is exact.
+static_assert(kWidestFrame <= kLargestOnGrid);
+using Point = PlanePoint;
+
+double Snapped(double angle) { return std::floor(angle / kPlaneGrid + 0.5) * kPlaneGrid; }
 
 // How far the rounding moves an edge.
-constexpr double kMoved = 0.71 * kGrid;
+constexpr double kMoved = 0.71 * kPlaneGrid;
 
 // The distance, along the axes, within which edges are asked for. An edge that is not steep and
-// passes an end of another one at a distance d passes above or below it by at most sqrt(2) d, or has
-// an end that near. The rest covers the rounding of heights, some units in the last place of 2048.
+// passes an end of another one at a distance d passes above or below it by at most sqrt(2) d, or
+// has an end that near. The rest covers the rounding of heights, some units in the last place of
+// 2048.
 constexpr double kNear = 2e-9;
 static_assert(1.4143 * (kCrossingReach + 2.0 * kMoved) + 1e-11 < kNear);
-
-struct Point {
-  double x;
-  double y;
-
-  friend bool operator==(const Point&, const Point&) = default;
-  friend bool operator<(const Point& p, const Point& q) {
-    return p.x != q.x ? p.x < q.x : p.y < q.y;
-  }
-};
-
-double Snapped(double angle) { return std::floor(angle / kGrid + 0.5) * kGrid; }
-
-// What `product`, the rounded a b, lacks.
-// \source Dekker, A floating-point technique for extending the available precision, 1971.
-double RestOfProduct(double a, double b, double product) {
-  constexpr double kSplitter = 0x1p27 + 1.0;
-  const auto high = [](double x) {
-    const double scaled = kSplitter * x;
-    return scaled - (scaled - x);
-  };
-  const double a1 = high(a);
-  const double b1 = high(b);
-  const double a2 = a - a1;
-  const double b2 = b - b1;
-  return a2 * b2 - (((product - a1 * b1) - a2 * b1) - a1 * b2);
-}
-
-// Which side of the line from `a` to `b` the point `p` lies on: 1 left, -1 right, 0 on it. Exact:
-// rounding keeps the order of two products, and those that round alike differ by their rests.
-int Side(const Point& a, const Point& b, const Point& p) {
-  const double dx = b.x - a.x;
-  const double dy = b.y - a.y;
-  const double px = p.x - a.x;
-  const double py = p.y - a.y;
-  double up = dx * py;
-  double down = dy * px;
-  if (up == down) {
-    up = RestOfProduct(dx, py, up);
-    down = RestOfProduct(dy, px, down);
-  }
-  return (up > down) - (up < down);
-}
 
 // An edge on the sweep line. A vertical one counts as leaning a little to the right.
 struct Segment {
@@ -90,20 +50,24 @@ struct IsBelow {
   bool operator()(const Segment& s, const Segment& t) const {
     return t.left < s.left ? SideOf(t, s) < 0 : SideOf(s, t) > 0;
   }
-  bool operator()(const Segment& s, const Point& p) const { return Side(s.left, s.right, p) > 0; }
-  bool operator()(const Point& p, const Segment& s) const { return Side(s.left, s.right, p) < 0; }
+  bool operator()(const Segment& s, const Point& p) const {
+    return SideOfLine(s.left, s.right, p) > 0;
+  }
+  bool operator()(const Point& p, const Segment& s) const {
+    return SideOfLine(s.left, s.right, p) < 0;
+  }
 
  private:
   static int SideOf(const Segment& s, const Segment& later) {
-    const int side = Side(s.left, s.right, later.left);
-    return side != 0 ? side : Side(s.left, s.right, later.right);
+    const int side = SideOfLine(s.left, s.right, later.left);
+    return side != 0 ? side : SideOfLine(s.left, s.right, later.right);
   }
 };
 
 // Whether they cross at a point that is an end of neither, so that they change places there.
 bool CrossInside(const Segment& s, const Segment& t) {
-  return Side(s.left, s.right, t.left) * Side(s.left, s.right, t.right) < 0 &&
-         Side(t.left, t.right, s.left) * Side(t.left, t.right, s.right) < 0;
+  return SideOfLine(s.left, s.right, t.left) * SideOfLine(s.left, s.right, t.right) < 0 &&
+         SideOfLine(t.left, t.right, s.left) * SideOfLine(t.left, t.right, s.right) < 0;
 }
 
 // The edges of a ring and the question asked of their pairs. Corner i begins edge i and ends edge
@@ -182,8 +146,8 @@ class SweepC {
     const std::vector<std::size_t> order = ring_.SortCorners();
     for (auto begin = order.begin(); begin != order.end();) {
       const Point& at = corners[*begin];
-      const auto end =
-          std::find_if(begin, order.end(), [&](std::size_t corner) { return corners[corner] != at; });
+      const auto end = std::find_if(begin, order.end(),
+                                    [&](std::size_t corner) { return corners[corner] != at; });
       // Edges begin where all that end are gone: what meets in a point and parts again there has no
       // order.
       const std::span<const std::size_t> here(begin, end);

@@ -18,7 +18,8 @@ using EdgePairTest = std::function<bool(std::size_t first, std::size_t second)>;
 enum class SweepResult {
   kCrossing,    ///< A pair was found for which the test is true.
   kNoCrossing,  ///< The test is false for every pair that can cross in the plane.
-  kUndecided,   ///< Two edges change places and the test is false for them, or the frame is too wide.
+  kUndecided,   ///< Two edges change places and the test is false for them, or the frame is too
+                ///< wide.
 };
 
 /// The largest distance, rad, of two edges for which `FindPlanarCrossing` reports a crossing, in a
@@ -44,8 +45,8 @@ inline constexpr double kCrossingReach = 1.2e-9;
 /// The width of a frame, rad, up to which `SweepInOrder` decides.
 inline constexpr double kWidestFrame = 2048.0;
 
-/// Searches a ring for two edges for which `areCrossing` is true. It is asked for all pairs of edges
-/// that come within `kCrossingReach` of each other in the (Hz, V) plane, and for a few more.
+/// Searches a ring for two edges for which `areCrossing` is true. It is asked for all pairs of
+/// edges that come within `kCrossingReach` of each other in the (Hz, V) plane, and for a few more.
 /// \param edges  start and end of each edge, the end of one being the start of the next; finite.
 /// \cost n log n, and one question for every pair of edges that come within 2e-9 of each other.
 /// \source Shamos and Hoey, Geometric intersection problems, 1976.
