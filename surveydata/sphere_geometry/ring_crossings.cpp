@@ -100,7 +100,8 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
 }  // namespace
 
 bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
-  // Equal points may lie a turn apart in the frame, and would pass for two.
+  // Equal points may lie a turn apart in the frame, and would pass for two. The frame is rounded by
+  // some 1e-15.
   constexpr double kLessThanTurn = TWO_PI - 1e-8;
   const auto reachesTurn = [](const AnglePointC& p) { return p.Hz > kLessThanTurn; };
   if (std::any_of(edges.begin(), edges.end(), reachesTurn)) return false;
@@ -120,7 +121,8 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
 
   // Move the centre across the edge that lies worst, until all edges see it from the same side.
   constexpr int kMoves = 24;
-  constexpr double kClear = 1e-9;
+  constexpr double kClear =
+      1e-9;  // how far to move across: any small distance, as all is proven below
   for (int move = 0;; ++move) {
     double worst = std::numeric_limits<double>::max();
     AnglePointC step{0.0, 0.0};
@@ -144,10 +146,10 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
 
   // Each edge fills a sector of its own. Two that are no neighbours are apart by the sector of
   // another one, so by at least the smallest distance from the centre times the sine of the
-  // smallest sector. Where that exceeds the margin, the computed crossing of their lines lies
-  // outside one of them: far outside when the lines are nearly parallel, for then its error grows
-  // with its distance.
+  // smallest sector. Edges that are out of reach of each other have no crossing in the plane.
+  constexpr double kRounding = 1e-12;  // of a few operations on angles within a turn
   constexpr double kApart = 1e-8;
+  static_assert(kApart > kCrossingReach + kRounding);
   double smallestDistance = 1.0;
   double smallestSine = 1.0;
   int turns = 0;

@@ -13,10 +13,15 @@ namespace GMAT {
 /// \cost linear.
 bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
 
-/// Whether two edges that are no neighbours cross, both as arcs and in the plane. All angles lie in
-/// a few turns.
-/// \cost n log n, and one for every pair of edges that share a range of Hz, or of V where these are
-///       fewer.
+/// Whether two edges that are no neighbours cross, both as arcs and in the plane.
+///
+/// Compares bounding boxes where few edges lie side by side, along Hz or along V; otherwise keeps
+/// the edges in their order on a sweep line (`SweepInOrder`). Two chords that cross where their
+/// arcs do not change places on that line, and its order ends there: then the boxes are compared
+/// after all. \cost n log n, and one for every pair of edges within 2e-9 of each other. Where
+/// chords cross and
+///       arcs do not, or the frame is wider than `kWidestFrame`: one for every pair of edges that
+///       share a range of Hz, or of V where these are fewer, n^2 at worst.
 bool CrossesItself(const std::vector<AnglePointC>& edges);
 
 }  // namespace GMAT

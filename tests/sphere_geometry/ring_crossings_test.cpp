@@ -448,7 +448,7 @@ TEST(RingCrossings, WideFramesAreDecidedByBoxes) {
     }
     if (isCrossed) ring[1000].V = 1.5;
     const std::vector<AnglePointC> edges = EdgesOf(ring);
-    EXPECT_GT(edges[kCorners].Hz, kWidestFrame);
+    EXPECT_GT(edges[2 * (kCorners - 1)].Hz, kWidestFrame);
     EXPECT_EQ(Sweep(edges), SweepResult::kUndecided);
     const bool expected = HasCrossingPair(edges);
     EXPECT_EQ(expected, isCrossed);
