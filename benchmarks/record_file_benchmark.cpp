@@ -1,6 +1,7 @@
 // Reading records: from a file beside the bare calls of the C runtime that it takes, from memory,
 // and the walk over a whole file.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -55,8 +56,8 @@ void BM_Decode(benchmark::State& state, const ByteVector& frame) {
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info;
   for (auto _ : state) {
-    const std::uint32_t result = SDI::RecordFrame::Decode(frame, measurement, info);
-    if (result != SDI::GPSRecordFileC::kDone) state.SkipWithError("the frame is bad");
+    const auto decoded = SDI::RecordFrame::Decode(frame, measurement, info);
+    if (!decoded.IsDone()) state.SkipWithError("the frame is bad");
     benchmark::DoNotOptimize(measurement);
     benchmark::DoNotOptimize(info);
   }
@@ -65,6 +66,20 @@ void BM_Decode(benchmark::State& state, const ByteVector& frame) {
 }
 BENCHMARK_CAPTURE(BM_Decode, everything, FrameOfEverything());
 BENCHMARK_CAPTURE(BM_Decode, texts, FrameOfTexts());
+
+void BM_Encode(benchmark::State& state, const ByteVector& frame) {
+  SDI::GPSMeasDataImplC measurement;
+  SDI::GPSRecordFileInfo info;
+  SDI::RecordFrame::Decode(frame, measurement, info);
+  std::array<std::uint8_t, SDI::RecordFrame::kMaxSize> bytes;
+  for (auto _ : state) {
+    const auto encoded = SDI::RecordFrame::Encode(measurement, info, bytes);
+    if (encoded.size == 0) state.SkipWithError("the measurement is refused");
+    benchmark::DoNotOptimize(bytes);
+  }
+}
+BENCHMARK_CAPTURE(BM_Encode, everything, FrameOfEverything());
+BENCHMARK_CAPTURE(BM_Encode, texts, FrameOfTexts());
 
 // A file of 200 frames; every read goes to another one.
 class FramesOnDiskC {

@@ -17,6 +17,7 @@
 #include <surveydata/gnss/gps_dops.h>
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/gnss/gps_record_file.h>
+#include <surveydata/gnss/gps_record_file_info.h>
 #include <surveydata/gnss/gps_record_index.h>
 #include <surveydata/gnss/gps_ref_station_data.h>
 #include <surveydata/imaging/img_camera_info.h>

@@ -81,7 +81,9 @@ std::uint32_t GPSRecordFileC::ReadGPSMeasData(GPSMeasDataImplC* measurement,
   const Header header = Header::Load(frame.data());
   if (!header.IsMeasurement()) return kBadFrame;
   if (!Read(RestOf(frame, header))) return kDone;
-  return RecordFrame::Decode(std::span(frame).first(header.Size()), *measurement, *info);
+  const RecordFrame::Decoded decoded =
+      RecordFrame::Decode(std::span(frame).first(header.Size()), *measurement, *info);
+  return decoded.IsDone() ? kDone : kBadFrame;
 }
 
 std::uint32_t GPSRecordFileC::WriteGPSMeasData(const GPSMeasDataImplC* measurement,

@@ -1,16 +1,17 @@
-#include <algorithm>
 #include <bit>
-#include <iterator>
 #include <numeric>
 
+#include <surveydata/gnss/frame_blocks.h>
 #include <surveydata/gnss/record_frame.h>
 #include <surveydata/object_model/utf8.h>
 
 namespace SDI::RecordFrame {
 
 Header Header::Load(const std::uint8_t* bytes) {
-  return {boost::endian::load_little_u16(bytes), boost::endian::load_little_u16(bytes + 2),
-          bytes[4]};
+  Header header;
+  FrameCursorC in({bytes, kHeaderSize});
+  header.Walk(in);
+  return header;
 }
 
 std::uint16_t Checksum(const std::uint8_t* frame, std::size_t length) {
@@ -23,65 +24,64 @@ bool HasRightChecksum(const std::uint8_t* frame, std::size_t length) {
   return boost::endian::load_little_u16(frame + length) == Checksum(frame, length);
 }
 
-std::uint32_t Decode(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info) {
-  if (frame.size() < kHeaderSize) return GPSRecordFileC::kBadFrame;
+Decoded Decode(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info) {
+  using Outcome = Decoded::Outcome;
+  if (frame.size() < kHeaderSize) return {Outcome::kCut};
   const Header header = Header::Load(frame.data());
-  if (!header.IsMeasurement() || frame.size() < header.Size() ||
-      !HasRightChecksum(frame.data(), header.length)) {
-    return GPSRecordFileC::kBadFrame;
-  }
+  if (!header.IsMeasurement()) return {Outcome::kNoMeasurement};
+  if (frame.size() < header.Size()) return {Outcome::kCut};
+  if (!HasRightChecksum(frame.data(), header.length)) return {Outcome::kWrongChecksum};
   FrameCursorC in(frame.subspan(kHeaderSize, header.length - kHeaderSize));
-  return ReadPayload(in, Target{measurement, info}) ? GPSRecordFileC::kDone
-                                                    : GPSRecordFileC::kBadFrame;
+  const std::optional<Block> bad = ReadPayload(in, Target{measurement, info});
+  if (bad) return {Outcome::kBlockDoesNotFit, *bad};
+  return {};
 }
 
 std::size_t Build(std::span<std::uint8_t> buffer, std::uint8_t type, int subType,
                   std::size_t payload) {
   const std::size_t size = payload + 7 + (subType >= 1 ? 1 : 0);
   if (payload > 0xFFFF || size - kChecksumSize > 0xFFFF || buffer.size() < size) return 0;
-  const std::size_t length = size - kChecksumSize;
-  boost::endian::store_little_u16(buffer.data(), kMagic);
-  boost::endian::store_little_u16(&buffer[2], static_cast<std::uint16_t>(length));
-  buffer[4] = type;
-  if (0 <= subType && subType <= 255) buffer[5] = static_cast<std::uint8_t>(subType);
-  boost::endian::store_little_u16(&buffer[length], Checksum(buffer.data(), length));
+  Header header{kMagic, static_cast<std::uint16_t>(size - kChecksumSize), type};
+  FrameWriterC out(buffer);
+  header.Walk(out);
+  if (0 <= subType && subType <= 255) buffer[kHeaderSize] = static_cast<std::uint8_t>(subType);
+  boost::endian::store_little_u16(&buffer[header.length], Checksum(buffer.data(), header.length));
   return size;
 }
 
 void Patch(std::span<std::uint8_t, kMaxSize> frame, const GPSMeasDataImplC* measurement,
-           const GPSRecordFileInfo& info) {
-  constexpr std::size_t kFileFlagsSize = 12;
-  constexpr std::size_t kNameSize = 38;
-  constexpr std::size_t kKindAt = 6;
-
-  const std::uint16_t flags = measurement != nullptr
-                                  ? boost::endian::load_little_u16(&frame[kFlags1At])
-                                  : std::uint16_t{kFileFlags | kName};
-  std::uint8_t* block = &frame[kBlocksAt];
-
-  if ((flags & kFileFlags) != 0) {
-    block[kKindAt] = (info.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
-    block += kFileFlagsSize;
+           const GPSRecordFileInfo& info, std::span<const Field> fields) {
+  std::uint16_t flags = Blocks1::BitOf(Block::kFileFlags) | Blocks1::BitOf(Block::kName);
+  if (measurement != nullptr) {
+    Times times;
+    FrameCursorC in(frame.subspan<kHeaderSize>());
+    times.Walk(in);
+    flags = times.flags1;
   }
-  if ((flags & kName) != 0) {
-    char16_t units[65];
-    DecodeName(info.name, sizeof(info.name), units, std::size(units));
-    for (std::size_t i = 0; i < kNameUnits; ++i) {
-      boost::endian::store_little_u16(block + 2 * i, units[i]);
-    }
-    boost::endian::store_little_s32(block + 2 * kNameUnits, info.number);
-    block += kNameSize;
+  const auto has = [flags](Block block) { return (flags & Blocks1::BitOf(block)) != 0; };
+
+  // The first three blocks of a frame, in their order.
+  FramePatchC out(frame.subspan<kBlocksAt>(), fields);
+  if (has(Block::kFileFlags)) {
+    FileFlags fileFlags;
+    fileFlags.kind = (info.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
+    fileFlags.Walk(out);
   }
-  if ((flags & kAntennaHeight) != 0) {
+  if (has(Block::kName)) {
+    Name name;
+    name.Take(info);
+    name.Walk(out);
+  }
+  if (has(Block::kAntennaHeight)) {
     const GPSAntHeightImplC none;
     const bool isSet = (measurement->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
-    const GPSAntHeightImplC& antenna = isSet ? measurement->GetAntennaHeight() : none;
-    float height = 0.0F;
+    const GPSAntHeightImplC& held = isSet ? measurement->GetAntennaHeight() : none;
+    AntennaHeight antenna;
     bool isVertical = true;
-    antenna.GetHeight(height, isVertical);
-    boost::endian::store_little_u32(block,
-                                    std::bit_cast<std::uint32_t>(antenna.GetVerticalHeight()));
-    block[4] = isVertical ? 0 : kSlantHeight;
+    held.GetHeight(antenna.height, isVertical);
+    antenna.height = held.GetVerticalHeight();
+    antenna.kind = isVertical ? 0 : kSlantHeight;
+    antenna.Walk(out);
   }
 }
 

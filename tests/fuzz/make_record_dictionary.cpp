@@ -3,9 +3,8 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <span>
 
-#include <surveydata/gnss/record_frame.h>
+#include <surveydata/gnss/frame_blocks.h>
 
 namespace {
 
@@ -15,19 +14,21 @@ void PrintByte(const char* comment, unsigned value) {
   std::printf("# %s\n\"\\x%02x\"\n", comment, value);
 }
 
-// Little-endian, as it stands in a frame.
+// Little-endian, as it lies in a frame.
 void PrintWord(const char* comment, unsigned value) {
   std::printf("# %s\n\"\\x%02x\\x%02x\"\n", comment, value & 0xFF, value >> 8);
 }
 
-void PrintBlocks(const char* word, std::span<const Block<FrameCursorC>> blocks) {
+template <class Blocks>
+void PrintBlocks(const char* word) {
   unsigned all = 0;
-  for (const auto& block : blocks) {
+  Blocks::WhileTrue([&](auto row) {
     char comment[80];
-    std::snprintf(comment, sizeof(comment), "%s: %s", word, block.name);
-    PrintWord(comment, block.bit);
-    all |= block.bit;
-  }
+    std::snprintf(comment, sizeof(comment), "%s: %s", word, NameOf(row.kBlock));
+    PrintWord(comment, row.kBit);
+    all |= row.kBit;
+    return true;
+  });
   char comment[80];
   std::snprintf(comment, sizeof(comment), "%s: every block", word);
   PrintWord(comment, all);
@@ -43,7 +44,7 @@ int main() {
   PrintWord("largest length", kMaxLength);
   PrintByte("kind of a slant antenna height", kSlantHeight);
   PrintByte("entries of a full list", SDI::GPSListBlock::kCapacity);
-  PrintBlocks("flags word 1", kBlocks1<FrameCursorC>);
+  PrintBlocks<Blocks1>("flags word 1");
   PrintWord("flags word 1: flags word 2 follows", kMore);
-  PrintBlocks("flags word 2", kBlocks2<FrameCursorC>);
+  PrintBlocks<Blocks2>("flags word 2");
 }

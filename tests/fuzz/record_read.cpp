@@ -1,5 +1,6 @@
 // A record file of any bytes is read as the format's description says, field by field; reading the
-// same frame in memory gives the same and looks at no byte behind it.
+// same frame in memory gives the same and looks at no byte after it; encoding what was read gives a
+// frame that reads the same.
 
 #include <cstring>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "tests/fuzz/memory_file.h"
 #include "tests/fuzz/sealed_frames.h"
 #include "tests/gnss/record_model.h"
+#include "tests/gnss/round_trip.h"
 #include "tests/gnss/stored_fields.h"
 #include "tests/support/same_info.h"
 
@@ -63,9 +65,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto frame = std::make_unique<std::uint8_t[]>(whole);  // checked to its last byte
   std::memcpy(frame.get(), file.data() + offset, whole);
   Start fromMemory = start;
-  EXPECT_EQ(SDI::RecordFrame::Decode({frame.get(), whole}, fromMemory.measurement, fromMemory.info),
-            result);
+  const bool isDone =
+      SDI::RecordFrame::Decode({frame.get(), whole}, fromMemory.measurement, fromMemory.info)
+          .IsDone();
+  EXPECT_EQ(isDone, result == GPSRecordFileC::kDone);
   EXPECT_EQ(StoredIn(fromMemory.measurement), expected);
   TestSupport::ExpectSameInfo(fromMemory.info, expectedInfo);
+  if (isDone) TestSupport::ExpectRoundTrip({frame.get(), frame.get() + whole});
   return 0;
 }

@@ -61,7 +61,7 @@ class Decoding : public testing::Test {
     GPSRecordFileInfo info = filledInfo_;
     // A block of its own, so that the address checks see every byte behind the frame.
     const std::vector<std::uint8_t> exact(bytes);
-    EXPECT_EQ(Decode(exact, measurement_, info), result);
+    EXPECT_EQ(Decode(exact, measurement_, info).IsDone(), result == 0);
     if (StoredIn(measurement_) != expected_) {
       ADD_FAILURE() << "stored:" << testing::PrintToString(StoredIn(measurement_))
                     << "expected:" << testing::PrintToString(expected_);
@@ -314,7 +314,7 @@ TEST_F(Decoding, ASystemWithoutASatelliteUsedIsStoredAndAbsent) {
   GPSMeasDataImplC measurement;
   GPSRecordFileInfo info;
   const ByteVector frame = FrameBuilderC().Times().U16(0x1000).U8(2).U8(1).U8(4).U8(0).Frame();
-  EXPECT_EQ(Decode(frame, measurement, info), 0U);
+  EXPECT_TRUE(Decode(frame, measurement, info).IsDone());
   EXPECT_EQ(StoredIn(measurement).system2Pair, (SDI::GPSCounterPair{4, 0}));
   EXPECT_EQ(measurement.GetSetMask(), 0);
   std::uint8_t first = 9;
@@ -379,9 +379,9 @@ TEST_F(Decoding, UnitsOfANameThatDoNotFitAreSkipped) {
   GPSRecordFileInfo info;
   const auto decode = [&](const std::u16string& name) {
     std::memset(info.name, '#', sizeof(info.name));
-    EXPECT_EQ(
-        Decode(FrameBuilderC().Times().U16(2).NameUnits(name).I32(1).Frame(), measurement, info),
-        0U);
+    EXPECT_TRUE(
+        Decode(FrameBuilderC().Times().U16(2).NameUnits(name).I32(1).Frame(), measurement, info)
+            .IsDone());
     return std::string(info.name, sizeof(info.name));
   };
   std::string sixteen;
@@ -403,14 +403,14 @@ TEST_F(Decoding, KeepsTheWeekOfTimeBAndResetsNothing) {
   GPSMeasDataImplC measurement;
   measurement.SetTimeB({1234, 5});
   GPSRecordFileInfo info;
-  EXPECT_EQ(Decode(FrameBuilderC().Times(2200, 11, -22).U16(0x0100).U8(3).U8(4).Frame(),
-                   measurement, info),
-            0U);
+  EXPECT_TRUE(Decode(FrameBuilderC().Times(2200, 11, -22).U16(0x0100).U8(3).U8(4).Frame(),
+                     measurement, info)
+                  .IsDone());
   EXPECT_EQ(measurement.GetTimeA(), (Vorlin::TimeC{2200, 11}));
   EXPECT_EQ(measurement.GetTimeB(), (Vorlin::TimeC{1234, -22}));
-  EXPECT_EQ(Decode(FrameBuilderC().Times(2201, 12, -23).U16(0x0010).U16(9).Fill(26, 0).Frame(),
-                   measurement, info),
-            0U);
+  EXPECT_TRUE(Decode(FrameBuilderC().Times(2201, 12, -23).U16(0x0010).U16(9).Fill(26, 0).Frame(),
+                     measurement, info)
+                  .IsDone());
   EXPECT_EQ(measurement.GetSetMask(), 0x0028);  // the pair of the first frame is still there
 }
 
@@ -430,6 +430,138 @@ TEST_F(Decoding, FloatsKeepTheirBitsAndAreWidened) {
                         .Frame()),
               0U);
     EXPECT_EQ(expected_.vector[0], std::bit_cast<std::uint64_t>(static_cast<double>(value)));
+  }
+}
+
+TEST_F(Decoding, TellsWhatItFound) {
+  using Outcome = Decoded::Outcome;
+  const ByteVector frame = FrameBuilderC().Times().U16(0x0100).U8(1).U8(2).Frame();
+  const auto outcome = [](const ByteVector& bytes) {
+    GPSMeasDataImplC measurement;
+    GPSRecordFileInfo info;
+    return Decode(bytes, measurement, info).outcome;
+  };
+  EXPECT_EQ(outcome(frame), Outcome::kDone);
+  for (std::size_t size = 0; size < frame.size(); ++size) {
+    EXPECT_EQ(outcome({frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(size)}),
+              Outcome::kCut);
+  }
+  ByteVector other = frame;
+  other[4] = 17;
+  EXPECT_EQ(outcome(other), Outcome::kNoMeasurement);
+  ByteVector changed = frame;
+  changed[17] ^= 1;
+  EXPECT_EQ(outcome(changed), Outcome::kWrongChecksum);
+  ByteVector without = FrameBuilderC().Times().U16(0x0100).U8(1).Frame();
+  EXPECT_EQ(outcome(without), Outcome::kBlockDoesNotFit);
+}
+
+// Each block alone, without its last byte.
+TEST_F(Decoding, NamesTheBlockThatDoesNotFit) {
+  const struct {
+    Block block;
+    const char* name;
+    unsigned flags1;
+    unsigned flags2;
+  } cases[] = {
+      {Block::kFileFlags, "file flags", 0x0001, 0},
+      {Block::kName, "name", 0x0002, 0},
+      {Block::kAntennaHeight, "antenna height", 0x0004, 0},
+      {Block::kExtraTime, "extra time", 0x0008, 0},
+      {Block::kWord16, "word 16", 0x0010, 0},
+      {Block::kIgnoredPairs, "ignored pairs", 0x0020, 0},
+      {Block::kValues, "values", 0x0040, 0},
+      {Block::kDOPs, "DOPs", 0x0080, 0},
+      {Block::kTotalPair, "total pair", 0x0100, 0},
+      {Block::kVector, "vector", 0x0200, 0},
+      {Block::kSystemPairs, "system pairs", 0x1000, 0},
+      {Block::kMore, "more", 0x2000, 0},
+      {Block::kFlagA, "flag A", 0x2000, 0x0001},
+      {Block::kValueB, "value B", 0x2000, 0x0002},
+      {Block::kValueC, "value C", 0x2000, 0x0004},
+      {Block::kTextA, "text A", 0x2000, 0x0008},
+      {Block::kTextB, "text B", 0x2000, 0x0010},
+      {Block::kValueD, "value D", 0x2000, 0x0020},
+      {Block::kTextC, "text C", 0x2000, 0x0040},
+      {Block::kFlagE, "flag E", 0x2000, 0x0080},
+      {Block::kTextD, "text D", 0x2000, 0x0100},
+      {Block::kValueF, "value F", 0x2000, 0x0200},
+      {Block::kValueG, "value G", 0x2000, 0x0400},
+      {Block::kValueH, "value H", 0x2000, 0x0800},
+      {Block::kValueI, "value I", 0x2000, 0x1000},
+      {Block::kList, "list", 0x2000, 0x2000},
+  };
+  for (const auto& [block, name, flags1, flags2] : cases) {
+    SCOPED_TRACE(name);
+    ByteVector frame = WellFormedFrame(flags1, flags2, random_);
+    frame.pop_back();
+    RecordModel::PutU16(frame, 2, static_cast<unsigned>(frame.size() - 2));
+    TestSupport::Seal(frame);
+    ASSERT_EQ(Check(frame), 2U);
+    GPSMeasDataImplC measurement;
+    GPSRecordFileInfo info;
+    EXPECT_EQ(Decode(frame, measurement, info).block, block);
+    EXPECT_STREQ(NameOf(block), name);
+  }
+}
+
+// --- Patches ------------------------------------------------------------------------------------
+
+// Where the fields of an update lie, as the format's description says; no size where the flags do
+// not announce them.
+struct Place {
+  std::size_t at = 0;
+  std::size_t size = 0;
+};
+Place PlaceOf(Field field, unsigned flags) {
+  const std::size_t name = 17 + (flags & 1 ? 12 : 0);
+  const std::size_t antenna = name + (flags & 2 ? 38 : 0);
+  if (field == Field::kFileKind && (flags & 1)) return {17 + 6, 1};
+  if (field == Field::kName && (flags & 2)) return {name, 34};
+  if (field == Field::kNumber && (flags & 2)) return {name + 34, 4};
+  if (field == Field::kHeight && (flags & 4)) return {antenna, 4};
+  if (field == Field::kHeightKind && (flags & 4)) return {antenna + 4, 1};
+  return {};
+}
+
+// Each set of fields, in frames with each set of blocks, some too short for what their flags say.
+TEST(RecordPatch, ChangesTheListedFieldsAndNothingElse) {
+  std::mt19937_64 random(6);
+  const GPSMeasDataImplC measurement = FilledMeasurement();
+  const StoredFields stored = StoredIn(measurement);
+  GPSRecordFileInfo info = FilledInfo();
+  info.flags = 0x1;
+  for (const bool isGiven : {true, false}) {
+    for (unsigned flags = 0; flags < 8; ++flags) {
+      for (unsigned set = 0; set < 32; ++set) {
+        SCOPED_TRACE(testing::Message() << isGiven << ' ' << flags << ' ' << set);
+        std::array<std::uint8_t, kMaxSize> frame;
+        for (auto& byte : frame) byte = static_cast<std::uint8_t>(random() | 1);
+        ByteVector before(frame.begin(), frame.end());
+        RecordModel::PutU16(before, 15, flags);
+        std::copy(before.begin(), before.end(), frame.begin());
+        // The model updates every field of a good frame; here is one of the same bytes.
+        ByteVector all = before;
+        const ByteVector header = {0x9C, 0xAE, 0xF2, 0x01, 113};
+        std::copy(header.begin(), header.end(), all.begin());
+        TestSupport::Seal(all);
+        ASSERT_EQ(RecordModel::Write(all, isGiven ? &stored : nullptr, info), 0U);
+
+        std::vector<Field> fields;
+        ByteVector expected = before;
+        for (unsigned i = 0; i < kUpdatedFields.size(); ++i) {
+          if (!(set >> i & 1)) continue;
+          fields.push_back(kUpdatedFields[i]);
+          const auto [at, size] = PlaceOf(kUpdatedFields[i], isGiven ? flags : 0x0003);
+          std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(at), size,
+                      expected.begin() + static_cast<std::ptrdiff_t>(at));
+        }
+        Patch(frame, isGiven ? &measurement : nullptr, info, fields);
+        ASSERT_EQ(ByteVector(frame.begin(), frame.end()), expected);
+        const bool hasAll = !isGiven || flags == 7;
+        EXPECT_TRUE(!hasAll || set != 31 || expected != before) << "nothing to patch";
+      }
+    }
   }
 }
 

@@ -93,8 +93,11 @@ TESTS = {
                          "record_faults_test", "pair_rules_test", "record_frame_test"],
     "surveydata/gnss/gps_record_index": ["gps_record_index_test", "record_samples_test",
                                          "record_faults_test"],
+    "surveydata/gnss/frame_": ["record_samples_test", "gps_record_file_test",
+                               "record_frame_test", "record_encode_test"],
+    "surveydata/gnss/record_encode": ["record_encode_test"],
     "surveydata/gnss/record_frame": ["record_samples_test", "gps_record_file_test",
-                                     "record_frame_test"],
+                                     "record_frame_test", "record_encode_test"],
     "surveydata/imaging/": ["img_camera_info_test", "img_chip_window_info_test",
                             "img_orientation_test", "record_rules_test", "pair_rules_test"],
     "surveydata/scanning/": ["scan_def_point_test", "scan_area_test", "scan_test",
@@ -138,6 +141,7 @@ def mutations_of_line(line):
 def candidates(only):
     files = sorted(PROJECT.glob("surveydata/**/*.cpp"))
     files += [PROJECT / "surveydata/object_model/handle.h", PROJECT / "surveydata/gnss/record_frame.h"]
+    files += sorted(PROJECT.glob("surveydata/gnss/frame_*.h"))
     files += sorted(PROJECT.glob("surveydata/sphere_geometry/*.h"))
     found = []
     for path in files:

@@ -170,8 +170,7 @@ TEST(RecordHeap, ReadingTakesNoneBesidesTheFileBufferOfTheRuntime) {
               for (const std::uint32_t offset : offsets) {
                 const auto* const frame = file.data() + offset;
                 const auto size = SDI::RecordFrame::Header::Load(frame).Size();
-                const auto result = SDI::RecordFrame::Decode({frame, size}, measurement, info);
-                bad += result != SDI::GPSRecordFileC::kDone;
+                bad += !SDI::RecordFrame::Decode({frame, size}, measurement, info).IsDone();
               }
             }),
             0U);

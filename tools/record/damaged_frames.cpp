@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/gnss/record_frame.h>
+#include <surveydata/gnss/frame_blocks.h>
 
 #include <command_line/message.h>
 #include <record/damaged_frames.h>

@@ -22,7 +22,9 @@ DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame) 
   DecodedRecord record;
   record.offset = offset;
   record.size = frame.size();
-  record.result = SDI::RecordFrame::Decode(frame, record.measurement, record.info);
+  record.result = SDI::RecordFrame::Decode(frame, record.measurement, record.info).IsDone()
+                      ? SDI::GPSRecordFileC::kDone
+                      : SDI::GPSRecordFileC::kBadFrame;
   return record;
 }
 

@@ -3,10 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <surveydata/gnss/frame_fields.h>
 
 namespace Tool {
 
@@ -14,13 +17,16 @@ namespace Tool {
 struct FrameField {
   std::size_t at;    ///< Of the first byte, from the start of the frame.
   std::size_t size;  ///< In bytes.
-  std::string_view block;
-  std::string_view field;
-  std::string value;  ///< For people.
+  SDI::RecordFrame::Block block;
+  std::optional<SDI::RecordFrame::Field> field;  ///< Empty for bytes of a block that does not fit.
+  std::string value;                             ///< For people.
+
+  std::string_view BlockName() const { return NameOf(block); }
+  std::string_view FieldName() const { return field ? NameOf(*field) : "does not fit"; }
 };
 
 /// Explains every byte of a measurement frame once, in order: header, blocks (as the library's own
-/// description of the frame has them), bytes behind the last block, checksum. From a block on that
+/// description of the frame has them), bytes after the last block, checksum. From a block on that
 /// does not fit, the bytes up to the checksum are one field. `frame` has a right header and length.
 std::vector<FrameField> ExplainFrame(std::span<const std::uint8_t> frame);
 

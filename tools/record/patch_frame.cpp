@@ -2,7 +2,7 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
-#include <string_view>
+#include <utility>
 
 #include <surveydata/gnss/record_frame.h>
 
@@ -14,9 +14,7 @@ namespace Tool {
 namespace {
 
 namespace Frame = SDI::RecordFrame;
-
-constexpr std::string_view kNameBlock = "name";
-constexpr std::string_view kAntennaBlock = "antenna height";
+using Frame::Field;
 
 std::string Utf8Of(const std::u16string& units) {
   std::string bytes(3 * units.size(), '\0');
@@ -25,16 +23,18 @@ std::string Utf8Of(const std::u16string& units) {
   return bytes;
 }
 
-bool IsAskedFor(const FrameField& field, const FrameChanges& changes) {
-  if (field.block == kNameBlock) {
-    return field.field == "name" ? changes.name.has_value() : changes.number.has_value();
-  }
-  return field.block == kAntennaBlock && changes.antennaHeight.has_value();
+// The fields that the changes rewrite.
+std::vector<Field> FieldsOf(const FrameChanges& changes) {
+  std::vector<Field> fields;
+  if (changes.name) fields.push_back(Field::kName);
+  if (changes.number) fields.push_back(Field::kNumber);
+  if (changes.antennaHeight) fields.insert(fields.end(), {Field::kHeight, Field::kHeightKind});
+  return fields;
 }
 
-bool HasBlock(const std::vector<FrameField>& fields, std::string_view block) {
+bool HasField(const std::vector<FrameField>& fields, Field field) {
   return std::any_of(fields.begin(), fields.end(),
-                     [&](const FrameField& field) { return field.block == block; });
+                     [&](const FrameField& each) { return each.field == field; });
 }
 
 // Whether `after` holds what was asked for and all else as before.
@@ -58,11 +58,11 @@ PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges&
   if (!before.IsDone()) {
     throw ToolErrorC(ExitCode::kFinding, "the blocks of the frame do not fit; it is left as it is");
   }
-  std::vector<FrameField> fields = ExplainFrame(frame);
-  if ((changes.name || changes.number) && !HasBlock(fields, kNameBlock)) {
+  const std::vector<FrameField> fields = ExplainFrame(frame);
+  if ((changes.name || changes.number) && !HasField(fields, Field::kName)) {
     throw ToolErrorC(ExitCode::kFinding, "the frame has no room for a name and number");
   }
-  if (changes.antennaHeight && !HasBlock(fields, kAntennaBlock)) {
+  if (changes.antennaHeight && !HasField(fields, Field::kHeight)) {
     throw ToolErrorC(ExitCode::kFinding, "the frame has no room for an antenna height");
   }
 
@@ -80,21 +80,16 @@ PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges&
   }
   std::array<std::uint8_t, Frame::kMaxSize> buffer{};
   std::copy(frame.begin(), frame.end(), buffer.begin());
-  Frame::Patch(buffer, &measurement, info);
+  Frame::Patch(buffer, &measurement, info, FieldsOf(changes));
   std::vector<std::uint8_t> after(buffer.begin(),
                                   buffer.begin() + static_cast<std::ptrdiff_t>(frame.size()));
-  for (const FrameField& field : fields) {
-    if (IsAskedFor(field, changes)) continue;
-    std::copy_n(frame.begin() + static_cast<std::ptrdiff_t>(field.at), field.size,
-                after.begin() + static_cast<std::ptrdiff_t>(field.at));
-  }
   Frame::Build(after, Frame::kType, Frame::kNoSubType,
                frame.size() - Frame::kHeaderSize - Frame::kChecksumSize);
   if (!IsAsAsked(before, Decode(0, after), changes)) {
     throw ToolErrorC(ExitCode::kFileError, "the patched frame does not read back as asked");
   }
-  fields = ExplainFrame(after);
-  return {{frame.begin(), frame.end()}, std::move(after), std::move(fields)};
+  std::vector<FrameField> explained = ExplainFrame(after);
+  return {{frame.begin(), frame.end()}, std::move(after), std::move(explained)};
 }
 
 }  // namespace Tool

@@ -26,9 +26,8 @@ struct PatchedFrame {
   std::vector<FrameField> fields;  ///< Of `after`.
 };
 
-/// The frame that the library's writer would make of `frame`, and then with every byte that no
-/// change asks for as it was: the writer also normalises the kind byte of the file flags and
-/// rewrites name, number and antenna height together. The result is read back and compared.
+/// Rewrites the fields that the changes name, as the library's writer does, and the checksum; every
+/// other byte stays. The result is read back and compared.
 ///
 /// Throws `ToolErrorC` when the frame cannot be decoded, lacks a block that a change needs, or the
 /// result does not read back.

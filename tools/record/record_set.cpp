@@ -98,9 +98,9 @@ std::vector<std::uint8_t> FindFrame(const Options& options) {
 void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
   out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
   for (const FrameField& field : frame.fields) {
-    const std::string name = field.block == field.field
-                                 ? std::string(field.field)
-                                 : fmt::format("{}, {}", field.block, field.field);
+    const std::string name = field.BlockName() == field.FieldName()
+                                 ? std::string(field.FieldName())
+                                 : fmt::format("{}, {}", field.BlockName(), field.FieldName());
     std::string value = " = " + field.value;
     for (std::size_t i = field.at; i < field.at + field.size; ++i) {
       if (frame.before[i] == frame.after[i]) continue;

@@ -81,8 +81,8 @@ void WriteJson(OutputC& out, const DecodedRecord& record, std::span<const std::u
       line.Field("offset", record.offset + field.at);
       line.Field("size", field.size);
       line.Field("hex", HexBytes{ToView(frame.subspan(field.at, field.size))});
-      line.Field("block", field.block);
-      line.Field("field", field.field);
+      line.Field("block", field.BlockName());
+      line.Field("field", field.FieldName());
       line.Field("value", std::string_view(field.value));
       line.End();
     }
@@ -103,8 +103,8 @@ void WriteBytes(OutputC& out, std::uint64_t offset, std::span<const std::uint8_t
         out.Print("{:>10}  {}\n", offset + field.at + i, hex);
       } else {
         const std::string line =
-            fmt::format("{:>10}  {:<23}  {:<14}  {:<20}  {}", offset + field.at, hex, field.block,
-                        field.field, field.value);
+            fmt::format("{:>10}  {:<23}  {:<14}  {:<20}  {}", offset + field.at, hex,
+                        field.BlockName(), field.FieldName(), field.value);
         out.Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
       }
     }
