@@ -79,7 +79,7 @@ TESTS = {
     "surveydata/object_model/compare": ["compare_test"],
     "surveydata/object_model/fixed_string": ["fixed_string_test", "fixed_string_property_test",
                                              "fixed_string_utf8_test"],
-    "surveydata/object_model/utf8": ["fixed_string_test", "record_frame_test",
+    "surveydata/object_model/utf8": ["utf8_test", "fixed_string_test", "record_frame_test",
                                      "fixed_string_utf8_test"],
     "surveydata/object_model/version": ["version_test"],
     "surveydata/geodetic/": ["coordinate_point_test", "coordinate_quality_test",

@@ -1,0 +1,121 @@
+#ifndef SURVEYDATA_TESTS_SUPPORT_EXPECT_LAYOUT_H_
+#define SURVEYDATA_TESTS_SUPPORT_EXPECT_LAYOUT_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <initializer_list>
+#include <source_location>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/field_changes.h"
+
+/// \file
+/// Expectations on where the fields of an object lie. A field is found by writing it through its
+/// setter and looking which bytes of the object change.
+
+namespace Layouts {
+
+struct Range {
+  std::size_t begin;
+  std::size_t end;
+};
+
+struct Layout {
+  std::size_t size;
+  std::size_t alignment;
+};
+
+/// A field, or a part: an implementation held by value, with fields of its own.
+class Field {
+ public:
+  Field(std::size_t size, std::size_t alignment) : layout_{size, alignment} {}
+  Field(std::initializer_list<Field> part) : part_(part) {}
+
+  /// Puts the field to the next place of its alignment from `end` on, and notes where it lies, or
+  /// where the fields of the part do. Returns where it ends.
+  std::size_t Place(std::size_t end, std::vector<Range>& places) const;
+
+ private:
+  Layout layout_{};
+  std::vector<Field> part_;
+};
+
+inline std::size_t RoundedUp(std::size_t at, std::size_t alignment) {
+  return (at + alignment - 1) / alignment * alignment;
+}
+
+/// The fields of an implementation at `begin`, after its table of virtual functions and its owner.
+inline std::size_t PlaceAll(const std::vector<Field>& fields, std::size_t begin,
+                            std::vector<Range>& places) {
+  std::size_t end = begin + 2 * sizeof(void*);
+  for (const Field& field : fields) end = field.Place(end, places);
+  return RoundedUp(end, alignof(void*));
+}
+
+inline std::size_t Field::Place(std::size_t end, std::vector<Range>& places) const {
+  if (!part_.empty()) return PlaceAll(part_, RoundedUp(end, alignof(void*)), places);
+  const std::size_t begin = RoundedUp(end, layout_.alignment);
+  places.push_back({begin, begin + layout_.size});
+  return begin + layout_.size;
+}
+
+/// The bytes of an object, as they are.
+template <class Object>
+std::vector<std::byte> BytesOf(const Object& object) {
+  std::vector<std::byte> bytes(sizeof(Object));
+  std::memcpy(bytes.data(), static_cast<const void*>(&object), sizeof(Object));
+  return bytes;
+}
+
+/// From the first byte that a change touches to after the last one; empty when none is.
+template <class Object, class Change>
+Range Changed(Object& object, Change change) {
+  const auto before = BytesOf(object);
+  change(object);
+  const auto after = BytesOf(object);
+  const auto first = std::mismatch(before.begin(), before.end(), after.begin()).first;
+  const auto last = std::mismatch(before.rbegin(), before.rend(), after.rbegin()).first;
+  return {static_cast<std::size_t>(first - before.begin()),
+          static_cast<std::size_t>(before.rend() - last)};
+}
+
+template <class Object>
+std::size_t OffsetIn(const Object& object, const void* field) {
+  return static_cast<std::size_t>(static_cast<const std::byte*>(field) -
+                                  reinterpret_cast<const std::byte*>(&object));
+}
+
+/// Whether sizes are those of the list: it holds for pointers of 64 bits.
+inline constexpr bool kHasListedSizes = sizeof(void*) == 8;
+
+/// Expects that an implementation has this size and these fields, one after the other, each at the
+/// next place of its alignment: every change touches its own field and nothing else.
+template <class Impl>
+void ExpectLayout(Layout layout, std::initializer_list<Field> fields,
+                  std::source_location from = std::source_location::current()) {
+  const testing::ScopedTrace trace(from.file_name(), static_cast<int>(from.line()), "the layout");
+  if (kHasListedSizes) {
+    EXPECT_EQ(sizeof(Impl), layout.size);
+    EXPECT_EQ(alignof(Impl), layout.alignment);
+  }
+  std::vector<Range> places;
+  EXPECT_EQ(sizeof(Impl), PlaceAll(fields, 0, places));
+  const auto changes = ChangesOf<Impl>();
+  ASSERT_EQ(changes.size(), places.size());
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << "field " << i);
+    Impl impl;
+    Prepare(impl);
+    const Range range = Changed(impl, changes[i]);
+    ASSERT_LT(range.begin, range.end) << "nothing changed";
+    EXPECT_GE(range.begin, places[i].begin);
+    EXPECT_LE(range.end, places[i].end);
+  }
+}
+
+}  // namespace Layouts
+
+#endif  // SURVEYDATA_TESTS_SUPPORT_EXPECT_LAYOUT_H_
