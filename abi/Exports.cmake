@@ -4,6 +4,8 @@
 # What mangled names of the library's namespaces begin with: members, tables of virtual functions,
 # type identities and their names, thunks.
 set(exports_scope "^_Z(T[VIS]|Thn?[0-9]+_)?N?K?3(API|SDI|ODM)")
+# The same, and what compilers make besides: static variables of functions, guards, lists of bases.
+set(exports_held "^_Z(T[A-Z]|T[hv]n?[0-9_]+|GV|Z)?N?[KVRO]*3(API|SDI|ODM)")
 # A type symbol: every user of a class has a copy of its own, and leaving makes them one.
 set(exports_type "^_ZT[VI]")
 # What nobody outside asks for on ELF systems, where names cost room, by its demangled name: names and

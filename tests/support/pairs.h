@@ -9,47 +9,16 @@
 
 #include <surveydata/surveydata.h>
 
+#include "tests/support/pair_list.h"
 #include "tests/support/record_fields.h"
 
 /// \file
-/// Every pair of a public class and an implementation, for tests of what holds for all of them.
+/// Tests of what holds for every pair: the pairs as lists of GoogleTest, and data to tell them by.
 
 namespace Pairs {
 
-template <class Public, class Impl>
-struct Pair {
-  using PublicT = Public;
-  using ImplT = Impl;
-};
-
-/// A public class and the implementation that it makes and reads. A pair that is not listed here is
-/// not finished.
-using AllPairs = testing::Types<
-    Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>, Pair<SDI::QMatrixC, ODM::QMatrixC>,
-    Pair<SDI::CoordinateQualityC, ODM::CoordinateQualityC>,
-    Pair<SDI::CoordinateReferenceSystemC, ODM::CoordinateReferenceSystemC>,
-    Pair<SDI::UndulationMementoC, ODM::UndulationMementoC>, Pair<SDI::PositionC, ODM::PositionC>,
-    Pair<SDI::RectangleC, ODM::RectangleC>, Pair<SDI::DisplayAttributesC, ODM::DisplayAttributesC>,
-    Pair<SDI::InstrumentInfoDataC, ODM::InstrumentInfoDataC>,
-    Pair<SDI::GPSAntHeightC, SDI::GPSAntHeightImplC>, Pair<SDI::GPSDOPsC, SDI::GPSDOPsImplC>,
-    Pair<SDI::GPSMeasDataC, SDI::GPSMeasDataImplC>,
-    Pair<SDI::GPSRefStationDataC, SDI::GPSRefStationDataImplC>,
-    Pair<SDI::TPSSetupDataC, ODM::TPSSetupDataC>, Pair<SDI::TPSMeasDataC, ODM::TPSMeasDataC>,
-    Pair<SDI::TPSCorrectionDataC, ODM::TPSCorrectionDataC>,
-    Pair<SDI::TPSCalibrationDataC, ODM::TPSCalibrationDataC>,
-    Pair<SDI::ImgCameraInfoC, SDI::ImgCameraInfoImplC>,
-    Pair<SDI::ImgChipWindowInfoC, SDI::ImgChipWindowInfoImplC>,
-    Pair<SDI::ImgExteriorOrientationC, SDI::ImgExteriorOrientationImplC>,
-    Pair<SDI::ImgInteriorOrientationC, SDI::ImgInteriorOrientationImplC>,
-    Pair<SDI::ScanDefPointC, SDI::ScanDefPointImplC>,
-    Pair<SDI::ScanRectangularAreaC, SDI::ScanRectangularAreaImplC>,
-    Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
-    Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>, Pair<SDI::ScanC, SDI::ScanImplC>>;
-
-/// A public class and an implementation that makes one but that it does not read.
-using UnreadPairs =
-    testing::Types<Pair<SDI::GPSAntHeightC, ODM::GPSAntHeightC>, Pair<SDI::GPSDOPsC, ODM::GPSDOPsC>,
-                   Pair<SDI::GPSMeasDataC, ODM::GPSMeasDataC>>;
+using AllPairs = AllPairList::As<testing::Types>;
+using UnreadPairs = UnreadPairList::As<testing::Types>;
 
 /// A dome has nothing that could be set.
 template <class Impl>
