@@ -44,7 +44,7 @@ install_dependencies() {
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(abigail-tools clang doxygen dpkg-dev file fish libabsl-dev libbenchmark-dev
                libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
-               mandoc pkgconf zsh)
+               mandoc pkgconf python3 zsh)
 
 # What the build for Windows and its tests need besides.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)

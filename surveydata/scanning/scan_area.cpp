@@ -100,6 +100,9 @@ struct ScanAreaC::Bounds {
   double vMax = std::numeric_limits<double>::max();
 };
 
+const GMAT::SphereAreaC& ScanAreaImplC::GetSphereArea() const { return sphereArea_; }
+const std::vector<ScanDefPointC>& ScanAreaImplC::Points() const { return points_; }
+
 ScanAreaC::ScanAreaC(ScanAreaImplC* impl) : ScanDefinitionC(impl) {}
 ScanAreaC::~ScanAreaC() = default;
 

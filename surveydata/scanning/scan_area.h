@@ -54,10 +54,10 @@ class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
   std::uint16_t GetSettingE() const;
   void SetSettingE(std::uint16_t setting);
 
-  const GMAT::SphereAreaC& GetSphereArea() const { return sphereArea_; }
+  const GMAT::SphereAreaC& GetSphereArea() const;
 
  protected:
-  const std::vector<ScanDefPointC>& Points() const { return points_; }
+  const std::vector<ScanDefPointC>& Points() const;
 
  private:
   double hzStep_ = 0.0;
