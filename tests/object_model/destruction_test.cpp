@@ -1,0 +1,130 @@
+// What `GetImpl` and `GetBase` answer inside the destructors of classes that callers derive from
+// the two sides of a pair, whichever side is destroyed first. docs/ownership.md has the table.
+#include <functional>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/geodetic/coordinate_point.h>
+
+namespace {
+
+// Both sides call what they are given when their destructor runs.
+class PointC : public SDI::CoordinatePointC {
+ public:
+  PointC(ODM::CoordinatePointC* data, std::function<void(PointC&)> atEnd)
+      : CoordinatePointC(data), atEnd_(std::move(atEnd)) {}
+  PointC(const PointC&) = delete;
+  PointC& operator=(const PointC&) = delete;
+  ~PointC() override { atEnd_(*this); }
+
+ private:
+  std::function<void(PointC&)> atEnd_;
+};
+
+class DataC : public ODM::CoordinatePointC {
+ public:
+  explicit DataC(std::function<void(DataC&)> atEnd)
+      : CoordinatePointC(1.0, 2.0, 3.0), atEnd_(std::move(atEnd)) {}
+  DataC(const DataC&) = delete;
+  DataC& operator=(const DataC&) = delete;
+  ~DataC() override { atEnd_(*this); }
+
+ private:
+  std::function<void(DataC&)> atEnd_;
+};
+
+const auto kNothing = [](auto&) {};
+
+TEST(Destructor, OfThePublicSideThatGoesFirstHasTheWholePair) {
+  int asked = 0;
+  auto* const data = new DataC(kNothing);
+  delete new PointC(data, [&](PointC& point) {
+    ++asked;
+    EXPECT_EQ(point.GetImpl(), data);
+    EXPECT_EQ(data->GetBase(), &point);
+    EXPECT_EQ(point.GetY(), 2.0);
+    point.SetY(4.0);
+    EXPECT_EQ(data->GetY(), 4.0);
+  });
+  EXPECT_EQ(asked, 1);
+}
+
+TEST(Destructor, OfTheImplementationThatGoesFirstHasTheWholePair) {
+  int asked = 0;
+  PointC* point = nullptr;
+  auto* const data = new DataC([&](DataC& self) {
+    ++asked;
+    EXPECT_EQ(self.GetBase(), point);
+    EXPECT_EQ(point->GetImpl(), &self);
+    EXPECT_EQ(point->GetY(), 2.0);
+  });
+  point = new PointC(data, kNothing);
+  delete data;
+  EXPECT_EQ(asked, 1);
+}
+
+TEST(Destructor, OfThePublicSideThatGoesSecondHasNoImplementation) {
+  int asked = 0;
+  auto* const data = new DataC(kNothing);
+  API::ImplObjectC* const base = data;
+  new PointC(data, [&](PointC& point) {
+    ++asked;
+    EXPECT_EQ(point.GetImpl(), nullptr);
+    EXPECT_EQ(point.API::BaseC::GetImpl(), nullptr);
+    // Of the implementation, its base is left, which answers until its owner is gone.
+    EXPECT_EQ(base->GetBase(), &point);
+  });
+  delete data;
+  EXPECT_EQ(asked, 1);
+}
+
+TEST(Destructor, OfTheImplementationThatGoesSecondHasNoOwner) {
+  int asked = 0;
+  API::BaseC* point = nullptr;
+  auto* const data = new DataC([&](DataC& self) {
+    ++asked;
+    EXPECT_EQ(self.API::ImplObjectC::GetBase(), nullptr);
+    // Of the public object, its base is left, which answers until its implementation is gone.
+    EXPECT_EQ(point->GetImpl(), &self);
+    EXPECT_EQ(self.GetY(), 2.0);
+  });
+  point = new PointC(data, kNothing);
+  delete point;
+  EXPECT_EQ(asked, 1);
+}
+
+// `GetBase` of an implementation without an owner makes one, here too; it goes with the
+// implementation, as ever. The leak checker is the judge of that.
+TEST(Destructor, OfTheImplementationThatGoesSecondMakesAnotherOwnerWhenItAsks) {
+  int asked = 0;
+  API::BaseC* point = nullptr;
+  auto* const data = new DataC([&](DataC& self) {
+    ++asked;
+    auto* const made = dynamic_cast<SDI::CoordinatePointC*>(self.GetBase());
+    ASSERT_NE(made, nullptr);
+    EXPECT_NE(made, point);
+    EXPECT_EQ(made->GetImpl(), &self);
+    EXPECT_EQ(self.GetBase(), made);
+    EXPECT_EQ(point->GetImpl(), &self) << "the object that is being destroyed stays as it is";
+  });
+  point = new PointC(data, kNothing);
+  delete point;
+  EXPECT_EQ(asked, 1);
+}
+
+TEST(Destructor, OfAPublicObjectOnTheStackHasTheWholePair) {
+  int asked = 0;
+  {
+    ODM::CoordinatePointC* data = nullptr;
+    const PointC point(new DataC(kNothing), [&](PointC& self) {
+      ++asked;
+      EXPECT_EQ(self.GetImpl(), data);
+      EXPECT_EQ(data->GetBase(), &self);
+    });
+    data = point.GetImpl();
+  }
+  EXPECT_EQ(asked, 1);
+}
+
+}  // namespace
