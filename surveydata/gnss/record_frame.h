@@ -115,9 +115,10 @@ struct Encoded {
 Encoded Encode(const GPSMeasDataImplC& measurement, const GPSRecordFileInfo& info,
                std::span<std::uint8_t, kMaxSize> frame);
 
-/// The fields that an update rewrites.
-inline constexpr std::array kUpdatedFields{Field::kFileKind, Field::kName, Field::kNumber,
-                                           Field::kHeight, Field::kHeightKind};
+/// The fields that an update rewrites. With a type of its own: g++ 12 keeps constants whose type is
+/// deduced in memory that can be written to.
+inline constexpr std::array<Field, 5> kUpdatedFields{Field::kFileKind, Field::kName, Field::kNumber,
+                                                     Field::kHeight, Field::kHeightKind};
 
 /// Rewrites those of `fields` whose blocks the flags of the frame announce; without a measurement
 /// the file flags and the name are taken to be there, and no antenna height, whatever the flags.

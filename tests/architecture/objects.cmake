@@ -1,0 +1,103 @@
+# Reads the objects in the static library LIBRARY, with NM and CXXFILT: what the library keeps, and what
+# it asks of the C library and of the C++ runtime. It keeps no state but the file handle of the record
+# reader; it takes no lock, starts no thread, and reads neither environment nor locale. CHECK is state
+# or imports.
+cmake_minimum_required(VERSION 3.25)
+
+execute_process(COMMAND ${NM} -A -f sysv ${LIBRARY}
+  OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+# object:symbol|value|class|type|size|line|section
+string(REGEX MATCHALL "[^:\n]+\\.(o|obj):[^\n]+" lines "${output}")
+list(TRANSFORM lines REPLACE " " "")
+list(FILTER lines INCLUDE REGEX "^[^|]+[|]")
+if(NOT "${lines}" MATCHES "base.cpp.o:_ZN3API[A-Za-z0-9_]*[|][^;]*[|].text")
+  message("skipped: these objects are not compiled before they are linked")
+  return()
+endif()
+
+# complain(<title> <object:symbol>...): an error, the symbols readable, one a line.
+function(complain title)
+  set(lines "")
+  foreach(entry IN LISTS ARGN)
+    string(REPLACE ":" ": " entry ${entry})
+    string(APPEND lines "  ${entry}\n")
+  endforeach()
+  if(lines)
+    string(RANDOM input)
+    file(WRITE ${input} "${lines}")
+    execute_process(COMMAND ${CXXFILT} INPUT_FILE ${input} OUTPUT_VARIABLE lines)
+    file(REMOVE ${input})
+    message(SEND_ERROR "${title}\n${lines}")
+  endif()
+endfunction()
+
+# What is in memory that can be written to, or has to be set up or torn down at run time. Constants
+# that the loader relocates are read-only from then on (.data.rel.ro).
+if(CHECK STREQUAL "state")
+  set(state ${lines})
+  list(FILTER state INCLUDE REGEX
+    "[|]([.](data|bss|tdata|tbss|ldata|lbss)[^|]*|[*]COM[*])$|:_GLOBAL__|:_ZGV|:_ZTH|:_ZTW")
+  list(FILTER state EXCLUDE REGEX
+    "[|][.]data[.]rel[.]ro[^|]*$|[|][.]data[.]rel[.]local[.]DW[.]ref[.]__gxx_personality_v0$")
+  list(TRANSFORM state REPLACE "[|].*" "" OUTPUT_VARIABLE symbols)
+  set(handle ${symbols})
+  list(FILTER handle INCLUDE REGEX "^gps_record_file[.]cpp[.]o:_ZN3SDI.*10recordFileE$")
+  list(FILTER symbols EXCLUDE REGEX "^gps_record_file[.]cpp[.]o:_ZN3SDI.*10recordFileE$")
+  complain("the library keeps more than the file handle of the record reader:" ${symbols})
+  list(LENGTH handle handles)
+  list(FILTER state INCLUDE REGEX "10recordFileE[|]")
+  if(NOT handles EQUAL 1 OR NOT "${state}" MATCHES "[|]0*${POINTER_SIZE}[|][|][.]bss[^;]*$")
+    message(SEND_ERROR "the file handle of the record reader is not one pointer: ${state}")
+  endif()
+  return()
+endif()
+
+# Everything that the library may ask for. What is not here is a decision: is it a lock, a thread, the
+# environment, the locale, output, time or chance?
+set(files fopen fopen64 fclose fread fwrite fseek fseeko fseeko64 ftello ftello64 ferror setvbuf)
+set(numbers acos atan atan2 ceil cos floor fmod frexp ldexp lround pow remainder rint round sin sincos
+    sqrt sqrtf tan trunc)
+set(memory memchr memcmp memcpy memmove memset strcmp strlen strncmp)
+set(texts strtod strtol vsnprintf)  # atof, atoi and atol; Format
+set(language
+  __cxa_allocate_exception __cxa_bad_cast __cxa_begin_catch __cxa_call_unexpected __cxa_end_catch
+  __cxa_free_exception __cxa_pure_virtual __cxa_rethrow __cxa_throw
+  __cxa_throw_bad_array_new_length __dynamic_cast __errno_location __gxx_personality_v0
+  __stack_chk_fail __stack_chk_fail_local _GLOBAL_OFFSET_TABLE_ _Unwind_Resume
+  __libc_single_threaded)  # counts of references ask whether there is another thread at all
+list(JOIN files "|" files)
+list(JOIN numbers "|" numbers)
+list(JOIN memory "|" memory)
+list(JOIN texts "|" texts)
+list(JOIN language "|" language)
+set(checked "__(${memory}|fread)_chk")  # the same with FORTIFY
+# operator new and delete, what throws, the exceptions that are thrown, type identities, std::string,
+# ordered containers
+string(CONCAT runtime
+  "_Z(nw|dl|na|da)[A-Za-z0-9_]*|_ZSt[0-9]+__throw_[A-Za-z0-9_]*|_ZSt9terminatev|_ZSt7nothrow"
+  "|_ZSt21__glibcxx_assert_fail[A-Za-z0-9_]*|_ZSt20__throw_[A-Za-z0-9_]*"
+  "|_ZT[IVS](N10__cxxabiv1[A-Za-z0-9_]*|St9exception|St8bad_cast|St9bad_alloc|St11logic_error)"
+  "|_ZNK?St(9exception|8bad_cast|9bad_alloc|11logic_error)[A-Za-z0-9_]*"
+  "|_ZNK?St7__cxx1112basic_stringIcSt11char_traitsIcESaIcEE[A-Za-z0-9_]*|_ZSt[0-9]+_Rb_tree_[A-Za-z0-9_]*")
+set(allowed "${numbers}|${memory}|${texts}|${language}|${checked}|${runtime}")
+
+set(undefined ${lines})
+list(FILTER undefined INCLUDE REGEX "[|][*]UND[*]$")
+list(TRANSFORM undefined REPLACE "[|].*" "")
+set(defined ${lines})
+list(FILTER defined EXCLUDE REGEX "[|][*]UND[*]$")
+list(TRANSFORM defined REPLACE "^[^:]*:|[|].*" "")
+list(REMOVE_DUPLICATES defined)
+set(imports "")
+foreach(entry IN LISTS undefined)
+  string(REGEX REPLACE "^[^:]*:" "" symbol ${entry})
+  if(NOT symbol IN_LIST defined)
+    list(APPEND imports ${entry})
+  endif()
+endforeach()
+list(FILTER imports EXCLUDE REGEX ":(${allowed})$")
+# Record files are read and written by these alone, and one report is printed.
+list(FILTER imports EXCLUDE REGEX "^gps_record[a-z_]*[.]cpp[.]o:(${files})$")
+list(FILTER imports EXCLUDE REGEX "^vectors[.]cpp[.]o:(printf|__printf_chk)$")
+complain("the library asks for what it must not, or for what objects.cmake does not know yet:"
+  ${imports})
