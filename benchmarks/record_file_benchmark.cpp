@@ -10,12 +10,13 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
 #include <surveydata/gnss/record_frame.h>
+
+#include "tests/support/frame_builder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

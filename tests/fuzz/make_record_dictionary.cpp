@@ -8,7 +8,15 @@
 
 namespace {
 
-using namespace SDI::RecordFrame;
+using SDI::RecordFrame::Blocks1;
+using SDI::RecordFrame::Blocks2;
+using SDI::RecordFrame::kMagic;
+using SDI::RecordFrame::kMaxLength;
+using SDI::RecordFrame::kMinLength;
+using SDI::RecordFrame::kMore;
+using SDI::RecordFrame::kSlantHeight;
+using SDI::RecordFrame::kType;
+using SDI::RecordFrame::NameOf;
 
 void PrintByte(const char* comment, unsigned value) {
   std::printf("# %s\n\"\\x%02x\"\n", comment, value);

@@ -74,7 +74,8 @@ TEST(Position, DestroysThePublicObjectsOfItsParts) {
   int destroyed = 0;
   {
     PositionC position;
-    auto* const point = new CountedPointC(&position.GetImpl()->GetCoordinatePoint(), destroyed);
+    auto* const point =
+        new TestSupport::CountedPointC(&position.GetImpl()->GetCoordinatePoint(), destroyed);
     EXPECT_EQ(&position.GetCoordinatePoint(), point);
     EXPECT_EQ(destroyed, 0);
   }

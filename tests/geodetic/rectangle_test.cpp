@@ -52,8 +52,10 @@ TEST(Rectangle, DestroysThePublicObjectsOfItsCorners) {
   int destroyed = 0;
   {
     RectangleC rectangle;
-    auto* const low = new CountedPointC(&rectangle.GetImpl()->GetBottomLeft(), destroyed);
-    auto* const high = new CountedPointC(&rectangle.GetImpl()->GetTopRight(), destroyed);
+    auto* const low =
+        new TestSupport::CountedPointC(&rectangle.GetImpl()->GetBottomLeft(), destroyed);
+    auto* const high =
+        new TestSupport::CountedPointC(&rectangle.GetImpl()->GetTopRight(), destroyed);
     EXPECT_EQ(&rectangle.GetBottomLeft(), low);
     EXPECT_EQ(&rectangle.GetTopRight(), high);
     EXPECT_EQ(destroyed, 0);

@@ -4,10 +4,11 @@
 #include <cstdint>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/same_info.h>
 
 #include <surveydata/gnss/gps_record_file.h>
+
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/same_info.h"
 
 namespace TestSupport {
 

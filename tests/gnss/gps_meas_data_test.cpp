@@ -8,9 +8,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/stored_fields.h>
 
 #include <surveydata/gnss/gps_meas_data.h>
+
+#include "tests/gnss/stored_fields.h"
 
 namespace {
 

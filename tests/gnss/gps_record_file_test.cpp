@@ -10,14 +10,15 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/expect_no_file.h>
-#include <tests/gnss/record_model.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/same_info.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
+
+#include "tests/gnss/expect_no_file.h"
+#include "tests/gnss/record_model.h"
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/same_info.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

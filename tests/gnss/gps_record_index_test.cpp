@@ -6,11 +6,12 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/record_model.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_index.h>
+
+#include "tests/gnss/record_model.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

@@ -11,13 +11,14 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <tests/gnss/expect_no_file.h>
-#include <tests/gnss/record_model.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+
+#include "tests/gnss/expect_no_file.h"
+#include "tests/gnss/record_model.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

@@ -11,12 +11,13 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/round_trip.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/frame_builder.h>
 
 #include <surveydata/gnss/gps_record_index.h>
 #include <surveydata/gnss/record_frame.h>
+
+#include "tests/gnss/round_trip.h"
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/frame_builder.h"
 
 namespace {
 

@@ -7,15 +7,16 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/record_model.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/faults.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/same_info.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+
+#include "tests/gnss/record_model.h"
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/faults.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/same_info.h"
+#include "tests/support/temp_file.h"
 
 // What a record file cannot be made to do on its own: every call of the C runtime's file functions
 // fails once.

@@ -8,18 +8,31 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/record_model.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/same_info.h>
 
 #include <surveydata/gnss/record_frame.h>
 
+#include "tests/gnss/record_model.h"
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/same_info.h"
+
 namespace {
 
-using namespace SDI::RecordFrame;
 using SDI::GPSMeasDataImplC;
 using SDI::GPSRecordFileInfo;
+using SDI::RecordFrame::Block;
+using SDI::RecordFrame::Build;
+using SDI::RecordFrame::Checksum;
+using SDI::RecordFrame::Decode;
+using SDI::RecordFrame::Decoded;
+using SDI::RecordFrame::DecodeName;
+using SDI::RecordFrame::EncodeName;
+using SDI::RecordFrame::Field;
+using SDI::RecordFrame::kMaxSize;
+using SDI::RecordFrame::kNoSubType;
+using SDI::RecordFrame::kUpdatedFields;
+using SDI::RecordFrame::NameOf;
+using SDI::RecordFrame::Patch;
 using TestSupport::ByteVector;
 using TestSupport::ExpectSameInfo;
 using TestSupport::FilledMeasurement;

@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/frame_builder.h>
-
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/frame_builder.h"
 
 /// \file
 /// A record file read, written and walked by plain byte arithmetic, as slowly and literally as the

@@ -6,12 +6,13 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

@@ -7,12 +7,13 @@
 #include <string_view>
 
 #include <gtest/gtest.h>
-#include <tests/gnss/record_model.h>
-#include <tests/gnss/stored_fields.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/same_info.h>
 
 #include <surveydata/gnss/record_frame.h>
+
+#include "tests/gnss/record_model.h"
+#include "tests/gnss/stored_fields.h"
+#include "tests/support/frame_builder.h"
+#include "tests/support/same_info.h"
 
 /// \file
 /// What encoding must give back.

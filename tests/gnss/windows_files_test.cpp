@@ -5,10 +5,11 @@
 #include <system_error>
 
 #include <gtest/gtest.h>
-#include <tests/support/frame_builder.h>
-#include <tests/support/temp_file.h>
 
 #include <surveydata/gnss/gps_record_file.h>
+
+#include "tests/support/frame_builder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <surveydata/gnss/record_frame.h>
 #include <surveydata/surveydata.h>
 
-#include "surveydata/gnss/record_frame.h"
 #include "tests/object_model/fixed_string_model.h"
 #include "tests/support/faults.h"
 #include "tests/support/pairs.h"
@@ -135,7 +135,9 @@ TEST(FixedStringHeap, NoOperationUsesIt) {
 
 // The measurement frames of a sample file, by their offsets.
 std::vector<std::uint32_t> FramesIn(const std::vector<std::uint8_t>& file) {
-  using namespace SDI::RecordFrame;
+  using SDI::RecordFrame::HasRightChecksum;
+  using SDI::RecordFrame::Header;
+  using SDI::RecordFrame::kHeaderSize;
   std::vector<std::uint32_t> offsets;
   for (std::size_t at = 0; at + kHeaderSize <= file.size(); ++at) {
     const Header header = Header::Load(file.data() + at);

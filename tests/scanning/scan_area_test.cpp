@@ -1,7 +1,7 @@
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <memory>
-#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -12,13 +12,34 @@
 #include <surveydata/scanning/scan_polygon_area.h>
 #include <surveydata/scanning/scan_rectangular_area.h>
 
-#include "virtual_slot.h"
+#include "tests/scanning/area_samples.h"
+#include "tests/support/virtual_slot.h"
 
-namespace SDI {
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kNotSet = 1.7976931348623157e308;
+using SDI::kDomeArea;
+using SDI::ScanAreaC;
+using SDI::ScanAreaImplC;
+using SDI::ScanDefinitionC;
+using SDI::ScanDefinitionImplC;
+using SDI::ScanDefPointC;
+using SDI::ScanDefPointImplC;
+using SDI::ScanDomeAreaC;
+using SDI::ScanDomeAreaImplC;
+using SDI::ScanPolygonAreaC;
+using SDI::ScanPolygonAreaImplC;
+using SDI::ScanRectangularAreaC;
+using SDI::ScanRectangularAreaImplC;
+using TestSupport::Calls;
+using TestSupport::kNotSet;
+using TestSupport::kTriangle;
+using TestSupport::kTwoPi;
+using TestSupport::LoggedC;
+using TestSupport::MakePolygon;
+using TestSupport::MakeRectangle;
+#if !defined(_WIN32)
+using TestSupport::VirtualSlot;
+#endif
 
 static_assert(sizeof(ScanDefinitionC) == sizeof(API::BaseC));
 static_assert(sizeof(ScanDomeAreaC) == sizeof(API::BaseC));
@@ -28,24 +49,6 @@ static_assert(sizeof(ScanRectangularAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(sizeof(ScanPolygonAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(sizeof(ScanDomeAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(std::is_base_of_v<boost::noncopyable, ScanDefinitionC>);
-
-ScanRectangularAreaC* MakeRectangle() {
-  auto* const area = new ScanRectangularAreaC;
-  area->SetSteps(0.1, 0.2);
-  area->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  return area;
-}
-
-using Calls = std::vector<std::string>;
-
-const std::vector<ScanDefPointC> kTriangle = {{1.0, 1.0, -1.0}, {2.0, 1.0, -1.0}, {1.5, 1.5, -1.0}};
-
-ScanPolygonAreaC* MakePolygon(const std::vector<ScanDefPointC>& points = kTriangle) {
-  auto* const area = new ScanPolygonAreaC;
-  area->SetSteps(0.1, 0.2);
-  area->SetPoints(points);
-  return area;
-}
 
 // What the getters of an area return; both sides of every kind have them.
 template <class Area>
@@ -312,18 +315,6 @@ TEST(ScanArea, AnAreaOfAnotherClassWithTheCodeOfAKindIsNotEqual) {
   EXPECT_FALSE(StrangeAreaC(9).IsEqual(ScanDefinitionImplC(9)));
 }
 
-TEST(ScanDefinition, ComparesTypesAlone) {
-  static_assert(!std::is_default_constructible_v<ScanDefinitionImplC>);
-  static_assert(!std::is_default_constructible_v<ScanDefinitionC>);
-  const ScanDefinitionC seven(new ScanDefinitionImplC(7));
-  EXPECT_EQ(seven.GetType(), 7u);
-  EXPECT_TRUE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(7))));
-  EXPECT_FALSE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(8))));
-  EXPECT_FALSE(ScanDefinitionImplC(7).IsEqual(API::ImplObjectC())) << "another class";
-  ScanDefinitionImplC impl(7);
-  EXPECT_EQ(static_cast<ScanDefinitionC*>(impl.GetBase())->GetImpl(), &impl);
-}
-
 #if !defined(_WIN32)
 TEST(ScanArea, VirtualFunctionsStandInTheirOrder) {
   EXPECT_EQ(VirtualSlot(&ScanDefPointImplC::GetBase), 1);
@@ -382,41 +373,6 @@ TEST(ScanArea, ThePointCountHasSixteenBits) {
   EXPECT_EQ(area.GetPointCount(), 65535u);
 }
 
-TEST(ScanRectangularArea, IsValidWithStepsAndTwoCornersThatDiffer) {
-  ScanRectangularAreaC area;
-  EXPECT_FALSE(area.IsValid());
-  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  EXPECT_TRUE(area.IsAreaValid());
-  EXPECT_FALSE(area.IsValid());
-  area.SetSteps(0.1, 0.1);
-  EXPECT_TRUE(area.IsValid());
-  area.SetSteps(0.0, 0.1);
-  EXPECT_FALSE(area.IsValid());
-  area.SetSteps(0.1, -0.1);
-  EXPECT_FALSE(area.IsValid());
-  area.SetSteps(0.1, std::nan(""));
-  EXPECT_FALSE(area.IsValid());
-  area.SetSteps(0.1, 0.1);
-  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 0.5, -1.0});
-  EXPECT_FALSE(area.IsValid()) << "equal V";
-  area.SetCorners({1.0, 0.5, -1.0}, {1.0, 0.6, -1.0});
-  EXPECT_FALSE(area.IsValid()) << "equal Hz";
-  area.SetCorners({1.0, 0.5, -1.0}, {1.0, 0.5, -1.0});
-  EXPECT_FALSE(area.IsValid());
-  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  area.AddPoint({1.5, 2.0, -1.0});
-  EXPECT_FALSE(area.IsValid()) << "three points";
-  area.SetCorners({7.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  EXPECT_FALSE(area.IsValid()) << "out of range";
-  // Hz and V must differ exactly, but the corners by more than a denormal.
-  area.SetCorners({1.0, 0.5, -1.0}, {std::nextafter(1.0, 2.0), std::nextafter(0.5, 1.0), -1.0});
-  EXPECT_TRUE(area.IsValid());
-  area.SetCorners({0.0, 0.0, -1.0}, {1e-310, 1.0, -1.0});
-  EXPECT_TRUE(area.IsValid());
-  area.SetCorners({0.0, 0.0, -1.0}, {1e-310, 1e-310, -1.0});
-  EXPECT_FALSE(area.IsValid());
-}
-
 TEST(ScanArea, EachStepMustBeAboveZeroBeItEverSoLittle) {
   constexpr double kUnit = std::numeric_limits<double>::denorm_min();
   const struct {
@@ -446,64 +402,6 @@ TEST(ScanArea, EachStepMustBeAboveZeroBeItEverSoLittle) {
   }
 }
 
-// An implementation that says which of its virtual functions run, in their order.
-template <class Impl>
-class LoggedC : public Impl {
- public:
-  bool IsValid() const override { return Log("IsValid"), Impl::IsValid(); }
-  bool AddPoint(const ScanDefPointC& point) override {
-    Log("AddPoint " + std::to_string(point.GetHz()).substr(0, 3));
-    return Impl::AddPoint(point);
-  }
-  void RemoveLastPoint() override { Log("RemoveLastPoint"), Impl::RemoveLastPoint(); }
-  void Clear() override { Log("Clear"), Impl::Clear(); }
-  std::uint16_t GetPointCount() const override {
-    return Log("GetPointCount"), Impl::GetPointCount();
-  }
-  void GetPoints(std::vector<ScanDefPointC>& points) const override {
-    Log("GetPoints"), Impl::GetPoints(points);
-  }
-  bool IsAreaValid() const override { return Log("IsAreaValid"), Impl::IsAreaValid(); }
-  bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const override {
-    return Log("GetBoundingPoints"), Impl::GetBoundingPoints(low, high, normalize);
-  }
-
-  Calls TakeCalls() { return std::exchange(calls_, {}); }
-
- private:
-  void Log(std::string call) const { calls_.push_back(std::move(call)); }
-
-  mutable Calls calls_;
-};
-
-TEST(ScanRectangularArea, SettingCornersClearsAndAddsThemByTheVirtualFunctions) {
-  auto* const impl = new LoggedC<ScanRectangularAreaImplC>;
-  ScanRectangularAreaC area(impl);
-  const Calls expected = {"Clear", "AddPoint 1.0", "AddPoint 2.0"};
-  area.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  EXPECT_EQ(impl->TakeCalls(), expected);
-  impl->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, -1.0});
-  EXPECT_EQ(impl->TakeCalls(), expected);
-  ScanDefPointC a;
-  ScanDefPointC b;
-  area.SetSteps(0.1, 0.1);
-  EXPECT_TRUE(area.GetCorners(a, b));
-  EXPECT_EQ(impl->TakeCalls(), (Calls{"IsValid", "IsAreaValid"}));
-}
-
-TEST(ScanPolygonArea, SettingPointsCallsNoVirtualFunction) {
-  auto* const impl = new LoggedC<ScanPolygonAreaImplC>;
-  ScanPolygonAreaC area(impl);
-  area.SetPoints(kTriangle);
-  impl->SetPoints({{1.2, 1.4, -1.0}});
-  EXPECT_EQ(impl->TakeCalls(), Calls());
-  std::vector<ScanDefPointC> points;
-  area.GetPoints(points);
-  EXPECT_EQ(points.size(), 4u);
-  EXPECT_EQ(area.GetPointCount(), 4u) << "the geometry has them too";
-  EXPECT_EQ(impl->TakeCalls(), (Calls{"GetPoints", "GetPointCount"}));
-}
-
 TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
   auto* const impl = new LoggedC<ScanPolygonAreaImplC>;
   ScanPolygonAreaC area(impl);
@@ -521,176 +419,6 @@ TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
     EXPECT_EQ(impl->TakeCalls(),
               (Calls{"IsValid", "IsAreaValid", "GetBoundingPoints", "IsAreaValid"}));
   }
-}
-
-TEST(ScanRectangularArea, CornersAreSetAndRead) {
-  const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
-  area->SetCorners({3.0, 0.6, 7.0}, {4.0, 1.1, 8.0});
-  EXPECT_EQ(area->GetPointCount(), 2u);
-  ScanDefPointC a;
-  ScanDefPointC b;
-  ASSERT_TRUE(area->GetCorners(a, b));
-  EXPECT_EQ(a.GetHz(), 3.0);
-  EXPECT_EQ(a.GetDistance(), 7.0);
-  EXPECT_EQ(b.GetV(), 1.1);
-  EXPECT_EQ(b.GetDistance(), 8.0);
-  area->SetSteps(0.0, 0.0);
-  a = ScanDefPointC();
-  EXPECT_FALSE(area->GetCorners(a, b));
-  EXPECT_EQ(a.GetHz(), kNotSet);
-}
-
-TEST(ScanRectangularArea, OutlineFillsTheDistances) {
-  const struct {
-    double first, second, filledFirst, filledSecond;
-  } cases[] = {
-      {12.5, -1.0, 12.5, 12.5}, {-1.0, 9.0, 9.0, 9.0}, {-1.0, -1.0, 3.0, 3.0}, {1.0, 2.0, 1.0, 2.0},
-      {0.0, -1.0, 0.0, 0.0},    {-1.0, 0.0, 0.0, 0.0}, {1.0, 0.0, 1.0, 0.0},   {0.0, 1.0, 0.0, 1.0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.first << ", " << c.second);
-    const std::unique_ptr<ScanRectangularAreaC> area(MakeRectangle());
-    area->SetCorners({1.0, 0.5, c.first}, {2.0, 1.0, c.second});
-    std::vector<ScanDefPointC> out(1);
-    area->GetOutline(out, 3.0);
-    ASSERT_EQ(out.size(), 5u) << "corners are appended";
-    const ScanDefPointC expected[] = {{1.0, 0.5, c.filledFirst},
-                                      {2.0, 0.5, c.filledSecond},
-                                      {2.0, 1.0, c.filledSecond},
-                                      {1.0, 1.0, c.filledFirst}};
-    for (std::size_t i = 0; i < 4; ++i) {
-      EXPECT_TRUE(out[i + 1] == expected[i]);
-      EXPECT_EQ(out[i + 1].GetDistance(), expected[i].GetDistance());
-    }
-  }
-  const std::unique_ptr<ScanRectangularAreaC> unknown(MakeRectangle());
-  unknown->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, std::nan("")});
-  std::vector<ScanDefPointC> out;
-  unknown->GetOutline(out, 3.0);
-  EXPECT_EQ(out[0].GetDistance(), -1.0) << "NaN is no distance to fill in";
-  EXPECT_TRUE(std::isnan(out[2].GetDistance()));
-}
-
-TEST(ScanRectangularArea, OutlineNeedsTwoCornersAndTakesTheFirstTwo) {
-  ScanRectangularAreaC area;
-  std::vector<ScanDefPointC> out(1);
-  area.GetOutline(out, 3.0);
-  EXPECT_EQ(out.size(), 1u) << "no corner";
-  area.AddPoint({1.0, 0.5, -1.0});
-  area.GetOutline(out, 3.0);
-  ASSERT_EQ(out.size(), 1u) << "one corner";
-  EXPECT_EQ(out[0].GetHz(), kNotSet) << "what was there stays";
-  area.AddPoint({2.0, 1.0, 5.0});
-  area.AddPoint({3.0, 1.5, 7.0});
-  area.AddPoint({4.0, 2.0, 9.0});
-  area.GetOutline(out, 3.0);
-  ASSERT_EQ(out.size(), 5u) << "four corners";
-  const ScanDefPointC expected[] = {
-      {1.0, 0.5, 5.0}, {2.0, 0.5, 5.0}, {2.0, 1.0, 5.0}, {1.0, 1.0, 5.0}};
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_TRUE(out[i + 1] == expected[i]) << i;
-    EXPECT_EQ(out[i + 1].GetDistance(), expected[i].GetDistance()) << i;
-  }
-}
-
-TEST(ScanPolygonArea, SetPointsAppends) {
-  const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon());
-  area->SetPoints({{1.2, 1.4, -1.0}});
-  EXPECT_EQ(area->GetPointCount(), 4u);
-}
-
-TEST(ScanPolygonArea, NeedsThreePointsWithoutRepeats) {
-  EXPECT_TRUE(std::unique_ptr<ScanPolygonAreaC>(MakePolygon())->IsValid());
-  std::unique_ptr<ScanPolygonAreaC> area(MakePolygon());
-  area->RemoveLastPoint();
-  EXPECT_TRUE(area->IsAreaValid()) << "two points are a rectangle to the geometry";
-  EXPECT_FALSE(area->IsValid());
-  area.reset(MakePolygon({{1.0, 1.0, 1.0}, {2.0, 1.0, 1.0}, {1.0, 1.0, 2.0}}));
-  EXPECT_FALSE(area->IsValid()) << "the last equals the first";
-  area.reset(MakePolygon({{1.0, 1.0, 1.0}, {2.0, 1.0, 1.0}, {2.0, 1.0, 2.0}, {1.5, 1.5, 1.0}}));
-  EXPECT_FALSE(area->IsValid()) << "a point repeats its predecessor";
-  // Points that differ by a denormal are equal here, though not to the geometry.
-  area.reset(MakePolygon({{0.0, 1.0, 1.0}, {1e-310, 1.0, 1.0}, {1.0, 1.5, 1.0}}));
-  EXPECT_TRUE(area->IsAreaValid());
-  EXPECT_FALSE(area->IsValid());
-  area.reset(MakePolygon({{0.0, 1.0, 1.0}, {1.0, 1.5, 1.0}, {1e-310, 1.0, 1.0}}));
-  EXPECT_TRUE(area->IsAreaValid());
-  EXPECT_FALSE(area->IsValid());
-  // Around the zenith a ring of the kind is refused by these rules too.
-  area.reset(MakePolygon({{0.0, 0.3, 1.0}, {2.0, 0.3, 1.0}, {4.0, 0.3, 1.0}}));
-  EXPECT_TRUE(area->IsValid());
-  area->SetSteps(0.0, 1.0);
-  EXPECT_FALSE(area->IsValid());
-}
-
-TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
-  const auto distances = [](const std::vector<double>& given) {
-    std::vector<ScanDefPointC> points;
-    for (const double distance : given) {
-      points.emplace_back(static_cast<double>(points.size()), 1.0, distance);
-    }
-    const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon(points));
-    std::vector<ScanDefPointC> out(7);
-    area->GetOutline(out, 99.0);
-    std::vector<double> filled;
-    for (const ScanDefPointC& point : out) filled.push_back(point.GetDistance());
-    return filled;
-  };
-  using Distances = std::vector<double>;
-  EXPECT_EQ(distances({-1, -1, -1}), (Distances{99, 99, 99}));
-  EXPECT_EQ(distances({1, 2, 3}), (Distances{1, 2, 3}));
-  EXPECT_EQ(distances({}), (Distances{}));
-  // Five points: the neighbour before the first is the first itself, for 2^64 - 1 is a multiple
-  // of 5.
-  EXPECT_EQ(distances({-1, -1, 10, -1, -1}), (Distances{10, 10, 10, 10, 10}));
-  EXPECT_EQ(distances({-1, 4, 10, 20, 30}), (Distances{(16 + 4) / 2.0, 4, 10, 20, 30}));
-  // Six points: 2^64 - 1 is 3 modulo 6.
-  EXPECT_EQ(distances({-1, 4, 10, 20, 30, 40}), (Distances{(20 + 4) / 2.0, 4, 10, 20, 30, 40}));
-  // Four points: it is the last one.
-  EXPECT_EQ(distances({-1, 4, 10, 20}), (Distances{(20 + 4) / 2.0, 4, 10, 20}));
-  // Filled values do not feed their neighbours: the mean is 10.
-  EXPECT_EQ(distances({4, -1, -1, 16}), (Distances{4, 7, 13, 16}));
-  // The one behind the last is the first.
-  EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));
-  // 0 is no distance for the mean, and is not filled.
-  EXPECT_EQ(distances({0, 8, -1, 8}), (Distances{0, 8, 8, 8}));
-  EXPECT_EQ(distances({0, -1, 8, 8}), (Distances{0, 4, 8, 8})) << "nor does the mean stand for it";
-  EXPECT_EQ(distances({0, 0, 0}), (Distances{99, 99, 99}));
-}
-
-TEST(ScanDomeArea, CoversEverythingDownToTheLimit) {
-  ScanDomeAreaC dome;
-  EXPECT_TRUE(dome.IsAreaValid());
-  EXPECT_FALSE(dome.IsValid());
-  dome.SetSteps(0.1, 0.1);
-  EXPECT_TRUE(dome.IsValid());
-  EXPECT_EQ(dome.GetHzMin(), 0.0);
-  EXPECT_EQ(dome.GetHzMax(), 6.283184307179586);
-  EXPECT_EQ(dome.GetVMin(), 0.0);
-  EXPECT_EQ(dome.GetVMax(), 2.5132741228718345);
-  EXPECT_FALSE(dome.AddPoint({1.0, 1.0, 1.0}));
-  dome.RemoveLastPoint();
-  dome.Clear();
-  EXPECT_EQ(dome.GetPointCount(), 0u);
-  std::vector<ScanDefPointC> out(2);
-  dome.GetOutline(out, 1.0);
-  EXPECT_EQ(out.size(), 2u);
-  ScanDefPointC low;
-  ScanDefPointC high;
-  EXPECT_TRUE(dome.GetBoundingPoints(low, high, false));
-  EXPECT_EQ(high.GetHz(), 6.283184307179586);
-}
-
-TEST(ScanDomeArea, ContainsWhatLiesAboveTheLimit) {
-  const ScanDomeAreaC dome;
-  EXPECT_TRUE(dome.Contains(1.0, 0.0));
-  EXPECT_TRUE(dome.Contains(-5.0, 2.5132741228718345));
-  EXPECT_FALSE(dome.Contains(1.0, std::nextafter(2.5132741228718345, 3.0)));
-  EXPECT_FALSE(dome.Contains(1.0, -0.1));
-  EXPECT_TRUE(dome.Contains(1.0, kTwoPi + 1.0));
-  EXPECT_FALSE(dome.Contains(std::nan(""), 1.0));
-  EXPECT_FALSE(dome.Contains(1.0, std::nan("")));
-  EXPECT_FALSE(dome.Contains(101.0, 1.0));
 }
 
 TEST(ScanArea, BoundsOfAnInvalidAreaAreTheLargestDouble) {
@@ -790,4 +518,3 @@ TEST(ScanArea, ContainsAsksTheGeometryWhateverTheSteps) {
 }
 
 }  // namespace
-}  // namespace SDI

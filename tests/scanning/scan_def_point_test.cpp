@@ -7,8 +7,10 @@
 
 #include <surveydata/scanning/scan_def_point.h>
 
-namespace SDI {
 namespace {
+
+using SDI::ScanDefPointC;
+using SDI::ScanDefPointImplC;
 
 constexpr double kNotSet = 1.7976931348623157e308;
 
@@ -116,4 +118,3 @@ TEST(ScanDefPoint, IsValidWhenBothAnglesAreSet) {
 }
 
 }  // namespace
-}  // namespace SDI

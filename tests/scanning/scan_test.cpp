@@ -12,8 +12,20 @@
 #include <surveydata/scanning/scan_polygon_area.h>
 #include <surveydata/scanning/scan_rectangular_area.h>
 
-namespace SDI {
 namespace {
+
+using SDI::kDomeArea;
+using SDI::kPolygonArea;
+using SDI::ScanAreaC;
+using SDI::ScanAreaImplC;
+using SDI::ScanC;
+using SDI::ScanDefinitionC;
+using SDI::ScanDefinitionImplC;
+using SDI::ScanDomeAreaC;
+using SDI::ScanDomeAreaImplC;
+using SDI::ScanImplC;
+using SDI::ScanPolygonAreaC;
+using SDI::ScanRectangularAreaC;
 
 static_assert(sizeof(ScanC) == sizeof(API::BaseC));
 
@@ -358,4 +370,3 @@ TEST(Scan, AssigningToItselfChangesNothing) {
 }
 
 }  // namespace
-}  // namespace SDI

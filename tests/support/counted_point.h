@@ -3,6 +3,8 @@
 
 #include <surveydata/geodetic/coordinate_point.h>
 
+namespace TestSupport {
+
 /// The public object of a point that counts how many of its kind are destroyed.
 class CountedPointC : public SDI::CoordinatePointC {
  public:
@@ -15,5 +17,7 @@ class CountedPointC : public SDI::CoordinatePointC {
  private:
   int& destroyed_;
 };
+
+}  // namespace TestSupport
 
 #endif  // SURVEYDATA_TESTS_SUPPORT_COUNTED_POINT_H_

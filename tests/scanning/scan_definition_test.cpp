@@ -1,0 +1,24 @@
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/scanning/scan_definition.h>
+
+namespace {
+
+using SDI::ScanDefinitionC;
+using SDI::ScanDefinitionImplC;
+
+TEST(ScanDefinition, ComparesTypesAlone) {
+  static_assert(!std::is_default_constructible_v<ScanDefinitionImplC>);
+  static_assert(!std::is_default_constructible_v<ScanDefinitionC>);
+  const ScanDefinitionC seven(new ScanDefinitionImplC(7));
+  EXPECT_EQ(seven.GetType(), 7u);
+  EXPECT_TRUE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(7))));
+  EXPECT_FALSE(seven.IsEqual(ScanDefinitionC(new ScanDefinitionImplC(8))));
+  EXPECT_FALSE(ScanDefinitionImplC(7).IsEqual(API::ImplObjectC())) << "another class";
+  ScanDefinitionImplC impl(7);
+  EXPECT_EQ(static_cast<ScanDefinitionC*>(impl.GetBase())->GetImpl(), &impl);
+}
+
+}  // namespace
