@@ -4,15 +4,13 @@
 #include <cstdio>
 #include <string>
 
-#include <command_line/command_tree.h>
+#include <command_line/command.h>
 #include <command_line/completion.h>
 #include <command_line/man_page.h>
 #include <commands.h>
 
 int main(int argc, char** argv) {
-  Tool::ExitCode unused = Tool::ExitCode::kDone;
-  const auto app = Tool::MakeCommands(unused);
-  const Tool::Command top = Tool::DescribeCommands(*app);
+  const Tool::Command top = Tool::MakeCommands();
   const std::string what = argc > 1 ? argv[1] : "";
   std::string text;
   if (what == "man" && argc == 3) {

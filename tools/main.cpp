@@ -1,12 +1,8 @@
 #include <exception>
-#include <sstream>
-#include <string>
-#include <string_view>
-
-#include <CLI/CLI.hpp>
 
 #include <command_line/exit_code.h>
 #include <command_line/message.h>
+#include <command_line/parser.h>
 #include <commands.h>
 #include <output/output.h>
 #include <platform/platform.h>
@@ -16,23 +12,13 @@ namespace {
 using Tool::ExitCode;
 
 ExitCode Run(int argc, char** argv) {
-  ExitCode result = ExitCode::kDone;
-  const auto app = Tool::MakeCommands(result);
-  try {
-    app->parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    std::ostringstream help;
-    std::ostringstream complaint;
-    if (app->exit(error, help, complaint) != 0) {
-      const std::string text = complaint.str();
-      Tool::Tell(std::string_view(text).substr(0, text.find_last_not_of('\n') + 1));
-      return ExitCode::kUsage;
-    }
-    Tool::OutputC out;
-    out.Print("{}", help.str());
-    out.Close();
-  }
-  return result;
+  const Tool::Command commands = Tool::MakeCommands();
+  const Tool::Request request = Tool::Parse(commands, argc, argv);
+  if (request.run) return request.run();
+  Tool::OutputC out;
+  out.Print("{}", request.text);
+  out.Close();
+  return ExitCode::kDone;
 }
 
 }  // namespace

@@ -4,12 +4,17 @@
 #include <fmt/format.h>
 
 #include <area/area_commands.h>
+#include <command_line/common_options.h>
 #include <command_line/message.h>
 
 namespace Tool {
 
-void AddAreaArgument(CLI::App& command, std::string& file) {
-  command.add_option("AREA", file, "The area file")->required()->type_name("AREA.json");
+CommandOption AreaArgument(std::string& file) {
+  return {.names = {"AREA"},
+          .value = "AREA.json",
+          .description = "The area file",
+          .take = StoreIn(file),
+          .isRequired = true};
 }
 
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
@@ -23,10 +28,11 @@ ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
   return faults.empty() ? ExitCode::kDone : ExitCode::kFinding;
 }
 
-void AddAreaCommands(CLI::App& app, ExitCode& result) {
-  CLI::App& area = *app.add_subcommand("area", "Check, ask and draw scan areas");
-  area.require_subcommand(1);
-  area.footer(
+Command AreaCommands() {
+  Command command;
+  command.name = "area";
+  command.description = "Check, ask and draw scan areas";
+  command.footer =
       "An area file is a JSON object:\n"
       "  kind      \"rectangle\" (2 corners), \"polygon\" (3 or more), \"dome\" (no points)\n"
       "  unit      \"rad\", \"deg\" or \"gon\", of every angle in the file\n"
@@ -35,11 +41,10 @@ void AddAreaCommands(CLI::App& app, ExitCode& result) {
       "  name, limitLow, limitHigh, settingA to settingE  if wanted\n"
       "Hz goes clockwise, V from the zenith downwards, distances are in metres.\n\n"
       "Exit code 1: the area is not valid, or a direction lies outside.\n\n"
-      "Example:\n  surveydata area info facade.json");
-  AddAreaInfo(area, result);
-  AddAreaOutline(area, result);
-  AddAreaContains(area, result);
-  AddAreaPlot(area, result);
+      "Example:\n  surveydata area info facade.json";
+  command.commands = {AreaInfoCommand(), AreaOutlineCommand(), AreaContainsCommand(),
+                      AreaPlotCommand()};
+  return command;
 }
 
 }  // namespace Tool

@@ -13,6 +13,7 @@
 #include <area/area_commands.h>
 #include <area/area_file.h>
 #include <area/direction_reader.h>
+#include <command_line/common_options.h>
 #include <command_line/message.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -20,6 +21,13 @@
 
 namespace Tool {
 namespace {
+
+constexpr const char* kDescription =
+    "Tell of directions whether they lie inside an area, or within 0.0005 gon of its boundary.\n"
+    "Directions come from the command line, from a file or from standard input, one a line: Hz\n"
+    "and V in the unit of the area file, with a comma, semicolon or blanks between. What\n"
+    "follows in a line is passed over, and so are a heading, empty lines and those that begin\n"
+    "with #. A direction outside gives the exit code 1.";
 
 struct Options {
   std::string file;
@@ -111,26 +119,30 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddAreaContains(CLI::App& area, ExitCode& result) {
-  CLI::App& command = *area.add_subcommand(
-      "contains",
-      "Tell of directions whether they lie inside an area, or within 0.0005 gon of its boundary.\n"
-      "Directions come from the command line, from a file or from standard input, one a line: Hz\n"
-      "and V in the unit of the area file, with a comma, semicolon or blanks between. What\n"
-      "follows in a line is passed over, and so are a heading, empty lines and those that begin\n"
-      "with #. A direction outside gives the exit code 1.");
+Command AreaContainsCommand() {
   const auto options = std::make_shared<Options>();
-  AddAreaArgument(command, options->file);
-  CLI::Option* const directions =
-      command
-          .add_option("DIRECTION", options->directions, "Directions in the unit of the area file")
-          ->type_name("HZ,V ...");
-  command.add_option("--csv", options->csv, "Reads directions; - for standard input, the default")
-      ->type_name("FILE")
-      ->excludes(directions);
-  command.add_flag("--json", options->isJson, "JSON Lines: one object per direction");
-  command.footer("Example:\n  surveydata area contains facade.json 57,92 60.5,95");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "contains";
+  command.description = kDescription;
+  command.footer = "Example:\n  surveydata area contains facade.json 57,92 60.5,95";
+  command.arguments = {
+      AreaArgument(options->file),
+      {.names = {"DIRECTION"},
+       .value = "HZ,V ...",
+       .description = "Directions in the unit of the area file",
+       .take = [options](const std::string& text) { options->directions.push_back(text); },
+       .excludes = {"--csv"},
+       .isRepeatable = true}};
+  command.options = {{.names = {"--csv"},
+                      .value = "FILE",
+                      .description = "Reads directions; - for standard input, the default",
+                      .take = StoreIn(options->csv),
+                      .excludes = {"DIRECTION"}},
+                     {.names = {"--json"},
+                      .description = "JSON Lines: one object per direction",
+                      .flag = &options->isJson}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

@@ -22,6 +22,12 @@ namespace {
 // More than this is told as this.
 constexpr double kMostDirections = 1e18;
 
+constexpr const char* kDescription =
+    "Tell whether an area is valid, and why not; its bounds, whether it encloses the zenith, "
+    "its\n"
+    "solid angle, and the number of directions at its steps. Points and edges are counted from\n"
+    "1, edge k begins at point k. An area that is not valid gives the exit code 1.";
+
 struct Options {
   std::string file;
   bool isJson = false;
@@ -158,18 +164,18 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddAreaInfo(CLI::App& area, ExitCode& result) {
-  CLI::App& command = *area.add_subcommand(
-      "info",
-      "Tell whether an area is valid, and why not; its bounds, whether it encloses the zenith, "
-      "its\n"
-      "solid angle, and the number of directions at its steps. Points and edges are counted from\n"
-      "1, edge k begins at point k. An area that is not valid gives the exit code 1.");
+Command AreaInfoCommand() {
   const auto options = std::make_shared<Options>();
-  AddAreaArgument(command, options->file);
-  command.add_flag("--json", options->isJson, "One JSON object, angles in the unit of the file");
-  command.footer("Example:\n  surveydata area info facade.json");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "info";
+  command.description = kDescription;
+  command.footer = "Example:\n  surveydata area info facade.json";
+  command.arguments = {AreaArgument(options->file)};
+  command.options = {{.names = {"--json"},
+                      .description = "One JSON object, angles in the unit of the file",
+                      .flag = &options->isJson}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

@@ -15,6 +15,10 @@
 namespace Tool {
 namespace {
 
+constexpr const char* kDescription =
+    "List the corners of an area with their distances: four of a rectangle, none of a dome. A\n"
+    "corner without a distance takes it from the others, and where none has one, the default.";
+
 struct Options {
   std::string file;
   double defaultDistance = -1.0;
@@ -66,6 +70,14 @@ void WriteText(OutputC& out, const AreaFile& file, const std::vector<SDI::ScanDe
   }
 }
 
+double ParseDistance(const std::string& text) {
+  const auto distance = ToNumber<double>(text);
+  if (!distance || !(*distance > 0) || !std::isfinite(*distance)) {
+    throw ValueErrorC(text + " is no distance above 0");
+  }
+  return *distance;
+}
+
 ExitCode Run(const Options& options) {
   const AreaFile file = LoadAreaFile(options.file);
   std::vector<SDI::ScanDefPointC> outline;
@@ -84,28 +96,29 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddAreaOutline(CLI::App& area, ExitCode& result) {
-  CLI::App& command = *area.add_subcommand(
-      "outline",
-      "List the corners of an area with their distances: four of a rectangle, none of a dome. A\n"
-      "corner without a distance takes it from the others, and where none has one, the default.");
+Command AreaOutlineCommand() {
   const auto options = std::make_shared<Options>();
-  AddAreaArgument(command, options->file);
-  command
-      .add_option("--default-distance", options->defaultDistance,
-                  "Where no corner has a distance, m; none by default")
-      ->type_name("M")
-      ->check([](const std::string& text) -> std::string {
-        const auto distance = ToNumber<double>(text);
-        const bool isDistance = distance && *distance > 0 && std::isfinite(*distance);
-        return isDistance ? "" : text + " is no distance above 0";
-      });
-  CLI::Option* const json = command.add_flag("--json", options->isJson,
-                                             "One JSON object, angles in the unit of the file");
-  command.add_flag("--csv", options->isCsv, "A CSV table, angles in the unit of the file")
-      ->excludes(json);
-  command.footer("Example:\n  surveydata area outline facade.json --default-distance 10");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "outline";
+  command.description = kDescription;
+  command.footer = "Example:\n  surveydata area outline facade.json --default-distance 10";
+  command.arguments = {AreaArgument(options->file)};
+  command.options = {
+      {.names = {"--default-distance"},
+       .value = "M",
+       .description = "Where no corner has a distance, m; none by default",
+       .take =
+           [options](const std::string& text) { options->defaultDistance = ParseDistance(text); }},
+      {.names = {"--json"},
+       .description = "One JSON object, angles in the unit of the file",
+       .flag = &options->isJson,
+       .excludes = {"--csv"}},
+      {.names = {"--csv"},
+       .description = "A CSV table, angles in the unit of the file",
+       .flag = &options->isCsv,
+       .excludes = {"--json"}}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

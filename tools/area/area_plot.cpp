@@ -11,11 +11,16 @@
 #include <area/area_file.h>
 #include <area/area_picture.h>
 #include <area/direction_reader.h>
-#include <command_line/output_options.h>
+#include <command_line/common_options.h>
 #include <output/output.h>
 
 namespace Tool {
 namespace {
+
+constexpr const char* kDescription =
+    "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, "
+    "with\n"
+    "its bounds and the lowest usable direction. What is filled is what the library answers.";
 
 struct Options {
   std::string file;
@@ -70,30 +75,31 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddAreaPlot(CLI::App& area, ExitCode& result) {
-  CLI::App& command = *area.add_subcommand(
-      "plot",
-      "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, "
-      "with\n"
-      "its bounds and the lowest usable direction. What is filled is what the library answers.");
+Command AreaPlotCommand() {
   const auto options = std::make_shared<Options>();
-  AddAreaArgument(command, options->file);
-  AddPictureOption(command, options->output);
-  command
-      .add_option("--probe", options->probes,
-                  "A direction to ask for and to mark with the answer; can be repeated")
-      ->type_name("HZ,V")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  command.add_option("--csv", options->csv, "More of them, one a line; - for standard input")
-      ->type_name("FILE");
-  command
-      .add_option("--window", options->window,
-                  "The part of the plane to show; the whole sphere by default")
-      ->type_name("HZ,V,HZ,V");
-  command.footer(
-      "Example:\n  surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 120,92");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "plot";
+  command.description = kDescription;
+  command.footer =
+      "Example:\n  surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 120,92";
+  command.arguments = {AreaArgument(options->file)};
+  command.options = {
+      PictureOption(options->output),
+      {.names = {"--probe"},
+       .value = "HZ,V",
+       .description = "A direction to ask for and to mark with the answer; can be repeated",
+       .take = [options](const std::string& text) { options->probes.push_back(text); },
+       .isRepeatable = true},
+      {.names = {"--csv"},
+       .value = "FILE",
+       .description = "More of them, one a line; - for standard input",
+       .take = StoreIn(options->csv)},
+      {.names = {"--window"},
+       .value = "HZ,V,HZ,V",
+       .description = "The part of the plane to show; the whole sphere by default",
+       .take = StoreIn(options->window)}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

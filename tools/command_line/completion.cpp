@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include <command_line/completion.h>
+#include <platform/format.h>
 
 namespace Tool {
 namespace {
@@ -86,7 +86,7 @@ std::vector<std::string> CallsWithValue(const Command& top) {
 
 // What the names of an option's or an argument's files look like; empty for other values.
 std::string FilePattern(const CommandOption& option) {
-  return option.isFile ? "*" + option.extension : "";
+  return option.IsFile() ? "*" + option.Extension() : "";
 }
 
 std::string ZshFunction(const Command& command) { return "_" + Replaced(command.path, " ", "_"); }
@@ -124,7 +124,7 @@ class ZshSpecC {
   }
 
   static void Line(std::string& lines, std::string_view spec) {
-    fmt::format_to(std::back_inserter(lines), " \\\n    {}", Quoted(spec));
+    Append(lines, " \\\n    {}", Quoted(spec));
   }
 
  private:
@@ -157,20 +157,19 @@ std::string BashCompletion(const Command& top) {
   std::string commands;
   for (const Command* const command : AllCommands(top)) {
     for (const CommandOption& option : command->options) {
-      if (!option.isFile) continue;
-      fmt::format_to(std::back_inserter(values), "      {})\n        files={}\n        ;;\n",
-                     Patterns(Calls(*command, option)), Quoted(FilePattern(option)));
+      if (!option.IsFile()) continue;
+      Append(values, "      {})\n        files={}\n        ;;\n", Patterns(Calls(*command, option)),
+             Quoted(FilePattern(option)));
     }
     std::vector<std::string> files;
     for (const CommandOption& argument : command->arguments) {
       files.push_back(Quoted(FilePattern(argument)));
     }
-    fmt::format_to(
-        std::back_inserter(commands),
-        "      {})\n        words={}\n        options={}\n        arguments=({})\n"
-        "        ;;\n",
-        Quoted(command->path), Quoted(fmt::format("{}", fmt::join(CommandNames(*command), " "))),
-        Quoted(fmt::format("{}", fmt::join(OptionNames(*command), " "))), fmt::join(files, " "));
+    Append(commands,
+           "      {})\n        words={}\n        options={}\n        arguments=({})\n"
+           "        ;;\n",
+           Quoted(command->path), Quoted(fmt::format("{}", fmt::join(CommandNames(*command), " "))),
+           Quoted(fmt::format("{}", fmt::join(OptionNames(*command), " "))), fmt::join(files, " "));
   }
   return fmt::format(R"(# Completes the commands of {0} in bash. Made from the program.
 _{0}() {{
@@ -233,16 +232,14 @@ std::string ZshCompletion(const Command& top) {
       for (std::size_t i = 0; i < command->arguments.size(); ++i) {
         specs += spec.Argument(command->arguments[i], i);
       }
-      fmt::format_to(std::back_inserter(out), "\n{}() {{\n  _arguments -s -S :{}\n}}\n", function,
-                     specs);
+      Append(out, "\n{}() {{\n  _arguments -s -S :{}\n}}\n", function, specs);
       continue;
     }
     std::string names;
     for (const Command& below : command->commands) {
-      fmt::format_to(std::back_inserter(names), "        {}\n",
-                     Quoted(below.name + ":" + Summary(below.description)));
+      Append(names, "        {}\n", Quoted(below.name + ":" + Summary(below.description)));
     }
-    fmt::format_to(std::back_inserter(out), R"(
+    Append(out, R"(
 {0}() {{
   local curcontext=$curcontext context state state_descr line ret=1
   typeset -A opt_args
@@ -266,9 +263,9 @@ std::string ZshCompletion(const Command& top) {
   return ret
 }}
 )",
-                   function, specs, names, fmt::join(CommandNames(*command), " | "));
+           function, specs, names, fmt::join(CommandNames(*command), " | "));
   }
-  fmt::format_to(std::back_inserter(out), "\n{} \"$@\"\n", ZshFunction(top));
+  Append(out, "\n{} \"$@\"\n", ZshFunction(top));
   return out;
 }
 
@@ -311,33 +308,31 @@ complete -c {0} -f
 )",
                   top.name, Patterns(Paths(top), " "), Patterns(CallsWithValue(top), " "));
   const auto values = [](const CommandOption& option) {
-    return option.value.empty() ? "" : option.isFile ? " -r -F" : " -x";
+    return option.value.empty() ? "" : option.IsFile() ? " -r -F" : " -x";
   };
   for (const Command* const command : AllCommands(top)) {
     const std::string begin =
         fmt::format("complete -c {0} -n '__{0}_is {1}'", top.name, command->path);
     for (const Command& below : command->commands) {
-      fmt::format_to(std::back_inserter(out), "{} -a {} -d {}\n", begin, below.name,
-                     Quoted(Summary(below.description), true));
+      Append(out, "{} -a {} -d {}\n", begin, below.name, Quoted(Summary(below.description), true));
     }
     for (const CommandOption& option : command->options) {
       out += begin;
       for (const std::string& name : option.names) {
         out += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
       }
-      fmt::format_to(std::back_inserter(out), "{} -d {}\n", values(option),
-                     Quoted(Summary(option.description), true));
+      Append(out, "{} -d {}\n", values(option), Quoted(Summary(option.description), true));
     }
     for (std::size_t i = 0; i < command->arguments.size(); ++i) {
       const CommandOption& argument = command->arguments[i];
-      if (!argument.isFile) continue;
+      if (!argument.IsFile()) continue;
       // Files with the right extension come first, others behind them.
       const std::string files =
-          argument.extension.empty()
+          argument.Extension().empty()
               ? "-F"
-              : fmt::format("-k -a '(__fish_complete_suffix {})'", argument.extension);
-      fmt::format_to(std::back_inserter(out), "complete -c {0} -n '__{0}_argument {1} {2}' {3}\n",
-                     top.name, command->path, i, files);
+              : fmt::format("-k -a '(__fish_complete_suffix {})'", argument.Extension());
+      Append(out, "complete -c {0} -n '__{0}_argument {1} {2}' {3}\n", top.name, command->path, i,
+             files);
     }
   }
   return out;

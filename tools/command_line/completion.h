@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include <command_line/command_tree.h>
+#include <command_line/command.h>
 
 namespace Tool {
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -9,6 +8,7 @@
 
 #include <command_line/man_page.h>
 #include <command_line/text.h>
+#include <platform/format.h>
 
 namespace Tool {
 namespace {
@@ -42,7 +42,7 @@ std::string Escaped(std::string_view text, bool isToBeCopied) {
         if (unit < 0x80) {
           out += static_cast<char>(unit);
         } else {
-          fmt::format_to(std::back_inserter(out), "\\[u{:04X}]", static_cast<unsigned>(unit));
+          Append(out, "\\[u{:04X}]", static_cast<unsigned>(unit));
         }
     }
   }
@@ -91,7 +91,7 @@ class PageC {
     isBehindHeading_ = name == "SH" || name == "SS";
   }
   void Line(std::string_view text) {
-    fmt::format_to(std::back_inserter(page_), "{}\n", text);
+    Append(page_, "{}\n", text);
     isBehindHeading_ = false;
   }
 

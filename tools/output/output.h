@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <platform/format.h>
+
 namespace Tool {
 
 /// Standard output or a file, written through one buffer of fixed size that is used again and
@@ -28,7 +30,7 @@ class OutputC {
 
   template <class... Args>
   void Print(fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(fmt::appender(buffer_), format, std::forward<Args>(args)...);
+    Append(buffer_, format, std::forward<Args>(args)...);
     FlushIfFull();
   }
 

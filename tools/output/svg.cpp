@@ -1,10 +1,10 @@
-#include <iterator>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include <command_line/text.h>
 #include <output/svg.h>
+#include <platform/format.h>
 
 namespace Tool {
 namespace {
@@ -46,14 +46,13 @@ SvgC::SvgC(double width, double height, std::string_view title)
           width, height, EscapeXml(title))) {}
 
 void SvgC::Line(SvgPoint from, SvgPoint to, const SvgStroke& stroke) {
-  fmt::format_to(std::back_inserter(document_),
-                 "<line x1=\"{:.2f}\" y1=\"{:.2f}\" x2=\"{:.2f}\" y2=\"{:.2f}\" {}/>\n", from.x,
-                 from.y, to.x, to.y, Attributes(stroke));
+  Append(document_, "<line x1=\"{:.2f}\" y1=\"{:.2f}\" x2=\"{:.2f}\" y2=\"{:.2f}\" {}/>\n", from.x,
+         from.y, to.x, to.y, Attributes(stroke));
 }
 
 void SvgC::Points(std::span<const SvgPoint> points) {
   for (const SvgPoint& point : points) {
-    fmt::format_to(std::back_inserter(document_), "{:.2f},{:.2f} ", point.x, point.y);
+    Append(document_, "{:.2f},{:.2f} ", point.x, point.y);
   }
   if (!points.empty()) document_.pop_back();
 }
@@ -72,37 +71,35 @@ void SvgC::Polygon(std::span<const SvgPoint> points, std::string_view fill,
 }
 
 void SvgC::Rectangle(SvgPoint corner, double width, double height, std::string_view fill) {
-  fmt::format_to(std::back_inserter(document_),
-                 "<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" "
-                 "fill=\"{}\"/>\n",
-                 corner.x, corner.y, width, height, fill);
+  Append(document_,
+         "<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" "
+         "fill=\"{}\"/>\n",
+         corner.x, corner.y, width, height, fill);
 }
 
 void SvgC::Rectangle(SvgPoint corner, double width, double height, const SvgStroke& stroke) {
-  fmt::format_to(std::back_inserter(document_),
-                 "<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" "
-                 "fill=\"none\" {}/>\n",
-                 corner.x, corner.y, width, height, Attributes(stroke));
+  Append(document_,
+         "<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" "
+         "fill=\"none\" {}/>\n",
+         corner.x, corner.y, width, height, Attributes(stroke));
 }
 
 void SvgC::Dot(SvgPoint centre, double radius, std::string_view fill) {
-  fmt::format_to(std::back_inserter(document_),
-                 "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{}\" fill=\"{}\"/>\n", centre.x, centre.y,
-                 radius, fill);
+  Append(document_, "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{}\" fill=\"{}\"/>\n", centre.x,
+         centre.y, radius, fill);
 }
 
 void SvgC::Circle(SvgPoint centre, double radius, const SvgStroke& stroke) {
-  fmt::format_to(std::back_inserter(document_),
-                 "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{:.2f}\" fill=\"none\" {}/>\n", centre.x,
-                 centre.y, radius, Attributes(stroke));
+  Append(document_, "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{:.2f}\" fill=\"none\" {}/>\n",
+         centre.x, centre.y, radius, Attributes(stroke));
 }
 
 void SvgC::BeginClip(SvgPoint corner, double width, double height) {
   ++clips_;
-  fmt::format_to(std::back_inserter(document_),
-                 "<clipPath id=\"clip{0}\"><rect x=\"{1:.2f}\" y=\"{2:.2f}\" width=\"{3:.2f}\" "
-                 "height=\"{4:.2f}\"/></clipPath>\n<g clip-path=\"url(#clip{0})\">\n",
-                 clips_, corner.x, corner.y, width, height);
+  Append(document_,
+         "<clipPath id=\"clip{0}\"><rect x=\"{1:.2f}\" y=\"{2:.2f}\" width=\"{3:.2f}\" "
+         "height=\"{4:.2f}\"/></clipPath>\n<g clip-path=\"url(#clip{0})\">\n",
+         clips_, corner.x, corner.y, width, height);
 }
 
 void SvgC::EndClip() { document_ += "</g>\n"; }
@@ -112,11 +109,11 @@ void SvgC::Text(SvgPoint at, std::string_view text, const SvgFont& font) {
   if (font.turned != 0) {
     turned = fmt::format(" transform=\"rotate({} {:.2f} {:.2f})\"", font.turned, at.x, at.y);
   }
-  fmt::format_to(std::back_inserter(document_),
-                 "<text x=\"{:.2f}\" y=\"{:.2f}\" font-size=\"{}\" text-anchor=\"{}\" "
-                 "fill=\"{}\"{}{}>{}</text>\n",
-                 at.x, at.y, font.size, font.anchor, font.colour,
-                 font.isBold ? " font-weight=\"bold\"" : "", turned, EscapeXml(text));
+  Append(document_,
+         "<text x=\"{:.2f}\" y=\"{:.2f}\" font-size=\"{}\" text-anchor=\"{}\" "
+         "fill=\"{}\"{}{}>{}</text>\n",
+         at.x, at.y, font.size, font.anchor, font.colour,
+         font.isBold ? " font-weight=\"bold\"" : "", turned, EscapeXml(text));
 }
 
 std::string SvgC::Finish() && {

@@ -1,6 +1,7 @@
 #include <charconv>
 #include <string_view>
 
+#include <command_line/common_options.h>
 #include <record/record_commands.h>
 
 namespace Tool {
@@ -13,35 +14,38 @@ std::uint64_t ParseOffset(std::string_view text) {
   std::uint64_t offset = 0;
   const auto [stop, error] = std::from_chars(digits.data(), end, offset, isHex ? 16 : 10);
   if (error != std::errc() || stop != end) {
-    throw CLI::ValidationError("--offset", "neither a decimal number nor one like 0x1f");
+    throw ValueErrorC("neither a decimal number nor one like 0x1f");
   }
   return offset;
 }
 
 }  // namespace
 
-void AddFileArgument(CLI::App& command, std::string& file) {
-  command.add_option("FILE", file, "The record file")->required();
+CommandOption FileArgument(std::string& file) {
+  return {.names = {"FILE"},
+          .value = "TEXT",
+          .description = "The record file",
+          .take = StoreIn(file),
+          .isRequired = true};
 }
 
-void AddOffsetOption(CLI::App& command, std::uint64_t& offset) {
-  command
-      .add_option_function<std::string>(
-          "--offset", [&offset](const std::string& text) { offset = ParseOffset(text); },
-          "Where the frame begins: bytes from the start of the file, decimal or 0x...")
-      ->required()
-      ->type_name("N");
+CommandOption OffsetOption(std::uint64_t& offset) {
+  return {
+      .names = {"--offset"},
+      .value = "N",
+      .description = "Where the frame begins: bytes from the start of the file, decimal or 0x...",
+      .take = [&offset](const std::string& text) { offset = ParseOffset(text); },
+      .isRequired = true};
 }
 
-void AddRecordCommands(CLI::App& app, ExitCode& result) {
-  CLI::App& record = *app.add_subcommand("record", "Inspect, export, patch and draw record files");
-  record.require_subcommand(1);
-  record.footer("Example:\n  surveydata record list --help");
-  AddRecordList(record, result);
-  AddRecordShow(record, result);
-  AddRecordExport(record, result);
-  AddRecordSet(record, result);
-  AddRecordPlot(record, result);
+Command RecordCommands() {
+  Command command;
+  command.name = "record";
+  command.description = "Inspect, export, patch and draw record files";
+  command.footer = "Example:\n  surveydata record list --help";
+  command.commands = {RecordListCommand(), RecordShowCommand(), RecordExportCommand(),
+                      RecordSetCommand(), RecordPlotCommand()};
+  return command;
 }
 
 }  // namespace Tool

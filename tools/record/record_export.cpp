@@ -2,8 +2,8 @@
 #include <memory>
 #include <string>
 
+#include <command_line/common_options.h>
 #include <command_line/message.h>
-#include <command_line/output_options.h>
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -15,6 +15,13 @@
 
 namespace Tool {
 namespace {
+
+constexpr const char* kDescription =
+    "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
+    "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
+    "code 1; one that runs into the next record, as chance bytes do, is counted alone.\n"
+    "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
+    "exit code 1 as well.";
 
 struct Options {
   std::string file;
@@ -58,21 +65,21 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddRecordExport(CLI::App& record, ExitCode& result) {
-  CLI::App& command = *record.add_subcommand(
-      "export",
-      "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
-      "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
-      "code 1; one that runs into the next record, as chance bytes do, is counted alone.\n"
-      "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
-      "exit code 1 as well.");
+Command RecordExportCommand() {
   const auto options = std::make_shared<Options>();
-  AddFileArgument(command, options->file);
-  command.add_flag("--csv", options->isCsv, "CSV with a header row, quoted as RFC 4180 has it");
-  AddOutputOption(command, options->output, "The file to write, - for standard output, the default",
-                  "OUT");
-  command.footer("Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "export";
+  command.description = kDescription;
+  command.footer =
+      "Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv";
+  command.arguments = {FileArgument(options->file)};
+  command.options = {{.names = {"--csv"},
+                      .description = "CSV with a header row, quoted as RFC 4180 has it",
+                      .flag = &options->isCsv},
+                     OutputOption(options->output,
+                                  "The file to write, - for standard output, the default", "OUT")};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

@@ -18,6 +18,11 @@
 namespace Tool {
 namespace {
 
+constexpr const char* kDescription =
+    "List every record of a file with time, dilutions of precision, satellites and name.\n"
+    "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no\n"
+    "record, headers of measurement frames there, and frames whose blocks do not fit.";
+
 struct Options {
   std::string file;
   bool isJson = false;
@@ -204,19 +209,20 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddRecordList(CLI::App& record, ExitCode& result) {
-  CLI::App& command = *record.add_subcommand(
-      "list",
-      "List every record of a file with time, dilutions of precision, satellites and name.\n"
-      "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no\n"
-      "record, headers of measurement frames there, and frames whose blocks do not fit.");
+Command RecordListCommand() {
   const auto options = std::make_shared<Options>();
-  AddFileArgument(command, options->file);
-  command.add_flag("--json", options->isJson, "JSON Lines: one object per line");
-  command.footer(
+  Command command;
+  command.name = "list";
+  command.description = kDescription;
+  command.footer =
       "Times are GPS times, without leap seconds.\n\n"
-      "Example:\n  surveydata record list valley_drive.rec");
-  command.callback([options, &result] { result = Run(*options); });
+      "Example:\n  surveydata record list valley_drive.rec";
+  command.arguments = {FileArgument(options->file)};
+  command.options = {{.names = {"--json"},
+                      .description = "JSON Lines: one object per line",
+                      .flag = &options->isJson}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include <command_line/output_options.h>
+#include <command_line/common_options.h>
 #include <output/chart.h>
 #include <output/gps_time.h>
 #include <output/output.h>
@@ -17,6 +17,11 @@
 
 namespace Tool {
 namespace {
+
+constexpr const char* kDescription =
+    "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
+    "where time steps by more than three times the median step. Bad frames are left out,\n"
+    "counted on standard error, and give the exit code 1, as of export.";
 
 struct Options {
   std::string file;
@@ -70,17 +75,16 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddRecordPlot(CLI::App& record, ExitCode& result) {
-  CLI::App& command = *record.add_subcommand(
-      "plot",
-      "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
-      "where time steps by more than three times the median step. Bad frames are left out,\n"
-      "counted on standard error, and give the exit code 1, as of export.");
+Command RecordPlotCommand() {
   const auto options = std::make_shared<Options>();
-  AddFileArgument(command, options->file);
-  AddPictureOption(command, options->output);
-  command.footer("Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "plot";
+  command.description = kDescription;
+  command.footer = "Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg";
+  command.arguments = {FileArgument(options->file)};
+  command.options = {PictureOption(options->output)};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

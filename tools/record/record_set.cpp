@@ -25,6 +25,16 @@ namespace {
 
 constexpr double kHighestAntenna = 1000.0;  // metres
 
+constexpr const char* kDescription =
+    "Change name, number or antenna height of one measurement frame.\n"
+    "What is rewritten: the 17 characters of the name (zeros behind a shorter one), the number,\n"
+    "height and kind of the antenna height, each only when asked for, and the checksum. Every\n"
+    "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
+    "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
+    "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
+    "locked meanwhile, so of several of these commands at once all but one end with 3.\n"
+    "Nobody else may write to it meanwhile: such a change is refused where it is noticed.";
+
 struct Options {
   std::string file;
   std::uint64_t offset = 0;
@@ -33,7 +43,7 @@ struct Options {
 };
 
 std::u16string ParseName(const std::string& utf8) {
-  const auto refuse = [](const std::string& why) { return CLI::ValidationError("--name", why); };
+  const auto refuse = [](const std::string& why) { return ValueErrorC(why); };
   const auto units = ToSingleUnits(utf8);
   if (!units) {
     throw refuse("is not UTF-8, or has a character beyond U+FFFF, which a frame cannot hold");
@@ -51,17 +61,16 @@ std::u16string ParseName(const std::string& utf8) {
 
 std::int32_t ParseNumber(const std::string& text) {
   const auto number = ToNumber<std::int32_t>(text);
-  if (!number) throw CLI::ValidationError("--number", "is no decimal number of 32 bits");
+  if (!number) throw ValueErrorC("is no decimal number of 32 bits");
   return *number;
 }
 
 float ParseHeight(const std::string& text) {
   const auto number = ToNumber<double>(text);
-  if (!number) throw CLI::ValidationError("--antenna-height", "is no decimal number");
+  if (!number) throw ValueErrorC("is no decimal number");
   const double metres = *number;
   if (!(0.0 <= metres && metres <= kHighestAntenna) || std::signbit(metres)) {
-    throw CLI::ValidationError("--antenna-height",
-                               fmt::format("must be from 0 to {} metres", kHighestAntenna));
+    throw ValueErrorC(fmt::format("must be from 0 to {} metres", kHighestAntenna));
   }
   return static_cast<float>(metres);
 }
@@ -143,48 +152,41 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddRecordSet(CLI::App& record, ExitCode& result) {
-  CLI::App& command = *record.add_subcommand(
-      "set",
-      "Change name, number or antenna height of one measurement frame.\n"
-      "What is rewritten: the 17 characters of the name (zeros behind a shorter one), the number,\n"
-      "height and kind of the antenna height, each only when asked for, and the checksum. Every\n"
-      "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
-      "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
-      "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
-      "locked meanwhile, so of several of these commands at once all but one end with 3.\n"
-      "Nobody else may write to it meanwhile: such a change is refused where it is noticed.");
+Command RecordSetCommand() {
   const auto options = std::make_shared<Options>();
-  AddFileArgument(command, options->file);
-  AddOffsetOption(command, options->offset);
-  command
-      .add_option_function<std::string>(
-          "--name", [options](const std::string& name) { options->changes.name = ParseName(name); },
-          "The point name: up to 17 characters, UTF-8")
-      ->type_name("TEXT");
-  command
-      .add_option_function<std::string>(
-          "--number",
-          [options](const std::string& text) { options->changes.number = ParseNumber(text); },
-          "The number beside the name")
-      ->type_name("N");
-  CLI::Option* const height =
-      command
-          .add_option_function<std::string>(
-              "--antenna-height",
-              [options](const std::string& text) {
-                options->changes.antennaHeight = ParseHeight(text);
-              },
-              "The antenna height in metres, 0 to 1000; vertical unless --slant is given")
-          ->type_name("H");
-  command.add_flag("--slant", options->changes.isSlant, "The antenna height is a slant height")
-      ->needs(height);
-  command.add_flag("--dry-run", options->isDryRun,
-                   "Print the bytes that would change, and leave the file as it is");
-  command.footer(
+  Command command;
+  command.name = "set";
+  command.description = kDescription;
+  command.footer =
       "Example:\n  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 "
-      "--dry-run");
-  command.callback([options, &result] { result = Run(*options); });
+      "--dry-run";
+  command.arguments = {FileArgument(options->file)};
+  command.options = {
+      OffsetOption(options->offset),
+      {.names = {"--name"},
+       .value = "TEXT",
+       .description = "The point name: up to 17 characters, UTF-8",
+       .take = [options](const std::string& name) { options->changes.name = ParseName(name); }},
+      {.names = {"--number"},
+       .value = "N",
+       .description = "The number beside the name",
+       .take = [options](const std::string& text) { options->changes.number = ParseNumber(text); }},
+      {.names = {"--antenna-height"},
+       .value = "H",
+       .description = "The antenna height in metres, 0 to 1000; vertical unless --slant is given",
+       .take =
+           [options](const std::string& text) {
+             options->changes.antennaHeight = ParseHeight(text);
+           }},
+      {.names = {"--slant"},
+       .description = "The antenna height is a slant height",
+       .flag = &options->changes.isSlant,
+       .needs = {"--antenna-height"}},
+      {.names = {"--dry-run"},
+       .description = "Print the bytes that would change, and leave the file as it is",
+       .flag = &options->isDryRun}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

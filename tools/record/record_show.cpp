@@ -131,16 +131,22 @@ ExitCode Run(const Options& options) {
 
 }  // namespace
 
-void AddRecordShow(CLI::App& record, ExitCode& result) {
-  CLI::App& command = *record.add_subcommand(
-      "show", "Show one measurement frame: its fields, or what each of its bytes is.");
+Command RecordShowCommand() {
   const auto options = std::make_shared<Options>();
-  AddFileArgument(command, options->file);
-  AddOffsetOption(command, options->offset);
-  command.add_flag("--bytes", options->hasBytes, "Every byte with its block, field and value");
-  command.add_flag("--json", options->isJson, "One JSON object, as of export");
-  command.footer("Example:\n  surveydata record show valley_drive.rec --offset 960 --bytes");
-  command.callback([options, &result] { result = Run(*options); });
+  Command command;
+  command.name = "show";
+  command.description = "Show one measurement frame: its fields, or what each of its bytes is.";
+  command.footer = "Example:\n  surveydata record show valley_drive.rec --offset 960 --bytes";
+  command.arguments = {FileArgument(options->file)};
+  command.options = {OffsetOption(options->offset),
+                     {.names = {"--bytes"},
+                      .description = "Every byte with its block, field and value",
+                      .flag = &options->hasBytes},
+                     {.names = {"--json"},
+                      .description = "One JSON object, as of export",
+                      .flag = &options->isJson}};
+  command.run = [options] { return Run(*options); };
+  return command;
 }
 
 }  // namespace Tool

@@ -1,5 +1,6 @@
 #include <command_line/text.h>
 #include <output/gps_time.h>
+#include <platform/format.h>
 #include <record/show_writer.h>
 
 namespace Tool {
@@ -14,14 +15,13 @@ std::string Seconds(std::int32_t milliseconds) {
 }  // namespace
 
 void ShowWriterC::Line(std::string_view key, std::string_view value) {
-  fmt::format_to(fmt::appender(out_), "{:{}}{:<{}}{}\n", "", 2 * depth_, key,
-                 kKeyWidth - 2 * depth_, value);
+  Append(out_, "{:{}}{:<{}}{}\n", "", 2 * depth_, key, kKeyWidth - 2 * depth_, value);
 }
 
 void ShowWriterC::Begin(std::string_view key, bool isPresent) {
   isPresent_ = isPresent;
   if (isPresent) {
-    fmt::format_to(fmt::appender(out_), "{:{}}{}\n", "", 2 * depth_, key);
+    Append(out_, "{:{}}{}\n", "", 2 * depth_, key);
   } else {
     Line(key, "-");
   }

@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include <command_line/command_tree.h>
+#include <command_line/command.h>
+#include <command_line/common_options.h>
 #include <command_line/completion.h>
 #include <command_line/man_page.h>
 #include <commands.h>
@@ -19,11 +21,6 @@
 namespace {
 
 using Tool::Command;
-
-Command OfTheProgram() {
-  Tool::ExitCode unused = Tool::ExitCode::kDone;
-  return Tool::DescribeCommands(*Tool::MakeCommands(unused));
-}
 
 bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -81,7 +78,7 @@ std::string InRoff(std::string text) {
 }
 
 TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
-  const std::string page = Tool::ManPage(OfTheProgram(), "2026-01-02", "1.2.3");
+  const std::string page = Tool::ManPage(Tool::MakeCommands(), "2026-01-02", "1.2.3");
   const auto all = OptionsOfTheHelp({});
   ASSERT_GT(all.size(), 50U);
   for (const std::vector<std::string>& words : all) {
@@ -107,7 +104,7 @@ TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
 
 TEST(ManPage, IsReadWithoutAWarning) {
   const TempFolderC folder;
-  Write(folder / "surveydata.1", Tool::ManPage(OfTheProgram(), "2026-01-02", "1.2.3"));
+  Write(folder / "surveydata.1", Tool::ManPage(Tool::MakeCommands(), "2026-01-02", "1.2.3"));
   int readers = 0;
   for (const std::string command :
        {"mandoc -Tlint -Wwarning surveydata.1 >&2",
@@ -126,34 +123,55 @@ TEST(ManPage, IsReadWithoutAWarning) {
 }
 
 TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
-  CLI::App app("Does things.", "tool");
   bool isOn = false;
-  app.add_flag("--flag", isOn, ".begins with a dot, has a \\ and \"quotes\" and an \u00FC");
-  const std::string page = Tool::ManPage(Tool::DescribeCommands(app), "2026-01-02", "1");
+  Command top{.name = "tool", .description = "Does things."};
+  top.options = {{.names = {"--flag"},
+                  .description = ".begins with a dot, has a \\ and \"quotes\" and an \u00FC",
+                  .flag = &isOn}};
+  const std::string page = Tool::ManPage(top, "2026-01-02", "1");
   EXPECT_TRUE(Contains(page,
                        "\n\\&.begins with a dot, has a \\e and \\(dqquotes\\(dq and an "
                        "\\[u00FC].\n"))
       << page;
 }
 
-// Whatever is added to the commands is in all of them without further work.
-TEST(Descriptions, TellWhatIsAddedAndHideWhatIsHidden) {
-  CLI::App app("Does things.", "tool");
-  CLI::App& command = *app.add_subcommand("fetch", "Fetch something: anything");
+// A new command is in all of them without further work.
+TEST(Descriptions, TellWhatIsAdded) {
   std::string text;
-  command.add_option("-t,--tint", text, "The colour; none by default")->type_name("COLOUR");
-  command.add_option("--secret", text, "Not told")->group("");
-  app.add_subcommand("ghost", "Not told")->group("");
-  const Command top = Tool::DescribeCommands(app);
+  Command fetch{.name = "fetch", .description = "Fetch something: anything"};
+  fetch.options = {{.names = {"-t", "--tint"},
+                    .value = "COLOUR",
+                    .description = "The colour; none by default",
+                    .take = Tool::StoreIn(text)}};
+  Command top{.name = "tool", .description = "Does things."};
+  top.commands = {fetch};
+  Tool::AddPathsAndHelp(top);
   for (const std::string& out : {Tool::ManPage(top, "2026-01-02", "1"), Tool::BashCompletion(top),
                                  Tool::ZshCompletion(top), Tool::FishCompletion(top)}) {
     SCOPED_TRACE(out);
     EXPECT_TRUE(Contains(out, "fetch"));
     EXPECT_TRUE(Contains(out, "tint"));
-    EXPECT_FALSE(Contains(out, "secret"));
-    EXPECT_FALSE(Contains(out, "ghost"));
-    EXPECT_FALSE(Contains(out, "Not told"));
+    EXPECT_TRUE(Contains(out, "help"));
   }
+}
+
+// The parser makes an exclusion symmetrical, the manual page and the completions do not.
+TEST(Descriptions, TellExclusionsOnBothSides) {
+  int exclusions = 0;
+  const Command top = Tool::MakeCommands();
+  for (const Command* const command : Tool::AllCommands(top)) {
+    std::vector<Tool::CommandOption> all = command->options;
+    all.insert(all.end(), command->arguments.begin(), command->arguments.end());
+    std::set<std::pair<std::string, std::string>> pairs;
+    for (const Tool::CommandOption& option : all) {
+      for (const std::string& other : option.excludes) pairs.emplace(option.names.back(), other);
+    }
+    for (const auto& [one, other] : pairs) {
+      EXPECT_TRUE(pairs.contains({other, one})) << command->path << ": " << one << ", " << other;
+      ++exclusions;
+    }
+  }
+  EXPECT_GE(exclusions, 4);
 }
 
 // What a shell offers at the end of a command line.
@@ -223,7 +241,7 @@ using FishCompletion = CompletionTest;
 
 TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
   if (!IsThere("bash", folder_)) GTEST_SKIP() << "no bash";
-  Write(folder_ / "surveydata", Tool::BashCompletion(OfTheProgram()));
+  Write(folder_ / "surveydata", Tool::BashCompletion(Tool::MakeCommands()));
   const auto ask = [&](const std::vector<std::string>& words) {
     std::string command =
         "bash " SURVEYDATA_TEST_TOOLS "complete_in_bash.sh ../surveydata surveydata";
@@ -251,7 +269,7 @@ TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
 TEST_F(ZshCompletion, OffersCommandsOptionsAndFiles) {
   if (!IsThere("zsh", folder_)) GTEST_SKIP() << "no zsh";
   std::filesystem::create_directory(folder_.Path() / "functions");
-  Write(folder_ / "functions/_surveydata", Tool::ZshCompletion(OfTheProgram()));
+  Write(folder_ / "functions/_surveydata", Tool::ZshCompletion(Tool::MakeCommands()));
   EXPECT_EQ(Shell("zsh -n ../functions/_surveydata").err, "");
   std::string lines;
   for (const Question& question : Questions()) lines += LineOf(question) + "\n";
@@ -272,7 +290,7 @@ TEST_F(ZshCompletion, OffersCommandsOptionsAndFiles) {
 // Fish offers files with the right extension first, and others after them.
 TEST_F(FishCompletion, OffersCommandsOptionsAndFiles) {
   if (!IsThere("fish", folder_)) GTEST_SKIP() << "no fish";
-  Write(folder_ / "surveydata.fish", Tool::FishCompletion(OfTheProgram()));
+  Write(folder_ / "surveydata.fish", Tool::FishCompletion(Tool::MakeCommands()));
   EXPECT_EQ(Shell("HOME=.. fish -n ../surveydata.fish").err, "");
   for (const Question& question : Questions()) {
     SCOPED_TRACE(LineOf(question));
