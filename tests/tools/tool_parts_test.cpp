@@ -31,7 +31,7 @@ TEST(ExplainFrame, TellsEveryByteOfEverySampleFrameOnce) {
            Tool::ExplainFrame({&file[entry["offset"].get<std::size_t>()], size})) {
         EXPECT_EQ(field.at, at);
         EXPECT_GT(field.size, 0u);
-        EXPECT_NE(field.field, "does not fit");
+        EXPECT_TRUE(field.field.has_value());
         at += field.size;
       }
       EXPECT_EQ(at, size);
@@ -52,7 +52,7 @@ TEST(ExplainFrame, TellsEveryByteOnceHoweverShortTheFrame) {
     for (const Tool::FrameField& field : Tool::ExplainFrame(frame)) {
       EXPECT_EQ(field.at, at);
       at += field.size;
-      fits = fits && field.field != "does not fit";
+      fits = fits && field.field.has_value();
     }
     EXPECT_EQ(at, frame.size());
     // Cut between blocks, nothing is left over to be told; the reader refuses the frame all the

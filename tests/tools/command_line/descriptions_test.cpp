@@ -124,7 +124,9 @@ TEST(ManPage, IsReadWithoutAWarning) {
 
 TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
   bool isOn = false;
-  Command top{.name = "tool", .description = "Does things."};
+  Command top;
+  top.name = "tool";
+  top.description = "Does things.";
   top.options = {{.names = {"--flag"},
                   .description = ".begins with a dot, has a \\ and \"quotes\" and an \u00FC",
                   .flag = &isOn}};
@@ -138,12 +140,16 @@ TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
 // A new command is in all of them without further work.
 TEST(Descriptions, TellWhatIsAdded) {
   std::string text;
-  Command fetch{.name = "fetch", .description = "Fetch something: anything"};
+  Command fetch;
+  fetch.name = "fetch";
+  fetch.description = "Fetch something: anything";
   fetch.options = {{.names = {"-t", "--tint"},
                     .value = "COLOUR",
                     .description = "The colour; none by default",
                     .take = Tool::StoreIn(text)}};
-  Command top{.name = "tool", .description = "Does things."};
+  Command top;
+  top.name = "tool";
+  top.description = "Does things.";
   top.commands = {fetch};
   Tool::AddPathsAndHelp(top);
   for (const std::string& out : {Tool::ManPage(top, "2026-01-02", "1"), Tool::BashCompletion(top),
