@@ -509,18 +509,20 @@ using Meas = GPSMeasDataImplC;
 
 /// Flags word 1. The bits 0x0400 and 0x0800 announce nothing; 0x2000 announces flags word 2 after
 /// the last block.
-using Blocks1 = Table<                                  //
-    Row<0x0001, Block::kFileFlags, FileFlags>,          //
-    Row<0x0002, Block::kName, Name>,                    //
-    Row<0x0004, Block::kAntennaHeight, AntennaHeight>,  //
-    Row<0x0008, Block::kExtraTime, ExtraTime>,          //
-    Row<0x0010, Block::kWord16, Word16>,                //
-    Row<0x0020, Block::kIgnoredPairs, IgnoredPairs>,    //
-    Row<0x0040, Block::kValues, Values>,                //
-    Row<0x0080, Block::kDOPs, DOPs>,                    //
-    Row<0x0100, Block::kTotalPair, TotalPair>,          //
-    Row<0x0200, Block::kVector, Vector>,                //
+// clang-format off
+using Blocks1 = Table<
+    Row<0x0001, Block::kFileFlags, FileFlags>,
+    Row<0x0002, Block::kName, Name>,
+    Row<0x0004, Block::kAntennaHeight, AntennaHeight>,
+    Row<0x0008, Block::kExtraTime, ExtraTime>,
+    Row<0x0010, Block::kWord16, Word16>,
+    Row<0x0020, Block::kIgnoredPairs, IgnoredPairs>,
+    Row<0x0040, Block::kValues, Values>,
+    Row<0x0080, Block::kDOPs, DOPs>,
+    Row<0x0100, Block::kTotalPair, TotalPair>,
+    Row<0x0200, Block::kVector, Vector>,
     Row<0x1000, Block::kSystemPairs, SystemPairs>>;
+// clang-format on
 
 /// In flags word 1: flags word 2 follows.
 inline constexpr std::uint16_t kMore = 0x2000;
@@ -551,21 +553,23 @@ using TextD =
     Text<Meas::kTextDUnits, Field::kTextD, RecordField::kTextD, &Meas::GetTextD, &Meas::SetTextD>;
 
 /// Flags word 2.
-using Blocks2 = Table<                    //
-    Row<0x0001, Block::kFlagA, FlagA>,    //
-    Row<0x0002, Block::kValueB, ValueB>,  //
-    Row<0x0004, Block::kValueC, ValueC>,  //
-    Row<0x0008, Block::kTextA, TextA>,    //
-    Row<0x0010, Block::kTextB, TextB>,    //
-    Row<0x0020, Block::kValueD, ValueD>,  //
-    Row<0x0040, Block::kTextC, TextC>,    //
-    Row<0x0080, Block::kFlagE, FlagE>,    //
-    Row<0x0100, Block::kTextD, TextD>,    //
-    Row<0x0200, Block::kValueF, ValueF>,  //
-    Row<0x0400, Block::kValueG, ValueG>,  //
-    Row<0x0800, Block::kValueH, ValueH>,  //
-    Row<0x1000, Block::kValueI, ValueI>,  //
+// clang-format off
+using Blocks2 = Table<
+    Row<0x0001, Block::kFlagA, FlagA>,
+    Row<0x0002, Block::kValueB, ValueB>,
+    Row<0x0004, Block::kValueC, ValueC>,
+    Row<0x0008, Block::kTextA, TextA>,
+    Row<0x0010, Block::kTextB, TextB>,
+    Row<0x0020, Block::kValueD, ValueD>,
+    Row<0x0040, Block::kTextC, TextC>,
+    Row<0x0080, Block::kFlagE, FlagE>,
+    Row<0x0100, Block::kTextD, TextD>,
+    Row<0x0200, Block::kValueF, ValueF>,
+    Row<0x0400, Block::kValueG, ValueG>,
+    Row<0x0800, Block::kValueH, ValueH>,
+    Row<0x1000, Block::kValueI, ValueI>,
     Row<0x2000, Block::kList, List>>;
+// clang-format on
 
 /// Where the blocks of flags word 1 begin.
 inline constexpr std::size_t kBlocksAt = kHeaderSize + SizeOf<Times>();
