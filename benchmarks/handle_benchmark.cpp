@@ -1,14 +1,13 @@
 // What the pair of a public object and its implementation costs, beside the bare language features
 // that it is made of.
 
-#include <cstddef>
-#include <cstring>
-
 #include <benchmark/benchmark.h>
 
 #include <surveydata/geodetic/coordinate_point.h>
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/object_model/handle.h>
+
+#include "benchmarks/pimpl_peer.h"
 
 namespace {
 
@@ -29,61 +28,34 @@ BENCHMARK_CAPTURE(BM_Downcast, dynamic, [](API::ImplObjectC* impl) {
   return dynamic_cast<ODM::CoordinatePointC*>(impl);
 });
 
-// Two blocks of the sizes of a pair, as plain memory.
-template <class Public, class Impl>
-struct Blocks {
-  std::byte* object = new std::byte[sizeof(Public)];
-  std::byte* impl = new std::byte[sizeof(Impl)];
-
-  ~Blocks() {
-    delete[] impl;
-    delete[] object;
-  }
-};
-
-template <class Public, class Impl>
-void BM_CreatePair(benchmark::State& state) {
+// An object that is made, beside one with a block of the size of its implementation; both are made
+// in a shared library.
+template <class Object>
+void BM_Create(benchmark::State& state) {
   for (auto _ : state) {
-    auto* object = new Public;
+    auto* object = new Object;
     benchmark::DoNotOptimize(object);
     delete object;
   }
 }
-template <class Public, class Impl>
-void BM_CreateBlocks(benchmark::State& state) {
+template <class Object>
+void BM_Copy(benchmark::State& state) {
+  const Object original;
   for (auto _ : state) {
-    Blocks<Public, Impl> blocks;
-    benchmark::DoNotOptimize(blocks);
-  }
-}
-BENCHMARK_TEMPLATE(BM_CreatePair, SDI::CoordinatePointC, ODM::CoordinatePointC);
-BENCHMARK_TEMPLATE(BM_CreateBlocks, SDI::CoordinatePointC, ODM::CoordinatePointC);
-BENCHMARK_TEMPLATE(BM_CreatePair, SDI::GPSMeasDataC, SDI::GPSMeasDataImplC);
-BENCHMARK_TEMPLATE(BM_CreateBlocks, SDI::GPSMeasDataC, SDI::GPSMeasDataImplC);
-
-template <class Public, class Impl>
-void BM_CopyPair(benchmark::State& state) {
-  const Public original;
-  for (auto _ : state) {
-    auto* copy = new Public(original);
+    auto* copy = new Object(original);
     benchmark::DoNotOptimize(copy);
     delete copy;
   }
 }
-template <class Public, class Impl>
-void BM_CopyBlocks(benchmark::State& state) {
-  const Blocks<Public, Impl> original;
-  std::memset(original.impl, 1, sizeof(Impl));
-  for (auto _ : state) {
-    Blocks<Public, Impl> copy;
-    std::memcpy(copy.impl, original.impl, sizeof(Impl));
-    benchmark::DoNotOptimize(copy);
-    benchmark::ClobberMemory();
-  }
-}
-BENCHMARK_TEMPLATE(BM_CopyPair, SDI::CoordinatePointC, ODM::CoordinatePointC);
-BENCHMARK_TEMPLATE(BM_CopyBlocks, SDI::CoordinatePointC, ODM::CoordinatePointC);
-BENCHMARK_TEMPLATE(BM_CopyPair, SDI::GPSMeasDataC, SDI::GPSMeasDataImplC);
-BENCHMARK_TEMPLATE(BM_CopyBlocks, SDI::GPSMeasDataC, SDI::GPSMeasDataImplC);
+using PointPeer = Peer::BlockC<sizeof(ODM::CoordinatePointC)>;
+using MeasurementPeer = Peer::BlockC<sizeof(SDI::GPSMeasDataImplC)>;
+BENCHMARK_TEMPLATE(BM_Create, SDI::CoordinatePointC);
+BENCHMARK_TEMPLATE(BM_Create, PointPeer);
+BENCHMARK_TEMPLATE(BM_Create, SDI::GPSMeasDataC);
+BENCHMARK_TEMPLATE(BM_Create, MeasurementPeer);
+BENCHMARK_TEMPLATE(BM_Copy, SDI::CoordinatePointC);
+BENCHMARK_TEMPLATE(BM_Copy, PointPeer);
+BENCHMARK_TEMPLATE(BM_Copy, SDI::GPSMeasDataC);
+BENCHMARK_TEMPLATE(BM_Copy, MeasurementPeer);
 
 }  // namespace

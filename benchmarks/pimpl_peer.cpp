@@ -1,5 +1,7 @@
 #include "benchmarks/pimpl_peer.h"
 
+#include <array>
+
 namespace Peer {
 
 struct PointC::Impl {
@@ -18,5 +20,25 @@ PointC::~PointC() = default;
 
 double PointC::GetX() const { return impl_->x; }
 void PointC::SetX(double x) { impl_->x = x; }
+
+template <std::size_t size>
+struct BlockC<size>::Impl {
+  Impl() {}  // leaves the bytes alone
+  Impl(const Impl& other) = default;
+  virtual ~Impl() = default;
+
+  std::array<std::byte, size - sizeof(void*)> bytes;
+};
+
+template <std::size_t size>
+BlockC<size>::BlockC() : impl_(new Impl) {}
+template <std::size_t size>
+BlockC<size>::BlockC(const BlockC& other) : impl_(new Impl(*other.impl_)) {}
+template <std::size_t size>
+BlockC<size>::~BlockC() = default;
+
+template class BlockC<40>;
+template class BlockC<224>;
+template class BlockC<792>;
 
 }  // namespace Peer

@@ -1,11 +1,12 @@
 #ifndef BENCHMARKS_PIMPL_PEER_H_
 #define BENCHMARKS_PIMPL_PEER_H_
 
+#include <cstddef>
 #include <memory>
 
 /// \file
-/// A class with a pointer to its implementation as one writes it by hand, in a shared library of
-/// its own: the peer of the public classes.
+/// Classes with a pointer to their implementation as one writes them by hand, in a shared library
+/// of their own: the peers of the public classes.
 
 namespace Peer {
 
@@ -23,6 +24,25 @@ class __attribute__((visibility("default"))) PointC {
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };
+
+/// An object of two pointers whose implementation is a block of `size` bytes. Both are destroyed
+/// through virtual destructors. Nothing is written to a new block; copying copies all of it.
+template <std::size_t size>
+class __attribute__((visibility("default"))) BlockC {
+ public:
+  BlockC();
+  BlockC(const BlockC& other);
+  BlockC& operator=(const BlockC& other) = delete;
+  virtual ~BlockC();
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+extern template class __attribute__((visibility("default"))) BlockC<40>;
+extern template class __attribute__((visibility("default"))) BlockC<224>;
+extern template class __attribute__((visibility("default"))) BlockC<792>;
 
 }  // namespace Peer
 

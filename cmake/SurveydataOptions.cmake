@@ -1,10 +1,17 @@
 # The options of the build: everything is on in a build of its own, off inside another project.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+  set(SURVEYDATA_CAN_LTO ON)
+else()
+  set(SURVEYDATA_CAN_LTO OFF)
+endif()
 option(SURVEYDATA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_TOOLS "Build the program surveydata" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
+option(SURVEYDATA_LTO "Optimise the library across its sources in a release, with g++"
+  ${SURVEYDATA_CAN_LTO})
 set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers of the whole build, e.g. address,undefined")
 option(SURVEYDATA_COVERAGE "Instrument the build for coverage" OFF)
 
@@ -40,3 +47,14 @@ add_library(surveydata_warnings INTERFACE)
 target_compile_options(surveydata_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual $<$<BOOL:${SURVEYDATA_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# What guards an optimised build against bytes from outside: checks of the stack and of buffers, and
+# tables of addresses that are read-only once the loader has filled them in.
+add_library(surveydata_hardening INTERFACE)
+if(NOT WIN32)
+  target_compile_options(surveydata_hardening INTERFACE
+    "$<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  if(NOT APPLE)
+    target_link_options(surveydata_hardening INTERFACE LINKER:-z,relro LINKER:-z,now)
+  endif()
+endif()

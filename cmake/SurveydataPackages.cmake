@@ -49,10 +49,6 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-if(SURVEYDATA_CAN_PACK_RELOCATIONS)
-  # What reads packed relocations; no symbol tells of it.
-  set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libc6 (>= 2.36)")
-endif()
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
   "data model of a surveying instrument - shared library\n${about}")
 
