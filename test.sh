@@ -14,6 +14,7 @@ usage: ./test.sh [PART]
   --layout        check the layout of the sources with clang-format
   --tidy          check the sources with clang-tidy and cppcheck
   --windows       build for 64-bit Windows and test under wine
+  --m32           build the library for 32-bit x86 and run its unit tests
   --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
   --bit-for-bit   compare the answers of the sphere geometry across compilers and optimisations
   --valgrind      run a selection of the tests under valgrind
@@ -69,6 +70,10 @@ case "$part" in
   --windows)
     install_dependencies "${windows_compiler_packages[@]}" "${windows_test_packages[@]}"
     test_on_windows
+    ;;
+  --m32)
+    install_dependencies "${build_packages[@]}" "${m32_packages[@]}"
+    run_workflows m32
     ;;
   --fuzz)
     cmake --preset fuzz

@@ -6,8 +6,8 @@
 # unit or property. EXHAUSTIVE optimises the test in every build.
 include(GoogleTest)
 if(CMAKE_CROSSCOMPILING)
-  # Debian ships the sources of GoogleTest, but RapidCheck and ICU for its own systems alone: a build
-  # for Windows has no tests that need them.
+  # Debian ships the sources of GoogleTest, but RapidCheck and ICU for its own systems alone: builds
+  # for other systems have no tests that need them.
   set(BUILD_GMOCK OFF)
   set(INSTALL_GTEST OFF)
   add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
@@ -47,7 +47,7 @@ function(surveydata_test name)
   target_link_libraries(${name} PRIVATE
     ${library} ${arg_LIBRARIES} surveydata_warnings Boost::headers GTest::gtest_main)
   if(CMAKE_CROSSCOMPILING)
-    # Programs start slowly under an emulator: one process for all cases.
+    # One process for all cases: programs start slowly under an emulator.
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 600)
   else()

@@ -50,5 +50,8 @@ test_packages=(abigail-tools clang doxygen dpkg-dev file fish libabsl-dev libben
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
 
+# What the build for 32-bit x86 and its tests need besides.
+m32_packages=(g++-multilib googletest)
+
 # What the static analysis of the preset `tidy` needs besides.
 tidy_packages=(clang clang-tidy cppcheck)

@@ -47,12 +47,12 @@ bool Open(const GPSRecordFileInfo& info) {
   return recordFile != nullptr;
 }
 
-// Offsets of 2 GiB and more need a seek of 64 bits.
+// Offsets of 2 GiB and more need a seek of 64 bits: where a long has 32, the build gives off_t 64.
 bool SeekTo(std::uint32_t offset) {
 #if defined(_WIN32)
   return _fseeki64(recordFile, offset, SEEK_SET) == 0;
 #else
-  return std::fseek(recordFile, static_cast<long>(offset), SEEK_SET) == 0;
+  return fseeko(recordFile, static_cast<off_t>(offset), SEEK_SET) == 0;
 #endif
 }
 

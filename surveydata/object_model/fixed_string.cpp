@@ -14,6 +14,9 @@
 namespace API {
 namespace {
 
+// A length, at most the capacity, as a size in memory, which may have fewer bits.
+constexpr std::size_t Size(std::uint64_t length) { return static_cast<std::size_t>(length); }
+
 // The algorithms know no capacity of their own: the ten capacities share this code, and what
 // is long stays out of line, so that the library holds it once. A text is its units, one more than
 // the capacity, and its length.
@@ -22,7 +25,7 @@ struct Text {
   std::uint64_t& length;
 
   std::size_t Capacity() const { return units.size() - 1; }
-  std::size_t Room() const { return Capacity() - length; }
+  std::size_t Room() const { return Capacity() - Size(length); }
 };
 
 // The units that a character of the wide set becomes, one or two.
@@ -50,7 +53,7 @@ WideUnits ToUnits(wchar_t wide) {
   const std::size_t taken = std::min(count, text.Room());
   std::memmove(text.units.data() + text.length, units, taken * sizeof(char16_t));
   text.length += taken;
-  text.units[text.length] = 0;
+  text.units[Size(text.length)] = 0;
 }
 
 // Refuses a character that does not fit as a whole.
@@ -166,7 +169,7 @@ FixedStringC<N>::FixedStringC(const wchar_t* s) {
 template <std::uint16_t N>
 bool FixedStringC<N>::operator==(const FixedStringC& other) const {
   return length_ == other.length_ &&
-         std::memcmp(data_, other.data_, (length_ + 1) * sizeof(char16_t)) == 0;
+         std::memcmp(data_, other.data_, (Size(length_) + 1) * sizeof(char16_t)) == 0;
 }
 
 template <std::uint16_t N>
@@ -194,7 +197,7 @@ FixedStringC<N>& FixedStringC<N>::operator+=(char c) {
 
 template <std::uint16_t N>
 FixedStringC<N>& FixedStringC<N>::operator+=(const FixedStringC& s) {
-  Append({data_, length_}, s.data_, s.length_);
+  Append({data_, length_}, s.data_, Size(s.length_));
   return *this;
 }
 
@@ -232,7 +235,7 @@ std::uint32_t FixedStringC<N>::SubString(std::uint16_t start, std::uint16_t coun
 
 template <std::uint16_t N>
 bool FixedStringC<N>::ToNarrow(char* dst, std::size_t dstSize) const {
-  return API::ToNarrow({data_, length_ + 1}, dst, dstSize);
+  return API::ToNarrow({data_, Size(length_) + 1}, dst, dstSize);
 }
 
 template <std::uint16_t N>

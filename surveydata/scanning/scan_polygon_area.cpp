@@ -42,17 +42,18 @@ void ScanPolygonAreaImplC::GetOutline(std::vector<ScanDefPointC>& out,
     return;
   }
   const double mean = sum / static_cast<double>(count);
-  const std::uint64_t n = out.size();
+  const std::size_t n = out.size();
   // Filled values must not feed their neighbours, so all are taken from the unfilled points.
   const auto distanceOrMean = [&](std::uint64_t index) {
-    const double distance = Points()[index % n].GetDistance();
+    const double distance = Points()[static_cast<std::size_t>(index % n)].GetDistance();
     return distance < 0.0 ? mean : distance;
   };
-  for (std::uint64_t i = 0; i < n; ++i) {
+  for (std::size_t i = 0; i < n; ++i) {
     if (!(Points()[i].GetDistance() < 0.0)) continue;
-    // For the first point i - 1 wraps around at 2^64: its neighbour is the last one only when n is
-    // a power of two.
-    out[i].SetDistance((distanceOrMean(i - 1) + distanceOrMean(i + 1)) / 2.0);
+    // For the first point i - 1 wraps around at 2^64, whatever the size of a pointer: its neighbour
+    // is the last one only when n is a power of two.
+    out[i].SetDistance(
+        (distanceOrMean(std::uint64_t{i} - 1) + distanceOrMean(std::uint64_t{i} + 1)) / 2.0);
   }
 }
 

@@ -77,9 +77,9 @@ class RecordFaults : public testing::Test {
   std::ptrdiff_t descriptors_ = Descriptors();
 };
 
-const std::vector<std::string> kReadCalls = {"fopen", "fseek", "fread", "fread", "fclose"};
-const std::vector<std::string> kWriteCalls = {"fopen", "fseek",  "fread", "fread",
-                                              "fseek", "fwrite", "fclose"};
+const std::vector<std::string> kReadCalls = {"fopen", "fseeko", "fread", "fread", "fclose"};
+const std::vector<std::string> kWriteCalls = {"fopen", "fseeko", "fread", "fread",
+                                              "fseeko", "fwrite", "fclose"};
 
 TEST_F(RecordFaults, TheCallsOfAReadAndOfAWrite) {
   Faults::FailNoFileCall();

@@ -51,7 +51,13 @@ std::wstring Wide(const std::u16string& units) { return {units.begin(), units.en
 TEST(FixedString, IsItsUnitsThenItsLength) {
   ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();
-    constexpr std::size_t kLengthAt = ((N + 1) * sizeof(char16_t) + 7) / 8 * 8;
+    struct Aligned {
+      char first;
+      std::uint64_t second;
+    };
+    constexpr std::size_t kAlignment = offsetof(Aligned, second);  // 4 on 32-bit x86
+    constexpr std::size_t kUnits = (N + 1) * sizeof(char16_t);
+    constexpr std::size_t kLengthAt = (kUnits + kAlignment - 1) / kAlignment * kAlignment;
     EXPECT_EQ(sizeof(FixedStringC<N>), kLengthAt + sizeof(std::uint64_t));
     const FixedStringC<N> text(u"abc");
     EXPECT_EQ(static_cast<const void*>(text.GetData()), &text);

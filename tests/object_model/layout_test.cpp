@@ -24,9 +24,17 @@ using Layouts::kHasListedSizes;
 using Layouts::OffsetIn;
 using Layouts::Range;
 
+// A field is aligned as in a class: on 32-bit x86 a double is there at multiples of 4, by itself
+// of 8.
+template <class T>
+struct AfterAByte {
+  char byte;
+  T field;
+};
+
 template <class T>
 Field Of() {
-  return {sizeof(T), alignof(T)};
+  return {sizeof(T), offsetof(AfterAByte<T>, field)};
 }
 
 const Field kDouble = Of<double>(), kFloat = Of<float>();

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <surveydata/object_model/layout.h>
 #include <surveydata/scanning/scan_dome_area.h>
 #include <surveydata/scanning/scan_polygon_area.h>
 #include <surveydata/scanning/scan_rectangular_area.h>
@@ -43,8 +44,8 @@ using TestSupport::VirtualSlot;
 
 static_assert(sizeof(ScanDefinitionC) == sizeof(API::BaseC));
 static_assert(sizeof(ScanDomeAreaC) == sizeof(API::BaseC));
-static_assert(sizeof(ScanDefinitionImplC) == 24);
-static_assert(sizeof(ScanAreaImplC) == 24 + 64 + 72 + 24);
+static_assert(API::kHasSize<ScanDefinitionImplC, 24>);
+static_assert(API::kHasSize<ScanAreaImplC, 24 + 64 + 72 + 24>);
 static_assert(sizeof(ScanRectangularAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(sizeof(ScanPolygonAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(sizeof(ScanDomeAreaImplC) == sizeof(ScanAreaImplC));

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <surveydata/object_model/layout.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
@@ -46,7 +47,7 @@ std::vector<AnglePointC> RingAtV(double v, int n, double start = 0.0) {
 
 const std::vector<AnglePointC> kQuad = {{1.0, 1.0}, {2.0, 1.0}, {2.0, 1.5}, {1.0, 1.5}};
 
-static_assert(sizeof(SphereAreaC) == 72);
+static_assert(API::kHasSize<SphereAreaC, 72>);
 
 TEST(SphereArea, PointsAreAddedCountedAndRemoved) {
   SphereAreaC area;

@@ -41,21 +41,28 @@ int OpenFiles() { return g_openFiles; }
 
 }  // namespace Faults
 
-// `__wrap_X` stands where X is called, `__real_X` is X (--wrap of the linker).
+// The functions that know offsets have other names where a build gives them 64 bits.
+#if defined(__GLIBC__) && defined(__USE_FILE_OFFSET64) && __SIZEOF_POINTER__ == 4
+#define SURVEYDATA_NAMED(name) __asm__(name "64")
+#else
+#define SURVEYDATA_NAMED(name)
+#endif
+
+// `__wrap_X` is called instead of X, `__real_X` is X (--wrap of the linker).
 extern "C" {
-std::FILE* __real_fopen(const char* name, const char* mode);
+std::FILE* __real_fopen(const char* name, const char* mode) SURVEYDATA_NAMED("__real_fopen");
 int __real_fseek(std::FILE* file, long offset, int whence);
-int __real_fseeko(std::FILE* file, off_t offset, int whence);
-off_t __real_ftello(std::FILE* file);
+int __real_fseeko(std::FILE* file, off_t offset, int whence) SURVEYDATA_NAMED("__real_fseeko");
+off_t __real_ftello(std::FILE* file) SURVEYDATA_NAMED("__real_ftello");
 std::size_t __real_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __real_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
 int __real_fclose(std::FILE* file);
 int __real_ferror(std::FILE* file);
 
-std::FILE* __wrap_fopen(const char* name, const char* mode);
+std::FILE* __wrap_fopen(const char* name, const char* mode) SURVEYDATA_NAMED("__wrap_fopen");
 int __wrap_fseek(std::FILE* file, long offset, int whence);
-int __wrap_fseeko(std::FILE* file, off_t offset, int whence);
-off_t __wrap_ftello(std::FILE* file);
+int __wrap_fseeko(std::FILE* file, off_t offset, int whence) SURVEYDATA_NAMED("__wrap_fseeko");
+off_t __wrap_ftello(std::FILE* file) SURVEYDATA_NAMED("__wrap_ftello");
 std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __wrap___fread_chk(void* to, std::size_t room, std::size_t size, std::size_t count,
                                std::FILE* file);

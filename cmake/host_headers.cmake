@@ -1,0 +1,17 @@
+# For toolchain files. Debian has the libraries that are headers alone for this system only. Their
+# headers are the same for all systems, and lie in a folder that shows none of its other headers.
+get_property(is_try_compile GLOBAL PROPERTY IN_TRY_COMPILE)
+if(NOT is_try_compile)
+  set(SURVEYDATA_HOST_HEADERS ${CMAKE_BINARY_DIR}/host_headers)
+  file(MAKE_DIRECTORY ${SURVEYDATA_HOST_HEADERS})
+  foreach(name boost CLI fmt nlohmann)
+    if(EXISTS /usr/include/${name} AND NOT EXISTS ${SURVEYDATA_HOST_HEADERS}/${name})
+      file(CREATE_LINK /usr/include/${name} ${SURVEYDATA_HOST_HEADERS}/${name} SYMBOLIC)
+    endif()
+  endforeach()
+  set(Boost_NO_BOOST_CMAKE ON)
+  set(Boost_INCLUDE_DIR ${SURVEYDATA_HOST_HEADERS})
+  foreach(package CLI11 fmt nlohmann_json)
+    set(${package}_DIR ${CMAKE_CURRENT_LIST_DIR}/header_only)
+  endforeach()
+endif()
