@@ -97,7 +97,8 @@ TEST_F(GeometryAnswers, ThatTakeNoMathFunctionAreAsRecordedEverywhere) {
 
 TEST_F(GeometryAnswers, ThatTakeMathFunctionsAreAsRecordedWhereTheseRoundAsRecorded) {
   std::map<std::string, Difference> differences;
-  bool isSameRuntime = true;
+  // That of 32-bit x86 rounds one call in some 1,400 in another way: too few to be among these.
+  bool isSameRuntime = sizeof(void*) == 8;
   for (const Case& next : cases_) {
     if (next.source == Source::kArithmetic) continue;
     SCOPED_TRACE(Describe(next));

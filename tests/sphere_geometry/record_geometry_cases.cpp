@@ -1,5 +1,6 @@
 // Writes tests/data/geometry_cases.txt to standard output: questions that it makes up, with what
-// this build answers. With a file of cases as argument, their questions are answered anew.
+// this build answers. With a file of cases as argument, their questions are answered anew; with two
+// numbers, questions are made up of each seed from the first to the last.
 
 #include <cstdio>
 #include <cstdlib>
@@ -50,7 +51,12 @@ int main(int argc, char** argv) try {
       "# generator  record_geometry_cases, seed 20260101; g++ 12 -O1, glibc 2.36, x86-64");
   WriterC writer;
   const auto write = [&writer](const GeometryCases::Case& next) { writer.Write(next); };
-  if (argc > 1) {
+  if (argc > 2) {
+    const std::uint64_t last = std::strtoull(argv[2], nullptr, 10);
+    for (auto seed = std::strtoull(argv[1], nullptr, 10); seed <= last; ++seed) {
+      GeometryCases::MakeUp(seed, write);
+    }
+  } else if (argc > 1) {
     std::ifstream file(argv[1]);
     GeometryCases::ForEach(file, write);
   } else {
