@@ -42,7 +42,7 @@ install_dependencies() {
 # What the library and the program need, and what the tests need besides. clang builds what runs under
 # sanitizers, and the fuzz targets.
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
-test_packages=(abigail-tools clang doxygen dpkg-dev file fish libabsl-dev libbenchmark-dev
+test_packages=(abigail-tools clang doxygen dpkg-dev file fish gdb libabsl-dev libbenchmark-dev
                libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
                mandoc pkgconf python3 zsh)
 

@@ -1,7 +1,7 @@
 # Compares the code and the output that the documents of ROOT show with the files they come from.
 #
 # Code (```cpp) stands in a source of EXAMPLES, which are built and run; output (```text) in what one
-# of them is expected to print, or below tests/data. The line before such a block names the file:
+# of them is expected to print, or below tests/data or tests/debugger. The line before such a block names the file:
 # <!-- examples/NAME.cpp --> for all of it, <!-- from examples/NAME.cpp --> for lines that stand in it
 # together. Blocks of other kinds have no file, and no code. Every example and its output is shown.
 cmake_minimum_required(VERSION 3.25)
@@ -54,7 +54,7 @@ foreach(document IN LISTS documents)
     endif()
     set(from "${CMAKE_MATCH_1}")
     set(name "${CMAKE_MATCH_2}")
-    if(NOT name IN_LIST files AND NOT (kind STREQUAL "text" AND name MATCHES "^tests/data/"))
+    if(NOT name IN_LIST files AND NOT (kind STREQUAL "text" AND name MATCHES "^tests/(data|debugger)/"))
       message(FATAL_ERROR "${document}: ${name} is not what is built, run and compared")
     endif()
 

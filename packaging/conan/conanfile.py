@@ -23,8 +23,8 @@ class SurveydataConan(ConanFile):
         self.version = re.search(r"project\(surveydata VERSION ([0-9.]+)", text).group(1)
 
     def export_sources(self):
-        for pattern in ("CMakeLists.txt", "CHANGELOG.md", "abi/*", "cmake/*", "packaging/*",
-                        "surveydata/*", "tools/*"):
+        for pattern in ("CMakeLists.txt", "CHANGELOG.md", "abi/*", "cmake/*", "debugger/*",
+                        "packaging/*", "surveydata/*", "tools/*"):
             copy(self, pattern, src=self._tree(), dst=self.export_sources_folder)
 
     def layout(self):

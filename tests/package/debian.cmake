@@ -156,8 +156,20 @@ foreach(file
     usr/share/bash-completion/completions/surveydata
     usr/share/zsh/vendor-completions/_surveydata
     usr/share/fish/vendor_completions.d/surveydata.fish
+    usr/share/surveydata/surveydata.natvis
     usr/share/doc/${runtime}/copyright
     usr/share/doc/${runtime}/changelog.Debian.gz)
+  if(NOT EXISTS ${root}/${file})
+    message(FATAL_ERROR "${file} is not installed")
+  endif()
+endforeach()
+# gdb looks below its own folder for the path of the library, and the printers beside the library.
+file(GLOB_RECURSE library RELATIVE ${root} ${root}/usr/lib/libsurveydata.so.${VERSION})
+cmake_path(GET library PARENT_PATH library_dir)
+foreach(file
+    usr/share/gdb/auto-load/${library}-gdb.py
+    ${library_dir}/surveydata/printers.py
+    ${library_dir}/surveydata/types.o)
   if(NOT EXISTS ${root}/${file})
     message(FATAL_ERROR "${file} is not installed")
   endif()

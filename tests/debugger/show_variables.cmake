@@ -1,0 +1,23 @@
+# Runs PROGRAM in GDB with the library that is installed at ROOT. What is shown of its variables goes
+# to OUTPUT, and must be what EXPECTED says.
+cmake_minimum_required(VERSION 3.25)
+
+file(GLOB_RECURSE library ${ROOT}/libsurveydata.so)
+cmake_path(GET library PARENT_PATH library_dir)
+set(ENV{LD_LIBRARY_PATH} ${library_dir})
+set(ENV{LC_ALL} C.UTF-8)
+file(REMOVE ${OUTPUT})
+execute_process(
+  COMMAND ${GDB} -nx -batch
+    -iex "add-auto-load-scripts-directory ${ROOT}/share/gdb/auto-load"
+    -iex "add-auto-load-safe-path ${ROOT}/share/gdb/auto-load"
+    -ex "set $output = \"${OUTPUT}\"" -x ${CMAKE_CURRENT_LIST_DIR}/show_variables.py ${PROGRAM}
+  RESULT_VARIABLE result OUTPUT_VARIABLE session ERROR_VARIABLE session)
+if(NOT result EQUAL 0 OR NOT EXISTS ${OUTPUT})
+  message(FATAL_ERROR "gdb: ${result}\n${session}")
+endif()
+execute_process(COMMAND diff -u ${EXPECTED} ${OUTPUT}
+  RESULT_VARIABLE result OUTPUT_VARIABLE differences ERROR_VARIABLE differences)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${differences}\nWhen the change is meant:\n  cp ${OUTPUT} ${EXPECTED}")
+endif()
