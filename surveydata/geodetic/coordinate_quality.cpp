@@ -1,5 +1,6 @@
 #include <surveydata/geodetic/coordinate_quality.h>
 #include <surveydata/object_model/compare.h>
+#include <surveydata/object_model/lent_object.h>
 
 namespace ODM {
 

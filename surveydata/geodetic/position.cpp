@@ -2,6 +2,7 @@
 
 #include <surveydata/geodetic/position.h>
 #include <surveydata/object_model/compare.h>
+#include <surveydata/object_model/lent_object.h>
 
 namespace ODM {
 namespace {

@@ -1,4 +1,5 @@
 #include <surveydata/geodetic/rectangle.h>
+#include <surveydata/object_model/lent_object.h>
 
 namespace ODM {
 

@@ -1,6 +1,53 @@
 #include <surveydata/object_model/base.h>
 
+#include <cassert>
+
+#if !defined(NDEBUG) && defined(__linux__)
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <typeinfo>
+
+#include <sys/resource.h>
+
+extern "C" {
+// Where the stack of the main thread began. Other C libraries than glibc may lack it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+[[gnu::weak]] extern void* __libc_stack_end;
+}
+#endif
+
 namespace API {
+
+#ifndef NDEBUG
+namespace {
+
+// Whether `object` is a variable of the main thread, which must not be deleted. A class of the
+// caller may have an `operator delete` of its own, so only objects of the library's classes count.
+template <class Object>
+bool IsAutomatic([[maybe_unused]] const Object& object) {
+#if defined(__linux__)
+  // The system keeps this much below the end free of anything else, unless less was asked for.
+  constexpr rlim_t kMostStack = rlim_t{8} << 20;
+  if (&__libc_stack_end == nullptr) return false;
+  const auto end = reinterpret_cast<std::uintptr_t>(__libc_stack_end);
+  const auto at = reinterpret_cast<std::uintptr_t>(&object);
+  if (at >= end || end - at > kMostStack) return false;
+  rlimit limit{};
+  if (getrlimit(RLIMIT_STACK, &limit) != 0 || end - at > limit.rlim_cur) return false;
+  const char* const name = typeid(object).name();
+  const char* const namespaces[] = {"N3API", "N3ODM", "N3SDI"};
+  return std::any_of(std::begin(namespaces), std::end(namespaces), [name](const char* prefix) {
+    return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
+  });
+#else
+  return false;
+#endif
+}
+
+}  // namespace
+#endif
 
 BaseC::BaseC() noexcept = default;
 BaseC::BaseC(const BaseC& /*other*/) noexcept {}
@@ -9,6 +56,7 @@ BaseC& BaseC::operator=(const BaseC& other) noexcept = default;
 
 BaseC::~BaseC() {
   if (impl_ == nullptr) return;
+  assert(!IsAutomatic(*impl_) && "a variable is deleted as the implementation of an object");
   impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
   delete impl_;
   impl_ = nullptr;  // not before: the implementation's destructor may ask for it
@@ -25,6 +73,9 @@ ImplObjectC::ImplObjectC(const ImplObjectC& /*other*/) noexcept {}
 
 ImplObjectC::~ImplObjectC() {
   if (owner_ == nullptr) return;
+  assert((owner_->impl_ == nullptr || owner_->impl_ == this) &&
+         "the owner of this implementation has another one, or is gone");
+  assert(!IsAutomatic(*owner_) && "a variable is deleted as the owner of an implementation");
   owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
   delete owner_;
   owner_ = nullptr;  // not before: the owner's destructor may ask for it
@@ -39,6 +90,9 @@ BaseC* ImplObjectC::GetBase() { return owner_; }
 void ImplObjectC::SetBase(BaseC* owner) {
   BaseC* const old = owner_;
   if (old != nullptr && old != owner) {
+    assert((old->impl_ == nullptr || old->impl_ == this) &&
+           "the earlier owner of this implementation has another one, or is gone");
+    assert(!IsAutomatic(*old) && "a variable is deleted as the earlier owner of an implementation");
     old->impl_ = nullptr;
     delete old;
   }

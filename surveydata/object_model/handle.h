@@ -122,13 +122,6 @@ class SURVEYDATA_VISIBLE ImplC : public Base {
   }
 };
 
-/// The public object of `part`, an implementation that another one holds by value. It lives as
-/// long as `part`, and repeated calls give the same object.
-template <class Public, class Part>
-Public& PublicOf(Part& part) {
-  return static_cast<Public&>(*part.GetBase());
-}
-
 /// A word of flags with the bits of `set` raised and then those of `clear` lowered.
 constexpr std::uint32_t ChangedFlags(std::uint32_t flags, std::uint32_t set, std::uint32_t clear) {
   return (flags | set) & ~clear;

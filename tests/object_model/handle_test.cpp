@@ -5,6 +5,7 @@
 #include <surveydata/geodetic/coordinate_point.h>
 #include <surveydata/geodetic/position.h>
 #include <surveydata/object_model/handle.h>
+#include <surveydata/object_model/lent_object.h>
 
 namespace {
 
