@@ -1,6 +1,6 @@
-#include <surveydata/object_model/base.h>
-
 #include <cassert>
+
+#include <surveydata/object_model/base.h>
 
 #if !defined(NDEBUG) && defined(__linux__)
 #include <algorithm>
@@ -8,8 +8,6 @@
 #include <cstring>
 #include <iterator>
 #include <typeinfo>
-
-#include <sys/resource.h>
 
 extern "C" {
 // Where the stack of the main thread began. Other C libraries than glibc may lack it.
@@ -28,14 +26,11 @@ namespace {
 template <class Object>
 bool IsAutomatic([[maybe_unused]] const Object& object) {
 #if defined(__linux__)
-  // The system keeps this much below the end free of anything else, unless less was asked for.
-  constexpr rlim_t kMostStack = rlim_t{8} << 20;
+  constexpr std::uintptr_t kStack = std::uintptr_t{1} << 20;  // Linux has nothing else so near
   if (&__libc_stack_end == nullptr) return false;
   const auto end = reinterpret_cast<std::uintptr_t>(__libc_stack_end);
   const auto at = reinterpret_cast<std::uintptr_t>(&object);
-  if (at >= end || end - at > kMostStack) return false;
-  rlimit limit{};
-  if (getrlimit(RLIMIT_STACK, &limit) != 0 || end - at > limit.rlim_cur) return false;
+  if (at >= end || end - at > kStack) return false;
   const char* const name = typeid(object).name();
   const char* const namespaces[] = {"N3API", "N3ODM", "N3SDI"};
   return std::any_of(std::begin(namespaces), std::end(namespaces), [name](const char* prefix) {

@@ -33,7 +33,9 @@ class LentC final : public Public {
 template <class Public, class Part>
 Public& PublicOf(Part& part) {
 #ifndef NDEBUG
-  if (part.ImplObjectC::GetBase() == nullptr) return *new LentC<Public, Part>(part);  // links itself
+  if (part.ImplObjectC::GetBase() == nullptr) {
+    return *new LentC<Public, Part>(part);  // links itself
+  }
 #endif
   return static_cast<Public&>(*part.GetBase());
 }

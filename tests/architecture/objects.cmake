@@ -1,7 +1,7 @@
 # Reads the objects in the static library LIBRARY, with NM and CXXFILT: what the library keeps, and what
 # it asks of the C library and of the C++ runtime. It keeps no state but the file handle of the record
 # reader; it takes no lock, starts no thread, and reads neither environment nor locale. CHECK is state
-# or imports.
+# or imports. HAS_ASSERTIONS tells a debug build.
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(COMMAND ${NM} -A -f sysv ${LIBRARY}
@@ -99,5 +99,9 @@ list(FILTER imports EXCLUDE REGEX ":(${allowed})$")
 # Record files are read and written by these alone, and one report is printed.
 list(FILTER imports EXCLUDE REGEX "^gps_record[a-z_]*[.]cpp[.]o:(${files})$")
 list(FILTER imports EXCLUDE REGEX "^vectors[.]cpp[.]o:(printf|__printf_chk)$")
+# Debug builds end the program on misuse of ownership.
+if(HAS_ASSERTIONS)
+  list(FILTER imports EXCLUDE REGEX ":__assert_fail$|^base[.]cpp[.]o:__libc_stack_end$")
+endif()
 complain("the library asks for what it must not, or for what objects.cmake does not know yet:"
   ${imports})
