@@ -15,6 +15,7 @@ usage: ./test.sh [PART]
   --tidy          check the sources with clang-tidy and cppcheck
   --windows       build for 64-bit Windows and test under wine
   --m32           build the library for 32-bit x86 and run its unit tests
+  --threads       test what runs in several threads with the thread sanitizer
   --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
   --bit-for-bit   compare the answers of the sphere geometry across compilers and optimisations
   --valgrind      run a selection of the tests under valgrind
@@ -55,7 +56,7 @@ else
 fi
 
 case "$part" in
-  "" | --quick | --windows | --fuzz | --bit-for-bit | --valgrind)
+  "" | --quick | --windows | --threads | --fuzz | --bit-for-bit | --valgrind)
     install_dependencies "${build_packages[@]}" "${test_packages[@]}"
     ;;
 esac
@@ -75,6 +76,7 @@ case "$part" in
     install_dependencies "${build_packages[@]}" "${m32_packages[@]}"
     run_workflows m32
     ;;
+  --threads) run_workflows tsan ;;
   --fuzz)
     cmake --preset fuzz
     cmake --build --preset fuzz

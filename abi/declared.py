@@ -138,9 +138,21 @@ def listed():
 
 
 def windows_name(symbol):
-    """A `size_t` is an `unsigned long` on ELF systems and an `unsigned long long` on Windows."""
-    at = symbol.rindex("E") + 1
-    return symbol[:at].replace("Lm", "Ly") + re.sub(r"m", "y", symbol[at:])
+    """The same on Windows: `long` and `unsigned long`, which are the types of sizes and of 64 bits on ELF
+    systems, are `long long` and `unsigned long long` there, and a file has another name."""
+    result = ""
+    while symbol:
+        # A name with its length, a number, a substitution, or one letter.
+        token = re.match(r"\d+|L[a-z]\d+E|S[0-9A-Z]*_|S[a-z]|.", symbol)[0]
+        if token.isdigit():
+            token = symbol[:len(token) + int(token)]
+            result += token.replace("8_IO_FILE", "6_iobuf")
+        elif token.startswith("S"):
+            result += token
+        else:
+            result += token.replace("l", "x").replace("m", "y")
+        symbol = symbol[len(token):]
+    return result
 
 
 def main():

@@ -3,9 +3,12 @@
 #include <surveydata/surveydata.h>
 
 int main() {
-  SDI::GPSRecordFileInfo where{.extension = "rec", .offset = 960, .path = "valley_drive"};
-  SDI::GPSMeasDataC epoch;
-  if (SDI::GPSRecordFileC::ReadGPSMeasData(epoch.GetImpl(), &where) != 0) return 1;
-  SDI::GPSDOPsC dops;
-  if (epoch.GetDOPs(dops)) std::printf("%s: PDOP %.1f\n", where.name, dops.GetPDOP());
+  SDI::GPSRecordReaderC reader("valley_drive.rec");
+  for (const SDI::GPSRecordC& record : reader) {
+    SDI::GPSDOPsC dops;
+    if (record.GetMeasurement().GetDOPs(dops) && dops.GetPDOP() > 6.0) {
+      std::printf("PDOP %.1f  %.49s\n", dops.GetPDOP(), record.GetInfo().name);
+    }
+  }
+  if (reader.GetState() != SDI::GPSReaderState::kOpen) std::puts(TextOf(reader.GetState()));
 }

@@ -19,6 +19,9 @@
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_file_info.h>
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_outcome.h>
+#include <surveydata/gnss/gps_record_reader.h>
+#include <surveydata/gnss/gps_record_writer.h>
 #include <surveydata/gnss/gps_ref_station_data.h>
 #include <surveydata/imaging/img_camera_info.h>
 #include <surveydata/imaging/img_chip_window_info.h>

@@ -8,15 +8,6 @@ namespace {
 
 // In the order of the enumerators.
 
-constexpr const char* kBlockNames[] = {
-    "header",       "times",         "file flags", "name",    "antenna height", "extra time",
-    "word 16",      "ignored pairs", "values",     "DOPs",    "total pair",     "vector",
-    "system pairs", "more",          "flag A",     "value B", "value C",        "text A",
-    "text B",       "value D",       "text C",     "flag E",  "text D",         "value F",
-    "value G",      "value H",       "value I",    "list",    "unused",         "checksum",
-};
-static_assert(std::size(kBlockNames) == std::size_t{1} + static_cast<int>(Block::kChecksum));
-
 constexpr const char* kFieldNames[] = {
     "magic",
     "length",
@@ -73,45 +64,8 @@ constexpr const char* kFieldNames[] = {
 };
 static_assert(std::size(kFieldNames) == std::size_t{1} + static_cast<int>(Field::kChecksum));
 
-constexpr const char* kRecordFieldNames[] = {
-    "",
-    "week of time B",
-    "status bit 2",
-    "flags",
-    "name",
-    "antenna height",
-    "horizontal offset",
-    "extra time",
-    "word 16",
-    "values",
-    "DOPs",
-    "total pair",
-    "vector",
-    "system 1 pair",
-    "system 2 pair",
-    "system 3 pair",
-    "flag A",
-    "value B",
-    "value C",
-    "text A",
-    "text B",
-    "value D",
-    "text C",
-    "flag E",
-    "text D",
-    "value F",
-    "value G",
-    "value H",
-    "value I",
-    "list block",
-};
-static_assert(std::size(kRecordFieldNames) ==
-              std::size_t{1} + static_cast<int>(RecordField::kListBlock));
-
 }  // namespace
 
-const char* NameOf(Block block) { return kBlockNames[static_cast<std::size_t>(block)]; }
 const char* NameOf(Field field) { return kFieldNames[static_cast<std::size_t>(field)]; }
-const char* NameOf(RecordField field) { return kRecordFieldNames[static_cast<std::size_t>(field)]; }
 
 }  // namespace SDI::RecordFrame

@@ -3,46 +3,15 @@
 
 #include <cstdint>
 
+#include <surveydata/gnss/gps_record_outcome.h>
+
 /// \file
 /// Internal: the names of what a measurement frame is made of, for programs and for people.
 
 namespace SDI::RecordFrame {
 
 /// The blocks of a frame, in the order in which they lie in it.
-enum class Block : std::uint8_t {
-  kHeader,
-  kTimes,
-  // Announced by flags word 1.
-  kFileFlags,
-  kName,
-  kAntennaHeight,
-  kExtraTime,
-  kWord16,
-  kIgnoredPairs,
-  kValues,
-  kDOPs,
-  kTotalPair,
-  kVector,
-  kSystemPairs,
-  kMore,
-  // Announced by flags word 2.
-  kFlagA,
-  kValueB,
-  kValueC,
-  kTextA,
-  kTextB,
-  kValueD,
-  kTextC,
-  kFlagE,
-  kTextD,
-  kValueF,
-  kValueG,
-  kValueH,
-  kValueI,
-  kList,
-  kUnused,  ///< Bytes between the last block and the checksum.
-  kChecksum,
-};
+using Block = GPSRecordBlock;
 
 /// The fields of the blocks.
 enum class Field : std::uint8_t {
@@ -101,45 +70,11 @@ enum class Field : std::uint8_t {
 };
 
 /// What of a measurement and its info goes into a frame, or has no place in one.
-enum class RecordField : std::uint8_t {
-  kNone,
-  kTimeBWeek,
-  kStatusBit2,
-  kFlags,
-  kName,
-  kAntennaHeight,
-  kHorizontalOffset,
-  kExtraTime,
-  kWord16,
-  kValues,
-  kDOPs,
-  kTotalPair,
-  kVector,
-  kSystem1Pair,
-  kSystem2Pair,
-  kSystem3Pair,
-  kFlagA,
-  kValueB,
-  kValueC,
-  kTextA,
-  kTextB,
-  kValueD,
-  kTextC,
-  kFlagE,
-  kTextD,
-  kValueF,
-  kValueG,
-  kValueH,
-  kValueI,
-  kListBlock,
-};
+using RecordField = GPSRecordField;
 
-/// For people. The name of a field tells it from the others of its block only.
-/// @{
-const char* NameOf(Block block);
+/// For people. The name of a field tells it from the others of its block only; `TextOf` names
+/// blocks and record fields.
 const char* NameOf(Field field);
-const char* NameOf(RecordField field);
-/// @}
 
 }  // namespace SDI::RecordFrame
 

@@ -30,26 +30,31 @@ struct GPSRecordEntry {
   bool operator==(const GPSRecordEntry&) const = default;
 };
 
-/// Walks a record file of any size from front to back.
+/// Walks a record file of any size, or bytes in memory, from front to back.
 ///
-/// Where the magic, a length of at least 5 and a right checksum stand there is a record, and the
-/// walk goes on behind it; elsewhere it goes on one byte further, so that it finds the next record
-/// after any damage. Together the entries cover the file once. Records inside the body of another
-/// one are not listed. The file is only read, and may be read-only.
+/// Where the magic, a length of at least 5 and a right checksum are, there is a record and the walk
+/// goes on after it; elsewhere it goes on one byte further, so that it finds the next record after
+/// any damage. Together the entries cover the file once. Records inside the body of another one are
+/// not listed. The file is only read, and may be read-only. `GPSRecordReaderC` decodes the
+/// measurements besides.
 ///
-/// \cost time linear in the size of the file, whatever it holds; 0.8 MB of memory.
+/// \cost time linear in the size of the file, whatever it holds; 0.8 MB of memory for a file, 0.5
+/// MB
+///       for bytes in memory, less for a few.
 class SURVEYDATA_API GPSRecordIndexC {
  public:
   explicit GPSRecordIndexC(const char* fileName);
+  /// Walks `bytes`, which are not copied: they must stay as long as the index.
+  explicit GPSRecordIndexC(std::span<const std::uint8_t> bytes);
   GPSRecordIndexC(const GPSRecordIndexC&) = delete;
   GPSRecordIndexC& operator=(const GPSRecordIndexC&) = delete;
   ~GPSRecordIndexC();
 
-  /// Whether the file could be opened.
+  /// Whether the file could be opened; true for bytes in memory.
   bool IsOpen() const;
   /// Whether reading failed; the walk has ended then.
   bool HasFailed() const;
-  /// The size of the file in bytes when it was opened; 0 when it has none (a pipe).
+  /// The size in bytes when the file was opened; 0 when it has none (a pipe).
   std::uint64_t GetFileSize() const;
 
   /// The next record or gap; false at the end of the file.

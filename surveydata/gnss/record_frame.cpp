@@ -1,6 +1,6 @@
 #include <bit>
-#include <numeric>
 
+#include <surveydata/gnss/byte_sum.h>
 #include <surveydata/gnss/frame_blocks.h>
 #include <surveydata/gnss/record_frame.h>
 #include <surveydata/object_model/utf8.h>
@@ -16,8 +16,7 @@ Header Header::Load(const std::uint8_t* bytes) {
 
 std::uint16_t Checksum(const std::uint8_t* frame, std::size_t length) {
   if (length < 3) return 0;
-  // Summed up in 16 bits, which is all that counts and twice as quick as in 32.
-  return static_cast<std::uint16_t>(-std::accumulate(frame + 2, frame + length, std::uint16_t{0}));
+  return static_cast<std::uint16_t>(-SumOfBytes(frame + 2, length - 2));
 }
 
 bool HasRightChecksum(const std::uint8_t* frame, std::size_t length) {
@@ -25,15 +24,19 @@ bool HasRightChecksum(const std::uint8_t* frame, std::size_t length) {
 }
 
 Decoded Decode(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info) {
-  using Outcome = Decoded::Outcome;
-  if (frame.size() < kHeaderSize) return {Outcome::kCut};
+  using enum GPSRecordOutcome;
+  if (frame.size() < kHeaderSize) return {kCut};
   const Header header = Header::Load(frame.data());
-  if (!header.IsMeasurement()) return {Outcome::kNoMeasurement};
-  if (frame.size() < header.Size()) return {Outcome::kCut};
-  if (!HasRightChecksum(frame.data(), header.length)) return {Outcome::kWrongChecksum};
-  FrameCursorC in(frame.subspan(kHeaderSize, header.length - kHeaderSize));
+  if (!header.IsMeasurement()) return {kNoMeasurement};
+  if (frame.size() < header.Size()) return {kCut};
+  if (!HasRightChecksum(frame.data(), header.length)) return {kWrongChecksum};
+  return DecodeChecked(frame.first(header.Size()), measurement, info);
+}
+
+Decoded DecodeChecked(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info) {
+  FrameCursorC in(frame.subspan(kHeaderSize, frame.size() - kHeaderSize - kChecksumSize));
   const std::optional<Block> bad = ReadPayload(in, Target{measurement, info});
-  if (bad) return {Outcome::kBlockDoesNotFit, *bad};
+  if (bad) return {GPSRecordOutcome::kBlockDoesNotFit, *bad};
   return {};
 }
 

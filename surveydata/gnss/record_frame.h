@@ -11,6 +11,7 @@
 #include <surveydata/gnss/frame_fields.h>
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/gnss/gps_record_file_info.h>
+#include <surveydata/gnss/gps_record_outcome.h>
 
 /// \file
 /// Internal: what can be done with the binary frame of a GNSS measurement. Its blocks are described
@@ -59,25 +60,15 @@ std::uint16_t Checksum(const std::uint8_t* frame, std::size_t length);
 /// Whether the checksum at `length` is right.
 bool HasRightChecksum(const std::uint8_t* frame, std::size_t length);
 
-/// What decoding a frame found.
-struct Decoded {
-  enum class Outcome : std::uint8_t {
-    kDone,
-    kNoMeasurement,  ///< No header of a measurement frame.
-    kCut,            ///< The bytes end before the frame does.
-    kWrongChecksum,
-    kBlockDoesNotFit,
-  };
-
-  Outcome outcome = Outcome::kDone;
-  Block block = Block::kChecksum;  ///< The block that does not fit.
-
-  bool IsDone() const { return outcome == Outcome::kDone; }
-};
+/// The outcome of decoding a frame.
+using Decoded = GPSDecodeResult;
 
 /// Reads a whole frame, header and checksum included, that lies in memory. Only a block that does
 /// not fit leaves anything changed: the blocks before it are stored.
 Decoded Decode(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info);
+
+/// The same for a whole measurement frame whose header and checksum are known to be right.
+Decoded DecodeChecked(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileInfo& info);
 
 /// What a frame cannot hold, and why.
 struct Refusal {

@@ -5,6 +5,7 @@
 /// The marks of what leaves the library.
 ///
 /// `SURVEYDATA_API` marks a class or function that the library exports.
+/// `SURVEYDATA_HIDDEN` marks what of such a class stays inside.
 /// `SURVEYDATA_VISIBLE` marks a class template whose type identity must be the same on both sides
 /// of the library's boundary, although its code is compiled wherever it is used.
 
@@ -17,9 +18,11 @@
 #define SURVEYDATA_API __declspec(dllimport)
 #endif
 #define SURVEYDATA_VISIBLE
+#define SURVEYDATA_HIDDEN
 #else
 #define SURVEYDATA_API __attribute__((visibility("default")))
 #define SURVEYDATA_VISIBLE __attribute__((visibility("default")))
+#define SURVEYDATA_HIDDEN __attribute__((visibility("hidden")))
 #endif
 
 #endif  // SURVEYDATA_OBJECT_MODEL_EXPORT_H_

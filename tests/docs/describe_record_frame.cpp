@@ -84,7 +84,7 @@ void PrintBlock(const std::string& bit, Frame::Block block, std::size_t at,
   Content().Walk(most);
   for (std::size_t i = 0; i < most.Fields().size(); ++i) {
     if (i == 0) {
-      std::printf("| %s| %s |", bit.c_str(), Frame::NameOf(block));
+      std::printf("| %s| %s |", bit.c_str(), TextOf(block));
     } else {
       std::printf("| | |");
     }

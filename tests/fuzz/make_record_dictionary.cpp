@@ -32,7 +32,7 @@ void PrintBlocks(const char* word) {
   unsigned all = 0;
   Blocks::WhileTrue([&](auto row) {
     char comment[80];
-    std::snprintf(comment, sizeof(comment), "%s: %s", word, NameOf(row.kBlock));
+    std::snprintf(comment, sizeof(comment), "%s: %s", word, TextOf(row.kBlock));
     PrintWord(comment, row.kBit);
     all |= row.kBit;
     return true;

@@ -1,22 +1,30 @@
-// The walk over a record file of any bytes finds the records and gaps that a search from byte to
-// byte finds.
+// The walk over any bytes finds the records, gaps and damaged headers that a search from byte to
+// byte finds: that of the index and that of the reader, in memory and through a file, in one go and
+// in stretches.
 
 #include <algorithm>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_reader.h>
 
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/memory_file.h"
 #include "tests/fuzz/sealed_frames.h"
+#include "tests/gnss/reader_walks.h"
 #include "tests/gnss/record_model.h"
 
 namespace {
 
+using ReaderWalks::Listed;
+using TestSupport::ByteVector;
+
 // Gives every other header (`rhythm` tells which) its right checksum.
-void SealSome(TestSupport::ByteVector& bytes, unsigned rhythm) {
+void SealSome(ByteVector& bytes, unsigned rhythm) {
   unsigned number = 0;
   for (std::size_t at = 0; at + 2 <= bytes.size(); ++at) {
     if (bytes[at] != 0x9C || bytes[at + 1] != 0xAE) continue;
@@ -24,37 +32,21 @@ void SealSome(TestSupport::ByteVector& bytes, unsigned rhythm) {
   }
 }
 
-// What is found behind `before` bytes in which no record begins.
-std::vector<SDI::GPSRecordEntry> WalkBehind(std::size_t before,
-                                            const TestSupport::ByteVector& bytes) {
-  auto entries = RecordModel::Walk(bytes);
-  for (SDI::GPSRecordEntry& entry : entries) entry.offset += before;
-  if (before == 0) return entries;
-  if (entries.empty() || !entries.front().isGap) {
-    entries.insert(entries.begin(), {before, 0, true, 0});
+// What is found after `before` bytes in which no record begins.
+Listed ListAfter(std::size_t before, const ByteVector& bytes) {
+  Listed listed{RecordModel::Walk(bytes), RecordModel::Damaged(bytes)};
+  for (SDI::GPSRecordEntry& entry : listed.entries) entry.offset += before;
+  for (SDI::GPSDamagedHeader& header : listed.damaged) header.offset += before;
+  if (before == 0) return listed;
+  if (listed.entries.empty() || !listed.entries.front().isGap) {
+    listed.entries.insert(listed.entries.begin(), {before, 0, true, 0});
   }
-  entries.front().offset = 0;
-  entries.front().size += before;
-  return entries;
+  listed.entries.front().offset = 0;
+  listed.entries.front().size += before;
+  return listed;
 }
 
-}  // namespace
-
-// 1 byte of choices: which records are sealed, and whether 2 bytes follow that tell how far behind
-// the beginning of a long file the bytes stand, around the end of what the walk looks at in one go.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Fuzz::MemoryFileC memory;
-  Fuzz::InputC in({data, size});
-  const unsigned choices = in.U8();
-  const bool isLong = (choices & 0xF0) == 0xF0;
-  const std::size_t before = isLong ? 192 * 1024 + in.U16() : 0;
-  auto bytes = in.Rest();
-  SealSome(bytes, choices & 0xF);
-  const auto expected = WalkBehind(before, bytes);
-  bytes.insert(bytes.begin(), before, 0x55);
-  memory.Write(bytes.data(), bytes.size());
-
-  SDI::GPSRecordIndexC index(memory.Path().c_str());
+void ExpectIndex(SDI::GPSRecordIndexC& index, const ByteVector& bytes, const Listed& expected) {
   EXPECT_TRUE(index.IsOpen());
   EXPECT_EQ(index.GetFileSize(), bytes.size());
   std::vector<SDI::GPSRecordEntry> entries;
@@ -65,6 +57,59 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                            bytes.begin() + static_cast<std::ptrdiff_t>(entry.offset)));
   }
   EXPECT_FALSE(index.HasFailed());
-  EXPECT_EQ(entries, expected);
+  EXPECT_EQ(entries, expected.entries);
+}
+
+void ExpectReader(SDI::GPSRecordReaderC& reader, const ByteVector& bytes, const Listed& expected) {
+  EXPECT_EQ(reader.GetSize(), bytes.size());
+  EXPECT_EQ(ReaderWalks::List(reader), expected);
+  EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
+}
+
+// Two stretches and a record in the later one.
+template <class Source>
+void ExpectStretches(const Source& source, std::size_t size, std::size_t cut,
+                     const Listed& expected) {
+  Listed joined;
+  SDI::GPSRecordReaderC first(source, {0, cut});
+  ReaderWalks::Join(joined, ReaderWalks::List(first));
+  SDI::GPSRecordReaderC second(source, {cut, size});
+  ReaderWalks::Join(joined, ReaderWalks::List(second));
+  EXPECT_EQ(joined, expected);
+}
+
+}  // namespace
+
+// 1 byte of choices: which records are sealed, whether the bytes are read through a file too, and
+// whether 2 bytes follow that tell how far after the start of a long file the bytes lie: around the
+// end of what the walk looks at in one go, and further from the start than a stretch looks back.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Fuzz::MemoryFileC file;
+  Fuzz::InputC in({data, size});
+  const unsigned choices = in.U8();
+  const bool isLong = (choices & 0xF0) == 0xF0;
+  const bool isThroughFile = (choices & 0xE0) == 0xE0;
+  const std::size_t before = isLong ? 192 * 1024 + in.U16() : 0;
+  const std::size_t cut = (choices & 0x10) != 0 ? in.U16() : 0;
+  ByteVector bytes = in.Rest();
+  SealSome(bytes, choices & 0xF);
+  const Listed expected = ListAfter(before, bytes);
+  bytes.insert(bytes.begin(), before, 0x55);
+
+  const std::span<const std::uint8_t> memory(bytes);
+  SDI::GPSRecordIndexC index(memory);
+  ExpectIndex(index, bytes, expected);
+  SDI::GPSRecordReaderC reader(memory);
+  ExpectReader(reader, bytes, expected);
+  const std::size_t border = before + std::min(cut, bytes.size() - before);
+  ExpectStretches(memory, bytes.size(), border, expected);
+  if (!isThroughFile) return 0;
+
+  file.Write(bytes.data(), bytes.size());
+  SDI::GPSRecordIndexC fileIndex(file.Path().c_str());
+  ExpectIndex(fileIndex, bytes, expected);
+  SDI::GPSRecordReaderC fileReader(file.Path().c_str());
+  ExpectReader(fileReader, bytes, expected);
+  ExpectStretches(file.Path().c_str(), bytes.size(), border, expected);
   return 0;
 }

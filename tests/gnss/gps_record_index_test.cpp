@@ -10,6 +10,7 @@
 #include <surveydata/gnss/gps_record_index.h>
 
 #include "tests/gnss/record_model.h"
+#include "tests/gnss/record_pieces.h"
 #include "tests/support/frame_builder.h"
 #include "tests/support/temp_file.h"
 
@@ -21,13 +22,12 @@ using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FrameBuilderC;
 using TestSupport::FrameOf;
+using TestSupport::Piece;
 using TestSupport::TempFileC;
 using TestSupport::TempFolderC;
 
-// The entries of a file that holds `bytes`; every record's bytes are what the file holds there.
-std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& bytes) {
-  file.Write(bytes);
-  GPSRecordIndexC index(file.Path().string().c_str());
+// The entries that `index` finds in `bytes`; every record's bytes are those at its offset.
+std::vector<GPSRecordEntry> Walk(GPSRecordIndexC& index, const ByteVector& bytes) {
   EXPECT_TRUE(index.IsOpen());
   EXPECT_EQ(index.GetFileSize(), bytes.size());
   EXPECT_TRUE(index.GetBytes().empty());
@@ -37,7 +37,7 @@ std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& by
     EXPECT_EQ(index.GetBytes().size(), entry.isGap ? 0 : entry.size);
     if (!std::equal(index.GetBytes().begin(), index.GetBytes().end(),
                     bytes.begin() + static_cast<std::ptrdiff_t>(entry.offset))) {
-      ADD_FAILURE() << "other bytes than the file at " << entry.offset;
+      ADD_FAILURE() << "other bytes than those at " << entry.offset;
     }
   }
   EXPECT_FALSE(index.HasFailed());
@@ -45,6 +45,16 @@ std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& by
   GPSRecordEntry untouched{1, 2, true, 3};
   EXPECT_FALSE(index.Next(untouched));  // the end stays the end
   EXPECT_EQ(untouched, (GPSRecordEntry{1, 2, true, 3}));
+  return entries;
+}
+
+// The entries of a file that holds `bytes`, which are those of the bytes in memory.
+std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& bytes) {
+  file.Write(bytes);
+  GPSRecordIndexC index(file.Path().string().c_str());
+  const auto entries = Walk(index, bytes);
+  GPSRecordIndexC inMemory(bytes);
+  EXPECT_EQ(Walk(inMemory, bytes), entries);
   return entries;
 }
 
@@ -57,58 +67,6 @@ void ExpectAsTheModel(const TempFileC& file, const ByteVector& bytes) {
     covered += entry.size;
   }
   ASSERT_EQ(covered, bytes.size());
-}
-
-// Something that may stand in a record file, harmless or mean.
-ByteVector Piece(std::mt19937_64& random, std::size_t longest) {
-  const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
-  const auto type = [&] { return below(2) != 0 ? 113U : static_cast<unsigned>(below(256)); };
-  const auto frame = [&](std::size_t payload) {
-    return FrameBuilderC().Noise(payload, random).Frame(type());
-  };
-  switch (below(10)) {
-    case 0:  // noise
-      return FrameBuilderC().Noise(below(40), random).Payload();
-    case 1: {  // a record with a wrong checksum
-      ByteVector bytes = frame(below(60));
-      bytes[2 + below(bytes.size() - 2)] ^= static_cast<std::uint8_t>(1 + below(255));
-      return bytes;
-    }
-    case 2: {  // a record cut short
-      ByteVector bytes = frame(below(60));
-      bytes.resize(below(bytes.size()));
-      return bytes;
-    }
-    case 3: {  // a record with records in its body
-      FrameBuilderC b;
-      b.Noise(below(10), random);
-      for (std::size_t i = below(3); i > 0; --i) {
-        for (const std::uint8_t byte : frame(below(30))) b.U8(byte);
-      }
-      return b.Frame(type());
-    }
-    case 4: {  // the same, with a wrong checksum: what is inside stands
-      FrameBuilderC b;
-      for (const std::uint8_t byte : frame(below(30))) b.U8(byte);
-      ByteVector bytes = b.Frame(type());
-      bytes.back() ^= 1;
-      return bytes;
-    }
-    case 5: {  // magics
-      ByteVector bytes;
-      for (std::size_t i = below(10); i > 0; --i) Append(bytes, {0x9C, 0xAE});
-      return bytes;
-    }
-    case 6: {  // a header alone, of any length
-      ByteVector bytes{0x9C, 0xAE};
-      Append(bytes, FrameBuilderC().Noise(3, random).Payload());
-      return bytes;
-    }
-    case 7:
-      return frame(below(longest));
-    default:
-      return frame(below(100));
-  }
 }
 
 TEST(RecordIndex, RandomFilesAsTheModelDoes) {
@@ -288,10 +246,21 @@ TEST(RecordIndex, AMissingFileHasNoEntries) {
     EXPECT_FALSE(index.Next(entry));
     EXPECT_TRUE(index.GetBytes().empty());
   }
-  GPSRecordIndexC nameless(nullptr);
+  GPSRecordIndexC nameless(static_cast<const char*>(nullptr));
   GPSRecordEntry entry;
   EXPECT_FALSE(nameless.IsOpen());
   EXPECT_FALSE(nameless.Next(entry));
+}
+
+TEST(RecordIndex, BytesInMemoryAreNotCopied) {
+  const ByteVector bytes = FrameOf(20);
+  GPSRecordIndexC index(bytes);
+  GPSRecordEntry entry;
+  ASSERT_TRUE(index.Next(entry));
+  EXPECT_EQ(index.GetBytes().data(), bytes.data());
+  GPSRecordIndexC none(std::span<const std::uint8_t>{});
+  EXPECT_TRUE(none.IsOpen());
+  EXPECT_FALSE(none.Next(entry));
 }
 
 TEST(RecordIndex, ReportsThatReadingFailed) {

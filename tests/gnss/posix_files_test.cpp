@@ -1,5 +1,6 @@
 // Record files of kinds, and with names, that there are on POSIX systems.
 
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -9,11 +10,15 @@
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_reader.h>
+#include <surveydata/gnss/gps_record_writer.h>
 
 #include "tests/gnss/expect_no_file.h"
 #include "tests/gnss/record_model.h"
@@ -97,6 +102,117 @@ TEST(RecordIndex, WalksAPipe) {
   writer.join();
   EXPECT_EQ(entries, RecordModel::Walk(bytes));
   EXPECT_FALSE(index.HasFailed());
+}
+
+// A pipe with a name, into which a thread writes `bytes`.
+class NamedPipeC {
+ public:
+  explicit NamedPipeC(ByteVector bytes) : path_(folder_.Path() / "pipe.rec") {
+    std::signal(SIGPIPE, SIG_IGN);  // a reader may stop before the end
+    if (mkfifo(path_.c_str(), 0600) != 0) throw std::runtime_error("no pipe");
+    writer_ = std::thread([this, bytes = std::move(bytes)] {
+      std::ofstream(path_, std::ios::binary)
+          .write(reinterpret_cast<const char*>(bytes.data()),
+                 static_cast<std::streamsize>(bytes.size()));
+    });
+  }
+  NamedPipeC(const NamedPipeC&) = delete;
+  NamedPipeC& operator=(const NamedPipeC&) = delete;
+  ~NamedPipeC() { writer_.join(); }
+
+  const char* Name() const { return path_.c_str(); }
+
+ private:
+  TempFolderC folder_;
+  fs::path path_;
+  std::thread writer_;
+};
+
+TEST(RecordReader, ReadsAPipeAndFindsItsDamage) {
+  ByteVector wrong = FrameOf(100, 1);
+  wrong.back() ^= 1;
+  ByteVector bytes(300'000, 0x9C);
+  Append(bytes, wrong);
+  Append(bytes, FrameOf(20));
+  Append(bytes, wrong);
+  bytes.pop_back();
+  const NamedPipeC pipe(bytes);
+  SDI::GPSRecordReaderC reader(pipe.Name());
+  EXPECT_EQ(reader.GetSize(), 0U);
+  std::vector<SDI::GPSDamagedHeader> damaged;
+  reader.SetReportDamaged([&](const auto& header) { damaged.push_back(header); });
+  std::vector<GPSRecordEntry> entries;
+  for (GPSRecordEntry entry; reader.NextEntry(entry);) entries.push_back(entry);
+  EXPECT_EQ(entries, RecordModel::Walk(bytes));
+  EXPECT_EQ(damaged, RecordModel::Damaged(bytes));
+  EXPECT_EQ(damaged.size(), 2U);
+  EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
+}
+
+TEST(RecordReader, APipeHasNoStretches) {
+  for (const SDI::GPSRecordStretch& stretch :
+       {SDI::GPSRecordStretch{0, 10}, SDI::GPSRecordStretch{.begin = 1}}) {
+    const NamedPipeC pipe(FrameOf(20));
+    SDI::GPSRecordReaderC reader(pipe.Name(), stretch);
+    EXPECT_FALSE(reader.Next());
+    EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kNoStretches);
+    GPSRecordEntry entry;
+    EXPECT_FALSE(reader.NextEntry(entry));
+  }
+}
+
+TEST(RecordReader, AFileThatMustNotBeRead) {
+  const TempFileC file(FrameOf(20));
+  fs::permissions(file.Path().parent_path(), fs::perms::all);
+  fs::permissions(file.Path(), fs::perms::none);
+  const uid_t user = geteuid();
+  ASSERT_EQ(seteuid(user != 0 ? user : 65534), 0);  // nothing is forbidden to the superuser
+  const SDI::GPSRecordReaderC reader(file.Path().c_str());
+  ASSERT_EQ(seteuid(user), 0);
+  EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kNoPermission);
+}
+
+TEST(RecordReader, AFileWithoutASizeIsRead) {
+  // Its size is said to be 0.
+  SDI::GPSRecordReaderC reader("/proc/self/maps");
+  EXPECT_EQ(reader.GetSize(), 0U);
+  GPSRecordEntry entry;
+  ASSERT_TRUE(reader.NextEntry(entry));
+  EXPECT_TRUE(entry.isGap);
+  EXPECT_GT(entry.size, 100U);
+  EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
+}
+
+TEST(RecordWriter, AFileThatMustNotBeWritten) {
+  const TempFileC file(FrameOf(20));
+  fs::permissions(file.Path().parent_path(), fs::perms::all);
+  fs::permissions(file.Path(), fs::perms::owner_read);
+  const uid_t user = geteuid();
+  ASSERT_EQ(seteuid(user != 0 ? user : 65534), 0);
+  const auto outcome = SDI::GPSRecordWriterC::Append(file.Path().c_str(), FrameOf(20));
+  ASSERT_EQ(seteuid(user), 0);
+  EXPECT_EQ(outcome, SDI::GPSAppendOutcome::kNoPermission);
+  EXPECT_EQ(file.Bytes(), FrameOf(20));
+}
+
+TEST(RecordWriter, APipeIsNoFileToAppendTo) {
+  const TempFolderC folder;
+  const fs::path pipe = folder.Path() / "pipe.rec";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const int reader =
+      open(pipe.c_str(), O_RDONLY | O_NONBLOCK);  // or opening it to write would wait
+  ASSERT_GE(reader, 0);
+  EXPECT_EQ(SDI::GPSRecordWriterC::Append(pipe.c_str(), FrameOf(20)),
+            SDI::GPSAppendOutcome::kCannotOpen);
+  std::uint8_t byte = 0;
+  EXPECT_EQ(read(reader, &byte, 1), 0);  // nothing was written
+  close(reader);
+}
+
+// The device answers every write as a full disk does.
+TEST(RecordWriter, AFullDevice) {
+  EXPECT_EQ(SDI::GPSRecordWriterC::Append("/dev/full", FrameOf(20)),
+            SDI::GPSAppendOutcome::kLeftOver);  // a device cannot be cut back
 }
 
 // The first sequence of the last bytes would need the byte behind the array, which is the first of

@@ -342,7 +342,7 @@ TEST(RecordEncode, WhatAFrameNeverGivesIsRefused) {
     SCOPED_TRACE(testing::Message() << text << ' ' << &text - &cases[0].text);
     const auto [bytes, refusal] = EncodedOf(record.measurement, record.info);
     EXPECT_EQ(refusal.field, field);
-    EXPECT_STREQ(NameOf(refusal.field), text);
+    EXPECT_STREQ(TextOf(refusal.field), text);
     EXPECT_EQ(bytes.empty(), field != RecordField::kNone);
     EXPECT_EQ(refusal.reason,
               field == RecordField::kNone ? Refusal::Reason::kNone : Refusal::Reason::kNoPlace);
@@ -409,7 +409,7 @@ TEST(RecordEncode, TheFieldThatIsTooLongIsNamed) {
     const auto [bytes, refusal] = EncodedOf(tooLong, {});
     EXPECT_TRUE(bytes.empty());
     EXPECT_EQ(refusal, (Refusal{field, Refusal::Reason::kTooLong}));
-    EXPECT_STREQ(NameOf(refusal.field), name);
+    EXPECT_STREQ(TextOf(refusal.field), name);
   }
 }
 

@@ -10,6 +10,8 @@
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_reader.h>
+#include <surveydata/gnss/gps_record_writer.h>
 
 #include "tests/gnss/record_model.h"
 #include "tests/gnss/stored_fields.h"
@@ -193,7 +195,7 @@ TEST_F(RecordFaults, EveryCallOfAWalkFails) {
   ASSERT_EQ(whole.entries, RecordModel::Walk(before_));
   const std::vector<std::string> calls = Faults::FileCalls();
   ASSERT_EQ(calls,
-            (std::vector<std::string>{"fopen", "fseeko", "ftello", "fseek", "fread", "fclose"}));
+            (std::vector<std::string>{"fopen", "fseeko", "ftello", "fseeko", "fread", "fclose"}));
   for (std::size_t call = 0; call < calls.size(); ++call) {
     SCOPED_TRACE(calls[call]);
     Faults::FailFileCall(call);
@@ -202,9 +204,11 @@ TEST_F(RecordFaults, EveryCallOfAWalkFails) {
     Faults::FailNoFileCall();
     EXPECT_EQ(Faults::OpenFiles(), openFiles_);
     EXPECT_EQ(walked.isOpen, calls[call] != "fopen");
-    EXPECT_EQ(walked.hasFailed, calls[call] == "fseek" || calls[call] == "fread");
+    // To the end, and back.
+    const bool isSeekBack = call == 3;
+    EXPECT_EQ(walked.hasFailed, isSeekBack || calls[call] == "fread");
     // Without its size the file is walked all the same.
-    const bool isUnmeasured = calls[call] == "fseeko" || calls[call] == "ftello";
+    const bool isUnmeasured = !isSeekBack && (calls[call] == "fseeko" || calls[call] == "ftello");
     EXPECT_EQ(walked.fileSize, walked.isOpen && !isUnmeasured ? before_.size() : 0U);
     const bool isWalked = isUnmeasured || calls[call] == "fclose";
     EXPECT_EQ(walked.entries, isWalked ? whole.entries : std::vector<SDI::GPSRecordEntry>());
@@ -224,7 +228,7 @@ TEST_F(RecordFaults, AWalkWhoseReadingFailsHalfwayListsWhatItRead) {
 
 TEST_F(RecordFaults, EveryReadOfALongWalkFails) {
   ByteVector bytes;
-  while (bytes.size() < 700'000) TestSupport::Append(bytes, before_);
+  while (bytes.size() < 1'000'000) TestSupport::Append(bytes, before_);
   file_.Write(bytes);
   Faults::FailNoFileCall();
   ASSERT_EQ(Walk(file_).entries, RecordModel::Walk(bytes));
@@ -252,7 +256,159 @@ TEST_F(RecordFaults, EveryReadOfALongWalkFails) {
 TEST_F(RecordFaults, AWalkWithoutMemoryLeavesNoFileOpen) {
   EXPECT_EQ(Faults::FailuresBeforeSuccess([&] { SDI::GPSRecordIndexC(file_.Path().c_str()); },
                                           [&] { EXPECT_EQ(Faults::OpenFiles(), openFiles_); }),
-            1U);
+            3U);
+}
+
+struct Read {
+  SDI::GPSReaderState state = SDI::GPSReaderState::kOpen;
+  std::uint64_t size = 0;
+  std::vector<SDI::GPSRecordEntry> entries;
+};
+
+Read ReadEntries(const TestSupport::TempFileC& file, SDI::GPSRecordStretch stretch = {}) {
+  SDI::GPSRecordReaderC reader(file.Path().c_str(), stretch);
+  Read read;
+  read.size = reader.GetSize();
+  for (SDI::GPSRecordEntry entry; reader.NextEntry(entry);) read.entries.push_back(entry);
+  read.state = reader.GetState();
+  return read;
+}
+
+TEST_F(RecordFaults, EveryCallOfAReaderFails) {
+  using enum SDI::GPSReaderState;
+  Faults::FailNoFileCall();
+  const Read whole = ReadEntries(file_);
+  ASSERT_EQ(whole.entries, RecordModel::Walk(before_));
+  ASSERT_EQ(whole.state, kOpen);
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_EQ(calls,
+            (std::vector<std::string>{"fopen", "fseeko", "ftello", "fseeko", "fread", "fclose"}));
+  const SDI::GPSReaderState states[] = {kCannotOpen,    kOpen,          kOpen,
+                                        kReadingFailed, kReadingFailed, kOpen};
+  for (std::size_t call = 0; call < calls.size(); ++call) {
+    SCOPED_TRACE(calls[call]);
+    Faults::FailFileCall(call);
+    const Read read = ReadEntries(file_);
+    EXPECT_GT(Faults::FileCalls().size(), call);
+    Faults::FailNoFileCall();
+    EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+    EXPECT_EQ(read.state, states[call]);
+    // Without its size the file is read all the same.
+    EXPECT_EQ(read.size, call == 0 || call == 1 || call == 2 ? 0U : before_.size());
+    EXPECT_EQ(read.entries,
+              read.state == kOpen ? whole.entries : std::vector<SDI::GPSRecordEntry>());
+  }
+}
+
+TEST_F(RecordFaults, EveryReadOfAStretchFails) {
+  ByteVector bytes;
+  while (bytes.size() < 1'500'000) TestSupport::Append(bytes, before_);
+  file_.Write(bytes);
+  const SDI::GPSRecordStretch stretch{400'000, 1'200'000};
+  Faults::FailNoFileCall();
+  const Read whole = ReadEntries(file_, stretch);
+  ASSERT_EQ(whole.state, SDI::GPSReaderState::kOpen);
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_GE(std::count(calls.begin(), calls.end(), "fread"), 3);
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 3; call + 1 < calls.size(); ++call) {
+      SCOPED_TRACE(testing::Message() << "call " << call << ", " << calls[call]);
+      Faults::FailFileCall(call, extent);
+      const Read read = ReadEntries(file_, stretch);
+      Faults::FailNoFileCall();
+      EXPECT_EQ(read.state, SDI::GPSReaderState::kReadingFailed);
+      // The records that were read are those of the stretch, up to where reading failed.
+      std::size_t same = 0;
+      for (const auto& entry : read.entries) {
+        if (entry.isGap) continue;  // what is left of a record
+        EXPECT_EQ(entry, whole.entries.at(same++));
+      }
+      EXPECT_LE(same, whole.entries.size());
+    }
+  }
+}
+
+TEST_F(RecordFaults, AReaderWithoutMemoryLeavesNoFileOpen) {
+  const auto afterFailure = [&] { EXPECT_EQ(Faults::OpenFiles(), openFiles_); };
+  EXPECT_GT(Faults::FailuresBeforeSuccess([&] { SDI::GPSRecordReaderC(file_.Path().c_str()); },
+                                          afterFailure),
+            3U);
+  EXPECT_GT(Faults::FailuresBeforeSuccess([&] { SDI::GPSRecordReaderC{std::span(before_)}; },
+                                          afterFailure),
+            2U);
+}
+
+TEST_F(RecordFaults, ReadingRecordsTakesNoMemory) {
+  ByteVector bytes;
+  while (bytes.size() < 700'000) {
+    TestSupport::Append(bytes, TestSupport::WellFormedFrame(0x33FF, 0x3FFF, random_));
+    TestSupport::Append(bytes, {0x9C, 0xAE, 0xFF, 0xFF, 113});  // makes sums necessary
+  }
+  file_.Write(bytes);
+  for (const SDI::GPSRecordStretch& stretch :
+       {SDI::GPSRecordStretch{}, SDI::GPSRecordStretch{300'000, 650'000}}) {
+    SDI::GPSRecordReaderC reader(file_.Path().c_str(), stretch);
+    std::size_t damaged = 0;
+    reader.SetReportDamaged([&damaged](const SDI::GPSDamagedHeader&) { ++damaged; });
+    const std::size_t taken = Faults::Allocations();
+    std::size_t count = 0;
+    while (reader.Next()) ++count;
+    EXPECT_EQ(Faults::Allocations(), taken);
+    EXPECT_GT(count, 600U);
+  }
+  GPSMeasDataImplC measurement;
+  GPSRecordFileInfo info;
+  const std::size_t taken = Faults::Allocations();
+  EXPECT_TRUE(SDI::GPSRecordReaderC::Decode(before_, measurement, info).IsDone());
+  EXPECT_EQ(Faults::Allocations(), taken);
+}
+
+TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
+  using enum SDI::GPSAppendOutcome;
+  const ByteVector records = TestSupport::FrameOf(200, 1);
+  ByteVector after = before_;
+  TestSupport::Append(after, records);
+  const auto append = [&] { return SDI::GPSRecordWriterC::Append(file_.Path().c_str(), records); };
+  Faults::FailNoFileCall();
+  ASSERT_EQ(append(), kDone);
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_EQ(calls, (std::vector<std::string>{"fopen", "fseeko", "ftello", "fwrite", "fclose"}));
+  ASSERT_EQ(file_.Bytes(), after);
+  const SDI::GPSAppendOutcome outcomes[] = {kCannotOpen, kCannotOpen, kCannotOpen, kWritingFailed,
+                                            kLeftOver};
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 0; call < calls.size(); ++call) {
+      SCOPED_TRACE(testing::Message() << "call " << call << ", " << calls[call]
+                                      << (extent == Extent::kHalf ? ", half done" : ""));
+      file_.Write(before_);
+      Faults::FailFileCall(call, extent);
+      EXPECT_EQ(append(), outcomes[call]);
+      EXPECT_GT(Faults::FileCalls().size(), call);
+      Faults::FailNoFileCall();
+      EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+      EXPECT_EQ(Descriptors(), descriptors_);
+      // As it was, whatever failed; all was written before the close.
+      EXPECT_EQ(file_.Bytes(), calls[call] == "fclose" ? after : before_);
+      file_.Write(before_);
+      EXPECT_EQ(append(), kDone);  // the next one works
+      EXPECT_EQ(file_.Bytes(), after);
+    }
+  }
+}
+
+// The one case in which something stays: what was in the file before is untouched even then.
+TEST_F(RecordFaults, AnAppendThatCannotBeCutBackSaysSo) {
+  const ByteVector records = TestSupport::FrameOf(200, 1);
+  Faults::FailFileCall(3, Extent::kHalf, 4);
+  EXPECT_EQ(SDI::GPSRecordWriterC::Append(file_.Path().c_str(), records),
+            SDI::GPSAppendOutcome::kLeftOver);
+  EXPECT_EQ(Faults::FileCalls(), (std::vector<std::string>{"fopen", "fseeko", "ftello", "fwrite",
+                                                           "ftruncate", "fclose"}));
+  Faults::FailNoFileCall();
+  EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+  ByteVector expected = before_;
+  expected.insert(expected.end(), records.begin(), records.begin() + 103);
+  EXPECT_EQ(file_.Bytes(), expected);
 }
 
 }  // namespace

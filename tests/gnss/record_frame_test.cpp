@@ -447,7 +447,7 @@ TEST_F(Decoding, FloatsKeepTheirBitsAndAreWidened) {
 }
 
 TEST_F(Decoding, TellsWhatItFound) {
-  using Outcome = Decoded::Outcome;
+  using Outcome = SDI::GPSRecordOutcome;
   const ByteVector frame = FrameBuilderC().Times().U16(0x0100).U8(1).U8(2).Frame();
   const auto outcome = [](const ByteVector& bytes) {
     GPSMeasDataImplC measurement;
@@ -514,7 +514,7 @@ TEST_F(Decoding, NamesTheBlockThatDoesNotFit) {
     GPSMeasDataImplC measurement;
     GPSRecordFileInfo info;
     EXPECT_EQ(Decode(frame, measurement, info).block, block);
-    EXPECT_STREQ(NameOf(block), name);
+    EXPECT_STREQ(TextOf(block), name);
   }
 }
 

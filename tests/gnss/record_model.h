@@ -13,6 +13,7 @@
 
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_outcome.h>
 
 #include "tests/gnss/stored_fields.h"
 #include "tests/support/frame_builder.h"
@@ -404,6 +405,24 @@ inline std::vector<SDI::GPSRecordEntry> Walk(const ByteVector& file) {
   }
   endGap(at);
   return entries;
+}
+
+/// The headers of measurement frames in the gaps of `file`.
+inline std::vector<SDI::GPSDamagedHeader> Damaged(const ByteVector& file) {
+  std::vector<SDI::GPSDamagedHeader> headers;
+  for (const SDI::GPSRecordEntry& gap : Walk(file)) {
+    if (!gap.isGap) continue;
+    const std::uint64_t gapEnd = gap.offset + gap.size;
+    for (std::size_t at = gap.offset; at + 5 <= gapEnd; ++at) {
+      if (!HasMeasurementHeader(file, at) || U16(file, at + 2) < 17) continue;
+      const std::size_t size = U16(file, at + 2) + 2;
+      const auto damage = at + size > file.size() ? SDI::GPSRecordDamage::kCutByTheEnd
+                          : at + size > gapEnd    ? SDI::GPSRecordDamage::kRunsIntoNextRecord
+                                                  : SDI::GPSRecordDamage::kWrongChecksum;
+      headers.push_back({at, size, damage});
+    }
+  }
+  return headers;
 }
 
 }  // namespace RecordModel

@@ -91,7 +91,7 @@ inline void ExpectRoundTrip(const ByteVector& frame) {
   SDI::GPSRecordFileInfo info;
   ASSERT_TRUE(SDI::RecordFrame::Decode(frame, measurement, info).IsDone());
   const auto [bytes, refusal] = EncodedOf(measurement, info);
-  ASSERT_EQ(refusal, SDI::RecordFrame::Refusal()) << SDI::RecordFrame::NameOf(refusal.field);
+  ASSERT_EQ(refusal, SDI::RecordFrame::Refusal()) << SDI::TextOf(refusal.field);
   EXPECT_LE(bytes.size(), frame.size());
   ExpectReadsBack(bytes, measurement, info);
 }

@@ -92,9 +92,10 @@ class BalanceC {
 enum class Extent { kNothing, kHalf };
 
 /// Makes the file call with this number, counted from 0 from now on, fail, and no other: `fopen`,
-/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `fclose`. A close that fails closes all the
-/// same.
-void FailFileCall(std::size_t number, Extent extent = Extent::kNothing);
+/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `ftruncate`, `fclose`. A close that fails closes
+/// all the same. `another` is the number of a second call that fails.
+void FailFileCall(std::size_t number, Extent extent = Extent::kNothing,
+                  std::size_t another = kNever);
 /// All succeed.
 void FailNoFileCall();
 

@@ -13,6 +13,7 @@ namespace {
 std::array<const char*, 1000> g_calls;
 std::size_t g_callCount = 0;
 std::size_t g_failing = kNever;
+std::size_t g_failingToo = kNever;
 Extent g_extent = Extent::kNothing;
 int g_openFiles = 0;
 const std::FILE* g_failed = nullptr;  // the last file whose reading or writing failed
@@ -20,13 +21,15 @@ const std::FILE* g_failed = nullptr;  // the last file whose reading or writing 
 // Whether this call is the one to fail.
 bool IsToFail(const char* name) {
   if (g_callCount < g_calls.size()) g_calls[g_callCount] = name;
-  return g_callCount++ == g_failing;
+  const std::size_t call = g_callCount++;
+  return call == g_failing || call == g_failingToo;
 }
 
 }  // namespace
 
-void FailFileCall(std::size_t number, Extent extent) {
+void FailFileCall(std::size_t number, Extent extent, std::size_t another) {
   g_failing = number;
+  g_failingToo = another;
   g_extent = extent;
   g_failed = nullptr;
   g_callCount = 0;
@@ -56,6 +59,7 @@ int __real_fseeko(std::FILE* file, off_t offset, int whence) SURVEYDATA_NAMED("_
 off_t __real_ftello(std::FILE* file) SURVEYDATA_NAMED("__real_ftello");
 std::size_t __real_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __real_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
+int __real_ftruncate(int file, off_t size);
 int __real_fclose(std::FILE* file);
 int __real_ferror(std::FILE* file);
 
@@ -67,6 +71,7 @@ std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FIL
 std::size_t __wrap___fread_chk(void* to, std::size_t room, std::size_t size, std::size_t count,
                                std::FILE* file);
 std::size_t __wrap_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
+int __wrap_ftruncate(int file, off_t size);
 int __wrap_fclose(std::FILE* file);
 int __wrap_ferror(std::FILE* file);
 
@@ -120,6 +125,12 @@ std::size_t __wrap_fwrite(const void* from, std::size_t size, std::size_t count,
   const std::size_t done = isHalf ? __real_fwrite(from, size, count / 2, file) : 0;
   errno = ENOSPC;
   return done;
+}
+
+int __wrap_ftruncate(int file, off_t size) {
+  if (!Faults::IsToFail("ftruncate")) return __real_ftruncate(file, size);
+  errno = EIO;
+  return -1;
 }
 
 int __wrap_fclose(std::FILE* file) {

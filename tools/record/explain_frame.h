@@ -21,7 +21,7 @@ struct FrameField {
   std::optional<SDI::RecordFrame::Field> field;  ///< Empty for bytes of a block that does not fit.
   std::string value;                             ///< For people.
 
-  std::string_view BlockName() const { return NameOf(block); }
+  std::string_view BlockName() const { return TextOf(block); }
   std::string_view FieldName() const { return field ? NameOf(*field) : "does not fit"; }
 };
 

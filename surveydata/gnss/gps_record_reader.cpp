@@ -1,0 +1,199 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include <surveydata/gnss/gps_record_reader.h>
+#include <surveydata/gnss/record_walk.h>
+
+namespace SDI {
+
+struct GPSRecordC::Data {
+  std::uint64_t offset = 0;
+  GPSDecodeResult result;
+  GPSMeasDataC measurement;
+  GPSRecordFileInfo info;
+  std::span<const std::uint8_t> bytes;
+};
+
+GPSRecordC::GPSRecordC() : data_(new Data) {}
+GPSRecordC::~GPSRecordC() = default;
+
+std::uint64_t GPSRecordC::GetOffset() const { return data_->offset; }
+std::uint64_t GPSRecordC::GetSize() const { return data_->bytes.size(); }
+GPSRecordOutcome GPSRecordC::GetOutcome() const { return data_->result.outcome; }
+GPSRecordBlock GPSRecordC::GetBlock() const { return data_->result.block; }
+bool GPSRecordC::IsDone() const { return data_->result.IsDone(); }
+const GPSMeasDataC& GPSRecordC::GetMeasurement() const { return data_->measurement; }
+const GPSRecordFileInfo& GPSRecordC::GetInfo() const { return data_->info; }
+std::span<const std::uint8_t> GPSRecordC::GetBytes() const { return data_->bytes; }
+
+struct GPSRecordReaderC::State {
+  State(std::unique_ptr<RecordWalk::SourceI> from, const GPSRecordStretch& part)
+      : walk(std::move(from)), stretch(part) {}
+  State(std::span<const std::uint8_t> all, const GPSRecordStretch& part)
+      : walk(all), stretch(part), size(all.size()) {}
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() {
+    if (file != nullptr) std::fclose(file);
+  }
+
+  bool GoToBegin();
+  std::size_t FindRecord();
+  void Leave();
+  void Take(std::size_t count);
+  void Decode();
+
+  RecordWalk::WalkC walk;
+  RecordWalk::DamageFinderC damage;
+  GPSRecordStretch stretch;
+  std::uint64_t size = 0;
+  std::FILE* file = nullptr;  // opened here
+  GPSReaderState state = GPSReaderState::kOpen;
+  bool hasBegun = false;
+  std::size_t found = 0;  // the size of the record at the front of the walk, which comes next
+  std::span<const std::uint8_t> bytes;
+  bool isToDecode = false;  // once it is asked for
+  GPSRecordC record;
+  const GPSMeasDataImplC fresh;
+};
+
+// False when there is nothing to be walked.
+bool GPSRecordReaderC::State::GoToBegin() {
+  if (hasBegun) return true;
+  if (state != GPSReaderState::kOpen) return false;
+  if (!stretch.IsWhole() && !walk.GoTo(stretch.begin, stretch.end)) {
+    state = GPSReaderState::kNoStretches;
+    return false;
+  }
+  hasBegun = true;  // not before: reading may have thrown
+  return true;
+}
+
+// Walks up to the next record of the stretch.
+std::size_t GPSRecordReaderC::State::FindRecord() {
+  if (found != 0) return found;
+  walk.SetDamage(damage.IsOn() ? &damage : nullptr);
+  found = walk.FindRecord(stretch.end);
+  if (found == 0) walk.SettleDamage();
+  if (walk.HasFailed()) state = GPSReaderState::kReadingFailed;
+  return found;
+}
+
+// What was reached last is not asked for any more.
+void GPSRecordReaderC::State::Leave() {
+  bytes = {};
+  isToDecode = false;
+}
+
+void GPSRecordReaderC::State::Take(std::size_t count) {
+  bytes = {walk.GetFront(), count};
+  walk.Pass(count);
+  found = 0;
+}
+
+void GPSRecordReaderC::State::Decode() {
+  isToDecode = false;
+  GPSRecordC::Data& data = *record.data_;
+  GPSMeasDataImplC& measurement = *data.measurement.GetImpl();
+  measurement = fresh;
+  data.info.number = 0;  // the other fields are never set
+  data.info.flags = 0;
+  std::memset(data.info.name, 0, sizeof(data.info.name));
+  data.offset = walk.GetOffset() - bytes.size();
+  data.bytes = bytes;
+  data.result = RecordFrame::DecodeChecked(bytes, measurement, data.info);
+}
+
+GPSRecordReaderC::GPSRecordReaderC(const char* fileName, GPSRecordStretch stretch) {
+  // Memory first, so that nothing throws while a file is open that nobody closes.
+  auto source = std::make_unique<RecordWalk::FileSourceC>();
+  RecordWalk::FileSourceC& file = *source;
+  state_.reset(new State(std::move(source), stretch));
+  if (fileName != nullptr) state_->file = std::fopen(fileName, "rb");
+  if (state_->file == nullptr) {
+    const bool isMissing = fileName == nullptr || errno == ENOENT || errno == ENOTDIR;
+    const bool isForbidden = errno == EACCES || errno == EPERM;
+    state_->state = isMissing     ? GPSReaderState::kNoSuchFile
+                    : isForbidden ? GPSReaderState::kNoPermission
+                                  : GPSReaderState::kCannotOpen;
+    return;
+  }
+  file.Open(state_->file);
+  state_->size = file.GetSize();
+}
+
+GPSRecordReaderC::GPSRecordReaderC(std::FILE* stream) {
+  auto source = std::make_unique<RecordWalk::FileSourceC>();
+  if (stream != nullptr) source->ReadOn(stream);
+  state_.reset(new State(std::move(source), {}));
+  if (stream == nullptr) state_->state = GPSReaderState::kCannotOpen;
+}
+
+GPSRecordReaderC::GPSRecordReaderC(std::span<const std::uint8_t> bytes, GPSRecordStretch stretch)
+    : state_(new State(bytes, stretch)) {}
+
+GPSRecordReaderC::GPSRecordReaderC(ReadAt readAt, std::uint64_t size, GPSRecordStretch stretch) {
+  const bool isMissing = readAt == nullptr;
+  state_.reset(
+      new State(std::make_unique<RecordWalk::CallbackSourceC>(std::move(readAt), size), stretch));
+  state_->size = size;
+  if (isMissing) state_->state = GPSReaderState::kCannotOpen;
+}
+
+GPSRecordReaderC::~GPSRecordReaderC() = default;
+
+GPSReaderState GPSRecordReaderC::GetState() const { return state_->state; }
+std::uint64_t GPSRecordReaderC::GetSize() const { return state_->size; }
+void GPSRecordReaderC::SetReportDamaged(ReportDamaged report) {
+  state_->damage.SetReport(std::move(report));
+}
+const GPSRecordC& GPSRecordReaderC::GetRecord() const {
+  if (state_->isToDecode) state_->Decode();
+  return state_->record;
+}
+std::span<const std::uint8_t> GPSRecordReaderC::GetBytes() const { return state_->bytes; }
+
+bool GPSRecordReaderC::Next() {
+  State& state = *state_;
+  state.Leave();
+  if (!state.GoToBegin()) return false;
+  while (const std::size_t size = state.FindRecord()) {
+    const bool isMeasurement = RecordFrame::Header::Load(state.walk.GetFront()).IsMeasurement();
+    state.Take(size);
+    if (isMeasurement) {
+      state.Decode();
+      return true;
+    }
+  }
+  state.bytes = {};
+  return false;
+}
+
+bool GPSRecordReaderC::NextEntry(GPSRecordEntry& entry) {
+  State& state = *state_;
+  state.Leave();
+  if (!state.GoToBegin()) return false;
+  const RecordWalk::WalkC& walk = state.walk;
+  const std::uint64_t start = walk.GetOffset();
+  if (start >= state.stretch.end) return false;
+  const std::size_t size = state.FindRecord();
+  const std::uint64_t gap = std::min(walk.GetOffset(), state.stretch.end) - start;
+  if (gap != 0) {
+    entry = {start, gap, true, 0};
+    return true;
+  }
+  if (size == 0) return false;
+  entry = {start, size, false, walk.GetFront()[4]};
+  state.Take(size);
+  state.isToDecode = entry.IsMeasurement();
+  return true;
+}
+
+GPSDecodeResult GPSRecordReaderC::Decode(std::span<const std::uint8_t> frame,
+                                         GPSMeasDataImplC& measurement, GPSRecordFileInfo& info) {
+  return RecordFrame::Decode(frame, measurement, info);
+}
+
+}  // namespace SDI

@@ -1,0 +1,68 @@
+// Offsets of 64 bits on 32-bit systems, too; before the first header of the C library.
+#if !defined(_WIN32) && __SIZEOF_LONG__ < 8 && !defined(_FILE_OFFSET_BITS)
+#define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+#endif
+
+#include <algorithm>
+#include <limits>
+
+#include <surveydata/gnss/record_source.h>
+
+namespace SDI::RecordWalk {
+namespace {
+
+#if defined(_WIN32)
+using Offset = __int64;
+int Seek(std::FILE* file, Offset offset, int whence) { return _fseeki64(file, offset, whence); }
+Offset Tell(std::FILE* file) { return _ftelli64(file); }
+#else
+using Offset = off_t;
+int Seek(std::FILE* file, Offset offset, int whence) { return fseeko(file, offset, whence); }
+Offset Tell(std::FILE* file) { return ftello(file); }
+#endif
+
+}  // namespace
+
+void FileSourceC::Open(std::FILE* file) {
+  file_ = file;
+  // Blocks are read into the caller's memory at once.
+  std::setvbuf(file_, nullptr, _IONBF, 0);
+  if (Seek(file_, 0, SEEK_END) != 0) return;
+  canSeek_ = true;
+  position_ = kUnknown;
+  const Offset size = Tell(file_);
+  if (size > 0) size_ = static_cast<std::uint64_t>(size);
+}
+
+std::size_t FileSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to) {
+  if (file_ == nullptr) return 0;
+  if (canSeek_ && position_ != offset) {
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<Offset>::max())) return 0;
+    if (Seek(file_, static_cast<Offset>(offset), SEEK_SET) != 0) {
+      Fail();
+      return 0;
+    }
+  }
+  const std::size_t count = std::fread(to.data(), 1, to.size(), file_);
+  if (count < to.size() && std::ferror(file_) != 0) Fail();
+  position_ = offset + count;
+  return count;
+}
+
+std::size_t CallbackSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to) {
+  if (offset >= size_) return 0;
+  to = to.first(static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size_ - offset)));
+  std::size_t done = 0;
+  while (done < to.size()) {
+    const std::ptrdiff_t count = readAt_(offset + done, to.subspan(done));
+    if (count == 0) break;
+    if (count < 0 || static_cast<std::size_t>(count) > to.size() - done) {
+      Fail();
+      break;
+    }
+    done += static_cast<std::size_t>(count);
+  }
+  return done;
+}
+
+}  // namespace SDI::RecordWalk

@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <bitset>
+#include <cstring>
+#include <utility>
+
+#include <surveydata/gnss/byte_sum.h>
+#include <surveydata/gnss/record_walk.h>
+
+namespace SDI::RecordWalk {
+
+WindowC::WindowC(std::unique_ptr<SourceI> source)
+    : source_(std::move(source)),
+      buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(kCapacity)),
+      bytes_(buffer_.get()) {}
+
+WindowC::WindowC(Bytes memory) : bytes_(memory.data()), end_(memory.size()), isAtEnd_(true) {}
+
+bool WindowC::Fetch(std::size_t count) {
+  if (isAtEnd_) return false;
+  const std::size_t left = GetLeft();
+  if (left != 0) std::memmove(buffer_.get(), GetFront(), left);
+  begin_ = 0;
+  end_ = left;
+  // Past the reach only what is needed, but no crumbs.
+  constexpr std::size_t kLeast = 4096;
+  const std::uint64_t at = offset_ + left;
+  const std::uint64_t wanted =
+      std::max<std::uint64_t>({reach_ > at ? reach_ - at : 0, count - left, kLeast});
+  const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, kCapacity - left));
+  const std::size_t got = source_->Read(at, {&buffer_[left], size});
+  end_ += got;
+  isAtEnd_ = got < size;
+  return GetLeft() >= count;
+}
+
+void WindowC::GoTo(std::uint64_t offset, std::uint64_t reach) {
+  reach_ = reach;
+  const std::uint64_t first = offset_ - begin_;
+  if (source_ == nullptr || (first <= offset && offset <= first + end_)) {
+    const std::uint64_t at = std::min<std::uint64_t>(offset - first, end_);
+    begin_ = static_cast<std::size_t>(at);
+    offset_ = first + at;
+    return;
+  }
+  begin_ = end_ = 0;
+  offset_ = offset;
+  isAtEnd_ = source_->HasFailed();
+}
+
+std::uint16_t ByteSumsC::Sum(std::uint64_t from, std::uint64_t to, const std::uint8_t* bytes) {
+  static_assert(kBlock == 32);
+  const std::uint64_t first = (from + kBlock - 1) / kBlock;
+  const std::uint64_t last = to / kBlock;
+  if (last <= first) {
+    summed_ += to - from;
+    return RecordFrame::SumOfBytes(bytes, static_cast<std::size_t>(to - from));
+  }
+  if (first < begin_ || end_ < first) {
+    begin_ = end_ = first;
+    before_[first % kRing] = 0;
+  }
+  if (end_ < last) {
+    summed_ += (last - end_) * kBlock;
+    const std::uint8_t* block = bytes + (end_ * kBlock - from);
+    std::uint16_t sum = before_[end_ % kRing];
+    while (end_ < last) {
+      sum = static_cast<std::uint16_t>(sum + RecordFrame::SumOf32(block));
+      block += kBlock;
+      before_[++end_ % kRing] = sum;
+    }
+  }
+  const auto atFront = static_cast<std::size_t>(first * kBlock - from);
+  const auto atEnd = static_cast<std::size_t>(to - last * kBlock);
+  summed_ += atFront + atEnd;
+  return static_cast<std::uint16_t>(RecordFrame::SumOfBytes(bytes, atFront) +
+                                    (before_[last % kRing] - before_[first % kRing]) +
+                                    RecordFrame::SumOfBytes(bytes + (last * kBlock - from), atEnd));
+}
+
+WalkC::WalkC(std::unique_ptr<SourceI> source) : window_(std::move(source)) {}
+WalkC::WalkC(Bytes memory) : window_(memory) {}
+
+bool WalkC::HasFailed() const {
+  return window_.GetSource() != nullptr && window_.GetSource()->HasFailed();
+}
+
+std::size_t WalkC::FindRecord(std::uint64_t limit) {
+  while (window_.GetOffset() < limit) {
+    if (!window_.Need(1)) {
+      if (damage_ != nullptr) PassEnd();
+      return 0;
+    }
+    const std::size_t size = RecordSize();
+    if (size != 0) {
+      if (damage_ != nullptr) PassRecord();
+      return size;
+    }
+    if (damage_ != nullptr) TakeDamage();
+    const std::uint64_t left = limit - window_.GetOffset();
+    window_.Advance(static_cast<std::size_t>(std::min<std::uint64_t>(ToNextCandidate(), left)));
+  }
+  return 0;
+}
+
+void WalkC::TakeDamage() {
+  if (!window_.Need(RecordFrame::kHeaderSize)) return;
+  damage_->Take(RecordFrame::Header::Load(window_.GetFront()), window_.GetOffset());
+}
+
+void WalkC::PassRecord() {
+  if (!damage_->IsOpen()) return;
+  // Whether the source ends before the frames of the headers do.
+  const std::uint64_t offset = window_.GetOffset();
+  const std::uint64_t end = damage_->GetOpenEnd();
+  const bool isCut = end > offset && !window_.Need(static_cast<std::size_t>(end - offset));
+  if (HasFailed()) return damage_->Drop();
+  damage_->PassRecord(offset, isCut ? offset + window_.GetLeft() : kNoLimit);
+}
+
+void WalkC::PassEnd() {
+  if (HasFailed()) return damage_->Drop();
+  damage_->PassRecord(window_.GetOffset(), window_.GetOffset());
+}
+
+void WalkC::SettleDamage() {
+  DamageFinderC* const damage = std::exchange(damage_, nullptr);  // no further headers
+  if (damage == nullptr) return;
+  while (damage->IsOpen()) {
+    const std::size_t size = FindRecord(damage->GetOpenEnd());
+    damage_ = damage;
+    if (size != 0) {
+      PassRecord();
+    } else if (!window_.Need(1)) {
+      PassEnd();
+    } else {
+      damage->Pass(window_.GetOffset());
+    }
+    damage_ = nullptr;
+  }
+  damage_ = damage;
+}
+
+bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
+  if (window_.GetSource() != nullptr && !window_.GetSource()->CanSeek()) return false;
+  // No two places that the walk comes to one after the other are further apart than the longest
+  // record, so it comes to one in every run of that many.
+  for (std::uint64_t back = 2 * kLongestRecord;; back *= 2) {
+    const std::uint64_t first = back < begin ? begin - back : 0;
+    window_.GoTo(first, end);
+    sums_.Clear();
+    inVain_ = kNoLimit;  // the short records of walks that began in different places overlap
+    if (first == 0 || MeetOne(first, begin)) break;
+  }
+  start_ = window_.GetOffset();
+  inVain_ = 0;
+  while (const std::size_t size = FindRecord(begin)) Pass(size);
+  return true;
+}
+
+// Carries every place of the first run from `first` on forward by the steps of the walk. When only
+// one is left it is a place that the walk comes to, wherever it began, and the front is put to it.
+// False when several are left at `begin`.
+bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
+  // The places that are ahead, none further than one step.
+  constexpr std::size_t kRing = std::size_t{1} << 17;
+  static_assert(kRing > kLongestRecord);
+  std::bitset<kRing> ahead;
+  std::size_t count = 0;
+  for (std::uint64_t at = first;; ++at) {
+    const bool isInRun = at - first < kLongestRecord;
+    if (!isInRun && count > 1 && at >= begin) return false;
+    const auto place = static_cast<std::size_t>(at % kRing);
+    const bool isAhead = ahead[place];
+    if (!isInRun && count == 1 && isAhead) return true;
+    if (!window_.Need(1)) return true;  // all walks meet at the end
+    if (isAhead) {
+      ahead[place] = false;
+      --count;
+    }
+    if (isInRun || isAhead) {
+      const bool isCandidate = *window_.GetFront() == (RecordFrame::kMagic & 0xFF);
+      const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
+      const auto next = static_cast<std::size_t>((at + step) % kRing);
+      if (!ahead[next]) {
+        ahead[next] = true;
+        ++count;
+      }
+    }
+    window_.Advance(1);
+  }
+}
+
+// The size of the record at the front, 0 when there is none.
+std::size_t WalkC::RecordSize() {
+  if (!window_.Need(RecordFrame::kHeaderSize)) return 0;
+  const auto header = RecordFrame::Header::Load(window_.GetFront());
+  if (!header.IsRecord() || !window_.Need(header.Size())) return 0;
+  const std::uint8_t* const front = window_.GetFront();
+  const std::uint64_t offset = window_.GetOffset();
+  const std::uint16_t checksum = boost::endian::load_little_u16(front + header.length);
+  // From the length on: the magic does not take part.
+  const std::size_t count = header.length - std::size_t{2};
+  const bool isAtOnce = count <= kShort && inVain_ <= offset - start_;
+  const std::uint16_t sum = isAtOnce ? RecordFrame::SumOfBytes(front + 2, count)
+                                     : sums_.Sum(offset + 2, offset + header.length, front + 2);
+  if (isAtOnce) summedAtOnce_ += count;
+  if (static_cast<std::uint16_t>(sum + checksum) == 0) return header.Size();
+  if (isAtOnce) inVain_ += count;
+  return 0;
+}
+
+// How far the next byte is that a record may begin with: at least one byte on.
+std::size_t WalkC::ToNextCandidate() const {
+  const std::uint8_t* const front = window_.GetFront();
+  const void* const next =
+      std::memchr(front + 1, RecordFrame::kMagic & 0xFF, window_.GetLeft() - 1);
+  return next != nullptr ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(next) - front)
+                         : window_.GetLeft();
+}
+
+}  // namespace SDI::RecordWalk

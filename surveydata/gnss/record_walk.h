@@ -1,0 +1,150 @@
+#ifndef SURVEYDATA_GNSS_RECORD_WALK_H_
+#define SURVEYDATA_GNSS_RECORD_WALK_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+
+#include <surveydata/gnss/record_damage.h>
+#include <surveydata/gnss/record_frame.h>
+#include <surveydata/gnss/record_source.h>
+
+/// \file
+/// Internal: the walk over records from front to back, which the index and the reader share.
+
+namespace SDI::RecordWalk {
+
+/// The farthest that one step of the walk goes.
+inline constexpr std::size_t kLongestRecord = 0xFFFF + RecordFrame::kChecksumSize;
+inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+
+/// The bytes around the front of a walk: a block of what a source holds, or all of what memory
+/// holds.
+class WindowC {
+ public:
+  explicit WindowC(std::unique_ptr<SourceI> source);
+  explicit WindowC(Bytes memory);
+
+  const SourceI* GetSource() const { return source_.get(); }
+
+  /// The place of the front in the source.
+  std::uint64_t GetOffset() const { return offset_; }
+  const std::uint8_t* GetFront() const { return bytes_ + begin_; }
+  /// How many bytes there are from the front on.
+  std::size_t GetLeft() const { return end_ - begin_; }
+
+  /// Makes sure that `count` bytes, at most `kLongestRecord`, are there from the front on. False
+  /// when the source ends before. What was there before may have moved.
+  bool Need(std::size_t count) { return GetLeft() >= count || Fetch(count); }
+  /// `count` is at most what is left.
+  void Advance(std::size_t count) {
+    begin_ += count;
+    offset_ += count;
+  }
+
+  /// Puts the front to `offset`, and reads no further than `reach` unless more is needed.
+  void GoTo(std::uint64_t offset, std::uint64_t reach);
+
+ private:
+  static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
+  static_assert(kCapacity >= 2 * kLongestRecord);
+
+  bool Fetch(std::size_t count);
+
+  std::unique_ptr<SourceI> source_;  // null for memory
+  std::unique_ptr<std::uint8_t[]> buffer_;
+  const std::uint8_t* bytes_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::uint64_t offset_ = 0;  // of `begin_`
+  std::uint64_t reach_ = kNoLimit;
+  bool isAtEnd_ = false;
+};
+
+/// Sums of bytes, in 16 bits. The sums of blocks are kept for as long as a record that begins at
+/// the front may ask for them: with them the sum of any record is one difference, and the bytes
+/// before its first and after its last whole block.
+class ByteSumsC {
+ public:
+  static constexpr std::size_t kBlock = 32;
+
+  /// Forgets all: the walk goes on elsewhere.
+  void Clear() { end_ = begin_ = 0; }
+  /// The sum of the bytes from `from` up to `to`, which are at `bytes`; at most `kLongestRecord`,
+  /// and `from` is never less than before.
+  std::uint16_t Sum(std::uint64_t from, std::uint64_t to, const std::uint8_t* bytes);
+  /// How many bytes were added up so far, each as often as it was.
+  std::uint64_t GetSummed() const { return summed_; }
+
+ private:
+  static constexpr std::size_t kRing = 4096;
+  static_assert(kRing >= 2 * (kLongestRecord / kBlock) && kLongestRecord % kBlock != 0);
+
+  std::uint64_t begin_ = 0;  // the blocks that are known, by number
+  std::uint64_t end_ = 0;
+  std::uint64_t summed_ = 0;
+  // Of the bytes before the block with this number, modulo the size, counted from anywhere.
+  std::array<std::uint16_t, kRing> before_ = {};
+};
+
+/// Walks records from front to back: where the magic, a length of at least 5 and a right checksum
+/// are, there is a record and the walk goes on after it; elsewhere it goes on one byte further.
+///
+/// \cost linear in the bytes, whatever they are. The bytes of a short record are added up at once,
+/// as
+///       long as no more of them were added up in vain than the walk has passed. Otherwise every
+///       byte is added up once, and for each header at most two blocks of 32 bytes more.
+class WalkC {
+ public:
+  explicit WalkC(std::unique_ptr<SourceI> source);
+  explicit WalkC(Bytes memory);
+
+  bool IsMemory() const { return window_.GetSource() == nullptr; }
+  bool HasFailed() const;
+  std::uint64_t GetOffset() const { return window_.GetOffset(); }
+  const std::uint8_t* GetFront() const { return window_.GetFront(); }
+
+  /// Walks up to the next record and answers its size; 0 where the source ends or `limit` is
+  /// reached before. The whole record is there, at the front.
+  std::size_t FindRecord(std::uint64_t limit = kNoLimit);
+  /// Goes on after the record at the front.
+  void Pass(std::size_t size) { window_.Advance(size); }
+
+  /// Puts the front to the first place at or after `begin` that the walk from the start of the
+  /// source comes to, and reads no further than `end` unless a record needs it. False when the
+  /// source cannot seek.
+  ///
+  /// \cost as `GPSRecordReaderC` says.
+  bool GoTo(std::uint64_t begin, std::uint64_t end);
+
+  /// Takes the headers of frames in the gaps that `FindRecord` walks. It stays the caller's.
+  void SetDamage(DamageFinderC* damage) { damage_ = damage; }
+  /// Walks on, past the limit of the walk, until every header that was taken is reported.
+  void SettleDamage();
+
+  /// How many bytes were summed up so far, each as often as it was.
+  std::uint64_t GetSummed() const { return summedAtOnce_ + sums_.GetSummed(); }
+
+ private:
+  std::size_t RecordSize();
+  void TakeDamage();
+  void PassRecord();
+  void PassEnd();
+  bool MeetOne(std::uint64_t first, std::uint64_t begin);
+  std::size_t ToNextCandidate() const;
+
+  WindowC window_;
+  ByteSumsC sums_;
+  DamageFinderC* damage_ = nullptr;
+
+  static constexpr std::size_t kShort = 1024;
+  std::uint64_t start_ = 0;   // of the walk
+  std::uint64_t inVain_ = 0;  // bytes that were added up for short headers that begin no record
+  std::uint64_t summedAtOnce_ = 0;
+};
+
+}  // namespace SDI::RecordWalk
+
+#endif  // SURVEYDATA_GNSS_RECORD_WALK_H_
