@@ -14,6 +14,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#if defined(__linux__)
+#include <sys/inotify.h>
+#endif
+
 #include "tests/tools/program.h"
 
 namespace {
@@ -141,18 +145,83 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
   }
 }
 
-TEST(RecordExport, TellsOfAPipeWhatItCouldNotSearch) {
+// A pipe can be read once: what is said of it is what is said of a file.
+TEST(RecordCommands, ReadAPipeAsAFile) {
   const TempFolderC folder;
-  const Bytes good = MakeFrame(113, MakeBody(0, {}));
-  WriteBytes(folder / "gap.rec", good + Bytes{1, 2, 3} + good);
-  const Outcome outcome =
-      RunShell("cat gap.rec | surveydata record export /dev/stdin", folder.Path().string());
-  EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_EQ(Lines(outcome.out).size(), 2u);
-  EXPECT_EQ(outcome.err,
-            "surveydata: 3 bytes between the records were not searched for bad frames: /dev/stdin "
-            "is no file that can be read twice\n");
+  fs::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
+  for (const std::string command : {"list", "list --json", "export", "export --csv"}) {
+    SCOPED_TRACE(command);
+    const std::string run = "timeout 60 surveydata record " + command;
+    const Outcome file = RunShell(run + " valley_drive.rec", folder.Path().string());
+    const Outcome pipe =
+        RunShell("rm -f pipe; mkfifo pipe; cat valley_drive.rec > pipe & " + run + " pipe",
+                 folder.Path().string());
+    EXPECT_EQ(pipe.exitCode, file.exitCode);
+    EXPECT_EQ(pipe.out, file.out);
+    EXPECT_EQ(file.err, command.starts_with("list") ? "" : BadFramesTold(4, "valley_drive.rec"));
+    EXPECT_EQ(pipe.err, command.starts_with("list") ? "" : BadFramesTold(4, "pipe"));
+  }
 }
+
+TEST(RecordShow, RefusesAPipe) {
+  const TempFolderC folder;
+  fs::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
+  const Outcome outcome =
+      RunShell("cat valley_drive.rec | surveydata record show /dev/stdin --offset 960",
+               folder.Path().string());
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "surveydata: cannot read /dev/stdin at an offset: it is a pipe\n");
+}
+
+#if defined(__linux__)
+// Events of files that are opened.
+class OpenedC {
+ public:
+  explicit OpenedC(const std::string& file) : events_(inotify_init1(IN_NONBLOCK)) {
+    EXPECT_GE(inotify_add_watch(events_, file.c_str(), IN_OPEN), 0);
+  }
+  OpenedC(const OpenedC&) = delete;
+  OpenedC& operator=(const OpenedC&) = delete;
+  ~OpenedC() { close(events_); }
+
+  // How often the file was opened since.
+  std::size_t Count() const {
+    inotify_event events[64];  // of a file, they carry no names
+    const ssize_t size = read(events_, events, sizeof(events));
+    inotify_event* const end = events + std::max<ssize_t>(size, 0) / ssize_t{sizeof(inotify_event)};
+    return static_cast<std::size_t>(std::count_if(events, end, [](const inotify_event& event) {
+      return (event.mask & IN_OPEN) != 0;  // another tells that the file was replaced
+    }));
+  }
+
+ private:
+  int events_;
+};
+
+TEST(RecordCommands, OpenTheFileOnce) {
+  const TempFolderC folder;
+  const std::string file = folder / "valley_drive.rec";
+  fs::copy(DataPath("valley_drive.rec"), file);
+  const std::vector<std::vector<std::string>> commands = {
+      {"list", file},
+      {"export", file},
+      {"plot", file, "-o", folder / "plot.svg"},
+      {"show", file, "--offset", "960"},
+      {"show", file, "--offset", "961"},
+      {"set", file, "--offset", "960", "--number", "5", "--dry-run"},
+      {"set", file, "--offset", "961", "--number", "5"},
+      {"set", file, "--offset", "960", "--number", "5"},
+  };
+  for (std::vector<std::string> command : commands) {
+    command.insert(command.begin(), "record");
+    SCOPED_TRACE(Joined(command));
+    const OpenedC opened(file);
+    EXPECT_LE(RunProgram(command).exitCode, 1);
+    EXPECT_EQ(opened.Count(), 1u);
+  }
+}
+#endif
 
 // A file that is larger than the memory that the program may take.
 TEST(RecordExport, TakesAFixedAmountOfMemory) {

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_TOOLS_OUTPUT_REPLACE_FILE_H_
 #define SURVEYDATA_TOOLS_OUTPUT_REPLACE_FILE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -17,6 +18,13 @@ class FileReplacementC {
   /// Locks `file` for as long as the object lives: read what is to be changed meanwhile. Does not
   /// wait for another holder of the lock.
   explicit FileReplacementC(const std::string& file) : original_(file) {}
+
+  /// The size when it was locked.
+  std::uint64_t GetSize() const { return original_.GetSize(); }
+  /// Everything from `offset` on that fits into `bytes`; less only at the end of the file.
+  std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
+    return original_.Read(offset, bytes);
+  }
 
   /// Puts a copy of the file, with `after` where `before` stands at `offset`, in the file's place;
   /// owner and permissions are kept, except for an owner that only root may set. Refuses when

@@ -11,7 +11,7 @@ namespace Tool {
 
 /// Reads the measurements that are left in `walk`. Bad frames, those that `record list` shows, are
 /// left out, counted on standard error, and make the answer `kFinding`; those that end in the next
-/// record are counted alone. Gaps of a pipe, which cannot be read twice, are told of instead.
+/// record are counted alone.
 ExitCode ForEachMeasurement(RecordWalkC& walk,
                             const std::function<void(const DecodedRecord&)>& visit);
 

@@ -1,7 +1,11 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -9,7 +13,6 @@
 #include <output/gps_time.h>
 #include <output/json_writer.h>
 #include <output/output.h>
-#include <record/damaged_frames.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/record_commands.h>
@@ -65,7 +68,7 @@ class ListI {
   virtual void Measurement(const DecodedRecord& record) = 0;
   virtual void Other(const SDI::GPSRecordEntry& entry) = 0;
   virtual void Gap(const SDI::GPSRecordEntry& entry) = 0;
-  virtual void BadFrame(const DamagedFrame& frame) = 0;
+  virtual void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) = 0;
 };
 
 class TextListC : public ListI {
@@ -99,8 +102,8 @@ class TextListC : public ListI {
     out_.Print("{:>10}  {:<11} {:>6}  bytes that belong to no record\n", entry.offset, "GAP",
                entry.size);
   }
-  void BadFrame(const DamagedFrame& frame) override {
-    out_.Print("{:>10}  {:<11} {:>6}  {}\n", frame.offset, "BAD FRAME", frame.size, frame.reason);
+  void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) override {
+    out_.Print("{:>10}  {:<11} {:>6}  {}\n", offset, "BAD FRAME", size, reason);
   }
 
  private:
@@ -134,9 +137,9 @@ class JsonListC : public ListI {
     JsonWriterC line = Begin(entry.offset, entry.size, "gap");
     End(line);
   }
-  void BadFrame(const DamagedFrame& frame) override {
-    JsonWriterC line = Begin(frame.offset, frame.size, "badFrame");
-    line.Field("reason", std::string_view(frame.reason));
+  void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) override {
+    JsonWriterC line = Begin(offset, size, "badFrame");
+    line.Field("reason", reason);
     End(line);
   }
 
@@ -166,7 +169,6 @@ std::string Counted(std::uint64_t count, std::string_view thing) {
 
 ExitCode Run(const Options& options) {
   RecordWalkC walk(options.file, true);
-  DamagedFrameFinderC finder(options.file);
   OutputC out;
   std::unique_ptr<ListI> list;
   if (options.isJson) {
@@ -176,17 +178,29 @@ ExitCode Run(const Options& options) {
   }
 
   std::uint64_t measurements = 0, others = 0, gaps = 0, gapBytes = 0, badFrames = 0;
-  const auto reportBad = [&](const DamagedFrame& frame) {
+  const auto reportBad = [&](std::uint64_t offset, std::uint64_t size, std::string_view reason) {
     ++badFrames;
-    list->BadFrame(frame);
+    list->BadFrame(offset, size, reason);
   };
+  // The walk gives the bad frames of a gap before the gap, the list shows them after it. There may
+  // be any number: when these are full, they are shown at once.
+  constexpr std::size_t kMostHeld = 10'000;
+  std::vector<SDI::GPSDamagedHeader> held;
+  const auto listHeld = [&] {
+    for (const auto& header : held) reportBad(header.offset, header.size, TextOf(header.damage));
+    held.clear();
+  };
+  walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
+    if (held.size() == kMostHeld) listHeld();
+    held.push_back(header);
+  });
   SDI::GPSRecordEntry entry;
   while (walk.Next(entry)) {
     if (entry.isGap) {
       ++gaps;
       gapBytes += entry.size;
       list->Gap(entry);
-      finder.Find(entry, walk, reportBad);
+      listHeld();
     } else if (!entry.IsMeasurement()) {
       ++others;
       list->Other(entry);
@@ -195,7 +209,7 @@ ExitCode Run(const Options& options) {
       ++measurements;
       list->Measurement(record);
     } else {
-      reportBad({entry.offset, entry.size, "right checksum, but its blocks do not fit"});
+      reportBad(entry.offset, entry.size, "right checksum, but its blocks do not fit");
     }
   }
   if (!options.isJson) {

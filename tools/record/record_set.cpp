@@ -1,9 +1,12 @@
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -14,11 +17,10 @@
 #include <command_line/text.h>
 #include <output/output.h>
 #include <output/replace_file.h>
-#include <record/damaged_frames.h>
 #include <record/decoded_record.h>
+#include <record/find_frame.h>
 #include <record/patch_frame.h>
 #include <record/record_commands.h>
-#include <record/record_walk.h>
 
 namespace Tool {
 namespace {
@@ -75,34 +77,6 @@ float ParseHeight(const std::string& text) {
   return static_cast<float>(metres);
 }
 
-// The bytes of the measurement record that begins at the offset. Throws `ToolErrorC` where the
-// index lists none.
-std::vector<std::uint8_t> FindFrame(const Options& options) {
-  RecordWalkC walk(options.file);
-  SDI::GPSRecordEntry entry;
-  std::string reason = "the file ends before it";
-  while (walk.Next(entry)) {
-    if (options.offset >= entry.offset + entry.size) continue;
-    if (!entry.isGap && entry.offset != options.offset) {
-      reason = fmt::format("it lies inside the record at {}", entry.offset);
-    } else if (entry.IsMeasurement()) {
-      return {walk.GetBytes().begin(), walk.GetBytes().end()};
-    } else if (!entry.isGap) {
-      reason = fmt::format("a record of type {} stands there", entry.type);
-    } else {
-      reason = "no record stands there";
-      DamagedFrameFinderC(options.file).Find(entry, walk, [&](const DamagedFrame& frame) {
-        if (frame.offset == options.offset) {
-          reason = fmt::format("a bad frame stands there: {}", frame.reason);
-        }
-      });
-    }
-    break;
-  }
-  throw ToolErrorC(ExitCode::kFinding, fmt::format("no valid measurement frame at offset {}: {}",
-                                                   options.offset, reason));
-}
-
 // One line per changed byte; the first of a field tells its new value.
 void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
   out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
@@ -127,6 +101,15 @@ bool IsSlant(std::span<const std::uint8_t> frame) {
   return !isVertical;
 }
 
+std::vector<std::uint8_t> FindFrameIn(const Options& options,
+                                      const std::optional<FileReplacementC>& replacement) {
+  if (!replacement) return FindFrame(options.file, options.offset);
+  const auto readAt = [&](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+    return static_cast<std::ptrdiff_t>(replacement->Read(offset, bytes));
+  };
+  return FindFrame(readAt, replacement->GetSize(), options.offset);
+}
+
 ExitCode Run(const Options& options) {
   const FrameChanges& changes = options.changes;
   if (!changes.name && !changes.number && !changes.antennaHeight) {
@@ -134,7 +117,7 @@ ExitCode Run(const Options& options) {
   }
   std::optional<FileReplacementC> replacement;  // holds the lock while the frame is read
   if (!options.isDryRun) replacement.emplace(options.file);
-  const PatchedFrame frame = PatchFrame(FindFrame(options), changes);
+  const PatchedFrame frame = PatchFrame(FindFrameIn(options, replacement), changes);
   if (changes.antennaHeight && !changes.isSlant && IsSlant(frame.before)) {
     Tell("the antenna height becomes a vertical one, without --slant; it is a slant height now");
   }

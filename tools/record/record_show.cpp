@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -9,21 +7,18 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/gnss/record_frame.h>
-
 #include <command_line/message.h>
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/explain_frame.h>
+#include <record/find_frame.h>
 #include <record/record_commands.h>
 #include <record/show_writer.h>
 
 namespace Tool {
 namespace {
-
-namespace Frame = SDI::RecordFrame;
 
 struct Options {
   std::string file;
@@ -31,40 +26,6 @@ struct Options {
   bool isJson = false;
   bool hasBytes = false;
 };
-
-// The frame at the offset. Throws `ToolErrorC` where none stands there.
-std::vector<std::uint8_t> LoadFrame(const Options& options) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(options.file.c_str(), "rb"),
-                                                             &std::fclose);
-  std::vector<std::uint8_t> bytes(Frame::kMaxSize);
-  const bool isInReach =
-      file != nullptr && fseeko(file.get(), static_cast<off_t>(options.offset), SEEK_SET) == 0;
-  bytes.resize(isInReach ? std::fread(bytes.data(), 1, bytes.size(), file.get()) : 0);
-  if (file == nullptr || std::ferror(file.get()) != 0) {
-    FailToRead(options.file);
-  }
-
-  const auto refuse = [&](std::string_view what) {
-    return ToolErrorC(ExitCode::kFinding, fmt::format("{} at offset {}", what, options.offset));
-  };
-  if (bytes.empty()) {
-    throw ToolErrorC(ExitCode::kFinding,
-                     fmt::format("no valid measurement frame at offset {}: the file ends before it",
-                                 options.offset));
-  }
-  if (bytes.size() < Frame::kHeaderSize) throw refuse("no record stands");
-  const auto header = Frame::Header::Load(bytes.data());
-  if (!header.IsRecord()) throw refuse("no record stands");
-  if (!header.IsMeasurement()) {
-    throw refuse(fmt::format("no measurement but a record of type {} stands", header.type));
-  }
-  if (bytes.size() < header.Size()) throw refuse("the end of the file cuts the frame");
-  bytes.resize(header.Size());
-  if (!Frame::HasRightChecksum(bytes.data(), header.length)) {
-    throw refuse("a frame with a wrong checksum stands");
-  }
-  return bytes;
-}
 
 std::string_view ToView(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -112,7 +73,7 @@ void WriteBytes(OutputC& out, std::uint64_t offset, std::span<const std::uint8_t
 }
 
 ExitCode Run(const Options& options) {
-  const std::vector<std::uint8_t> frame = LoadFrame(options);
+  const std::vector<std::uint8_t> frame = FindFrame(options.file, options.offset);
   const DecodedRecord record = Decode(options.offset, frame);
   OutputC out;
   if (options.isJson) {

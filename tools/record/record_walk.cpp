@@ -4,17 +4,13 @@
 namespace Tool {
 
 RecordWalkC::RecordWalkC(const std::string& file, bool hasRows)
-    : file_(file), index_(file.c_str()), progress_(index_.GetFileSize(), hasRows) {
-  if (!index_.IsOpen()) {
-    FailToRead(file);
-  }
+    : file_(file), reader_(file.c_str()), progress_(reader_.GetSize(), hasRows) {
+  if (reader_.GetState() != SDI::GPSReaderState::kOpen) FailToRead(file);
 }
 
 bool RecordWalkC::Next(SDI::GPSRecordEntry& entry) {
-  const bool isFound = index_.Next(entry);
-  if (index_.HasFailed()) {
-    FailToRead(file_);
-  }
+  const bool isFound = reader_.NextEntry(entry);
+  if (reader_.GetState() != SDI::GPSReaderState::kOpen) FailToRead(file_);
   if (isFound) progress_.Update(entry.offset);
   return isFound;
 }

@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
-#include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_reader.h>
 
 #include <command_line/progress.h>
 
@@ -14,23 +15,25 @@ namespace Tool {
 /// Walks a record file with a progress bar. Throws `ToolErrorC` where the file cannot be read.
 class RecordWalkC {
  public:
-  /// `hasRows`: as of `ProgressC`.
+  /// `hasRows`: as in `ProgressC`.
   explicit RecordWalkC(const std::string& file, bool hasRows = false);
 
   const std::string& GetFile() const { return file_; }
-  /// 0 of a pipe.
-  std::uint64_t GetFileSize() const { return index_.GetFileSize(); }
+  /// 0 for a pipe.
+  std::uint64_t GetFileSize() const { return reader_.GetSize(); }
+  /// As in `GPSRecordReaderC`: before the record that ends a gap, or the gap, is given.
+  void SetReportDamaged(SDI::GPSRecordReaderC::ReportDamaged report) {
+    reader_.SetReportDamaged(std::move(report));
+  }
   bool Next(SDI::GPSRecordEntry& entry);
-  /// For work on a stretch that takes long.
-  void ShowProgress(std::uint64_t offset) { progress_.Update(offset); }
   /// Before a message.
   void HideProgress() { progress_.Wipe(); }
   /// The bytes of the record that `Next` gave last.
-  std::span<const std::uint8_t> GetBytes() const { return index_.GetBytes(); }
+  std::span<const std::uint8_t> GetBytes() const { return reader_.GetBytes(); }
 
  private:
   std::string file_;
-  SDI::GPSRecordIndexC index_;
+  SDI::GPSRecordReaderC reader_;
   ProgressC progress_;
 };
 

@@ -190,6 +190,24 @@ TEST(RecordList, FindsABadFrameWhereverItLiesInALongGap) {
   }
 }
 
+// However many bad frames a gap has, each has its row; up to 10,000 come after the gap.
+TEST(RecordList, HasARowForEachOfManyBadFramesInAGap) {
+  const TempFolderC folder;
+  const Bytes header = {0x9C, 0xAE, 17, 0, 113};
+  for (const std::size_t count : {std::size_t{10'000}, std::size_t{10'001}}) {
+    SCOPED_TRACE(count);
+    Bytes gap;
+    for (std::size_t i = 0; i < count; ++i) gap.insert(gap.end(), header.begin(), header.end());
+    const std::vector<json> lines = ListJson(OneFrame(folder, gap + Bytes(20, 0)));
+    ASSERT_EQ(lines.size(), 1 + count);
+    const std::size_t gapAt = count > 10'000 ? 10'000 : 0;
+    EXPECT_EQ(lines[gapAt]["kind"], "gap");
+    for (std::size_t i = 0; i < count; ++i) {
+      ASSERT_EQ(lines[i + (i >= gapAt ? 1 : 0)]["offset"], i * header.size());
+    }
+  }
+}
+
 TEST(RecordList, ReportsFramesWhoseBlocksDoNotFit) {
   const TempFolderC folder;
   const Bytes twoExtraTimes = MakeFrame(113, MakeBody(0x0008, {2, 0, 0, 0, 0, 0, 0}));

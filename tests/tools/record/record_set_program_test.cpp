@@ -210,11 +210,11 @@ TEST_F(RecordSet, RefusesOffsetsWhereNoValidMeasurementFrameBegins) {
     const char* offset;
     const char* reason;
   } cases[] = {
-      {"0", "a record of type 1 stands there"},
-      {"961", "it lies inside the record at 960"},
-      {"894", "a bad frame stands there: wrong checksum"},
-      {"940", "no record stands there"},
-      {"1767", "a bad frame stands there: cut by the end of the file"},
+      {"0", "found a record of type 1"},
+      {"961", "it is inside the record at 960"},
+      {"894", "found a bad frame: wrong checksum"},
+      {"940", "found no record"},
+      {"1767", "found a bad frame: cut by the end of the file"},
       {"2086", "the file ends before it"},
       {"9999999999", "the file ends before it"},
   };

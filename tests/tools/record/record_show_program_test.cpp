@@ -92,23 +92,55 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
     const char* offset;
     const char* message;
   } cases[] = {
-      {"0", "no measurement but a record of type 1 stands at offset 0"},
-      {"1", "no record stands at offset 1"},
-      {"894", "a frame with a wrong checksum stands at offset 894"},
-      {"960", "the end of the file cuts the frame at offset 960"},
-      {"1422", "no record stands at offset 1422"},
-      {"1425", "no record stands at offset 1425"},
-      {"1426", "no valid measurement frame at offset 1426: the file ends before it"},
-      {"18446744073709551615",
-       "no valid measurement frame at offset 18446744073709551615: the file ends before it"},
+      {"0", "found a record of type 1"},
+      {"1", "it is inside the record at 0"},
+      {"894", "found a bad frame: wrong checksum"},
+      {"895", "found no record"},
+      {"960", "found a bad frame: cut by the end of the file"},
+      {"1422", "found no record"},
+      {"1425", "found no record"},
+      {"1426", "the file ends before it"},
+      {"18446744073709551615", "the file ends before it"},
   };
   for (const auto& [offset, message] : cases) {
     SCOPED_TRACE(offset);
     const Outcome outcome = Show(file, offset);
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
+    const std::string expected = std::string("surveydata: no valid measurement frame at offset ") +
+                                 offset + ": " + message + "\n";
+    EXPECT_EQ(outcome.err, expected);
+    // Setting something there is refused with the same words.
+    for (const bool isDryRun : {false, true}) {
+      std::vector<std::string> set = {"record", "set", file, "--offset", offset, "--number", "5"};
+      if (isDryRun) set.emplace_back("--dry-run");
+      const Outcome refused = RunProgram(set);
+      EXPECT_EQ(refused.exitCode, 1);
+      EXPECT_EQ(refused.err, expected);
+    }
   }
+  EXPECT_EQ(ReadBytes(file), bytes);
+}
+
+// A record of the greatest length around it: the answer needs all that a record may have.
+TEST(RecordShow, FindsTheRecordThatAnOffsetIsInsideOf) {
+  const TempFolderC folder;
+  const std::string file = folder / "long.rec";
+  const Bytes inner = MakeFrame(113, MakeBody(0, {}));
+  const Bytes before = MakeFrame(113, MakeBody(0, {}));
+  Bytes body(65'530 - inner.size(), 0);
+  const std::size_t at = before.size() + 5 + body.size();
+  const Bytes longest = MakeFrame(42, body + inner);
+  ASSERT_EQ(longest.size(), 65'537u);
+  WriteBytes(file, before + longest + before);
+  EXPECT_EQ(Show(file, std::to_string(at)).err,
+            "surveydata: no valid measurement frame at offset " + std::to_string(at) +
+                ": it is inside the record at 19\n");
+  const std::size_t last = before.size() + longest.size() - 1;
+  EXPECT_EQ(Show(file, std::to_string(last)).err,
+            "surveydata: no valid measurement frame at offset " + std::to_string(last) +
+                ": it is inside the record at 19\n");
+  EXPECT_EQ(Show(file, std::to_string(last + 1)).exitCode, 0);
 }
 
 TEST(RecordShow, ShowsTheBytesOfAFrameWhoseBlocksDoNotFit) {
