@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include <surveydata/scanning/explain_direction.h>
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan_dome_area.h>
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
@@ -18,6 +19,11 @@ PreparedAreaC::~PreparedAreaC() = default;
 
 bool PreparedAreaC::Contains(double hz, double v) const {
   return prepared_ != nullptr ? prepared_->Ask(hz, v).isInside : ScanDomeAreaImplC::IsInDome(hz, v);
+}
+
+AreaExplanation PreparedAreaC::Explain(double hz, double v) const {
+  return prepared_ != nullptr ? ExplainDirection(prepared_->GetFrame(), hz, v)
+                              : ExplainDirectionInDome(hz, v);
 }
 
 void PreparedAreaC::Contains(std::span<const double> hz, std::span<const double> v,

@@ -5,6 +5,7 @@
 #include <span>
 
 #include <surveydata/object_model/export.h>
+#include <surveydata/scanning/area_explanation.h>
 #include <surveydata/scanning/scan_area.h>
 
 namespace GMAT {
@@ -25,13 +26,19 @@ class SURVEYDATA_API PreparedAreaC {
   PreparedAreaC& operator=(const PreparedAreaC& other);
   ~PreparedAreaC();
 
-  /// Whether a direction lies inside; angles in rad.
+  /// Whether a direction lies inside or in the boundary band, which does not lie along the boundary
+  /// (`ScanAreaC::Contains`); angles in rad.
   /// \cost grows with the number of edges near the direction, not with that of all.
   bool Contains(double hz, double v) const;
 
   /// Answers for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the three.
   void Contains(std::span<const double> hz, std::span<const double> v,
                 std::span<bool> inside) const;
+
+  /// The answer of `Contains` for the same direction with its reasons, which are those of
+  /// `ScanAreaC::Explain`.
+  /// \cost linear in the number of points.
+  AreaExplanation Explain(double hz, double v) const;
 
  private:
   std::shared_ptr<const GMAT::PreparedSphereAreaC> prepared_;  // null for a dome

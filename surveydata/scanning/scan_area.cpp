@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <limits>
 
+#include <surveydata/scanning/explain_direction.h>
 #include <surveydata/scanning/scan_area.h>
 #include <surveydata/scanning/scan_dome_area.h>
 #include <surveydata/sphere_geometry/angles.h>
@@ -74,6 +75,15 @@ bool ScanAreaImplC::Contains(double hz, double v) const {
   return GetType() == kDomeArea ? ScanDomeAreaImplC::IsInDome(hz, v) : sphereArea_.Contains(hz, v);
 }
 
+AreaExplanation ScanAreaImplC::Explain(double hz, double v) const {
+  if (GetType() == kDomeArea) return ExplainDirectionInDome(hz, v);
+  const std::vector<GMAT::AnglePointC>& points = sphereArea_.GetPoints();
+  GMAT::AreaFrame frame;
+  const bool isArea = GMAT::BuildFrame(points, frame) &&
+                      (frame.enclosesZenith || GMAT::IsRingValid(points, frame.edges));
+  return ExplainDirection(isArea ? &frame : nullptr, hz, v);
+}
+
 double ScanAreaImplC::GetHzStep() const { return hzStep_; }
 void ScanAreaImplC::SetHzStep(double step) { hzStep_ = step; }
 double ScanAreaImplC::GetVStep() const { return vStep_; }
@@ -132,6 +142,7 @@ void ScanAreaC::GetOutline(std::vector<ScanDefPointC>& out, double defaultDistan
 }
 
 bool ScanAreaC::Contains(double hz, double v) const { return GetImpl()->Contains(hz, v); }
+AreaExplanation ScanAreaC::Explain(double hz, double v) const { return GetImpl()->Explain(hz, v); }
 
 ScanAreaC::Bounds ScanAreaC::MeasureBounds() const {
   Bounds bounds;

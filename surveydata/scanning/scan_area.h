@@ -6,6 +6,7 @@
 
 #include <surveydata/object_model/export.h>
 #include <surveydata/object_model/handle.h>
+#include <surveydata/scanning/area_explanation.h>
 #include <surveydata/scanning/scan_def_point.h>
 #include <surveydata/scanning/scan_definition.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
@@ -34,6 +35,7 @@ class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
   virtual void GetOutline(std::vector<ScanDefPointC>& out, double defaultDistance) const = 0;
 
   bool Contains(double hz, double v) const;
+  AreaExplanation Explain(double hz, double v) const;
 
   double GetHzStep() const;
   void SetHzStep(double step);
@@ -114,10 +116,20 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
   /// does.
   void GetOutline(std::vector<ScanDefPointC>& out, double defaultDistance) const;
 
-  /// Whether a direction lies inside the area or within half of 0.001 gon of its boundary; for a
-  /// dome, whether its V lies in [0, 0.8 pi]. The steps do not matter. False beyond 100 rad.
+  /// Whether a direction lies inside the area or in its boundary band; for a dome, whether its V
+  /// lies in [0, 0.8 pi]. The steps do not matter. False beyond 100 rad.
+  ///
+  /// The band is half of 0.001 gon wide on either side of an edge, but it does not lie along the
+  /// boundary. It is measured at Hz + `hzOrigin`, the least Hz of the area, in a frame that is
+  /// shifted by -`hzOrigin`: it lies at the Hz of the boundary less twice `hzOrigin`. It follows
+  /// the straight chords of the (Hz, V) plane, and a polygon's closing edge has none. Only where
+  /// the area begins at Hz 0 or pi is it along its own chords. docs/sphere_areas.md has a picture.
   /// \cost that of `IsAreaValid`; `PreparedAreaC` answers many questions faster.
   bool Contains(double hz, double v) const;
+
+  /// The answer of `Contains` for the same direction, with its reasons.
+  /// \cost that of `IsAreaValid`.
+  AreaExplanation Explain(double hz, double v) const;
 
   /// A bound, rad; the largest finite double when the area is not valid. `GetHzMin` exceeds
   /// `GetHzMax` when the area crosses Hz 0. Around the zenith, `GetVMin` is the least V of the

@@ -34,6 +34,9 @@ class PreparedSphereAreaC {
   ///       unless edges crowd in a small part of the area.
   Answer Ask(double hz, double v) const;
 
+  /// The edges and bounds that the rules are asked of; null for what is no area.
+  const AreaFrame* GetFrame() const { return way_ != Way::kNever ? &frame_ : nullptr; }
+
   void Contains(std::span<const double> hz, std::span<const double> v,
                 std::span<bool> inside) const;
 

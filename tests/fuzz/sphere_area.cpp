@@ -111,6 +111,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     EXPECT_EQ(prepared.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(polygon.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(rebuilt.Contains(point.Hz, point.V), isInside);
+    const SDI::AreaExplanation why = polygon.Explain(point.Hz, point.V);
+    const SDI::AreaExplanation samePrepared = prepared.Explain(point.Hz, point.V);
+    EXPECT_EQ(why.isInside, isInside);
+    EXPECT_EQ(samePrepared.isInside, isInside);
+    EXPECT_EQ(samePrepared.rule, why.rule);
+    EXPECT_EQ(samePrepared.bandEdge, why.bandEdge);
+    EXPECT_EQ(samePrepared.nearestEdge, why.nearestEdge);
+    EXPECT_EQ(samePrepared.crossings.size(), why.crossings.size());
+    EXPECT_GE(why.distance, 0.0);
+    EXPECT_EQ(why.nearestEdge == SDI::AreaExplanation::kNoEdge,
+              why.distance == std::numeric_limits<double>::max());
     hz.push_back(point.Hz);
     v.push_back(point.V);
   }
