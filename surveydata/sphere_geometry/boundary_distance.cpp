@@ -33,6 +33,7 @@ cVec3 Cross(const cVec3& a, const cVec3& b) {
           a.X() * b.Y() - a.Y() * b.X()};
 }
 
+double Length(double x, double y) { return std::sqrt(x * x + y * y); }
 double Length(const cVec3& a) { return std::sqrt(Dot(a, a)); }
 
 // The vector at V whose Hz, measured from anywhere, has this cosine and sine.
@@ -51,8 +52,8 @@ double DistanceToPoint(const AnglePointC& direction, const AnglePointC& point) {
   const double cosTurn = std::cos(turn);
   const double difference = (direction.V - point.V) / 2.0;
   const double mean = (direction.V + point.V) / 2.0;
-  return 2.0 * std::atan2(std::hypot(std::sin(difference) * cosTurn, std::sin(mean) * sinTurn),
-                          std::hypot(std::cos(difference) * cosTurn, std::cos(mean) * sinTurn));
+  return 2.0 * std::atan2(Length(std::sin(difference) * cosTurn, std::sin(mean) * sinTurn),
+                          Length(std::cos(difference) * cosTurn, std::cos(mean) * sinTurn));
 }
 
 double DistanceToArc(const AnglePointC& direction, const AnglePointC& a, const AnglePointC& b) {
@@ -80,7 +81,7 @@ double DistanceToMeridian(const AnglePointC& direction, double hz, double v1, do
   const double nearest = std::atan2(along, std::cos(direction.V));
   if (nearest >= std::min(v1, v2) && nearest <= std::max(v1, v2)) {
     return std::atan2(std::fabs(std::sin(direction.V) * std::sin(turn)),
-                      std::hypot(along, std::cos(direction.V)));
+                      Length(along, std::cos(direction.V)));
   }
   return std::min(DistanceToPoint(direction, {hz, v1}), DistanceToPoint(direction, {hz, v2}));
 }
