@@ -53,4 +53,25 @@ inline std::vector<Direction> ProbesAround(std::size_t count) {
   return probes;
 }
 
+/// Distinct random directions in a box around the rings, `halfWidth` to each side of the middle.
+inline std::vector<Direction> RandomDirections(std::size_t count, double halfWidth) {
+  std::mt19937_64 random(2);
+  std::uniform_real_distribution<double> offset(-halfWidth, halfWidth);
+  std::vector<Direction> directions(count);
+  for (Direction& d : directions) d = {3.0 + offset(random), 1.3 + offset(random)};
+  return directions;
+}
+
+/// The directions of the same box as an instrument scans them, Hz by Hz, each from the top down.
+inline std::vector<Direction> ScanDirections(std::size_t count, double halfWidth) {
+  const auto rows = static_cast<std::size_t>(std::sqrt(static_cast<double>(count)));
+  std::vector<Direction> directions(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double x = (static_cast<double>(i / rows) + 0.5) / static_cast<double>(rows);
+    const double y = (static_cast<double>(i % rows) + 0.5) / static_cast<double>(rows);
+    directions[i] = {3.0 + halfWidth * (2.0 * x - 1.0), 1.3 + halfWidth * (2.0 * y - 1.0)};
+  }
+  return directions;
+}
+
 #endif  // SURVEYDATA_BENCHMARKS_RINGS_H_

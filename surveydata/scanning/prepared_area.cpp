@@ -8,9 +8,12 @@
 
 namespace SDI {
 
-PreparedAreaC::PreparedAreaC(const ScanAreaC& area) {
+PreparedAreaC::PreparedAreaC(const ScanAreaC& area) : PreparedAreaC(area, Questions::kFew) {}
+
+PreparedAreaC::PreparedAreaC(const ScanAreaC& area, Questions questions) {
   if (area.GetType() == kDomeArea) return;
-  prepared_ = std::make_shared<const GMAT::PreparedSphereAreaC>(area.GetImpl()->GetSphereArea());
+  prepared_ = std::make_shared<const GMAT::PreparedSphereAreaC>(area.GetImpl()->GetSphereArea(),
+                                                                questions == Questions::kMany);
 }
 
 PreparedAreaC::PreparedAreaC(const PreparedAreaC& other) = default;

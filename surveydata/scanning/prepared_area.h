@@ -20,8 +20,17 @@ namespace SDI {
 /// and several threads may ask at once. Every answer equals that of `ScanAreaC::Contains`.
 class SURVEYDATA_API PreparedAreaC {
  public:
+  /// How many questions to prepare for: makes no difference to the answers.
+  enum class Questions {
+    kFew,  ///< Quick to prepare.
+    kMany  ///< Adds a raster of decided cells: up to 512 KB, and up to a millisecond for rings of a
+           ///< thousand points. It pays from some ten thousand directions on.
+  };
+
+  /// Prepares for few questions.
   /// \cost n log n for n points, or more where `ScanAreaC::IsAreaValid` costs more.
   explicit PreparedAreaC(const ScanAreaC& area);
+  PreparedAreaC(const ScanAreaC& area, Questions questions);
   PreparedAreaC(const PreparedAreaC& other);
   PreparedAreaC& operator=(const PreparedAreaC& other);
   ~PreparedAreaC();

@@ -4,16 +4,13 @@
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
+#include <surveydata/sphere_geometry/filter_bounds.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 
 /// \file
 /// How an edge of a sphere area crosses another edge or a meridian.
 
 namespace GMAT {
-
-/// What `InRange` with 10 digits may accept outside a range is 2e-10 for angles of a few turns.
-/// Where a comparison clears this margin, rounding to digits cannot change its outcome.
-inline constexpr double kRoundingMargin = 1e-9;
 
 /// The crossing of the lines A and B in the (Hz, V) plane, when it lies within the Hz and the V
 /// span of both edges. Parallel lines have none.

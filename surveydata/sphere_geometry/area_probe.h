@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
+#include <surveydata/sphere_geometry/filter_bounds.h>
 
 /// \file
 /// The single steps by which a direction is found inside an area or outside.
@@ -21,13 +22,8 @@ bool IsBeside(const AnglePointC& probe, const AnglePointC& a, const AnglePointC&
 /// Whether the edge brings the probe within the tolerance of the boundary.
 bool IsInBand(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b);
 
-/// How far from an edge's box in the (Hz, V) plane a probe in its band may lie: more than half of
-/// `CONTAINS_TOLERANCE` with its rounding.
-inline constexpr double kBandReach = 1e-5;
-
 /// False only where `IsInBand` is false.
 inline bool IsNearBox(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b) {
-  constexpr double kLargeEdge = 1e6;  // of this length on, rounding could exceed the reach
   if (!(std::fabs(a.Hz - b.Hz) < kLargeEdge && std::fabs(a.V - b.V) < kLargeEdge)) return true;
   const auto isApart = [](double x, double end1, double end2) {
     return (x < end1 - kBandReach && x < end2 - kBandReach) ||

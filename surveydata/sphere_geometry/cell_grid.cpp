@@ -15,40 +15,43 @@ std::size_t CellGridC::CountColumns(std::size_t curves, double spans, double wid
   return static_cast<std::size_t>(std::max(std::min(affordable, width / minStep), 1.0));
 }
 
-void CellGridC::Build(const std::vector<Part>& parts) {
-  for (const Part& part : parts) {
-    Column& column = columns_[part.column];
-    column.low = std::min(column.low, part.low);
-    column.high = std::max(column.high, part.high);
-    column.rowsPerUnit += part.high - part.low;  // the sum of the heights, for now
-    ++column.rows;                               // the number of parts
-  }
-
+CellGridC::Column CellGridC::MakeColumn(const Extent& extent, std::uint32_t firstCell) {
   // A few parts to a row, but no more rows than leave each part in a few of them.
   constexpr float kFew = 8.0F;
   constexpr float kPartsPerRow = 4.0F;
   constexpr float kRowsPerPart = 3.0F;
+  Column column;
+  column.firstCell = firstCell;
+  const float height = extent.high - extent.low;
+  if (!(extent.parts > kFew && height > 0.0F)) return column;
+  const float rows =
+      std::min(extent.parts / kPartsPerRow, kRowsPerPart * height * extent.parts / extent.heights);
+  column.low = static_cast<double>(extent.low);
+  column.rows = static_cast<std::uint32_t>(std::max(rows, 1.0F));
+  column.rowsPerUnit = static_cast<double>(column.rows) / static_cast<double>(height);
+  return column;
+}
+
+void CellGridC::Build(const std::vector<Part>& parts) {
+  std::vector<Extent> extents(columns_.size());
+  for (const Part& part : parts) {
+    Extent& extent = extents[part.column];
+    extent.low = std::min(extent.low, part.low);
+    extent.high = std::max(extent.high, part.high);
+    extent.heights += part.high - part.low;
+    extent.parts += 1.0F;
+  }
   std::uint32_t cells = 0;
-  for (Column& column : columns_) {
-    const float height = column.high - column.low;
-    const float heights = column.rowsPerUnit;
-    const auto count = static_cast<float>(column.rows);
-    column.firstCell = cells;
-    column.rowsPerUnit = 0.0F;
-    column.rows = 1;
-    if (count > kFew && height > 0.0F) {
-      const float rows = std::min(count / kPartsPerRow, kRowsPerPart * height * count / heights);
-      column.rows = static_cast<std::uint32_t>(std::max(rows, 1.0F));
-      column.rowsPerUnit = static_cast<float>(column.rows) / height;
-    }
-    cells += column.rows;
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    columns_[i] = MakeColumn(extents[i], cells);
+    cells += columns_[i].rows;
   }
 
   lists_.assign(cells + 1, {0, 0});
   for (const Part& part : parts) {
     const Column& column = columns_[part.column];
-    const std::uint32_t last = column.RowOf(part.high);
-    for (std::uint32_t row = column.RowOf(part.low); row <= last; ++row) {
+    const std::uint32_t last = column.RowOfPart(part.high);
+    for (std::uint32_t row = column.RowOfPart(part.low); row <= last; ++row) {
       ++lists_[column.firstCell + row].begin;
     }
     if (part.entersLeft != 0 && last + 1 < column.rows) {
@@ -71,10 +74,10 @@ void CellGridC::Build(const std::vector<Part>& parts) {
   items_.resize(total);
   for (const Part& part : parts) {
     const Column& column = columns_[part.column];
-    const std::uint32_t first = column.RowOf(part.low);
-    const std::uint32_t last = column.RowOf(part.high);
-    const std::uint32_t start = column.RowOf(part.start);
-    const std::uint32_t end = column.RowOf(part.end);
+    const std::uint32_t first = column.RowOfPart(part.low);
+    const std::uint32_t last = column.RowOfPart(part.high);
+    const std::uint32_t start = column.RowOfPart(part.start);
+    const std::uint32_t end = column.RowOfPart(part.end);
     for (std::uint32_t row = first; row <= last; ++row) {
       items_[--lists_[column.firstCell + row].begin] = {part.curve & kMostCurves, row == first,
                                                         start < row, end < row};

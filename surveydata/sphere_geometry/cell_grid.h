@@ -20,8 +20,8 @@ class CellGridC {
   static constexpr std::uint32_t kMostCurves = (1U << 29) - 1;
   static constexpr std::uint32_t kMostItems = (1U << 31) - 1;
 
-  /// What a curve does in one column. Where it has no ends, these are at `kNoEnd`. Heights are
-  /// below 8.
+  /// What a curve does in one column. Where it has no ends, these are at `kNoEnd`, above all
+  /// heights, which are below 8.
   struct Part {
     std::uint32_t curve;
     std::uint32_t column : 31;
@@ -31,8 +31,9 @@ class CellGridC {
     float start;                   ///< The height of its beginning, with x growing.
     float end;
   };
-  static constexpr float kNoEnd = 1e30F;
-  /// What heights may lose in a float.
+  static constexpr float kNoEnd = 1e6F;
+  /// What heights may be off: a float of less than 8 is rounded by 2.4e-7, and twice so when it is
+  /// widened; the rest is for the caller.
   static constexpr float kRounding = 1e-6F;
 
   /// Left of its beginning a curve counts for nothing. Beside it, `startsBelow` counts, and once
@@ -50,8 +51,6 @@ class CellGridC {
     bool isOddBelow;  ///< Curves of other cells, at the left border of the column.
   };
 
-  /// The widest column that there is.
-  static constexpr double kWidest = 1.6;
   /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
   /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
   static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep);
@@ -64,10 +63,7 @@ class CellGridC {
   std::size_t GetColumnCount() const { return columns_.size(); }
   double GetBorder(std::size_t column) const { return static_cast<double>(column) / perUnit_; }
   /// The column at x, the first or the last one beyond the ends.
-  std::size_t ColumnOf(double x) const {
-    return static_cast<std::size_t>(
-        std::clamp(x * perUnit_, 0.0, static_cast<double>(columns_.size() - 1)));
-  }
+  std::size_t ColumnOf(double x) const { return ClampedIndex(x * perUnit_, columns_.size()); }
 
   /// A part of the curve between two heights.
   static Part MakePart(std::size_t curve, std::size_t column, double low, double high) {
@@ -88,6 +84,13 @@ class CellGridC {
   }
   Cell Find(double x, double y) const { return Find(ColumnOf(x), y); }
 
+  /// The items of all cells of a column.
+  std::span<const Item> GetItems(std::size_t column) const {
+    const Column& at = columns_[column];
+    return {items_.data() + lists_[at.firstCell].begin,
+            items_.data() + lists_[at.firstCell + at.rows].begin};
+  }
+
   /// All cells of a column.
   template <class Use>
   void ForEachCell(std::size_t column, Use use) const {
@@ -96,25 +99,40 @@ class CellGridC {
   }
 
  private:
+  // With one row, or none, `rowsPerUnit` is 0.
   struct Column {
-    float low = kNoEnd;
-    float high = -kNoEnd;
-    float rowsPerUnit = 0.0F;
+    double low = 0.0;
+    double rowsPerUnit = 0.0;
     std::uint32_t firstCell = 0;
-    std::uint32_t rows = 0;
+    std::uint32_t rows = 1;
 
     std::uint32_t RowOf(double y) const {
-      if (rows == 1) return 0;
-      return static_cast<std::uint32_t>(
-          std::clamp((y - static_cast<double>(low)) * static_cast<double>(rowsPerUnit), 0.0,
-                     static_cast<double>(rows - 1)));
+      return static_cast<std::uint32_t>(ClampedIndex((y - low) * rowsPerUnit, rows));
     }
-    std::uint32_t RowOf(float y) const { return RowOf(static_cast<double>(y)); }
+    // The same; most columns of a small ring have one row.
+    std::uint32_t RowOfPart(float y) const { return rows == 1 ? 0 : RowOf(static_cast<double>(y)); }
+  };
+  // What its parts take up of a column.
+  struct Extent {
+    float low = kNoEnd;
+    float high = -kNoEnd;
+    float heights = 0.0F;
+    float parts = 0.0F;
   };
   struct List {
     std::uint32_t begin : 31;
     std::uint32_t isOddBelow : 1;
   };
+
+  static Column MakeColumn(const Extent& extent, std::uint32_t firstCell);
+
+  // The whole part of x, or the nearest of the numbers [0, count). Without a branch.
+  static std::size_t ClampedIndex(double x, std::size_t count) {
+    const auto index = static_cast<std::int64_t>(x);
+    const std::int64_t last = static_cast<std::int64_t>(count) - 1;
+    const std::int64_t fromZero = index > 0 ? index : 0;
+    return static_cast<std::size_t>(fromZero < last ? fromZero : last);
+  }
 
   Cell GetCell(std::size_t i) const {
     return {{items_.data() + lists_[i].begin, items_.data() + lists_[i + 1].begin},

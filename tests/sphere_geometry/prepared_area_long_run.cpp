@@ -1,11 +1,15 @@
-// prepared_area_long_run [PROBES [SEED]]: asks a prepared area and the area itself for random and
-// adversarial directions, PROBES of them, and reports how often the bounds did not prove the
-// answer. Exits with 1 at the first difference. A test asks for a few, a long run for 10^8.
+// prepared_area_long_run [PROBES [SEED [PER_RING]]]: asks prepared areas, with and without a
+// raster, one by one and in batches, and the plain rules for random and adversarial directions,
+// PROBES of them, PER_RING to a ring, and reports how often the bounds did not prove the answer.
+// Exits with 1 at the first difference. A test asks for a few, a long run for 10^9, 10^5 to a ring.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
+#include <surveydata/sphere_geometry/area_rules.h>
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
@@ -14,34 +18,134 @@
 namespace {
 
 using GMAT::AnglePointC;
+using GMAT::PreparedSphereAreaC;
+
+// The rules over all edges, as `SphereAreaC::Contains` takes them, but with the edges and the
+// validity of the ring found once.
+class PlainRulesC {
+ public:
+  explicit PlainRulesC(const GMAT::SphereAreaC& area)
+      : isArea_(GMAT::BuildFrame(area.GetPoints(), frame_) &&
+                (frame_.enclosesZenith || GMAT::IsRingValid(area.GetPoints(), frame_.edges))) {}
+
+  bool Contains(double hz, double v) const {
+    if (!GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI) || !GMAT::WrapIntoRange(v, 0.0, GMAT::TWO_PI)) {
+      return false;
+    }
+    return isArea_ && (GMAT::FindEdgeInBand(frame_, GMAT::EdgesWithBand(frame_),
+                                            GMAT::BandProbe(hz, v, frame_.hzOrigin)) ||
+                       GMAT::IsInsideByCrossings(frame_, GMAT::AllEdges(frame_),
+                                                 GMAT::NormalizeAngle(hz - frame_.hzOrigin), v));
+  }
+  const GMAT::AreaFrame& GetFrame() const { return frame_; }
+
+ private:
+  GMAT::AreaFrame frame_;
+  bool isArea_;
+};
 
 struct Tally {
   std::uint64_t probes = 0;
   std::uint64_t inside = 0;
   std::uint64_t unproven = 0;
+  std::uint64_t undecided = 0;  // by the raster
 
   void Print(const char* kind) const {
-    std::printf(
-        "%-12s %12llu probes, %11llu inside, %11llu by the rules (%.4f %%)\n", kind,
-        static_cast<unsigned long long>(probes), static_cast<unsigned long long>(inside),
-        static_cast<unsigned long long>(unproven),
-        probes == 0 ? 0.0 : 100.0 * static_cast<double>(unproven) / static_cast<double>(probes));
+    const auto percent = [this](std::uint64_t count) {
+      return probes == 0 ? 0.0 : 100.0 * static_cast<double>(count) / static_cast<double>(probes);
+    };
+    std::printf("%-12s %12llu probes, %11llu inside, %.4f %% by the rules, %.4f %% not by cells\n",
+                kind, static_cast<unsigned long long>(probes),
+                static_cast<unsigned long long>(inside), percent(unproven), percent(undecided));
   }
 };
 
-bool Compare(const GMAT::SphereAreaC& area, const GMAT::PreparedSphereAreaC& prepared,
-             AnglePointC probe, Tally& tally) {
-  const bool expected = area.Contains(probe.Hz, probe.V);
-  const GMAT::PreparedSphereAreaC::Answer answer = prepared.Ask(probe.Hz, probe.V);
-  ++tally.probes;
-  tally.inside += expected;
-  tally.unproven += !answer.isProven;
-  if (answer.isInside == expected) return true;
-  std::printf("DIFFERENCE at {%a, %a}: %d, the area says %d (proven: %d); the points are\n",
-              probe.Hz, probe.V, answer.isInside, expected, answer.isProven);
-  for (const AnglePointC& p : area.GetPoints()) std::printf("{%a, %a}, ", p.Hz, p.V);
-  std::printf("\n");
-  return false;
+// One ring and all ways to ask it.
+class RingC {
+ public:
+  explicit RingC(const std::vector<AnglePointC>& points) {
+    area_.AddPoints(points);
+    rules_ = std::make_unique<PlainRulesC>(area_);
+    few_ = std::make_unique<PreparedSphereAreaC>(area_);
+    many_ = std::make_unique<PreparedSphereAreaC>(area_, true);
+  }
+
+  const GMAT::AreaFrame& GetFrame() const { return rules_->GetFrame(); }
+  const GMAT::DecidedRasterC* GetRaster() const { return many_->GetRaster(); }
+
+  // `isFirst`: asks the area itself, too, which builds all anew.
+  bool Compare(AnglePointC probe, bool isFirst, Tally& tally) {
+    const bool expected = rules_->Contains(probe.Hz, probe.V);
+    const PreparedSphereAreaC::Answer few = few_->Ask(probe.Hz, probe.V);
+    const PreparedSphereAreaC::Answer many = many_->Ask(probe.Hz, probe.V);
+    ++tally.probes;
+    tally.inside += expected;
+    tally.unproven += !few.isProven;
+    const bool isInTurn =
+        probe.Hz >= 0.0 && probe.Hz <= GMAT::TWO_PI && probe.V >= 0.0 && probe.V <= GMAT::TWO_PI;
+    tally.undecided += GetRaster() == nullptr || !isInTurn ||
+                       GetRaster()->Find(probe.Hz, probe.V) == GMAT::Verdict::kUndecided;
+    hz_.push_back(probe.Hz);
+    v_.push_back(probe.V);
+    expected_.push_back(expected);
+    if (few.isInside == expected && many.isInside == expected &&
+        (!isFirst || area_.Contains(probe.Hz, probe.V) == expected)) {
+      return true;
+    }
+    Report(probe, expected);
+    std::printf("prepared: %d, proven %d; with a raster: %d, proven %d\n", few.isInside,
+                few.isProven, many.isInside, many.isProven);
+    return false;
+  }
+
+  bool CompareBatches() {
+    const auto inside = std::make_unique<bool[]>(hz_.size());
+    for (const PreparedSphereAreaC* const prepared : {few_.get(), many_.get()}) {
+      prepared->Contains(hz_, v_, {inside.get(), hz_.size()});
+      for (std::size_t i = 0; i < hz_.size(); ++i) {
+        if (inside[i] == (expected_[i] != 0)) continue;
+        Report({hz_[i], v_[i]}, expected_[i] != 0);
+        std::printf("in a batch: %d\n", inside[i]);
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  void Report(AnglePointC probe, bool expected) const {
+    std::printf("DIFFERENCE at {%a, %a}: the rules say %d; the points are\n", probe.Hz, probe.V,
+                expected);
+    for (const AnglePointC& p : area_.GetPoints()) std::printf("{%a, %a}, ", p.Hz, p.V);
+    std::printf("\n");
+  }
+
+  GMAT::SphereAreaC area_;
+  std::unique_ptr<PlainRulesC> rules_;
+  std::unique_ptr<PreparedSphereAreaC> few_;
+  std::unique_ptr<PreparedSphereAreaC> many_;
+  std::vector<double> hz_;
+  std::vector<double> v_;
+  std::vector<char> expected_;
+};
+
+// On the borders of cells, and next to them.
+AnglePointC CellProbe(RingGenerator& random, const GMAT::DecidedRasterC& raster) {
+  AnglePointC probe = raster.GetCellCorner(random.Below(GMAT::DecidedRasterC::kRingColumns + 1),
+                                           random.Below(GMAT::DecidedRasterC::kRows + 1));
+  const AnglePointC other = raster.GetCellCorner(random.Below(GMAT::DecidedRasterC::kRingColumns),
+                                                 random.Below(GMAT::DecidedRasterC::kRows));
+  switch (random.Below(3)) {
+    case 0:
+      probe.Hz = other.Hz + random.Uniform(0.0, 1e-3);
+      break;
+    case 1:
+      probe.V = other.V + random.Uniform(0.0, 1e-3);
+      break;
+    default:
+      break;
+  }
+  return {random.Nudged(probe.Hz), random.Nudged(probe.V)};
 }
 
 }  // namespace
@@ -49,30 +153,37 @@ bool Compare(const GMAT::SphereAreaC& area, const GMAT::PreparedSphereAreaC& pre
 int main(int argc, char** argv) {
   const std::uint64_t wanted = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 100'000'000;
   const std::uint64_t seed = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 20260101;
+  const std::uint64_t perRing = argc > 3 ? std::strtoull(argv[3], nullptr, 10) : 100'000;
+  constexpr std::uint64_t kAskedOfArea = 80;
   RingGenerator random(seed);
   Tally adversarial;
+  Tally cells;
   Tally uniform;
   Tally crowded;
-  constexpr std::uint64_t kCrowdedAmong = 100;  // rings
-  for (std::uint64_t ring = 0; adversarial.probes + uniform.probes + crowded.probes < wanted;
-       ++ring) {
-    const bool isCrowded = ring % kCrowdedAmong == 0;
-    GMAT::SphereAreaC area;
-    area.AddPoints(isCrowded ? random.CrowdedRing() : random.Ring(200, true));
-    const GMAT::PreparedSphereAreaC prepared(area);
-    std::vector<AnglePointC> edges;
-    double hzOrigin = 0.0;
-    area.BuildEdgeList(edges, hzOrigin);
-    for (int i = 0; i < 40; ++i) {
-      if (!Compare(area, prepared, random.Probe(edges, hzOrigin, true),
-                   isCrowded ? crowded : adversarial)) {
-        return 1;
+  std::uint64_t probes = 0;
+  for (std::uint64_t rings = 0; probes < wanted; ++rings) {
+    // One in a hundred of small rings, one in ten where a ring is asked for long.
+    const bool isCrowded = rings % (perRing > 1000 ? 10 : 100) == 0;
+    RingC ring(isCrowded ? random.CrowdedRing() : random.Ring(200, true));
+    for (std::uint64_t i = 0; i < perRing; ++i, ++probes) {
+      bool isSame = true;
+      if (i % 2 == 0) {
+        const AnglePointC anywhere{random.Uniform(0.0, GMAT::TWO_PI),
+                                   random.Uniform(0.0, GMAT::PI)};
+        isSame = ring.Compare(anywhere, i < kAskedOfArea, isCrowded ? crowded : uniform);
+      } else if (i % 8 == 1 && ring.GetRaster() != nullptr) {
+        isSame = ring.Compare(CellProbe(random, *ring.GetRaster()), i < kAskedOfArea, cells);
+      } else {
+        const GMAT::AreaFrame& frame = ring.GetFrame();
+        isSame = ring.Compare(random.Probe(frame.edges, frame.hzOrigin, true), i < kAskedOfArea,
+                              isCrowded ? crowded : adversarial);
       }
-      const AnglePointC anywhere{random.Uniform(0.0, GMAT::TWO_PI), random.Uniform(0.0, GMAT::PI)};
-      if (!Compare(area, prepared, anywhere, isCrowded ? crowded : uniform)) return 1;
+      if (!isSame) return 1;
     }
+    if (!ring.CompareBatches()) return 1;
   }
   adversarial.Print("adversarial");
+  cells.Print("cell borders");
   uniform.Print("uniform");
   crowded.Print("crowded");
   return 0;

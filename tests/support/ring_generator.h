@@ -26,6 +26,8 @@ class RingGenerator {
   /// A direction to ask for. `edges` and `hzOrigin` are those of the ring.
   GMAT::AnglePointC Probe(const std::vector<GMAT::AnglePointC>& edges, double hzOrigin, bool wild);
 
+  /// `x`, a unit in the last place beside it, or an offset around the tolerances beside it.
+  double Nudged(double x);
   std::uint64_t Below(std::uint64_t n) { return random_() % n; }
   double Uniform(double lo, double hi) {
     return lo + (hi - lo) * (static_cast<double>(random_() >> 11) * 0x1p-53);
@@ -33,8 +35,6 @@ class RingGenerator {
 
  private:
   bool OneIn(std::uint64_t n) { return Below(n) == 0; }
-  // Nothing, single units in the last place, or offsets around the tolerances.
-  double Nudged(double x);
   double SpecialHz();
   double SpecialV();
   std::size_t Count(std::size_t maxPoints);

@@ -1,0 +1,117 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_DECIDED_RASTER_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_DECIDED_RASTER_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <surveydata/sphere_geometry/area_frame.h>
+#include <surveydata/sphere_geometry/hz_intervals.h>
+#include <surveydata/sphere_geometry/ring_curves.h>
+#include <surveydata/sphere_geometry/slab_index.h>
+
+namespace GMAT {
+
+/// A raster over the directions around a polygon: each cell is proven inside, proven outside, or
+/// left to be asked.
+///
+/// A cell is decided when no edge comes into it, nor the boundary band of one, by the bounds of the
+/// slab decomposition: then all directions of the cell have the same number of edges below but for
+/// pairs, and one answer of the decomposition holds for all. Beside the cells there is a table of
+/// the Hz in which directions must be asked whatever their cell says.
+///
+/// The band lies at the Hz of the ring less twice the Hz at which the frame begins. Columns of
+/// their own cover it where it leaves the ring. What lies beyond ring and band is outside.
+class DecidedRasterC {
+ public:
+  /// What cells and table take at most, in bytes.
+  static constexpr std::size_t kMostBytes = 512 * 1024;
+
+  /// Whether the decomposition decides anything.
+  static bool CanDecide(const SlabIndexC& slabs) { return !slabs.IsAlwaysUndecided(); }
+
+  DecidedRasterC(const AreaFrame& frame, const RingCurves& ring, const SlabIndexC& slabs);
+
+  /// For `hz` and `v` in [0, 2 pi]. One lookup in the cells and one in the table, without a branch.
+  Verdict Find(double hz, double v) const {
+    const std::uint32_t hz32 = ToTurnUnits(hz) - origin_;
+    const std::uint32_t inRing = ring_.ColumnOf(hz32);
+    // All bits are set where the direction lies beyond the columns of the ring.
+    const std::uint32_t isBeyond = 0U - static_cast<std::uint32_t>(inRing >= kRingColumns);
+    const std::uint32_t column = inRing + (band_.ColumnOf(hz32 - band_.start) & isBeyond);
+    const std::uint32_t cell = cells_[column * kStride + RowOf(v)];
+    const std::uint32_t isLeft = intervals_.MayContain(hz32) ? kLeft : 0U;
+    return static_cast<Verdict>(std::min(cell | isLeft, kLeft));
+  }
+
+  /// A corner of a cell that covers the ring, in Hz of the instrument: tests aim at them. `column`
+  /// is at most `kRingColumns`, `row` at most `kRows`.
+  AnglePointC GetCellCorner(std::size_t column, std::size_t row) const {
+    return {NormalizeAngle(ToHz(origin_) + ring_.BorderOf(column)),
+            vTop_ + static_cast<double>(row) / rowsPerRadian_};
+  }
+  static constexpr std::size_t kRows = 500;  // and one above, one below
+  static constexpr std::size_t kRingColumns = 512;
+
+  /// Bytes of the cells and the table.
+  std::size_t GetSize() const { return cells_.size() + intervals_.GetTableSize(); }
+
+ private:
+  class BuilderC;
+
+  static constexpr std::size_t kStride = kRows + 2;
+  static constexpr std::int64_t kLastRow = kRows + 1;
+  static constexpr std::size_t kBandColumns = 192;
+  static constexpr std::size_t kMostColumns = kRingColumns + kBandColumns + 1;
+  static constexpr auto kLeft = static_cast<std::uint32_t>(Verdict::kUndecided);
+  static constexpr std::uint32_t kMostBuckets = 1U << 14;
+  static_assert(kRingColumns <= 1024 && kBandColumns <= 1024, "Block::ColumnOf would overflow");
+  static_assert(kMostColumns * kStride + kMostBuckets * HzIntervalsC::kBytesPerBucket <=
+                kMostBytes);
+
+  static double ToHz(double units) { return units * (TWO_PI / 0x1p32); }
+
+  // Columns side by side; Hz is in units of a turn, relative to the beginning of the block.
+  struct Block {
+    std::uint32_t start = 0;  // relative to the beginning of the raster
+    std::uint32_t end = 0;
+    std::uint64_t columnsPerUnit = 0;  // times 2^kFraction
+    static constexpr int kFraction = 54;
+
+    Block() = default;
+    Block(std::uint32_t startUnit, double width, std::uint32_t columns)
+        : start(startUnit),
+          end(static_cast<std::uint32_t>(std::min(width / TWO_PI * 0x1p32, 0x1p32 - 1.0))),
+          columnsPerUnit(((std::uint64_t{columns} << kFraction) + end - 1) / end) {}
+
+    // The number of columns from the end on, or from three units before it: rounding up makes
+    // columnsPerUnit greater by 2^-30 of itself at most.
+    std::uint32_t ColumnOf(std::uint32_t units) const {
+      return static_cast<std::uint32_t>((std::min(units, end) * columnsPerUnit) >> kFraction);
+    }
+    // Where column `i` begins, rad.
+    double BorderOf(std::size_t i) const {
+      return ToHz(static_cast<double>(std::uint64_t{i} << kFraction) /
+                  static_cast<double>(columnsPerUnit));
+    }
+  };
+
+  std::size_t RowOf(double v) const {
+    const auto row = static_cast<std::int64_t>((v - vTop_) * rowsPerRadian_ + 1.0);
+    const std::int64_t fromTop = row > 0 ? row : 0;
+    return static_cast<std::size_t>(fromTop <= kLastRow ? fromTop : kLastRow);
+  }
+
+  std::uint32_t origin_ = 0;  // in units of a turn
+  Block ring_;
+  Block band_;
+  double vTop_ = 0.0;
+  double rowsPerRadian_ = 0.0;
+  std::vector<std::uint8_t> cells_;
+  HzIntervalsC intervals_;
+};
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_DECIDED_RASTER_H_

@@ -1,0 +1,190 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_FILTER_BOUNDS_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_FILTER_BOUNDS_H_
+
+#include <cmath>
+
+#include <surveydata/sphere_geometry/angles.h>
+#include <surveydata/sphere_geometry/great_circle_arc.h>
+
+/// \file
+/// The bounds of the floating-point filters: where a computed comparison clears its bound, the
+/// rules answer the same, and need not be asked. docs/sphere_areas.md carries the argument as a
+/// whole; filter_bounds_test measures each bound against multi-precision arithmetic.
+///
+/// Angles are in rad, u is the unit roundoff, s the sine of V, t = cot V = tan(latitude).
+
+namespace GMAT {
+
+/// What rounding to nearest may change, relative.
+inline constexpr double kUnitRoundoff = 0x1p-53;
+
+// -- Comparisons to 10 digits ---------------------------------------------------------------------
+
+/// Areas whose frame is wider in Hz are left to the rules: a frame this wide winds 1,591 times.
+inline constexpr double kWidestFrame = 1e4;
+
+/// The farthest outside a range that `InRange`, `AtLeast` and `AtMost` accept, for operands up to
+/// `kWidestFrame`.
+///
+/// RoundToStep computes k d for k = floor(x / d + 1/2), d = 1e-10. At x = 1e4 the quotient 1e14 is
+/// rounded by u 1e14 = 0.011, the sum by half of ulp(1e14) = 0.008, k d by u 1e4 = 0.011 d, and d
+/// itself is off by u d, which moves k d by 0.011 d more: |RoundToStep(x) - x| <= 0.541 d. Two
+/// rounded operands count as equal when they differ by less than d: 2.082 d.
+inline constexpr double kDigitsReach = 2.1e-10;
+
+/// Where angles are this far apart, no comparison to 10 digits is undecided, whatever one part in
+/// four of it is lost to: moving an angle by full turns rounds twice by u `kWidestFrame` = 1.1e-12,
+/// 1,591 turns of `TWO_PI` instead of 2 pi are 3.9e-13 off.
+inline constexpr double kRoundingMargin = 1e-9;
+static_assert(kRoundingMargin > 4.0 * (kDigitsReach + 4.0 * kUnitRoundoff * kWidestFrame));
+
+// -- The boundary band
+// ------------------------------------------------------------------------------
+
+/// Edges in the (Hz, V) plane from this length on are asked by the rules alone.
+inline constexpr double kLargeEdge = 1e6;
+
+/// How far from an edge's box a probe in its band may lie.
+///
+/// The rules accept a distance from the edge's line of half of `CONTAINS_TOLERANCE`, 7.854e-6, plus
+/// `kDigitsReach`, and neither end may be farther than the edge is long, so that the foot of the
+/// probe lies on the edge. Of the length L, the distance of the line is rounded by 8 u (two
+/// products of factors up to L, each rounded three times, their difference, the quotient), those of
+/// the ends by 4 u: with L = 1e6 that makes 1.3e-9.
+inline constexpr double kBandReach = 1e-5;
+static_assert(kBandReach >
+              CONTAINS_TOLERANCE / 2.0 + kDigitsReach + 12.0 * kUnitRoundoff * kLargeEdge);
+
+/// The same in the index of bands, whose lines v = v0 + m x are rounded besides: v0, m x and the
+/// sum by u |m x| each, x up to `kWidestFrame`, where the strip is m times `kBandReach` high.
+inline constexpr double kStripReach = kBandReach + 1e-8;
+static_assert(kStripReach - kBandReach > 4.0 * kUnitRoundoff * kWidestFrame);
+
+// -- Arcs as sinusoids
+// ------------------------------------------------------------------------------
+
+/// Arcs whose plane comes nearer to the poles than this (sine of the angle, |nz| / |n|) are steep:
+/// the rules decide over their whole span. Of the others |t| < 1 / kSteepSine.
+inline constexpr double kSteepSine = 1e-9;
+
+/// The error of `QuickCosSin`, of cosine and sine each.
+///
+/// The angle: k TWO_PI / 256 is rounded by half of ulp(2 pi) = 4 u, TWO_PI is 2.2 u off, the
+/// difference is exact: 6.2 u. The table: 3 u. The two polynomials: rounded by 1 u, cut off by less
+/// than 0.1 u. The rotation: two products and their sum, 2 u. Together less than 13 u.
+inline constexpr double kQuickTrigError = 16.0 * kUnitRoundoff;
+
+/// The error of `QuickArcTangent`: that of its polynomial, 2e-8 as published.
+inline constexpr double kQuickArcTangentError = 2.1e-8;
+
+/// What t = a cos Hz + b sin Hz may differ between the filter and the rules, by |a| + |b|.
+///
+/// Both take a = -nx / nz and b = -ny / nz from the same computed normal n. The rules round cosine
+/// and sine by 1 u, two products, their sum and the quotient by nz: 5 u. The filter rounds a and b
+/// by 1 u, product and sum by 2 u, after an error of `kQuickTrigError`.
+inline constexpr double kCurveError = 32.0 * kUnitRoundoff;
+static_assert(kCurveError > kQuickTrigError + 8.0 * kUnitRoundoff);
+
+/// Directions this near to a pole are left to the rules: s > kPoleMargin for all others.
+inline constexpr double kPoleMargin = 1e-8;
+/// |t| is less than that of all directions that are answered.
+inline constexpr double kPoleTangent = 1.0 / kPoleMargin;
+
+/// What a difference of V is in t: the derivative, 1 / s^2 = 1 + t^2.
+constexpr double InTangent(double difference, double tangent) {
+  return difference * (1.0 + tangent * tangent);
+}
+
+/// What a difference in t of m (1 + t^2) is at least in V, for |t| up to `extreme`: between t and
+/// t + m (1 + t^2) the derivative of V is at least 1 / (1 + t^2) / (1 + m sqrt(1 + t^2))^2.
+constexpr double LeastInV(double m, double extreme) {
+  return m / ((1.0 + 1.01 * m * extreme) * (1.0 + 1.01 * m * extreme));
+}
+
+/// An arc decides on which side of it a direction lies where |t_arc - t| exceeds this times 1 +
+/// t^2, and the error of the curve. Then V differs by more than the comparison with the crossing
+/// needs, whose arc tangent and difference are rounded by 4 u.
+inline constexpr double kDirectionMargin = 4.0 * kRoundingMargin;
+static_assert(LeastInV(kDirectionMargin, kPoleTangent) > kRoundingMargin + 8.0 * kUnitRoundoff);
+
+/// A cell lists the arcs that come as near to it as this. Nearer to the equator than the arc a
+/// direction is then that far from it in V; nearer to the pole |t| of both is below `kPoleTangent`.
+inline constexpr double kListingMargin = 8.0 * kRoundingMargin;
+static_assert(LeastInV(kListingMargin, kPoleTangent) > kRoundingMargin + 8.0 * kUnitRoundoff);
+
+/// Two arcs that are this far apart in V have crossings that the rules never take for one, which
+/// they do with those that differ by less than 1e-10.
+inline constexpr double kCrossingsApart = 1.5e-10;
+static_assert(LeastInV(kCrossingsApart, 1.0 / kSteepSine) > 1e-10 + 16.0 * kUnitRoundoff);
+
+// -- How far a sinusoid leaves what is known of it
+// ----------------------------------------------------
+
+/// Over a span x of Hz up to `kShortSpan`, t leaves the range of its two ends by at most
+/// kBulge x^2 max |t|: the extreme M within the span has an end within x / 2, at M cos(x / 2) or
+/// more, so that M is at most 1 / cos(x / 2) times that end, and (1 / cos(x / 2) - 1) / x^2 grows
+/// with x, to 0.1879 at 1.8.
+inline constexpr double kBulge = 0.2;
+inline constexpr double kShortSpan = 1.8;
+
+/// The widest column of the slab decomposition: no area has fewer than 8.
+inline constexpr double kWidestColumn = TWO_PI / 8.0;
+static_assert(kWidestColumn < kShortSpan);
+
+/// Within a column, |t| is at most this times the greater of its values at the borders:
+/// 1 / cos(kWidestColumn / 2) = 1.0824.
+inline constexpr double kColumnRise = 1.09;
+
+/// asin(x) is at most this times x, up to `kShortReach`: the sinusoid S sin(Hz - Hz0) stays below y
+/// within kZeroReach y / S of its zero, and not beyond. The hundredth that asin(0.01) leaves covers
+/// the rounding of S and the quotient; the zero is off by what the error of a and b makes, which y
+/// holds.
+inline constexpr double kZeroReach = 1.01;
+inline constexpr double kShortReach = 0.01;
+
+// -- Ends
+// -------------------------------------------------------------------------------------------
+
+/// A column lists the edges that come this near in Hz; next to the seam the rules look at all
+/// edges. A corner lies within `kRoundingMargin` of where it counts.
+inline constexpr double kColumnOverlap = 1e-8;
+static_assert(kColumnOverlap > 4.0 * kRoundingMargin);
+
+/// Crossings up to this far beyond the ends of the search line count for certain: the rules widen
+/// it by `kVertexAccuracy`.
+inline constexpr double kLineReach = 1e-8;
+static_assert(kLineReach + kRoundingMargin < kVertexAccuracy);
+
+/// Crossings farther than this beyond the ends of the search line do not count, for certain.
+inline constexpr double kLineMargin = 1e-7;
+static_assert(kLineMargin > kVertexAccuracy + 2.0 * kRoundingMargin);
+
+// -- The raster
+// -------------------------------------------------------------------------------------
+
+/// The raster finds a direction by its Hz in units of 2^-32 of a turn, rounded down: by less than a
+/// unit and the rounding of the quotient and of the rules' own Hz, 12 u of 2 pi. Arcs change by
+/// |a| + |b| times as much.
+inline constexpr double kRasterSlack = 4e-9;
+static_assert(kRasterSlack > 2.0 * TWO_PI * (0x1p-32 + 12.0 * kUnitRoundoff));
+
+/// The raster begins this much before the frame, and ends as much after it, so that what counts
+/// next to a corner lies within.
+inline constexpr double kRasterOverlap = 2.0 * kColumnOverlap;
+static_assert(kRasterOverlap > kColumnOverlap + 2.0 * kRasterSlack);
+
+/// What lies this far beyond the search line, or the band, is decided without the cells.
+inline constexpr double kRasterEdge = 1e-6;
+static_assert(kRasterEdge > kLineMargin + kPoleMargin);
+
+// -- Rectangles
+// -------------------------------------------------------------------------------------
+
+/// A crossing with the side of a rectangle has the Hz of the line but for 4 u of 2 pi; it is
+/// compared to 10 digits. That it counts is certain where Hz is farther than this from half a step.
+inline constexpr double kBetweenSteps = 0.01;
+static_assert(kBetweenSteps * 1e-10 > 8.0 * kUnitRoundoff * TWO_PI);
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_FILTER_BOUNDS_H_

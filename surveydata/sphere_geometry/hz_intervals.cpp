@@ -1,0 +1,57 @@
+#include <cmath>
+
+#include <surveydata/sphere_geometry/hz_intervals.h>
+
+namespace GMAT {
+
+void HzIntervalsC::AddHz(double low, double high) {
+  if (low < 0.0 && width_ == TWO_PI) Add(low + TWO_PI, TWO_PI);
+  if (high > TWO_PI) Add(0.0, high - TWO_PI);
+  Add(std::max(low, 0.0), high);
+}
+
+void HzIntervalsC::Build(std::uint32_t mostBuckets) {
+  std::sort(intervals_.begin(), intervals_.end(),
+            [](const Interval& a, const Interval& b) { return a.low < b.low; });
+  std::size_t kept = 0;
+  for (const Interval& interval : intervals_) {
+    if (kept > 0 && interval.low <= intervals_[kept - 1].high) {
+      intervals_[kept - 1].high = std::max(intervals_[kept - 1].high, interval.high);
+    } else {
+      intervals_[kept++] = interval;
+    }
+  }
+  intervals_.resize(kept);
+
+  constexpr std::size_t kBucketsPerInterval = 4;
+  const std::uint64_t buckets =
+      std::clamp<std::uint64_t>(kept * kBucketsPerInterval, 1, mostBuckets);
+  lastUnit_ = static_cast<std::uint32_t>(std::min(width_ / TWO_PI * 0x1p32, 0x1p32 - 1.0));
+  bucketsPerUnit_ = (buckets << kFraction) / (std::uint64_t{lastUnit_} + 1);
+  hulls_.assign(buckets, Hull{});
+  for (const Interval& interval : intervals_) {
+    // A unit more on either side for what is rounded.
+    const std::uint32_t low = ToUnits(interval.low, -1.0);
+    const std::uint32_t high = ToUnits(interval.high, 1.0);
+    for (std::size_t bucket = BucketOf(low); bucket <= BucketOf(high); ++bucket) {
+      Hull& hull = hulls_[bucket];
+      // They come in ascending order.
+      hull.low = std::min(hull.low, low);
+      hull.length = high - hull.low;
+    }
+  }
+}
+
+std::uint32_t HzIntervalsC::ToUnits(double hz, double added) const {
+  const double units = std::floor(hz * (0x1p32 / TWO_PI)) + added;
+  return static_cast<std::uint32_t>(std::clamp(units, 0.0, static_cast<double>(lastUnit_)));
+}
+
+bool HzIntervalsC::Find(double hz) const {
+  const auto after =
+      std::upper_bound(intervals_.begin(), intervals_.end(), hz,
+                       [](double value, const Interval& interval) { return value < interval.low; });
+  return after != intervals_.begin() && hz <= std::prev(after)->high;
+}
+
+}  // namespace GMAT

@@ -1,0 +1,82 @@
+#ifndef SURVEYDATA_SPHERE_GEOMETRY_HZ_INTERVALS_H_
+#define SURVEYDATA_SPHERE_GEOMETRY_HZ_INTERVALS_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <surveydata/sphere_geometry/angles.h>
+
+namespace GMAT {
+
+/// Hz in units of 2^-32 of a turn, which wraps by itself: for `hz` in [0, 2 pi], 2 pi is 0. Rounded
+/// down.
+inline std::uint32_t ToTurnUnits(double hz) {
+  return static_cast<std::uint32_t>(static_cast<std::int64_t>(hz * (0x1p32 / TWO_PI)));
+}
+
+/// A set of closed intervals of Hz in [0, width]: where the rules must be asked whatever an index
+/// says.
+class HzIntervalsC {
+ public:
+  struct Interval {
+    double low;
+    double high;
+  };
+  static constexpr std::size_t kBytesPerBucket = 8;
+
+  HzIntervalsC() = default;
+  /// \param width  at most a full turn.
+  explicit HzIntervalsC(double width) : width_(width) {}
+
+  void Reserve(std::size_t count) { intervals_.reserve(count); }
+  void Add(double low, double high) { intervals_.push_back({low, high}); }
+  /// Adds an interval of Hz that may reach beyond [0, 2 pi]. Where the width is a full turn, what
+  /// lies beyond one end comes in at the other.
+  void AddHz(double low, double high);
+  /// Sorts and joins the intervals. To be called once, after the last `Add` and before a question.
+  /// `mostBuckets` limits the memory of the table.
+  void Build(std::uint32_t mostBuckets);
+  /// Forgets the intervals themselves; `MayContain` still answers.
+  void DropIntervals() { intervals_ = {}; }
+
+  std::size_t GetTableSize() const { return hulls_.size() * kBytesPerBucket; }
+  /// After `Build` in ascending order, and none overlap.
+  const std::vector<Interval>& GetIntervals() const { return intervals_; }
+
+  /// Whether an Hz may lie in an interval: true for all that do and for few others. One lookup,
+  /// without a branch.
+  bool MayContain(std::uint32_t units) const {
+    const std::uint32_t inWidth = units < lastUnit_ ? units : lastUnit_;
+    const Hull& hull = hulls_[BucketOf(inWidth)];
+    return units - hull.low <= hull.length;
+  }
+  bool Contains(double hz) const { return MayContain(ToTurnUnits(hz)) && Find(hz); }
+
+ private:
+  // The range of all intervals of a bucket, [low, low + length]; without any, the last unit.
+  struct Hull {
+    std::uint32_t low = ~0U;
+    std::uint32_t length = 0;
+  };
+  static_assert(sizeof(Hull) == kBytesPerBucket);
+
+  static constexpr int kFraction = 40;
+  // The units of an Hz and the number of them that are added, of the width at most.
+  std::uint32_t ToUnits(double hz, double added) const;
+  std::size_t BucketOf(std::uint32_t units) const {
+    return static_cast<std::size_t>((units * bucketsPerUnit_) >> kFraction);
+  }
+  bool Find(double hz) const;
+
+  double width_ = 0.0;
+  std::uint32_t lastUnit_ = 0;
+  std::uint64_t bucketsPerUnit_ = 0;  // times 2^kFraction
+  std::vector<Interval> intervals_;
+  std::vector<Hull> hulls_;
+};
+
+}  // namespace GMAT
+
+#endif  // SURVEYDATA_SPHERE_GEOMETRY_HZ_INTERVALS_H_

@@ -1,0 +1,223 @@
+#include <algorithm>
+#include <limits>
+
+#include <surveydata/sphere_geometry/close_crossings.h>
+#include <surveydata/sphere_geometry/great_circle_arc.h>
+#include <surveydata/sphere_geometry/slab_index.h>
+
+namespace GMAT {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+// Narrower frames get columns as if they were this wide.
+constexpr double kMinWidth = 1e-3;
+// A frame that leaves less than this of the turn counts as a full turn.
+constexpr double kNarrowGap = 1e-3;
+constexpr std::uint32_t kMostBuckets = 1U << 16;
+
+// The height of a point in the cells: -V, as a direction has it.
+double HeightOf(double tangent) { return QuickArcTangent(tangent) - HALF_PI; }
+constexpr double kHeightOfZenith = 0.0;
+
+}  // namespace
+
+/// Lists the curves of a ring in the cells of an index.
+class SlabIndexC::BuilderC {
+ public:
+  BuilderC(SlabIndexC& index, const AreaFrame& frame, const RingCurves& ring)
+      : index_(index), frame_(frame), ring_(ring), line_(frame) {}
+
+  void Build() {
+    index_.curves_.reserve(ring_.curves.size() + 1);
+    index_.curves_ = ring_.curves;
+    ChooseColumns();
+    parts_.reserve(6 * ring_.curves.size());
+    index_.intervals_.Reserve(2 * ring_.curves.size());
+    for (std::size_t edge = 0; edge < ring_.curves.size(); ++edge) {
+      if (ring_.curves[edge].kind == ArcCurve::kPole) {
+        ListToPole(edge, ring_.GetStart(edge));
+        ListToPole(edge, ring_.GetEnd(edge));
+      } else {
+        ListEdge(edge);
+      }
+    }
+    index_.grid_.Build(parts_);
+    AddIntervalsOfCorners(frame_, ring_, index_.intervals_);
+    AddIntervalsOfCells(index_.grid_, borders_, index_.curves_, ring_.curves.size(),
+                        index_.intervals_);
+    index_.intervals_.Build(kMostBuckets);
+  }
+
+ private:
+  // A frame of less than a turn needs columns for its own width alone; edges at a pole concern
+  // every meridian.
+  void ChooseColumns() {
+    double frameWidth = 0.0;
+    double spans = 0.0;
+    for (std::size_t edge = 0; edge < frame_.GetEdgeCount(); ++edge) {
+      const double hz = frame_.GetStart(edge).Hz;
+      frameWidth = std::max(frameWidth, hz);
+      spans += std::fabs(hz - frame_.GetEnd(edge).Hz);
+    }
+    frameWidth = std::max(frameWidth, frame_.edges.back().Hz);
+    const bool isNarrow = frameWidth < TWO_PI - kNarrowGap && ring_.poleEdges.empty();
+    const double width = isNarrow ? std::max(frameWidth, kMinWidth) : TWO_PI;
+    columns_ = CellGridC::CountColumns(frame_.GetEdgeCount(), spans, width, 4.0 * kColumnOverlap);
+    index_.grid_ = CellGridC(width, columns_);
+    index_.intervals_ = HzIntervalsC(width);
+    index_.hEnd_ = width + kColumnOverlap;
+    index_.hFirst_ = isNarrow ? 0.0 : kColumnOverlap;
+    index_.hLast_ = std::min(width, TWO_PI - kColumnOverlap);
+    borders_.reserve(columns_ + 1);
+    for (std::size_t i = 0; i <= columns_; ++i) {
+      borders_.push_back(QuickCosSin(std::min(index_.grid_.GetBorder(i), TWO_PI)));
+    }
+  }
+
+  std::uint32_t ColumnOf(double hz) const {
+    return static_cast<std::uint32_t>(index_.grid_.ColumnOf(hz));
+  }
+
+  void LeaveToRules(std::size_t column) {
+    index_.intervals_.AddHz(index_.grid_.GetBorder(column) - kRoundingMargin,
+                            index_.grid_.GetBorder(column + 1) + kRoundingMargin);
+  }
+
+  // An edge at the pole rises to it from each of its corners.
+  void ListToPole(std::size_t edge, const RingCorner& corner) {
+    if (corner.tangent > kPoleTangent) return;
+    const std::uint32_t column = ColumnOf(corner.hz);
+    if (!line_.AllCount({corner.tangent, corner.tangent})) LeaveToRules(column);
+    ArcCurve curve = ring_.curves[edge];
+    curve.low = curve.high = corner.hz;
+    CellGridC::Part part =
+        CellGridC::MakePart(index_.curves_.size(), column, -corner.v, kHeightOfZenith);
+    part.start = static_cast<float>(-corner.v);
+    parts_.push_back(part);
+    index_.curves_.push_back(curve);
+  }
+
+  void ListEdge(std::size_t number) {
+    const RingEdge edge = ring_.Orient(number);
+    const ArcCurve curve = ring_.curves[number];
+    const bool isArc = curve.kind == ArcCurve::kArc;
+    const bool allCount = line_.AllCount(curve, edge);
+    const std::uint32_t first = ColumnOf(edge.west.hz);
+    const std::uint32_t last =
+        ColumnOf(edge.east.hz) + (edge.wraps ? static_cast<std::uint32_t>(columns_) : 0U);
+    std::size_t listed = number;
+    Point from{curve.low, edge.west.tangent, -edge.west.v};
+    const Point end{curve.high, edge.east.tangent, -edge.east.v};
+    for (std::uint32_t i = first; i <= last; ++i) {
+      const auto column = static_cast<std::uint32_t>(i < columns_ ? i : i - columns_);
+      if (i == columns_) listed = AddTurned(curve);
+      const Point to = i == last || !isArc ? end : CrossBorder(curve, i + 1, column + 1);
+      if (!allCount && !AllCount(curve, from, to)) {
+        if (NoneCounts(curve, from, to)) {
+          from = isArc ? to : from;
+          continue;
+        }
+        LeaveToRules(column);
+      }
+      const double slack =
+          kListingMargin + (isArc ? SlackOf(curve, from.t, to.t, to.hz - from.hz) : 0.0);
+      CellGridC::Part part =
+          CellGridC::MakePart(listed, column, std::min(from.height, to.height) - slack,
+                              std::max(from.height, to.height) + slack);
+      if (i == first) part.start = static_cast<float>(-edge.west.v);
+      if (i == last) part.end = static_cast<float>(-edge.east.v);
+      part.entersLeft = i > first ? 1U : 0U;
+      parts_.push_back(part);
+      if (isArc) from = to;
+    }
+    ListBesideEnds(number, listed, first, last < columns_ ? last : last - columns_);
+  }
+
+  struct Point {
+    double hz;
+    double t;
+    double height;
+  };
+
+  // Where a curve enters a column; `border` is the same modulo a turn.
+  Point CrossBorder(const ArcCurve& curve, std::size_t turnedBorder, std::size_t border) const {
+    const double t = curve.At(borders_[border]);
+    return {index_.grid_.GetBorder(turnedBorder), t, HeightOf(t)};
+  }
+
+  static TangentRange RangeOf(const ArcCurve& curve, const Point& from, const Point& to) {
+    if (curve.kind == ArcCurve::kArc) return RangeBetween(curve, from.t, to.t, to.hz - from.hz);
+    return {std::min(from.t, to.t), std::max(from.t, to.t)};
+  }
+  bool AllCount(const ArcCurve& curve, const Point& from, const Point& to) const {
+    return line_.AllCount(RangeOf(curve, from, to));
+  }
+  bool NoneCounts(const ArcCurve& curve, const Point& from, const Point& to) const {
+    return line_.NoneCounts(RangeOf(curve, from, to));
+  }
+
+  // The number of the same curve a turn to the west.
+  std::size_t AddTurned(const ArcCurve& curve) {
+    ArcCurve turned = curve;
+    turned.low -= TWO_PI;
+    turned.high -= TWO_PI;
+    index_.curves_.push_back(turned);
+    return index_.curves_.size() - 1;
+  }
+
+  // The rules may count an edge a little beyond its ends: the columns there list it for them.
+  void ListBesideEnds(std::size_t number, std::size_t turned, std::size_t firstColumn,
+                      std::size_t lastColumn) {
+    const RingEdge edge = ring_.Orient(number);
+    const CellGridC& grid = index_.grid_;
+    if (firstColumn > 0 && edge.west.hz - grid.GetBorder(firstColumn) < kColumnOverlap) {
+      parts_.push_back(CellGridC::MakePart(number, firstColumn - 1, -edge.west.v, -edge.west.v));
+    }
+    if (lastColumn + 1 < columns_ &&
+        grid.GetBorder(lastColumn + 1) - edge.east.hz < kColumnOverlap) {
+      parts_.push_back(CellGridC::MakePart(turned, lastColumn + 1, -edge.east.v, -edge.east.v));
+    }
+  }
+
+  SlabIndexC& index_;
+  const AreaFrame& frame_;
+  const RingCurves& ring_;
+  const LineEndsC line_;
+  std::size_t columns_ = 0;
+  std::vector<CosSin> borders_;
+  std::vector<CellGridC::Part> parts_;
+};
+
+SlabIndexC::SlabIndexC(const AreaFrame& frame, const RingCurves& ring) {
+  const double vLow = std::min(frame.vMin, frame.vMax);
+  const double vHigh = std::max(frame.vMin, frame.vMax);
+  vBegin_ = frame.enclosesZenith ? -kInfinity : vLow - kLineMargin;
+  vEnd_ = vHigh + kLineMargin;
+  edgeCount_ = static_cast<std::uint32_t>(frame.GetEdgeCount());
+  poleEdges_ = ring.poleEdges;
+  hasSearchLine_ = GreatCircleArcC(SpherePointC({0.0, vLow}), SpherePointC({0.0, vHigh})).IsValid();
+  // Edges at the north pole are crossed there, above any direction, if the search line reaches it.
+  isAlwaysUndecided_ =
+      !ring.isClosed || (!poleEdges_.empty() && vLow - kVertexAccuracy > -kRoundingMargin);
+  if (!hasSearchLine_) vBegin_ = kInfinity;
+  BuilderC(*this, frame, ring).Build();
+}
+
+std::vector<std::uint32_t> SlabIndexC::FindEdges(double h) const {
+  std::vector<std::uint32_t> edges;
+  if (IsAtSeam(h)) {
+    for (std::uint32_t edge = 0; edge < edgeCount_; ++edge) edges.push_back(edge);
+    return edges;
+  }
+  edges = poleEdges_;
+  for (const CellGridC::Item& item : grid_.GetItems(grid_.ColumnOf(h))) {
+    const ArcCurve& curve = curves_[item.curve];
+    if (item.isLowest != 0 && curve.kind != ArcCurve::kPole && h > curve.low - kColumnOverlap &&
+        h < curve.high + kColumnOverlap) {
+      edges.push_back(curve.edge);
+    }
+  }
+  return edges;
+}
+
+}  // namespace GMAT
