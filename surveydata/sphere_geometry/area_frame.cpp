@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include <surveydata/sphere_geometry/area_frame.h>
+#include <surveydata/sphere_geometry/filter_bounds.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 #include <surveydata/sphere_geometry/ring_crossings.h>
 
@@ -29,17 +30,13 @@ void WidenByVertex(const AnglePointC& current, const AnglePointC& previous, doub
   widen(NormalizeAngle(longitude + PI), NormalizeAngle(TWO_PI - v));
 }
 
-// Whether no candidate for a vertex can reach beyond [vMin, vMax]. The first candidate lies at most
-// as far from `current` in V as in Hz, and counts only within the edge's Hz span; the second lies
-// at least a quarter turn from `current`. Where Hz is so large that it is rounded to more than a
-// fraction of the margin, nothing is known.
+// Whether no candidate for a vertex can reach beyond [vMin, vMax] (`kVertexMargin`).
 bool CannotWiden(const AnglePointC& current, const AnglePointC& previous, double vMin,
                  double vMax) {
-  constexpr double kMargin = 1e-6;  // above the accuracy of the vertex
-  constexpr double kLargestHz = 1e6;
   const double hz = std::fabs(current.Hz - previous.Hz);
-  return hz < HALF_PI - 0.01 && current.Hz < kLargestHz && current.V >= 0.0 && current.V <= PI &&
-         current.V - hz - kMargin > vMin && current.V + hz + kMargin < vMax;
+  return hz < kWidestWithoutOpposite && current.Hz < kLargestHz && current.V >= 0.0 &&
+         current.V <= PI && current.V - hz - kVertexMargin > vMin &&
+         current.V + hz + kVertexMargin < vMax;
 }
 
 bool ArePointsValid(std::span<const AnglePointC> points) {

@@ -6,7 +6,7 @@ namespace GMAT {
 
 std::size_t CellGridC::CountColumns(std::size_t curves, double spans, double width,
                                     double minStep) {
-  constexpr double kFewest = 8.0;
+  constexpr auto kFewest = static_cast<double>(kFewestColumns);
   constexpr double kPartsPerCurve = 6.0;
   const double n = static_cast<double>(curves);
   const double crossedAtOnce = spans / width;

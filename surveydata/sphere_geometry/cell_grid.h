@@ -51,6 +51,8 @@ class CellGridC {
     bool isOddBelow;  ///< Curves of other cells, at the left border of the column.
   };
 
+  /// Of as many curves or more, where the columns may be narrow enough.
+  static constexpr std::size_t kFewestColumns = 8;
   /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
   /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
   static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep);

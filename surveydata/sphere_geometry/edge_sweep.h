@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
+#include <surveydata/sphere_geometry/filter_bounds.h>
 
 /// \file
 /// A sweep line over the edges of a ring that keeps them in their order.
@@ -42,12 +43,10 @@ enum class SweepResult {
 /// The sum is 2 (2.86e-10) + 5e-12 + 2 (2.86e-10) < 1.2e-9; 5.8e-10 where nothing underflows.
 inline constexpr double kCrossingReach = 1.2e-9;
 
-/// The width of a frame, rad, up to which `SweepInOrder` decides.
-inline constexpr double kWidestFrame = 2048.0;
-
 /// Searches a ring for two edges for which `areCrossing` is true. It is asked for all pairs of
 /// edges that come within `kCrossingReach` of each other in the (Hz, V) plane, and for a few more.
-/// \param edges  start and end of each edge, the end of one being the start of the next; finite.
+/// \param edges  start and end of each edge, the end of one being the start of the next; finite. A
+///               frame wider than `kWidestFrame` is undecided.
 /// \cost n log n, and one question for every pair of edges that come within 2e-9 of each other.
 /// \source Shamos and Hoey, Geometric intersection problems, 1976.
 SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing);

@@ -18,28 +18,42 @@ namespace GMAT {
 /// What rounding to nearest may change, relative.
 inline constexpr double kUnitRoundoff = 0x1p-53;
 
-// -- Comparisons to 10 digits ---------------------------------------------------------------------
+// --- Comparisons to 10 digits ---
 
-/// Areas whose frame is wider in Hz are left to the rules: a frame this wide winds 1,591 times.
-inline constexpr double kWidestFrame = 1e4;
+/// Areas whose frame is wider, rad, are left to the rules: a frame this wide winds 325 times.
+inline constexpr double kWidestFrame = 2048.0;
 
 /// The farthest outside a range that `InRange`, `AtLeast` and `AtMost` accept, for operands up to
 /// `kWidestFrame`.
 ///
-/// RoundToStep computes k d for k = floor(x / d + 1/2), d = 1e-10. At x = 1e4 the quotient 1e14 is
-/// rounded by u 1e14 = 0.011, the sum by half of ulp(1e14) = 0.008, k d by u 1e4 = 0.011 d, and d
-/// itself is off by u d, which moves k d by 0.011 d more: |RoundToStep(x) - x| <= 0.541 d. Two
-/// rounded operands count as equal when they differ by less than d: 2.082 d.
-inline constexpr double kDigitsReach = 2.1e-10;
+/// RoundToStep computes k d for k = floor(x / d + 1/2), d = 1e-10. At x = 2048 the quotient 2.05e13
+/// is rounded by u 2.05e13 = 0.0023, the sum by half of its ulp, 0.002, k d by u 2048 = 0.0023 d,
+/// and d itself is off by u d, which moves k d by as much: |RoundToStep(x) - x| <= 0.509 d. Two
+/// rounded operands count as equal when they differ by less than d: 2.018 d.
+inline constexpr double kDigitsReach = 2.02e-10;
 
-/// Where angles are this far apart, no comparison to 10 digits is undecided, whatever one part in
-/// four of it is lost to: moving an angle by full turns rounds twice by u `kWidestFrame` = 1.1e-12,
-/// 1,591 turns of `TWO_PI` instead of 2 pi are 3.9e-13 off.
+/// Where angles are this far apart, no comparison to 10 digits is undecided. Moving an angle by
+/// full turns rounds twice by u `kWidestFrame` = 2.3e-13, and 325 turns of `TWO_PI` instead of 2 pi
+/// are 8e-14 off.
 inline constexpr double kRoundingMargin = 1e-9;
 static_assert(kRoundingMargin > 4.0 * (kDigitsReach + 4.0 * kUnitRoundoff * kWidestFrame));
 
-// -- The boundary band
-// ------------------------------------------------------------------------------
+// --- The bounds of an area ---
+
+/// The vertex of an edge cannot widen the bounds where it would have to lie farther from an end of
+/// the edge in V than in Hz. On the arc tan(lat) = T cos(Hz - Hz0), |lat0 - lat| <= |Hz - Hz0|:
+/// with d the difference of Hz and lat0 = atan T, tan(lat0 - d) <= T cos d follows from T (1 - cos
+/// d) <= 2 T sin d <= tan d + T^2 sin d. The vertex that the rules compute is off by
+/// `kVertexAccuracy`, and counts within the span of the edge to 10 digits.
+inline constexpr double kVertexMargin = 1e-6;
+/// Up to this Hz, a tenth of the margin is more than Hz is rounded, and rounded to digits, by.
+inline constexpr double kLargestHz = 1e6;
+static_assert(kVertexMargin / 10.0 > kVertexAccuracy + 16.0 * kUnitRoundoff * kLargestHz + 3e-10);
+/// The second candidate lies a quarter turn from an end at least, or what the courses of short
+/// edges are off.
+inline constexpr double kWidestWithoutOpposite = HALF_PI - 0.01;
+
+// --- The boundary band ---
 
 /// Edges in the (Hz, V) plane from this length on are asked by the rules alone.
 inline constexpr double kLargeEdge = 1e6;
@@ -60,8 +74,7 @@ static_assert(kBandReach >
 inline constexpr double kStripReach = kBandReach + 1e-8;
 static_assert(kStripReach - kBandReach > 4.0 * kUnitRoundoff * kWidestFrame);
 
-// -- Arcs as sinusoids
-// ------------------------------------------------------------------------------
+// --- Arcs as sinusoids ---
 
 /// Arcs whose plane comes nearer to the poles than this (sine of the angle, |nz| / |n|) are steep:
 /// the rules decide over their whole span. Of the others |t| < 1 / kSteepSine.
@@ -117,8 +130,7 @@ static_assert(LeastInV(kListingMargin, kPoleTangent) > kRoundingMargin + 8.0 * k
 inline constexpr double kCrossingsApart = 1.5e-10;
 static_assert(LeastInV(kCrossingsApart, 1.0 / kSteepSine) > 1e-10 + 16.0 * kUnitRoundoff);
 
-// -- How far a sinusoid leaves what is known of it
-// ----------------------------------------------------
+// --- How far a sinusoid leaves what is known of it ---
 
 /// Over a span x of Hz up to `kShortSpan`, t leaves the range of its two ends by at most
 /// kBulge x^2 max |t|: the extreme M within the span has an end within x / 2, at M cos(x / 2) or
@@ -142,8 +154,7 @@ inline constexpr double kColumnRise = 1.09;
 inline constexpr double kZeroReach = 1.01;
 inline constexpr double kShortReach = 0.01;
 
-// -- Ends
-// -------------------------------------------------------------------------------------------
+// --- Ends ---
 
 /// A column lists the edges that come this near in Hz; next to the seam the rules look at all
 /// edges. A corner lies within `kRoundingMargin` of where it counts.
@@ -159,8 +170,7 @@ static_assert(kLineReach + kRoundingMargin < kVertexAccuracy);
 inline constexpr double kLineMargin = 1e-7;
 static_assert(kLineMargin > kVertexAccuracy + 2.0 * kRoundingMargin);
 
-// -- The raster
-// -------------------------------------------------------------------------------------
+// --- The raster ---
 
 /// The raster finds a direction by its Hz in units of 2^-32 of a turn, rounded down: by less than a
 /// unit and the rounding of the quotient and of the rules' own Hz, 12 u of 2 pi. Arcs change by
@@ -177,8 +187,7 @@ static_assert(kRasterOverlap > kColumnOverlap + 2.0 * kRasterSlack);
 inline constexpr double kRasterEdge = 1e-6;
 static_assert(kRasterEdge > kLineMargin + kPoleMargin);
 
-// -- Rectangles
-// -------------------------------------------------------------------------------------
+// --- Rectangles ---
 
 /// A crossing with the side of a rectangle has the Hz of the line but for 4 u of 2 pi; it is
 /// compared to 10 digits. That it counts is certain where Hz is farther than this from half a step.

@@ -14,6 +14,10 @@ constexpr double kMinWidth = 1e-3;
 // A frame that leaves less than this of the turn counts as a full turn.
 constexpr double kNarrowGap = 1e-3;
 constexpr std::uint32_t kMostBuckets = 1U << 16;
+static_assert(TWO_PI / CellGridC::kFewestColumns <= kWidestColumn);
+static_assert(kMinWidth / (4.0 * kColumnOverlap) > CellGridC::kFewestColumns);
+static_assert(CellGridC::kRounding >
+              2 * 0x1p-22F + 2.0F * static_cast<float>(kQuickArcTangentError));
 
 // The height of a point in the cells: -V, as a direction has it.
 double HeightOf(double tangent) { return QuickArcTangent(tangent) - HALF_PI; }

@@ -47,9 +47,9 @@ class SphereAreaC : public AreaManagerI {
   /// no two exactly equal, and no two edges that are no neighbours cross, both as arcs and in the
   /// (Hz, V) plane.
   /// \cost n log n for n points, and n for a ring that is star-shaped about the mean of its points.
-  ///       Up to the square of n for edges within 2e-9 rad of each other, for a ring in which chords
-  ///       of the (Hz, V) plane cross whose arcs do not, and for one that winds around the axis
-  ///       hundreds of times.
+  ///       Up to the square of n for edges within 2e-9 rad of each other, for a ring in which
+  ///       chords of the (Hz, V) plane cross whose arcs do not, and for one that winds around the
+  ///       axis hundreds of times.
   virtual bool IsValid() const;
 
   /// The bounds. `hzMax` is above `hzMin` and may exceed 2 pi.

@@ -55,6 +55,18 @@ macro(read_headers file)
   math(EXPR seen "${seen} + ${count}")
 endmacro()
 
+# Notes that the header or source `source` includes the library's header `name`, by their names
+# without an extension: a header and its source are one.
+set(units "")
+macro(note_use source name)
+  string(REGEX REPLACE "\\.(h|cpp)$" "" user ${source})
+  string(REGEX REPLACE "^surveydata/(.*)\\.h$" "\\1" used_unit ${name})
+  if(NOT user STREQUAL used_unit AND user MATCHES "^sphere_geometry/")
+    list(APPEND units ${user})
+    list(APPEND used_by_${user} ${used_unit})
+  endif()
+endmacro()
+
 file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}/surveydata
   ${SOURCE_DIR}/surveydata/*.h ${SOURCE_DIR}/surveydata/*.cpp)
 list(REMOVE_ITEM sources surveydata.h)  # includes all
@@ -70,6 +82,7 @@ foreach(source ${sources})
     if(name MATCHES "^surveydata/([a-z_]+)/[a-z0-9_]+\\.h$")
       set(used ${CMAKE_MATCH_1})
       if(used STREQUAL subsystem OR used IN_LIST ${subsystem}_may)
+        note_use(${source} ${name})
         continue()
       endif()
     elseif(name MATCHES "^[a-z0-9_]+(\\.h)?$" OR name MATCHES ${library_outside})
@@ -78,6 +91,30 @@ foreach(source ${sources})
     complain("surveydata/${source} must not include ${name}")
   endforeach()
 endforeach()
+
+# Nothing includes upwards within the sphere geometry either: there is an order in which each unit includes
+# earlier ones alone. What includes only units that have their place gets its own.
+list(REMOVE_DUPLICATES units)
+set(placed TRUE)
+while(placed AND units)
+  set(placed FALSE)
+  foreach(unit ${units})
+    set(waits FALSE)
+    foreach(used ${used_by_${unit}})
+      if(used IN_LIST units)
+        set(waits TRUE)
+      endif()
+    endforeach()
+    if(NOT waits)
+      list(REMOVE_ITEM units ${unit})
+      set(placed TRUE)
+    endif()
+  endforeach()
+endwhile()
+if(units)
+  list(JOIN units ", " units)
+  complain("these include each other in a circle, or a circle: ${units}")
+endif()
 
 set(inhabited "")
 file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}/tools

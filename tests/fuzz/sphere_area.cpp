@@ -98,6 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const GMAT::SphereAreaC rebuilt = Rebuilt(area);
   CompareAreas::CompareRing(rebuilt, rules, tally);
   const SDI::PreparedAreaC prepared(polygon);
+  const SDI::PreparedAreaC withRaster(polygon, SDI::PreparedAreaC::Questions::kMany);
   std::vector<double> hz;
   std::vector<double> v;
   for (std::size_t i = 0; i < kMostProbes && !in.IsEmpty(); ++i) {
@@ -109,6 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CompareAreas::CompareProbe(area, rules, point, tally);
     const bool isInside = rules.Contains(point.Hz, point.V);
     EXPECT_EQ(prepared.Contains(point.Hz, point.V), isInside);
+    EXPECT_EQ(withRaster.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(polygon.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(rebuilt.Contains(point.Hz, point.V), isInside);
     const SDI::AreaExplanation why = polygon.Explain(point.Hz, point.V);
@@ -127,8 +129,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   bool inside[kMostProbes] = {};
   prepared.Contains(hz, v, inside);
+  bool insideByRaster[kMostProbes] = {};
+  withRaster.Contains(hz, v, insideByRaster);
   for (std::size_t i = 0; i < hz.size(); ++i) {
     EXPECT_EQ(inside[i], prepared.Contains(hz[i], v[i]));
+    EXPECT_EQ(insideByRaster[i], inside[i]);
   }
   return 0;
 }

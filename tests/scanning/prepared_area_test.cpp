@@ -45,13 +45,18 @@ std::size_t CountInside(const ScanAreaC& area, int probes = 5000) {
   std::vector<double> v;
   MakeProbes(probes, hz, v);
   const PreparedAreaC prepared(area);
+  const PreparedAreaC withRaster(area, PreparedAreaC::Questions::kMany);
   const auto inside = std::make_unique<bool[]>(hz.size());
+  const auto insideByRaster = std::make_unique<bool[]>(hz.size());
   prepared.Contains(hz, v, {inside.get(), hz.size()});
+  withRaster.Contains(hz, v, {insideByRaster.get(), hz.size()});
   std::size_t count = 0;
   for (std::size_t i = 0; i < hz.size(); ++i) {
     const bool expected = area.Contains(hz[i], v[i]);
     EXPECT_EQ(prepared.Contains(hz[i], v[i]), expected) << hz[i] << ", " << v[i];
+    EXPECT_EQ(withRaster.Contains(hz[i], v[i]), expected) << hz[i] << ", " << v[i];
     EXPECT_EQ(inside[i], expected) << hz[i] << ", " << v[i];
+    EXPECT_EQ(insideByRaster[i], expected) << hz[i] << ", " << v[i];
     count += expected;
   }
   return count;
@@ -174,6 +179,7 @@ TEST(PreparedArea, AnswersAsTheAreaDoesNextToItsEdges) {
   MakeCrowdedRings(rings);
   for (const auto& ring : rings) {
     const PreparedAreaC prepared(*ring);
+    const PreparedAreaC withRaster(*ring, PreparedAreaC::Questions::kMany);
     std::vector<ScanDefPointC> points;
     ring->GetPoints(points);
     std::size_t inside = 0;
@@ -187,6 +193,7 @@ TEST(PreparedArea, AnswersAsTheAreaDoesNextToItsEdges) {
         for (const double off : {0.0, 7e-6, -7e-6, 9e-6, -9e-6, 0.03, -0.3, 0.3}) {
           const bool expected = ring->Contains(hz, v + off);
           ASSERT_EQ(prepared.Contains(hz, v + off), expected) << hz << ", " << v << " + " << off;
+          ASSERT_EQ(withRaster.Contains(hz, v + off), expected) << hz << ", " << v << " + " << off;
           inside += expected;
         }
       }
@@ -200,10 +207,12 @@ TEST(PreparedArea, AnswersAsTheAreaDoesOnTheMeridiansOfItsCorners) {
   for (const auto& [hz, v] : {std::pair(1.0, 1.0), {2.5, 0.7}, {3.0, 1.5}, {2.0, 2.2}}) {
     polygon.AddPoint({hz, v, -1.0});
   }
-  const PreparedAreaC prepared(polygon);
-  for (const double hz : {1.0, 2.5, 3.0, 2.0}) {
-    for (double v = 0.0; v < kPi; v += 0.01) {
-      ASSERT_EQ(prepared.Contains(hz, v), polygon.Contains(hz, v)) << hz << ", " << v;
+  for (const auto questions : {PreparedAreaC::Questions::kFew, PreparedAreaC::Questions::kMany}) {
+    const PreparedAreaC prepared(polygon, questions);
+    for (const double hz : {1.0, 2.5, 3.0, 2.0}) {
+      for (double v = 0.0; v < kPi; v += 0.01) {
+        ASSERT_EQ(prepared.Contains(hz, v), polygon.Contains(hz, v)) << hz << ", " << v;
+      }
     }
   }
 }
@@ -251,12 +260,15 @@ TEST(PreparedArea, SixtyFiveThousandPoints) {
     area.AddPoint({3.0 + r * std::cos(angle), 1.5 + r * std::sin(angle), -1.0});
   }
   const PreparedAreaC prepared(area);
+  const PreparedAreaC withRaster(area, PreparedAreaC::Questions::kMany);
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> offset(-0.6, 0.6);
   for (int i = 0; i < 40; ++i) {
     const double hz = 3.0 + offset(random);
     const double v = 1.5 + offset(random);
-    EXPECT_EQ(prepared.Contains(hz, v), area.Contains(hz, v)) << hz << ", " << v;
+    const bool expected = area.Contains(hz, v);
+    EXPECT_EQ(prepared.Contains(hz, v), expected) << hz << ", " << v;
+    EXPECT_EQ(withRaster.Contains(hz, v), expected) << hz << ", " << v;
   }
 }
 

@@ -1,0 +1,117 @@
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/sphere_geometry/hz_intervals.h>
+
+namespace GMAT {
+namespace {
+
+bool IsInAny(const std::vector<HzIntervalsC::Interval>& intervals, double hz) {
+  return std::any_of(intervals.begin(), intervals.end(),
+                     [hz](const auto& i) { return i.low <= hz && hz <= i.high; });
+}
+
+TEST(HzIntervals, ContainsWhatOneOfItsIntervalsContains) {
+  std::mt19937_64 random(1);
+  const auto uniform = [&](double low, double high) {
+    return std::uniform_real_distribution<double>(low, high)(random);
+  };
+  int inside = 0;
+  int needlesslyNear = 0;
+  for (int i = 0; i < 200; ++i) {
+    const double width = i % 3 == 0 ? TWO_PI : uniform(1e-3, 6.0);
+    HzIntervalsC set(width);
+    std::vector<HzIntervalsC::Interval> all;
+    for (std::uint64_t k = random() % 200; k > 0; --k) {
+      const double low = uniform(0.0, width);
+      const double high = std::min(low + width * (k % 20 == 0 ? 0.02 : 1e-8), width);
+      set.Add(low, high);
+      all.push_back({low, high});
+    }
+    set.Build(i % 5 == 0 ? 16 : 4096);
+    for (int k = 0; k < 300; ++k) {
+      double hz = uniform(0.0, width);
+      if (k % 2 == 0 && !all.empty()) {  // at an end
+        const auto& interval = all[random() % all.size()];
+        hz = random() % 2 == 0 ? interval.low : interval.high;
+        if (random() % 2 == 0) hz = std::nextafter(hz, random() % 2 == 0 ? 0.0 : width);
+      }
+      if (hz == TWO_PI) continue;  // is 0
+      const bool expected = IsInAny(all, hz);
+      ASSERT_EQ(set.Contains(hz), expected) << hz << " of width " << width;
+      const bool isNear = set.MayContain(ToTurnUnits(hz));
+      ASSERT_TRUE(isNear || !expected);
+      inside += expected;
+      needlesslyNear += isNear && !expected && k % 2 != 0 && i % 5 != 0;
+    }
+  }
+  EXPECT_GT(inside, 10000);
+  EXPECT_LT(needlesslyNear, 2000) << "of some 24000 that lie anywhere";
+}
+
+TEST(HzIntervals, OverlappingIntervalsAreJoined) {
+  HzIntervalsC set(1.0);
+  set.Add(0.5, 0.6);
+  set.Add(0.1, 0.2);
+  set.Add(0.15, 0.3);
+  set.Add(0.12, 0.13);
+  set.Build(64);
+  ASSERT_EQ(set.GetIntervals().size(), 2u);
+  EXPECT_EQ(set.GetIntervals()[0].low, 0.1);
+  EXPECT_EQ(set.GetIntervals()[0].high, 0.3);
+  EXPECT_EQ(set.GetIntervals()[1].low, 0.5);
+}
+
+TEST(HzIntervals, OnAFullTurnWhatLiesBeyondOneEndComesInAtTheOther) {
+  HzIntervalsC turn(TWO_PI);
+  turn.AddHz(-0.1, 0.1);
+  turn.AddHz(TWO_PI - 0.01, TWO_PI + 0.2);
+  turn.Build(64);
+  for (const double hz : {0.0, 0.1, 0.2, TWO_PI - 0.1, TWO_PI}) EXPECT_TRUE(turn.Contains(hz));
+  for (const double hz : {0.21, 3.0, TWO_PI - 0.11}) EXPECT_FALSE(turn.Contains(hz));
+  HzIntervalsC narrow(1.0);
+  narrow.AddHz(-0.1, 0.1);
+  narrow.Build(64);
+  EXPECT_TRUE(narrow.Contains(0.05));
+  EXPECT_FALSE(narrow.Contains(0.95));
+}
+
+TEST(HzIntervals, WithoutAnyNothingIsContained) {
+  HzIntervalsC set(1.0);
+  set.Build(64);
+  for (const double hz : {0.0, 0.5, 1.0}) EXPECT_FALSE(set.Contains(hz));
+  EXPECT_EQ(set.GetTableSize(), HzIntervalsC::kBytesPerBucket);
+}
+
+TEST(HzIntervals, TheTableOutlivesTheIntervals) {
+  HzIntervalsC set(1.0);
+  set.Add(0.25, 0.26);
+  set.Build(1U << 20);
+  set.DropIntervals();
+  EXPECT_TRUE(set.MayContain(ToTurnUnits(0.255)));
+  EXPECT_FALSE(set.MayContain(ToTurnUnits(0.75)));
+  EXPECT_FALSE(set.MayContain(ToTurnUnits(5.0))) << "beyond the width";
+}
+
+TEST(HzIntervals, TheTableIsNoLargerThanAsked) {
+  HzIntervalsC set(1.0);
+  for (int i = 0; i < 1000; ++i) set.Add(i * 1e-3, i * 1e-3 + 1e-9);
+  set.Build(100);
+  EXPECT_EQ(set.GetTableSize(), 100 * HzIntervalsC::kBytesPerBucket);
+  EXPECT_TRUE(set.Contains(0.5));
+  EXPECT_FALSE(set.Contains(0.5005));
+}
+
+TEST(TurnUnits, WrapAfterATurn) {
+  EXPECT_EQ(ToTurnUnits(0.0), 0u);
+  EXPECT_EQ(ToTurnUnits(PI), 1U << 31);
+  EXPECT_EQ(ToTurnUnits(TWO_PI), 0u);
+  EXPECT_EQ(ToTurnUnits(std::nextafter(TWO_PI, 0.0)), ~0U);
+}
+
+}  // namespace
+}  // namespace GMAT

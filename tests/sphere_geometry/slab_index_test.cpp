@@ -1,0 +1,192 @@
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/sphere_geometry/area_rules.h>
+#include <surveydata/sphere_geometry/ring_curves.h>
+#include <surveydata/sphere_geometry/slab_index.h>
+
+#include "ring_generator.h"
+
+namespace GMAT {
+namespace {
+
+struct Indexed {
+  explicit Indexed(const std::vector<AnglePointC>& points) {
+    EXPECT_TRUE(BuildFrame(points, frame));
+    ring = BuildRingCurves(frame);
+    slabs.emplace(frame, ring);
+  }
+  Verdict Ask(double h, double v) const { return slabs->Ask(h, v); }
+  bool AskRules(double h, double v) const {
+    return IsInsideByCrossings(frame, AllEdges(frame), h, v);
+  }
+
+  AreaFrame frame;
+  RingCurves ring;
+  std::optional<SlabIndexC> slabs;
+};
+
+const std::vector<AnglePointC> kSquare{{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}};
+
+bool IsRegular(const AnglePointC& p) {
+  return p.Hz >= 0.0 && p.Hz <= TWO_PI && p.V >= 0.0 && p.V <= PI;
+}
+
+// A ring that the index is for: valid, or around the zenith, with its points in range.
+bool IsIndexed(const std::vector<AnglePointC>& points) {
+  AreaFrame frame;
+  return points.size() > 2 && std::all_of(points.begin(), points.end(), IsRegular) &&
+         BuildFrame(points, frame) && (frame.enclosesZenith || IsRingValid(points, frame.edges));
+}
+
+TEST(SlabIndex, WhatItDecidesIsWhatTheRulesSay) {
+  RingGenerator random(7);
+  int rings = 0;
+  int decided = 0;
+  int inside = 0;
+  constexpr int kProbes = 100;
+  for (int i = 0; i < 3000; ++i) {
+    const std::vector<AnglePointC> points =
+        i % 20 == 0 ? random.CrowdedRing() : random.Ring(60, false);
+    if (!IsIndexed(points)) continue;
+    const Indexed area(points);
+    ++rings;
+    for (int k = 0; k < (i % 20 == 0 ? 20 : kProbes); ++k) {
+      const AnglePointC probe = random.Probe(area.frame.edges, 0.0, false);
+      if (!IsRegular(probe)) continue;
+      const double h = NormalizeAngle(probe.Hz);
+      const Verdict verdict = area.Ask(h, probe.V);
+      if (verdict == Verdict::kUndecided) continue;
+      ++decided;
+      inside += verdict == Verdict::kInside;
+      ASSERT_EQ(verdict == Verdict::kInside, area.AskRules(h, probe.V)) << h << ", " << probe.V;
+    }
+  }
+  EXPECT_GT(rings, 1000);
+  EXPECT_GT(decided, 50000);
+  EXPECT_GT(inside, 5000);
+}
+
+TEST(SlabIndex, TheEdgesItFindsAreEnoughForTheRules) {
+  RingGenerator random(8);
+  for (int i = 0; i < 1000; ++i) {
+    const std::vector<AnglePointC> points =
+        i % 50 == 0 ? random.CrowdedRing() : random.Ring(60, false);
+    if (!IsIndexed(points)) continue;
+    const Indexed area(points);
+    for (int k = 0; k < 60; ++k) {
+      const AnglePointC probe = random.Probe(area.frame.edges, 0.0, false);
+      const double h = NormalizeAngle(probe.Hz);
+      ASSERT_EQ(IsInsideByCrossings(area.frame, area.slabs->FindEdges(h), h, probe.V),
+                area.AskRules(h, probe.V))
+          << h << ", " << probe.V;
+    }
+  }
+}
+
+TEST(SlabIndex, DecidesInsideAndOutside) {
+  const Indexed area(kSquare);
+  EXPECT_EQ(area.Ask(0.5, 1.5), Verdict::kInside);
+  EXPECT_EQ(area.Ask(0.5, 0.5), Verdict::kOutside);
+  EXPECT_EQ(area.Ask(0.5, 2.5), Verdict::kOutside);
+  EXPECT_EQ(area.Ask(1.5, 1.5), Verdict::kOutside);
+  EXPECT_EQ(area.Ask(6.0, 1.5), Verdict::kOutside);
+  EXPECT_EQ(area.Ask(0.5, 6.0), Verdict::kOutside) << "V beyond pi";
+}
+
+TEST(SlabIndex, LeavesTheMeridiansOfCornersToTheRules) {
+  const Indexed area({{1.0, 1.0}, {1.5, 0.9}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}});
+  for (const double off : {0.0, 9e-10, -9e-10}) {
+    EXPECT_EQ(area.Ask(0.5 + off, 1.5), Verdict::kUndecided) << off;
+  }
+  for (const double off : {2e-9, -2e-9}) EXPECT_EQ(area.Ask(0.5 + off, 1.5), Verdict::kInside);
+}
+
+TEST(SlabIndex, LeavesTheNeighbourhoodOfAnEdgeToTheRules) {
+  const Indexed area(kSquare);
+  const double v = HALF_PI - std::atan(std::tan(HALF_PI - 2.0) / std::cos(0.5) * std::cos(0.2));
+  for (const double off : {0.0, 3e-9, -3e-9}) {
+    EXPECT_EQ(area.Ask(0.7, v + off), Verdict::kUndecided) << off;
+  }
+  EXPECT_EQ(area.Ask(0.7, v - 1e-8), Verdict::kInside);
+  EXPECT_EQ(area.Ask(0.7, v + 1e-8), Verdict::kOutside);
+}
+
+// Two edges that meet at a corner, one nearly on the other: for a stretch their crossings count as
+// one.
+TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
+  const double gap = 1e-8;  // 0.5 rad from the corner
+  const Indexed area(
+      {{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.5, 2.0}, {1.0, 1.5 + gap}, {1.5, 2.2}, {1.0, 1.5}});
+  int merged = 0;
+  for (double h = 1e-4; h < 0.5; h += 1e-4) {
+    for (const double v : {1.2, 2.5}) {
+      const Verdict verdict = area.Ask(h, v);
+      if (verdict == Verdict::kUndecided) continue;
+      ASSERT_EQ(verdict == Verdict::kInside, area.AskRules(h, v)) << h;
+    }
+    merged += area.Ask(h, 1.2) == Verdict::kUndecided;
+  }
+  const Indexed spike(
+      {{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 1.5}, {2.0, 2.0 + gap}, {0.9, 2.2}});
+  for (double h = 0.1 + 1e-4; h < 1.1; h += 1e-4) {
+    merged += spike.Ask(h, 1.2) == Verdict::kUndecided;
+    const Verdict verdict = spike.Ask(h, 1.2);
+    if (verdict != Verdict::kUndecided) {
+      ASSERT_EQ(verdict == Verdict::kInside, spike.AskRules(h, 1.2)) << h;
+    }
+  }
+  EXPECT_GT(merged, 50);
+}
+
+// Edges that are no neighbours and cross, which the ring around the zenith may.
+TEST(SlabIndex, LeavesTheHzOfACrossingOfEdgesToTheRules) {
+  std::vector<AnglePointC> points;
+  for (int i = 0; i < 8; ++i) points.push_back({TWO_PI * i / 8, 1.5});
+  points.push_back({0.2, 1.2});  // back over the beginning
+  points.push_back({TWO_PI - 0.3, 1.7});
+  const Indexed area(points);
+  ASSERT_TRUE(area.frame.enclosesZenith);
+  const auto& intervals = area.slabs->GetIntervals().GetIntervals();
+  EXPECT_GT(intervals.size(), points.size()) << "more than the corners";
+  for (double h = 0.0005; h < TWO_PI; h += 0.001) {
+    const Verdict verdict = area.Ask(h, 2.2);
+    if (verdict == Verdict::kUndecided) continue;
+    ASSERT_EQ(verdict == Verdict::kInside, area.AskRules(h, 2.2)) << h;
+  }
+}
+
+TEST(SlabIndex, LeavesThePolesToTheRules) {
+  std::vector<AnglePointC> points;
+  for (int i = 0; i < 8; ++i) points.push_back({TWO_PI * i / 8, 1.5});
+  const Indexed area(points);
+  EXPECT_EQ(area.Ask(1.0, kPoleMargin / 2.0), Verdict::kUndecided);
+  EXPECT_EQ(area.Ask(1.0, 2.0 * kPoleMargin), Verdict::kInside);
+  EXPECT_EQ(area.Ask(0.0, 1.0), Verdict::kUndecided) << "the seam";
+  EXPECT_EQ(area.Ask(TWO_PI - kColumnOverlap / 2.0, 1.0), Verdict::kUndecided);
+}
+
+TEST(SlabIndex, DecidesNothingWhereTheRingHasAGapOrReachesThePole) {
+  const Indexed south({{1.0, 1.5}, {2.0, PI}, {3.0, 1.5}});
+  EXPECT_TRUE(south.slabs->IsAlwaysUndecided());
+  EXPECT_EQ(south.Ask(1.0, 2.0), Verdict::kUndecided);
+  EXPECT_EQ(south.Ask(1.0, 0.5), Verdict::kOutside) << "above all edges";
+  EXPECT_FALSE(Indexed(kSquare).slabs->IsAlwaysUndecided());
+  // Two antipodal corners have no arc between them.
+  const Indexed gap({{1.0, 1.0}, {1.0 + PI, PI - 1.0}, {1.5, 2.0}});
+  EXPECT_TRUE(gap.slabs->IsAlwaysUndecided());
+}
+
+// From pole to pole there is no search line.
+TEST(SlabIndex, IsOutsideWithoutASearchLine) {
+  const Indexed area({{1.0, 0.0}, {2.0, PI}, {1.5, 1.0}});
+  EXPECT_EQ(area.Ask(0.3, 1.0), Verdict::kOutside);
+  EXPECT_FALSE(area.AskRules(0.3, 1.0));
+}
+
+}  // namespace
+}  // namespace GMAT
