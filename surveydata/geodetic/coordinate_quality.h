@@ -52,9 +52,9 @@ class SURVEYDATA_API CoordinateQualityC
 
 namespace SDI {
 
-/// The quality of a coordinate triple: a cofactor matrix, the scale factor that makes standard
-/// deviations of the square roots of cofactors, and the axes for which they are valid. All are 0
-/// by default. The standard deviations themselves are asked of a `PositionC`.
+/// The quality of a coordinate triple: a cofactor matrix, the scale factor that converts square
+/// roots of cofactors to standard deviations, and the axes for which they are valid. All are 0 by
+/// default. `PositionC` computes the standard deviations themselves.
 class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQualityC> {
  public:
   CoordinateQualityC();
@@ -67,10 +67,10 @@ class SURVEYDATA_API CoordinateQualityC : public API::HandleC<ODM::CoordinateQua
 
   float GetSigma() const;
   void SetSigma(float sigma);
-  /// A copy of the matrix: changing it leaves this quality alone.
+  /// A copy of the matrix: changing it does not change this quality.
   QMatrixC GetMatrix() const;
   void SetMatrix(const QMatrixC& matrix);
-  /// Bits 0x01, 0x02 and 0x04 stand for the axes 1, 2 and 3.
+  /// Bits 0x01, 0x02 and 0x04 mean axes 1, 2 and 3.
   std::uint8_t GetValidAxes() const;
   void SetValidAxes(std::uint8_t validAxes);
 

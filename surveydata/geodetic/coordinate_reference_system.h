@@ -45,7 +45,7 @@ class SURVEYDATA_API CoordinateReferenceSystemC
 namespace SDI {
 
 /// The coordinate system of a position. A new one has variant 1, and 0 for the rest. No value is
-/// refused; what the values stand for is up to the caller, but for the kinds and the height that
+/// refused. The caller defines what the values mean, except for the kinds and the height flag that
 /// `PositionC::GetDimension()` reads.
 class SURVEYDATA_API CoordinateReferenceSystemC
     : public API::HandleC<ODM::CoordinateReferenceSystemC> {
@@ -63,7 +63,7 @@ class SURVEYDATA_API CoordinateReferenceSystemC
   void SetKind(std::int32_t kind);
   std::int32_t GetVariant() const;
   void SetVariant(std::int32_t variant);
-  /// Other than 0 when there is a height. Matters for the kinds 2, 3 and 4.
+  /// Non-zero when there is a height. It matters for kinds 2, 3 and 4 only.
   std::int32_t GetHasHeight() const;
   void SetHasHeight(std::int32_t hasHeight);
 

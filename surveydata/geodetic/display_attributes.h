@@ -55,7 +55,7 @@ class SURVEYDATA_API DisplayAttributesC
 
 namespace SDI {
 
-/// Display settings: two words and six parameters whose meaning is up to the caller. All are 0 by
+/// Display settings: two words and six parameters whose meaning the caller defines. All are 0 by
 /// default. There is no equality.
 class SURVEYDATA_API DisplayAttributesC : public API::HandleC<ODM::DisplayAttributesC> {
  public:

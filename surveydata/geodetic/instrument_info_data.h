@@ -25,7 +25,7 @@ class SURVEYDATA_API InstrumentInfoDataC
   InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
   ~InstrumentInfoDataC() override;
   API::BaseC* GetBase() override;
-  /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  /// An identifier of more than 16 units becomes empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
@@ -37,20 +37,20 @@ class SURVEYDATA_API InstrumentInfoDataC
                       std::int32_t number4);
   /// @}
 
-  /// The record's own identifier: the reference is good until the record is destroyed, and shows
+  /// The record's own identifier: the reference is valid until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& getIdentifier() const;
-  /// Empty afterwards when `identifier` has more than 16 units or is null.
+  /// The field becomes empty when `identifier` has more than 16 units or is null.
   /// @{
   void setIdentifier(const char16_t* identifier);
   void setIdentifier(const wchar_t* identifier);
   void setIdentifier(std::nullptr_t identifier);
   /// @}
   std::uint32_t getFlags() const;
-  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
   void setFlags(std::uint32_t set, std::uint32_t clear);
-  /// A text's pointer is good until that text is set again or assigned to, or the record is
-  /// destroyed. A setter takes null for the empty text.
+  /// The pointer to a text is valid until that text is set or assigned again, or the record is
+  /// destroyed. A setter treats null as the empty text.
   /// @{
   const char* getText1() const;
   void setText1(const char* text1);
@@ -94,8 +94,8 @@ class SURVEYDATA_API InstrumentInfoDataC
 
 namespace SDI {
 
-/// What an instrument tells about itself: a short identifier, flags, four texts and five numbers.
-/// What they mean is up to the caller. All are empty or 0 by default.
+/// The description of an instrument: a short identifier, flags, four texts and five numbers. The
+/// caller defines what they mean. All are empty or 0 by default.
 class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentInfoDataC> {
  public:
   InstrumentInfoDataC();
@@ -103,7 +103,7 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   InstrumentInfoDataC(const InstrumentInfoDataC& other);
   InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
   ~InstrumentInfoDataC() override;
-  /// An identifier of more than 16 units is taken as empty. The texts must not be null.
+  /// An identifier of more than 16 units becomes empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
@@ -115,20 +115,20 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
                       std::int32_t number4);
   /// @}
 
-  /// The record's own identifier: the reference is good until the record is destroyed, and shows
+  /// The record's own identifier: the reference is valid until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& GetIdentifier() const;
-  /// Empty afterwards when `identifier` has more than 16 units or is null.
+  /// The field becomes empty when `identifier` has more than 16 units or is null.
   /// @{
   void SetIdentifier(const char16_t* identifier);
   void SetIdentifier(const wchar_t* identifier);
   void SetIdentifier(std::nullptr_t identifier);
   /// @}
   std::uint32_t GetFlags() const;
-  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
-  /// A text's pointer is good until that text is set again or assigned to, or the record is
-  /// destroyed. A setter takes null for the empty text.
+  /// The pointer to a text is valid until that text is set or assigned again, or the record is
+  /// destroyed. A setter treats null as the empty text.
   /// @{
   const char* GetText1() const;
   void SetText1(const char* text1);

@@ -27,7 +27,7 @@ class SURVEYDATA_API PositionC : public API::ImplC<PositionC, SDI::PositionC> {
   PositionC& operator=(const PositionC& other);
   ~PositionC() override;
   API::BaseC* GetBase() override;
-  /// Attributes 2 and 3 change places: the third is given before the second.
+  /// Attributes 2 and 3 are swapped: the third is given before the second.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation,
             std::int32_t attribute1, std::int32_t attribute3, std::int32_t attribute2,
@@ -79,11 +79,11 @@ class SURVEYDATA_API PositionC : public API::ImplC<PositionC, SDI::PositionC> {
 
 namespace SDI {
 
-/// A complete position: a point with the reference system that it stands in, its quality, the
-/// undulation found for it, and five attributes whose meaning is up to the caller. Attribute 1 is
-/// 50 by default, the others are 0.
+/// A complete position: a point with its reference system, its quality, the undulation at the
+/// point, and five attributes whose meaning the caller defines. Attribute 1 is 50 by default, the
+/// others are 0.
 ///
-/// The getters of the four parts answer the position's own parts: repeated calls give the same
+/// The getters of the four parts return the position's own parts: repeated calls give the same
 /// object, which changes with the position and is destroyed with its implementation.
 class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
  public:
@@ -92,11 +92,10 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   PositionC(const PositionC& other);
   PositionC& operator=(const PositionC& other);
   ~PositionC() override;
-  /// Copies the four parts; the attributes are the default ones.
+  /// Copies the four parts; the attributes have their defaults.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation);
-  /// Copies the four parts. Attributes 2 and 3 change places: the third is given before the
-  /// second.
+  /// Copies the four parts. Attributes 2 and 3 are swapped: the third is given before the second.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation,
             std::int32_t attribute1, std::int32_t attribute3, std::int32_t attribute2,
@@ -125,7 +124,7 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   std::int32_t GetAttribute5() const;
   void SetAttribute5(std::int32_t attribute5);
 
-  /// The number of coordinates that mean something, by the kind of the reference system: 3 for
+  /// The number of coordinates that carry information, by the kind of the reference system: 3 for
   /// kind 1; 3 with and 2 without a height for kinds 2 and 3; 1 with and 0 without a height for
   /// kind 4; 0 for any other kind.
   std::uint16_t GetDimension() const;

@@ -50,8 +50,8 @@ class SURVEYDATA_API QMatrixC : public API::ImplC<QMatrixC, SDI::QMatrixC> {
 
 namespace SDI {
 
-/// The symmetric 3 by 3 cofactor matrix of a coordinate triple, of which the upper triangle is
-/// stored row by row. A new matrix is zero. Its unit is that of the squared standard deviations
+/// The symmetric 3 by 3 cofactor matrix of a coordinate triple; the upper triangle is stored row
+/// by row. A new matrix is zero. Its unit is that of the squared standard deviations
 /// that a `CoordinateQualityC` derives from it: square metres when the scale factor there is a
 /// plain number.
 class SURVEYDATA_API QMatrixC : public API::HandleC<ODM::QMatrixC> {

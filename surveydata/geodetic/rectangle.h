@@ -47,7 +47,7 @@ namespace SDI {
 /// An area between two corners in a reference system. The corners are neither ordered nor checked,
 /// and there is no equality. By default both corners are the origin of a default system.
 ///
-/// The getters answer the rectangle's own parts: repeated calls give the same object, which
+/// The getters return the rectangle's own parts: repeated calls give the same object, which
 /// changes with the rectangle and is destroyed with its implementation.
 class SURVEYDATA_API RectangleC : public API::HandleC<ODM::RectangleC> {
  public:

@@ -42,8 +42,8 @@ class SURVEYDATA_API UndulationMementoC
 
 namespace SDI {
 
-/// An undulation as it was found for a position: the height of the geoid above the ellipsoid in
-/// metres, with its source and its validity in the coding of the caller. All are 0 by default. A
+/// The undulation at a position: the height of the geoid above the ellipsoid in metres, with its
+/// source and validity as the caller codes them. All are 0 by default. A
 /// memento changes only by assignment of another one.
 class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMementoC> {
  public:

@@ -59,9 +59,9 @@ class SURVEYDATA_API ImgCameraInfoImplC : public API::ImplC<ImgCameraInfoImplC, 
   std::uint32_t int5_ = 0;
 };
 
-/// The information on a camera: numbers with the units and meaning that the caller gives them. All
-/// are 0 by default. Two further 16-bit numbers are copied and compared with the rest, but reached
-/// through the implementation alone.
+/// The description of a camera: numbers whose units and meaning the caller defines. All are 0 by
+/// default. Two further 16-bit numbers are copied and compared with the rest; only the
+/// implementation has accessors for them.
 class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
  public:
   ImgCameraInfoC();

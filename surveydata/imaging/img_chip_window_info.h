@@ -37,8 +37,8 @@ class SURVEYDATA_API ImgChipWindowInfoImplC
   double value4_ = 0.0;
 };
 
-/// A window on the image chip: four numbers, two corners or an origin and a size as the caller has
-/// it. All are 0 by default.
+/// A window on the image chip: four numbers, either two corners or an origin and a size, as the
+/// caller defines. All are 0 by default.
 class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoImplC> {
  public:
   ImgChipWindowInfoC();

@@ -43,8 +43,8 @@ class SURVEYDATA_API ImgExteriorOrientationImplC
   double value6_ = 0.0;
 };
 
-/// The exterior orientation of a camera, its pose: six numbers with the units and meaning that the
-/// caller gives them, such as projection centre and rotation angles. All are 0 by default.
+/// The exterior orientation of a camera, its pose: six numbers whose units and meaning the caller
+/// defines, such as projection centre and rotation angles. All are 0 by default.
 class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOrientationImplC> {
  public:
   ImgExteriorOrientationC();

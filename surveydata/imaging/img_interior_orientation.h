@@ -48,8 +48,8 @@ class SURVEYDATA_API ImgInteriorOrientationImplC
   double value6_ = 0.0;
 };
 
-/// The interior orientation of a camera, its inner geometry: the code of a camera model and six
-/// numbers with the units and meaning that the caller gives them. All are 0 by default.
+/// The interior orientation of a camera: the code of a camera model and six numbers whose units and
+/// meaning the caller defines. All are 0 by default.
 class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOrientationImplC> {
  public:
   ImgInteriorOrientationC();

@@ -76,7 +76,7 @@ ImplObjectC::~ImplObjectC() {
   owner_ = nullptr;  // not before: the owner's destructor may ask for it
 }
 
-// Nothing is copied, so there is nothing to guard against assigning to itself.
+// Nothing is copied, so self-assignment needs no guard.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
 ImplObjectC& ImplObjectC::operator=(const ImplObjectC& /*other*/) noexcept { return *this; }
 

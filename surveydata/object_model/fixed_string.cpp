@@ -28,7 +28,7 @@ struct Text {
   std::size_t Room() const { return Capacity() - Size(length); }
 };
 
-// The units that a character of the wide set becomes, one or two.
+// The one or two units of a wide character.
 struct WideUnits {
   char16_t units[2];
   std::size_t count;
@@ -101,10 +101,10 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   return all < 256;
 }
 
-// The formatter of the C library as it is. With FORTIFY, `std::vsnprintf` means a checked function
-// that ends the process at a `%n` in a format that can be written to; the format is the caller's,
-// and `%n` is part of what `Format` promises. The other check, of the buffer's size, has nothing to
-// add: the size is passed. Nothing but `Format` calls this.
+// The unchecked formatter of the C library. With FORTIFY, `std::vsnprintf` is a checked function
+// that ends the process at a `%n` in a writable format; the format is the caller's, and `Format`
+// promises `%n`. The other check, of the buffer's size, is not needed, because the size is passed.
+// Only `Format` calls this.
 int FormatUnchecked(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
 #if defined(__GNUC__) && !defined(_WIN32)
   return __builtin_vsnprintf(buffer, size, format, arguments);

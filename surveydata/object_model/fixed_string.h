@@ -11,10 +11,10 @@ namespace API {
 
 /// A text of at most `N` UTF-16 code units, held inline: no operation uses the heap.
 ///
-/// A plain value of single 16-bit units; surrogates are units like any other. What does not fit is
-/// refused or dropped as each operation says, and never an error but in `FromUtf8`. Where
+/// A plain value of single 16-bit units; surrogates are units like any other. Each operation says
+/// whether it refuses or drops what does not fit; only `FromUtf8` reports an error. Where
 /// `wchar_t` has 32 bits, a character above U+FFFF becomes its surrogate pair, and a value that is
-/// no character becomes U+FFFD.
+/// not a character becomes U+FFFD.
 ///
 /// The library has the capacities 10, 16, 24, 30, 32, 60, 64, 240, 254 and 255.
 template <std::uint16_t N>
@@ -44,13 +44,13 @@ class SURVEYDATA_VISIBLE FixedStringC {
 
   std::uint64_t GetLength() const { return length_; }
   bool IsEmpty() const { return length_ == 0; }
-  /// Whether the length is at most `N` and a terminator stands behind the text.
+  /// Whether the length is at most `N` and a terminator follows the text.
   bool IsValid() const { return length_ <= N && data_[length_] == 0; }
   /// The units, with their terminator.
   const char16_t* GetData() const { return data_; }
 
   bool operator==(const FixedStringC& other) const;
-  /// Whether this text stands before `other`, or equals it, in the order of their UTF-8 bytes.
+  /// Whether this text precedes or equals `other` in the order of their UTF-8 bytes.
   bool operator<=(const FixedStringC& other) const;
 
   /// Appends a unit; changes nothing when the text is full, or has no room for a surrogate pair.
@@ -83,7 +83,7 @@ class SURVEYDATA_VISIBLE FixedStringC {
   bool ToNarrow(char* dst, std::size_t dstSize) const;
 
   /// The number at the front of the text as `atoi`, `atof` and `atol` read it; 0 when a unit is
-  /// above 255. A number that does not fit is whatever the C runtime makes of it.
+  /// above 255. For a number that does not fit, the result is that of the C runtime.
   /// @{
   std::int32_t ToInt() const;
   double ToDouble() const;
@@ -102,18 +102,18 @@ class SURVEYDATA_VISIBLE FixedStringC {
   ///
   /// `src` must be readable up to its 0 byte or up to the byte at the limit, whichever comes first.
   ///
-  /// \param inOutLength  in: the limit, the most bytes to take; all bits set, or no pointer, stand
-  ///                     for 3 `N`. A character of one byte that stands just at the limit is still
-  ///                     taken, so end `src` with a 0 there. Out: the bytes taken, those before the
-  ///                     faulty sequence on a fault.
+  /// \param inOutLength  in: the limit, the most bytes to take; all bits set or a null pointer mean
+  ///                     3 `N`. A one-byte character exactly at the limit is still taken, so end
+  ///                     `src` with a 0 there. Out: the bytes taken; on a fault, those before the
+  ///                     faulty sequence.
   /// \return 0; -1 when there were more than `N` characters (the first `N` are kept); -2 when the
-  ///         limit cuts a sequence; -3 on an invalid sequence (what stood before a fault is kept).
+  ///         limit cuts a sequence; -3 on an invalid sequence (the text before a fault is kept).
   ///         A null `src` gives 0 and leaves the text as it is.
   int FromUtf8(const char* src, std::size_t* inOutLength);
 
   /// Replaces the text by the output of `vsnprintf`; empty when that has more than `N` characters.
-  /// `%n` is written to wherever the format is, also where FORTIFY refuses that to other callers.
-  /// \return the number of characters formatted, also when they did not fit, or a negative value;
+  /// `%n` works in a writable format too, although FORTIFY refuses that to other callers.
+  /// \return the number of characters formatted, even if they did not fit, or a negative value;
   ///         -1, with the text unchanged, when `fmt` is null or longer than `N`.
   int Format(const char* fmt, ...);
 

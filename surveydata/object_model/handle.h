@@ -18,13 +18,13 @@
 /// accessors and `isEqual`, and a public class derived from `HandleC` with the same accessors and
 /// `IsEqual`. What the special members of the two sides do is written here, once. Each class
 /// declares its own and defaults them in its source, so that they are compiled into the library
-/// alone: whoever uses public objects holds nothing that depends on the size or the fields of an
-/// implementation, and need not be compiled again when a record gets another field.
+/// alone. Code that uses public objects depends on neither the size nor the fields of an
+/// implementation, and need not be recompiled when a record gets another field.
 
 namespace API {
 
-/// `CheckedCast` for what is not exactly a `Wanted`. Out of line, so that accessors stay small; the
-/// library holds that of each of its implementations, which their headers declare.
+/// `CheckedCast` for an object that is not exactly a `Wanted`. Out of line, so that accessors stay
+/// small; the library exports the instance for each of its implementations.
 template <class Wanted>
 [[gnu::noinline, gnu::cold]] Wanted* CastFromAny(ImplObjectC* impl) {
   return dynamic_cast<Wanted*>(impl);
@@ -33,8 +33,8 @@ template <class Wanted>
 /// `impl` as a `Wanted`, or null. An exact type match costs one comparison of type identities;
 /// only a class derived from `Wanted` pays for `dynamic_cast`.
 ///
-/// The identities are compared by address. A module that has its own copy of one, which the linker
-/// could not make the same, gets the same answer from `dynamic_cast`.
+/// The identities are compared by address. In a module with a copy of its own, which the linker
+/// could not merge, `dynamic_cast` gives the same answer.
 template <class Wanted>
 [[gnu::always_inline]] inline Wanted* CheckedCast(ImplObjectC* impl) {
   if (impl != nullptr && &typeid(*impl) == &typeid(Wanted)) return static_cast<Wanted*>(impl);
@@ -51,7 +51,7 @@ template <class Wanted>
 template <class Impl, class Base = BaseC>
 class SURVEYDATA_VISIBLE HandleC : public Base {
  public:
-  /// Makes an implementation of its own, with its defaults.
+  /// Makes a default implementation.
   HandleC() : Base(new Impl) {}
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.
   explicit HandleC(Impl* impl) : Base(impl) {}
@@ -71,7 +71,7 @@ class SURVEYDATA_VISIBLE HandleC : public Base {
   [[gnu::always_inline]] Impl* GetImpl() const { return CheckedCast<Impl>(Base::GetImpl()); }
 
  protected:
-  /// Asks the implementation; `without` answers for a handle that has none.
+  /// Asks the implementation; returns `without` for a handle without one.
   template <class Question, class... Args>
   auto Ask(Question question, std::invoke_result_t<Question, const Impl&, Args&...> without,
            Args&... args) const {
@@ -79,7 +79,7 @@ class SURVEYDATA_VISIBLE HandleC : public Base {
     return impl != nullptr ? std::invoke(question, *impl, args...) : without;
   }
 
-  /// Tells the implementation; nothing happens to a handle that has none.
+  /// Changes the implementation; does nothing for a handle without one.
   template <class Order, class... Args>
   void Tell(Order order, const Args&... args) {
     if (Impl* const impl = GetImpl()) std::invoke(order, *impl, args...);
@@ -108,8 +108,8 @@ class SURVEYDATA_VISIBLE ImplC : public Base {
  public:
   using Base::Base;
   ImplC() = default;
-  /// Defaults, with `owner` as the owner, which must be of class `Public`; this is not checked. The
-  /// owner learns of its implementation by `SetImpl`.
+  /// Defaults, with `owner` as the owner, which must be of class `Public`; this is not checked. It
+  /// does not link `owner` to this implementation; `SetImpl` does that.
   explicit ImplC(BaseC* owner) { this->SetBase(owner); }
 
   /// The public object of this implementation, made on the first call and owned by it.

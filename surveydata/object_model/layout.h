@@ -5,11 +5,11 @@
 
 namespace API {
 
-/// Whether the sizes that the headers assert are promised: they are those of platforms whose
-/// pointers have 64 bits.
+/// Whether the sizes that the headers assert apply: they are those of platforms with 64-bit
+/// pointers.
 inline constexpr bool kSizesArePromised = sizeof(void*) == 8;
 
-/// Whether `Class` has the size that is promised for it; true where none is promised.
+/// Whether `Class` has the asserted size; true where the assertions do not apply.
 template <class Class, std::size_t size>
 inline constexpr bool kHasSize = !kSizesArePromised || sizeof(Class) == size;
 

@@ -7,9 +7,9 @@
 
 #include <surveydata/object_model/utf8.h>
 
-// Encoder and decoder take eight characters at once while these are sure to fit, and look at eight
-// of one kind together. A plain loop, one character at a time, takes what is left: the ends of
-// texts, and everything that ends a text early.
+// Encoder and decoder process eight characters at once while these are certain to fit, with a fast
+// path for eight of one kind. A plain loop, one character at a time, processes the rest: the ends
+// of texts, and everything that ends a text early.
 
 namespace API::Utf8 {
 namespace {
@@ -127,8 +127,8 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
   return out + kBlock;
 }
 
-// Decodes eight characters of three bytes each; takes none when one of them is none. Out of line,
-// where its many constants take no registers from the other kinds of blocks.
+// Decodes eight characters of three bytes each; none when one of them has another form. Out of
+// line, so that its many constants take no registers from the other kinds of blocks.
 [[gnu::noinline]] bool DecodeThreeByteBlock(const char* src, char16_t* units) {
   constexpr std::uint32_t kMarks = 0xC0C0F0;
   constexpr std::uint32_t kThreeBytes = 0x8080E0;
@@ -203,12 +203,12 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
   return {in - src, out - units};
 }
 
-// Stands in both of its callers: for a short text, a call more and its results on the stack are an
-// eighth of the time.
+// Inlined into both of its callers: for a short text, another call with its results on the stack
+// costs an eighth of the time.
 [[gnu::always_inline]] inline Decoded DecodeInline(const char* src, std::size_t limit,
                                                    char16_t* units, std::size_t capacity,
                                                    DecodeRules rules) {
-  // The limit does not promise that so many bytes are there: the terminator may end them before.
+  // The limit does not guarantee that many bytes: the terminator may come first.
   const std::size_t most = std::min(limit, kLongest * capacity);
   const void* const found = most != 0 ? std::memchr(src, 0, most) : nullptr;  // `src` may be null
   const auto* const terminator = static_cast<const char*>(found);
@@ -253,7 +253,7 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
 }  // namespace
 
 std::size_t Encode(const char16_t* units, std::size_t count, char* dst, std::size_t space) {
-  // More than this is never written; callers may say that space is unlimited.
+  // No more than this is ever written; callers may pass an unlimited capacity.
   space = dst != nullptr ? std::min(space, kLongest * count + 1) : 0;
   const char16_t* in = units;
   const char16_t* const end = units + count;

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 /// \file
-/// Internal: UTF-8 as the texts of this library use it, for 16-bit units one by one. Sequences have
+/// Internal: UTF-8 as the texts of this library use it, for single 16-bit units. Sequences have
 /// one to three bytes, surrogates are units like any other, overlong forms are accepted.
 
 namespace API::Utf8 {
@@ -32,14 +32,14 @@ inline constexpr int kTooLong = -1;  ///< More characters than the capacity; the
 inline constexpr int kCut = -2;      ///< The limit cuts a sequence.
 inline constexpr int kInvalid = -3;  ///< A stray continuation byte, or a missing one.
 
-/// What the two readers of UTF-8 do differently, on purpose.
+/// The intended differences between the two readers of UTF-8.
 struct DecodeRules {
   bool readsByteAtLimit;    ///< A character of one byte just at the limit is still taken.
   bool acceptsLeadsFromF0;  ///< Lead bytes F0 to FF start sequences of three bytes like E0 to EF.
 };
 
 /// Decodes `src` up to its first 0 byte or the limit, whichever comes first. Units up to `capacity`
-/// are stored in `units`; on a fault those before it stand. The rest of the `capacity` units is
+/// are stored in `units`; on a fault those before it are kept. The rest of the `capacity` units is
 /// cleared.
 Decoded Decode(const char* src, std::size_t limit, char16_t* units, std::size_t capacity,
                DecodeRules rules);

@@ -58,8 +58,8 @@ class SURVEYDATA_API TPSCalibrationDataC
 
 namespace SDI {
 
-/// The calibration values of a total station, eight numbers with the units and meaning that the
-/// caller gives them. All are 0 by default; none is refused.
+/// The calibration values of a total station: eight numbers whose units and meaning the caller
+/// defines. All are 0 by default; none is refused.
 class SURVEYDATA_API TPSCalibrationDataC : public API::HandleC<ODM::TPSCalibrationDataC> {
  public:
   TPSCalibrationDataC();

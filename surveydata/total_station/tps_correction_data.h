@@ -82,10 +82,10 @@ class SURVEYDATA_API TPSCorrectionDataC
 
 namespace SDI {
 
-/// The corrections applied to the measurements of a total station, among them a scale factor of
-/// distances. Units and meaning of the other values, and the bits of the flags, are those that the
-/// caller gives them: the record stores them unchanged and refuses none. A new record scales by 1
-/// and is all zeros otherwise.
+/// The corrections applied to the measurements of a total station, among them a scale factor for
+/// distances. The caller defines units and meaning of the other values and of the flags: the record
+/// stores them unchanged and refuses none. A new record has the scale factor 1 and is otherwise all
+/// zeros.
 class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrectionDataC> {
  public:
   TPSCorrectionDataC();
@@ -103,7 +103,7 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   void SetValue2(double value2);
   double GetValue3() const;
   void SetValue3(double value3);
-  /// The factor of distances, without a unit; 1 changes nothing.
+  /// The scale factor for distances, dimensionless; 1 changes nothing.
   double GetScaleFactor() const;
   void SetScaleFactor(double scaleFactor);
   double GetValue5() const;
@@ -123,7 +123,7 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   float GetSingle4() const;
   void SetSingle4(float single4);
   std::uint32_t GetFlags() const;
-  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
 
   /// The scale factor of a correction in parts per million, ppm * 1e-6 + 1.

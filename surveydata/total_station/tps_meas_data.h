@@ -22,7 +22,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::ImplC<TPSMeasDataC, SDI::TPSMeas
   TPSMeasDataC& operator=(const TPSMeasDataC& other);
   ~TPSMeasDataC() override;
   API::BaseC* GetBase() override;
-  /// `text` is taken as `SetText` takes it.
+  /// `text` is treated as by `SetText`.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
                double value9, double value10, double value11, float single2, float single3,
@@ -128,9 +128,9 @@ class SURVEYDATA_API TPSMeasDataC : public API::ImplC<TPSMeasDataC, SDI::TPSMeas
 namespace SDI {
 
 /// One measurement of a total station: a short text, eleven values in double and six in single
-/// precision, nine words and flags. Units and meaning of the values, and the bits of the flags, are
-/// those that the caller gives them: the record stores them unchanged and refuses none. A new
-/// record has an empty text and is all zeros.
+/// precision, nine words and flags. The caller defines units and meaning of the values and of the
+/// flags: the record stores them unchanged and refuses none. A new record has an empty text and is
+/// all zeros.
 class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
  public:
   TPSMeasDataC();
@@ -138,7 +138,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   TPSMeasDataC(const TPSMeasDataC& other);
   TPSMeasDataC& operator=(const TPSMeasDataC& other);
   ~TPSMeasDataC() override;
-  /// `text` is taken as `SetText` takes it.
+  /// `text` is treated as by `SetText`.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
                double value9, double value10, double value11, float single2, float single3,
@@ -149,7 +149,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
 
   /// The text lives as long as this object and changes with it.
   const char16_t* GetText() const;
-  /// Empty afterwards when `text` has more than 16 units or is null.
+  /// The text becomes empty when `text` has more than 16 units or is null.
   void SetText(const char16_t* text);
   double GetValue1() const;
   void SetValue1(double value1);
@@ -202,7 +202,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   std::uint32_t GetWord8() const;
   void SetWord8(std::uint32_t word8);
   std::uint32_t GetFlags() const;
-  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
   std::uint32_t GetWord9() const;
   void SetWord9(std::uint32_t word9);

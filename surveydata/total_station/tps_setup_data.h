@@ -76,9 +76,8 @@ class SURVEYDATA_API TPSSetupDataC : public API::ImplC<TPSSetupDataC, SDI::TPSSe
 
 namespace SDI {
 
-/// The set-up of a total station. Units and meaning of the values, and the bits of the flags, are
-/// those that the caller gives them: the record stores them unchanged and refuses none. A new
-/// record is all zeros.
+/// The set-up of a total station. The caller defines units and meaning of the values and of the
+/// flags: the record stores them unchanged and refuses none. A new record is all zeros.
 class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
  public:
   TPSSetupDataC();
@@ -93,7 +92,7 @@ class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
   double GetValue1() const;
   void SetValue1(double value1);
   std::uint32_t GetFlags() const;
-  /// Raises the bits of `set`, then lowers those of `clear`: a bit in both ends up lowered.
+  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
   std::uint8_t GetByte1() const;
   void SetByte1(std::uint8_t byte1);
