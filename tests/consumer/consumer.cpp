@@ -1,5 +1,5 @@
-// Uses the library across its boundary, as a caller does: objects that are made on one side, asked
-// on the other and deleted on either, and classes derived by the caller. Says what fails.
+// Uses the library across its boundary, as a caller does: objects are created on one side, used
+// on the other and deleted on either, and the caller derives classes. Reports what fails.
 
 #include <cstdio>
 #include <cstring>
@@ -36,8 +36,8 @@ class MarkedPointC : public SDI::CoordinatePointC {
   using CoordinatePointC::CoordinatePointC;
 };
 
-// On ELF systems a type identity is one object in the whole program, so that a comparison looks no
-// further; on Windows each module has its own, and their names decide.
+// On ELF systems a type identity is one object in the whole program, so comparing
+// addresses is enough; on Windows each module has its own, and their names are compared.
 bool AreTheSame(const std::type_info& a, const std::type_info& b) {
 #if defined(_WIN32)
   return a == b;
@@ -72,7 +72,7 @@ void TypesAreTheSameOnBothSides() {
   Check(point.GetX() == 1.0 && point.GetZ() == 3.0, "the library reads a point made here");
   Check(point.GetImpl() != nullptr && point.GetImpl()->GetY() == 2.0, "and so does the caller");
 
-  // The GNSS getters answer 0 when the cast fails, and so tell it from a fault.
+  // The GNSS getters return 0 when the cast fails, so a failing cast does not crash.
   SDI::GPSAntHeightC antenna;
   antenna.SetHeight(1.5F, true);
   Check(antenna.GetVerticalHeight() == 1.5F, "the library writes and reads an antenna height");
@@ -82,7 +82,7 @@ void TypesAreTheSameOnBothSides() {
   Check(measurement.GetAntennaHeight(copy) && copy.IsEqual(antenna),
         "an antenna height passes through a measurement");
 
-  // A compact implementation has a public object of the same class, and is none of its own kind.
+  // A compact implementation has a public object of the same class, which does not read it.
   ODM::GPSAntHeightC compact(1.5F, true, 0.0F);
   auto* const foreign = static_cast<SDI::GPSAntHeightC*>(compact.GetBase());
   Check(foreign->GetImpl() == nullptr && foreign->GetVerticalHeight() == 0.0F,

@@ -101,14 +101,14 @@ TEST(Position, HasTheDimensionOfItsKind) {
   EXPECT_EQ(PositionC().GetDimension(), 0);
 }
 
-// What a query must answer: false leaves 0 behind.
+// The expected answer of a query: false comes with a result of 0.
 void ExpectAnswer(bool answer, float result, bool expected, float stdDev) {
   EXPECT_EQ(answer, expected);
   EXPECT_EQ(result, expected ? stdDev : 0.0F);
 }
 
 TEST(Position, AnswersStandardDeviationsForEveryKindAndSetOfAxes) {
-  // Of the scale factor 2 and the cofactors q11 = 4, q22 = 5, q33 = 16; the roots are exact or
+  // For the scale factor 2 and the cofactors q11 = 4, q22 = 5, q33 = 16; the roots are exact or
   // rounded to nearest.
   const float axis[] = {0.0F, 4.0F, 2 * std::sqrt(5.0F), 8.0F, 0.0F};
   const float combined[] = {0.0F, 8.0F, 6.0F, 10.0F, 0.0F};

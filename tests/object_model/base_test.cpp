@@ -76,7 +76,7 @@ TEST(Base, DestroysItsImplementationWithinItsOwnEnd) {
   EXPECT_EQ(impl, 2);
 }
 
-// What a destructor of a derived class, run by the destructor of the other side, finds there.
+// What the destructor of a derived class sees when the destructor of the other side runs it.
 class AskingImpl : public ImplObjectC {
  public:
   AskingImpl(BaseC& object, const ImplObjectC*& found) : object_(object), found_(found) {}
@@ -168,7 +168,7 @@ TEST(ImplObject, UnlinksTheEarlierOwnerBeforeItDeletesIt) {
   EXPECT_EQ(impl.GetBase(), nullptr);
 }
 
-// What a derived class replaces is what the constructors do not call.
+// The constructors do not call what a derived class overrides.
 TEST(Base, ItsConstructorLinksByItsOwnSetImpl) {
   class Refusing : public BaseC {
    public:

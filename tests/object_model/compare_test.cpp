@@ -73,7 +73,7 @@ TEST(CompareWithTolerance, GivesTheKnownAnswers) {
       {1.0, -1.0, 1.0, 0},
       {1.0, -1.0, 0.99, 1},
       {-1.0, 1.0, 0.99, -1},
-      // Nothing but equality without a tolerance.
+      // Without a tolerance, only equal numbers are equal.
       {1.0, 1.0, 0.0, 0},
       {1.0, 1.0 + DBL_EPSILON, 0.0, -1},
       {kTiny, 0.0, 0.0, 1},
@@ -106,7 +106,7 @@ TEST(CompareWithTolerance, AgreesWithTheModelForAnyBits) {
   const auto any = [&random] { return std::bit_cast<double>(random()); };
   for (int i = 0; i < 300000; ++i) {
     const double a = any();
-    // Half of the partners are near in the last places.
+    // Half of the partners differ only in the last places.
     const double b =
         random() % 2 == 0
             ? any()

@@ -1,4 +1,4 @@
-// The texts in UTF-8 beside ICU.
+// The conversions to and from UTF-8, compared with ICU.
 
 #include <array>
 #include <cstddef>
@@ -18,7 +18,7 @@ namespace {
 using API::FixedStringC;
 using Model::kNoLimit;
 
-// ICU speaks for the rules where they are those of everybody: texts without surrogates.
+// ICU is the reference where the rules are the common ones: texts without surrogates.
 TEST(FixedStringUtf8, AgreesWithIcuOnTextsWithoutSurrogates) {
   std::mt19937_64 random(20260101);
   for (int round = 0; round < 20000; ++round) {
@@ -47,8 +47,8 @@ TEST(FixedStringUtf8, AgreesWithIcuOnTextsWithoutSurrogates) {
   }
 }
 
-// Which byte sequences are characters at all: ICU and the texts agree but for surrogates, overlong
-// forms and leads from F0 on.
+// Which byte sequences are characters: ICU and the texts agree except for surrogates, overlong
+// forms and lead bytes from F0 on.
 TEST(FixedStringUtf8, AgreesWithIcuOnWhichSequencesAreCharacters) {
   for (unsigned lead = 1; lead < 0xF0; ++lead) {
     for (unsigned second = 1; second < 0x100; ++second) {

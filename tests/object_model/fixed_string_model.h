@@ -16,7 +16,7 @@
 #include <surveydata/object_model/fixed_string.h>
 
 /// \file
-/// The rules of the fixed texts once more, step by step and without a thought for speed.
+/// The rules of the fixed texts again, step by step and without regard to speed.
 
 namespace Model {
 

@@ -11,7 +11,7 @@
 
 #include "tests/object_model/fixed_string_model.h"
 
-// Random texts against the model; a text that breaks a rule is made as small as it can be.
+// Random texts against the model; a text that breaks a rule is shrunk.
 
 namespace {
 

@@ -32,7 +32,7 @@ using Model::ForEachCapacity;
 using Model::Text;
 using Model::Units;
 
-// The text holds `units`, ends them with a 0, and has a 0 in its last place.
+// The text holds `units` followed by a 0, and its last unit is 0.
 template <std::uint16_t N>
 void ExpectHolds(const FixedStringC<N>& text, const std::u16string& units) {
   EXPECT_EQ(Units(text), units);
@@ -46,7 +46,7 @@ void ExpectHolds(const FixedStringC<N>& text, const std::u16string& units) {
 std::string Narrow(const std::u16string& units) { return {units.begin(), units.end()}; }
 std::wstring Wide(const std::u16string& units) { return {units.begin(), units.end()}; }
 
-// --- Layout and kind of value
+// --- Layout and type traits
 
 TEST(FixedString, IsItsUnitsThenItsLength) {
   ForEachCapacity([](auto capacity) {
@@ -226,7 +226,7 @@ TEST(FixedString, CountsASurrogatePairAsTwoUnits) {
 }
 
 #if defined(__linux__)
-// One block of text, shown as often as it takes, with a terminator behind.
+// One block of text, mapped repeatedly, followed by a terminator.
 class HugeText {
  public:
   explicit HugeText(std::size_t length) : size_(length + kPage) {
@@ -273,7 +273,7 @@ TEST(FixedString, ThrowsForABytesTextOfTwoGigabytes) {
     EXPECT_STREQ(error.what(), "bad numeric conversion: positive overflow");
   }
   ExpectHolds(text, u"before");
-  // One byte less is a text that is too long, as any other.
+  // With one byte less it is an ordinary text that is too long.
   ExpectHolds(FixedStringC<10>(huge.Get() + 1), u"");
 }
 #endif
@@ -302,7 +302,7 @@ TEST(FixedString, IsEqualWhenLengthAndUnitsAre) {
 }
 
 TEST(FixedString, EqualityLooksNoFartherThanTheTerminator) {
-  // An append that is cut by SubString leaves other units behind the text than a fresh one has.
+  // After an append that SubString cuts, the units after the text differ from those of a new text.
   FixedStringC<10> a(u"abcdefghij");
   a.SubString(0, 3);
   EXPECT_TRUE(a == FixedStringC<10>(u"abc"));
@@ -490,7 +490,7 @@ TEST(FixedString, KeepsASubString) {
             EXPECT_EQ(result, static_cast<std::uint32_t>(count));
             ExpectHolds(text, units.substr(static_cast<std::size_t>(start),
                                            static_cast<std::size_t>(count)));
-            // Zeros behind the text, up to the last place.
+            // Zeros after the text, up to the last unit.
             const char16_t* const data = text.GetData();
             EXPECT_TRUE(std::all_of(data + count, data + N + 1, [](char16_t u) { return u == 0; }));
           }
@@ -607,7 +607,7 @@ TEST(FixedString, IsEmptyWhenTheFormattedTextIsTooLong) {
   ExpectHolds(text, u"");
   ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();
-    // Up to twice the capacity and one more is what the buffer holds; callers may be wrong.
+    // The buffer holds up to twice the capacity and one more; callers may exceed that.
     for (const int length : {N - 1, N + 0, N + 1, 2 * N, 2 * N + 1, 2 * N + 2, 10 * N}) {
       const std::string argument(static_cast<std::size_t>(length), 'x');
       FixedStringC<N> made(u"before");
@@ -644,9 +644,9 @@ TEST(FixedString, ReturnsTheErrorOfTheRuntime) {
 }
 #endif
 
-// --- All together
+// --- Sequences of operations
 
-// Any sequence of changes leaves what the same changes of a plain string leave.
+// Any sequence of changes gives the same text as the same changes of a plain string.
 TEST(FixedString, RandomChangesFollowTheModel) {
   std::mt19937_64 random(20260101);
   ForEachCapacity([&random](auto capacity) {

@@ -20,7 +20,7 @@ using Model::Hex;
 using Model::kNoLimit;
 using Model::RandomUnits;
 
-// True when `text`, after decoding, and the reported outcome are what the model says.
+// True when `text`, after decoding, and the reported outcome equal those of the model.
 template <std::uint16_t N>
 bool Agrees(const FixedStringC<N>& text, int result, std::size_t consumed,
             const Model::Decoded& model) {
@@ -29,8 +29,8 @@ bool Agrees(const FixedStringC<N>& text, int result, std::size_t consumed,
          std::memcmp(text.GetData(), model.units, (N + 1) * sizeof(char16_t)) == 0;
 }
 
-// Decodes bytes that stand in a block of their exact size with the terminator, so that a sanitizer
-// sees every byte read behind them.
+// Decodes bytes from a block of exactly their size with the terminator, so that a sanitizer reports
+// every read beyond them.
 template <std::uint16_t N>
 void ExpectDecodesLikeModel(const std::string& bytes, std::size_t limit) {
   const std::vector<char> source(bytes.c_str(), bytes.c_str() + bytes.size() + 1);
@@ -129,7 +129,7 @@ TEST(FixedStringFromUtf8, KeepsTheFirstUnitsOfATextThatIsTooLong) {
 TEST(FixedStringFromUtf8, ReadsAtMostThreeBytesAUnitAndOneMoreByDefault) {
   Model::ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();
-    // No terminator: a sanitizer sees a byte read behind the last.
+    // No terminator: a sanitizer reports a read beyond the last byte.
     const std::vector<char> ascii(3 * N + 1, 'x');
     FixedStringC<N> text;
     std::size_t length = kNoLimit;
@@ -197,7 +197,8 @@ TEST(FixedStringFromUtf8, AllThreeBytesDecodeLikeTheModelInsideALongText) {
   }
 }
 
-// Texts of the pieces that matter: whole characters of each length, runs of one kind, bytes alone.
+// Texts made of the relevant pieces: whole characters of each length, runs of one kind, single
+// bytes.
 std::string RandomBytes(std::mt19937_64& random, std::size_t most) {
   const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
   const auto add = [&](std::string& bytes, unsigned first, unsigned count) {

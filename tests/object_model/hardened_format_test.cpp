@@ -1,5 +1,5 @@
-// The fixed strings as a release has them: optimised, with the checks of the C library turned on.
-// At a `%n` in a format that can be written to, those checks end the process.
+// The fixed strings as in a release: optimised, with the checks of the C library turned on. Those
+// checks end the process at a `%n` in a writable format.
 #include <cstdio>
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <surveydata/object_model/fixed_string.h>
 
 #if !defined(_FORTIFY_SOURCE) || _FORTIFY_SOURCE < 2 || !defined(__OPTIMIZE__)
-#error "compiled without the checks that this is about"
+#error "compiled without the checks that this test needs"
 #endif
 
 namespace {

@@ -15,14 +15,13 @@
 #include "tests/support/pairs.h"
 #include "tests/support/temp_file.h"
 
-// How many blocks of the heap an operation takes, and what it leaves behind when there are none
-// left.
+// How many heap blocks an operation allocates, and what remains when an allocation fails.
 
 namespace {
 
 using Faults::FailuresBeforeSuccess;
 
-// The blocks that `work` takes.
+// The blocks that `work` allocates.
 template <class Work>
 std::size_t Allocations(Work work) {
   const std::size_t before = Faults::Allocations();

@@ -14,8 +14,8 @@
 #include "tests/support/pairs.h"
 
 // Every allocation of every operation fails once: nothing leaks, nothing is deleted twice (the
-// sanitizer is the judge), links stand, sources are untouched, and where an operation makes its
-// copy first, its target is as it was. The operation then works.
+// sanitizer is the judge), links are intact, sources are unchanged, and where an operation makes
+// its copy first, its target is as it was. The operation then works.
 
 namespace {
 
@@ -262,7 +262,7 @@ TEST(ScanAreaMemory, TheOutlineOfARectangleIsCompleteOrCutShort) {
   EXPECT_EQ(outline.size(), 4U);
 }
 
-// --- The geometry, on every way that it goes
+// --- The geometry, on each of its paths
 
 struct Shape {
   const char* name;
@@ -276,7 +276,7 @@ std::vector<Shape> Shapes() {
   for (int i = 0; i < 12; ++i) ring.corners.push_back({0.5 * i + 0.1, 0.3});
   return {{"rectangle", {{0.5, 1.0}, {1.2, 1.5}}, {0.8, 1.2}, {2.0, 1.2}},
           {"star", {{0.5, 1.0}, {1.0, 0.9}, {1.2, 1.5}, {0.4, 1.6}}, {0.8, 1.2}, {0.6, 0.8}},
-          // No point sees all of it, so its edges are compared.
+          // It is not star-shaped, so its edges are compared.
           {"comb",
            {{1.0, 1.0},
             {1.2, 1.5},
@@ -291,9 +291,9 @@ std::vector<Shape> Shapes() {
            {1.6, 1.7},
            {1.6, 1.3}},
           ring,
-          // A corner at the zenith, which prepared areas pass over.
+          // A corner at the zenith, which prepared areas skip.
           {"wedge", {{0.0, 0.0}, {1.0, 1.0}, {2.0, 1.0}}, {1.5, 0.5}, {1.5, 1.6}},
-          // Beyond the zenith by less than the rules see: prepared areas leave it to them.
+          // Beyond the zenith by less than the tolerance: prepared areas leave it to the rules.
           {"tipped", {{0.5, -1e-11}, {0.2, 1.0}, {0.8, 1.0}}, {0.5, 0.7}, {0.5, 1.2}},
           {"bow tie", {{1.0, 1.0}, {2.0, 1.5}, {2.0, 1.0}, {1.0, 1.5}}, {9.9, 9.9}, {1.2, 1.25}}};
 }
@@ -309,7 +309,7 @@ TEST(GeometryMemory, AnswersOrFailsAndForgets) {
     const std::vector<GMAT::AnglePointC> points = area.GetPoints();
     ASSERT_EQ(points.size(), shape.corners.size());
     std::size_t failures = 0;
-    // The answer of a call that gets all it asks for is that of one that had to fail before.
+    // After failures, the call that succeeds gives the same answer as one without failures.
     const auto expectSame = [&](auto question) {
       const auto expected = question();
       auto answer = expected;
@@ -387,7 +387,7 @@ TEST(TextMemory, ARecordWithLongTextsIsMadeAndCopiedOrNotThere) {
                                   [&] { EXPECT_EQ(info->GetText4(), text); }),
             6U);
   EXPECT_TRUE(copy->IsEqual(*info));
-  // An assignment may stop among the texts; the next one sets right what it left.
+  // An assignment may fail between two texts; the next one completes it.
   SDI::InstrumentInfoDataC target;
   EXPECT_GE(FailuresOfAChange([&] { target = *info; }, [&] { EXPECT_EQ(info->GetText4(), text); }),
             2U);

@@ -7,15 +7,15 @@
 
 #include "tests/support/pairs.h"
 
-// Who owns whom, for every pair. Leaks and double deletions show under the address sanitizer; what
-// is destroyed when is counted.
+// The ownership rules, for every pair. The address sanitizer reports leaks and double deletions;
+// the tests count which objects are destroyed when.
 
 namespace {
 
 using Pairs::IsMarked;
 using Pairs::Mark;
 
-// An object of a class derived from `Base`, as callers may derive it, which counts how many live.
+// An object of a class derived from `Base`, as callers may derive it; counts the live objects.
 template <class Base>
 class Counted : public Base {
  public:
@@ -118,7 +118,7 @@ TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
   EXPECT_EQ(impl->GetBase(), &object);  // stale, too
   EXPECT_EQ(impls, 2);
 
-  // Whoever replaces an implementation disposes of the old one.
+  // A caller that replaces an implementation must delete the old one.
   old->DetachBase();
   delete old;
   object.SetImpl(impl);

@@ -13,8 +13,8 @@
 #include "tests/support/pairs.h"
 
 // Random programs: constructors, copies, assignments, adoptions, links and deletions from either
-// side in any order, against a model of who owns whom. Every step compares all links and the
-// objects that live; the address sanitizer sees what is deleted twice or never.
+// side in any order, against a model of ownership. Every step compares all links and the live
+// objects; the address sanitizer reports what is deleted twice or never.
 
 namespace {
 
@@ -29,13 +29,13 @@ class RandomProgram : public testing::Test {
   using Public = typename P::PublicT;
   using Impl = typename P::ImplT;
 
-  // A definition of no area has no data but its kind, which it is made with.
+  // A plain scan definition has no data except its kind, which is fixed at construction.
   static constexpr bool kIsRecord = std::is_default_constructible_v<Impl>;
   static constexpr std::uint32_t kSomeKind = 7;
   static constexpr bool kTakesOwner = std::is_constructible_v<Impl, API::BaseC*>;
 
-  // What lives, by number. The library's own objects (those that a constructor or `GetBase` makes)
-  // are known by their pointers alone.
+  // The live objects, by number. Objects that the library makes (in a constructor or `GetBase`) are
+  // known by their pointers alone.
   static inline int countedPublics = 0;
   static inline int countedImpls = 0;
 
@@ -75,7 +75,7 @@ class RandomProgram : public testing::Test {
   RandomProgram() : random_(kSeed) {}
   ~RandomProgram() override { End(); }
 
-  // A program leaves nothing.
+  // A program leaves no objects.
   void End() {
     while (!pairings_.empty()) DeleteEither(0);
     Check();
@@ -106,7 +106,7 @@ class RandomProgram : public testing::Test {
     ASSERT_EQ(countedImpls, impls);
   }
 
-  // A pairing with the sides that are asked for; null when there is none.
+  // A pairing with the requested sides; null when there is none.
   Pairing* Some(bool hasObject, bool hasImpl) {
     std::vector<Pairing*> fitting;
     for (Pairing& p : pairings_) {
@@ -118,7 +118,7 @@ class RandomProgram : public testing::Test {
   }
   void Forget(const Pairing* p) { pairings_.erase(pairings_.begin() + (p - pairings_.data())); }
 
-  // Whichever side there is; both go.
+  // Deletes whichever side exists; both are destroyed.
   void DeleteEither(std::size_t i) {
     const Pairing p = pairings_[i];
     pairings_.erase(pairings_.begin() + static_cast<std::ptrdiff_t>(i));
@@ -287,7 +287,7 @@ class RandomProgram : public testing::Test {
 template <class... P, class... Q, class... R>
 testing::Types<P..., Q..., R...> Joined(testing::Types<P...>, testing::Types<Q...>,
                                         testing::Types<R...>);
-// The base of the areas is a pair, too, though none that callers make.
+// The base of the areas is a pair too, although callers do not create it.
 using Bases = testing::Types<Pairs::Pair<SDI::ScanDefinitionC, SDI::ScanDefinitionImplC>>;
 using EveryPair = decltype(Joined(Pairs::AllPairs(), Pairs::UnreadPairs(), Bases()));
 TYPED_TEST_SUITE(RandomProgram, EveryPair);

@@ -204,7 +204,7 @@ TEST(Version, FormatsEveryWidthAndKindInEveryStyle) {
   }
 }
 
-// Digits in groups of one, to show in the least number.
+// Groups of one digit, so that grouping shows even in the smallest number.
 class Grouped : public std::numpunct<char> {
   char do_thousands_sep() const override { return '\''; }
   std::string do_grouping() const override { return "\1"; }

@@ -33,7 +33,7 @@ inline bool Same(const std::vector<AnglePointC>& a, const std::vector<literal::A
   return true;
 }
 
-/// What the compared cases reached.
+/// How often the compared cases reached each outcome.
 struct Tally {
   std::uint64_t cases = 0;
   std::uint64_t valid = 0;

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 /// \file
-/// Makes calls fail that nothing else makes fail: allocations by `operator new`, and the file
-/// functions of the C runtime, in whose place the linker puts others. Link
+/// Makes calls fail that rarely fail otherwise: allocations by `operator new`, and the file
+/// functions of the C runtime, which the linker replaces. Link
 /// `heap_faults` for the first, `file_faults` for both.
 
 namespace Faults {
@@ -20,15 +20,15 @@ inline constexpr std::size_t kNever = SIZE_MAX;
 
 // --- Memory
 
-/// Since the program began.
+/// The number since the start of the program.
 std::size_t Allocations();
 std::size_t Releases();
 
 /// Lets `count` more allocations succeed; `kNever` for all.
 void LimitAllocations(std::size_t count);
 
-/// Runs `work` with one more allocation each time until it succeeds; `afterFailure` looks at what
-/// each failure left. Returns the number of failures.
+/// Runs `work`, allowing one more allocation each time, until it succeeds; `afterFailure` checks
+/// the state after each failure. Returns the number of failures.
 template <class Work, class Check>
 std::size_t FailuresOfAChange(Work work, Check afterFailure) {
   for (std::size_t failures = 0;; ++failures) {
@@ -46,8 +46,8 @@ std::size_t FailuresOfAChange(Work work, Check afterFailure) {
   }
 }
 
-/// The same for work that keeps nothing when it fails, not even room in a container: expects that
-/// each failure gives back what it took.
+/// The same for work that keeps nothing when it fails, not even capacity of a container: expects
+/// that each failure releases all that was allocated.
 template <class Work, class Check>
 std::size_t FailuresBeforeSuccess(Work work, Check afterFailure) {
   std::size_t taken = 0;
@@ -69,7 +69,7 @@ std::size_t FailuresBeforeSuccess(Work work) {
   return FailuresBeforeSuccess(work, [] {});
 }
 
-/// Expects at its end that everything taken since its beginning was given back.
+/// Expects at its destruction that everything allocated since its construction was released.
 class BalanceC {
  public:
   BalanceC() {
@@ -102,7 +102,7 @@ void FailNoFileCall();
 /// The calls since `FailFileCall` or `FailNoFileCall`, by name.
 std::vector<std::string> FileCalls();
 
-/// How many files were opened and not closed since the program began.
+/// The number of files opened and not closed since the start of the program.
 int OpenFiles();
 
 }  // namespace Faults

@@ -9,7 +9,7 @@
 namespace Faults {
 namespace {
 
-// No vector: nothing here may take memory while another count of it runs.
+// No vector: nothing here may allocate while allocations are counted.
 std::array<const char*, 1000> g_calls;
 std::size_t g_callCount = 0;
 std::size_t g_failing = kNever;
@@ -112,7 +112,7 @@ std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FIL
   return done;
 }
 
-// What a hardened build calls where it knows the room at the destination.
+// Called by a hardened build where it knows the size of the destination.
 std::size_t __wrap___fread_chk(void* to, std::size_t /*room*/, std::size_t size, std::size_t count,
                                std::FILE* file) {
   return __wrap_fread(to, size, count, file);

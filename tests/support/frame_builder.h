@@ -17,7 +17,7 @@ namespace TestSupport {
 
 using ByteVector = std::vector<std::uint8_t>;
 
-/// Puts `bytes` behind what stands in `to`.
+/// Appends `bytes` to `to`.
 inline void Append(ByteVector& to, const ByteVector& bytes) {
   std::copy(bytes.begin(), bytes.end(), std::back_inserter(to));
 }
@@ -51,12 +51,12 @@ class FrameBuilderC {
     while (count-- > 0) U8(static_cast<unsigned>(random() & 0xFF));
     return *this;
   }
-  /// The units alone, without a terminator.
+  /// The units without a terminator.
   FrameBuilderC& Units(std::u16string_view units) {
     for (const char16_t unit : units) U16(unit);
     return *this;
   }
-  /// The units of a name block, filled up with zeros to 17.
+  /// The units of a name block, padded with zeros to 17.
   FrameBuilderC& NameUnits(std::u16string_view units) {
     Units(units);
     return Fill(2 * (17 - units.size()), 0);

@@ -20,7 +20,7 @@ namespace {
 using GMAT::AnglePointC;
 using Numbers = std::vector<double>;
 
-// For what an operation leaves untouched.
+// The value of an output that an operation does not change.
 constexpr double kUntouched = -1.0;
 
 double YesNo(bool answer) { return answer ? 1.0 : 0.0; }

@@ -13,7 +13,7 @@
 /// \file
 /// Questions to the sphere geometry with their answers, as the lines of a text file:
 ///
-///     area <Hz> <V> ...                            the corners that the lines below are about
+///     area <Hz> <V> ...                            the corners to which the following lines refer
 ///     <source> <question> <given> ... = <answer> ...
 ///
 /// Numbers are hexadecimal doubles, yes and no are 1 and 0. An answer that is a list of crossings
@@ -39,14 +39,14 @@ struct Case {
 /// The names in the order of the file.
 std::string_view NameOf(Source source);
 
-/// What the library, or the runtime, answers here and now. \throw std::runtime_error for a question
-/// that is not known.
+/// The present answer of the library or the runtime. \throw std::runtime_error for an
+/// unknown question.
 std::vector<double> Answer(const Case& question);
 
-/// Calls `visit` for each case. \throw std::runtime_error for a line that is none.
+/// Calls `visit` for each case. \throw std::runtime_error for an invalid line.
 void ForEach(std::istream& file, const std::function<void(const Case&)>& visit);
 
-/// Makes questions up, the same for the same seed, and calls `visit` for each; without answers.
+/// Generates questions, the same for the same seed, and calls `visit` for each, without answers.
 void MakeUp(std::uint64_t seed, const std::function<void(const Case&)>& visit);
 
 }  // namespace GeometryCases

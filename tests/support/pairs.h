@@ -13,25 +13,25 @@
 #include "tests/support/record_fields.h"
 
 /// \file
-/// Tests of what holds for every pair: the pairs as lists of GoogleTest, and data to tell them by.
+/// For tests of rules that hold for every pair: the pairs as type lists, and data that marks them.
 
 namespace Pairs {
 
 using AllPairs = AllPairList::As<testing::Types>;
 using UnreadPairs = UnreadPairList::As<testing::Types>;
 
-/// A dome has nothing that could be set.
+/// A dome has no points to set.
 template <class Impl>
 inline constexpr bool kHasData = !std::is_base_of_v<SDI::ScanDomeAreaImplC, Impl>;
 
-/// The field by which records are marked; listing all of them takes a while.
+/// The field by which records are marked; listing all fields is slow.
 template <class Impl>
 const Records::Field<Impl>& LastField() {
   static const Records::Field<Impl> field = Records::FieldsOf<Impl>().back();
   return field;
 }
 
-/// Gives the data, if there is any, another value than its default.
+/// Sets the data, if there is any, to a value other than the default.
 template <class Impl>
 void Mark(Impl& impl) {
   if constexpr (requires { impl.SetHz(7.0); }) {

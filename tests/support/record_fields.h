@@ -23,7 +23,7 @@
 
 namespace Records {
 
-/// How a field takes part in the equality of its record.
+/// How the equality of a record compares a field.
 enum class Compared { kExactly, kWithTolerance };
 
 /// One field of a `Record`, read and written through its accessors.
@@ -33,9 +33,10 @@ struct Field {
   Compared compared;
   /// The value as text, different for different values.
   std::function<std::string(const Record&)> show;
-  /// Writes a value that is no field's default; another `seed` gives another value, but in a bool.
+  /// Writes a value that is not the default of any field; another `seed` gives another value,
+  /// except for a bool.
   std::function<void(Record&, int seed)> fill;
-  /// What `show` gives after `fill` with the same seed.
+  /// The result of `show` after `fill` with the same seed.
   std::function<std::string(int seed)> filled;
   /// Moves a number by `units` of its smallest units; changes a text or a bool unless it is 0.
   std::function<void(Record&, int units)> move;
@@ -46,7 +47,7 @@ struct Field {
 template <class Record>
 using Fields = std::vector<Field<Record>>;
 
-// What a getter gives, held as a value.
+// The result of a getter, held as a value.
 template <class T>
 struct Held : std::type_identity<T> {};
 template <>
@@ -494,7 +495,7 @@ Texts Values(const Record& record) {
   return values;
 }
 
-/// Writes every field, each with a value of its own.
+/// Writes every field, each with a different value.
 template <class Record>
 void FillAll(Record& record) {
   int seed = 0;

@@ -213,7 +213,7 @@ AnglePointC RingGenerator::Probe(const std::vector<AnglePointC>& edges, double h
   const AnglePointC a = edges[Below(edges.size())];
   const std::size_t e = 2 * Below(edges.size() / 2);
   const double t = Uniform(0.0, 1.0);
-  // On the chord of an edge, and a little beside it.
+  // On the chord of an edge, and slightly off it.
   AnglePointC on{edges[e].Hz + t * (edges[e + 1].Hz - edges[e].Hz),
                  edges[e].V + t * (edges[e + 1].V - edges[e].V)};
   switch (Below(12)) {

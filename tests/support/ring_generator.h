@@ -15,15 +15,15 @@ class RingGenerator {
  public:
   explicit RingGenerator(std::uint64_t seed) : random_(seed) {}
 
-  /// The corners of the next area, mostly few, at most `maxPoints`. With `wild`, a few of them lie
-  /// out of range or are no numbers.
+  /// The corners of the next area, mostly few, at most `maxPoints`. With `wild`, a few of them are
+  /// out of range or NaN.
   std::vector<GMAT::AnglePointC> Ring(std::size_t maxPoints, bool wild);
 
   /// Hundreds of corners, so that a meridian crosses many edges: a star of spikes, long teeth along
   /// Hz or along V, a jagged ring around the zenith, or much detail in a small part of the ring.
   std::vector<GMAT::AnglePointC> CrowdedRing();
 
-  /// A direction to ask for. `edges` and `hzOrigin` are those of the ring.
+  /// A direction to query. `edges` and `hzOrigin` are those of the ring.
   GMAT::AnglePointC Probe(const std::vector<GMAT::AnglePointC>& edges, double hzOrigin, bool wild);
 
   /// `x`, a unit in the last place beside it, or an offset around the tolerances beside it.

@@ -1,12 +1,12 @@
-// Loaded into a program in front of the C library (LD_PRELOAD): counts the calls by which it reads
-// and changes files, and does something at one of them. SURVEYDATA_SHIM says what, at which call,
-// counted from 0 over all of them, or of one function alone:
+// Loaded into a program before the C library (LD_PRELOAD): counts the calls that read and change
+// files, and acts at one of them. SURVEYDATA_SHIM gives the action and the call, counted from 0
+// over all calls or over those of one function:
 //
 //   log                      nothing
 //   kill N                   ends the process as SIGKILL does, before the call
-//   tear N                   the same, but half of what a write is to write is written
+//   tear N                   the same, but a write first writes half of its data
 //   stop N | stop NAME N     stops the process as SIGSTOP does, before the call
-//   short N                  a write writes half and says so, a read reads half
+//   short N                  a write writes half and returns that, a read reads half
 //   fail N ERRNO | fail NAME N ERRNO    the call does nothing and fails; N = -1: every call
 //   wait NAME MILLISECONDS   each call of the function takes so long
 //
@@ -50,7 +50,7 @@ const Order& TheOrder() {
   return order;
 }
 
-// Past this shim: what it does is not counted.
+// Calls that bypass this shim, so that they are not counted.
 void Log(const char* name) {
   const char* const path = std::getenv("SURVEYDATA_SHIM_LOG");
   if (path == nullptr) return;
@@ -90,7 +90,7 @@ Turn Enter(const char* name) {
   return Turn::kFail;
 }
 
-// The function that this one stands in front of.
+// The function that this one replaces.
 template <class Function>
 Function Next(const char* name) {
   return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -171,7 +171,7 @@ extern "C" {
       file, bytes, turn == Turn::kHalf ? count / 2 : count, offset);
 }
 
-// The same by the names that a program calls which asks for offsets of 64 bits.
+// The same under the names that a program with 64-bit offsets calls.
 [[gnu::visibility("default")]] int open64(const char* path, int flags, ...) {
   va_list more;
   va_start(more, flags);

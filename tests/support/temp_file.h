@@ -15,14 +15,14 @@
 
 namespace TestSupport {
 
-/// The whole of a file.
+/// The contents of a file.
 inline std::vector<std::uint8_t> ReadBytes(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw std::runtime_error("cannot open " + path.string());
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-/// A folder of its own, removed at the end.
+/// A new folder, removed by the destructor.
 class TempFolderC {
  public:
   TempFolderC() {
@@ -60,7 +60,7 @@ inline SDI::GPSRecordFileInfo InfoFor(const std::filesystem::path& path, std::ui
   return info;
 }
 
-/// A record file in a folder of its own.
+/// A record file in a new folder.
 class TempFileC {
  public:
   TempFileC() : TempFileC(std::vector<std::uint8_t>()) {}
@@ -69,7 +69,7 @@ class TempFileC {
     Write(bytes);
   }
 
-  // Overwrites in place: file systems wait for the disk when a file is emptied and written anew.
+  // Overwrites in place: file systems wait for the disk when a file is truncated and rewritten.
   void Write(const std::vector<std::uint8_t>& bytes) const {
     if (!std::filesystem::exists(path_)) std::ofstream(path_, std::ios::binary);
     std::filesystem::resize_file(path_, bytes.size());

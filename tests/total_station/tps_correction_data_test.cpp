@@ -39,7 +39,7 @@ TEST(TPSCorrectionData, ConvertsBetweenPpmAndScale) {
   EXPECT_EQ(correction.PpmFromScale(1.0), 0.0);
   EXPECT_EQ(correction.PpmFromScale(0.0), -1e6);
   EXPECT_EQ(correction.PpmFromScale(1.5), 500000.0);
-  // Here a product with 1e-6 and a quotient by 1e6 round differently, and so do their inverses.
+  // For these, multiplying by 1e-6 and dividing by 1e6 round differently, and so do the inverses.
   EXPECT_EQ(correction.ScaleFromPpm(367.75), 1.00036775);
   EXPECT_EQ(correction.ScaleFromPpm(-44.4), 0.9999556000000001);
   EXPECT_EQ(correction.PpmFromScale(1.9341), 934099.9999999999);
