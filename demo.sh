@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program and shows what it does with a record file of a GNSS receiver and with a scan area.
-# Everything that it writes goes to build/demo and demo/.
+# Builds the program and demonstrates it with a GNSS record file and a scan area. All output goes to
+# build/demo and demo/.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -24,8 +24,9 @@ cp tests/data/valley_drive.rec tests/data/desert_highway.rec tests/data/areas/fa
 chmod u+w demo/*.rec demo/*.json
 cd demo
 
-# show WHAT COMMAND [STATUS...]: what it is about, the command, what it prints. The command ends with
-# 0 or one of the STATUS: a list ends with 1 where it found gaps, with 141 where `head` has enough.
+# show WHAT COMMAND [STATUS...]: prints the purpose, the command and its output. The command must
+# end with 0 or one of STATUS: a list ends with 1 if it found gaps, with 141 if `head` stopped
+# reading.
 show() {
   printf '\n%s\n$ %s\n' "$1" "$2"
   local status=0

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library alone from nothing with two processes, and says how long that took and what the
-# result weighs.
+# Builds the library alone from scratch with two processes; reports the time and the size of the
+# result.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

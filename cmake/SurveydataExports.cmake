@@ -1,6 +1,6 @@
-# surveydata_export(<target> <list>): what the shared library lets out. The list makes the version
-# script of an ELF library, and the module definition of a Windows one, which exports by number
-# alone.
+# surveydata_export(<target> <list>): the symbols that the shared library exports. The list is
+# turned into the version script of an ELF library, or into the module definition of a Windows one,
+# which exports by number alone.
 include(${PROJECT_SOURCE_DIR}/abi/Exports.cmake)
 
 function(surveydata_export target list)

@@ -1,6 +1,6 @@
-# What `cmake --install` puts where. The tree may be moved as a whole: the package files find the
-# rest from where they stand. The components are those of the packages: runtime, development, and
-# program, which tools/CMakeLists.txt installs.
+# What `cmake --install` installs, and where. The tree can be moved as a whole: the package files
+# locate the rest relative to themselves. The components are those of the packages: runtime,
+# development, and program, which tools/CMakeLists.txt installs.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

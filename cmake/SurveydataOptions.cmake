@@ -36,8 +36,8 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
 endif()
 
-# A build with sanitizers is made in half the time without optimisation; the preset `asan` has none.
-# This option gives it back to what works through millions of cases.
+# Without optimisation, a build with sanitizers takes half the time; the preset `asan` has none.
+# This option restores it for code that processes millions of cases.
 if(SURVEYDATA_SANITIZE)
   set(SURVEYDATA_OPTIMISED $<$<CONFIG:Debug>:-O1>)
 endif()

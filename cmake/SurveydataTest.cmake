@@ -1,9 +1,9 @@
 # surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]): one test
 # program from <name>.cpp.
 #
-# INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds RapidCheck,
-# with fixed parameters: another seed is a cache variable away. LABEL is the ctest label, by default
-# unit or property. EXHAUSTIVE optimises the test in every build.
+# INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds
+# RapidCheck, with fixed parameters, which a cache variable changes. LABEL is the ctest label, by
+# default unit or property. EXHAUSTIVE optimises the test in every build.
 include(GoogleTest)
 if(CMAKE_CROSSCOMPILING)
   # Debian ships the sources of GoogleTest, but RapidCheck and ICU for its own systems alone: builds

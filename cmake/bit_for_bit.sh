@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# The sphere geometry answers the same bit for bit, whatever compiles it: builds it with each of
-# these and compares its answers with those in tests/data/geometry_cases.txt. For Windows,
+# The sphere geometry gives the same answers bit for bit with every compiler: builds it with each of
+# these compilers and compares its answers with those in tests/data/geometry_cases.txt. For Windows,
 # ./test.sh --windows does.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 builds=("g++ -O0" "g++ -O3" "clang++ -O2")
-# Where the processor has fused multiplications, a compiler could be tempted to use them.
+# On a processor with fused multiply-add, a compiler could use it.
 if grep -qw fma /proc/cpuinfo; then
   builds+=("g++ -O3 -march=x86-64-v3" "clang++ -O3 -march=x86-64-v3")
 fi

@@ -1,5 +1,5 @@
 # Sourced by demo.sh and test.sh: install_dependencies PACKAGE... installs the Debian packages that
-# are missing. With none missing it is quick and says nothing.
+# are missing. If none is missing, it is quick and prints nothing.
 
 install_dependencies() {
   if ! command -v dpkg-query >/dev/null 2>&1 || ! command -v apt-get >/dev/null 2>&1; then
@@ -39,14 +39,14 @@ install_dependencies() {
   rm -f "$log"
 }
 
-# What the library and the program need, and what the tests need besides. clang builds what runs under
-# sanitizers, and the fuzz targets.
+# The packages for the library and the program, and the further ones for the tests. clang builds the
+# tests with sanitizers and the fuzz targets.
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(abigail-tools clang doxygen dpkg-dev file fish gdb libabsl-dev libbenchmark-dev
                libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
                mandoc pkgconf python3 zsh)
 
-# What the build for Windows and its tests need besides.
+# Further packages for the build for Windows and its tests.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
 

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# A short selection of the tests under valgrind: it sees decisions that hang on memory nobody wrote,
-# which the sanitizers do not, and what is never released. Ends with 1 at the first finding.
+# Runs a selection of the tests under valgrind, which reports decisions that depend on uninitialised
+# memory (the sanitizers do not) and leaks. Ends with 1 at the first finding.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . cmake/install_dependencies.sh
 install_dependencies "${build_packages[@]}" "${test_packages[@]}" valgrind
 
-# A program, and which of its tests: those that work through millions of cases take too long here.
-# That of records in order looks at padding.
+# A program, and which of its tests: those with millions of cases take too long here, and
+# HoldTheirFieldsInOrder reads padding.
 selection=(
   "object_model/base_test *"
   "object_model/compare_test -*ForAnyBits*"
@@ -36,7 +36,7 @@ for entry in "${selection[@]}"; do
 done
 cmake --build --preset dev --target "${targets[@]}" >/dev/null
 
-# Operators `new` of a program's own, which make allocations fail, stay in place.
+# A program's own operators `new`, which make allocations fail, are not replaced.
 checked() {
   echo "== $*"
   RC_PARAMS="seed=20260101 max_success=50" valgrind --quiet --error-exitcode=1 \

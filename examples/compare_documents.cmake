@@ -1,4 +1,4 @@
-# Compares the code and the output that the documents of ROOT show with the files they come from.
+# Compares the code and the output in the documents of ROOT with the files they come from.
 #
 # Code (```cpp) stands in a source of EXAMPLES, which are built and run; output (```text) in what one
 # of them is expected to print, or below tests/data or tests/debugger. The line before such a block names the file:

@@ -1,4 +1,4 @@
-# Runs PROGRAM in WORK_DIR, with a copy of DATA if there is any, and compares its standard output with
+# Runs PROGRAM in WORK_DIR, with a copy of DATA if given, and compares its standard output with
 # the file EXPECTED.
 cmake_minimum_required(VERSION 3.25)
 

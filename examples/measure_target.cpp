@@ -66,7 +66,7 @@ int main() {
   Print("corrected", target);
   std::printf("scale      %.1f ppm\n", correction.PpmFromScale(correction.GetScaleFactor()));
 
-  // The point measured: the reflector, whose height above the ground is left out.
+  // The measured point is the reflector; its height above the ground is not considered.
   const double azimuth = target.GetValue1() + setup.GetValue5();
   const double horizontal = target.GetValue3() * std::sin(target.GetValue2());
   std::printf(

@@ -1,4 +1,4 @@
-// Who deletes whom. The objects of this program say when they go.
+// Who deletes whom. The objects of this program report their destruction.
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-# fmt as headers alone, for builds that cannot use the package of this system.
+# fmt header-only, for builds that cannot use the package of this system.
 if(NOT TARGET fmt::fmt-header-only)
   add_library(fmt::fmt-header-only INTERFACE IMPORTED)
   target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY)

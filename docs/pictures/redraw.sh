@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Draws the pictures of the documentation anew: docs/pictures/redraw.sh [FOLDER]. The program is
-# `surveydata` on the path.
+# Redraws the pictures of the documentation: docs/pictures/redraw.sh [FOLDER]. The program
+# `surveydata` must be on the path.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 out=$(cd "${1:-$here}" && pwd)
 data=$here/../../tests/data
 
-# An area that is not valid is drawn all the same, with the exit code 1.
+# An invalid area is drawn too, with the exit code 1.
 plot() {
   local area=$1 picture=$2
   shift 2

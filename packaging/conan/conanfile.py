@@ -58,6 +58,6 @@ class SurveydataConan(ConanFile):
         CMake(self).install()
 
     def package_info(self):
-        # The library's own package files say what there is.
+        # The library's own package files list the targets.
         self.cpp_info.set_property("cmake_find_mode", "none")
         self.cpp_info.builddirs.append(os.path.join("lib", "cmake", "surveydata"))

@@ -1,5 +1,5 @@
-# Run by CPack before it makes the packages: adds what only a Debian package has, and moves what has
-# another place there.
+# Run by CPack before it makes the packages: adds what only a Debian package has, and moves what
+# belongs elsewhere there.
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} name)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})

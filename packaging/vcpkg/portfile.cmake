@@ -1,4 +1,4 @@
-# An overlay port, which builds the tree that it stands in:
+# An overlay port, which builds the tree that contains it:
 #   vcpkg install surveydata --overlay-ports=packaging/vcpkg
 cmake_path(SET SOURCE_PATH NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../..")
 

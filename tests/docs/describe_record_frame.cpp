@@ -1,5 +1,5 @@
 // Prints the tables of docs/record_frames.md: the header of a frame and every block, out of the
-// descriptions that the reader reads by.
+// tables that drive the reader.
 
 #include <cstddef>
 #include <cstdint>

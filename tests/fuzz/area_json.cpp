@@ -1,5 +1,5 @@
-// An area file of any bytes is read whole or refused with the reason, and the program's questions
-// have answers for whatever area it gives.
+// An area file of any bytes is either read completely or refused with a reason, and every area that
+// it gives can be measured, drawn and queried.
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +32,7 @@ double InRadians(double angle, const std::string& unit) {
   return unit == "rad" ? angle : angle * 3.141592653589793 / (unit == "deg" ? 180 : 200);
 }
 
-// As near as two ways to compute it come.
+// The agreement of two ways to compute it.
 bool IsNear(double a, double b) { return a == b || std::fabs(a - b) <= 1e-15 * std::fabs(b); }
 
 void ExpectHolds(const Tool::AreaFile& file, const json& text) {
@@ -68,7 +68,7 @@ void ExpectHolds(const Tool::AreaFile& file, const json& text) {
   }
 }
 
-// --- What an area file is
+// --- The format of area files
 
 // Whether an object holds a key twice: the parser would let the last one win.
 class RepeatFinderC : public json::json_sax_t {

@@ -1,5 +1,5 @@
-// A file of directions of any bytes gives, line by line, the directions that a plain reading of the
-// format gives, up to the first line that is refused.
+// A file of directions of any bytes gives, line by line, the same directions as a plain parser of
+// the format, up to the first line that is refused.
 
 #include <cctype>
 #include <cmath>
@@ -71,7 +71,7 @@ std::size_t SeparatorAt(const std::string& text) {
   return at;
 }
 
-// A plus sign is read over, but not before a minus sign.
+// A plus sign is skipped, but not before a minus sign.
 std::size_t SignedNumberAt(const std::string& text, double& number) {
   const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
   const std::size_t size = NumberAt(hasPlus ? text.substr(1) : text, number);
@@ -96,7 +96,7 @@ std::optional<Tool::Direction> DirectionIn(std::string text) {
   const bool isNextComma = text.substr(0, next).find(',') != std::string::npos;
   text.erase(0, next);
   double third = 0;
-  // A comma that may be a decimal one.
+  // A comma that could be a decimal separator.
   if (isComma && !isNextComma && SignedNumberAt(text, third) != 0) return {};
   return direction;
 }

@@ -1,5 +1,5 @@
-// Any sequence of changes of a fixed text, and all that can be asked of it in between, against a
-// plain string and the literal rules of its conversions.
+// Any sequence of changes and queries of a fixed text, compared with a plain string and the literal
+// rules of its conversions.
 
 #include <cstdio>
 #include <cstdlib>
@@ -74,7 +74,7 @@ std::wstring TakeWide(Fuzz::InputC& in, std::size_t most) {
   return wide;
 }
 
-// Exactly these bytes on the heap, so that one read too many is noticed.
+// Exactly these bytes on the heap, so that a read beyond them is detected.
 std::unique_ptr<char[]> Exactly(const std::string& bytes, std::size_t count) {
   auto copy = std::make_unique<char[]>(count);
   std::memcpy(copy.get(), bytes.c_str(), count);

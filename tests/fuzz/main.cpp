@@ -1,5 +1,5 @@
-// Runs a target over the files that are named, or that lie in folders that are named: what a build
-// without a fuzzer does with the corpus.
+// Runs a target over the given files and the files of the given folders: in a build without a
+// fuzzer, over the corpus.
 
 #include <algorithm>
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Prints a libFuzzer dictionary of record frames: what their header is made of, and every bit of
-// the two flags words, out of the tables that the reader reads by.
+// Prints a libFuzzer dictionary of record frames: the parts of the header and every bit of the two
+// flags words, from the tables that drive the reader.
 
 #include <cstdint>
 #include <cstdio>
@@ -22,7 +22,7 @@ void PrintByte(const char* comment, unsigned value) {
   std::printf("# %s\n\"\\x%02x\"\n", comment, value);
 }
 
-// Little-endian, as it lies in a frame.
+// Little-endian, as in a frame.
 void PrintWord(const char* comment, unsigned value) {
   std::printf("# %s\n\"\\x%02x\\x%02x\"\n", comment, value & 0xFF, value >> 8);
 }

@@ -1,5 +1,5 @@
 // A record file of any bytes is read as the format's description says, field by field; reading the
-// same frame in memory gives the same and looks at no byte after it; encoding what was read gives a
+// same frame in memory gives the same and reads no byte after it; encoding what was read gives a
 // frame that reads the same.
 
 #include <cstring>

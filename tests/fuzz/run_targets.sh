@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# run_targets.sh BUILD SECONDS: runs every fuzz target of a build for so long, two at once, and tells
-# what each did. Fails when one found something; what it found is in BUILD/findings.
+# run_targets.sh BUILD SECONDS: runs every fuzz target of a build for SECONDS, two at once, and
+# reports executions and edges. Fails when there is a finding, which is then in BUILD/findings.
 set -euo pipefail
 source_dir="$(cd "$(dirname "$0")" && pwd)"
 build="$(cd "$1" && pwd)"

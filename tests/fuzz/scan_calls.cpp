@@ -1,5 +1,5 @@
 // Scan areas and scans created, linked, copied, assigned, changed and deleted in any order, from
-// either side: what they hold follows a plain model, and exactly the objects live that should.
+// either side: their data equals that of a plain model, and so does the set of live objects.
 
 #include <algorithm>
 #include <array>
@@ -33,7 +33,7 @@ using SDI::ScanImplC;
 constexpr std::size_t kMostSteps = 100;
 constexpr std::size_t kMostPoints = 12;
 
-// --- Who lives
+// --- Live objects
 
 int g_publics = 0;  // those of the classes below
 int g_impls = 0;
@@ -50,7 +50,7 @@ class CountedC : public Object {
   ~CountedC() override { --count; }
 };
 
-// What is done alike with every kind of area.
+// The operations common to all kinds of area.
 struct Kind {
   std::uint32_t type;
   ScanAreaC* (*makePublic)();
@@ -82,7 +82,7 @@ const Kind kKinds[] = {
     KindOf<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>(SDI::kPolygonArea),
     KindOf<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>(SDI::kDomeArea)};
 
-// --- What they hold
+// --- Their data
 
 struct Point {
   double hz;
@@ -175,7 +175,7 @@ bool Contains(const AreaModel& model, double hz, double v) {
          literal::WrapIntoRange(&v, 0.0, GMAT::TWO_PI) && v <= GMAT::V_LIMIT;
 }
 
-// Of an area that is valid.
+// For a valid area.
 literal::Extents BoundsOf(const AreaModel& model, bool normalize) {
   literal::Extents bounds{0.0, GMAT::TWO_PI - 1e-6, 0.0, GMAT::V_LIMIT, false};
   if (model.IsDome()) return bounds;
@@ -589,7 +589,7 @@ class SequenceC {
         } else {
           *slot.scan->GetImpl() = *from.scan->GetImpl();
         }
-        // Without an area there, this scan keeps its own.
+        // If the other scan has no area, this one keeps its own.
         auto area = from.model.area ? from.model.area : slot.model.area;
         slot.model = ScanModel(from.model);
         slot.model.area = std::move(area);

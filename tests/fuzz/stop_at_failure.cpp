@@ -4,8 +4,8 @@
 
 #include "tests/fuzz/fuzz_input.h"
 
-// Not sooner: the flags of GoogleTest get their defaults before `main`. Nobody catches what is
-// thrown.
+// Not sooner, because the flags of GoogleTest get their defaults before `main`. Nothing catches the
+// exception.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
   GTEST_FLAG_SET(throw_on_failure, true);
   return 0;

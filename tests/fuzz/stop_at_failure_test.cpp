@@ -2,11 +2,11 @@
 
 #include "tests/fuzz/fuzz_input.h"
 
-// Without this the targets could find nothing.
+// Without this the targets would report no finding.
 
 namespace {
 
-// As in a target: nobody catches what is thrown.
+// As in a target, nothing catches the exception.
 void FailInATarget() noexcept {
   LLVMFuzzerInitialize(nullptr, nullptr);
   EXPECT_EQ(1, 2) << "a finding";

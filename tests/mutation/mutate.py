@@ -216,7 +216,7 @@ def prepare(all_tests, jobs):
     for test in all_tests:
         name = test.split()[0]
         program = next(path for path in BUILD.glob(f"tests/**/{name}") if path.is_file())
-        # A test that fails as it is would seem to notice every mutation.
+        # A test that already fails would seem to detect every mutation.
         begin = time.monotonic()
         done = run_test(program, test, 900)
         if done is None or done.returncode != 0:

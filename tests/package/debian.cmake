@@ -1,10 +1,10 @@
-# Makes the Debian packages of the build RELEASE_DIR, looks at them, installs them below a root folder
-# of their own, uses what is installed there, and removes it again. VERSION is that of the project;
-# DATA is a record file. CXX and GENERATOR build the consumer project.
+# Makes the Debian packages of the build RELEASE_DIR, checks them, installs them below a separate
+# root folder, uses them there, and removes them again. VERSION is that of the project; DATA is a
+# record file. CXX and GENERATOR build the consumer project.
 cmake_minimum_required(VERSION 3.25)
 
-# run(<result> <command>...): leaves what it says in `output`; it must end with <result>, a regular
-# expression.
+# run(<result> <command>...): stores the output in `output`; the exit code must match <result>, a
+# regular expression.
 function(run expected)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result
     OUTPUT_VARIABLE output ERROR_VARIABLE error)
@@ -123,7 +123,7 @@ else()
   message(STATUS "there is no lintian: the packages are not looked at with it")
 endif()
 
-# A root that knows nothing but what the packages depend on, as this system has it.
+# A root that contains only the packages' dependencies, in this system's versions.
 set(root ${WORK_DIR}/root)
 set(database ${root}/var/lib/dpkg)
 file(MAKE_DIRECTORY ${database}/info ${database}/updates ${database}/triggers)

@@ -1,5 +1,5 @@
-# Installs the build BUILD_DIR, then moves the tree to PREFIX: everything in it must find the rest
-# from where it stands.
+# Installs the build BUILD_DIR, then moves the tree to PREFIX: its files must locate each other
+# relative to themselves.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${PREFIX} ${PREFIX}.first)

@@ -27,7 +27,7 @@ if(NOT dynamic MATCHES "NEEDED" OR dynamic MATCHES "RPATH|RUNPATH|libsurveydata|
   message(FATAL_ERROR "the program looks for libraries where there may be none:\n${dynamic}")
 endif()
 
-# run(<argument>...): leaves what the program says in `output`; it must end with 0 or 1.
+# run(<argument>...): stores the program's output in `output`; the exit code must be 0 or 1.
 function(run)
   execute_process(COMMAND env -i ${PREFIX}/bin/surveydata ${ARGN} WORKING_DIRECTORY /
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE error)

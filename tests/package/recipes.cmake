@@ -1,5 +1,5 @@
-# The recipes of packaging/ as far as they can be looked at without the programs that they are for:
-# they name the version of the project, pass options that it has, and name files that there are.
+# Checks the recipes of packaging/ as far as possible without vcpkg and Conan: they name the version
+# of the project, pass existing options and name existing files.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${SOURCE_DIR}/cmake/SurveydataOptions.cmake options)
@@ -19,7 +19,7 @@ if(NOT "${name} ${version}" STREQUAL "surveydata ${VERSION}")
 endif()
 string(JSON program GET ${manifest} features program)
 
-# The port, with stand-ins for what vcpkg offers.
+# The port, with substitutes for vcpkg's functions.
 set(called "")
 function(vcpkg_check_features)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "OUT_FEATURE_OPTIONS" "FEATURES")
