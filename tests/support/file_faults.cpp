@@ -59,7 +59,7 @@ int __real_fseeko(std::FILE* file, off_t offset, int whence) SURVEYDATA_NAMED("_
 off_t __real_ftello(std::FILE* file) SURVEYDATA_NAMED("__real_ftello");
 std::size_t __real_fread(void* to, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __real_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
-int __real_ftruncate(int file, off_t size);
+int __real_ftruncate(int file, off_t size) SURVEYDATA_NAMED("__real_ftruncate");
 int __real_fclose(std::FILE* file);
 int __real_ferror(std::FILE* file);
 
@@ -71,7 +71,7 @@ std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FIL
 std::size_t __wrap___fread_chk(void* to, std::size_t room, std::size_t size, std::size_t count,
                                std::FILE* file);
 std::size_t __wrap_fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file);
-int __wrap_ftruncate(int file, off_t size);
+int __wrap_ftruncate(int file, off_t size) SURVEYDATA_NAMED("__wrap_ftruncate");
 int __wrap_fclose(std::FILE* file);
 int __wrap_ferror(std::FILE* file);
 
