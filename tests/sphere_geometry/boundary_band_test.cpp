@@ -23,7 +23,7 @@ std::vector<AnglePointC> MakeRing(std::mt19937_64& random, std::size_t n) {
 TEST(BoundaryBand, ContainsTheBandsOfAllEdgesButTheClosingOne) {
   std::mt19937_64 random(1);
   int inside = 0;
-  for (const std::size_t n : {3, 4, 20, 300}) {
+  for (const std::size_t n : {3U, 4U, 20U, 300U}) {
     AreaFrame frame;
     ASSERT_TRUE(BuildFrame(MakeRing(random, n), frame));
     const BoundaryBandC band(frame);

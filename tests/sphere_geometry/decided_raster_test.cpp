@@ -89,7 +89,7 @@ TEST(DecidedRaster, WhatItDecidesIsWhatTheAreaSays) {
 }
 
 TEST(DecidedRaster, DecidesNearlyAllDirectionsAroundALobedRing) {
-  for (const std::size_t n : {4, 100, 1000}) {
+  for (const std::size_t n : {4U, 100U, 1000U}) {
     for (const double hz : {3.0, 0.1}) {
       const SphereAreaC area = MakeArea(Lobed(n, hz));
       const PreparedSphereAreaC prepared(area, true);
