@@ -26,11 +26,14 @@ std::string Quoted(std::string_view text, bool isFish = false) {
   return out + "'";
 }
 
-std::string Replaced(std::string text, std::string_view what, std::string_view by) {
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size()) {
-    text.replace(at, what.size(), by);
+std::string Replaced(std::string_view text, std::string_view what, std::string_view by) {
+  std::string out;
+  for (std::size_t at = 0; (at = text.find(what)) != std::string_view::npos;) {
+    out += text.substr(0, at);
+    out += by;
+    text.remove_prefix(at + what.size());
   }
-  return text;
+  return out += text;
 }
 
 // The quoted texts, as the patterns of a `case`.
@@ -86,10 +89,12 @@ std::vector<std::string> CallsWithValue(const Command& top) {
 
 // What the names of an option's or an argument's files look like; empty for other values.
 std::string FilePattern(const CommandOption& option) {
-  return option.IsFile() ? "*" + option.Extension() : "";
+  return option.IsFile() ? fmt::format("*{}", option.Extension()) : std::string();
 }
 
-std::string ZshFunction(const Command& command) { return "_" + Replaced(command.path, " ", "_"); }
+std::string ZshFunction(const Command& command) {
+  return fmt::format("_{}", Replaced(command.path, " ", "_"));
+}
 
 // An option or argument as the completion function `_arguments` of zsh takes it.
 class ZshSpecC {

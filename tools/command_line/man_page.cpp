@@ -60,7 +60,7 @@ std::string Signature(const CommandOption& option) {
     if (!out.empty()) out += ", ";
     out += Bold(name);
   }
-  if (!option.value.empty()) out += " " + Italic(option.value);
+  if (!option.value.empty()) Append(out, " {}", Italic(option.value));
   return out;
 }
 

@@ -28,7 +28,10 @@ std::vector<Field> FieldsOf(const FrameChanges& changes) {
   std::vector<Field> fields;
   if (changes.name) fields.push_back(Field::kName);
   if (changes.number) fields.push_back(Field::kNumber);
-  if (changes.antennaHeight) fields.insert(fields.end(), {Field::kHeight, Field::kHeightKind});
+  if (changes.antennaHeight) {
+    fields.push_back(Field::kHeight);
+    fields.push_back(Field::kHeightKind);
+  }
   return fields;
 }
 
