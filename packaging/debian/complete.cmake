@@ -1,5 +1,11 @@
 # Run by CPack before it makes the packages: adds what only a Debian package has, and moves what
 # belongs elsewhere there.
+include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/SurveydataDate.cmake)
+set(changelog ${CMAKE_CURRENT_LIST_DIR}/../../CHANGELOG.md)
+surveydata_release_date(day seconds ${changelog})
+set(ENV{SOURCE_DATE_EPOCH} ${seconds})  # for all that is made from here on
+set(ENV{LC_ALL} C)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} name)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
@@ -8,19 +14,11 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(MAKE_DIRECTORY ${doc})
   configure_file(${CMAKE_CURRENT_LIST_DIR}/copyright ${doc}/copyright COPYONLY)
 
-  if(DEFINED ENV{SOURCE_DATE_EPOCH})
-    set(seconds $ENV{SOURCE_DATE_EPOCH})
-  else()
-    file(TIMESTAMP ${CMAKE_CURRENT_LIST_DIR}/../../CHANGELOG.md seconds %s UTC)
-  endif()
-  set(ENV{SOURCE_DATE_EPOCH} ${seconds})
-  set(ENV{LC_ALL} C)
-  string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
   file(WRITE ${doc}/changelog.Debian
     "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; "
     "urgency=medium\n\n  * As changelog.gz tells.\n\n"
     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
-  configure_file(${CMAKE_CURRENT_LIST_DIR}/../../CHANGELOG.md ${doc}/changelog COPYONLY)
+  configure_file(${changelog} ${doc}/changelog COPYONLY)
   file(GLOB compressed ${doc}/changelog* ${share}/man/man1/*.1)
   execute_process(COMMAND gzip -9nf ${compressed} COMMAND_ERROR_IS_FATAL ANY)
 
