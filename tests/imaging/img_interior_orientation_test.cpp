@@ -1,16 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <surveydata/imaging/img_exterior_orientation.h>
 #include <surveydata/imaging/img_interior_orientation.h>
 
 namespace {
 
-using SDI::ImgExteriorOrientationC;
 using SDI::ImgInteriorOrientationC;
-
-TEST(ImgExteriorOrientation, IsEqualToAnotherDefaultOne) {
-  EXPECT_TRUE(ImgExteriorOrientationC() == ImgExteriorOrientationC());
-}
 
 TEST(ImgInteriorOrientation, DiffersByTheModelCodeAlone) {
   ImgInteriorOrientationC a, b;
