@@ -27,8 +27,9 @@ inline std::uint16_t SumOfLanes(__m128i lanes) {
       _mm_cvtsi128_si32(_mm_add_epi64(lanes, _mm_unpackhi_epi64(lanes, lanes))));
 }
 
-inline std::uint16_t SumOf32(const std::uint8_t* bytes) {
-  return SumOfLanes(_mm_add_epi64(HalvesOf16(bytes), HalvesOf16(bytes + 16)));
+inline std::uint16_t SumOf64(const std::uint8_t* bytes) {
+  return SumOfLanes(_mm_add_epi64(_mm_add_epi64(HalvesOf16(bytes), HalvesOf16(bytes + 16)),
+                                  _mm_add_epi64(HalvesOf16(bytes + 32), HalvesOf16(bytes + 48))));
 }
 
 #else
@@ -46,9 +47,10 @@ inline std::uint16_t SumOfLanes(std::uint64_t lanes) {
   return static_cast<std::uint16_t>(lanes * 0x0001000100010001 >> 48);
 }
 
-inline std::uint16_t SumOf32(const std::uint8_t* bytes) {
-  return SumOfLanes(PairsOf8(bytes) + PairsOf8(bytes + 8) + PairsOf8(bytes + 16) +
-                    PairsOf8(bytes + 24));
+inline std::uint16_t SumOf64(const std::uint8_t* bytes) {
+  std::uint64_t lanes = 0;
+  for (int i = 0; i < 64; i += 8) lanes += PairsOf8(bytes + i);
+  return SumOfLanes(lanes);
 }
 
 #endif
@@ -59,8 +61,17 @@ inline std::uint16_t SumOfBytes(const std::uint8_t* bytes, std::size_t count) {
 #if defined(__SSE2__)
   if (count >= 16) {
     __m128i lanes = _mm_setzero_si128();
+    __m128i others = _mm_setzero_si128();  // two sums at once: neither waits for the other
     const std::uint8_t* const end = bytes + count;
-    for (; end - bytes >= 16; bytes += 16) lanes = _mm_add_epi64(lanes, HalvesOf16(bytes));
+    for (; end - bytes >= 32; bytes += 32) {
+      lanes = _mm_add_epi64(lanes, HalvesOf16(bytes));
+      others = _mm_add_epi64(others, HalvesOf16(bytes + 16));
+    }
+    lanes = _mm_add_epi64(lanes, others);
+    if (end - bytes >= 16) {
+      lanes = _mm_add_epi64(lanes, HalvesOf16(bytes));
+      bytes += 16;
+    }
     // The last sixteen, without those that were added already: their number is never foreseen.
     alignas(16) static constexpr std::uint8_t kMasks[32] = {
         0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
@@ -73,8 +84,8 @@ inline std::uint16_t SumOfBytes(const std::uint8_t* bytes, std::size_t count) {
     return SumOfLanes(lanes);
   }
 #else
-  for (; count >= 32; count -= 32, bytes += 32) {
-    sum = static_cast<std::uint16_t>(sum + SumOf32(bytes));
+  for (; count >= 64; count -= 64, bytes += 64) {
+    sum = static_cast<std::uint16_t>(sum + SumOf64(bytes));
   }
 #endif
   for (; count > 0; --count) sum = static_cast<std::uint16_t>(sum + *bytes++);

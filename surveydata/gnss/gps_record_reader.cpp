@@ -67,17 +67,19 @@ bool GPSRecordReaderC::State::GoToBegin() {
     state = GPSReaderState::kNoStretches;
     return false;
   }
-  hasBegun = true;  // not before: reading may have thrown
+  walk.SetDamage(damage.IsOn() ? &damage : nullptr);  // not while looking back
+  hasBegun = true;                                    // not before: reading may have thrown
   return true;
 }
 
 // Walks up to the next record of the stretch.
 std::size_t GPSRecordReaderC::State::FindRecord() {
   if (found != 0) return found;
-  walk.SetDamage(damage.IsOn() ? &damage : nullptr);
   found = walk.FindRecord(stretch.end);
-  if (found == 0) walk.SettleDamage();
-  if (walk.HasFailed()) state = GPSReaderState::kReadingFailed;
+  if (found == 0) {
+    walk.SettleDamage();
+    if (walk.HasFailed()) state = GPSReaderState::kReadingFailed;
+  }
   return found;
 }
 
@@ -147,7 +149,9 @@ GPSRecordReaderC::~GPSRecordReaderC() = default;
 GPSReaderState GPSRecordReaderC::GetState() const { return state_->state; }
 std::uint64_t GPSRecordReaderC::GetSize() const { return state_->size; }
 void GPSRecordReaderC::SetReportDamaged(ReportDamaged report) {
-  state_->damage.SetReport(std::move(report));
+  State& state = *state_;
+  state.damage.SetReport(std::move(report));
+  if (state.hasBegun) state.walk.SetDamage(state.damage.IsOn() ? &state.damage : nullptr);
 }
 const GPSRecordC& GPSRecordReaderC::GetRecord() const {
   if (state_->isToDecode) state_->Decode();
@@ -160,7 +164,8 @@ bool GPSRecordReaderC::Next() {
   state.Leave();
   if (!state.GoToBegin()) return false;
   while (const std::size_t size = state.FindRecord()) {
-    const bool isMeasurement = RecordFrame::Header::Load(state.walk.GetFront()).IsMeasurement();
+    const bool isMeasurement =
+        GPSRecordEntry{0, size, false, state.walk.GetFront()[4]}.IsMeasurement();
     state.Take(size);
     if (isMeasurement) {
       state.Decode();

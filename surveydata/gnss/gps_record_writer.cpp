@@ -1,8 +1,3 @@
-// Offsets of 64 bits on 32-bit systems, too; before the first header of the C library.
-#if !defined(_WIN32) && __SIZEOF_LONG__ < 8 && !defined(_FILE_OFFSET_BITS)
-#define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-#endif
-
 #include <cerrno>
 #include <cstdio>
 

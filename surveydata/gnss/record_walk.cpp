@@ -48,7 +48,7 @@ void WindowC::GoTo(std::uint64_t offset, std::uint64_t reach) {
 }
 
 std::uint16_t ByteSumsC::Sum(std::uint64_t from, std::uint64_t to, const std::uint8_t* bytes) {
-  static_assert(kBlock == 32);
+  static_assert(kBlock == 64);
   const std::uint64_t first = (from + kBlock - 1) / kBlock;
   const std::uint64_t last = to / kBlock;
   if (last <= first) {
@@ -64,7 +64,7 @@ std::uint16_t ByteSumsC::Sum(std::uint64_t from, std::uint64_t to, const std::ui
     const std::uint8_t* block = bytes + (end_ * kBlock - from);
     std::uint16_t sum = before_[end_ % kRing];
     while (end_ < last) {
-      sum = static_cast<std::uint16_t>(sum + RecordFrame::SumOf32(block));
+      sum = static_cast<std::uint16_t>(sum + RecordFrame::SumOf64(block));
       block += kBlock;
       before_[++end_ % kRing] = sum;
     }

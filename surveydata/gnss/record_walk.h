@@ -68,7 +68,7 @@ class WindowC {
 /// before its first and after its last whole block.
 class ByteSumsC {
  public:
-  static constexpr std::size_t kBlock = 32;
+  static constexpr std::size_t kBlock = 64;
 
   /// Forgets all: the walk goes on elsewhere.
   void Clear() { end_ = begin_ = 0; }
@@ -79,7 +79,7 @@ class ByteSumsC {
   std::uint64_t GetSummed() const { return summed_; }
 
  private:
-  static constexpr std::size_t kRing = 4096;
+  static constexpr std::size_t kRing = 2048;
   static_assert(kRing >= 2 * (kLongestRecord / kBlock) && kLongestRecord % kBlock != 0);
 
   std::uint64_t begin_ = 0;  // the blocks that are known, by number
@@ -95,7 +95,7 @@ class ByteSumsC {
 /// \cost linear in the bytes, whatever they are. The bytes of a short record are added up at once,
 /// as
 ///       long as no more of them were added up in vain than the walk has passed. Otherwise every
-///       byte is added up once, and for each header at most two blocks of 32 bytes more.
+///       byte is added up once, and for each header at most two blocks of 64 bytes more.
 class WalkC {
  public:
   explicit WalkC(std::unique_ptr<SourceI> source);
