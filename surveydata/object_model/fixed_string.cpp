@@ -61,9 +61,20 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   if (count <= text.Room()) Append(text, units, count);
 }
 
+// Compilers take for granted that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1, they
+// would leave out the check of a longer text, although one fits the address space.
+std::size_t LengthOf(const char* s) {
+  if constexpr (sizeof(std::size_t) > sizeof(std::int32_t)) {
+    return std::strlen(s);
+  } else {
+    const volatile std::size_t length = std::strlen(s);
+    return length;
+  }
+}
+
 [[gnu::noinline]] void Assign(Text text, const char* s) {
   if (s == nullptr) return;
-  const auto length = static_cast<std::size_t>(boost::numeric_cast<std::int32_t>(std::strlen(s)));
+  const auto length = static_cast<std::size_t>(boost::numeric_cast<std::int32_t>(LengthOf(s)));
   if (length > text.Capacity()) return;
   std::transform(s, s + length, text.units.begin(),
                  [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });

@@ -65,6 +65,7 @@ set(language
   __cxa_free_exception __cxa_pure_virtual __cxa_rethrow __cxa_throw
   __cxa_throw_bad_array_new_length __dynamic_cast __errno_location __gxx_personality_v0
   __stack_chk_fail __stack_chk_fail_local _GLOBAL_OFFSET_TABLE_ _Unwind_Resume
+  __divdi3 __moddi3 __udivdi3 __umoddi3  # numbers of 64 bits, where instructions have 32
   __libc_single_threaded)  # counts of references ask whether there is another thread at all
 list(JOIN files "|" files)
 list(JOIN numbers "|" numbers)
