@@ -61,8 +61,8 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   if (count <= text.Room()) Append(text, units, count);
 }
 
-// Compilers take for granted that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1, they
-// would leave out the check of a longer text, although one fits the address space.
+// Compilers take for granted that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1,
+// they would leave out the check of a longer text, although one fits the address space.
 std::size_t LengthOf(const char* s) {
   if constexpr (sizeof(std::size_t) > sizeof(std::int32_t)) {
     return std::strlen(s);

@@ -28,7 +28,7 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
       std::clamp<std::uint64_t>(kept * kBucketsPerInterval, 1, mostBuckets);
   lastUnit_ = static_cast<std::uint32_t>(std::min(width_ / TWO_PI * 0x1p32, 0x1p32 - 1.0));
   bucketsPerUnit_ = (buckets << kFraction) / (std::uint64_t{lastUnit_} + 1);
-  hulls_.assign(buckets, Hull{});
+  hulls_.assign(static_cast<std::size_t>(buckets), Hull{});
   for (const Interval& interval : intervals_) {
     // A unit more on either side for what is rounded.
     const std::uint32_t low = ToUnits(interval.low, -1.0);
