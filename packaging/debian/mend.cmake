@@ -1,8 +1,6 @@
 # Run by CPack after it has made the packages: Debian has a trigger where CPack writes scripts that call
 # ldconfig, packages of several architectures are installed side by side, and modes do not depend on the
 # umask of whoever makes the packages.
-set(all_read OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
-set(all_run ${all_read} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   set(tree ${package}.tree)
   execute_process(COMMAND dpkg-deb --raw-extract ${package} ${tree} COMMAND_ERROR_IS_FATAL ANY)
@@ -15,11 +13,10 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
     string(STRIP "${control}" control)
     file(WRITE ${tree}/DEBIAN/control "${control}\nMulti-Arch: same\n")
   endif()
-  file(CHMOD_RECURSE ${tree} FILE_PERMISSIONS ${all_read} DIRECTORY_PERMISSIONS ${all_run})
-  file(GLOB programs ${tree}/usr/bin/*)
-  if(programs)
-    file(CHMOD ${programs} PERMISSIONS ${all_run})
-  endif()
+  execute_process(
+    COMMAND find ${tree} -type d -exec chmod 755 {} + -o
+            -type f -path ${tree}/usr/bin/* -exec chmod 755 {} + -o -type f -exec chmod 644 {} +
+    COMMAND_ERROR_IS_FATAL ANY)
   execute_process(COMMAND dpkg-deb --root-owner-group --build ${tree} ${package}
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
   file(REMOVE_RECURSE ${tree})
