@@ -80,7 +80,7 @@ class RecordFaults : public testing::Test {
 };
 
 const std::vector<std::string> kReadCalls = {"fopen", "fseeko", "fread", "fread", "fclose"};
-const std::vector<std::string> kWriteCalls = {"fopen", "fseeko", "fread", "fread",
+const std::vector<std::string> kWriteCalls = {"fopen",  "fseeko", "fread", "fread",
                                               "fseeko", "fwrite", "fclose"};
 
 TEST_F(RecordFaults, TheCallsOfAReadAndOfAWrite) {

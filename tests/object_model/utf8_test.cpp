@@ -140,9 +140,19 @@ TEST(Utf8Decode, EveryLeadWithContinuationsAroundTheirLimits) {
 
 // A fault of each kind at each place: in whole blocks, between them and in the plain rest.
 TEST(Utf8Decode, FaultsAtEveryPlaceOfEveryKindOfText) {
-  const std::string faults[] = {std::string(1, '\0'), "\x80", "\xBF", "\xC3", "\xC3x", "\xE2",
-                                "\xE2\x82", "\xE2\x82x", "\xE2x\x82", "\xF0\x9F\x98\x80", "\xFF",
-                                "\xC0\x80", "\xE0\x80\x80"};
+  const std::string faults[] = {std::string(1, '\0'),
+                                "\x80",
+                                "\xBF",
+                                "\xC3",
+                                "\xC3x",
+                                "\xE2",
+                                "\xE2\x82",
+                                "\xE2\x82x",
+                                "\xE2x\x82",
+                                "\xF0\x9F\x98\x80",
+                                "\xFF",
+                                "\xC0\x80",
+                                "\xE0\x80\x80"};
   for (const std::u16string& text : kTexts) {
     for (const std::string& fault : faults) {
       for (std::size_t at = 0; at <= text.size(); ++at) {
