@@ -182,8 +182,8 @@ bool GPSRecordReaderC::NextEntry(GPSRecordEntry& entry) {
   if (!state.GoToBegin()) return false;
   const RecordWalk::WalkC& walk = state.walk;
   const std::uint64_t start = walk.GetOffset();
-  if (start >= state.stretch.end) return false;
   const std::size_t size = state.FindRecord();
+  if (start >= state.stretch.end) return false;
   const std::uint64_t gap = std::min(walk.GetOffset(), state.stretch.end) - start;
   if (gap != 0) {
     entry = {start, gap, true, 0};
