@@ -143,7 +143,8 @@ FixedStringC<N>::FixedStringC(const FixedStringC& other) : length_(other.length_
 
 template <std::uint16_t N>
 FixedStringC<N>& FixedStringC<N>::operator=(const FixedStringC& other) {
-  std::memmove(data_, other.data_, sizeof(data_));  // `other` may be this text
+  if (this == &other) return *this;
+  std::memcpy(data_, other.data_, sizeof(data_));
   length_ = other.length_;
   return *this;
 }

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
-#include <source_location>
+#include <typeinfo>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -94,9 +94,8 @@ inline constexpr bool kHasListedSizes = sizeof(void*) == 8;
 /// Expects that an implementation has this size and these fields, one after the other, each at the
 /// next place of its alignment: every change touches its own field and nothing else.
 template <class Impl>
-void ExpectLayout(Layout layout, std::initializer_list<Field> fields,
-                  std::source_location from = std::source_location::current()) {
-  const testing::ScopedTrace trace(from.file_name(), static_cast<int>(from.line()), "the layout");
+void ExpectLayout(Layout layout, std::initializer_list<Field> fields) {
+  SCOPED_TRACE(typeid(Impl).name());
   if (kHasListedSizes) {
     EXPECT_EQ(sizeof(Impl), layout.size);
     EXPECT_EQ(alignof(Impl), layout.alignment);
