@@ -325,7 +325,7 @@ TEST(RingCrossings, SweepInOrderAsksForAllPairsThatAreNear) {
 
 TEST(RingCrossings, SweepInOrderAsksForFewOthers) {
   for (const HostileRings::Named& kind : HostileRings::kAll) {
-    for (const std::size_t n : {100, 1000, 10'000}) {
+    for (const std::size_t n : {std::size_t{100}, std::size_t{1000}, std::size_t{10'000}}) {
       SphereAreaC area;
       for (const Direction& d : kind.make(n)) area.AddPoint(d.hz, d.v);
       ASSERT_EQ(area.GetPointCount(), n);

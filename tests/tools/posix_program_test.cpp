@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -187,12 +189,16 @@ class OpenedC {
 
   // How often the file was opened since.
   std::size_t Count() const {
-    inotify_event events[64];  // of a file, they carry no names
+    constexpr std::size_t kEventSize = sizeof(inotify_event);  // events of a file carry no name
+    char events[64 * kEventSize];
     const ssize_t size = read(events_, events, sizeof(events));
-    inotify_event* const end = events + std::max<ssize_t>(size, 0) / ssize_t{sizeof(inotify_event)};
-    return static_cast<std::size_t>(std::count_if(events, end, [](const inotify_event& event) {
-      return (event.mask & IN_OPEN) != 0;  // another tells that the file was replaced
-    }));
+    std::size_t count = 0;
+    for (std::size_t at = 0; size > 0 && at < static_cast<std::size_t>(size); at += kEventSize) {
+      std::uint32_t mask;
+      std::memcpy(&mask, events + at + offsetof(inotify_event, mask), sizeof(mask));
+      if ((mask & IN_OPEN) != 0) ++count;  // other events report that the file was replaced
+    }
+    return count;
   }
 
  private:
