@@ -64,6 +64,7 @@ foreach(text ${texts})
 endforeach()
 if(FOR_GDB)
   set(types ${PREFIX}/${library_dir}/surveydata/types.o)
+  # READELF is that of binutils: LLVM's has no dump of strings.
   execute_process(COMMAND ${READELF} --debug-dump=rawline,str ${types}
     OUTPUT_VARIABLE content ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
   if(NOT content MATCHES "surveydata/geodetic")
