@@ -3,11 +3,12 @@
 
 #include <surveydata/sphere_geometry/boundary_distance.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
+#include <surveydata/sphere_geometry/quick_trig.h>
 
 namespace GMAT {
 namespace {
 
-// A sum of two doubles, and what it lacks.
+/// The sum of two angles, unrounded: `sum + rest`.
 struct ExactSum {
   double sum;
   double rest;
@@ -22,9 +23,38 @@ struct ExactSum {
     half.rest /= 2.0;
     return half;
   }
-  double Sin() const { return std::sin(sum) + rest * std::cos(sum); }
-  double Cos() const { return std::cos(sum) - rest * std::sin(sum); }
 };
+
+/// Cosine and sine of an angle, each with a relative error of a few units of the last place.
+///
+/// The quarter turns are taken off here. A C library may do so with pi of 66 bits, whose sine of an
+/// angle 1e-10 away from pi is right to 11 digits only.
+/// \source W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980: pi / 2 in
+/// parts
+///         of 41 bits, which are multiplied without rounding by up to 2^12 quarter turns.
+CosSin AccurateCosSin(const ExactSum& angle) {
+  constexpr double kMostQuarters = 0x1p12;
+  constexpr double kQuarter1 = 0x1.921fb54442p+0;
+  constexpr double kQuarter2 = 0x1.a308d31319p-41;
+  constexpr double kQuarter3 = 0x1.145c06e0e6895p-82;
+  const double quarters = std::nearbyint(angle.sum / HALF_PI);
+  if (!(std::fabs(quarters) < kMostQuarters)) return {std::cos(angle.sum), std::sin(angle.sum)};
+  ExactSum small(angle.sum - quarters * kQuarter1, -(quarters * kQuarter2));
+  small.rest += angle.rest - quarters * kQuarter3;
+  const double sine = std::sin(small.sum) + small.rest * std::cos(small.sum);
+  const double cosine = std::cos(small.sum) - small.rest * std::sin(small.sum);
+  switch (static_cast<int>(quarters) & 3) {
+    case 0:
+      return {cosine, sine};
+    case 1:
+      return {-sine, cosine};
+    case 2:
+      return {-cosine, -sine};
+    default:
+      return {sine, -cosine};
+  }
+}
+double AccurateSin(const ExactSum& angle) { return AccurateCosSin(angle).sine; }
 
 double Dot(const cVec3& a, const cVec3& b) { return a.X() * b.X() + a.Y() * b.Y() + a.Z() * b.Z(); }
 
@@ -61,10 +91,9 @@ double DistanceToArc(const AnglePointC& direction, const AnglePointC& a, const A
   if (!GreatCircleArcC(SpherePointC(a), SpherePointC(b)).IsValid()) return toEnds;
   const ExactSum turn(b.Hz, -a.Hz);
   const ExactSum half = turn.Half();
-  const double sinHalf = half.Sin();
-  const double cosHalf = half.Cos();
-  const cVec3 normal(-sinHalf * ExactSum(a.V, b.V).Sin(), cosHalf * ExactSum(b.V, -a.V).Sin(),
-                     std::sin(a.V) * std::sin(b.V) * turn.Sin());
+  const auto [cosHalf, sinHalf] = AccurateCosSin(half);
+  const cVec3 normal(-sinHalf * AccurateSin({a.V, b.V}), cosHalf * AccurateSin({b.V, -a.V}),
+                     std::sin(a.V) * std::sin(b.V) * AccurateSin(turn));
   const cVec3 start = ToVector(a.V, cosHalf, -sinHalf);
   const cVec3 end = ToVector(b.V, cosHalf, sinHalf);
   const double hz = (direction.Hz - a.Hz) - half.sum;
