@@ -44,16 +44,18 @@ void ReportRefusal(int error) {
 #endif
 }
 
+/// Copies while it looks for the terminator: a text of the field itself may be given.
 template <std::size_t N>
 void SetText(char16_t (&field)[N], const char16_t* text) {
-  std::size_t length = 0;
-  while (text != nullptr && length < N && text[length] != 0) ++length;
-  if (text == nullptr || length == N) {
-    field[0] = 0;
-    ReportRefusal(text == nullptr ? EINVAL : ERANGE);
-  } else {
-    std::memmove(field, text, (length + 1) * sizeof(char16_t));
+  if (text != nullptr) {
+    for (std::size_t i = 0; i < N; ++i) {
+      const char16_t unit = text[i];
+      field[i] = unit;
+      if (unit == 0) return;
+    }
   }
+  field[0] = 0;
+  ReportRefusal(text == nullptr ? EINVAL : ERANGE);
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ namespace GMAT {
 class DecidedRasterC {
  public:
   /// What cells and table take at most, in bytes.
-  static constexpr std::size_t kMostBytes = 512 * 1024;
+  static constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
 
   /// Whether the decomposition decides anything.
   static bool CanDecide(const SlabIndexC& slabs) { return !slabs.IsAlwaysUndecided(); }

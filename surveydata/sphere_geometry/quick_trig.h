@@ -16,12 +16,12 @@ struct CosSin {
 };
 
 /// Cosine and sine of the multiples of 2 pi / 256.
-class TrigTable {
+class TrigTableC {
  public:
   static constexpr std::size_t kSteps = 256;
   static constexpr double kStep = TWO_PI / kSteps;
 
-  constexpr TrigTable() {
+  constexpr TrigTableC() {
     for (std::size_t i = 0; i <= kSteps / 8; ++i) {
       const CosSin at = Taylor(static_cast<double>(i) * kStep);
       // The eight points that are its mirror images.
@@ -55,15 +55,16 @@ class TrigTable {
   std::array<CosSin, kSteps + 1> entries_{};
 };
 
-inline constexpr TrigTable kTrigTable;
+inline constexpr TrigTableC kTrigTable;
 
 /// Cosine and sine of x in [0, 2 pi], without a branch.
 /// \accuracy `kQuickTrigError`.
 /// \source the addition theorem about the nearest entry of the table; Taylor's series of the rest,
 ///         which is at most pi / 256.
 inline CosSin QuickCosSin(double x) {
-  const auto i = static_cast<std::int64_t>(x * (1.0 / TrigTable::kStep) + 0.5);
-  const double d = x - static_cast<double>(i) * TrigTable::kStep;
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): x is not negative, and either neighbour would do
+  const auto i = static_cast<std::int64_t>(x * (1.0 / TrigTableC::kStep) + 0.5);
+  const double d = x - static_cast<double>(i) * TrigTableC::kStep;
   const double d2 = d * d;
   const double cosine = 1.0 - d2 * (1.0 / 2 - d2 * (1.0 / 24 - d2 * (1.0 / 720)));
   const double sine = d * (1.0 - d2 * (1.0 / 6 - d2 * (1.0 / 120)));

@@ -125,7 +125,7 @@ TEST_F(FilterBounds, QuickCosineAndSine) {
   for (int i = 0; i < 40'000; ++i) {
     double x = Uniform(0.0, TWO_PI);
     // Beside the middle between two entries of the table, beside an entry.
-    if (OneIn(3)) x = (static_cast<double>(random_() % 512) / 2.0) * TrigTable::kStep;
+    if (OneIn(3)) x = (static_cast<double>(random_() % 512) / 2.0) * TrigTableC::kStep;
     if (OneIn(3)) x = std::nextafter(x, OneIn(2) ? 0.0 : TWO_PI);
     x = std::clamp(x, 0.0, TWO_PI);
     const CosSin quick = QuickCosSin(x);

