@@ -7,10 +7,14 @@
 //   tear N                   the same, but a write first writes half of its data
 //   stop N | stop NAME N     stops the process as SIGSTOP does, before the call
 //   short N                  a write writes half and returns that, a read reads half
+//   flip NAME N              a write succeeds, but one bit of its last byte is wrong
+//   device NAME N            the call reports that the file is on another device
 //   fail N ERRNO | fail NAME N ERRNO    the call does nothing and fails; N = -1: every call
-//   wait NAME MILLISECONDS   each call of the function takes so long
+//   wait NAME MILLISECONDS   each call of the function takes that long
 //
-// SURVEYDATA_SHIM_LOG names a file to which the name of every call is appended.
+// Opening a file without a name is called "tmpfile"; if SURVEYDATA_SHIM_NAMED is set, it fails as
+// on a file system that has no such files, and is not counted. SURVEYDATA_SHIM_LOG names a file to
+// which the name of every call is appended.
 
 #include <cerrno>
 #include <csignal>
@@ -18,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -25,6 +30,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/xattr.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -62,7 +68,7 @@ void Log(const char* name) {
   syscall(SYS_close, file);
 }
 
-enum class Turn { kGoOn, kFail, kHalf, kHalfAndKill };
+enum class Turn { kGoOn, kFail, kHalf, kHalfAndKill, kFlip, kOtherDevice };
 
 Turn Enter(const char* name) {
   static long all = 0;
@@ -85,6 +91,8 @@ Turn Enter(const char* name) {
   if (what == "stop") kill(getpid(), SIGSTOP);
   if (what == "tear") return Turn::kHalfAndKill;
   if (what == "short") return Turn::kHalf;
+  if (what == "flip") return Turn::kFlip;
+  if (what == "device") return Turn::kOtherDevice;
   if (what != "fail") return Turn::kGoOn;
   errno = order.error;
   return Turn::kFail;
@@ -103,19 +111,36 @@ int Call(const char* name, Args... args) {
 }
 
 template <class Write>
-ssize_t CallWrite(const char* name, size_t count, Write write) {
+ssize_t CallWrite(const char* name, const void* bytes, size_t count, Write write) {
   switch (Enter(name)) {
     case Turn::kFail:
       return -1;
     case Turn::kHalf:
-      return write(count / 2);
+      return write(bytes, count / 2);
     case Turn::kHalfAndKill:
-      write(count / 2);
+      write(bytes, count / 2);
       kill(getpid(), SIGKILL);
       return -1;
+    case Turn::kFlip: {
+      std::string wrong(static_cast<const char*>(bytes), count);
+      if (count > 0) wrong.back() = static_cast<char>(wrong.back() ^ 1);
+      return write(wrong.data(), count);
+    }
     default:
-      return write(count);
+      return write(bytes, count);
   }
+}
+
+bool HasMode(int flags) { return (flags & (O_CREAT | __O_TMPFILE)) != 0; }
+
+int Open(const char* path, int flags, mode_t mode) {
+  const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
+  if (isUnnamed && std::getenv("SURVEYDATA_SHIM_NAMED") != nullptr) {
+    errno = EOPNOTSUPP;
+    return -1;
+  }
+  if (Enter(isUnnamed ? "tmpfile" : "open") == Turn::kFail) return -1;
+  return Next<int (*)(const char*, int, ...)>("open")(path, flags, mode);
 }
 
 }  // namespace
@@ -127,10 +152,9 @@ extern "C" {
 [[gnu::visibility("default")]] int open(const char* path, int flags, ...) {
   va_list more;
   va_start(more, flags);
-  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(more, mode_t) : 0;
+  const mode_t mode = HasMode(flags) ? va_arg(more, mode_t) : 0;
   va_end(more);
-  if (Enter("open") == Turn::kFail) return -1;
-  return Next<int (*)(const char*, int, ...)>("open")(path, flags, mode);
+  return Open(path, flags, mode);
 }
 
 [[gnu::visibility("default")]] int mkostemp(char* path, int flags) {
@@ -152,15 +176,45 @@ extern "C" {
 [[gnu::visibility("default")]] int unlink(const char* path) noexcept {
   return Call("unlink", path);
 }
+[[gnu::visibility("default")]] int linkat(int fromFolder, const char* from, int toFolder,
+                                          const char* to, int flags) noexcept {
+  return Call("linkat", fromFolder, from, toFolder, to, flags);
+}
+[[gnu::visibility("default")]] int ftruncate(int file, off_t size) noexcept {
+  return Call("ftruncate", file, size);
+}
+[[gnu::visibility("default")]] int fsetxattr(int file, const char* name, const void* value,
+                                             size_t size, int flags) noexcept {
+  return Call("fsetxattr", file, name, value, size, flags);
+}
+[[gnu::visibility("default")]] int fremovexattr(int file, const char* name) noexcept {
+  return Call("fremovexattr", file, name);
+}
+[[gnu::visibility("default")]] ssize_t fgetxattr(int file, const char* name, void* value,
+                                                 size_t size) noexcept {
+  if (Enter("fgetxattr") == Turn::kFail) return -1;
+  return Next<ssize_t (*)(int, const char*, void*, size_t)>("fgetxattr")(file, name, value, size);
+}
+[[gnu::visibility("default")]] ssize_t flistxattr(int file, char* list, size_t size) noexcept {
+  if (Enter("flistxattr") == Turn::kFail) return -1;
+  return Next<ssize_t (*)(int, char*, size_t)>("flistxattr")(file, list, size);
+}
+[[gnu::visibility("default")]] int stat(const char* path, struct stat* status) noexcept {
+  const Turn turn = Enter("stat");
+  if (turn == Turn::kFail) return -1;
+  const int result = Next<int (*)(const char*, struct stat*)>("stat")(path, status);
+  if (turn == Turn::kOtherDevice) ++status->st_dev;
+  return result;
+}
 [[gnu::visibility("default")]] ssize_t write(int file, const void* bytes, size_t count) {
-  return CallWrite("write", count, [&](size_t size) {
-    return Next<ssize_t (*)(int, const void*, size_t)>("write")(file, bytes, size);
+  return CallWrite("write", bytes, count, [&](const void* from, size_t size) {
+    return Next<ssize_t (*)(int, const void*, size_t)>("write")(file, from, size);
   });
 }
 [[gnu::visibility("default")]] ssize_t pwrite(int file, const void* bytes, size_t count,
                                               off_t offset) {
-  return CallWrite("pwrite", count, [&](size_t size) {
-    return Next<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite")(file, bytes, size, offset);
+  return CallWrite("pwrite", bytes, count, [&](const void* from, size_t size) {
+    return Next<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite")(file, from, size, offset);
   });
 }
 
@@ -175,12 +229,19 @@ extern "C" {
 [[gnu::visibility("default")]] int open64(const char* path, int flags, ...) {
   va_list more;
   va_start(more, flags);
-  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(more, mode_t) : 0;
+  const mode_t mode = HasMode(flags) ? va_arg(more, mode_t) : 0;
   va_end(more);
-  return open(path, flags, mode);
+  return Open(path, flags, mode);
 }
 [[gnu::visibility("default")]] int mkostemp64(char* path, int flags) {
   return mkostemp(path, flags);
+}
+[[gnu::visibility("default")]] int ftruncate64(int file, off64_t size) noexcept {
+  return ftruncate(file, size);
+}
+[[gnu::visibility("default")]] int stat64(const char* path, struct stat64* status) noexcept {
+  static_assert(sizeof(struct stat) == sizeof(struct stat64));
+  return stat(path, reinterpret_cast<struct stat*>(status));
 }
 [[gnu::visibility("default")]] ssize_t pread64(int file, void* bytes, size_t count,
                                                off64_t offset) {

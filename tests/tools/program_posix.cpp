@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -9,6 +10,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Whoever runs the tests may ignore signals, as nohup does. The programs that they start would
+// inherit that.
+const bool g_isNothingIgnored = [] {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGALRM, SIGTERM, SIGUSR1, SIGXFSZ}) {
+    std::signal(signal, SIG_DFL);
+  }
+  return true;
+}();
+
 std::string Quoted(std::string_view text) {
   std::string quoted = "'";
   for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
@@ -16,6 +26,7 @@ std::string Quoted(std::string_view text) {
 }
 
 Outcome Run(const std::string& command, const std::string& input = "/dev/null") {
+  if (!g_isNothingIgnored) throw std::logic_error("signals are ignored");
   const TempFolderC folder;
   const std::string whole = "{ " + command + "\n} >" + Quoted(folder / "out") + " 2>" +
                             Quoted(folder / "err") + " <" + Quoted(input);

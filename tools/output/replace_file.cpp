@@ -11,27 +11,38 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr const char* kChanged = "the file changed meanwhile";
 
 }  // namespace
 
 void FileReplacementC::Copy(CopiedFileC& copy, const HeldSignalsC& signals) const {
   ProgressC progress(original_.GetSize());
   std::vector<std::uint8_t> block(kBlock);
-  for (std::uint64_t at = 0;;) {
-    if (signals.IsAnyPending()) original_.Refuse("interrupted");
-    const std::size_t count = original_.Read(at, block);
-    if (count == 0) return;
-    copy.Write(at, std::span(block).first(count));
-    at += count;
-    progress.Update(at);
+  copy.SetSize(original_.GetSize());
+  std::uint64_t at = 0;
+  for (;;) {
+    const FileStretch data = original_.NextData(at);
+    if (data.begin == data.end) return;  // holes are copied as holes
+    for (at = data.begin; at < data.end;) {
+      if (signals.IsAnyPending()) original_.Refuse("interrupted");
+      const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kBlock, data.end - at));
+      const std::size_t count = original_.Read(at, std::span(block).first(wanted));
+      if (count == 0) original_.Refuse(kChanged);  // it is shorter now
+      copy.Write(at, std::span(block).first(count));
+      at += count;
+      progress.Update(at);
+    }
   }
 }
 
+// Where both have a hole, both read as zeros.
 void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
                               std::span<const std::uint8_t> bytes) const {
   std::vector<std::uint8_t> expected(kBlock);
   std::vector<std::uint8_t> found(kBlock);
-  for (std::uint64_t at = 0;;) {
+  std::uint64_t at = 0;
+  for (;;) {
+    at = std::min(original_.NextData(at).begin, copy.NextData(at).begin);
     const std::size_t count = original_.Read(at, expected);
     const std::size_t foundCount = copy.Read(at, found);
     const std::uint64_t end = at + count;
@@ -46,10 +57,9 @@ void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
     if (foundCount != count ||
         !std::equal(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(count),
                     found.begin())) {
-      original_.Refuse(fmt::format(
-          "{} does not read back as written, or the file changed meanwhile", copy.GetName()));
+      original_.Refuse("the copy does not read back as written, or the file changed meanwhile");
     }
-    if (count < kBlock) return;
+    if (count < kBlock) return;  // both end here
     at = end;
   }
 }
@@ -63,14 +73,14 @@ void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_
   std::vector<std::uint8_t> found(before.size());
   if (copy.Read(offset, found) != before.size() ||
       !std::equal(before.begin(), before.end(), found.begin())) {
-    original_.Refuse("the file changed meanwhile");
+    original_.Refuse(kChanged);
   }
   copy.Write(offset, after);
-  copy.KeepOwnerAndMode();
+  copy.KeepAccess();
   copy.Flush();
   Verify(copy, offset, after);
   if (signals.IsAnyPending()) original_.Refuse("interrupted");
-  if (original_.IsChanged()) original_.Refuse("the file changed meanwhile");
+  if (original_.IsChanged()) original_.Refuse(kChanged);
   copy.TakePlace();
 }
 

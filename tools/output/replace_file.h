@@ -10,26 +10,27 @@
 
 namespace Tool {
 
-/// A change of a file that happens whole or not at all: it is made in a copy beside the file, which
-/// then takes the file's place in one step. Follows symbolic links. Throws `FileErrorC` on failure;
-/// the file is as it was then, and the copy is removed.
+/// A change of a file that is made completely or not at all: in a copy that replaces the file in
+/// one step. Follows symbolic links. Throws `FileErrorC` on failure, with the file as it was and no
+/// copy left.
 class FileReplacementC {
  public:
-  /// Locks `file` for as long as the object lives: read what is to be changed meanwhile. Does not
+  /// Locks `file` as long as the object lives, so that what is to be changed can be read. Does not
   /// wait for another holder of the lock.
   explicit FileReplacementC(const std::string& file) : original_(file) {}
 
   /// The size when it was locked.
   std::uint64_t GetSize() const { return original_.GetSize(); }
-  /// Everything from `offset` on that fits into `bytes`; less only at the end of the file.
+  /// Fills `bytes` from `offset` on; fewer bytes only at the end of the file.
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
     return original_.Read(offset, bytes);
   }
 
-  /// Puts a copy of the file, with `after` where `before` stands at `offset`, in the file's place;
-  /// owner and permissions are kept, except for an owner that only root may set. Refuses when
-  /// `before` does not stand there, or when the file was changed since it was locked. The signals
-  /// that end a program are answered before or after, not in between. Can be called once.
+  /// Replaces the file by a copy of it that has `after` where the file has `before` at `offset`.
+  /// Holes stay holes. Access stays as it was (see `CopiedFileC::KeepAccess`), or the change is
+  /// refused; only the owner may change, where this user must not set it. Refuses when the bytes at
+  /// `offset` are not `before`, or when the file was changed since it was locked. Signals that end
+  /// the program take effect before or after, not in between. Can be called once.
   void Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
                std::span<const std::uint8_t> after);
 

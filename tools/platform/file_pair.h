@@ -10,13 +10,19 @@
 #include <platform/file_error.h>
 
 /// \file
-/// A file that is to be replaced, and the copy that takes its place, as the operating system has
-/// them: `file_pair_posix.cpp` or `file_pair_windows.cpp`. All of it throws `FileErrorC` on
-/// failure, with the file as it was.
+/// A file that is to be replaced and the copy that replaces it: `file_pair_posix.cpp` or
+/// `file_pair_windows.cpp`. Every operation throws `FileErrorC` on failure and leaves the file as
+/// it was.
 
 namespace Tool {
 
-/// The file, locked against other programs that do the same for as long as the object lives.
+/// The bytes `[begin, end)` of a file.
+struct FileStretch {
+  std::uint64_t begin;
+  std::uint64_t end;
+};
+
+/// The file, locked against other programs that lock it too, as long as the object lives.
 class OriginalFileC {
  public:
   /// Follows symbolic links. Does not wait for another holder of the lock.
@@ -29,18 +35,21 @@ class OriginalFileC {
   const std::string& GetName() const { return name_; }
   /// The size when it was locked.
   std::uint64_t GetSize() const { return size_; }
-  /// Everything from `offset` on that fits into `bytes`; less only at the end of the file.
+  /// Fills `bytes` from `offset` on; fewer bytes only at the end of the file.
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
-  /// Replacing needs no right to write the file itself, so ask for it.
+  /// The first stretch at or after `offset` that is not a hole, within the size when it was locked;
+  /// empty at that size when there is none. A system that does not report holes gives all bytes.
+  FileStretch NextData(std::uint64_t offset) const;
+  /// Refuses a file that this user must not write: replacing it would not need that permission.
   void RequireWritable() const;
-  /// Whether another program changed or replaced it, where the lock does not keep it from that.
+  /// Whether another program changed or replaced the file despite the lock.
   bool IsChanged() const;
 
   /// Throws, with what went wrong.
   [[noreturn]] void Refuse(const std::string& what) const {
     throw FileErrorC(what + "; " + name_ + " is as it was");
   }
-  /// The same, with what the operating system says.
+  /// The same, with the reason that the operating system gives.
   [[noreturn]] void Fail(const std::string& what) const;
 
  private:
@@ -52,9 +61,13 @@ class OriginalFileC {
   std::unique_ptr<Platform> platform_;
 };
 
-/// A new file beside the original, removed unless it takes its place.
+/// A new file in the folder of the original. It has no name where the file system allows that, so
+/// that nothing is left of it however the program ends; elsewhere it has one, and is removed unless
+/// it replaces the original. A named copy is locked as long as it is in use: one that a killed
+/// program left is recognised by its free lock and removed when the next copy is made.
 class CopiedFileC {
  public:
+  /// `original` must outlive the copy.
   explicit CopiedFileC(OriginalFileC& original);
   CopiedFileC(const CopiedFileC&) = delete;
   CopiedFileC& operator=(const CopiedFileC&) = delete;
@@ -62,14 +75,22 @@ class CopiedFileC {
 
   /// For messages.
   const std::string& GetName() const { return name_; }
-  /// As of the original.
+  /// As in `OriginalFileC`.
+  /// @{
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
+  FileStretch NextData(std::uint64_t offset) const;
+  /// @}
+  /// Makes the copy this long; bytes that are never written are a hole where the system has holes.
+  void SetSize(std::uint64_t size);
   void Write(std::uint64_t offset, std::span<const std::uint8_t> bytes);
-  /// Takes over who may do what with the original.
-  void KeepOwnerAndMode();
+  /// Copies what decides who may access the original: group, permissions, access control list,
+  /// extended attributes, and the owner where this user may set it. Call it after the last write,
+  /// which can clear some of them.
+  void KeepAccess();
   /// Brings what was written to the disk.
   void Flush();
-  /// In one step, and brings that to the disk too. Nothing else can be done with either afterwards.
+  /// Replaces the original in one step and brings that to the disk too. Neither object can be used
+  /// for anything else afterwards.
   void TakePlace();
 
  private:
@@ -80,9 +101,9 @@ class CopiedFileC {
   std::unique_ptr<Platform> platform_;
 };
 
-/// Holds back, as long as it lives, what would end the program with a copy left behind: the signals
-/// that are not ignored, or Ctrl-C and the closing of the console. They have their effect
-/// afterwards.
+/// Holds back, as long as it lives, what would end the program and leave a copy: all signals that
+/// end a program by default, except those of a fault in it; on Windows Ctrl-C and the closing of
+/// the console. They take effect afterwards. Signals that are ignored stay ignored.
 class HeldSignalsC {
  public:
   HeldSignalsC();

@@ -144,6 +144,11 @@ std::size_t OriginalFileC::Read(std::uint64_t offset, std::span<std::uint8_t> by
   return *count;
 }
 
+// Holes are written as zeros here.
+FileStretch OriginalFileC::NextData(std::uint64_t offset) const {
+  return {std::min(offset, size_), size_};
+}
+
 void OriginalFileC::RequireWritable() const {
   if (!platform_->isWritable) Refuse(fmt::format("cannot write {}: access is denied", name_));
 }
@@ -191,6 +196,17 @@ std::size_t CopiedFileC::Read(std::uint64_t offset, std::span<std::uint8_t> byte
   return *count;
 }
 
+FileStretch CopiedFileC::NextData(std::uint64_t offset) const { return original_.NextData(offset); }
+
+void CopiedFileC::SetSize(std::uint64_t size) {
+  FILE_END_OF_FILE_INFO info{};
+  info.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+  if (SetFileInformationByHandle(platform_->file.Get(), FileEndOfFileInfo, &info, sizeof(info)) ==
+      0) {
+    original_.Fail(fmt::format("cannot write {}", name_));
+  }
+}
+
 void CopiedFileC::Write(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
     OVERLAPPED at = At(offset);
@@ -203,7 +219,7 @@ void CopiedFileC::Write(std::uint64_t offset, std::span<const std::uint8_t> byte
   }
 }
 
-void CopiedFileC::KeepOwnerAndMode() {
+void CopiedFileC::KeepAccess() {
   const HANDLE from = original_.platform_->file.Get();
   const HANDLE to = platform_->file.Get();
   const BY_HANDLE_FILE_INFORMATION& status = original_.platform_->status;

@@ -28,14 +28,16 @@ namespace {
 constexpr double kHighestAntenna = 1000.0;  // metres
 
 constexpr const char* kDescription =
-    "Change name, number or antenna height of one measurement frame.\n"
-    "What is rewritten: the 17 characters of the name (zeros behind a shorter one), the number,\n"
-    "height and kind of the antenna height, each only when asked for, and the checksum. Every\n"
-    "other byte of the file stays. The change is made in a copy beside the file, read back, and\n"
-    "put in the file's place in one step: it happens whole or not at all. The file gets a new\n"
-    "inode, so other hard links keep the old content; symbolic links are followed. The file is\n"
-    "locked meanwhile, so of several of these commands at once all but one end with 3.\n"
-    "Nobody else may write to it meanwhile: such a change is refused where it is noticed.";
+    "Change the name, the number or the antenna height of one measurement frame.\n"
+    "Only the fields that are given are rewritten: the 17 characters of the name (zeros follow a\n"
+    "shorter one), the number, the value and kind of the antenna height; and the checksum. All\n"
+    "other bytes of the file stay. The change is made completely or not at all: in a copy that is\n"
+    "read back and then replaces the file in one step. Group, permissions, access control list and\n"
+    "extended attributes are kept, or the change is refused; only root keeps another owner. Sparse\n"
+    "files stay sparse. The file gets a new inode, so other hard links keep the old content;\n"
+    "symbolic links are followed. The file is locked in the meantime: of several such commands at\n"
+    "once, all but one end with 3. Other programs must not write to it; a change that is noticed\n"
+    "is refused.";
 
 struct Options {
   std::string file;
