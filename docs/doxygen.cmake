@@ -1,10 +1,10 @@
-# Runs DOXYGEN over the project in SOURCE_DIR, with the result in OUTPUT_DIR; VERSION stands on the
-# pages. A warning is an error. With COMMENTS nothing is written, and every class must have a comment;
-# a specialisation has that of its template.
+# Runs DOXYGEN on the project in SOURCE_DIR and writes to OUTPUT_DIR; the pages show VERSION. A
+# warning is an error. With COMMENTS, only checks that every class has a comment; a specialisation
+# has that of its template.
 cmake_minimum_required(VERSION 3.25)
 
 if(NOT DOXYGEN)
-  message("skipped: there is no doxygen")
+  message("skipped: doxygen is not installed")
   return()
 endif()
 file(MAKE_DIRECTORY ${OUTPUT_DIR})
@@ -12,7 +12,7 @@ file(READ ${SOURCE_DIR}/docs/Doxyfile settings)
 string(APPEND settings "OUTPUT_DIRECTORY = \"${OUTPUT_DIR}\"\n")
 if(COMMENTS)
   string(APPEND settings "EXTRACT_ALL = NO\nWARN_IF_UNDOCUMENTED = YES\nGENERATE_HTML = NO\n"
-                         "GENERATE_XML = YES\n")  # something must be written
+                         "GENERATE_XML = YES\n")  # doxygen requires an output
 else()
   string(APPEND settings "WARN_AS_ERROR = FAIL_ON_WARNINGS\n")
 endif()

@@ -1,9 +1,10 @@
 # Compares the code and the output in the documents of ROOT with the files they come from.
 #
-# Code (```cpp) stands in a source of EXAMPLES, which are built and run; output (```text) in what one
-# of them is expected to print, or below tests/data or tests/debugger. The line before such a block names the file:
-# <!-- examples/NAME.cpp --> for all of it, <!-- from examples/NAME.cpp --> for lines that stand in it
-# together. Blocks of other kinds have no file, and no code. Every example and its output is shown.
+# Code (```cpp) is in a source of EXAMPLES, which are built and run; output (```text) is in the
+# expected output of one of them, or below tests/data or tests/debugger. The line before such a
+# block names the file: <!-- examples/NAME.cpp --> for the whole file, <!-- from examples/NAME.cpp
+# --> for consecutive lines of it. Blocks of other kinds have no file and must not contain code.
+# Every example and its output must be shown.
 cmake_minimum_required(VERSION 3.25)
 
 set(sources ${EXAMPLES})
@@ -17,7 +18,7 @@ file(GLOB documents RELATIVE ${ROOT} ${ROOT}/*.md ${ROOT}/docs/*.md)
 foreach(document IN LISTS documents)
   file(READ ${ROOT}/${document} rest)
   if(rest MATCHES "\n *~~~")
-    message(FATAL_ERROR "${document}: blocks begin with ```, not with ~~~")
+    message(FATAL_ERROR "${document}: begin blocks with ```, not with ~~~")
   endif()
   while(rest MATCHES "\n( *)```([^\n]*)\n")
     set(fence "${CMAKE_MATCH_0}")
@@ -31,7 +32,7 @@ foreach(document IN LISTS documents)
     string(SUBSTRING "${rest}" ${at} -1 rest)
     string(FIND "${rest}" "\n${indent}```\n" end)
     if(end LESS 0)
-      message(FATAL_ERROR "${document}: a block has no end, behind\n${before}")
+      message(FATAL_ERROR "${document}: a block has no end, after\n${before}")
     endif()
     string(SUBSTRING "${rest}" 0 ${end} block)
     string(LENGTH "\n${indent}```" length)
@@ -45,23 +46,23 @@ foreach(document IN LISTS documents)
       set(files ${outputs})
     else()
       if(block MATCHES "#include|;\n")
-        message(FATAL_ERROR "${document}: this is code, and says neither so nor whose:${block}")
+        message(FATAL_ERROR "${document}: a code block names neither its language nor its file:${block}")
       endif()
       continue()
     endif()
     if(NOT before MATCHES "\n *<!-- (from )?([^ \n]+) -->$")
-      message(FATAL_ERROR "${document}: a block without its file:${block}")
+      message(FATAL_ERROR "${document}: a block does not name its file:${block}")
     endif()
     set(from "${CMAKE_MATCH_1}")
     set(name "${CMAKE_MATCH_2}")
     if(NOT name IN_LIST files AND NOT (kind STREQUAL "text" AND name MATCHES "^tests/(data|debugger)/"))
-      message(FATAL_ERROR "${document}: ${name} is not what is built, run and compared")
+      message(FATAL_ERROR "${document}: ${name} is not an example or its expected output")
     endif()
 
     file(READ ${ROOT}/${name} file)
     string(FIND "\n${file}" "${block}" found)
     if(found LESS 0 OR (NOT from AND NOT block STREQUAL "\n${file}"))
-      message(FATAL_ERROR "${document} shows of ${name} what does not stand there:${block}")
+      message(FATAL_ERROR "${document} shows lines that are not in ${name}:${block}")
     endif()
     list(APPEND shown ${name})
   endwhile()
@@ -73,4 +74,4 @@ foreach(name IN LISTS sources outputs)
   endif()
 endforeach()
 list(LENGTH shown count)
-message(STATUS "${count} blocks are as their files")
+message(STATUS "${count} blocks agree with their files")

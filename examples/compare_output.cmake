@@ -11,7 +11,7 @@ execute_process(COMMAND ${EMULATOR} ${PROGRAM} WORKING_DIRECTORY ${WORK_DIR}
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "${PROGRAM} ended with ${result}")
 endif()
-string(REPLACE "\r\n" "\n" output "${output}")  # as Windows ends lines
+string(REPLACE "\r\n" "\n" output "${output}")  # line ends of Windows
 file(READ ${EXPECTED} expected)
 if(NOT output STREQUAL expected)
   message(FATAL_ERROR "The output differs from ${EXPECTED}:\n${output}")

@@ -1,4 +1,4 @@
-// Builds a position with its quality and undulation, and asks it what it knows.
+// Builds a position with its quality and undulation, and queries it.
 
 #include <cstdio>
 
@@ -34,7 +34,7 @@ int main() {
                                                    position.GetUndulationMemento().GetUndulation());
   }
 
-  // The parts belong to the position: what changes there changes here.
+  // The parts belong to the position: changing a part changes the position.
   position.GetCoordinateQuality().SetValidAxes(0x03);
   std::printf("axis 3 not valid   deviation %s\n",
               position.GetStdDev(3, &height) ? "known" : "not known");

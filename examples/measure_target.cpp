@@ -1,8 +1,9 @@
-// Carries a measurement of a total station through set-up, calibration and corrections.
+// Applies set-up, calibration and corrections to a measurement of a total station.
 //
-// The records store numbers; their meaning is the application's. This one keeps instrument height,
-// easting, northing, height and orientation in the values 1 to 5 of a set-up, collimation and index
-// error in the values 1 and 2 of a calibration, and the prism constant in value 1 of a correction.
+// The records store numbers; the application defines their meaning. This one stores instrument
+// height, easting, northing, height and orientation in the values 1 to 5 of a set-up, collimation
+// and index error in the values 1 and 2 of a calibration, and the prism constant in value 1 of a
+// correction.
 
 #include <cmath>
 #include <cstdint>
@@ -20,7 +21,7 @@ constexpr std::uint32_t kRaw = 0x1;
 constexpr std::uint32_t kCorrected = 0x2;
 constexpr double kGon = std::numbers::pi / 200.0;
 
-// Directions and distance are the values 1 to 3 of a measurement: Hz, V and the slope distance.
+// The values 1 to 3 of a measurement are Hz, V and the slope distance.
 void Correct(SDI::TPSMeasDataC& target, const SDI::TPSCalibrationDataC& calibration,
              const SDI::TPSCorrectionDataC& correction) {
   const double v = target.GetValue2() - calibration.GetValue2();
@@ -51,7 +52,7 @@ int main() {
 
   SDI::TPSCorrectionDataC correction;
   correction.SetValue1(0.0344);
-  correction.SetScaleFactor(correction.ScaleFromPpm(12.4));  // the atmosphere of a warm day
+  correction.SetScaleFactor(correction.ScaleFromPpm(12.4));  // atmospheric correction, warm day
 
   SDI::TPSMeasDataC target;
   target.SetText(u"T-204");
@@ -66,7 +67,7 @@ int main() {
   Print("corrected", target);
   std::printf("scale      %.1f ppm\n", correction.PpmFromScale(correction.GetScaleFactor()));
 
-  // The measured point is the reflector; its height above the ground is not considered.
+  // The measured point is the reflector; its height above the ground is ignored.
   const double azimuth = target.GetValue1() + setup.GetValue5();
   const double horizontal = target.GetValue3() * std::sin(target.GetValue2());
   std::printf(

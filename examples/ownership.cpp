@@ -1,4 +1,4 @@
-// Who deletes whom. The objects of this program report their destruction.
+// Ownership. The objects of this program print a line when they are destroyed.
 
 #include <cstdio>
 
@@ -51,8 +51,8 @@ void AnImplementationIsTakenOver() {
 void PartsLendTheirPublicObject() {
   std::puts("parts");
   SDI::PositionC position;
-  SDI::CoordinatePointC& lent = position.GetCoordinatePoint();  // made now, goes with the position
-  const SDI::CoordinatePointC copy = lent;                      // has data of its own
+  SDI::CoordinatePointC& lent = position.GetCoordinatePoint();  // created here, owned by position
+  const SDI::CoordinatePointC copy = lent;                      // an independent copy
   lent.SetX(7.0);
   std::printf("  position %g, copy %g\n", position.GetCoordinatePoint().GetX(), copy.GetX());
 }

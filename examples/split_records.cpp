@@ -1,5 +1,5 @@
-// Reads a record file in four threads, each a stretch of it, and appends the measurements with good
-// positions to another file.
+// Reads a record file in four threads, one stretch per thread, and appends the measurements with a
+// low PDOP to another file.
 
 #include <array>
 #include <cstdint>
@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* kFile = "valley_drive.rec";
 
-// The frames of a stretch whose PDOP is at most 1.5. The records of a reader belong to it; what is
-// kept is copied.
+// The frames of a stretch whose PDOP is at most 1.5. The reader owns its records, so the frames are
+// copied.
 std::vector<std::uint8_t> GoodFrames(SDI::GPSRecordStretch stretch) {
   std::vector<std::uint8_t> frames;
   SDI::GPSRecordReaderC reader(kFile, stretch);
@@ -29,7 +29,7 @@ std::vector<std::uint8_t> GoodFrames(SDI::GPSRecordStretch stretch) {
   return frames;
 }
 
-// A measurement that was not read but made.
+// Appends a new measurement.
 bool AppendMark(const char* file) {
   SDI::GPSMeasDataImplC measurement;
   measurement.SetTextD(u"end of the drive");
@@ -51,7 +51,7 @@ int main() {
   std::array<std::vector<std::uint8_t>, 4> parts;
   std::vector<std::thread> threads;
   for (std::uint64_t i = 0; i < parts.size(); ++i) {
-    // Any cuts will do: each record is read in the stretch that it begins in, and in no other.
+    // Stretches may be cut anywhere: each record is read only in the stretch in which it begins.
     threads.emplace_back([&parts, size, i] {
       parts[i] = GoodFrames({size * i / parts.size(), size * (i + 1) / parts.size()});
     });

@@ -12,7 +12,7 @@
 
 namespace {
 
-// One line of numbers, each with the fewest digits that give it back.
+// Writes the numbers in one line, each with the fewest digits that restore it exactly.
 template <class... Numbers>
 void WriteLine(std::ostream& out, Numbers... numbers) {
   char text[32];
@@ -26,15 +26,15 @@ void WriteLine(std::ostream& out, Numbers... numbers) {
   out << '\n';
 }
 
-// The fields in the order of the value constructor.
+// Writes the fields in the order of the value constructor.
 void Write(std::ostream& out, const SDI::TPSSetupDataC& s) {
   WriteLine(out, s.GetValue1(), s.GetFlags(), s.GetByte1(), s.GetValue2(), s.GetValue3(),
             s.GetValue4(), s.GetValue5(), s.GetSingle1(), s.GetSingle2(), s.GetSingle3(),
             s.GetWord1(), s.GetWord2(), s.GetWord3());
 }
 
-// False, with `setup` untouched, when the line does not hold thirteen numbers or when the third is
-// no byte. It is read as a wider number: a stream would take a byte for a character.
+// Returns false, with `setup` unchanged, if the line does not have thirteen numbers or if the third
+// exceeds a byte. The byte is read as a wider number: a stream would read it as a character.
 bool Read(std::istream& in, SDI::TPSSetupDataC& setup) {
   double value[5];
   float single[3];

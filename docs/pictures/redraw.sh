@@ -6,7 +6,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 out=$(cd "${1:-$here}" && pwd)
 data=$here/../../tests/data
 
-# An invalid area is drawn too, with the exit code 1.
+# An invalid area is drawn too, with exit code 1.
 plot() {
   local area=$1 picture=$2
   shift 2

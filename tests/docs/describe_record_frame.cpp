@@ -1,4 +1,4 @@
-// Prints the tables of docs/record_frames.md: the header of a frame and every block, out of the
+// Prints the tables of docs/record_frames.md, the header of a frame and every block, from the
 // tables that drive the reader.
 
 #include <cstddef>
@@ -22,8 +22,8 @@ struct NotedField {
   const char* name;
 };
 
-// Takes the part of a reading cursor and notes what is asked for. All bytes that it answers are 0,
-// or all say that what they announce is there.
+// Replaces the reading cursor and notes every field. It returns all bytes as 0, or with values that
+// announce all optional fields.
 class NotingCursorC {
  public:
   NotingCursorC(std::size_t at, bool isFull) : at_(at), isFull_(isFull) {}
@@ -64,7 +64,7 @@ void PrintHead() {
   std::printf("\n| bit | block | at | bytes | type | field |\n|---|---|---|---|---|---|\n");
 }
 
-// What lies in a block only when the fields before it say so has no fixed place.
+// A field that is present only if an earlier field announces it has no fixed offset.
 void PrintField(const NotedField& field, bool isAlways, const std::string& limits) {
   const std::string at = isAlways ? std::to_string(field.at) : "";
   std::string bytes = std::to_string(field.least);
@@ -73,8 +73,8 @@ void PrintField(const NotedField& field, bool isAlways, const std::string& limit
               limits.c_str(), isAlways ? "" : ", if announced");
 }
 
-// The rows of one block, the first of which begins with `bit` and the name of the block. `limits`
-// are those of its first fields.
+// Prints the rows of one block; the first begins with `bit` and the name of the block. `limits`
+// belong to its first fields.
 template <class Content>
 void PrintBlock(const std::string& bit, Frame::Block block, std::size_t at,
                 const std::vector<std::string>& limits = {}) {
