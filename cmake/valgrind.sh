@@ -47,7 +47,8 @@ checked() {
 for entry in "${selection[@]}"; do
   program="build/dev/tests/${entry%% *}"
   filter="--gtest_filter=${entry#* }"
-  "$program" "$filter" --gtest_list_tests | grep -q '^  ' || { echo "no such test: $entry" >&2; exit 1; }
+  tests=$("$program" "$filter" --gtest_list_tests)
+  grep -q '^  ' <<<"$tests" || { echo "no such test: $entry" >&2; exit 1; }
   checked "$program" --gtest_brief=1 "$filter"
 done
 for target in "${fuzz_targets[@]}"; do
