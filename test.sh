@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test: as built for development, then with address and
-# undefined-behaviour checks. An argument chooses another part of the checks instead; each part
-# installs what it needs.
+# Builds everything and runs all tests: the preset dev, then the preset asan with address and
+# undefined-behaviour sanitizers. An argument selects another check instead. Missing packages are
+# installed.
 set -euo pipefail
 cd "$(dirname "$0")"
 . cmake/install_dependencies.sh
@@ -9,15 +9,15 @@ cd "$(dirname "$0")"
 usage() {
   cat >&2 <<'END'
 usage: ./test.sh [PART]
-  (none)          build and test: for development, then with address and undefined-behaviour checks
-  --quick         build and test for development only
-  --layout        check the layout of the sources with clang-format
+  (none)          build and run all tests with the preset dev, then with sanitizers (preset asan)
+  --quick         build and run all tests with the preset dev only
+  --layout        check the formatting of the sources with clang-format
   --tidy          check the sources with clang-tidy and cppcheck
   --windows       build for 64-bit Windows and test under wine
   --m32           build the library for 32-bit x86 and run its unit tests
-  --threads       test what runs in several threads with the thread sanitizer
+  --threads       run the multi-threaded tests with the thread sanitizer
   --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
-  --bit-for-bit   compare the answers of the sphere geometry across compilers and optimisations
+  --bit-for-bit   compare results of the sphere geometry across compilers and optimisation levels
   --valgrind      run a selection of the tests under valgrind
 END
   exit 2
@@ -33,12 +33,12 @@ run_workflows() {
 check_layout() {
   install_dependencies git clang-format
   git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run -Werror
-  echo "The layout of $(git ls-files '*.h' '*.cpp' | wc -l) files is right."
+  echo "$(git ls-files '*.h' '*.cpp' | wc -l) files are formatted correctly."
 }
 
 test_on_windows() {
-  # The server of a private wine prefix runs until the end: one that is about to stop would take a
-  # program with it that starts at that moment.
+  # Keep the server of a private wine prefix running: a server that is shutting down would end a
+  # program that starts at that moment.
   export WINEPREFIX="$PWD/build/wine" WINEDEBUG=-all
   mkdir -p "$WINEPREFIX"
   wineserver -p

@@ -1,22 +1,23 @@
-# Reads abi/surveydata.exports and the symbols of binaries: for the build, the tests and
-# abi/update_exports.
+# Functions that read abi/surveydata.exports and the symbols of binaries, for the build, the tests
+# and abi/update_exports.
 
-# What mangled names of the library's namespaces begin with: members, tables of virtual functions,
-# type identities and their names, thunks.
+# Prefixes of mangled names in the library's namespaces: members, vtables, type information and its
+# names, thunks.
 set(exports_scope "^_Z(T[VIS]|Thn?[0-9]+_)?N?K?3(API|SDI|ODM)")
-# The same, and what compilers make besides: static variables of functions, guards, lists of bases.
+# The same, and other symbols that compilers emit: function-local statics, guard variables, VTTs.
 set(exports_held "^_Z(T[A-Z]|T[hv]n?[0-9_]+|GV|Z)?N?[KVRO]*3(API|SDI|ODM)")
-# A type symbol: every user of a class has a copy of its own, and leaving makes them one.
+# Vtables and type information. Every user of a class may have its own copy; exporting them merges
+# the copies.
 set(exports_type "^_ZT[VI]")
-# What nobody outside asks for on ELF systems, where names cost room, by its demangled name: names and
-# bases of type identities, the base that only the library derives from, and constants, of which every
-# user has a copy.
+# Symbols that no caller needs on ELF systems, where exported names take space, by their demangled
+# names: names of types, type symbols of base templates that only the library derives from, and
+# constants, of which every user has a copy.
 set(exports_needless "^typeinfo name for " "^((vtable|typeinfo) for )?API::(HandleC|ImplC)<"
   "^((vtable|typeinfo) for )?SDI::GPSMeasFieldsC<" "::k[A-Z][A-Za-z0-9]*(<.*>)?$")
 list(JOIN exports_needless "|" exports_needless)
 
-# Sets exports_elf, exports_windows, exports_numbers (number:symbol, also of what is gone) and
-# exports_last, the highest number.
+# Sets exports_elf, exports_windows, exports_numbers (ordinal:symbol, including removed symbols) and
+# exports_last, the highest ordinal.
 macro(exports_read file)
   set(exports_elf "")
   set(exports_windows "")
@@ -24,9 +25,9 @@ macro(exports_read file)
   set(exports_last 0)
   file(STRINGS ${file} exports_lines REGEX "^[^#]")
   foreach(line IN LISTS exports_lines)
-    # What Windows exports has a number, and nothing else has one.
+    # Only symbols that Windows exports, or once exported, have an ordinal.
     if(NOT line MATCHES "^([0-9]+ (both|windows|gone)|- elf) [A-Za-z0-9_]+$")
-      message(FATAL_ERROR "${file}: not understood: ${line}")
+      message(FATAL_ERROR "${file}: invalid line: ${line}")
     endif()
     string(REPLACE " " ";" line "${line}")
     list(GET line 0 number)
@@ -47,7 +48,7 @@ macro(exports_read file)
   endforeach()
 endmacro()
 
-# The dynamic symbols that the shared library `file` defines, as NAME@@VERSION.
+# Sets `result` to the dynamic symbols that the shared library `file` defines, as NAME@@VERSION.
 function(exports_of_shared_library readelf file result)
   execute_process(COMMAND ${readelf} --dyn-syms -W ${file}
     OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
@@ -56,8 +57,8 @@ function(exports_of_shared_library readelf file result)
   set(${result} ${symbols} PARENT_SCOPE)
 endfunction()
 
-# The symbols of the library's namespaces that objects, or static libraries, mark as visible, without
-# the needless ones.
+# Sets `result` to the visible symbols of the library's namespaces in object files or static
+# libraries, without those that no caller needs.
 function(exports_of_objects readelf cxxfilt files result)
   execute_process(COMMAND ${readelf} -s -W ${files}
     OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
@@ -67,8 +68,8 @@ function(exports_of_objects readelf cxxfilt files result)
   set(${result} ${symbols} PARENT_SCOPE)
 endfunction()
 
-# Those of `symbols` that belong to the library's namespaces, sorted; without those whose demangled
-# names match a further argument.
+# Sets `result` to those of `symbols` in the library's namespaces, sorted, without those whose
+# demangled names match an additional argument.
 function(exports_in_scope cxxfilt symbols result)
   list(FILTER symbols INCLUDE REGEX "${exports_scope}")
   list(REMOVE_DUPLICATES symbols)
@@ -89,7 +90,7 @@ function(exports_in_scope cxxfilt symbols result)
   set(${result} ${kept} PARENT_SCOPE)
 endfunction()
 
-# `a` without `b`.
+# Sets `result` to the elements of `a` that are not in `b`.
 function(exports_difference result a b)
   if(a AND b)
     list(REMOVE_ITEM a ${b})
@@ -97,7 +98,7 @@ function(exports_difference result a b)
   set(${result} ${a} PARENT_SCOPE)
 endfunction()
 
-# An error: `title`, and the symbols, readable, one a line. Nothing when there are none.
+# Reports an error with `title` and the demangled symbols, one per line, unless there are none.
 function(exports_complain cxxfilt title symbols)
   if(symbols)
     string(REPLACE ";" "\n  " lines "${symbols}")

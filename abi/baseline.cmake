@@ -1,14 +1,14 @@
-# Compares the library with the recorded one, abi/baseline.tar.xz: names, sizes, fields and slots of
-# everything that leaves. Additions pass, anything else that callers would have to be compiled anew
-# for is an error. With RECORD, records the library instead.
+# Compares the library with the recorded interface in abi/baseline.tar.xz: names, sizes, fields and
+# vtable slots of everything exported. Additions pass; any other change that would require
+# recompiling callers is an error. With RECORD, records the interface instead.
 #
-# Builds the library in WORK_DIR, since only a build with full debug information shows its types.
+# Builds the library in WORK_DIR, because only a build with full debug information has its types.
 cmake_minimum_required(VERSION 3.25)
 
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH source_dir)
 set(baseline ${CMAKE_CURRENT_LIST_DIR}/baseline.tar.xz)
 
-# Paths are relative, so that the record says nothing of the machine it was made on.
+# Relative paths make the record independent of the machine.
 set(flags "-O1 -g -ffile-prefix-map=${source_dir}=. -ffile-prefix-map=${WORK_DIR}=.")
 execute_process(
   COMMAND ${CMAKE_COMMAND} -S ${source_dir} -B ${WORK_DIR} -G Ninja
@@ -37,7 +37,7 @@ else()
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
   if(NOT result EQUAL 0)
     message(FATAL_ERROR "${output}\n"
-      "The library is not compatible with the recorded one. When the break is meant, say so in\n"
-      "CHANGELOG.md and run abi/record_baseline.")
+      "The library is not compatible with the recorded interface. If the break is intended, describe it\n"
+      "in CHANGELOG.md and run abi/record_baseline.")
   endif()
 endif()

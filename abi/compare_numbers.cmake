@@ -1,31 +1,31 @@
-# The numbers by which Windows programs know the members of the library stand for ever: each symbol
-# of abi/surveydata.exports has the number that was recorded for it, and no number is used twice.
+# Windows programs refer to the library's symbols by ordinal, so ordinals never change: each symbol
+# in abi/surveydata.exports has its recorded ordinal, and no ordinal is used twice.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
 exports_read(${CMAKE_CURRENT_LIST_DIR}/surveydata.exports)
 file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/recorded_numbers recorded REGEX "^[^#]")
 if(NOT recorded)
-  message(FATAL_ERROR "no numbers are recorded")
+  message(FATAL_ERROR "no ordinals are recorded")
 endif()
 list(TRANSFORM recorded REPLACE " " ":")
 
 exports_difference(lost "${recorded}" "${exports_numbers}")
-exports_complain(${CXXFILT} "These numbers are recorded, and the list has them otherwise:" "${lost}")
+exports_complain(${CXXFILT} "Recorded ordinals that the list lacks or changes:" "${lost}")
 exports_difference(unrecorded "${exports_numbers}" "${recorded}")
-exports_complain(${CXXFILT} "These numbers are not recorded:" "${unrecorded}")
+exports_complain(${CXXFILT} "Ordinals that are not recorded:" "${unrecorded}")
 
 set(expected 0)
 foreach(entry IN LISTS recorded)
   math(EXPR expected "${expected} + 1")
   if(NOT entry MATCHES "^${expected}:")
-    message(FATAL_ERROR "the record is out of order: number ${expected} should stand at ${entry}")
+    message(FATAL_ERROR "the record is out of order: expected ordinal ${expected}, found ${entry}")
   endif()
 endforeach()
 foreach(symbols exports_elf exports_windows)
   set(once ${${symbols}})
   list(REMOVE_DUPLICATES once)
   if(NOT once STREQUAL ${symbols})
-    message(SEND_ERROR "${symbols} names a symbol twice")
+    message(SEND_ERROR "${symbols} contains a symbol twice")
   endif()
 endforeach()

@@ -1,5 +1,5 @@
-# Reads the export table of the Windows library: every member leaves by the number that the list
-# gives it, and none by a name.
+# Checks the export table of the Windows library: every symbol is exported by its ordinal in the
+# list, and none by name.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
@@ -14,11 +14,11 @@ if(NOT CMAKE_MATCH_1 STREQUAL "00000000")
   string(REGEX REPLACE ".*Ordinal/Name Pointer. Table\n" "" names "${table}")
   string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z0-9_]+" names "${names}")
   list(TRANSFORM names REPLACE ".* " "")
-  exports_complain(${CXXFILT} "These leave by name. Run abi/update_exports:" "${names}")
+  exports_complain(${CXXFILT} "Exported by name. Run abi/update_exports:" "${names}")
 endif()
 
-# The place of each number, and the name that the linker knows the place by. Functions that are the
-# same byte for byte share a place.
+# The address of each ordinal, and the address of each symbol. Identical functions may share an
+# address.
 string(REGEX MATCHALL "base\\[ *[0-9]+\\] [0-9a-f]+ Export RVA" entries "${table}")
 execute_process(COMMAND ${OBJDUMP} -t ${SHARED_LIBRARY}
   OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
@@ -52,12 +52,12 @@ foreach(entry IN LISTS exports_numbers)
   if(symbol IN_LIST exports_windows)
     math(EXPR compared "${compared} + 1")
     if(NOT DEFINED rva_${number})
-      message(SEND_ERROR "number ${number} is missing: ${symbol}")
+      message(SEND_ERROR "ordinal ${number} is missing: ${symbol}")
     elseif(NOT rva_${number} STREQUAL "${rva_of_${symbol}}")
-      message(SEND_ERROR "number ${number} is not ${symbol}")
+      message(SEND_ERROR "ordinal ${number} is not ${symbol}")
     endif()
   elseif(DEFINED rva_${number})
-    message(SEND_ERROR "number ${number} leaves, but ${symbol} is gone")
+    message(SEND_ERROR "ordinal ${number} is exported, but ${symbol} was removed")
   endif()
 endforeach()
 list(LENGTH exports_windows listed)

@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
-"""Holds the list of what leaves the library against what the headers declare.
+"""Compares the list of exported symbols with the declarations in the headers.
 
     abi/declared.py CLANG
 
-Every member that an exported class declares must leave, on ELF systems and on Windows, unless it is
-deleted or always inline: constructors and destructors in all their variants, and the table of virtual
-functions of a class that has one. So must exported functions, and the instances of templates that the
-headers declare to be in the library. A class with virtual functions, a fixed text or a version declares
-its own copying, assignment and, with virtual functions, its destructor: what the compiler declares is
-inline and compiled into callers.
+Every member that an exported class declares must be exported, on ELF systems and on Windows, unless it
+is deleted or always inline: all variants of constructors and destructors, and the vtable of a class that
+has one. The same holds for exported functions, and for template instances that the headers declare
+extern. Classes with virtual functions, fixed strings and versions must declare their own copying and
+assignment, and with virtual functions their destructor: implicitly declared members are inline and
+compiled into callers.
 
-The headers are read by clang, which names the symbols itself.
+clang parses the headers and mangles the names.
 """
 
 import json
@@ -26,7 +26,7 @@ VALUES = ("FixedStringC", "VersionC")
 
 
 def declarations(clang):
-    """The declarations of each namespace, as clang prints them: one JSON object after another."""
+    """Yields the declarations of each namespace. clang prints consecutive JSON objects."""
     command = [clang, "-std=c++20", "-fsyntax-only", "-x", "c++", f"-I{ROOT}", "-Xclang",
                "-ast-dump=json", ROOT / "surveydata/surveydata.h", "-Xclang"]
     for namespace in NAMESPACES:
@@ -46,7 +46,7 @@ def inner(node, *kinds):
 
 
 def variants(member, is_abstract):
-    """The symbols of a member: constructors and destructors have one for each use."""
+    """The symbols of a member. Constructors and destructors have several variants."""
     name = member["mangledName"]
     if member["kind"] == "CXXConstructorDecl":
         uses = ("C2",) if is_abstract else ("C1", "C2")
@@ -61,8 +61,8 @@ def is_virtual(member):
     return member.get("virtual", False) or bool(inner(member, "OverrideAttr"))
 
 
-def needs_to_leave(member):
-    """Whether a declared member must be in the library."""
+def needs_export(member):
+    """Whether a declared member must be exported."""
     if "mangledName" not in member or member.get("isImplicit"):
         return False
     if member.get("explicitlyDeleted") or member.get("explicitlyDefaulted") == "deleted":
@@ -77,7 +77,7 @@ def of_class(node, required, faults):
     is_polymorphic = data.get("isPolymorphic", False)
     is_abstract = data.get("isAbstract", False)
     for member in inner(node, *MEMBERS):
-        if not needs_to_leave(member):
+        if not needs_export(member):
             continue
         required.update(variants(member, is_abstract))
         is_defined = inner(member, "CompoundStmt") or "explicitlyDefaulted" in member
@@ -88,7 +88,7 @@ def of_class(node, required, faults):
             if inner(instance, "VisibilityAttr"):
                 required.update(variants(instance, is_abstract))
     if is_polymorphic or node["name"] in VALUES:
-        # What is not declared: deleted because of a base, or made by the compiler.
+        # Copying that is not declared is deleted because of a base, or implicit.
         is_copied = "CXXConstructorDecl" not in [
             member["kind"] for member in inner(node, *MEMBERS)
             if member.get("isImplicit") and member.get("explicitlyDefaulted") == "deleted"]
@@ -112,7 +112,7 @@ def required_symbols(clang):
         if node["kind"] in ("CXXRecordDecl", "ClassTemplateSpecializationDecl"):
             if "definitionData" in node and inner(node, "VisibilityAttr"):
                 if node["name"] in ("HandleC", "ImplC", "GPSMeasFieldsC"):
-                    continue  # bases that every class derives from anew
+                    continue  # bases that are instantiated for each class
                 of_class(node, required, faults)
                 classes += 1
         elif node["kind"] == "FunctionDecl" and inner(node, "VisibilityAttr"):
@@ -124,7 +124,7 @@ def required_symbols(clang):
 
 
 def listed():
-    """The symbols of the list, for ELF systems and for Windows."""
+    """The symbols in the list, for ELF systems and for Windows."""
     elf, windows = set(), set()
     for line in (ROOT / "abi/surveydata.exports").read_text().splitlines():
         if line.startswith("#"):
@@ -138,11 +138,11 @@ def listed():
 
 
 def windows_name(symbol):
-    """The same on Windows: `long` and `unsigned long`, which are the types of sizes and of 64 bits on ELF
-    systems, are `long long` and `unsigned long long` there, and a file has another name."""
+    """The same symbol on Windows. 64-bit types and sizes, `long` and `unsigned long` on ELF systems, are
+    `long long` and `unsigned long long` there, and FILE has another name."""
     result = ""
     while symbol:
-        # A name with its length, a number, a substitution, or one letter.
+        # A length with its name, a literal, a substitution, or one letter.
         token = re.match(r"\d+|L[a-z]\d+E|S[0-9A-Z]*_|S[a-z]|.", symbol)[0]
         if token.isdigit():
             token = symbol[:len(token) + int(token)]
@@ -159,10 +159,10 @@ def main():
     required, faults, classes = required_symbols(sys.argv[1])
     elf, windows = listed()
     for symbol in sorted(required - elf):
-        faults.append(f"declared, and not in the list: {symbol}")
+        faults.append(f"declared, but not in the list: {symbol}")
     for symbol in sorted(required):
         if not {symbol, windows_name(symbol)} & windows:
-            faults.append(f"declared, and without a number on Windows: {symbol}")
+            faults.append(f"declared, but without a Windows ordinal: {symbol}")
     for fault in faults:
         print(fault)
     print(f"{len(required)} symbols of {classes} classes are declared")

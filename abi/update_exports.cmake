@@ -1,7 +1,6 @@
-# Brings abi/surveydata.exports and abi/recorded_numbers up to date with the objects of a build for
-# this system (ELF_LIBRARY) and of one for Windows (WINDOWS_LIBRARY), both static libraries, with the
-# compiler and the nm of the latter. What is new goes to the end; the number of what is gone is never
-# given to anything else.
+# Updates abi/surveydata.exports and abi/recorded_numbers from a static library built for this
+# platform (ELF_LIBRARY) and one built for Windows (WINDOWS_LIBRARY), with the compiler and the nm
+# of the latter. New symbols are appended; the ordinal of a removed symbol is never reused.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
@@ -15,7 +14,7 @@ endif()
 
 exports_of_objects(readelf c++filt ${ELF_LIBRARY} elf)
 
-# The linker knows what objects for Windows export.
+# The linker lists the symbols that Windows objects export.
 set(definition ${WINDOWS_LIBRARY}.def)
 execute_process(
   COMMAND ${WINDOWS_COMPILER} -shared -o ${WINDOWS_LIBRARY}.dll -Wl,--output-def,${definition}
@@ -23,8 +22,8 @@ execute_process(
   COMMAND_ERROR_IS_FATAL ANY)
 file(STRINGS ${definition} windows REGEX "@[0-9]+")
 list(TRANSFORM windows REPLACE "^ *([A-Za-z0-9_]+) .*" "\\1")
-# Inline members are in the objects too, but g++ exports none of them; callers that are not optimised
-# ask for those of templates that the library instantiates.
+# The objects also contain inline members, which g++ does not export. Unoptimised callers need those
+# of templates that the library instantiates.
 execute_process(COMMAND ${WINDOWS_NM} --defined-only ${WINDOWS_LIBRARY}
   OUTPUT_VARIABLE defined ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL " [TW] _ZN[^ \n]+" defined "${defined}")
@@ -72,18 +71,18 @@ list(LENGTH fresh count)
 list(JOIN lines "\n" text)
 list(JOIN elf_alone "\n" elf_text)
 file(WRITE ${list} "\
-# What leaves the library: its number on Windows, where it leaves, its mangled name. Made by
-# abi/update_exports; read it with c++filt. The names of the two platforms differ where a size_t is
-# passed. A symbol that is gone keeps its number.
+# The exported symbols: Windows ordinal, platforms, mangled name. Written by abi/update_exports;
+# read it with c++filt. The names differ between the platforms if a parameter is a size_t. A removed
+# symbol keeps its ordinal.
 ${text}
-# Type symbols, and names that Windows has otherwise. They have no number.
+# Type symbols, and symbols with another name on Windows. They have no ordinal.
 ${elf_text}
 ")
 
 list(TRANSFORM lines REPLACE "^([0-9]+) [a-z]+ " "\\1 ")
 list(JOIN lines "\n" text)
 file(WRITE ${record} "\
-# The numbers that were given, in order: lines are only ever appended.
+# All assigned ordinals, in order. Only append lines.
 ${text}
 ")
-message(STATUS "${count} new symbols are numbered")
+message(STATUS "${count} new ordinals")

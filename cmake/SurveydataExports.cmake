@@ -1,6 +1,6 @@
-# surveydata_export(<target> <list>): the symbols that the shared library exports. The list is
-# turned into the version script of an ELF library, or into the module definition of a Windows one,
-# which exports by number alone.
+# surveydata_export(<target> <list>): makes the shared library export the symbols in the list.
+# Writes the version script of an ELF library, or the module definition file of a Windows one, which
+# exports only by ordinal.
 include(${PROJECT_SOURCE_DIR}/abi/Exports.cmake)
 
 function(surveydata_export target list)
@@ -22,8 +22,8 @@ function(surveydata_export target list)
   elseif(NOT APPLE)
     set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
     if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
-      # The list has the names of 64-bit platforms, which tell the width of a size. Elsewhere what is
-      # marked to leave leaves.
+      # The list has the mangled names of 64-bit platforms, which encode the width of std::size_t.
+      # Other platforms export everything that is marked as exported.
       set(exports_elf "")
       foreach(namespace API SDI ODM)
         string(LENGTH ${namespace} length)
@@ -36,8 +36,8 @@ function(surveydata_export target list)
       CONTENT "SURVEYDATA_1 {\n  global:\n    ${symbols};\n  local:\n    *;\n};\n" @ONLY)
     target_link_options(${target} PRIVATE LINKER:--version-script=${file})
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${file})
-    # A list that is out of date shows where the library is used, as an undefined reference; what it
-    # lacks is said before that.
+    # If the list is out of date, linking a caller fails with an undefined reference. This reports
+    # the missing symbols before that.
     if(SURVEYDATA_BUILD_TESTS AND CMAKE_SIZEOF_VOID_P EQUAL 8 AND
        CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND
        NOT SURVEYDATA_SANITIZE AND NOT SURVEYDATA_COVERAGE)

@@ -1,6 +1,6 @@
-# What `cmake --install` installs, and where. The tree can be moved as a whole: the package files
-# locate the rest relative to themselves. The components are those of the packages: runtime,
-# development, and program, which tools/CMakeLists.txt installs.
+# Rules for `cmake --install`. The installed tree is relocatable: the package files locate the rest
+# relative to themselves. The components are those of the packages: runtime, development, and
+# program, which tools/CMakeLists.txt installs.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

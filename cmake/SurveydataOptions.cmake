@@ -1,4 +1,5 @@
-# The options of the build: everything is on in a build of its own, off inside another project.
+# The build options. By default, everything is built if this is the top-level project, and only the
+# library if it is part of another project.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
   set(SURVEYDATA_CAN_LTO ON)
 else()
@@ -10,9 +11,9 @@ option(SURVEYDATA_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL
 option(SURVEYDATA_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
-option(SURVEYDATA_LTO "Optimise the library across its sources in a release, with g++"
+option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, with g++"
   ${SURVEYDATA_CAN_LTO})
-set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers of the whole build, e.g. address,undefined")
+set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined")
 option(SURVEYDATA_COVERAGE "Instrument the build for coverage" OFF)
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -21,13 +22,14 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
   set(CMAKE_CXX_EXTENSIONS OFF)
   set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-  if(WIN32)  # a program finds the library beside it
+  if(WIN32)  # programs find the library in their own folder
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
   endif()
   if(SURVEYDATA_SANITIZE)
     add_compile_options(-fsanitize=${SURVEYDATA_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS
-                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)  # ghosts of its checks
+                        # g++ reports false positives about its own instrumentation
+                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${SURVEYDATA_SANITIZE})
   endif()
   if(SURVEYDATA_COVERAGE)
@@ -36,14 +38,14 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
 endif()
 
-# Without optimisation, a build with sanitizers takes half the time; the preset `asan` has none.
-# This option restores it for code that processes millions of cases.
+# Without optimisation, a sanitizer build takes half the time, so the preset `asan` does not
+# optimise. This option optimises code that processes millions of cases.
 if(SURVEYDATA_SANITIZE)
   set(SURVEYDATA_OPTIMISED $<$<CONFIG:Debug>:-O1>)
 endif()
 
-# The warnings that every source of the project is free of. That sizes have 64 bits, tests and tools
-# may assume; the library may not.
+# The warnings enabled for every source of the project. Tests and tools may assume 64-bit sizes; the
+# library may not, so it is compiled with -Wconversion on every platform.
 add_library(surveydata_warnings INTERFACE)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
   target_compile_options(surveydata_warnings INTERFACE -Wconversion)
@@ -52,8 +54,8 @@ target_compile_options(surveydata_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual $<$<BOOL:${SURVEYDATA_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# What guards an optimised build against bytes from outside: checks of the stack and of buffers, and
-# tables of addresses that are read-only once the loader has filled them in.
+# Hardening of optimised builds against untrusted input: stack and buffer checks, and relocations
+# that are read-only after loading.
 add_library(surveydata_hardening INTERFACE)
 if(NOT WIN32)
   target_compile_options(surveydata_hardening INTERFACE

@@ -1,7 +1,7 @@
-# Debian packages, one for each component of the installation: `cpack` in a build that is configured
+# Debian packages, one for each component of the installation. Run `cpack` in a build configured
 # with CMAKE_INSTALL_PREFIX=/usr, as the preset package does.
 set(SURVEYDATA_PACKAGE_CONTACT "" CACHE STRING
-  "Who answers for the packages, as NAME <ADDRESS>; by default DEBFULLNAME and DEBEMAIL")
+  "Maintainer of the packages, as NAME <ADDRESS>; by default DEBFULLNAME and DEBEMAIL")
 set(contact "${SURVEYDATA_PACKAGE_CONTACT}")
 if(NOT contact AND DEFINED ENV{DEBEMAIL})
   set(contact "$ENV{DEBEMAIL}")
@@ -17,7 +17,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # set per package
 set(CPACK_PACKAGE_CONTACT "${contact}")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -40,10 +40,10 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(library libsurveydata${PROJECT_VERSION_MAJOR})
-set(about "It holds the data that the software of a surveying instrument passes
-between its components: coordinates with their quality and reference
-system, GNSS measurements and the record files they are kept in, total
-station records, camera orientations, and laser scans with their areas.")
+set(about "The data model that the software of a surveying instrument uses to pass
+sensor data between its components: coordinates with their quality and
+reference system, GNSS measurements and their record files, total station
+records, camera orientations, and laser scans with their areas.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
@@ -59,15 +59,15 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
   "data model of a surveying instrument - development files\n${about}
 
-This package has the headers, the static library, and what CMake and
-pkg-config need.")
+This package contains the headers, the static library, and package files
+for CMake and pkg-config.")
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME surveydata)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
   "record files and scan areas of a surveying instrument
-The program lists, shows, exports, patches and draws the binary record
+The program lists, shows, exports, patches and plots the binary record
 files of a GNSS receiver. It checks scan areas on the sphere of
-directions, answers which directions lie inside, and draws them.")
+directions, tests whether directions lie inside, and plots the areas.")
 
 include(CPack)

@@ -1,5 +1,5 @@
-# s2_peer: the S2 geometry library as a peer in tests and benchmarks. Its headers cause some of
-# our warnings, and Debian's package has no package file for CMake.
+# s2_peer: the S2 geometry library as a peer in tests and benchmarks. A system include folder
+# silences warnings from its headers; Debian's package has no CMake package file.
 find_package(OpenSSL REQUIRED)
 find_path(S2_INCLUDE_DIR s2/s2loop.h REQUIRED)
 find_library(S2_LIBRARY s2 REQUIRED)

@@ -1,13 +1,13 @@
-# surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]): one test
-# program from <name>.cpp.
+# surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]): builds one
+# test program from <name>.cpp.
 #
-# INTERNAL links the static library, whose hidden symbols a test may reach. PROPERTY adds
-# RapidCheck, with fixed parameters, which a cache variable changes. LABEL is the ctest label, by
-# default unit or property. EXHAUSTIVE optimises the test in every build.
+# INTERNAL links the static library, so that the test can use internal symbols. PROPERTY adds
+# RapidCheck, with the parameters in a cache variable. LABEL is the ctest label, by default unit or
+# property. EXHAUSTIVE optimises the test in every build.
 include(GoogleTest)
 if(CMAKE_CROSSCOMPILING)
-  # Debian ships the sources of GoogleTest, but RapidCheck and ICU for its own systems alone: builds
-  # for other systems have no tests that need them.
+  # Debian ships the sources of GoogleTest, but RapidCheck and ICU only as binaries for its own
+  # platforms: builds for other platforms omit the tests that need them.
   set(BUILD_GMOCK OFF)
   set(INSTALL_GTEST OFF)
   add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
@@ -47,7 +47,7 @@ function(surveydata_test name)
   target_link_libraries(${name} PRIVATE
     ${library} ${arg_LIBRARIES} surveydata_warnings Boost::headers GTest::gtest_main)
   if(CMAKE_CROSSCOMPILING)
-    # One process for all cases: programs start slowly under an emulator.
+    # One process for all cases, because programs start slowly under an emulator.
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 600)
   else()

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# The sphere geometry gives the same answers bit for bit with every compiler: builds it with each of
-# these compilers and compares its answers with those in tests/data/geometry_cases.txt. For Windows,
-# ./test.sh --windows does. It is compiled here without the rest of the library, of which it needs
-# nothing.
+# Checks that the sphere geometry gives the same results bit for bit with every compiler and
+# optimisation level: builds it with each of these and compares its results with those in
+# tests/data/geometry_cases.txt. Compiles only the sphere geometry, which does not depend on the rest of
+# the library. ./test.sh --windows checks this for Windows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 builds=("g++ -O0" "g++ -O3" "clang++ -O2")
-# On a processor with fused multiply-add, a compiler could use it.
+# Where the processor has fused multiply-add, check that the compiler does not use it.
 if grep -qw fma /proc/cpuinfo; then
   builds+=("g++ -O3 -march=x86-64-v3" "clang++ -O3 -march=x86-64-v3")
 fi

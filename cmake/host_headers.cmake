@@ -1,5 +1,6 @@
-# For toolchain files. Debian has the libraries that are headers alone for this system only. Their
-# headers are the same for all systems, and lie in a folder that shows none of its other headers.
+# For toolchain files. Debian ships header-only libraries only for its own platforms. Their headers
+# work on all platforms; links in a separate folder make them available without the other host
+# headers.
 get_property(is_try_compile GLOBAL PROPERTY IN_TRY_COMPILE)
 if(NOT is_try_compile)
   set(SURVEYDATA_HOST_HEADERS ${CMAKE_BINARY_DIR}/host_headers)

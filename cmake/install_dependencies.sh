@@ -1,11 +1,11 @@
-# Sourced by demo.sh and test.sh: install_dependencies PACKAGE... installs the Debian packages that
-# are missing. If none is missing, it is quick and prints nothing.
+# Sourced by demo.sh and test.sh. install_dependencies PACKAGE... installs the missing Debian
+# packages. If none is missing, it returns quickly and prints nothing.
 
 install_dependencies() {
   if ! command -v dpkg-query >/dev/null 2>&1 || ! command -v apt-get >/dev/null 2>&1; then
-    echo "This system has no apt-get. Please install what these Debian 12 packages hold:" >&2
+    echo "This system has no apt-get. Please install the equivalents of these Debian 12 packages:" >&2
     printf '  %s\n' "$@" >&2
-    echo "Going on in the hope that they are here." >&2
+    echo "Continuing, assuming that they are installed." >&2
     return 0
   fi
   local missing=()
@@ -20,7 +20,7 @@ install_dependencies() {
   local as_root=()
   if [ "$(id -u)" -ne 0 ]; then
     if ! command -v sudo >/dev/null 2>&1; then
-      echo "Missing Debian packages, and neither root nor sudo to install them:" >&2
+      echo "Missing Debian packages; installing them requires root or sudo:" >&2
       printf '  %s\n' "${missing[@]}" >&2
       return 1
     fi
@@ -39,19 +39,19 @@ install_dependencies() {
   rm -f "$log"
 }
 
-# The packages for the library and the program, and the further ones for the tests. clang builds the
-# tests with sanitizers and the fuzz targets.
+# Packages for the library and the program, and additional ones for the tests. clang builds the fuzz
+# targets and the tests with sanitizers.
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(abigail-tools clang doxygen dpkg-dev file fish gdb libabsl-dev libbenchmark-dev
                libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
                mandoc pkgconf python3 zsh)
 
-# Further packages for the build for Windows and its tests.
+# Additional packages for the Windows build and its tests.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(googletest wine wine64)
 
-# What the build for 32-bit x86 and its tests need besides.
+# Additional packages for the 32-bit x86 build and its tests.
 m32_packages=(g++-multilib googletest)
 
-# What the static analysis of the preset `tidy` needs besides.
+# Additional packages for the preset `tidy`.
 tidy_packages=(clang clang-tidy cppcheck)

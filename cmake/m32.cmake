@@ -1,5 +1,5 @@
-# Builds for 32-bit x86 with Debian's g++-multilib; this system runs what is built. Numbers are kept in
-# SSE2 registers, which round a double as everywhere: those of the x87 are wider.
+# Builds for 32-bit x86 with Debian's g++-multilib; the host runs the binaries. SSE2 rounds every
+# operation to double precision, as on other platforms; the registers of the x87 are wider.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER gcc)

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs a selection of the tests under valgrind, which reports decisions that depend on uninitialised
-# memory (the sanitizers do not) and leaks. Ends with 1 at the first finding.
+# Runs a selection of the tests under valgrind, which reports leaks and, unlike the sanitizers,
+# branches that depend on uninitialised memory. Exits with 1 at the first finding.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . cmake/install_dependencies.sh
 install_dependencies "${build_packages[@]}" "${test_packages[@]}" valgrind
 
-# A program, and which of its tests: those with millions of cases take too long here, and
+# Programs and the tests to run. Tests with millions of cases would take too long, and
 # HoldTheirFieldsInOrder reads padding.
 selection=(
   "object_model/base_test *"
@@ -36,7 +36,8 @@ for entry in "${selection[@]}"; do
 done
 cmake --build --preset dev --target "${targets[@]}" >/dev/null
 
-# A program's own operators `new`, which make allocations fail, are not replaced.
+# soname-synonyms keeps valgrind from replacing a program's own operator `new`, which injects
+# allocation failures.
 checked() {
   echo "== $*"
   RC_PARAMS="seed=20260101 max_success=50" valgrind --quiet --error-exitcode=1 \

@@ -1,4 +1,4 @@
-# Loaded by gdb with the library, or by hand (`source`) after it. Loads the printers, which lie in a
+# Loaded by gdb with the library, or manually (`source`) afterwards. Loads the printers from a
 # folder beside the library.
 
 import os
@@ -10,7 +10,7 @@ def surveydata_attach(objfile):
     folder = os.path.join(os.path.dirname(os.path.realpath(objfile.filename)), "surveydata")
     path = os.path.join(folder, "printers.py")
     with open(path, encoding="utf-8") as source:
-        module = {"__name__": "surveydata"}  # not the one namespace that gdb has for all scripts
+        module = {"__name__": "surveydata"}  # gdb runs all scripts in one namespace
         exec(compile(source.read(), path, "exec"), module)
     module["attach"](objfile, folder)
 

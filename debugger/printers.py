@@ -1,8 +1,8 @@
-# Shows the objects of the library in gdb: a pair by the fields of its implementation, a fixed text as
-# text, a version as numbers. `print /r` shows the objects as they are.
+# gdb printers for the objects of the library: pairs by the fields of their implementation, fixed
+# strings as text, versions as numbers. `print /r` bypasses them.
 #
-# A stripped library does not describe its classes, and its callers only name them: gdb shows them as
-# incomplete. So `attach` loads types.o, which describes them, from the folder of this file.
+# A stripped library has no debug information, and its callers only declare its classes: gdb shows
+# them as incomplete. So `attach` loads types.o, which describes them, from the folder of this file.
 
 import os
 
@@ -14,7 +14,7 @@ description = None  # the file that describes the classes
 
 
 class Garbage(Exception):
-    """Memory that should hold an object holds none."""
+    """The memory does not contain an object of the expected class."""
 
 
 def word(address, offset=0):
@@ -24,13 +24,13 @@ def word(address, offset=0):
     return int(gdb.Value(at).cast(pointer.pointer()).dereference())
 
 
-# What a class is.
+# Classes.
 
 
 def library_type(name):
-    """The class as the library has it, or else as the program describes it; None when it is unknown.
+    """The class as types.o describes it, or else as the program does; None if it is unknown.
 
-    A program that was compiled before may describe an implementation with other fields."""
+    A program compiled with older headers may describe an implementation with other fields."""
     for objfile in gdb.objfiles():
         if objfile.filename == description:
             symbol = objfile.lookup_static_symbol(name, gdb.SYMBOL_STRUCT_DOMAIN)
@@ -47,7 +47,7 @@ def bases(class_type):
 
 
 def derives_from(class_type, name):
-    """Whether it is the class `name` or derives from it."""
+    """Whether a class is `name` or derives from it."""
     class_type = class_type.strip_typedefs()
     if class_type.name == name:
         return True
@@ -69,7 +69,7 @@ def is_implementation(class_type):
 
 
 def implementation_read_by(public):
-    """The name of the class of implementation that a public class reads; None for `API::BaseC`."""
+    """The name of the implementation class that a public class reads; None for `API::BaseC`."""
     if public.name.startswith("API::HandleC<"):
         return public.template_argument(0).name
     for base in bases(public):
@@ -80,7 +80,7 @@ def implementation_read_by(public):
     return name if library_type(name) is not None else None
 
 
-# What an object is, by its table of virtual functions: no symbol is needed.
+# Classes of objects, found through their vtables, without symbols.
 
 demangled = {}
 
@@ -98,7 +98,7 @@ def class_name(type_info):
 
 
 def base_infos(type_info):
-    """The type identities of the bases; what kind of identity it is, its own class says."""
+    """The type information of the bases; the class of `type_info` determines its layout."""
     kind = class_name(word(word(type_info), -1))
     if kind.endswith("::__si_class_type_info"):
         return [word(type_info, 2)]
@@ -114,7 +114,7 @@ def base_infos(type_info):
 
 
 def known_class(type_info, root):
-    """The nearest class that is ours and derives from `root`."""
+    """The nearest class of the library that derives from `root`."""
     name = class_name(type_info)
     if name.startswith(NAMESPACES):
         known = library_type(name)
@@ -128,7 +128,7 @@ def known_class(type_info, root):
 
 
 def identify(address, root):
-    """The name of the class of the object at `address`, and its nearest class that is ours."""
+    """The class name of the object at `address`, and its nearest class of the library."""
     try:
         type_info = word(word(address), -1)
         name = class_name(type_info)
@@ -141,7 +141,7 @@ def identify(address, root):
 
 
 def linked(value, root):
-    """The pointer to the other side that a public object or an implementation holds."""
+    """The pointer of a public object or an implementation to the other side."""
     base = library_type(root)
     if value.address is not None:
         value = value.address.cast(base.pointer()).dereference()
@@ -151,7 +151,7 @@ def linked(value, root):
 
 
 def links_back(address, root, to):
-    """Whether the object at `address`, of a class derived from `root`, points at `to`."""
+    """Whether the object at `address`, of a class derived from `root`, points to `to`."""
     try:
         pointer = gdb.Value(address).cast(library_type(root).pointer())
         return linked(pointer.dereference(), root) == to
@@ -159,7 +159,7 @@ def links_back(address, root, to):
         return False
 
 
-# How it is shown.
+# Fields.
 
 
 def text_of(units):
@@ -172,13 +172,13 @@ def text_of(units):
 
 
 def shown(value):
-    """A field as it is shown to people."""
+    """A field in readable form."""
     value_type = value.type.strip_typedefs()
     if value_type.code == gdb.TYPE_CODE_ARRAY:
         if value_type.target().strip_typedefs().name == "char16_t" and value.address is not None:
             return text_of(value)
     elif value_type.code == gdb.TYPE_CODE_INT:
-        if value_type.sizeof == 1:  # a number, no character
+        if value_type.sizeof == 1:  # a number, not a character
             return value.cast(gdb.lookup_type("int"))
     elif (value_type.name or "").startswith("std::array<"):
         return value[value_type.fields()[0]]
@@ -198,7 +198,7 @@ def is_empty(field_type):
 
 
 def fields_of(value):
-    """The fields by name, those of the bases first, without the link."""
+    """The fields by name, those of the bases first, without the link to the other side."""
     if value.type.strip_typedefs().name in ("API::BaseC", "API::ImplObjectC"):
         return
     for field in value.type.strip_typedefs().fields():
@@ -209,7 +209,7 @@ def fields_of(value):
 
 
 class Record:
-    """A struct by its fields, each as `shown` shows it."""
+    """A struct by its fields, in readable form."""
 
     def __init__(self, value, hidden=()):
         self.value = value
@@ -220,7 +220,7 @@ class Record:
 
 
 class ListBlock(Record):
-    """Entries after the count carry no meaning."""
+    """Entries after the count are unused."""
 
     def children(self):
         entries = self.value["entries"]
@@ -284,7 +284,7 @@ class Public:
         try:
             name, impl_type = identify(impl, "API::ImplObjectC")
         except Garbage:
-            self.note = " with a link to what is no implementation"
+            self.note = " with a link to an invalid implementation"
             return
         self.implementation = gdb.Value(impl).cast(impl_type.pointer()).dereference()
         wanted = implementation_read_by(known)
@@ -370,14 +370,14 @@ class Printers(gdb.printing.PrettyPrinter):
 
 
 def attach(objfile, folder):
-    """Shows the objects of the library `objfile`, which types.o in `folder` describes."""
+    """Registers the printers for the library `objfile`, whose classes types.o in `folder` describes."""
     global description
     gdb.printing.register_pretty_printer(objfile, Printers("surveydata"), replace=True)
     description = os.path.join(folder, "types.o")
     if any(loaded.filename == description for loaded in gdb.objfiles()):
         return
     if not os.path.exists(description):
-        gdb.write("surveydata: there is no %s, so most objects are incomplete\n" % description)
+        gdb.write("surveydata: %s is missing, so most objects are incomplete\n" % description)
         return
     quoted = description.replace("\\", "\\\\").replace('"', '\\"')
     gdb.execute('add-symbol-file "%s"' % quoted, from_tty=False, to_string=True)

@@ -1,3 +1,3 @@
-// The classes of the library for debuggers, which a stripped library does not describe and its
-// callers only name. Compiled with full debug information and without a line of code.
+// Debug information of the library's classes, which a stripped library lacks and callers only
+// declare. Compiled with full debug information; contains no code.
 #include <surveydata/surveydata.h>

@@ -1,5 +1,5 @@
-# Writes the description of the classes for Visual Studio, to the file that $natvis names, from the
-# debug information in $types. Run by gdb.
+# Writes the visualizer file for Visual Studio to $natvis, from the debug information in $types. Run
+# by gdb.
 
 import re
 from xml.sax.saxutils import escape, quoteattr
@@ -8,7 +8,7 @@ import gdb
 
 HEAD = """\
 <?xml version="1.0" encoding="utf-8"?>
-<!-- Shows the objects of the library in Visual Studio. The target renew_natvis writes this file. -->
+<!-- Shows the library's objects in Visual Studio. Written by the target renew_natvis. -->
 <AutoVisualizer xmlns="http://schemas.microsoft.com/vstudio/debugger/natvis/2010">
   <Type Name="API::FixedStringC&lt;*&gt;">
     <DisplayString>{data_,[length_]su}</DisplayString>
@@ -19,11 +19,11 @@ HEAD = """\
   </Type>
 """
 TAIL = "</AutoVisualizer>\n"
-SUMMARY = 4  # fields in one line
+SUMMARY = 4  # number of fields in the summary line
 
 
 def classes():
-    """The classes of the library's two namespaces, by name."""
+    """The classes in the namespaces ODM and SDI, by name."""
     for namespace in ("ODM", "SDI"):
         listed = gdb.execute("info types -q ^%s::" % namespace, to_string=True)
         for name in re.findall(r"^\d+:\t(%s::\w+);$" % namespace, listed, re.MULTILINE):

@@ -1,4 +1,4 @@
-"""Builds the tree that it stands in: conan create packaging/conan"""
+"""Builds the source tree that contains this recipe: conan create packaging/conan"""
 
 import os
 import re

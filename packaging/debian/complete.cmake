@@ -1,9 +1,9 @@
-# Run by CPack before it makes the packages: adds what only a Debian package has, and moves what
-# belongs elsewhere there.
+# Run by CPack before it creates the packages: adds the files that only a Debian package has, and
+# moves files whose location differs there.
 include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/SurveydataDate.cmake)
 set(changelog ${CMAKE_CURRENT_LIST_DIR}/../../CHANGELOG.md)
 surveydata_release_date(day seconds ${changelog})
-set(ENV{SOURCE_DATE_EPOCH} ${seconds})  # for all that is made from here on
+set(ENV{SOURCE_DATE_EPOCH} ${seconds})  # for the following steps
 set(ENV{LC_ALL} C)
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
@@ -16,7 +16,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
 
   file(WRITE ${doc}/changelog.Debian
     "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; "
-    "urgency=medium\n\n  * As changelog.gz tells.\n\n"
+    "urgency=medium\n\n  * See changelog.gz.\n\n"
     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
   configure_file(${changelog} ${doc}/changelog COPYONLY)
   file(GLOB compressed ${doc}/changelog* ${share}/man/man1/*.1)

@@ -1,6 +1,6 @@
-# Run by CPack after it has made the packages: Debian has a trigger where CPack writes scripts that call
-# ldconfig, packages of several architectures are installed side by side, and modes do not depend on the
-# umask of whoever makes the packages.
+# Run by CPack after it has created the packages, to correct them: replaces maintainer scripts that
+# call ldconfig with a trigger, marks library packages as co-installable (Multi-Arch: same), and
+# sets modes that do not depend on the umask.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   set(tree ${package}.tree)
   execute_process(COMMAND dpkg-deb --raw-extract ${package} ${tree} COMMAND_ERROR_IS_FATAL ANY)

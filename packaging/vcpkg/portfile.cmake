@@ -1,4 +1,4 @@
-# An overlay port, which builds the tree that contains it:
+# An overlay port that builds the source tree that contains it:
 #   vcpkg install surveydata --overlay-ports=packaging/vcpkg
 cmake_path(SET SOURCE_PATH NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../..")
 

@@ -1,11 +1,11 @@
-# Compiles a caller of every pair (every_pair.cpp) with CXX, with and without optimisation, and looks
-# into its object files: they define nothing of a class of the library, no member, no table of virtual
-# functions and no type identity, so that nothing of an implementation is compiled into a caller. Then
-# links it with SHARED_LIBRARY alone and runs it.
+# Compiles a caller of every pair (every_pair.cpp) with CXX, with and without optimisation. Its
+# object files must not define any member, vtable or type information of the library's classes, so
+# that nothing of an implementation is compiled into a caller. Then links it with SHARED_LIBRARY and
+# runs it.
 cmake_minimum_required(VERSION 3.25)
 include(${SOURCE_DIR}/abi/Exports.cmake)
 
-# The caller uses every pair that the headers declare.
+# The caller must use every pair that the headers declare.
 file(READ ${SOURCE_DIR}/tests/support/pair_list.h used)
 file(READ ${CMAKE_CURRENT_LIST_DIR}/every_pair.cpp more)
 string(APPEND used "${more}")
@@ -13,7 +13,7 @@ file(GLOB_RECURSE headers ${SOURCE_DIR}/surveydata/*.h)
 set(classes "")
 foreach(header IN LISTS headers)
   file(READ ${header} text)
-  # The namespace of a class is the last one that opens before it.
+  # The namespace of a class is the last one opened before it.
   string(REGEX MATCHALL
     "\nnamespace (SDI|ODM) {|class SURVEYDATA_API [A-Za-z]+[ \n]*: public (API::(HandleC|ImplC)|(SDI::)?GPSMeasFieldsC)<"
     places "${text}")
@@ -52,7 +52,7 @@ foreach(optimisation IN ITEMS -O0 -O2)
   endif()
   list(TRANSFORM symbols REPLACE ".* " "")
   list(FILTER symbols INCLUDE REGEX "${exports_held}")
-  exports_complain(${CXXFILT} "With ${CXX} ${optimisation}, a caller holds these:" "${symbols}")
+  exports_complain(${CXXFILT} "With ${CXX} ${optimisation}, a caller defines:" "${symbols}")
 
   get_filename_component(library_dir ${SHARED_LIBRARY} DIRECTORY)
   execute_process(

@@ -1,6 +1,6 @@
-// A caller of everything: creates every pair, copies, assigns, adopts, asks for the other side,
-// compares and destroys. The tests `abi.caller` look for the library's classes in its object files,
-// and run it.
+// A caller that uses every pair: creates, copies, assigns, adopts, compares and destroys objects,
+// and requests the other side. The tests `abi.caller` search its object files for members of the
+// library's classes, and run it.
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,23 +13,23 @@ namespace {
 
 void Expect(bool holds, const char* what) {
   if (holds) return;
-  std::fprintf(stderr, "not so: %s\n", what);
+  std::fprintf(stderr, "failed: %s\n", what);
   std::exit(1);
 }
 
-// The implementation as a part of another object, without its public object at first.
+// Uses an implementation like a part of another object, initially without a public object.
 template <class Impl>
 void UseImplementation() {
   Impl part;
   API::BaseC* const base = part.GetBase();
-  Expect(base != nullptr && part.GetBase() == base, "a part makes one public object");
+  Expect(base != nullptr && part.GetBase() == base, "a part creates one public object");
   Impl copy(part);
   Impl moved(std::move(copy));
   copy = moved;
-  Expect(copy.GetBase() != base, "a copy has a public object of its own");
+  Expect(copy.GetBase() != base, "a copy has its own public object");
   auto* const owner = new API::BaseC;
   const Impl owned(owner);
-  Expect(owner->GetImpl() == nullptr, "an owner learns of its implementation by SetImpl");
+  Expect(owner->GetImpl() == nullptr, "only SetImpl links an owner to its implementation");
   delete new Impl;
 }
 
@@ -48,7 +48,7 @@ void UsePublicObject() {
     Public moved(std::move(copy));
     copy = moved;
     made = std::move(moved);
-    Expect(copy.GetImpl() != impl && made.GetImpl() == impl, "copies have data of their own");
+    Expect(copy.GetImpl() != impl && made.GetImpl() == impl, "copies have their own data");
   }
   if constexpr (requires { made.IsEqual(made); }) {
     Expect(made.IsEqual(made), "an object equals itself");
@@ -61,7 +61,7 @@ void UseScanDefinition() {
   SDI::ScanDefinitionImplC definition(7);
   SDI::ScanDefinitionImplC copy(definition);
   copy = definition;
-  Expect(copy.GetBase() != definition.GetBase(), "a copy has a public object of its own");
+  Expect(copy.GetBase() != definition.GetBase(), "a copy has its own public object");
   const SDI::ScanDefinitionC adopting(new SDI::ScanDefinitionImplC(7));
   Expect(adopting.IsEqual(*static_cast<SDI::ScanDefinitionC*>(copy.GetBase())), "kinds are equal");
 }
@@ -81,8 +81,8 @@ void UseText() {
   Text text;
   const Text copy(text);
   text = Text(u"text");
-  Expect(!(text == copy) && text.GetLength() == 4 && text.IsValid(), "a text has its units");
-  Expect(copy.IsEmpty() && copy.GetData()[0] == 0, "a copy is as its source was");
+  Expect(!(text == copy) && text.GetLength() == 4 && text.IsValid(), "a text stores its units");
+  Expect(copy.IsEmpty() && copy.GetData()[0] == 0, "a copy does not change with its source");
 }
 
 void UseValues() {
@@ -99,7 +99,7 @@ void UseValues() {
   API::VersionC version;
   const API::VersionC copy(version);
   version = API::VersionC(1);
-  Expect(version >= copy && !(version == copy) && version.GetBuild() == 1, "versions have a word");
+  Expect(version >= copy && !(version == copy) && version.GetBuild() == 1, "versions compare");
 }
 
 }  // namespace
@@ -117,7 +117,7 @@ int main() {
   Pairs::UnreadPairList::ForEach([&]<class P>() {
     UseImplementation<typename P::ImplT>();
     const typename P::PublicT adopting(new typename P::ImplT);
-    Expect(adopting.GetImpl() == nullptr, "an implementation that is not read");
+    Expect(adopting.GetImpl() == nullptr, "a public object does not read a foreign implementation");
     ++pairs;
   });
   std::printf("%d pairs\n", pairs);

@@ -1,6 +1,6 @@
-// A caller of public objects alone, and of every public class. `abi.growth` compiles it against the
-// headers as they are, and runs it with a library whose implementations have more fields: it prints
-// the same, and the address checker has nothing to report.
+// A caller that uses every public class and no implementations. `abi.growth` compiles it with the
+// current headers and runs it with a library whose implementations have more fields. Its output
+// must be the same, and AddressSanitizer must not report anything.
 
 #include <cstdio>
 #include <cstring>
@@ -26,14 +26,14 @@ void PrintFields(const char* what, const Record& record) {
   Print(what, line);
 }
 
-// An object as a part of a caller's own, derived class.
+// A caller's class that derives from a public class.
 template <class Record>
 struct Derived : Record {
   using Record::Record;
   int note = 7;
 };
 
-// What every public class has: whether a copy and an assigned object equal `made`.
+// Uses the operations that every public class has, and prints whether copies equal `made`.
 template <class Record>
 void UseCopies(const Record& made) {
   Record copy(made);

@@ -1,7 +1,7 @@
-# A record can grow without its users being compiled again. Compiles a caller of public objects
-# (grown_caller.cpp), and a copy of the library in which every implementation has another field in
-# front of its own; the caller prints the same with this library as with SHARED_LIBRARY, and the
-# address checker, which both are compiled with, reports nothing.
+# Checks that a record can grow without recompiling its users. Compiles a caller of public objects
+# (grown_caller.cpp), and a copy of the library in which every implementation has an additional
+# first field. The caller must print the same with this library as with SHARED_LIBRARY. Caller and
+# copy are compiled with AddressSanitizer, which must not report anything.
 cmake_minimum_required(VERSION 3.25)
 include(${SOURCE_DIR}/abi/Exports.cmake)
 
@@ -9,7 +9,7 @@ set(field "  std::uint64_t growth_[4] = {1, 2, 3, 4};\n")
 set(grown ${WORK_DIR}/sources)
 set(checked -fsanitize=address -fno-omit-frame-pointer)
 
-# The caller first, with the headers as they are. Implementations are not its own.
+# The caller, with the original headers. It must not construct implementations.
 file(MAKE_DIRECTORY ${WORK_DIR})
 execute_process(
   COMMAND ${CXX} -std=c++20 -O1 ${checked} -I${SOURCE_DIR} -c -o ${WORK_DIR}/grown_caller.o
@@ -20,7 +20,7 @@ execute_process(COMMAND ${NM} ${WORK_DIR}/grown_caller.o
 string(REGEX MATCHALL "U _ZN(3ODM[0-9]+[A-Za-z]+|3SDI[0-9]+[A-Za-z]+ImplC)C[12]E[^\n]*" made
   "${symbols}")
 list(TRANSFORM made REPLACE "^U " "")
-exports_complain(${CXXFILT} "The caller makes implementations of its own:" "${made}")
+exports_complain(${CXXFILT} "The caller constructs implementations:" "${made}")
 
 # The copy of the library.
 file(REMOVE_RECURSE ${grown})
@@ -48,13 +48,13 @@ foreach(header IN LISTS headers)
   if(header MATCHES "object_model/layout.h$")
     string(REPLACE "= sizeof(void*) == 8;" "= false;" changed "${text}")
     if(changed STREQUAL text)
-      message(FATAL_ERROR "the assertions of sizes are still there")
+      message(FATAL_ERROR "the size assertions could not be disabled")
     endif()
     set(text "${changed}")
   endif()
   file(WRITE ${header} "${text}")
 endforeach()
-# All of the pairs, their bases, and no more.
+# Exactly the implementations of all pairs, and their bases, must have grown.
 file(READ ${SOURCE_DIR}/tests/support/pair_list.h pairs)
 string(REGEX MATCHALL ", *(ODM|SDI)::[A-Za-z]+>" implementations "${pairs}")
 list(LENGTH implementations expected)
@@ -73,7 +73,7 @@ execute_process(
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build --target surveydata
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
-# The reader asks for files that can be written to.
+# GPSRecordFileC opens files for writing.
 file(COPY_FILE ${SOURCE_DIR}/tests/data/valley_drive.rec ${WORK_DIR}/records.rec)
 execute_process(
   COMMAND ${CXX} ${checked} -o ${WORK_DIR}/grown_caller ${WORK_DIR}/grown_caller.o ${SHARED_LIBRARY}
@@ -92,7 +92,7 @@ endfunction()
 run_caller(${SHARED_LIBRARY} before)
 run_caller(${WORK_DIR}/build/surveydata/libsurveydata.so after)
 if(NOT before STREQUAL after)
-  message(FATAL_ERROR "The caller prints something else with the grown library:\n${after}")
+  message(FATAL_ERROR "The output of the caller differs with the grown library:\n${after}")
 endif()
 string(LENGTH "${before}" length)
-message(STATUS "${count} implementations have grown, ${length} bytes of output are the same")
+message(STATUS "${count} implementations have grown; ${length} bytes of output are identical")

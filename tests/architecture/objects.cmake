@@ -1,7 +1,6 @@
-# Reads the objects in the static library LIBRARY, with NM and CXXFILT: what the library keeps, and what
-# it asks of the C library and of the C++ runtime. It keeps no state but the file handle of the record
-# reader; it takes no lock, starts no thread, and reads neither environment nor locale. CHECK is state
-# or imports. HAS_ASSERTIONS tells a debug build.
+# Checks the object files in the static library LIBRARY with NM and CXXFILT. CHECK is state: their
+# only state is the file handle of GPSRecordFileC; or imports: they take no lock, start no thread,
+# and read neither environment nor locale. HAS_ASSERTIONS is true for a debug build.
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(COMMAND ${NM} -A -f sysv ${LIBRARY}
@@ -11,11 +10,11 @@ string(REGEX MATCHALL "[^:\n]+\\.(o|obj):[^\n]+" lines "${output}")
 list(TRANSFORM lines REPLACE " " "")
 list(FILTER lines INCLUDE REGEX "^[^|]+[|]")
 if(NOT "${lines}" MATCHES "base.cpp.o:_ZN3API[A-Za-z0-9_]*[|][^;]*[|].text")
-  message("skipped: these objects are not compiled before they are linked")
+  message("skipped: these objects contain no machine code")
   return()
 endif()
 
-# complain(<title> <object:symbol>...): an error, the symbols readable, one a line.
+# complain(<title> <object:symbol>...): reports an error with the demangled symbols, one per line.
 function(complain title)
   set(lines "")
   foreach(entry IN LISTS ARGN)
@@ -31,8 +30,8 @@ function(complain title)
   endif()
 endfunction()
 
-# What is in memory that can be written to, or has to be set up or torn down at run time. Constants
-# that the loader relocates are read-only from then on (.data.rel.ro).
+# State is anything in writable memory, or initialised or destroyed at run time. Relocated constants
+# are read-only after loading (.data.rel.ro).
 if(CHECK STREQUAL "state")
   set(state ${lines})
   list(FILTER state INCLUDE REGEX
@@ -43,21 +42,21 @@ if(CHECK STREQUAL "state")
   set(handle ${symbols})
   list(FILTER handle INCLUDE REGEX "^gps_record_file[.]cpp[.]o:_ZN3SDI.*10recordFileE$")
   list(FILTER symbols EXCLUDE REGEX "^gps_record_file[.]cpp[.]o:_ZN3SDI.*10recordFileE$")
-  complain("the library keeps more than the file handle of the record reader:" ${symbols})
+  complain("the library has state besides the file handle of GPSRecordFileC:" ${symbols})
   list(LENGTH handle handles)
   list(FILTER state INCLUDE REGEX "10recordFileE[|]")
   if(NOT handles EQUAL 1 OR NOT "${state}" MATCHES "[|]0*${POINTER_SIZE}[|][|][.]bss[^;]*$")
-    message(SEND_ERROR "the file handle of the record reader is not one pointer: ${state}")
+    message(SEND_ERROR "the file handle of GPSRecordFileC is not one pointer: ${state}")
   endif()
   return()
 endif()
 
-# Everything that the library may ask for. What is not here is a decision: is it a lock, a thread, the
-# environment, the locale, output, time or chance?
+# All functions that the library may import. Before adding one, check that it involves no lock,
+# thread, environment, locale, output, clock or random numbers.
 set(files fopen fopen64 fclose fread fwrite fseek fseeko fseeko64 ftello ftello64 ferror fileno setvbuf
     ftruncate ftruncate64)
-set(numbers acos atan atan2 ceil cos floor fmod frexp ldexp lround pow remainder rint round sin sincos
-    sqrt sqrtf tan trunc)
+set(numbers acos atan atan2 ceil cos floor fmod frexp ldexp lround nearbyint pow remainder rint round sin
+    sincos sqrt sqrtf tan trunc)
 set(memory memchr memcmp memcpy memmove memset strcmp strlen strncmp)
 set(texts strtod strtol vsnprintf)  # atof, atoi and atol; Format
 set(language
@@ -65,16 +64,16 @@ set(language
   __cxa_free_exception __cxa_pure_virtual __cxa_rethrow __cxa_throw
   __cxa_throw_bad_array_new_length __dynamic_cast __errno_location __gxx_personality_v0
   __stack_chk_fail __stack_chk_fail_local _GLOBAL_OFFSET_TABLE_ _Unwind_Resume
-  __divdi3 __moddi3 __udivdi3 __umoddi3  # numbers of 64 bits, where instructions have 32
-  __libc_single_threaded)  # counts of references ask whether there is another thread at all
+  __divdi3 __moddi3 __udivdi3 __umoddi3  # 64-bit division on 32-bit platforms
+  __libc_single_threaded)  # reference counts check whether the process has one thread
 list(JOIN files "|" files)
 list(JOIN numbers "|" numbers)
 list(JOIN memory "|" memory)
 list(JOIN texts "|" texts)
 list(JOIN language "|" language)
 set(checked "__(${memory}|fread)_chk")  # the same with FORTIFY
-# operator new and delete, what throws, the exceptions that are thrown, type identities, std::string,
-# ordered containers
+# operator new and delete, functions that throw, exceptions, type information, std::string, ordered
+# containers
 string(CONCAT runtime
   "_Z(nw|dl|na|da)[A-Za-z0-9_]*|_ZSt[0-9]+__throw_[A-Za-z0-9_]*|_ZSt9terminatev|_ZSt7nothrow"
   "|_ZSt21__glibcxx_assert_fail[A-Za-z0-9_]*|_ZSt20__throw_[A-Za-z0-9_]*"
@@ -98,12 +97,12 @@ foreach(entry IN LISTS undefined)
   endif()
 endforeach()
 list(FILTER imports EXCLUDE REGEX ":(${allowed})$")
-# Record files are read and written by these alone, and one report is printed.
+# Only these files access record files, and only one prints a report.
 list(FILTER imports EXCLUDE REGEX "^(gps_record[a-z_]*|record_source)[.]cpp[.]o:(${files})$")
 list(FILTER imports EXCLUDE REGEX "^vectors[.]cpp[.]o:(printf|__printf_chk)$")
 # Debug builds end the program on misuse of ownership.
 if(HAS_ASSERTIONS)
   list(FILTER imports EXCLUDE REGEX ":__assert_fail$|^base[.]cpp[.]o:__libc_stack_end$")
 endif()
-complain("the library asks for what it must not, or for what objects.cmake does not know yet:"
+complain("the library imports functions that objects.cmake does not list:"
   ${imports})

@@ -1,5 +1,5 @@
-// Uses the library across its boundary, as a caller does: objects are created on one side, used
-// on the other and deleted on either, and the caller derives classes. Reports what fails.
+// Uses the library across the module boundary, as a caller does: creates objects on one side, uses
+// them on the other and deletes them on either, and derives classes. Reports failures.
 
 #include <cstdio>
 #include <cstring>
@@ -19,7 +19,7 @@ void Check(bool holds, const char* what) {
   ++failures;
 }
 
-// A caller may derive from both sides of a pair; the library reaches the data by a cast.
+// A caller may derive from both sides of a pair; the library reaches the data through a cast.
 class MarkedPointImplC : public ODM::CoordinatePointC {
  public:
   explicit MarkedPointImplC(bool& isGone) : isGone_(isGone) {}
@@ -36,8 +36,8 @@ class MarkedPointC : public SDI::CoordinatePointC {
   using CoordinatePointC::CoordinatePointC;
 };
 
-// On ELF systems a type identity is one object in the whole program, so comparing
-// addresses is enough; on Windows each module has its own, and their names are compared.
+// On ELF systems the type information of a class exists once in the program, so comparing addresses
+// is enough; on Windows each module has its own, and the names are compared.
 bool AreTheSame(const std::type_info& a, const std::type_info& b) {
 #if defined(_WIN32)
   return a == b;
@@ -67,14 +67,14 @@ void TypesMadeInTheLibraryAreThoseOfTheCaller() {
   const API::ImplObjectC& impl = *base.GetImpl();
   Check(AreTheSame(typeid(impl), typeid(ODM::CoordinatePointC)), "data of a part of a position");
   part.SetX(7.0);
-  Check(position.GetImpl()->GetCoordinatePoint().GetX() == 7.0, "a part is lent out");
+  Check(position.GetImpl()->GetCoordinatePoint().GetX() == 7.0, "a part is lent");
 }
 
-// The getter runs inside the library, whose cast must recognise the implementation made here.
+// The getter runs inside the library, whose cast must recognise the implementation created here.
 void TypesAreTheSameOnBothSides() {
   const SDI::CoordinatePointC point(1.0, 2.0, 3.0);
-  Check(point.GetX() == 1.0 && point.GetZ() == 3.0, "the library reads a point made here");
-  Check(point.GetImpl() != nullptr && point.GetImpl()->GetY() == 2.0, "and so does the caller");
+  Check(point.GetX() == 1.0 && point.GetZ() == 3.0, "the library reads a point created here");
+  Check(point.GetImpl() != nullptr && point.GetImpl()->GetY() == 2.0, "the caller reads it too");
 
   // The GNSS getters return 0 when the cast fails, so a failing cast does not crash.
   SDI::GPSAntHeightC antenna;
@@ -99,19 +99,21 @@ void DerivedClassesWork() {
     MarkedPointC point(new MarkedPointImplC(isGone));
     point.SetX(4.0);
     Check(point.GetX() == 4.0, "the library reads an implementation of a derived class");
-    Check(dynamic_cast<MarkedPointImplC*>(point.GetImpl()) != nullptr, "it keeps its class");
+    Check(dynamic_cast<MarkedPointImplC*>(point.GetImpl()) != nullptr,
+          "an implementation of a derived class is recognised");
     API::BaseC* const base = point.GetImpl()->GetBase();
     Check(base == &point && typeid(*base) == typeid(MarkedPointC), "the two are linked");
     Check(!isGone, "the implementation lives as long as its point");
   }
-  Check(isGone, "and goes with it");
+  Check(isGone, "destroying the point destroys its implementation");
 }
 
 void OwnershipCrossesTheBoundary() {
   auto* const impl = new SDI::GPSDOPsImplC(10, 20, 30);
   API::BaseC* const made = impl->GetBase();
-  Check(made == impl->GetBase(), "the public object is made once");
-  Check(static_cast<SDI::GPSDOPsC*>(made)->GetHDOP() == 1.0, "and reads its implementation");
+  Check(made == impl->GetBase(), "the public object is created once");
+  Check(static_cast<SDI::GPSDOPsC*>(made)->GetHDOP() == 1.0,
+        "the public object reads its implementation");
   delete impl;
   delete new API::BaseC;
   delete new API::ImplObjectC;
@@ -135,7 +137,7 @@ void TextsWork() {
 void RecordFilesWork() {
   const char name[] = "consumer.rec";
   if (std::FILE* const file = std::fopen(name, "wb")) {
-    std::fputs("no record stands here", file);
+    std::fputs("not a record, anywhere", file);
     std::fclose(file);
   }
   SDI::GPSMeasDataImplC measurement;
@@ -150,9 +152,9 @@ void RecordFilesWork() {
   {
     SDI::GPSRecordIndexC index(name);
     SDI::GPSRecordEntry entry;
-    Check(index.IsOpen() && index.Next(entry) && entry.isGap && entry.size == 21,
+    Check(index.IsOpen() && index.Next(entry) && entry.isGap && entry.size == 22,
           "the index finds a gap");
-    Check(!index.Next(entry) && !index.HasFailed(), "and ends behind it");
+    Check(!index.Next(entry) && !index.HasFailed(), "the index ends after the gap");
   }
   std::remove(name);
 }

@@ -1,5 +1,5 @@
-# Checks the description for Visual Studio against the classes of the library installed at ROOT, by
-# GDB: as it is, and that each kind of fault is found.
+# Compares the visualizer file for Visual Studio with the classes of the library installed at ROOT,
+# using GDB, and checks that each kind of fault is found.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB_RECURSE types ${ROOT}/types.o)
@@ -28,7 +28,7 @@ endfunction()
 
 check(${DEBUGGER_DIR}/surveydata.natvis "")
 
-# What gdb shows of each class is expected somewhere.
+# The expected outputs must cover each class.
 file(READ ${CMAKE_CURRENT_LIST_DIR}/every_pair.expected shown)
 file(READ ${CMAKE_CURRENT_LIST_DIR}/special_cases.expected more)
 string(APPEND shown ${more})
@@ -40,12 +40,12 @@ foreach(name IN LISTS names)
   endif()
 endforeach()
 
-# plant(<text> <instead> <faults>): a fault in a copy.
+# plant(<text> <replacement> <faults>): plants a fault in a copy, and checks that it is found.
 function(plant text instead expected)
   file(READ ${DEBUGGER_DIR}/surveydata.natvis content)
   string(FIND "${content}" "${text}" at)
   if(at EQUAL -1)
-    message(FATAL_ERROR "no ${text} in the description")
+    message(FATAL_ERROR "${text} is not in the visualizer file")
   endif()
   string(REPLACE "${text}" "${instead}" content "${content}")
   file(WRITE ${WORK_DIR}/planted.natvis "${content}")

@@ -1,6 +1,6 @@
-# Checks the description for Visual Studio, $natvis, against the classes in $types. It must say what
-# $written says, which the classes have just been made into; besides, its types and what it evaluates
-# in them must exist. Writes the faults to $faults. Run by gdb.
+# Compares the visualizer file for Visual Studio, $natvis, with the classes in $types. It must equal
+# $written, which was just generated from the classes, and its types and the expressions in them
+# must exist. Writes the faults to $faults. Run by gdb.
 
 import re
 import xml.etree.ElementTree as ElementTree
@@ -15,7 +15,7 @@ def variable(name):
 
 
 def expressions(element):
-    """What an element evaluates, without the formats."""
+    """The expressions in an element, without format specifiers."""
     text = element.text or ""
     if element.tag == SCHEMA + "DisplayString":
         text = text.replace("{{", "").replace("}}", "")
@@ -29,7 +29,7 @@ def expressions(element):
 
 
 def check(natvis):
-    """The faults, one a line, and the expressions of each type."""
+    """The faults, one per line, and the expressions of each type."""
     faults = []
     evaluated = {}
     try:
@@ -41,7 +41,7 @@ def check(natvis):
         name = described.attrib["Name"].replace("<*>", capacity)
         evaluated[name] = set()
         for expression in expressions(described):
-            # What begins with a small letter is a field of the object, the rest are classes.
+            # Names that begin with a lower-case letter are fields, others are classes.
             in_object = re.sub(r"(?<![\w:])([a-z]\w*)", r"((%s*)0)->\1" % name, expression)
             evaluated[name].add(expression)
             try:

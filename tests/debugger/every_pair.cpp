@@ -2,9 +2,9 @@
 
 #include "tests/support/pairs.h"
 
-// Makes objects of every pair, for a debugger to look at.
+// Creates objects of every pair, which a debugger shows.
 
-// The debugger stops here and looks at the variables of the caller.
+// The debugger stops here and shows the variables of the caller.
 [[gnu::noinline]] void Stop() { asm volatile(""); }
 
 namespace {

@@ -1,4 +1,4 @@
-# Installs the build BUILD_DIR at ROOT and strips LIBRARY there.
+# Installs the build BUILD_DIR to ROOT and strips LIBRARY there.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${ROOT})
@@ -15,7 +15,7 @@ if(NOT sections MATCHES "\\.dynsym" OR sections MATCHES "\\.symtab|\\.debug")
   message(FATAL_ERROR "${library} is not stripped:\n${sections}")
 endif()
 
-# gdb finds the printers by the path of the library.
+# gdb finds the printers through the path of the library.
 cmake_path(RELATIVE_PATH library BASE_DIRECTORY / OUTPUT_VARIABLE path)
 if(NOT EXISTS ${ROOT}/share/gdb/auto-load/${path}-gdb.py)
   message(FATAL_ERROR "gdb finds no printers for ${library}")

@@ -1,5 +1,5 @@
-# Runs PROGRAM in GDB with the library that is installed at ROOT. What is shown of its variables goes
-# to OUTPUT, and must be what EXPECTED says.
+# Runs PROGRAM in GDB with the library installed at ROOT. Writes its variables, as gdb shows them,
+# to OUTPUT, which must equal EXPECTED.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB_RECURSE library ${ROOT}/libsurveydata.so)
@@ -14,7 +14,7 @@ execute_process(
     -ex "set $output = \"${OUTPUT}\"" -x ${CMAKE_CURRENT_LIST_DIR}/show_variables.py ${PROGRAM}
   RESULT_VARIABLE result OUTPUT_VARIABLE session ERROR_VARIABLE session)
 if(session MATCHES "ptrace: Operation not permitted")
-  message("skipped: gdb may not look at programs here")
+  message("skipped: gdb is not permitted to trace programs here")
   return()
 endif()
 if(NOT result EQUAL 0 OR NOT EXISTS ${OUTPUT})
@@ -23,5 +23,5 @@ endif()
 execute_process(COMMAND diff -u ${EXPECTED} ${OUTPUT}
   RESULT_VARIABLE result OUTPUT_VARIABLE differences ERROR_VARIABLE differences)
 if(NOT result EQUAL 0)
-  message(FATAL_ERROR "${differences}\nWhen the change is meant:\n  cp ${OUTPUT} ${EXPECTED}")
+  message(FATAL_ERROR "${differences}\nIf the change is intended:\n  cp ${OUTPUT} ${EXPECTED}")
 endif()

@@ -1,11 +1,11 @@
-# Runs the program and writes the variables of each function that calls `Stop`, as gdb shows them, to
-# the file that $output names. Run by gdb.
+# Runs the program and writes the variables of each function that calls `Stop`, as gdb shows them,
+# to the file $output. Run by gdb.
 
 import re
 
 import gdb
 
-# What is shown besides the variables.
+# Additional expressions to show.
 EXPRESSIONS = {"ShowWaysToAnObject": ["((ODM::PositionC*)position.impl_)->point_.y_"]}
 
 

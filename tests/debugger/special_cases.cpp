@@ -5,9 +5,9 @@
 
 #include <surveydata/surveydata.h>
 
-// Makes objects in every state that a debugger shows in its own way.
+// Creates objects in every state for which the debugger's output differs.
 
-// The debugger stops here and looks at the variables of the caller.
+// The debugger stops here and shows the variables of the caller.
 [[gnu::noinline]] void Stop() { asm volatile(""); }
 
 namespace {

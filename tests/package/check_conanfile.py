@@ -1,7 +1,7 @@
-"""Runs the steps of a Conan recipe that need no Conan, with stand-ins for what it imports.
+"""Runs the steps of a Conan recipe that do not require Conan, with substitutes for its imports.
 
-check_conanfile.py RECIPE: prints its name, its version, the variables that it gives to CMake, and
-what it exports, one a line.
+check_conanfile.py RECIPE: prints its name, its version, the CMake variables that it sets, and the
+patterns that it exports, one per line.
 """
 
 import os
@@ -11,7 +11,7 @@ import types
 
 
 class Recipe:
-    """Stands for conan.ConanFile."""
+    """Substitute for conan.ConanFile."""
 
     recipe_folder = ""
     export_sources_folder = "exported"
@@ -23,7 +23,7 @@ class Recipe:
 
 
 class Toolchain:
-    """Stands for CMakeToolchain."""
+    """Substitute for CMakeToolchain."""
 
     variables = {}
 
@@ -44,7 +44,7 @@ exported = []
 
 def copy(recipe, pattern, src, dst):
     there = os.path.join(src, pattern.split("*", maxsplit=1)[0])
-    assert os.path.exists(there), there + " is exported and does not exist"
+    assert os.path.exists(there), there + " is exported but does not exist"
     exported.append(pattern)
 
 

@@ -1,6 +1,6 @@
-# Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, against the
-# tree installed at PREFIX, or add_subdirectory, with SOURCE_DIR as a part of it; LINKAGE holds shared
-# or static or both. The compiler is that of the library.
+# Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, which use the
+# tree installed at PREFIX, or add_subdirectory, which uses SOURCE_DIR. LINKAGE is shared, static or
+# both. The compiler is that of the library.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -60,12 +60,13 @@ else()
   endif()
 endif()
 
-# The program finds the library by its path in CMake builds; pkg-config leaves that to the caller.
+# CMake builds record the path of the library in the program; with pkg-config the caller must set
+# it.
 set(ENV{LD_LIBRARY_PATH} "${library_dir}:$ENV{LD_LIBRARY_PATH}")
 set(ENV{WINEPATH} "${PREFIX}/bin;${WORK_DIR}/surveydata/surveydata;$ENV{WINEPATH}")
 foreach(linkage IN LISTS LINKAGE)
   run(${EMULATOR} ./consumer_${linkage}${SUFFIX})
   if(NOT output MATCHES "all is well")
-    message(FATAL_ERROR "the consumer said: ${output}")
+    message(FATAL_ERROR "output of the consumer: ${output}")
   endif()
 endforeach()

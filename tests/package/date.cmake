@@ -1,5 +1,5 @@
-# Holds the date of a release: WORK_DIR is for changelogs with other dates, VERSION that of the
-# project.
+# Checks the date of a release. Writes changelogs with other dates to WORK_DIR; VERSION is that of
+# the project.
 cmake_minimum_required(VERSION 3.25)
 include(${SOURCE_DIR}/cmake/SurveydataDate.cmake)
 
@@ -9,8 +9,8 @@ function(expect_equal what actual expected)
   endif()
 endfunction()
 
-# The newest heading with a date counts, whatever is not released yet and whenever the file was
-# written. The seconds are those that `date -u -d <day> +%s` gives.
+# The newest heading with a date counts, regardless of unreleased changes and of the file's time.
+# The expected seconds are those of `date -u -d <day> +%s`.
 unset(ENV{SOURCE_DATE_EPOCH})
 set(changelog ${WORK_DIR}/changelog.md)
 foreach(case
@@ -31,8 +31,8 @@ expect_equal("the day of SOURCE_DATE_EPOCH" "${found}" 2024-02-29)
 expect_equal("SOURCE_DATE_EPOCH" "${epoch}" 1709164805)
 unset(ENV{SOURCE_DATE_EPOCH})
 
-# The project's own changelog: its newest release is this version, and the preset for packages has
-# its date.
+# The newest release in the project's changelog must be this version, and the preset `package` must
+# have its date.
 set(changelog ${SOURCE_DIR}/CHANGELOG.md)
 file(STRINGS ${changelog} releases REGEX "^## \\[[0-9]")
 list(GET releases 0 newest)

@@ -1,4 +1,4 @@
-# Makes the Debian packages of the build RELEASE_DIR, checks them, installs them below a separate
+# Creates the Debian packages of the build RELEASE_DIR, checks them, installs them below a separate
 # root folder, uses them there, and removes them again. VERSION is that of the project; DATA is a
 # record file. CXX and GENERATOR build the consumer project.
 cmake_minimum_required(VERSION 3.25)
@@ -21,12 +21,12 @@ function(expect_equal what actual expected)
   endif()
 endfunction()
 
-set(ENV{PATH} "$ENV{PATH}:/usr/sbin:/sbin")  # dpkg wants to see ldconfig
+set(ENV{PATH} "$ENV{PATH}:/usr/sbin:/sbin")  # dpkg requires ldconfig on the path
 find_program(DPKG dpkg)
 find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
 find_program(FILE_KINDS file)
 if(NOT DPKG OR NOT DPKG_SHLIBDEPS OR NOT FILE_KINDS)
-  message("skipped: there is no dpkg, no dpkg-shlibdeps or no file")
+  message("skipped: dpkg, dpkg-shlibdeps or file is not installed")
   return()
 endif()
 run(0 id -u)
@@ -34,7 +34,7 @@ set(as_root "")
 if(NOT output STREQUAL "0\n")
   find_program(FAKEROOT fakeroot)
   if(NOT FAKEROOT)
-    message("skipped: dpkg wants root, or fakeroot")
+    message("skipped: dpkg requires root or fakeroot")
     return()
   endif()
   set(as_root ${FAKEROOT})
@@ -52,7 +52,7 @@ foreach(package ${runtime} libsurveydata-dev surveydata)
   set(deb_${package} ${WORK_DIR}/packages/${package}_${full_version}_${architecture}.deb)
 endforeach()
 
-# Modes of folders and files do not depend on the umask.
+# Modes of folders and files must not depend on the umask.
 function(modes variable folder)
   set(all "")
   file(GLOB packages ${folder}/*.deb)
@@ -81,7 +81,7 @@ foreach(umask 000 077)
   expect_equal("modes with umask ${umask}" "${found}" "${expected}")
 endforeach()
 
-# What they say of themselves.
+# Control fields of the packages.
 function(field variable package name)
   run(0 dpkg-deb --field ${deb_${package}} ${name})
   string(STRIP "${output}" output)
@@ -109,7 +109,7 @@ expect_equal("${runtime}: shlibs" "${output}"
 run(0 dpkg-deb --info ${deb_${runtime}} triggers)
 expect_equal("${runtime}: triggers" "${output}" "activate-noawait ldconfig\n")
 
-# The packages are not meant for Debian's archive, where the first one closes a report.
+# The packages are not intended for Debian's archive, where an initial upload closes a bug report.
 find_program(LINTIAN lintian)
 if(LINTIAN)
   execute_process(COMMAND ${LINTIAN} --allow-root --fail-on error,warning
@@ -120,7 +120,7 @@ if(LINTIAN)
     message(FATAL_ERROR "lintian: ${result}\n${output}${error}")
   endif()
 else()
-  message(STATUS "there is no lintian: the packages are not looked at with it")
+  message(STATUS "lintian is not installed: the packages are not checked with it")
 endif()
 
 # A root that contains only the packages' dependencies, in this system's versions.
@@ -140,7 +140,7 @@ endforeach()
 file(WRITE ${database}/status "${status}")
 set(dpkg ${as_root} ${DPKG} --root=${root} --force-not-root --log=${WORK_DIR}/dpkg.log)
 
-# The headers do not come without their library.
+# The development package must not be installable without the library.
 run(1 ${dpkg} --install ${deb_libsurveydata-dev})
 run(0 ${dpkg} --purge libsurveydata-dev)
 run(0 ${dpkg} --install ${deb_${runtime}} ${deb_libsurveydata-dev} ${deb_surveydata})
@@ -163,7 +163,8 @@ foreach(file
     message(FATAL_ERROR "${file} is not installed")
   endif()
 endforeach()
-# gdb looks below its own folder for the path of the library, and the printers beside the library.
+# gdb searches its own folder for a script at the library's path; the printers lie beside the
+# library.
 file(GLOB_RECURSE library RELATIVE ${root} ${root}/usr/lib/libsurveydata.so.${VERSION})
 cmake_path(GET library PARENT_PATH library_dir)
 foreach(file
@@ -181,4 +182,4 @@ run(0 ${CMAKE_COMMAND} -D WAY=find_package -D LINKAGE=shared -D PREFIX=${root}/u
 run(0 ${dpkg} --purge surveydata libsurveydata-dev ${runtime})
 file(GLOB_RECURSE left LIST_DIRECTORIES true RELATIVE ${root} ${root}/*)
 list(FILTER left EXCLUDE REGEX "^var($|/lib($|/dpkg($|/)))")
-expect_equal("left behind" "${left}" "")
+expect_equal("files left after removal" "${left}" "")

@@ -1,7 +1,7 @@
-# How a release is compiled and linked, by its commands and by what came out of them. BUILD_DIR is its
-# build. Everything that reads bytes from outside, the library and the program, guards its stack and its
-# buffers, and nothing is compiled for size; what the loader fills in is read-only from then on, and it
-# needs nothing that only a new C library can do. With LTO the library is optimised across its sources.
+# Checks the compile commands and the binaries of the release build BUILD_DIR. Library and program
+# have stack protection and buffer checks, and no source is compiled for size. Relocations are
+# read-only after loading and do not require a new C library. With LTO, the library uses link-time
+# optimisation.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${BUILD_DIR}/compile_commands.json commands)
@@ -31,7 +31,7 @@ foreach(i RANGE ${last})
   if(doubtful)
     message(SEND_ERROR "${source} is compiled with ${doubtful}")
   endif()
-  # The last word on optimisation, and on FORTIFY, counts.
+  # The last option for optimisation, and for FORTIFY, takes effect.
   list(FILTER options INCLUDE REGEX "^(-O|-[UD]_FORTIFY_SOURCE|-flto)")
   list(GET options -1 final)
   set(levels ${options})
@@ -46,7 +46,7 @@ foreach(i RANGE ${last})
     message(SEND_ERROR "${source} ends with ${final}")
   endif()
   if(LTO AND source MATCHES "^surveydata/" AND NOT "-flto=auto" IN_LIST options)
-    message(SEND_ERROR "${source} is not optimised with the others")
+    message(SEND_ERROR "${source} is compiled without link-time optimisation")
   endif()
 endforeach()
 message(STATUS "${library} sources of the library, ${program} of the program")
@@ -54,20 +54,20 @@ if(library EQUAL 0 OR (DEFINED PROGRAM AND program EQUAL 0))
   message(FATAL_ERROR "no commands found in ${BUILD_DIR}")
 endif()
 
-# linked(<file>): what the linker made of it.
+# linked(<file>): checks a linked binary.
 function(linked file)
   execute_process(COMMAND ${READELF} -d -l -W ${file}
     OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
   if(NOT text MATCHES "GNU_RELRO" OR NOT text MATCHES "BIND_NOW|FLAGS_1[^\n]*NOW")
-    message(SEND_ERROR "${file}: what the loader fills in stays writable")
+    message(SEND_ERROR "${file}: relocations stay writable after loading")
   endif()
   if(NOT text MATCHES "GNU_STACK" OR text MATCHES "GNU_STACK[^\n]+RWE")
     message(SEND_ERROR "${file}: its stack is executable")
   endif()
   if(text MATCHES "\\(RELR")
-    message(SEND_ERROR "${file}: its relocations are packed, which only a new C library reads")
+    message(SEND_ERROR "${file}: packed relocations (RELR) require a new C library")
   endif()
-  # The checks are called. FORTIFY leaves those out whose answer the compiler knows.
+  # The stack check must be called. FORTIFY omits checks whose result is known at compile time.
   execute_process(COMMAND ${NM} -D --undefined-only ${file}
     OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
   if(NOT symbols MATCHES "__stack_chk_fail")
@@ -79,9 +79,9 @@ if(DEFINED PROGRAM)
   linked(${PROGRAM})
 endif()
 
-# The static library holds machine code alone, whatever made the shared one.
+# The static library contains only machine code, whether or not the shared one uses LTO.
 execute_process(COMMAND ${READELF} -S -W ${STATIC_LIBRARY}
   OUTPUT_VARIABLE sections COMMAND_ERROR_IS_FATAL ANY)
 if(NOT sections MATCHES " \\.text" OR sections MATCHES "gnu\\.lto_")
-  message(SEND_ERROR "${STATIC_LIBRARY} holds no machine code, or more than that")
+  message(SEND_ERROR "${STATIC_LIBRARY} contains no machine code, or LTO sections besides")
 endif()

@@ -1,5 +1,5 @@
-# Installs the build BUILD_DIR, then moves the tree to PREFIX: its files must locate each other
-# relative to themselves.
+# Installs the build BUILD_DIR, then moves the tree to PREFIX: the installed files must be
+# relocatable.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${PREFIX} ${PREFIX}.first)
@@ -8,7 +8,7 @@ execute_process(
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 file(RENAME ${PREFIX}.first ${PREFIX})
 
-# The public headers and what they include are installed; the internal ones stay.
+# Exactly the public headers, and the headers that they include, are installed.
 set(expected "")
 set(open surveydata/surveydata.h)
 while(open)
@@ -31,7 +31,7 @@ if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "headers not installed: ${missing}\nheaders that should not be: ${surplus}")
 endif()
 
-# What debuggers need. The path of the script is that of the library when it was installed.
+# Files for debuggers. The path of the script contains the path at which the library was installed.
 file(GLOB_RECURSE for_debuggers RELATIVE ${PREFIX}
   ${PREFIX}/*.natvis ${PREFIX}/*.py ${PREFIX}/*.o)
 set(expected share/surveydata/surveydata.natvis)
@@ -45,15 +45,15 @@ endif()
 list(SORT expected)
 list(SORT for_debuggers)
 if(NOT for_debuggers STREQUAL expected)
-  message(FATAL_ERROR "for debuggers: ${for_debuggers}\nexpected: ${expected}")
+  message(FATAL_ERROR "files for debuggers: ${for_debuggers}\nexpected: ${expected}")
 endif()
 
-# No file says where it was built or first installed.
+# No file contains the path of the build or of the first installation.
 function(expect_no_path file content)
   foreach(path ${PREFIX}.first ${BUILD_DIR} ${SOURCE_DIR})
     string(FIND "${content}" "${path}" at)
     if(NOT at EQUAL -1)
-      message(FATAL_ERROR "${file} names ${path}")
+      message(FATAL_ERROR "${file} contains the path ${path}")
     endif()
   endforeach()
 endfunction()
@@ -64,17 +64,17 @@ foreach(text ${texts})
 endforeach()
 if(FOR_GDB)
   set(types ${PREFIX}/${library_dir}/surveydata/types.o)
-  # READELF is that of binutils: LLVM's has no dump of strings.
+  # READELF is that of binutils, because LLVM's cannot dump strings.
   execute_process(COMMAND ${READELF} --debug-dump=rawline,str ${types}
     OUTPUT_VARIABLE content ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
   if(NOT content MATCHES "surveydata/geodetic")
-    message(FATAL_ERROR "${types} names no headers")
+    message(FATAL_ERROR "${types} does not name the headers")
   endif()
   expect_no_path(${types} "${content}")
   execute_process(COMMAND ${READELF} --syms --wide ${types}
     OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
   if(symbols MATCHES "(FUNC|OBJECT) ")
-    message(FATAL_ERROR "${types} holds more than descriptions:\n${symbols}")
+    message(FATAL_ERROR "${types} contains more than debug information:\n${symbols}")
   endif()
 endif()
 if(NOT texts)

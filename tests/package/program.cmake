@@ -1,5 +1,5 @@
-# Installs the program alone from the build BUILD_DIR, moves the tree to PREFIX, and runs it there
-# with nothing in the environment and no library beside it. DATA is a record file.
+# Installs only the program from the build BUILD_DIR, moves the tree to PREFIX, and runs it there
+# with an empty environment and without the library. DATA is a record file.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${PREFIX} ${PREFIX}.first)
@@ -24,7 +24,7 @@ endif()
 execute_process(COMMAND ${READELF} -d ${PREFIX}/bin/surveydata
   OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
 if(NOT dynamic MATCHES "NEEDED" OR dynamic MATCHES "RPATH|RUNPATH|libsurveydata|libstdc")
-  message(FATAL_ERROR "the program looks for libraries where there may be none:\n${dynamic}")
+  message(FATAL_ERROR "the program has a run path or unexpected dependencies:\n${dynamic}")
 endif()
 
 # run(<argument>...): stores the program's output in `output`; the exit code must be 0 or 1.

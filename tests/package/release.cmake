@@ -1,4 +1,4 @@
-# Builds the library and the program in BUILD_DIR as they are released.
+# Builds a release of the library and the program in BUILD_DIR.
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(
