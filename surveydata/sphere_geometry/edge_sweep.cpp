@@ -74,8 +74,9 @@ bool CrossInside(const Segment& s, const Segment& t) {
 // i - 1; the last corner ends the last edge.
 class RingC {
  public:
-  RingC(std::vector<Point> corners, const EdgePairTest& areCrossing)
-      : corners_(std::move(corners)), areCrossing_(areCrossing) {}
+  RingC(std::vector<Point> corners, const EdgePairTest& areCrossing,
+        const std::vector<bool>& leftOut)
+      : corners_(std::move(corners)), areCrossing_(areCrossing), leftOut_(leftOut) {}
 
   const std::vector<Point>& GetCorners() const { return corners_; }
   std::size_t CountEdges() const { return corners_.size() - 1; }
@@ -86,8 +87,8 @@ class RingC {
   // `action(edge, its other end)` for the edges at a corner, until it answers true.
   template <class Action>
   bool AnyEdgeAt(std::size_t corner, Action action) const {
-    return (corner > 0 && action(corner - 1, corners_[corner - 1])) ||
-           (corner < CountEdges() && action(corner, corners_[corner + 1]));
+    return (corner > 0 && TakesPart(corner - 1) && action(corner - 1, corners_[corner - 1])) ||
+           (corner < CountEdges() && TakesPart(corner) && action(corner, corners_[corner + 1]));
   }
 
   bool Ask(std::size_t edge, std::size_t other) const {
@@ -107,8 +108,11 @@ class RingC {
   }
 
  private:
+  bool TakesPart(std::size_t edge) const { return leftOut_.empty() || !leftOut_[edge]; }
+
   std::vector<Point> corners_;
   const EdgePairTest& areCrossing_;
+  const std::vector<bool>& leftOut_;
 };
 
 // Whether a pair of edges crosses that have ends near each other.
@@ -220,7 +224,8 @@ class SweepC {
 
 }  // namespace
 
-SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing) {
+SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing,
+                         const std::vector<bool>& leftOut) {
   std::vector<Point> corners;
   corners.reserve(edges.size() / 2 + 1);
   const auto add = [&](const AnglePointC& corner) {
@@ -232,7 +237,7 @@ SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTe
   }
   if (!add(edges.back())) return SweepResult::kUndecided;
 
-  RingC ring(std::move(corners), areCrossing);
+  RingC ring(std::move(corners), areCrossing, leftOut);
   if (CrossNearCorners(ring)) return SweepResult::kCrossing;
   const SweepResult result = SweepC(ring).FindCrossing(false);
   if (result != SweepResult::kNoCrossing) return result;

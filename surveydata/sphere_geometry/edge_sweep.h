@@ -47,9 +47,11 @@ inline constexpr double kCrossingReach = 1.2e-9;
 /// edges that come within `kCrossingReach` of each other in the (Hz, V) plane, and for a few more.
 /// \param edges  start and end of each edge, the end of one being the start of the next; finite. A
 ///               frame wider than `kWidestFrame` is undecided.
+/// \param leftOut  edges that take no part; empty for none, otherwise one flag for each edge.
 /// \cost n log n, and one question for every pair of edges that come within 2e-9 of each other.
 /// \source Shamos and Hoey, Geometric intersection problems, 1976.
-SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing);
+SweepResult SweepInOrder(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing,
+                         const std::vector<bool>& leftOut = {});
 
 }  // namespace GMAT
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_edges.h>
@@ -10,15 +11,15 @@
 namespace GMAT {
 namespace {
 
-// Whether the edges `first` < `second` of a ring cross, as arcs and in the plane, and are no
-// neighbours. The planar question is the cheap one.
-bool DoEdgesCross(const std::vector<AnglePointC>& edges, std::size_t first, std::size_t second) {
+// Whether the edges `first` < `second` of a ring cross, as arcs and in the plane, and are not
+// adjacent; sets the crossing of the arcs when they do. The planar question is the cheap one.
+bool DoEdgesCross(const std::vector<AnglePointC>& edges, std::size_t first, std::size_t second,
+                  AnglePointC& crossing) {
   if (second - first < 2 || (first == 0 && second + 1 == edges.size() / 2)) return false;
   const AnglePointC& a1 = edges[2 * first];
   const AnglePointC& a2 = edges[2 * first + 1];
   const AnglePointC& b1 = edges[2 * second];
   const AnglePointC& b2 = edges[2 * second + 1];
-  AnglePointC crossing;
   return FindPlanarCrossing(a1, a2, b1, b2, crossing) &&
          FindSphericalCrossing(ArcEdgeC(SpherePointC(a1), SpherePointC(a2)),
                                ArcEdgeC(SpherePointC(b1), SpherePointC(b2)), crossing);
@@ -51,7 +52,7 @@ constexpr std::size_t kBoxesPerEdge = 24;
 // Asks for the pairs of edges whose boxes come within the margin of each other, and gives up after
 // `most` comparisons.
 SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing,
-                       std::size_t most) {
+                       const std::vector<bool>& leftOut, std::size_t most) {
   const std::size_t count = edges.size() / 2;
   std::vector<Box> boxes;
   boxes.reserve(count);
@@ -60,6 +61,7 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
   Range allHz(edges[0].Hz, edges[0].Hz);
   Range allV(edges[0].V, edges[0].V);
   for (std::size_t i = 0; i < count; ++i) {
+    if (!leftOut.empty() && leftOut[i]) continue;
     const AnglePointC& a = edges[2 * i];
     const AnglePointC& b = edges[2 * i + 1];
     const Box& box = boxes.emplace_back(Box{{a.Hz, b.Hz}, {a.V, b.V}, i});
@@ -95,6 +97,24 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
     active.push_back(box);
   }
   return SweepResult::kNoCrossing;
+}
+
+// A pair of edges that cross, none of them left out.
+std::optional<EdgeCrossing> FindEdgeCrossing(const std::vector<AnglePointC>& edges,
+                                             const std::vector<bool>& leftOut) {
+  EdgeCrossing found{};
+  const EdgePairTest areCrossing = [&](std::size_t first, std::size_t second) {
+    found = {first, second, {}};
+    return DoEdgesCross(edges, first, second, found.at);
+  };
+  const std::size_t count = edges.size() / 2;
+  SweepResult result = SweepBoxes(edges, areCrossing, leftOut, kBoxesPerEdge * count);
+  if (result == SweepResult::kUndecided) result = SweepInOrder(edges, areCrossing, leftOut);
+  if (result == SweepResult::kUndecided) {
+    result = SweepBoxes(edges, areCrossing, leftOut, std::numeric_limits<std::size_t>::max());
+  }
+  if (result != SweepResult::kCrossing) return std::nullopt;
+  return found;
 }
 
 }  // namespace
@@ -175,16 +195,38 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
 }
 
 bool CrossesItself(const std::vector<AnglePointC>& edges) {
-  const EdgePairTest areCrossing = [&edges](std::size_t first, std::size_t second) {
-    return DoEdgesCross(edges, first, second);
-  };
+  return FindEdgeCrossing(edges, {}).has_value();
+}
+
+std::vector<EdgeCrossing> FindEdgeCrossings(const std::vector<AnglePointC>& edges,
+                                            std::size_t most) {
   const std::size_t count = edges.size() / 2;
-  SweepResult result = SweepBoxes(edges, areCrossing, kBoxesPerEdge * count);
-  if (result == SweepResult::kUndecided) result = SweepInOrder(edges, areCrossing);
-  if (result == SweepResult::kUndecided) {
-    result = SweepBoxes(edges, areCrossing, std::numeric_limits<std::size_t>::max());
+  std::vector<EdgeCrossing> found;
+  // An edge that crosses another one is compared with all, and then left out, until none is left
+  // that does.
+  std::vector<bool> leftOut(count, false);
+  while (found.size() < most) {
+    const std::optional<EdgeCrossing> crossing = FindEdgeCrossing(edges, leftOut);
+    if (!crossing) break;
+    const std::size_t edge = crossing->first;
+    const Range hz(edges[2 * edge].Hz, edges[2 * edge + 1].Hz);
+    const Range v(edges[2 * edge].V, edges[2 * edge + 1].V);
+    for (std::size_t other = 0; other < count; ++other) {
+      if (leftOut[other] || !hz.Reaches({edges[2 * other].Hz, edges[2 * other + 1].Hz}) ||
+          !v.Reaches({edges[2 * other].V, edges[2 * other + 1].V})) {
+        continue;
+      }
+      const auto [first, second] = std::minmax(edge, other);
+      AnglePointC at;
+      if (DoEdgesCross(edges, first, second, at)) found.push_back({first, second, at});
+    }
+    leftOut[edge] = true;
   }
-  return result == SweepResult::kCrossing;
+  std::sort(found.begin(), found.end(), [](const EdgeCrossing& p, const EdgeCrossing& q) {
+    return std::pair(p.first, p.second) < std::pair(q.first, q.second);
+  });
+  if (found.size() > most) found.resize(most);
+  return found;
 }
 
 }  // namespace GMAT

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_SPHERE_GEOMETRY_RING_CROSSINGS_H_
 #define SURVEYDATA_SPHERE_GEOMETRY_RING_CROSSINGS_H_
 
+#include <cstddef>
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
@@ -23,6 +24,19 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
 ///       arcs do not, or the frame is wider than `kWidestFrame`: one for every pair of edges that
 ///       share a range of Hz, or of V where these are fewer, n^2 at worst.
 bool CrossesItself(const std::vector<AnglePointC>& edges);
+
+/// Two edges that cross, `first` < `second`, and where their arcs do, in the frame of the edges.
+struct EdgeCrossing {
+  std::size_t first;
+  std::size_t second;
+  AnglePointC at;
+};
+
+/// The pairs of edges for which `CrossesItself` is true, in ascending order; of more than `most`
+/// pairs, `most` of them.
+/// \cost that of `CrossesItself`, once more than the pairs that are found at most.
+std::vector<EdgeCrossing> FindEdgeCrossings(const std::vector<AnglePointC>& edges,
+                                            std::size_t most);
 
 }  // namespace GMAT
 

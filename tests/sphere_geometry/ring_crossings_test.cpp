@@ -437,6 +437,72 @@ TEST(RingCrossings, CrossingsAreFoundAfterChordsThatChangedPlaces) {
   }
 }
 
+// All pairs of edges that cross, or some of them where there are more than asked for.
+TEST(RingCrossings, FindsTheEdgesThatCross) {
+  HostileRingGenerator random(5);
+  std::size_t many = 0;
+  std::size_t few = 0;
+  for (std::size_t i = 0; i < 4'000; ++i) {
+    const Corners ring = random.Any(8 + random.Below(60));
+    const std::vector<AnglePointC> edges = EdgesOf(ring);
+    using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
+    Pairs expected;
+    for (std::size_t first = 0; 2 * first < edges.size(); ++first) {
+      for (std::size_t second = first + 2; 2 * second < edges.size(); ++second) {
+        if (DoEdgesCross(edges, first, second)) expected.emplace_back(first, second);
+      }
+    }
+    constexpr std::size_t kMost = 8;
+    Pairs found;
+    for (const EdgeCrossing& crossing : FindEdgeCrossings(edges, kMost)) {
+      found.emplace_back(crossing.first, crossing.second);
+      AnglePointC at;
+      EXPECT_TRUE(FindSphericalCrossing(ArcEdgeC(SpherePointC(edges[2 * crossing.first]),
+                                                 SpherePointC(edges[2 * crossing.first + 1])),
+                                        ArcEdgeC(SpherePointC(edges[2 * crossing.second]),
+                                                 SpherePointC(edges[2 * crossing.second + 1])),
+                                        at));
+      EXPECT_EQ(crossing.at, at);
+    }
+    if (expected.size() <= kMost) {
+      few += !expected.empty();
+      ASSERT_EQ(found, expected) << Describe(ring);
+    } else {
+      ++many;
+      ASSERT_EQ(found.size(), kMost) << Describe(ring);
+      ASSERT_TRUE(std::includes(expected.begin(), expected.end(), found.begin(), found.end()))
+          << Describe(ring);
+    }
+  }
+  EXPECT_GT(many, 100u);
+  EXPECT_GT(few, 100u);
+}
+
+// In a comb, where boxes are of no use, with two teeth that cross others.
+TEST(RingCrossings, FindsTheEdgesThatCrossAmongManySideBySide) {
+  Corners ring;
+  constexpr int kTeeth = 2000;
+  for (int i = 0; i < 2 * kTeeth; ++i) {
+    const double along = 1.0 + i * 1e-4;
+    const double across = i % 4 == 0 || i % 4 == 3 ? -0.5 : 0.5;
+    ring.push_back({along + across, 1.0 + along - across});
+  }
+  ring.push_back({0.4, 2.6});
+  std::swap(ring[700].Hz, ring[704].Hz);
+  std::swap(ring[700].V, ring[704].V);
+  std::swap(ring[3001], ring[3006]);
+  const std::vector<AnglePointC> edges = EdgesOf(ring);
+  std::size_t expected = 0;
+  for (std::size_t first = 0; 2 * first < edges.size(); ++first) {
+    for (std::size_t second = first + 2; 2 * second < edges.size(); ++second) {
+      expected += DoEdgesCross(edges, first, second);
+    }
+  }
+  EXPECT_GT(expected, 2u);
+  EXPECT_LT(expected, 100u);
+  EXPECT_EQ(FindEdgeCrossings(edges, 1000).size(), expected);
+}
+
 // Corners that wind around the axis hundreds of times and back: a frame of 2400 rad.
 TEST(RingCrossings, WideFramesAreDecidedByBoxes) {
   for (const bool isCrossed : {false, true}) {

@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/sphere_geometry/area_edges.h>
+#include <surveydata/sphere_geometry/ring_crossings.h>
 
 #include <area/area_faults.h>
 
@@ -133,38 +133,16 @@ class FaultFinderC {
     double hzOrigin = 0.0;
     file_.Sphere().BuildEdgeList(edges, hzOrigin);
     const std::size_t count = edges.size() / 2;
-    std::size_t found = 0;
-    for (std::size_t a = 0; a + 2 < count; ++a) {
-      for (std::size_t b = a + 2; b < count && !(a == 0 && b + 1 == count); ++b) {
-        GMAT::AnglePointC crossing;
-        if (!Cross(edges, a, b, crossing)) continue;
-        const auto edge = [&](std::size_t i) {
-          return fmt::format("{} (point {} to {})", i + 1, i + 1, (i + 1) % count + 1);
-        };
-        Report("crossingEdges", {}, {a + 1, b + 1},
-               fmt::format("edges {} and {} cross near Hz {}, V {}", edge(a), edge(b),
-                           Angle(GMAT::NormalizeAngle(crossing.Hz + hzOrigin)), Angle(crossing.V)));
-        if (++found == kMostCrossings) return;
-      }
-    }
-  }
-  // As arcs and in the plane; `crossing` is the one of the arcs.
-  static bool Cross(const std::vector<GMAT::AnglePointC>& edges, std::size_t a, std::size_t b,
-                    GMAT::AnglePointC& crossing) {
-    const GMAT::AnglePointC& a1 = edges[2 * a];
-    const GMAT::AnglePointC& a2 = edges[2 * a + 1];
-    const GMAT::AnglePointC& b1 = edges[2 * b];
-    const GMAT::AnglePointC& b2 = edges[2 * b + 1];
-    const auto areApart = [](double p1, double p2, double q1, double q2) {
-      return std::max(p1, p2) + GMAT::kRoundingMargin < std::min(q1, q2) ||
-             std::max(q1, q2) + GMAT::kRoundingMargin < std::min(p1, p2);
+    const auto edge = [&](std::size_t i) {
+      return fmt::format("{} (point {} to {})", i + 1, i + 1, (i + 1) % count + 1);
     };
-    if (areApart(a1.Hz, a2.Hz, b1.Hz, b2.Hz) || areApart(a1.V, a2.V, b1.V, b2.V)) return false;
-    using GMAT::SpherePointC;
-    return GMAT::FindPlanarCrossing(a1, a2, b1, b2, crossing) &&
-           GMAT::FindSphericalCrossing(GMAT::ArcEdgeC(SpherePointC(a1), SpherePointC(a2)),
-                                       GMAT::ArcEdgeC(SpherePointC(b1), SpherePointC(b2)),
-                                       crossing);
+    for (const GMAT::EdgeCrossing& crossing : GMAT::FindEdgeCrossings(edges, kMostCrossings)) {
+      Report(
+          "crossingEdges", {}, {crossing.first + 1, crossing.second + 1},
+          fmt::format("edges {} and {} cross near Hz {}, V {}", edge(crossing.first),
+                      edge(crossing.second), Angle(GMAT::NormalizeAngle(crossing.at.Hz + hzOrigin)),
+                      Angle(crossing.at.V)));
+    }
   }
 
   const AreaFile& file_;

@@ -20,8 +20,8 @@ struct AreaFault {
 };
 
 /// Why `SDI::ScanAreaC::IsValid` says no: empty exactly when it says yes. Crossing edges are looked
-/// for only where every point can be used, and the first few of them are told.
-/// \cost that of `IsValid`; n^2 for a ring of n points that crosses itself.
+/// for only where every point can be used, and a few of them are reported.
+/// \cost that of `IsValid`, a few times where edges cross.
 std::vector<AreaFault> FindAreaFaults(const AreaFile& file);
 
 }  // namespace Tool
