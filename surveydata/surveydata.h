@@ -16,6 +16,7 @@
 #include <surveydata/gnss/gps_ant_height.h>
 #include <surveydata/gnss/gps_dops.h>
 #include <surveydata/gnss/gps_meas_data.h>
+#include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/gps_record_file_info.h>
 #include <surveydata/gnss/gps_record_index.h>
@@ -23,6 +24,7 @@
 #include <surveydata/gnss/gps_record_reader.h>
 #include <surveydata/gnss/gps_record_writer.h>
 #include <surveydata/gnss/gps_ref_station_data.h>
+#include <surveydata/gnss/gps_time.h>
 #include <surveydata/imaging/img_camera_info.h>
 #include <surveydata/imaging/img_chip_window_info.h>
 #include <surveydata/imaging/img_exterior_orientation.h>

@@ -1,0 +1,27 @@
+#ifndef SURVEYDATA_GNSS_RECORD_COLUMNS_H_
+#define SURVEYDATA_GNSS_RECORD_COLUMNS_H_
+
+#include <cstdint>
+
+#include <surveydata/gnss/gps_meas_data.h>
+#include <surveydata/gnss/gps_record_columns.h>
+#include <surveydata/gnss/gps_record_file_info.h>
+
+/// \file
+/// Internal: the columns of a record that is no `GPSRecordC`.
+
+namespace SDI::RecordColumns {
+
+/// What a column is asked of.
+struct RecordView {
+  const GPSMeasDataImplC& measurement;
+  const GPSRecordFileInfo& info;
+  std::uint64_t offset;
+  std::uint64_t size;
+};
+
+void Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value);
+
+}  // namespace SDI::RecordColumns
+
+#endif  // SURVEYDATA_GNSS_RECORD_COLUMNS_H_
