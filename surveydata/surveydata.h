@@ -2,7 +2,7 @@
 #define SURVEYDATA_SURVEYDATA_H_
 
 /// \file
-/// Every public header of the library.
+/// Includes all public headers of the library.
 
 #include <surveydata/geodetic/coordinate_point.h>
 #include <surveydata/geodetic/coordinate_quality.h>

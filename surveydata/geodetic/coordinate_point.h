@@ -41,9 +41,8 @@ class SURVEYDATA_API CoordinatePointC : public API::ImplC<CoordinatePointC, SDI:
 
 namespace SDI {
 
-/// A point of three coordinates, in the unit and axes of the reference system that accompanies it
-/// (metres for Cartesian and grid systems). A new point is the origin. The point stores what it is
-/// given: no value is refused.
+/// A point with three coordinates, in the unit and axes of the reference system that accompanies it
+/// (metres for Cartesian and grid systems). A new point is the origin. Any value is accepted.
 class SURVEYDATA_API CoordinatePointC : public API::HandleC<ODM::CoordinatePointC> {
  public:
   CoordinatePointC();

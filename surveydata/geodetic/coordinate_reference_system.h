@@ -44,9 +44,9 @@ class SURVEYDATA_API CoordinateReferenceSystemC
 
 namespace SDI {
 
-/// The coordinate system of a position. A new one has variant 1, and 0 for the rest. No value is
-/// refused. The caller defines what the values mean, except for the kinds and the height flag that
-/// `PositionC::GetDimension()` reads.
+/// The coordinate system of a position. By default, the variant is 1 and the rest is 0. Any value
+/// is accepted. The caller defines the meaning of the values, except for the kinds and the height
+/// flag that `PositionC::GetDimension()` reads.
 class SURVEYDATA_API CoordinateReferenceSystemC
     : public API::HandleC<ODM::CoordinateReferenceSystemC> {
  public:
@@ -58,12 +58,12 @@ class SURVEYDATA_API CoordinateReferenceSystemC
   CoordinateReferenceSystemC(std::int32_t kind, std::int32_t variant, std::int32_t hasHeight);
 
   /// 1 to 4 are the kinds that a position knows: 1 always has three dimensions, 2 and 3 have two
-  /// and a height, 4 has a height alone.
+  /// and optionally a height, 4 has only the optional height.
   std::int32_t GetKind() const;
   void SetKind(std::int32_t kind);
   std::int32_t GetVariant() const;
   void SetVariant(std::int32_t variant);
-  /// Non-zero when there is a height. It matters for kinds 2, 3 and 4 only.
+  /// Non-zero if there is a height. Only used for kinds 2, 3 and 4.
   std::int32_t GetHasHeight() const;
   void SetHasHeight(std::int32_t hasHeight);
 

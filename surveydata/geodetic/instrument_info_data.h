@@ -40,14 +40,14 @@ class SURVEYDATA_API InstrumentInfoDataC
   /// The record's own identifier: the reference is valid until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& getIdentifier() const;
-  /// The field becomes empty when `identifier` has more than 16 units or is null.
+  /// The field becomes empty if `identifier` has more than 16 units or is null.
   /// @{
   void setIdentifier(const char16_t* identifier);
   void setIdentifier(const wchar_t* identifier);
   void setIdentifier(std::nullptr_t identifier);
   /// @}
   std::uint32_t getFlags() const;
-  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
+  /// Sets the bits in `set`, then clears those in `clear`: a bit in both ends up cleared.
   void setFlags(std::uint32_t set, std::uint32_t clear);
   /// The pointer to a text is valid until that text is set or assigned again, or the record is
   /// destroyed. A setter treats null as the empty text.
@@ -72,7 +72,7 @@ class SURVEYDATA_API InstrumentInfoDataC
   std::int32_t getNumber4() const;
   void setNumber4(std::int32_t number4);
 
-  /// Whether everything else is the same and the values agree within the tolerance of
+  /// Whether all other fields are the same and the values agree within the tolerance of
   /// `API::CompareWithTolerance`.
   bool isEqual(const InstrumentInfoDataC& other) const;
 
@@ -94,8 +94,8 @@ class SURVEYDATA_API InstrumentInfoDataC
 
 namespace SDI {
 
-/// The description of an instrument: a short identifier, flags, four texts and five numbers. The
-/// caller defines what they mean. All are empty or 0 by default.
+/// The description of an instrument: a short identifier, flags, four texts and five numbers, whose
+/// meaning the caller defines. All are empty or 0 by default.
 class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentInfoDataC> {
  public:
   InstrumentInfoDataC();
@@ -118,14 +118,14 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   /// The record's own identifier: the reference is valid until the record is destroyed, and shows
   /// later changes.
   const API::FixedStringC<16>& GetIdentifier() const;
-  /// The field becomes empty when `identifier` has more than 16 units or is null.
+  /// The field becomes empty if `identifier` has more than 16 units or is null.
   /// @{
   void SetIdentifier(const char16_t* identifier);
   void SetIdentifier(const wchar_t* identifier);
   void SetIdentifier(std::nullptr_t identifier);
   /// @}
   std::uint32_t GetFlags() const;
-  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
+  /// Sets the bits in `set`, then clears those in `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
   /// The pointer to a text is valid until that text is set or assigned again, or the record is
   /// destroyed. A setter treats null as the empty text.
@@ -150,7 +150,7 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   std::int32_t GetNumber4() const;
   void SetNumber4(std::int32_t number4);
 
-  /// Whether everything else is the same and the values agree within the tolerance of
+  /// Whether all other fields are the same and the values agree within the tolerance of
   /// `API::CompareWithTolerance` in single precision. A NaN equals anything.
   bool IsEqual(const InstrumentInfoDataC& other) const;
 };

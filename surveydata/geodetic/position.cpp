@@ -7,7 +7,7 @@
 namespace ODM {
 namespace {
 
-// The scale factor times the square root of `cofactor`, when all axes of `needed` are valid.
+// Computes the scale factor times the square root of `cofactor` if all axes in `needed` are valid.
 bool StdDevOf(float cofactor, unsigned needed, const CoordinateQualityC& quality, float* result) {
   if ((quality.GetValidAxes() & needed) != needed) return false;
   *result = std::sqrt(cofactor) * quality.GetSigma();

@@ -80,8 +80,8 @@ class SURVEYDATA_API PositionC : public API::ImplC<PositionC, SDI::PositionC> {
 namespace SDI {
 
 /// A complete position: a point with its reference system, its quality, the undulation at the
-/// point, and five attributes whose meaning the caller defines. Attribute 1 is 50 by default, the
-/// others are 0.
+/// point, and five attributes whose meaning the caller defines. By default, attribute 1 is 50 and
+/// the others are 0.
 ///
 /// The getters of the four parts return the position's own parts: repeated calls give the same
 /// object, which changes with the position and is destroyed with its implementation.
@@ -92,7 +92,7 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   PositionC(const PositionC& other);
   PositionC& operator=(const PositionC& other);
   ~PositionC() override;
-  /// Copies the four parts; the attributes have their defaults.
+  /// Copies the four parts; the attributes have their default values.
   PositionC(const CoordinateReferenceSystemC& crs, const CoordinatePointC& point,
             const CoordinateQualityC& quality, const UndulationMementoC& undulation);
   /// Copies the four parts. Attributes 2 and 3 are swapped: the third is given before the second.
@@ -124,12 +124,12 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   std::int32_t GetAttribute5() const;
   void SetAttribute5(std::int32_t attribute5);
 
-  /// The number of coordinates that carry information, by the kind of the reference system: 3 for
-  /// kind 1; 3 with and 2 without a height for kinds 2 and 3; 1 with and 0 without a height for
-  /// kind 4; 0 for any other kind.
+  /// The number of valid coordinates, depending on the kind of the reference system: 3 for kind 1;
+  /// 3 with and 2 without a height for kinds 2 and 3; 1 with and 0 without a height for kind 4; 0
+  /// for any other kind.
   std::uint16_t GetDimension() const;
 
-  /// The standard deviation of several coordinates together, in single precision: the scale factor
+  /// The combined standard deviation of several coordinates, in single precision: the scale factor
   /// of the quality times the square root of a sum of cofactors.
   ///
   /// | selector | of                 | valid axes | cofactors     | reference system  |
@@ -138,16 +138,16 @@ class SURVEYDATA_API PositionC : public API::HandleC<ODM::PositionC> {
   /// | 2        | the plane position | 1, 2       | q11, q22      | not of kind 1     |
   /// | 3        | the whole position | 1, 2, 3    | q11, q22, q33 | any               |
   ///
-  /// \param result  set to the standard deviation, NaN for a negative sum; 0 when there is none.
-  /// \return whether there is one; false for any other selector.
+  /// \param result  set to the standard deviation, NaN for a negative sum; 0 if there is none.
+  /// \return whether there is a standard deviation; false for any other selector.
   bool GetCombinedStdDev(std::uint16_t selector, float* result) const;
 
   /// The standard deviation of the coordinate of one axis, 1 to 3, in single precision: the scale
   /// factor of the quality times the square root of the axis's cofactor.
   ///
-  /// \param result  set to the standard deviation, NaN for a negative cofactor; 0 when there is
-  ///                none.
-  /// \return whether there is one: false when the axis is not valid, and for any other axis.
+  /// \param result  set to the standard deviation, NaN for a negative cofactor; 0 if there is none.
+  /// \return whether there is a standard deviation: false if the axis is not valid, and for any
+  ///         other axis.
   bool GetStdDev(std::uint16_t axis, float* result) const;
 
   /// Whether the attributes are the same and the four parts are equal.

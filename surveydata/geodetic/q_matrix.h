@@ -50,10 +50,9 @@ class SURVEYDATA_API QMatrixC : public API::ImplC<QMatrixC, SDI::QMatrixC> {
 
 namespace SDI {
 
-/// The symmetric 3 by 3 cofactor matrix of a coordinate triple; the upper triangle is stored row
-/// by row. A new matrix is zero. Its unit is that of the squared standard deviations
-/// that a `CoordinateQualityC` derives from it: square metres when the scale factor there is a
-/// plain number.
+/// The symmetric 3 by 3 cofactor matrix of a coordinate triple; the upper triangle is stored row by
+/// row. A new matrix is zero. Its unit is that of the squared standard deviations derived from it:
+/// square metres if the scale factor of the `CoordinateQualityC` is dimensionless.
 class SURVEYDATA_API QMatrixC : public API::HandleC<ODM::QMatrixC> {
  public:
   QMatrixC();

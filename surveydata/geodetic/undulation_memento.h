@@ -43,8 +43,8 @@ class SURVEYDATA_API UndulationMementoC
 namespace SDI {
 
 /// The undulation at a position: the height of the geoid above the ellipsoid in metres, with its
-/// source and validity as the caller codes them. All are 0 by default. A
-/// memento changes only by assignment of another one.
+/// source and validity, whose codes the caller defines. All are 0 by default. A memento can only be
+/// changed by assigning another one.
 class SURVEYDATA_API UndulationMementoC : public API::HandleC<ODM::UndulationMementoC> {
  public:
   UndulationMementoC();

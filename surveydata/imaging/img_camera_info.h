@@ -60,7 +60,7 @@ class SURVEYDATA_API ImgCameraInfoImplC : public API::ImplC<ImgCameraInfoImplC, 
 };
 
 /// The description of a camera: numbers whose units and meaning the caller defines. All are 0 by
-/// default. Two further 16-bit numbers are copied and compared with the rest; only the
+/// default. Two additional 16-bit numbers are copied and compared like the rest; only the
 /// implementation has accessors for them.
 class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
  public:
@@ -89,7 +89,7 @@ class SURVEYDATA_API ImgCameraInfoC : public API::HandleC<ImgCameraInfoImplC> {
   std::uint32_t GetInt5() const;
   void SetInt5(std::uint32_t int5);
 
-  /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
+  /// Whether all fields are equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgCameraInfoC& other) const;
   bool operator!=(const ImgCameraInfoC& other) const = delete;
 };

@@ -56,7 +56,7 @@ class SURVEYDATA_API ImgChipWindowInfoC : public API::HandleC<ImgChipWindowInfoI
   double GetValue4() const;
   void SetValue4(double value4);
 
-  /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
+  /// Whether all fields are equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgChipWindowInfoC& other) const;
   bool operator!=(const ImgChipWindowInfoC& other) const = delete;
 };

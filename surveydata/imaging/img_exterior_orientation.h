@@ -66,7 +66,7 @@ class SURVEYDATA_API ImgExteriorOrientationC : public API::HandleC<ImgExteriorOr
   double GetValue6() const;
   void SetValue6(double value6);
 
-  /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
+  /// Whether all fields are equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgExteriorOrientationC& other) const;
   bool operator!=(const ImgExteriorOrientationC& other) const = delete;
 };

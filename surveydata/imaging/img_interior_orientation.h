@@ -73,7 +73,7 @@ class SURVEYDATA_API ImgInteriorOrientationC : public API::HandleC<ImgInteriorOr
   double GetValue6() const;
   void SetValue6(double value6);
 
-  /// Whether every field is equal by `==`: an object with a NaN differs even from itself.
+  /// Whether all fields are equal by `==`: an object with a NaN differs even from itself.
   bool operator==(const ImgInteriorOrientationC& other) const;
   bool operator!=(const ImgInteriorOrientationC& other) const = delete;
 };

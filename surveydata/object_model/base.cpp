@@ -10,7 +10,7 @@
 #include <typeinfo>
 
 extern "C" {
-// Where the stack of the main thread began. Other C libraries than glibc may lack it.
+// The start of the main thread's stack. C libraries other than glibc may lack it.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 [[gnu::weak]] extern void* __libc_stack_end;
 }
@@ -21,12 +21,12 @@ namespace API {
 #ifndef NDEBUG
 namespace {
 
-// Whether `object` is a variable of the main thread, which must not be deleted. A class of the
-// caller may have an `operator delete` of its own, so only objects of the library's classes count.
+// Whether `object` is a variable of the main thread, which must not be deleted. A caller's class
+// may have its own `operator delete`, so only objects of the library's classes count.
 template <class Object>
 bool IsAutomatic([[maybe_unused]] const Object& object) {
 #if defined(__linux__)
-  constexpr std::uintptr_t kStack = std::uintptr_t{1} << 20;  // Linux has nothing else so near
+  constexpr std::uintptr_t kStack = std::uintptr_t{1} << 20;  // no other mapping is as near
   if (&__libc_stack_end == nullptr) return false;
   const auto end = reinterpret_cast<std::uintptr_t>(__libc_stack_end);
   const auto at = reinterpret_cast<std::uintptr_t>(&object);
@@ -54,7 +54,7 @@ BaseC::~BaseC() {
   assert(!IsAutomatic(*impl_) && "a variable is deleted as the implementation of an object");
   impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
   delete impl_;
-  impl_ = nullptr;  // not before: the implementation's destructor may ask for it
+  impl_ = nullptr;  // only now: the implementation's destructor may call GetImpl()
 }
 
 void BaseC::SetImpl(ImplObjectC* impl) {
@@ -73,7 +73,7 @@ ImplObjectC::~ImplObjectC() {
   assert(!IsAutomatic(*owner_) && "a variable is deleted as the owner of an implementation");
   owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
   delete owner_;
-  owner_ = nullptr;  // not before: the owner's destructor may ask for it
+  owner_ = nullptr;  // only now: the owner's destructor may call GetBase()
 }
 
 // Nothing is copied, so self-assignment needs no guard.

@@ -9,8 +9,8 @@ class SURVEYDATA_API ImplObjectC;
 
 /// The base of every public object: a thin handle to one implementation object.
 ///
-/// While the link stands, each side owns the other: destroying either destroys both. Nothing is
-/// counted and nothing is locked.
+/// While linked, each side owns the other: destroying either destroys both. There is no reference
+/// counting and no locking.
 class SURVEYDATA_API BaseC {
  public:
   /// A handle without an implementation.
@@ -19,19 +19,20 @@ class SURVEYDATA_API BaseC {
   BaseC(const BaseC& other) noexcept;
   /// Links to `impl` as `SetImpl` does.
   explicit BaseC(ImplObjectC* impl);
-  /// Takes itself from the implementation as its owner, then deletes it. Until that is done,
-  /// `GetImpl()` answers the implementation, also to the destructor of a class derived from it.
+  /// Clears the implementation's pointer to this object, then deletes the implementation. Until
+  /// that is done, `GetImpl()` returns the implementation, even in the destructor of a class
+  /// derived from it.
   virtual ~BaseC();
 
-  /// Copies the pointer alone and touches no link. Public classes copy data instead.
+  /// Copies only the pointer and changes no other link. Public classes copy data instead.
   BaseC& operator=(const BaseC& other) noexcept;
 
-  /// Links to `impl` (may be null); a public object that owned `impl` before is deleted. Nothing
-  /// happens when `impl` is linked already.
+  /// Links to `impl` (may be null); a public object that owned `impl` before is deleted. Has no
+  /// effect if `impl` is already linked.
   ///
-  /// The implementation that was linked before is not deleted and keeps this object as its owner.
-  /// Whoever replaces an implementation calls `DetachBase` on the old one first, and deletes it
-  /// afterwards: detaching or deleting it later would cut or destroy this object.
+  /// The previously linked implementation is not deleted and keeps this object as its owner. To
+  /// replace an implementation, call `DetachBase` on the old one first, and delete it afterwards:
+  /// detaching or deleting it later would unlink or destroy this object.
   virtual void SetImpl(ImplObjectC* impl);
 
   /// The linked implementation, or null.
@@ -50,20 +51,20 @@ class SURVEYDATA_API ImplObjectC {
   ImplObjectC() noexcept;
   /// An implementation without an owner: copying never copies the link.
   ImplObjectC(const ImplObjectC& other) noexcept;
-  /// Takes itself from the owner as its implementation, then deletes it. Until that is done,
-  /// `GetBase()` answers the owner, also to the destructor of a class derived from the owner's.
+  /// Clears the owner's pointer to this object, then deletes the owner. Until that is done,
+  /// `GetBase()` returns the owner, even in the destructor of a class derived from the owner's.
   virtual ~ImplObjectC();
 
-  /// Leaves both owners as they are.
+  /// Changes neither owner.
   ImplObjectC& operator=(const ImplObjectC& other) noexcept;
 
-  /// The owner, or null. Concrete implementations make one on the first call.
+  /// The owner, or null. Concrete implementations create one on the first call.
   virtual BaseC* GetBase();
 
-  /// Makes `owner` (may be null) the owner; another owner from before is unlinked and deleted.
+  /// Makes `owner` (may be null) the owner; a different previous owner is unlinked and deleted.
   void SetBase(BaseC* owner);
 
-  /// Cuts the link on both sides and deletes nothing. The owner is left without an implementation.
+  /// Cuts the link on both sides and deletes nothing. The owner then has no implementation.
   void DetachBase() noexcept;
 
  private:

@@ -6,7 +6,7 @@ namespace API {
 
 int CompareWithTolerance(double a, double b, double eps) noexcept {
   const double larger = std::fabs(a) > std::fabs(b) ? a : b;
-  int exponent = 0;  // stays 0 for infinities and NaN, whose exponent `frexp` leaves open
+  int exponent = 0;  // for infinities and NaN, whose exponent `frexp` leaves unspecified
   if (std::isfinite(larger)) std::frexp(larger, &exponent);
   const double tolerance = std::ldexp(eps, exponent);
   const double difference = a - b;

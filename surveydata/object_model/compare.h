@@ -12,21 +12,21 @@ namespace API {
 
 /// Compares `a` and `b` with a tolerance relative to the larger of them.
 ///
-/// The tolerance is `eps` times two to the power e, where e is the exponent that `frexp` gives the
-/// operand of the larger magnitude (on a tie, `b`). It therefore shrinks with the operands: 0.0
-/// and 1e-300 differ. An operand that is infinite has e = 0.
+/// The tolerance is `eps` times two to the power e, where e is the exponent that `frexp` returns
+/// for the operand of larger magnitude (on a tie, `b`). It therefore shrinks with the operands: 0.0
+/// and 1e-300 differ. An infinite operand has e = 0.
 ///
-/// \return 1 when a - b is greater than the tolerance, -1 when it is less than minus the
-///         tolerance, else 0. A NaN, be it an operand or `eps`, equals anything.
+/// \return 1 if a - b is greater than the tolerance, -1 if it is less than minus the tolerance,
+///         otherwise 0; also 0 if an operand or `eps` is NaN.
 SURVEYDATA_API int CompareWithTolerance(double a, double b, double eps) noexcept;
-/// The same comparison, made in double precision.
+/// The same comparison, computed in double precision.
 SURVEYDATA_API int CompareWithTolerance(float a, float b, float eps) noexcept;
 
 /// Whether two fields of a record are equal: floating-point numbers within the epsilon of their
-/// type (`CompareWithTolerance`), parts by their own equality, all else by `==`.
+/// type (`CompareWithTolerance`), parts by their own equality, others by `==`.
 template <class Field>
 bool EqualField(const Field& a, const Field& b) {
-  static_assert(!std::is_array_v<Field>, "plain arrays would compare by their addresses");
+  static_assert(!std::is_array_v<Field>, "plain arrays would be compared by address");
   if constexpr (requires { a.isEqual(b); }) {
     return a.isEqual(b);
   } else {

@@ -2,12 +2,12 @@
 #define SURVEYDATA_OBJECT_MODEL_EXPORT_H_
 
 /// \file
-/// The marks of what leaves the library.
+/// Export macros.
 ///
-/// `SURVEYDATA_API` marks a class or function that the library exports.
-/// `SURVEYDATA_HIDDEN` marks what of such a class stays inside.
-/// `SURVEYDATA_VISIBLE` marks a class template whose type identity must be the same on both sides
-/// of the library's boundary, although its code is compiled wherever it is used.
+/// `SURVEYDATA_API` marks a class or function that the library exports. `SURVEYDATA_HIDDEN` marks a
+/// member of such a class that is not exported. `SURVEYDATA_VISIBLE` marks a class template whose
+/// type information must be the same in the library and its callers, although its code is compiled
+/// wherever it is used.
 
 #if defined(_WIN32)
 #if defined(SURVEYDATA_STATIC)

@@ -14,12 +14,12 @@
 namespace API {
 namespace {
 
-// A length, at most the capacity, as a size in memory, which may have fewer bits.
+// Converts a length, which is at most the capacity, to `std::size_t`, which may have fewer bits.
 constexpr std::size_t Size(std::uint64_t length) { return static_cast<std::size_t>(length); }
 
-// The algorithms know no capacity of their own: the ten capacities share this code, and what
-// is long stays out of line, so that the library holds it once. A text is its units, one more than
-// the capacity, and its length.
+// The algorithms do not depend on the capacity: the ten capacities share this code, and long
+// functions are out of line, so that the library contains them once. A text has one unit more than
+// its capacity.
 struct Text {
   std::span<char16_t> units;
   std::uint64_t& length;
@@ -38,7 +38,7 @@ WideUnits ToUnits(wchar_t wide) {
   if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
     return {{static_cast<char16_t>(wide), 0}, 1};
   } else {
-    // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): wchar_t is no signed char
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): wchar_t is not a signed char
     const auto c = static_cast<std::uint32_t>(wide);
     if (c <= 0xFFFF) return {{static_cast<char16_t>(c), 0}, 1};
     if (c > 0x10FFFF) return {{u'\uFFFD', 0}, 1};
@@ -56,13 +56,13 @@ WideUnits ToUnits(wchar_t wide) {
   text.units[Size(text.length)] = 0;
 }
 
-// Refuses a character that does not fit as a whole.
+// Appends a character only if all its units fit.
 void AppendWhole(Text text, const char16_t* units, std::size_t count) {
   if (count <= text.Room()) Append(text, units, count);
 }
 
-// Compilers take for granted that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1,
-// they would leave out the check of a longer text, although one fits the address space.
+// Compilers assume that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1, they would
+// remove the check for longer texts, although such a text fits the address space.
 std::size_t LengthOf(const char* s) {
   if constexpr (sizeof(std::size_t) > sizeof(std::int32_t)) {
     return std::strlen(s);
@@ -113,9 +113,9 @@ std::size_t LengthOf(const char* s) {
 }
 
 // The unchecked formatter of the C library. With FORTIFY, `std::vsnprintf` is a checked function
-// that ends the process at a `%n` in a writable format; the format is the caller's, and `Format`
-// promises `%n`. The other check, of the buffer's size, is not needed, because the size is passed.
-// Only `Format` calls this.
+// that ends the process at a `%n` in a writable format, but `Format` supports `%n` in any format.
+// The other check, of the buffer's size, is not needed, because the size is passed. Only `Format`
+// calls this.
 int FormatUnchecked(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
 #if defined(__GNUC__) && !defined(_WIN32)
   return __builtin_vsnprintf(buffer, size, format, arguments);
@@ -124,7 +124,7 @@ int FormatUnchecked(char* buffer, std::size_t size, const char* format, std::va_
 #endif
 }
 
-// UTF-8 orders texts as their units do, since each unit is encoded by itself.
+// Each unit is encoded separately, so the order of the units is that of the UTF-8 bytes.
 bool NotAfter(const char16_t* a, const char16_t* b) {
   while (*a != 0 && *a == *b) ++a, ++b;
   return *a <= *b;

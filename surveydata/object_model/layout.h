@@ -5,8 +5,7 @@
 
 namespace API {
 
-/// Whether the sizes that the headers assert apply: they are those of platforms with 64-bit
-/// pointers.
+/// Whether the sizes that the headers assert apply: they hold on platforms with 64-bit pointers.
 inline constexpr bool kSizesArePromised = sizeof(void*) == 8;
 
 /// Whether `Class` has the asserted size; true where the assertions do not apply.

@@ -11,8 +11,8 @@
 namespace API {
 
 #ifndef NDEBUG
-/// A public object as debug builds lend it: it knows that whoever deletes it would delete the part,
-/// which has no memory of its own.
+/// The public object of a part in debug builds. It detects its own deletion by a caller, which
+/// would delete the part, although the part is not an object on the heap.
 template <class Public, class Part>
 class LentC final : public Public {
  public:
@@ -28,8 +28,8 @@ class LentC final : public Public {
 };
 #endif
 
-/// The public object of `part`, an implementation that another one holds by value. It lives as
-/// long as `part`, and repeated calls give the same object.
+/// The public object of `part`, an implementation that another one holds by value. It lives as long
+/// as `part`; repeated calls return the same object.
 template <class Public, class Part>
 Public& PublicOf(Part& part) {
 #ifndef NDEBUG

@@ -7,9 +7,9 @@
 
 #include <surveydata/object_model/utf8.h>
 
-// Encoder and decoder process eight characters at once while these are certain to fit, with a fast
-// path for eight of one kind. A plain loop, one character at a time, processes the rest: the ends
-// of texts, and everything that ends a text early.
+// Encoder and decoder process eight characters at a time as long as these are certain to fit, with
+// fast paths for eight characters of the same kind. A simple loop processes the rest, one character
+// at a time: the ends of texts, and errors.
 
 namespace API::Utf8 {
 namespace {
@@ -35,7 +35,7 @@ void StoreLittle32(char* to, std::uint32_t word) {
 
 unsigned Byte(char c) { return static_cast<unsigned char>(c); }
 
-// The six bits that a continuation byte carries; 64 or more for any other byte.
+// The six payload bits of a continuation byte; 64 or more for any other byte.
 unsigned Carried(char byte) { return Byte(byte) ^ 0x80; }
 
 bool IsContinuation(char byte) { return Carried(byte) < 0x40; }
@@ -52,16 +52,17 @@ char16_t Join(unsigned lead, char second, char third) {
 constexpr std::uint64_t Lanes16(std::uint64_t value) { return value * 0x0001'0001'0001'0001; }
 constexpr std::uint64_t Lanes8(std::uint64_t value) { return value * 0x0101'0101'0101'0101; }
 
-// In the lanes of four units: bits that no unit from 1 to 2^n - 1 sets, for a test by a mask of the
-// bits from n on. A unit of 0 sets them all.
+// In four 16-bit lanes: the bits from n on are 0 for a unit from 1 to 2^n - 1, and all 1 for a unit
+// of
+// 0. A mask of these bits tests four units at once.
 std::uint64_t UpperBits(const char16_t* units) {
   const auto lanes = Load<std::uint64_t>(units);
   return lanes | (lanes - Lanes16(1));
 }
 
-// Whether all of eight units are 0x800 or above.
+// Whether all eight units are 0x800 or above.
 bool AreAllThreeBytes(const char16_t* units) {
-  const auto carried = [](std::uint64_t lanes) {  // into the top bit of such a lane
+  const auto carried = [](std::uint64_t lanes) {  // such a unit sets the top bit of its lane
     return (lanes >> 1 & Lanes16(0x7C00)) + Lanes16(0x7C00);
   };
   return (carried(Load<std::uint64_t>(units)) & carried(Load<std::uint64_t>(units + 4)) &
@@ -79,15 +80,15 @@ void PutThree(unsigned u, char* dst) {
   dst[2] = static_cast<char>(0x80 | (u & 0x3F));
 }
 
-// Encodes eight units, where 24 bytes fit. Returns where the next byte goes; null when one of the
-// units is 0.
+// Encodes eight units; 24 bytes must fit. Returns the position of the next byte, or null if a unit
+// is 0.
 inline char* EncodeBlock(const char16_t* units, char* dst) {
   const std::uint64_t upper = UpperBits(units) | UpperBits(units + 4);
   if ((upper & Lanes16(0xFF80)) == 0) {
     for (int i = 0; i < kBlock; ++i) dst[i] = static_cast<char>(units[i]);
     return dst + kBlock;
   }
-  char* out = dst;  // `out + i` is where the next byte goes
+  char* out = dst;  // the next byte is written to `out + i`
   if ((upper & Lanes16(0xF800)) == 0) {
     for (int i = 0; i < kBlock; ++i) {
       unsigned u = units[i];
@@ -105,7 +106,7 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
       const std::uint32_t u = units[i];
       sequences[i] = 0x8080E0 | u >> 12 | (u & 0xFC0) << 2 | (u & 0x3F) << 16;
     }
-    // A fourth byte is overwritten by the next sequence; the last one must not write it.
+    // The next sequence overwrites the fourth byte; the last sequence must not write one.
     for (std::size_t i = 0; i < kBlock - 1; ++i) StoreLittle32(dst + 3 * i, sequences[i]);
     PutThree(units[kBlock - 1], dst + 3 * (kBlock - 1));
     return dst + 3 * kBlock;
@@ -127,14 +128,14 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
   return out + kBlock;
 }
 
-// Decodes eight characters of three bytes each; none when one of them has another form. Out of
-// line, so that its many constants take no registers from the other kinds of blocks.
+// Decodes eight characters of three bytes each; false if one of them has another length. Out of
+// line, so that its many constants do not occupy registers in the other paths.
 [[gnu::noinline]] bool DecodeThreeByteBlock(const char* src, char16_t* units) {
   constexpr std::uint32_t kMarks = 0xC0C0F0;
   constexpr std::uint32_t kThreeBytes = 0x8080E0;
   std::array<std::uint32_t, kBlock> sequences;
   for (std::size_t i = 0; i < kBlock - 1; ++i) sequences[i] = LoadLittle32(src + 3 * i);
-  sequences.back() = LoadLittle32(src + 20) >> 8;  // reads no byte behind the last
+  sequences.back() = LoadLittle32(src + 20) >> 8;  // does not read beyond the last byte
   std::uint32_t strange = 0;
   for (const std::uint32_t sequence : sequences) strange |= (sequence & kMarks) ^ kThreeBytes;
   if (strange != 0) return false;
@@ -145,14 +146,14 @@ inline char* EncodeBlock(const char16_t* units, char* dst) {
   return true;
 }
 
-// Characters, and their bytes.
+// The number of characters decoded, and of their bytes.
 struct Taken {
   std::ptrdiff_t bytes;
   std::ptrdiff_t characters;
 };
 
-// Decodes eight characters, or those before the first fault and before the first that does not
-// leave eight bytes for eight characters. `last` is eight bytes before the end of the source.
+// Decodes eight characters; fewer if an error occurs, or if a character would leave less than one
+// byte for each remaining one. `last` is eight bytes before the end of the source.
 inline Taken DecodeMixedBlock(const char* src, const char* last, char16_t* units,
                               DecodeRules rules) {
   const unsigned leads = rules.acceptsLeadsFromF0 ? 0x40 : 0x30;
@@ -178,8 +179,8 @@ inline Taken DecodeMixedBlock(const char* src, const char* last, char16_t* units
   return {in - src + i, i};
 }
 
-// Decodes most of `size` bytes, none of them 0: up to the first fault or nearly their end, and at
-// most `capacity` characters.
+// Decodes most of `size` bytes, none of which is 0: at most up to the first error, and at most
+// `capacity` characters. May stop shortly before the end.
 inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
                           std::ptrdiff_t capacity, DecodeRules rules) {
   const char* in = src;
@@ -203,12 +204,12 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
   return {in - src, out - units};
 }
 
-// Inlined into both of its callers: for a short text, another call with its results on the stack
-// costs an eighth of the time.
+// Inlined into both callers: for a short text, another call with its result on the stack would take
+// an eighth of the time.
 [[gnu::always_inline]] inline Decoded DecodeInline(const char* src, std::size_t limit,
                                                    char16_t* units, std::size_t capacity,
                                                    DecodeRules rules) {
-  // The limit does not guarantee that many bytes: the terminator may come first.
+  // The source may be shorter than the limit: the terminator may come first.
   const std::size_t most = std::min(limit, kLongest * capacity);
   const void* const found = most != 0 ? std::memchr(src, 0, most) : nullptr;  // `src` may be null
   const auto* const terminator = static_cast<const char*>(found);
@@ -253,7 +254,7 @@ inline Taken DecodeBlocks(const char* src, std::ptrdiff_t size, char16_t* units,
 }  // namespace
 
 std::size_t Encode(const char16_t* units, std::size_t count, char* dst, std::size_t space) {
-  // No more than this is ever written; callers may pass an unlimited capacity.
+  // At most this much is ever written; callers may pass an unlimited size.
   space = dst != nullptr ? std::min(space, kLongest * count + 1) : 0;
   const char16_t* in = units;
   const char16_t* const end = units + count;

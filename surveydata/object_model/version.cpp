@@ -22,7 +22,7 @@ constexpr BitField kBuild{0, 0xFFF};
 
 constexpr std::string_view kLetters = "RRSBDARR";  // by kind
 
-// Digits alone, whatever the locale.
+// Only digits, in every locale.
 std::string Padded(std::uint32_t value, std::size_t width) {
   std::string digits = std::to_string(value);
   if (digits.size() < width) digits.insert(0, width - digits.size(), '0');

@@ -18,7 +18,7 @@ namespace API {
 /// | variant | 15-12 | 0-15   |
 /// | build   | 11-0  | 0-4095 |
 ///
-/// The kind of a release has a letter: 2 is S, 3 is B, 4 is D, 5 is A, all others are R.
+/// The kind of a release has a letter: S for 2, B for 3, D for 4, A for 5, R for all others.
 class SURVEYDATA_API VersionC {
  public:
   VersionC();
@@ -36,12 +36,12 @@ class SURVEYDATA_API VersionC {
   std::uint32_t GetVariant() const;
   std::uint32_t GetBuild() const;
 
-  /// The version as text. Numbers are decimal, padded with zeros to the least width given.
+  /// The version as text. Numbers are decimal, padded with zeros to the given minimum width.
   ///
   /// | style | text                                                        | example    |
   /// |-------|-------------------------------------------------------------|------------|
   /// | 1     | major . minor (2 digits) . build (3 digits)                 | 3.05.042   |
-  /// | 2     | major . minor (3 digits), and but for R: . letter build     | 3.005.B42  |
+  /// | 2     | major . minor (3 digits), then except for R: . letter build | 3.005.B42  |
   /// | 3     | major . minor (2 digits), then build (3 digits) in brackets | 3.05 (042) |
   /// | other | major . minor (2 digits)                                    | 3.05       |
   std::string Format(std::uint32_t style) const;

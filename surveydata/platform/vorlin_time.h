@@ -7,8 +7,8 @@
 
 namespace Vorlin {
 
-/// A time value of the instrument platform, in its layout. This library only stores it;
-/// receivers give the GPS week and the milliseconds of that week.
+/// A time value with the layout that the instrument platform defines. This library only stores it;
+/// receivers provide the GPS week and the milliseconds of that week.
 struct TimeC {
   std::uint16_t week = 0;
   std::int32_t timeOfWeek = 0;

@@ -59,7 +59,7 @@ class SURVEYDATA_API TPSCalibrationDataC
 namespace SDI {
 
 /// The calibration values of a total station: eight numbers whose units and meaning the caller
-/// defines. All are 0 by default; none is refused.
+/// defines. All are 0 by default. Any value is accepted.
 class SURVEYDATA_API TPSCalibrationDataC : public API::HandleC<ODM::TPSCalibrationDataC> {
  public:
   TPSCalibrationDataC();

@@ -82,10 +82,9 @@ class SURVEYDATA_API TPSCorrectionDataC
 
 namespace SDI {
 
-/// The corrections applied to the measurements of a total station, among them a scale factor for
-/// distances. The caller defines units and meaning of the other values and of the flags: the record
-/// stores them unchanged and refuses none. A new record has the scale factor 1 and is otherwise all
-/// zeros.
+/// The corrections applied to the measurements of a total station, including a scale factor for
+/// distances. The caller defines units and meaning of the other values and of the flags; any value
+/// is accepted and stored unchanged. By default, the scale factor is 1 and the rest is 0.
 class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrectionDataC> {
  public:
   TPSCorrectionDataC();
@@ -103,7 +102,7 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   void SetValue2(double value2);
   double GetValue3() const;
   void SetValue3(double value3);
-  /// The scale factor for distances, dimensionless; 1 changes nothing.
+  /// The dimensionless scale factor for distances; 1 means no correction.
   double GetScaleFactor() const;
   void SetScaleFactor(double scaleFactor);
   double GetValue5() const;
@@ -123,7 +122,7 @@ class SURVEYDATA_API TPSCorrectionDataC : public API::HandleC<ODM::TPSCorrection
   float GetSingle4() const;
   void SetSingle4(float single4);
   std::uint32_t GetFlags() const;
-  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
+  /// Sets the bits in `set`, then clears those in `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
 
   /// The scale factor of a correction in parts per million, ppm * 1e-6 + 1.

@@ -22,7 +22,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::ImplC<TPSMeasDataC, SDI::TPSMeas
   TPSMeasDataC& operator=(const TPSMeasDataC& other);
   ~TPSMeasDataC() override;
   API::BaseC* GetBase() override;
-  /// `text` is treated as by `SetText`.
+  /// `text` is handled as in `SetText`.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
                double value9, double value10, double value11, float single2, float single3,
@@ -129,8 +129,8 @@ namespace SDI {
 
 /// One measurement of a total station: a short text, eleven values in double and six in single
 /// precision, nine words and flags. The caller defines units and meaning of the values and of the
-/// flags: the record stores them unchanged and refuses none. A new record has an empty text and is
-/// all zeros.
+/// flags; any value is accepted and stored unchanged. By default, the text is empty and the rest is
+/// 0.
 class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
  public:
   TPSMeasDataC();
@@ -138,7 +138,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   TPSMeasDataC(const TPSMeasDataC& other);
   TPSMeasDataC& operator=(const TPSMeasDataC& other);
   ~TPSMeasDataC() override;
-  /// `text` is treated as by `SetText`.
+  /// `text` is handled as in `SetText`.
   TPSMeasDataC(const char16_t* text, double value1, double value2, double value3, double value4,
                double value5, double value6, float single1, double value7, double value8,
                double value9, double value10, double value11, float single2, float single3,
@@ -147,9 +147,9 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
                std::uint32_t word6, std::uint32_t word7, std::uint32_t word8, std::uint32_t flags,
                std::uint32_t word9);
 
-  /// The text lives as long as this object and changes with it.
+  /// The pointer is valid as long as this object, and shows later changes.
   const char16_t* GetText() const;
-  /// The text becomes empty when `text` has more than 16 units or is null.
+  /// The text becomes empty if `text` has more than 16 units or is null.
   void SetText(const char16_t* text);
   double GetValue1() const;
   void SetValue1(double value1);
@@ -202,7 +202,7 @@ class SURVEYDATA_API TPSMeasDataC : public API::HandleC<ODM::TPSMeasDataC> {
   std::uint32_t GetWord8() const;
   void SetWord8(std::uint32_t word8);
   std::uint32_t GetFlags() const;
-  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
+  /// Sets the bits in `set`, then clears those in `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
   std::uint32_t GetWord9() const;
   void SetWord9(std::uint32_t word9);

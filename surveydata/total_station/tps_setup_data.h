@@ -77,7 +77,7 @@ class SURVEYDATA_API TPSSetupDataC : public API::ImplC<TPSSetupDataC, SDI::TPSSe
 namespace SDI {
 
 /// The set-up of a total station. The caller defines units and meaning of the values and of the
-/// flags: the record stores them unchanged and refuses none. A new record is all zeros.
+/// flags; any value is accepted and stored unchanged. All are 0 by default.
 class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
  public:
   TPSSetupDataC();
@@ -92,7 +92,7 @@ class SURVEYDATA_API TPSSetupDataC : public API::HandleC<ODM::TPSSetupDataC> {
   double GetValue1() const;
   void SetValue1(double value1);
   std::uint32_t GetFlags() const;
-  /// Sets the bits of `set`, then clears those of `clear`: a bit in both ends up cleared.
+  /// Sets the bits in `set`, then clears those in `clear`: a bit in both ends up cleared.
   void SetFlags(std::uint32_t set, std::uint32_t clear);
   std::uint8_t GetByte1() const;
   void SetByte1(std::uint8_t byte1);
