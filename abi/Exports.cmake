@@ -1,9 +1,11 @@
 # Functions that read abi/surveydata.exports and the symbols of binaries, for the build, the tests
 # and abi/update_exports.
 
+# Functions of the C interface.
+set(exports_c "^surveydata_[a-z]")
 # Prefixes of mangled names in the library's namespaces: members, vtables, type information and its
-# names, thunks.
-set(exports_scope "^_Z(T[VIS]|Thn?[0-9]+_)?N?K?3(API|SDI|ODM)")
+# names, thunks; and the functions of the C interface.
+set(exports_scope "^_Z(T[VIS]|Thn?[0-9]+_)?N?K?3(API|SDI|ODM)|${exports_c}")
 # The same, and other symbols that compilers emit: function-local statics, guard variables, VTTs.
 set(exports_held "^_Z(T[A-Z]|T[hv]n?[0-9_]+|GV|Z)?N?[KVRO]*3(API|SDI|ODM)")
 # Vtables and type information. Every user of a class may have its own copy; exporting them merges
@@ -62,7 +64,8 @@ endfunction()
 function(exports_of_objects readelf cxxfilt files result)
   execute_process(COMMAND ${readelf} -s -W ${files}
     OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL "(GLOBAL|WEAK|UNIQUE) +DEFAULT +[0-9]+ +_Z[^ \n]+" symbols "${output}")
+  string(REGEX MATCHALL "(GLOBAL|WEAK|UNIQUE) +DEFAULT +[0-9]+ +(_Z|surveydata_)[^ \n]+"
+    symbols "${output}")
   list(TRANSFORM symbols REPLACE ".* " "")
   exports_in_scope(${cxxfilt} "${symbols}" symbols "${exports_needless}")
   set(${result} ${symbols} PARENT_SCOPE)

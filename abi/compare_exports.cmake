@@ -12,8 +12,10 @@ exports_read(${CMAKE_CURRENT_LIST_DIR}/surveydata.exports)
 
 exports_of_shared_library(${READELF} ${SHARED_LIBRARY} versioned)
 set(exported ${versioned})
-list(FILTER versioned EXCLUDE REGEX "@@SURVEYDATA_1$")
-exports_complain(${CXXFILT} "Exported without the version SURVEYDATA_1:" "${versioned}")
+list(FILTER versioned EXCLUDE REGEX "^_Z.*@@SURVEYDATA_1$|${exports_c}[a-z_]*@@SURVEYDATA_C_1$")
+exports_complain(${CXXFILT}
+  "Exported without the version SURVEYDATA_1, or SURVEYDATA_C_1 for the C interface:"
+  "${versioned}")
 list(TRANSFORM exported REPLACE "@.*" "")
 if(NOT exported OR NOT exports_elf)
   message(FATAL_ERROR "no symbols found")

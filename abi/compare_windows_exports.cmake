@@ -1,5 +1,5 @@
 # Checks the export table of the Windows library: every symbol is exported by its ordinal in the
-# list, and none by name.
+# list, and only the functions of the C interface by name as well.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
@@ -10,12 +10,18 @@ execute_process(COMMAND ${OBJDUMP} -p ${SHARED_LIBRARY}
 if(NOT table MATCHES "Name Pointer/Ordinal. Table[ \t]+([0-9a-f]+)")
   message(FATAL_ERROR "${SHARED_LIBRARY} has no export table")
 endif()
+set(names "")
 if(NOT CMAKE_MATCH_1 STREQUAL "00000000")
-  string(REGEX REPLACE ".*Ordinal/Name Pointer. Table\n" "" names "${table}")
+  string(REGEX REPLACE ".*Ordinal/Name Pointer. Table[^\n]*\n" "" names "${table}")
   string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z0-9_]+" names "${names}")
   list(TRANSFORM names REPLACE ".* " "")
-  exports_complain(${CXXFILT} "Exported by name. Run abi/update_exports:" "${names}")
 endif()
+set(named ${exports_windows})
+list(FILTER named INCLUDE REGEX "${exports_c}")
+exports_difference(surplus "${names}" "${named}")
+exports_complain(${CXXFILT} "Exported by name. Run abi/update_exports:" "${surplus}")
+exports_difference(missing "${named}" "${names}")
+exports_complain(${CXXFILT} "Not exported by name:" "${missing}")
 
 # The address of each ordinal, and the address of each symbol. Identical functions may share an
 # address.
@@ -33,9 +39,10 @@ foreach(header IN LISTS headers)
   string(REGEX REPLACE ".* ([0-9a-f]+) $" "\\1" address "${header}")
   math(EXPR base_${section} "0x${address} - ${image_base}")
 endforeach()
-string(REGEX MATCHALL "\\(sec +[0-9]+\\)[^\n]* 0x[0-9a-f]+ _Z[A-Za-z0-9_]+" symbols "${symbols}")
+string(REGEX MATCHALL "\\(sec +[0-9]+\\)[^\n]* 0x[0-9a-f]+ (_Z|surveydata_)[A-Za-z0-9_]+"
+  symbols "${symbols}")
 foreach(line IN LISTS symbols)
-  string(REGEX MATCH "sec +([0-9]+).* 0x([0-9a-f]+) (_Z.*)" ignored "${line}")
+  string(REGEX MATCH "sec +([0-9]+).* 0x([0-9a-f]+) ((_Z|surveydata_).*)" ignored "${line}")
   set(name ${CMAKE_MATCH_3})
   math(EXPR rva_of_${name} "${base_${CMAKE_MATCH_1}} + 0x${CMAKE_MATCH_2}")
 endforeach()

@@ -21,16 +21,18 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 NAMESPACES = ("API", "SDI", "ODM")
+C_INTERFACE = "surveydata_"
 MEMBERS = ("CXXMethodDecl", "CXXConstructorDecl", "CXXDestructorDecl", "CXXConversionDecl")
 VALUES = ("FixedStringC", "VersionC")
 
 
 def declarations(clang):
-    """Yields the declarations of each namespace. clang prints consecutive JSON objects."""
+    """Yields the declarations of each namespace and of the C interface. clang prints consecutive JSON
+    objects."""
     command = [clang, "-std=c++20", "-fsyntax-only", "-x", "c++", f"-I{ROOT}", "-Xclang",
                "-ast-dump=json", ROOT / "surveydata/surveydata.h", "-Xclang"]
-    for namespace in NAMESPACES:
-        text = subprocess.run(command + [f"-ast-dump-filter={namespace}::"], check=True,
+    for prefix in [f"{namespace}::" for namespace in NAMESPACES] + [C_INTERFACE]:
+        text = subprocess.run(command + [f"-ast-dump-filter={prefix}"], check=True,
                               capture_output=True, text=True).stdout
         decoder = json.JSONDecoder()
         at = 0
@@ -141,6 +143,8 @@ def windows_name(symbol):
     """The same symbol on Windows. 64-bit types and sizes, `long` and `unsigned long` on ELF systems, are
     `long long` and `unsigned long long` there, and FILE has another name."""
     result = ""
+    if symbol.startswith(C_INTERFACE):
+        return symbol
     while symbol:
         # A length with its name, a literal, a substitution, or one letter.
         token = re.match(r"\d+|L[a-z]\d+E|S[0-9A-Z]*_|S[a-z]|.", symbol)[0]

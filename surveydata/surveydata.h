@@ -4,6 +4,7 @@
 /// \file
 /// Includes all public headers of the library.
 
+#include <surveydata/c_interface/surveydata.h>
 #include <surveydata/geodetic/coordinate_point.h>
 #include <surveydata/geodetic/coordinate_quality.h>
 #include <surveydata/geodetic/coordinate_reference_system.h>

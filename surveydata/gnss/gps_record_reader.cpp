@@ -52,7 +52,8 @@ struct GPSRecordReaderC::State {
   std::FILE* file = nullptr;  // opened here
   GPSReaderState state = GPSReaderState::kOpen;
   bool hasBegun = false;
-  std::size_t found = 0;  // the size of the record at the front of the walk, which comes next
+  std::size_t found = 0;   // the size of the record at the front of the walk, which comes next
+  std::uint64_t next = 0;  // where the next entry begins: reading may throw in the middle of a gap
   std::span<const std::uint8_t> bytes;
   bool isToDecode = false;  // once it is asked for
   GPSRecordC record;
@@ -68,7 +69,8 @@ bool GPSRecordReaderC::State::GoToBegin() {
     return false;
   }
   walk.SetDamage(damage.IsOn() ? &damage : nullptr);  // not while looking back
-  hasBegun = true;                                    // not before: reading may have thrown
+  next = walk.GetOffset();
+  hasBegun = true;  // not before: reading may have thrown
   return true;
 }
 
@@ -93,6 +95,7 @@ void GPSRecordReaderC::State::Take(std::size_t count) {
   bytes = {walk.GetFront(), count};
   walk.Pass(count);
   found = 0;
+  next = walk.GetOffset();
 }
 
 void GPSRecordReaderC::State::Decode() {
@@ -153,6 +156,9 @@ void GPSRecordReaderC::SetReportDamaged(ReportDamaged report) {
   state.damage.SetReport(std::move(report));
   if (state.hasBegun) state.walk.SetDamage(state.damage.IsOn() ? &state.damage : nullptr);
 }
+void GPSRecordReaderC::SetReportProgress(ReportProgress report) {
+  state_->walk.SetProgress(std::move(report));
+}
 const GPSRecordC& GPSRecordReaderC::GetRecord() const {
   if (state_->isToDecode) state_->Decode();
   return state_->record;
@@ -180,13 +186,14 @@ bool GPSRecordReaderC::NextEntry(GPSRecordEntry& entry) {
   State& state = *state_;
   state.Leave();
   if (!state.GoToBegin()) return false;
-  const RecordWalk::WalkC& walk = state.walk;
-  const std::uint64_t start = walk.GetOffset();
   const std::size_t size = state.FindRecord();
+  const std::uint64_t start = state.next;
   if (start >= state.stretch.end) return false;
+  const RecordWalk::WalkC& walk = state.walk;
   const std::uint64_t gap = std::min(walk.GetOffset(), state.stretch.end) - start;
   if (gap != 0) {
     entry = {start, gap, true, 0};
+    state.next += gap;
     return true;
   }
   if (size == 0) return false;

@@ -87,6 +87,7 @@ class SURVEYDATA_API GPSRecordReaderC {
   /// exception passes through the reader, which can go on afterwards.
   using ReadAt = std::function<std::ptrdiff_t(std::uint64_t offset, std::span<std::uint8_t> to)>;
   using ReportDamaged = std::function<void(const GPSDamagedHeader& header)>;
+  using ReportProgress = std::function<void(std::uint64_t offset)>;
   class Iterator;
 
   /// Reads a file, or a pipe that has a name. `fileName` is the whole name.
@@ -111,6 +112,10 @@ class SURVEYDATA_API GPSRecordReaderC {
   /// before the record that ends their gap, or the gap itself, is given. Without a function it
   /// reports no more.
   void SetReportDamaged(ReportDamaged report);
+  /// Makes the reader tell about every mebibyte how far it has come, also while it looks back from
+  /// a stretch. An exception of the function passes through the reader, which can go on afterwards.
+  /// Without a function it tells no more.
+  void SetReportProgress(ReportProgress report);
 
   /// Goes on to the next measurement, which is `GetRecord()` then. False when there is none.
   bool Next();

@@ -84,18 +84,22 @@ bool WalkC::HasFailed() const {
   return window_.GetSource() != nullptr && window_.GetSource()->HasFailed();
 }
 
-std::size_t WalkC::FindRecord(std::uint64_t limit) {
+std::size_t WalkC::FindRecord(std::uint64_t limit) { return Find(limit, damage_); }
+
+// With headers taken, or without.
+std::size_t WalkC::Find(std::uint64_t limit, DamageFinderC* damage) {
   while (window_.GetOffset() < limit) {
+    if (window_.GetOffset() >= progressAt_) ReportProgress();
     if (!window_.Need(1)) {
-      if (damage_ != nullptr) PassEnd();
+      if (damage != nullptr) PassEnd();
       return 0;
     }
     const std::size_t size = RecordSize();
     if (size != 0) {
-      if (damage_ != nullptr) PassRecord();
+      if (damage != nullptr) PassRecord();
       return size;
     }
-    if (damage_ != nullptr) TakeDamage();
+    if (damage != nullptr) TakeDamage();
     const std::uint64_t left = limit - window_.GetOffset();
     window_.Advance(static_cast<std::size_t>(std::min<std::uint64_t>(ToNextCandidate(), left)));
   }
@@ -123,21 +127,26 @@ void WalkC::PassEnd() {
 }
 
 void WalkC::SettleDamage() {
-  DamageFinderC* const damage = std::exchange(damage_, nullptr);  // no further headers
-  if (damage == nullptr) return;
-  while (damage->IsOpen()) {
-    const std::size_t size = FindRecord(damage->GetOpenEnd());
-    damage_ = damage;
+  while (damage_ != nullptr && damage_->IsOpen()) {
+    const std::size_t size = Find(damage_->GetOpenEnd(), nullptr);  // no further headers
     if (size != 0) {
       PassRecord();
     } else if (!window_.Need(1)) {
       PassEnd();
     } else {
-      damage->Pass(window_.GetOffset());
+      damage_->Pass(window_.GetOffset());
     }
-    damage_ = nullptr;
   }
-  damage_ = damage;
+}
+
+void WalkC::SetProgress(std::function<void(std::uint64_t)> report) {
+  progress_ = std::move(report);
+  progressAt_ = progress_ != nullptr ? window_.GetOffset() + kProgress : kNoLimit;
+}
+
+void WalkC::ReportProgress() {
+  progressAt_ = window_.GetOffset() + kProgress;  // before the report, which may throw
+  progress_(window_.GetOffset());
 }
 
 bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
@@ -147,6 +156,7 @@ bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
   for (std::uint64_t back = 2 * kLongestRecord;; back *= 2) {
     const std::uint64_t first = back < begin ? begin - back : 0;
     window_.GoTo(first, end);
+    if (progress_ != nullptr) progressAt_ = first + kProgress;
     sums_.Clear();
     inVain_ = kNoLimit;  // the short records of walks that began in different places overlap
     if (first == 0 || MeetOne(first, begin)) break;
@@ -172,6 +182,7 @@ bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
     const auto place = static_cast<std::size_t>(at % kRing);
     const bool isAhead = ahead[place];
     if (!isInRun && count == 1 && isAhead) return true;
+    if (at >= progressAt_) ReportProgress();
     if (!window_.Need(1)) return true;  // all walks meet at the end
     if (isAhead) {
       ahead[place] = false;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -124,10 +125,17 @@ class WalkC {
   /// Walks on, past the limit of the walk, until every header that was taken is reported.
   void SettleDamage();
 
+  /// Makes the walk call `report` with its offset, about every `kProgress` bytes. Without a
+  /// function it reports no more.
+  void SetProgress(std::function<void(std::uint64_t)> report);
+  static constexpr std::uint64_t kProgress = std::uint64_t{1} << 20;
+
   /// How many bytes were summed up so far, each as often as it was.
   std::uint64_t GetSummed() const { return summedAtOnce_ + sums_.GetSummed(); }
 
  private:
+  std::size_t Find(std::uint64_t limit, DamageFinderC* damage);
+  void ReportProgress();
   std::size_t RecordSize();
   void TakeDamage();
   void PassRecord();
@@ -138,6 +146,8 @@ class WalkC {
   WindowC window_;
   ByteSumsC sums_;
   DamageFinderC* damage_ = nullptr;
+  std::function<void(std::uint64_t)> progress_;
+  std::uint64_t progressAt_ = kNoLimit;  // where it is reported next
 
   static constexpr std::size_t kShort = 1024;
   std::uint64_t start_ = 0;   // of the walk

@@ -3,7 +3,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 # The library: the subsystems that each subsystem may include.
-set(subsystems object_model platform sphere_geometry geodetic total_station imaging gnss scanning)
+set(subsystems object_model platform sphere_geometry geodetic total_station imaging gnss scanning
+  c_interface)
 set(object_model_may "")
 set(platform_may "")
 set(sphere_geometry_may "")
@@ -12,6 +13,7 @@ set(total_station_may object_model)
 set(imaging_may object_model)
 set(gnss_may object_model geodetic total_station imaging platform)
 set(scanning_may object_model sphere_geometry)
+set(c_interface_may object_model gnss scanning sphere_geometry)
 # The other headers that it may include besides those of the standard library.
 set(library_outside "^boost/(endian|numeric|core/noncopyable|noncopyable)")
 

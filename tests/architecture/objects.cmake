@@ -77,7 +77,7 @@ set(checked "__(${memory}|fread)_chk")  # the same with FORTIFY
 string(CONCAT runtime
   "_Z(nw|dl|na|da)[A-Za-z0-9_]*|_ZSt[0-9]+__throw_[A-Za-z0-9_]*|_ZSt9terminatev|_ZSt7nothrow"
   "|_ZSt21__glibcxx_assert_fail[A-Za-z0-9_]*|_ZSt20__throw_[A-Za-z0-9_]*"
-  "|_ZT[IVS](N10__cxxabiv1[A-Za-z0-9_]*|St9exception|St8bad_cast|St9bad_alloc|St11logic_error)"
+  "|_ZT[IVS](N10__cxxabiv1[A-Za-z0-9_]*|St9exception|St8bad_cast|St9bad_alloc|St11logic_error|St12length_error)"
   "|_ZNK?St(9exception|8bad_cast|9bad_alloc|11logic_error)[A-Za-z0-9_]*"
   "|_ZNK?St7__cxx1112basic_stringIcSt11char_traitsIcESaIcEE[A-Za-z0-9_]*|_ZSt[0-9]+_Rb_tree_[A-Za-z0-9_]*")
 set(allowed "${numbers}|${memory}|${texts}|${language}|${checked}|${runtime}")

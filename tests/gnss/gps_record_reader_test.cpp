@@ -532,6 +532,123 @@ TEST(RecordReader, AReportThatThrowsLosesNoHeader) {
   EXPECT_EQ(damaged, RecordModel::Damaged(bytes));
 }
 
+// Throws in every second call.
+class NowAndThenC {
+ public:
+  void operator()() {
+    if (++calls_ % 2 == 0) throw std::runtime_error("now and then");
+  }
+  int GetThrown() const { return calls_ / 2; }
+
+ private:
+  int calls_ = 0;
+};
+
+// Reads on after each exception.
+ReaderWalks::Listed ListDespite(GPSRecordReaderC& reader, NowAndThenC& nowAndThen) {
+  ReaderWalks::Listed listed;
+  reader.SetReportDamaged([&](const GPSDamagedHeader& header) {
+    listed.damaged.push_back(header);
+    nowAndThen();
+  });
+  for (bool isLeft = true; isLeft;) {
+    try {
+      GPSRecordEntry entry;
+      isLeft = reader.NextEntry(entry);
+      if (isLeft) listed.entries.push_back(entry);
+    } catch (const std::runtime_error&) {
+    }
+  }
+  return listed;
+}
+
+TEST(RecordReader, WhateverThrowsNothingIsLostOrGivenTwice) {
+  std::mt19937_64 random(20260125);
+  for (int round = 0; round < 20; ++round) {
+    // Several blocks, gaps with damaged headers across their borders.
+    ByteVector bytes;
+    while (bytes.size() < 700'000) {
+      Append(bytes, MixedFile(random, 20));
+      bytes.resize(bytes.size() + random() % 70'000, 0x9C);
+    }
+    const auto read = Chunks(bytes, bytes.size());
+    NowAndThenC nowAndThen;
+    const auto readOrThrow = [&](std::uint64_t offset, std::span<std::uint8_t> to) {
+      nowAndThen();
+      return read(offset, to);
+    };
+    GPSRecordReaderC whole(readOrThrow, bytes.size());
+    const ReaderWalks::Listed expected{RecordModel::Walk(bytes), RecordModel::Damaged(bytes)};
+    EXPECT_EQ(ListDespite(whole, nowAndThen), expected);
+    // A stretch settles its damaged headers after its end.
+    const std::uint64_t cut = random() % (bytes.size() + 1);
+    GPSRecordReaderC first(readOrThrow, bytes.size(), {0, cut});
+    ReaderWalks::Listed joined = ListDespite(first, nowAndThen);
+    GPSRecordReaderC second(readOrThrow, bytes.size(), {cut, bytes.size()});
+    ReaderWalks::Join(joined, ListDespite(second, nowAndThen));
+    EXPECT_EQ(joined, expected);
+    EXPECT_GT(nowAndThen.GetThrown(), 0);
+  }
+}
+
+TEST(RecordReader, TellsHowFarItHasCome) {
+  constexpr std::uint64_t kMebibyte = 1U << 20;
+  ByteVector bytes;
+  while (bytes.size() < 4'500'000) Append(bytes, FrameOf(400));
+  const TempFileC file(bytes);
+  const std::span<const std::uint8_t> memory(bytes);
+  const auto check = [&](GPSRecordReaderC& reader, std::uint64_t begin, std::size_t calls) {
+    std::vector<std::uint64_t> offsets;
+    reader.SetReportProgress([&](std::uint64_t offset) { offsets.push_back(offset); });
+    while (reader.Next()) {
+    }
+    ASSERT_EQ(offsets.size(), calls);
+    for (std::size_t i = 0; i < calls; ++i) {
+      EXPECT_GE(offsets[i], begin + (i + 1) * kMebibyte);
+      EXPECT_LT(offsets[i], begin + (i + 1) * kMebibyte + (i + 1) * 500);
+    }
+  };
+  GPSRecordReaderC fromMemory(memory);
+  check(fromMemory, 0, 4);
+  GPSRecordReaderC fromFile(file.Path().string().c_str());
+  check(fromFile, 0, 4);
+  // A stretch begins before its first byte, where it looks back.
+  GPSRecordReaderC stretch(memory, {3 * kMebibyte, bytes.size()});
+  check(stretch, 3 * kMebibyte - 2 * 65'537, 1);
+
+  GPSRecordReaderC silent(memory);
+  int calls = 0;
+  silent.SetReportProgress([&](std::uint64_t) { ++calls; });
+  silent.SetReportProgress(nullptr);
+  EXPECT_TRUE(silent.Next());
+  while (silent.Next()) {
+  }
+  EXPECT_EQ(calls, 0);
+}
+
+// Also where a stretch has to be read from the start of the source, in which nothing else is heard
+// of.
+TEST(RecordReader, CanBeStoppedWhileItLooksBack) {
+  std::mt19937_64 random(20260126);
+  const ByteVector bytes = ReaderWalks::ChainOf(100, 50, 6'000'000, random);
+  const std::span<const std::uint8_t> memory(bytes);
+  const auto first = [&](bool stops) {
+    GPSRecordReaderC reader(memory, {5'500'000, bytes.size()});
+    int left = stops ? 3 : 0;
+    reader.SetReportProgress([&](std::uint64_t) {
+      if (left-- > 0) throw std::runtime_error("stop");
+    });
+    for (;;) {
+      try {
+        return reader.Next() ? reader.GetRecord().GetOffset() : 0;
+      } catch (const std::runtime_error&) {
+      }
+    }
+  };
+  EXPECT_GE(first(false), 5'500'000U);
+  EXPECT_EQ(first(true), first(false));
+}
+
 TEST(RecordReader, AFileThatShrinksEndsEarlier) {
   ByteVector bytes;
   while (bytes.size() < 1'000'000) Append(bytes, FrameOf(20));

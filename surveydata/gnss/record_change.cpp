@@ -1,0 +1,60 @@
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include <surveydata/gnss/frame_blocks.h>
+#include <surveydata/gnss/record_change.h>
+
+namespace SDI::RecordFrame {
+namespace {
+
+// False when the name has no place in a frame.
+bool TakeName(std::string_view text, GPSRecordFileInfo& info) {
+  if (text.size() > sizeof(info.name) || text.find('\0') != text.npos) return false;
+  text.copy(info.name, text.size());
+  GPSMeasDataImplC measurement;
+  Source from{measurement, info};
+  Name().Load(from);
+  return !from.IsRefused();
+}
+
+}  // namespace
+
+bool Change(std::span<std::uint8_t> frame, const Changes& changes) {
+  Times times;
+  FrameCursorC in(frame.subspan(kHeaderSize));
+  times.Walk(in);
+  const auto has = [&](Block block) { return (times.flags1 & Blocks1::BitOf(block)) != 0; };
+  GPSRecordFileInfo info;
+  if ((changes.name || changes.number) && !has(Block::kName)) return false;
+  if (changes.name && !TakeName(*changes.name, info)) return false;
+  if (changes.antenna && !has(Block::kAntennaHeight)) return false;
+  if (changes.antenna && !std::isfinite(changes.antenna->height)) return false;
+
+  std::array<Field, 4> fields{};  // the magic is not reached
+  std::size_t count = 0;
+  if (changes.name) fields[count++] = Field::kName;
+  if (changes.number) fields[count++] = Field::kNumber;
+  if (changes.antenna) {
+    fields[count++] = Field::kHeight;
+    fields[count++] = Field::kHeightKind;
+  }
+  // The first three blocks of a frame, in their order.
+  FramePatchC out(frame.subspan(kBlocksAt), std::span(fields).first(count));
+  if (has(Block::kFileFlags)) FileFlags().Walk(out);
+  if (has(Block::kName)) {
+    info.number = changes.number.value_or(0);
+    Name name;
+    name.Take(info);
+    name.Walk(out);
+  }
+  if (has(Block::kAntennaHeight) && changes.antenna) {
+    AntennaHeight antenna{changes.antenna->height,
+                          changes.antenna->isSlant ? kSlantHeight : std::uint8_t{0}};
+    antenna.Walk(out);
+  }
+  Build(frame, kType, kNoSubType, frame.size() - kHeaderSize - kChecksumSize);
+  return true;
+}
+
+}  // namespace SDI::RecordFrame

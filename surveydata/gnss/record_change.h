@@ -1,0 +1,36 @@
+#ifndef SURVEYDATA_GNSS_RECORD_CHANGE_H_
+#define SURVEYDATA_GNSS_RECORD_CHANGE_H_
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+/// \file
+/// Internal: rewrites single fields of a measurement frame.
+
+namespace SDI::RecordFrame {
+
+/// What to change in a frame; what is left empty stays as it is.
+struct Changes {
+  struct Antenna {
+    float height;  ///< m
+    bool isSlant;
+  };
+
+  std::optional<std::string_view> name;  ///< UTF-8, as in `GPSRecordFileInfo`.
+  std::optional<std::int32_t> number;
+  std::optional<Antenna> antenna;
+};
+
+/// Rewrites the fields that the changes name, and the checksum; every other byte stays.
+///
+/// \param frame  whole, of a measurement, and all of its blocks fit.
+/// \return false, with nothing changed, when the frame has no block for a change, the name has more
+///         than 17 units or 49 bytes or would not come back byte for byte, or the height is not
+///         finite.
+bool Change(std::span<std::uint8_t> frame, const Changes& changes);
+
+}  // namespace SDI::RecordFrame
+
+#endif  // SURVEYDATA_GNSS_RECORD_CHANGE_H_
