@@ -6,8 +6,8 @@
 
 #include <surveydata/c_interface/surveydata.h>
 
-/* Checks of the tests in C. A check that fails is reported, and the test goes on; `check_result` is what
-   `main` returns. */
+/* Checks of the tests in C. A check that fails is reported, and the test goes on; `check_result` is
+   what `main` returns. */
 
 static int check_count = 0;
 static int check_failures = 0;
@@ -19,8 +19,8 @@ static inline void check(int holds, const char* what, const char* file, int line
   fprintf(stderr, "%s:%d: not so: %s\n", file, line, what);
 }
 
-static inline void check_status(surveydata_status actual, surveydata_status expected, const char* what,
-                         const char* file, int line) {
+static inline void check_status(surveydata_status actual, surveydata_status expected,
+                                const char* what, const char* file, int line) {
   ++check_count;
   if (actual == expected) return;
   ++check_failures;

@@ -5,9 +5,9 @@
 #include "check.h"
 #include "frames.h"
 
-/* A file of everything: a gap with a header whose checksum is wrong, a measurement, another record, a
-   record of the measurements' type that is too long for one, a gap with a header that runs into the next
-   record, a measurement, and a header that the end cuts. */
+/* A file of everything: a gap with a header whose checksum is wrong, a measurement, another record,
+   a record of the measurements' type that is too long for one, a gap with a header that runs into
+   the next record, a measurement, and a header that the end cuts. */
 enum {
   GAP_1 = 30,
   FRAME_1 = 19,
@@ -188,9 +188,9 @@ static void test_limits_of_stretches(void) {
   CHECK_STATUS(surveydata_reader_open_bytes(bytes, FILE_SIZE, 30, 30, &reader), SURVEYDATA_OK);
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
   surveydata_reader_close(reader);
-  CHECK_STATUS(surveydata_reader_open_bytes(bytes, FILE_SIZE, SURVEYDATA_NO_END, SURVEYDATA_NO_END,
-                                            &reader),
-               SURVEYDATA_OK);
+  CHECK_STATUS(
+      surveydata_reader_open_bytes(bytes, FILE_SIZE, SURVEYDATA_NO_END, SURVEYDATA_NO_END, &reader),
+      SURVEYDATA_OK);
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
   surveydata_reader_close(reader);
   /* One byte: the record that begins there. */
@@ -281,8 +281,8 @@ static void test_files(void) {
 typedef struct bytes_source {
   const uint8_t* bytes;
   size_t size;
-  size_t most;     /* bytes at a time */
-  int64_t answer;  /* given at `answer_at` instead of bytes */
+  size_t most;    /* bytes at a time */
+  int64_t answer; /* given at `answer_at` instead of bytes */
   uint64_t answer_at;
   int answers; /* how often */
   int released;
