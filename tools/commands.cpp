@@ -9,12 +9,17 @@ Command MakeCommands() {
   top.name = "surveydata";
   top.description = "Works with the record files and the scan areas of a surveying instrument.";
   top.footer =
-      "Exit codes: 0 done, 1 a finding (a bad frame, a gap, an area that is not valid, a "
-      "direction\n"
-      "outside), 2 wrong usage, 3 a file cannot be read or written.\n\n"
+      "Exit codes:\n"
+      "  0  done\n"
+      "  1  a finding of what was asked: a gap, a bad frame or no measurement in a record file,\n"
+      "     no measurement frame at an offset, an area that is not valid (area info),\n"
+      "     a direction outside\n"
+      "  2  wrong usage\n"
+      "  3  a file cannot be read or written, or there is not enough memory\n"
+      "  4  cannot be asked: the area is not valid (area contains, outline, plot)\n\n"
       "Example:\n  surveydata record --help";
   top.options = {{.names = {"--version"},
-                  .description = "Display program version information and exit",
+                  .description = "Print the version of the program and exit",
                   .text = "surveydata " SURVEYDATA_VERSION}};
   top.commands = {RecordCommands(), AreaCommands()};
   AddPathsAndHelp(top);

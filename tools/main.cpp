@@ -1,4 +1,5 @@
 #include <exception>
+#include <new>
 
 #include <command_line/exit_code.h>
 #include <command_line/message.h>
@@ -29,8 +30,10 @@ int main(int argc, char** argv) {
   try {
     result = Run(argc, argv);
   } catch (const Tool::ToolErrorC& error) {
-    Tool::Tell(error.what());
+    Tool::Tell(error.what(), error.GetHint());
     result = error.GetCode();
+  } catch (const std::bad_alloc&) {
+    Tool::Tell("there is not enough memory");
   } catch (const std::exception& error) {  // a file that cannot be read or written
     Tool::Tell(error.what());
   }

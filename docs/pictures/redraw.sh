@@ -6,11 +6,11 @@ here=$(cd "$(dirname "$0")" && pwd)
 out=$(cd "${1:-$here}" && pwd)
 data=$here/../../tests/data
 
-# An invalid area is drawn too, with exit code 1.
+# An invalid area is drawn too, with exit code 4.
 plot() {
   local area=$1 picture=$2
   shift 2
-  surveydata area plot "$area" -o "$out/$picture.svg" "$@" 2>/dev/null || [ $? -eq 1 ]
+  surveydata area plot "$area" -o "$out/$picture.svg" "$@" 2>/dev/null || [ $? -eq 4 ]
 }
 rule() {
   local name=$1

@@ -1,11 +1,13 @@
-// A file of directions of any bytes gives, line by line, the same directions as a plain parser of
-// the format, up to the first line that is refused.
+// A table of directions of any bytes gives, line by line, the same directions and cells as a plain
+// parser of the format, up to the first line that is refused.
 
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -17,7 +19,7 @@
 
 namespace {
 
-constexpr std::size_t kLongestLine = 4094;  // without its end
+constexpr std::size_t kLongestLine = 65'535;  // without its end
 
 std::string Trimmed(const std::string& text) {
   const char* const blanks = " \t\r\n";
@@ -57,70 +59,152 @@ std::size_t NumberAt(const std::string& text, double& number) {
   return at;
 }
 
-// Blanks with at most one comma or semicolon among them.
-std::size_t SeparatorAt(const std::string& text) {
-  std::size_t at = 0;
-  const auto blanks = [&] {
-    while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) ++at;
-  };
-  blanks();
-  if (at < text.size() && (text[at] == ',' || text[at] == ';')) {
-    ++at;
-    blanks();
-  }
-  return at;
-}
-
-// A plus sign is skipped, but not before a minus sign.
-std::size_t SignedNumberAt(const std::string& text, double& number) {
+// The text as a number; a plus sign may precede it, but not another sign.
+std::optional<double> NumberIn(const std::string& text) {
   const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
-  const std::size_t size = NumberAt(hasPlus ? text.substr(1) : text, number);
-  return size != 0 && hasPlus ? size + 1 : size;
-}
-
-std::optional<Tool::Direction> DirectionIn(std::string text) {
-  Tool::Direction direction{};
-  const std::size_t hz = SignedNumberAt(text, direction.hz);
-  if (hz == 0) return {};
-  text.erase(0, hz);
-  const std::size_t separator = SeparatorAt(text);
-  if (separator == 0) return {};
-  const bool isComma = text.substr(0, separator).find(',') != std::string::npos;
-  text.erase(0, separator);
-  const std::size_t v = SignedNumberAt(text, direction.v);
-  if (v == 0) return {};
-  text.erase(0, v);
-  if (text.empty()) return direction;
-  const std::size_t next = SeparatorAt(text);
-  if (next == 0) return {};
-  const bool isNextComma = text.substr(0, next).find(',') != std::string::npos;
-  text.erase(0, next);
-  double third = 0;
-  // A comma that could be a decimal separator.
-  if (isComma && !isNextComma && SignedNumberAt(text, third) != 0) return {};
-  return direction;
-}
-
-// Whether the first field, quoted or not, is a number, infinity or none.
-bool BeginsWithNumber(std::string text) {
-  if (text[0] == '"') text = Trimmed(text.substr(1));
+  const std::string rest = hasPlus ? text.substr(1) : text;
   double number = 0;
-  std::size_t size = NumberAt(text, number);
-  if (size == 0) {
-    std::string word = text.substr(0, 9);
-    for (char& c : word) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const std::size_t sign = word.starts_with('-') ? 1 : 0;
-    word.erase(0, sign);
-    for (const char* const name : {"infinity", "inf", "nan"}) {
-      if (!word.starts_with(name)) continue;
-      size = sign + std::string(name).size();
-      break;
-    }
-    if (word.starts_with("nan(")) g_isAtTheLimits = true;  // runtimes differ
-    if (size == 0) return false;
-  }
-  return size == text.size() || std::isalnum(static_cast<unsigned char>(text[size])) == 0;
+  const std::size_t size = NumberAt(rest, number);
+  if (size == 0 || size != rest.size() || !std::isfinite(number)) return {};
+  return number;
 }
+
+// The kinds of separators in a line, outside quotes.
+std::set<char> SeparatorsIn(const std::string& text) {
+  std::set<char> found;
+  int quotes = 0;
+  for (const char c : text) {
+    if (c == '"') ++quotes;
+    if (quotes % 2 == 0 && (c == ',' || c == ';' || c == '\t')) found.insert(c);
+  }
+  return found;
+}
+
+using Cells = std::vector<std::string>;
+
+// The cells of a line without blanks around it; empty where a quotation mark is misplaced.
+std::optional<Cells> CellsIn(std::string rest, char separator) {
+  const std::string separators = separator == ' ' ? " \t" : std::string(1, separator);
+  Cells cells;
+  for (;;) {
+    if (separator != ' ') {
+      while (!rest.empty() && (rest[0] == ' ' || rest[0] == '\t') && rest[0] != separator) {
+        rest.erase(0, 1);
+      }
+    }
+    std::string cell;
+    if (!rest.empty() && rest[0] == '"') {
+      rest.erase(0, 1);
+      for (;;) {
+        const std::size_t quote = rest.find('"');
+        if (quote == std::string::npos) return {};
+        cell += rest.substr(0, quote);
+        rest.erase(0, quote + 1);
+        if (rest.empty() || rest[0] != '"') break;
+        cell += '"';
+        rest.erase(0, 1);
+      }
+      const std::size_t next = rest.find_first_of(separators);
+      if (!Trimmed(rest.substr(0, next)).empty()) return {};
+      if (rest.substr(0, next).find('\r') != std::string::npos) return {};
+      rest.erase(0, next);
+    } else {
+      const std::size_t next = rest.find_first_of(separators);
+      cell = Trimmed(rest.substr(0, next));
+      rest.erase(0, next);
+    }
+    cells.push_back(cell);
+    if (rest.empty()) return cells;
+    rest.erase(0, separator == ' ' ? rest.find_first_not_of(separators) : 1);
+  }
+}
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+  }
+  return text;
+}
+
+// What a table holds.
+struct Table {
+  struct Row {
+    double hz;
+    double v;
+    Cells cells;
+  };
+  std::vector<Row> rows;
+  std::optional<int> fault;  // the line that is refused
+};
+
+class TableParserC {
+ public:
+  Table Parse(std::string rest) {
+    for (int number = 1; !rest.empty(); ++number) {
+      const std::size_t end = rest.find('\n');
+      const std::string line = rest.substr(0, end);
+      rest.erase(0, end == std::string::npos ? rest.size() : end + 1);
+      const bool isFine = line.size() <= kLongestLine && line.find('\0') == std::string::npos;
+      if (!isFine || !Take(line, number == 1)) {
+        table_.fault = number;
+        break;
+      }
+    }
+    return table_;
+  }
+
+ private:
+  bool Take(const std::string& line, bool isFirst) {
+    std::string text = Trimmed(line);
+    if (isFirst && text.starts_with("\xEF\xBB\xBF")) text = Trimmed(text.substr(3));
+    if (text.empty()) return true;
+    if (text[0] == '#' && (columns_ == 0 || hz_ == 0 || v_ == 0)) return true;
+    const bool isLayout = columns_ == 0;
+    if (isLayout) {
+      const std::set<char> separators = SeparatorsIn(text);
+      if (separators.size() > 1) return false;
+      separator_ = separators.empty() ? ' ' : *separators.begin();
+    }
+    const auto cells = CellsIn(text, separator_);
+    if (!cells) return false;
+    if (isLayout) {
+      columns_ = cells->size();
+      if (columns_ != 2 || !NumberIn((*cells)[0]) || !NumberIn((*cells)[1])) {
+        return TakeHeading(*cells);
+      }
+    }
+    if (cells->size() != columns_) return false;
+    const auto hz = NumberIn((*cells)[hz_]);
+    const auto v = NumberIn((*cells)[v_]);
+    if (!hz || !v) return false;
+    table_.rows.push_back({*hz, *v, *cells});
+    return true;
+  }
+
+  bool TakeHeading(const Cells& cells) {
+    std::set<std::string> names;
+    bool hasHz = false;
+    bool hasV = false;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const std::string name = LowerCase(cells[i]);
+      if (!name.empty() && !names.insert(name).second) return false;
+      if (name == "hz") {
+        hasHz = true;
+        hz_ = i;
+      } else if (name == "v") {
+        hasV = true;
+        v_ = i;
+      }
+    }
+    return hasHz && hasV;
+  }
+
+  Table table_;
+  char separator_ = ',';
+  std::size_t columns_ = 0;
+  std::size_t hz_ = 0;
+  std::size_t v_ = 1;
+};
 
 }  // namespace
 
@@ -128,47 +212,28 @@ bool BeginsWithNumber(std::string text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   memory.Write(data, size);
-  Tool::DirectionReaderC reader(memory.Path());
-  std::string rest(reinterpret_cast<const char*>(data), size);
-  bool isHeadingAllowed = true;
-  for (int number = 1; !rest.empty(); ++number) {
-    const std::size_t end = rest.find('\n');
-    const std::string line = rest.substr(0, end);
-    rest.erase(0, end == std::string::npos ? rest.size() : end + 1);
-
-    std::string text = Trimmed(line);
-    if (number == 1 && text.starts_with("\xEF\xBB\xBF")) text = Trimmed(text.substr(3));
-    const bool isRefused = line.size() > kLongestLine || line.find('\0') != std::string::npos;
-    g_isAtTheLimits = false;
-    const auto expected = DirectionIn(text);
-    const bool isNumber = !text.empty() && BeginsWithNumber(text);
-    if (g_isAtTheLimits) return 0;
-    if (!isRefused) {
-      if (text.empty() || text[0] == '#') continue;
-      const bool isHeading =
-          isHeadingAllowed && !isNumber &&
-          (std::isalpha(static_cast<unsigned char>(text[0])) != 0 || text[0] == '"');
-      isHeadingAllowed = false;
-      if (!expected && isHeading) continue;
+  g_isAtTheLimits = false;
+  const Table expected =
+      TableParserC().Parse(std::string(reinterpret_cast<const char*>(data), size));
+  if (g_isAtTheLimits) return 0;
+  std::size_t count = 0;
+  try {
+    Tool::DirectionReaderC reader(memory.Path());
+    for (Tool::Direction direction{}; reader.Next(direction); ++count) {
+      if (count == expected.rows.size()) {
+        ADD_FAILURE() << "more directions than the file has";
+        return 0;
+      }
+      EXPECT_EQ(direction.hz, expected.rows[count].hz);
+      EXPECT_EQ(direction.v, expected.rows[count].v);
+      EXPECT_EQ(reader.GetCells(), expected.rows[count].cells);
     }
-    Tool::Direction direction{};
-    if (!isRefused && expected) {
-      EXPECT_TRUE(reader.Next(direction));
-      EXPECT_EQ(direction.hz, expected->hz);
-      EXPECT_EQ(direction.v, expected->v);
-      continue;
-    }
-    try {
-      reader.Next(direction);
-      ADD_FAILURE() << "line " << number << " is no direction: " << line;
-    } catch (const Tool::ToolErrorC& error) {
-      EXPECT_EQ(error.GetCode(), Tool::ExitCode::kFileError);
-      const std::string place = "line " + std::to_string(number) + " ";
-      EXPECT_NE(std::string(error.what()).find(place), std::string::npos) << error.what();
-    }
-    return 0;
+    EXPECT_FALSE(expected.fault.has_value()) << "line " << *expected.fault << " is not refused";
+  } catch (const Tool::ToolErrorC& error) {
+    EXPECT_EQ(error.GetCode(), Tool::ExitCode::kFileError);
+    const std::string place = "line " + std::to_string(expected.fault.value_or(0)) + " ";
+    EXPECT_NE(std::string(error.what()).find(place), std::string::npos) << error.what();
   }
-  Tool::Direction direction{};
-  EXPECT_FALSE(reader.Next(direction));
+  EXPECT_EQ(count, expected.rows.size());
   return 0;
 }

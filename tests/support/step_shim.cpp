@@ -183,6 +183,13 @@ extern "C" {
 [[gnu::visibility("default")]] int ftruncate(int file, off_t size) noexcept {
   return Call("ftruncate", file, size);
 }
+[[gnu::visibility("default")]] off_t lseek(int file, off_t offset, int whence) noexcept {
+  if (Enter("lseek") == Turn::kFail) return -1;
+  return Next<off_t (*)(int, off_t, int)>("lseek")(file, offset, whence);
+}
+[[gnu::visibility("default")]] int fseeko(FILE* file, off_t offset, int whence) {
+  return Call("fseeko", file, offset, whence);
+}
 [[gnu::visibility("default")]] int fsetxattr(int file, const char* name, const void* value,
                                              size_t size, int flags) noexcept {
   return Call("fsetxattr", file, name, value, size, flags);
@@ -238,6 +245,12 @@ extern "C" {
 }
 [[gnu::visibility("default")]] int ftruncate64(int file, off64_t size) noexcept {
   return ftruncate(file, size);
+}
+[[gnu::visibility("default")]] off64_t lseek64(int file, off64_t offset, int whence) noexcept {
+  return lseek(file, offset, whence);
+}
+[[gnu::visibility("default")]] int fseeko64(FILE* file, off64_t offset, int whence) {
+  return fseeko(file, offset, whence);
 }
 [[gnu::visibility("default")]] int stat64(const char* path, struct stat64* status) noexcept {
   static_assert(sizeof(struct stat) == sizeof(struct stat64));

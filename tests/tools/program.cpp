@@ -68,11 +68,11 @@ std::vector<nlohmann::json> JsonLines(std::string_view text) {
   return values;
 }
 
-std::string BadFramesTold(int count, const std::string& file) {
+std::string BadFramesTold(int count) {
   const bool isOne = count == 1;
   return "surveydata: " + std::to_string(count) +
-         (isOne ? " bad frame could not be read and is" : " bad frames could not be read and are") +
-         " left out; surveydata record list " + file + (isOne ? " shows it\n" : " shows them\n");
+         (isOne ? " bad frame is left out; surveydata record list shows it\n"
+                : " bad frames are left out; surveydata record list shows them\n");
 }
 
 nlohmann::json SampleIndex(std::string_view name) {

@@ -74,11 +74,8 @@ std::vector<nlohmann::json> JsonLines(std::string_view text);
 /// Names of the samples, without extension.
 inline constexpr const char* kSamples[] = {"valley_drive", "desert_highway"};
 
-/// What `record export` and `record plot` tell of bad frames that they leave out.
-std::string BadFramesTold(int count, const std::string& file);
-
-/// The headers in gaps of a sample, with frames that would run into the next record.
-inline int BadFramesOf(std::string_view sample) { return sample == "valley_drive" ? 4 : 2; }
+/// The message of `record export` and `record plot` about bad frames that they leave out.
+std::string BadFramesTold(int count);
 
 /// Where the records of a sample lie: `frames`, `others` and `padding`.
 nlohmann::json SampleIndex(std::string_view name);
@@ -86,7 +83,7 @@ nlohmann::json SampleIndex(std::string_view name);
 /// The checksum that belongs to a frame of this length, computed anew.
 void FixChecksum(std::uint8_t* frame, std::size_t size);
 
-/// A record around a body that begins behind the type.
+/// A record around a body that begins after the type.
 Bytes MakeFrame(std::uint8_t type, const Bytes& body);
 
 /// A measurement body: times, flags word 1 and the blocks' bytes.

@@ -37,7 +37,6 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "show", file, "--offset", "-1"},
       {"record", "show", file, "--offset", "960x"},
       {"record", "show", file, "--offset", " 960"},
-      {"record", "show", file, "--offset", "18446744073709551616"},
       {"record", "set", file, "--name", "A"},
       {"record", "plot", file},
       {"record", "plot", file, "-o", ""},
@@ -53,6 +52,26 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"area", "contains", area, "57,5,92,3"},
       {"area", "contains", area, "1,2", "57,92,abc"},
       {"area", "contains", area, "1,2", "--csv", "-"},
+      {"area", "contains", area, "1,2", "--columns", "hz,v"},
+      {"area", "contains", area, "--columns", "hz"},
+      {"area", "contains", area, "--columns", "hz,hz"},
+      {"area", "contains", area, "--columns", "1,2,3"},
+      {"area", "contains", area, "--columns", "hz,v", "--no-header"},
+      {"area", "contains", area, "--separator", "dots"},
+      {"area", "contains", area, "--format", "xml"},
+      {"area", "contains", area, "--format", "csv", "--json"},
+      {"area", "contains", area, "--formulas", "compute"},
+      {"record", "export", file, "--formulas", "keep"},
+      // Standard input is read once, and cannot be changed.
+      {"record", "set", "-", "--offset", "960", "--number", "5"},
+      {"record", "set", "-", "--offset", "960", "--number", "5", "--dry-run"},
+      {"area", "contains", "-"},
+      {"area", "contains", "-", "--csv", "-"},
+      {"area", "contains", "/dev/stdin", "--csv", "-"},
+      {"area", "plot", "-", "--csv", "-"},
+      {"area", "plot", "-", "--csv", "/dev/stdin"},
+      {"area", "plot", area, "--csv", "-"},
+      {"area", "plot", area, "-o", "/dev/null", "--columns", "1,2"},
       {"area", "plot", area},
       {"area", "plot", area, "-o", ""},
       {"area", "plot", area, "-o", "/dev/null", "--probe", "x"},
@@ -143,7 +162,7 @@ TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
 TEST(Program, DrawsNoProgressBarWhereStandardErrorIsNoTerminal) {
   const Outcome outcome = RunProgram({"record", "export", DataPath("valley_drive.rec")});
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_EQ(outcome.err, BadFramesTold(4, DataPath("valley_drive.rec")));
+  EXPECT_EQ(outcome.err, "");
 }
 
 }  // namespace

@@ -6,13 +6,14 @@
 #include <area/area_commands.h>
 #include <command_line/common_options.h>
 #include <command_line/message.h>
+#include <platform/input_file.h>
 
 namespace Tool {
 
 CommandOption AreaArgument(std::string& file) {
   return {.names = {"AREA"},
           .value = "AREA.json",
-          .description = "The area file",
+          .description = "The area file, - for standard input",
           .take = StoreIn(file),
           .isRequired = true};
 }
@@ -25,22 +26,28 @@ ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
     Tell(
         fmt::format("the area is not valid: {} more reasons, see area info", faults.size() - told));
   }
-  return faults.empty() ? ExitCode::kDone : ExitCode::kFinding;
+  return faults.empty() ? ExitCode::kDone : ExitCode::kCannotBeAsked;
+}
+
+void RequireOneStandardInput(const std::string& area, const std::string& directions) {
+  if (!IsStandardInput(area) || !IsStandardInput(directions)) return;
+  throw ToolErrorC(ExitCode::kUsage, "standard input cannot give both the area and the directions");
 }
 
 Command AreaCommands() {
   Command command;
   command.name = "area";
-  command.description = "Check, ask and draw scan areas";
+  command.description = "Check, query and draw scan areas";
   command.footer =
       "An area file is a JSON object:\n"
       "  kind      \"rectangle\" (2 corners), \"polygon\" (3 or more), \"dome\" (no points)\n"
       "  unit      \"rad\", \"deg\" or \"gon\", of every angle in the file\n"
       "  hzStep, vStep  the steps of the scan\n"
       "  points    [[hz, v], [hz, v, distance], {\"hz\": 1, \"v\": 2, \"distance\": 3}, ...]\n"
-      "  name, limitLow, limitHigh, settingA to settingE  if wanted\n"
-      "Hz goes clockwise, V from the zenith downwards, distances are in metres.\n\n"
-      "Exit code 1: the area is not valid, or a direction lies outside.\n\n"
+      "  name, limitLow, limitHigh, settingA to settingE  optional\n"
+      "Hz is measured clockwise, V downwards from the zenith, distances in metres. A file has at "
+      "most\n"
+      "64 MiB and a million points.\n\n"
       "Example:\n  surveydata area info facade.json";
   command.commands = {AreaInfoCommand(), AreaOutlineCommand(), AreaContainsCommand(),
                       AreaPlotCommand()};

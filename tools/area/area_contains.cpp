@@ -1,8 +1,11 @@
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/compile.h>
@@ -15,6 +18,8 @@
 #include <area/direction_reader.h>
 #include <command_line/common_options.h>
 #include <command_line/message.h>
+#include <command_line/text.h>
+#include <output/csv_cell.h>
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <platform/platform.h>
@@ -23,40 +28,76 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Tell of directions whether they lie inside an area, or within 0.0005 gon of its boundary.\n"
-    "Directions come from the command line, from a file or from standard input, one a line: Hz\n"
-    "and V in the unit of the area file, with a comma, semicolon or blanks between. What\n"
-    "follows in a line is passed over, and so are a heading, empty lines and those that begin\n"
-    "with #. A direction outside gives the exit code 1.";
+    "Report whether each direction lies inside an area. A direction outside gives the exit code "
+    "1,\n"
+    "an area that is not valid the exit code 4 and no answers.\n\n"
+    "Directions come from the command line, or from a table with one in each line, in the unit of\n"
+    "the area file. A heading names the columns, hz and v and any others, in any order; without a\n"
+    "heading there are two, Hz and V. Commas, semicolons, tabs or blanks separate them. Other\n"
+    "columns go to the output. A line that is not a direction is an error. Empty lines and lines\n"
+    "that begin with # are passed over; the latter not where the first column holds something "
+    "else\n"
+    "than Hz or V.\n\n"
+    "A direction in the boundary band is inside. The band reaches 0.0005 gon to both sides of "
+    "lines\n"
+    "that are displaced from the boundary: they have its Hz less twice the least Hz of the area,\n"
+    "and are straight in Hz and V where the boundary follows arcs. The closing edge of a polygon\n"
+    "has no band.";
+
+enum class Form { kText, kCsv, kJson };
 
 struct Options {
   std::string file;
   std::vector<std::string> directions;
   std::string csv;
+  DirectionFormat format;
+  Form form = Form::kText;
   bool isJson = false;
+  Formulas formulas = Formulas::kEscape;
+
+  std::string Input() const { return csv.empty() ? "-" : csv; }
 };
 
-// Directions are answered in blocks and written as they were given.
+// Answers directions in blocks and writes each with its answer and its other columns.
 class AnswerC {
  public:
-  AnswerC(const AreaFile& file, bool isJson)
-      : area_(*file.area), unit_(file.unit), isJson_(isJson) {
-    if (isJson) return;
-    out_.Print("{:>16}  {:>16}  {}\n", fmt::format("Hz [{}]", UnitName(unit_)),
-               fmt::format("V [{}]", UnitName(unit_)), "answer");
+  AnswerC(const AreaFile& file, Form form, Formulas formulas)
+      : area_(*file.area), unit_(file.unit), form_(form), formulas_(formulas) {}
+
+  // For directions without other columns.
+  void Begin() {
+    if (form_ == Form::kCsv) out_.Print("hz,v,inside\r\n");
+    BeginText();
+  }
+  // For those of a table.
+  void Begin(const DirectionReaderC& reader) {
+    for (std::size_t i = 0; i < reader.GetColumnCount(); ++i) {
+      const std::string name = reader.GetHeading().empty() ? "" : reader.GetHeading()[i];
+      const std::string shown = name.empty() ? fmt::format("{}", i + 1) : name;
+      columns_.push_back({reader.IsCoordinate(i), shown});
+      hasOthers_ = hasOthers_ || !reader.IsCoordinate(i);
+      if (form_ == Form::kCsv && !reader.GetHeading().empty()) WriteCell(name);
+    }
+    if (form_ == Form::kCsv && !reader.GetHeading().empty()) {
+      out_.Print(",inside\r\n");
+    } else if (form_ == Form::kCsv && !hasOthers_) {
+      out_.Print("hz,v,inside\r\n");
+    }
+    BeginText();
   }
 
-  void Add(const Direction& direction) {
+  void Add(const Direction& direction, const std::vector<std::string>& cells = {}) {
     given_[size_] = direction;
     hz_[size_] = ToRadians(direction.hz, unit_);
     v_[size_] = ToRadians(direction.v, unit_);
+    if (hasOthers_ || (form_ == Form::kCsv && !cells.empty())) cells_.push_back(cells);
     if (++size_ == kBlock) Flush();
   }
 
   /// Whether all were inside.
   bool Close() {
     Flush();
-    if (!isJson_) {
+    if (form_ == Form::kText) {
       out_.Print("{} direction{}: {} inside, {} outside\n", inside_ + outside_,
                  inside_ + outside_ == 1 ? "" : "s", inside_, outside_);
     }
@@ -67,54 +108,129 @@ class AnswerC {
  private:
   static constexpr std::size_t kBlock = 4096;
 
+  struct Column {
+    bool isCoordinate;
+    std::string name;
+  };
+
+  void BeginText() {
+    if (form_ != Form::kText) return;
+    out_.Print("{:>16}  {:>16}  {}", fmt::format("Hz [{}]", UnitName(unit_)),
+               fmt::format("V [{}]", UnitName(unit_)), hasOthers_ ? "answer " : "answer");
+    for (const Column& column : columns_) {
+      if (!column.isCoordinate) out_.Print("  {}", ToVisible(column.name));
+    }
+    out_.Print("\n");
+  }
+
+  void WriteCell(std::string_view text) {
+    out_.Print("{}{}", isFirstCell_ ? "" : ",", CsvCell(text, formulas_));
+    isFirstCell_ = false;
+  }
+
+  void WriteCsv(std::size_t i) {
+    if (cells_.empty()) {
+      out_.Print("{},{},{}\r\n", given_[i].hz, given_[i].v, isInside_[i]);
+      return;
+    }
+    isFirstCell_ = true;
+    for (const std::string& cell : cells_[i]) WriteCell(cell);
+    out_.Print(",{}\r\n", isInside_[i]);
+  }
+
+  void WriteJson(std::size_t i) {
+    JsonWriterC line(out_.GetBuffer());
+    line.Field("hz", given_[i].hz);
+    line.Field("v", given_[i].v);
+    line.Field("inside", isInside_[i]);
+    if (hasOthers_) {
+      line.Begin("columns");
+      for (std::size_t k = 0; k < columns_.size(); ++k) {
+        if (columns_[k].isCoordinate) continue;
+        line.NamedField(ToUtf8(columns_[k].name), ToUtf8(cells_[i][k]));
+      }
+      line.End();
+    }
+    line.EndLine();
+  }
+
+  void WriteText(std::size_t i) {
+    fmt::format_to(fmt::appender(out_.GetBuffer()), FMT_COMPILE("{:>16}  {:>16}  {}"), given_[i].hz,
+                   given_[i].v,
+                   !isInside_[i] ? "outside"
+                   : hasOthers_  ? "inside "
+                                 : "inside");
+    for (std::size_t k = 0; hasOthers_ && k < columns_.size(); ++k) {
+      if (!columns_[k].isCoordinate) out_.Print("  {}", ToVisible(cells_[i][k]));
+    }
+    out_.GetBuffer().push_back('\n');
+  }
+
   void Flush() {
     area_.Contains(std::span(hz_).first(size_), std::span(v_).first(size_), isInside_);
     for (std::size_t i = 0; i < size_; ++i) {
       ++(isInside_[i] ? inside_ : outside_);
-      if (isJson_) {
-        JsonWriterC line(out_.GetBuffer());
-        line.Field("hz", given_[i].hz);
-        line.Field("v", given_[i].v);
-        line.Field("inside", isInside_[i]);
-        line.EndLine();
+      if (form_ == Form::kJson) {
+        WriteJson(i);
+      } else if (form_ == Form::kCsv) {
+        WriteCsv(i);
       } else {
-        fmt::format_to(fmt::appender(out_.GetBuffer()), FMT_COMPILE("{:>16}  {:>16}  {}\n"),
-                       given_[i].hz, given_[i].v, isInside_[i] ? "inside" : "outside");
+        WriteText(i);
       }
       out_.FlushIfFull();
     }
     size_ = 0;
+    cells_.clear();
   }
 
   SDI::PreparedAreaC area_;
   AngleUnit unit_;
-  bool isJson_;
+  Form form_;
+  Formulas formulas_;
   OutputC out_;
+  std::vector<Column> columns_;
+  bool hasOthers_ = false;  // columns beside Hz and V
+  bool isFirstCell_ = true;
   std::array<Direction, kBlock> given_;
   std::array<double, kBlock> hz_;
   std::array<double, kBlock> v_;
   std::array<bool, kBlock> isInside_;
+  std::vector<std::vector<std::string>> cells_;  // of these directions, where they are written
   std::size_t size_ = 0;
   std::uint64_t inside_ = 0;
   std::uint64_t outside_ = 0;
 };
 
+Form ParseForm(const std::string& text) {
+  if (text == "text") return Form::kText;
+  if (text == "csv") return Form::kCsv;
+  if (text == "json") return Form::kJson;
+  throw ValueErrorC("must be text, csv or json");
+}
+
 ExitCode Run(const Options& options) {
+  if (options.directions.empty()) RequireOneStandardInput(options.file, options.Input());
   const AreaFile file = LoadAreaFile(options.file);
   std::vector<Direction> directions;  // those of the command line are checked before all else
   for (const std::string& text : options.directions) directions.push_back(RequireDirection(text));
   const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
-  const auto answer = std::make_unique<AnswerC>(file, options.isJson);
-  for (const Direction& direction : directions) answer->Add(direction);
+  if (validity != ExitCode::kDone) return validity;
+  const auto answer = std::make_unique<AnswerC>(file, options.isJson ? Form::kJson : options.form,
+                                                options.formulas);
   if (directions.empty()) {
     if (options.csv.empty() && IsTerminal(StandardStream::kInput)) {
-      Tell(fmt::format("type directions, one a line: Hz and V; the end of the input ({}) ends them",
-                       kEndOfInput));
+      Tell(fmt::format("type directions, one in each line: Hz and V; {} ends them", kEndOfInput));
     }
-    DirectionReaderC reader(options.csv.empty() ? "-" : options.csv);
-    for (Direction direction{}; reader.Next(direction);) answer->Add(direction);
+    DirectionReaderC reader(options.Input(), options.format);
+    answer->Begin(reader);
+    for (Direction direction{}; reader.Next(direction);) {
+      answer->Add(direction, reader.GetCells());
+    }
+  } else {
+    answer->Begin();
+    for (const Direction& direction : directions) answer->Add(direction);
   }
-  return answer->Close() ? validity : ExitCode::kFinding;
+  return answer->Close() ? ExitCode::kDone : ExitCode::kFinding;
 }
 
 }  // namespace
@@ -124,7 +240,10 @@ Command AreaContainsCommand() {
   Command command;
   command.name = "contains";
   command.description = kDescription;
-  command.footer = "Example:\n  surveydata area contains facade.json 57,92 60.5,95";
+  command.footer =
+      "Examples:\n"
+      "  surveydata area contains facade.json 57,92 60.5,95\n"
+      "  surveydata area contains facade.json --csv points.csv --format csv";
   command.arguments = {
       AreaArgument(options->file),
       {.names = {"DIRECTION"},
@@ -135,12 +254,26 @@ Command AreaContainsCommand() {
        .isRepeatable = true}};
   command.options = {{.names = {"--csv"},
                       .value = "FILE",
-                      .description = "Reads directions; - for standard input, the default",
+                      .description = "A table of directions; - for standard input, the default",
                       .take = StoreIn(options->csv),
-                      .excludes = {"DIRECTION"}},
-                     {.names = {"--json"},
-                      .description = "JSON Lines: one object per direction",
-                      .flag = &options->isJson}};
+                      .excludes = {"DIRECTION"}}};
+  for (CommandOption& option : DirectionFormatOptions(options->format)) {
+    option.excludes = {"DIRECTION"};
+    command.arguments[1].excludes.push_back(option.names.back());
+    command.options.push_back(std::move(option));
+  }
+  command.options.insert(
+      command.options.end(),
+      {{.names = {"--format"},
+        .value = "text|csv|json",
+        .description = "The form of the output: aligned text, the default; a CSV table; JSON Lines",
+        .take = [options](const std::string& text) { options->form = ParseForm(text); },
+        .excludes = {"--json"}},
+       {.names = {"--json"},
+        .description = "The same as --format json",
+        .flag = &options->isJson,
+        .excludes = {"--format"}},
+       FormulasOption(options->formulas)});
   command.run = [options] { return Run(*options); };
   return command;
 }

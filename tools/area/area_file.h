@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_TOOLS_AREA_AREA_FILE_H_
 #define SURVEYDATA_TOOLS_AREA_AREA_FILE_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,9 +12,15 @@
 
 namespace Tool {
 
-/// An area as its file gives it. It may be one that the library calls invalid.
+/// The largest area file, in bytes and in points: 64 MiB, a million. Larger ones are refused.
+/// @{
+inline constexpr std::size_t kMostAreaBytes = std::size_t{64} << 20;
+inline constexpr std::size_t kMostAreaPoints = 1'000'000;
+/// @}
+
+/// An area as its file describes it. It need not be valid.
 struct AreaFile {
-  std::string name;  ///< As the file says; the name of the file where it says nothing.
+  std::string name;  ///< That in the file; without one, the name of the file.
   AngleUnit unit;
   std::unique_ptr<SDI::ScanAreaC> area;
 
@@ -21,9 +28,10 @@ struct AreaFile {
   const GMAT::SphereAreaC& Sphere() const { return Impl().GetSphereArea(); }
 };
 
-/// Reads an area file, whose format docs/area_files.md describes.
-/// \throw ToolErrorC  with the place and what is wrong there, when the file cannot be read or is no
-///                    area file.
+/// Reads an area file, whose format docs/area_files.md describes; "-" is standard input.
+/// \throw ToolErrorC  with the place and the reason, when it is not an area file.
+/// \throw FileErrorC  when it cannot be read.
+/// \cost linear in the size of the file.
 AreaFile LoadAreaFile(const std::string& path);
 
 /// "rectangle", "polygon" or "dome".

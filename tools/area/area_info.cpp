@@ -23,10 +23,9 @@ namespace {
 constexpr double kMostDirections = 1e18;
 
 constexpr const char* kDescription =
-    "Tell whether an area is valid, and why not; its bounds, whether it encloses the zenith, "
-    "its\n"
-    "solid angle, and the number of directions at its steps. Points and edges are counted from\n"
-    "1, edge k begins at point k. An area that is not valid gives the exit code 1.";
+    "Report whether an area is valid, or why not; its bounds, whether it encloses the zenith, its\n"
+    "solid angle, and the number of directions at its steps. Points and edges are counted from 1;\n"
+    "edge k begins at point k. An area that is not valid gives the exit code 1.";
 
 struct Options {
   std::string file;
@@ -116,7 +115,7 @@ void WriteText(OutputC& out, const AreaReport& report) {
   const auto angle = [&](double inUnit) { return AngleText(inUnit, report.file.unit); };
   const auto radians = [&](double value) { return angle(report.InUnit(value)); };
 
-  line("name", ToPrintable(report.file.name));
+  line("name", ToVisible(report.file.name));
   if (area.GetType() == SDI::kDomeArea) {
     line("kind", "dome");
   } else {

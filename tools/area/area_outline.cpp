@@ -17,7 +17,8 @@ namespace {
 
 constexpr const char* kDescription =
     "List the corners of an area with their distances: four of a rectangle, none of a dome. A\n"
-    "corner without a distance takes it from the others, and where none has one, the default.";
+    "corner without a distance gets one from the others or, if none has one, the default. An area\n"
+    "that is not valid gives the exit code 4 and no list.";
 
 struct Options {
   std::string file;
@@ -73,13 +74,15 @@ void WriteText(OutputC& out, const AreaFile& file, const std::vector<SDI::ScanDe
 double ParseDistance(const std::string& text) {
   const auto distance = ToNumber<double>(text);
   if (!distance || !(*distance > 0) || !std::isfinite(*distance)) {
-    throw ValueErrorC(text + " is no distance above 0");
+    throw ValueErrorC(text + " is not a distance above 0");
   }
   return *distance;
 }
 
 ExitCode Run(const Options& options) {
   const AreaFile file = LoadAreaFile(options.file);
+  const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
+  if (validity != ExitCode::kDone) return validity;
   std::vector<SDI::ScanDefPointC> outline;
   file.area->GetOutline(outline, options.defaultDistance);
   OutputC out;
@@ -91,7 +94,7 @@ ExitCode Run(const Options& options) {
     WriteText(out, file, outline);
   }
   out.Close();
-  return WarnOfFaults(FindAreaFaults(file));
+  return ExitCode::kDone;
 }
 
 }  // namespace

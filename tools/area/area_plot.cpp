@@ -20,13 +20,17 @@ namespace {
 constexpr const char* kDescription =
     "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, "
     "with\n"
-    "its bounds and the lowest usable direction. What is filled is what the library answers.";
+    "its bounds and the lowest usable direction. What the library calls inside is filled. The\n"
+    "picture has at most 2 MB: many directions and large rings are drawn to its resolution, and "
+    "it\n"
+    "says so. An area that is not valid is drawn with its faults, and gives the exit code 4.";
 
 struct Options {
   std::string file;
-  std::string output;
+  PictureOutput output;
   std::vector<std::string> probes;
   std::string csv;
+  DirectionFormat format;
   std::string window;
 };
 
@@ -34,22 +38,24 @@ struct Options {
 AngleWindow ParseWindow(const std::string& text, AngleUnit unit) {
   std::size_t comma = text.find(',');
   if (comma != std::string::npos) comma = text.find(',', comma + 1);
-  const auto first = ParseDirectionAlone(std::string_view(text).substr(0, comma));
+  const auto first = ParseDirection(std::string_view(text).substr(0, comma));
   if (comma == std::string::npos) comma = text.size();
-  const auto last =
-      ParseDirectionAlone(std::string_view(text).substr(std::min(comma + 1, text.size())));
+  const auto last = ParseDirection(std::string_view(text).substr(std::min(comma + 1, text.size())));
   if (!first || !last || !(first->hz < last->hz) || !(first->v < last->v) ||
       last->hz - first->hz > 4 * HalfTurn(unit)) {
-    throw ToolErrorC(ExitCode::kUsage,
-                     fmt::format("{} is no window HZ,V,HZ,V: the second corner has the larger Hz "
-                                 "and V, and is at most two turns away",
-                                 text));
+    throw ToolErrorC(
+        ExitCode::kUsage,
+        fmt::format("{} is not a window HZ,V,HZ,V: the second corner has the larger Hz "
+                    "and V, and is at most two turns away",
+                    text));
   }
   return {ToRadians(first->hz, unit), ToRadians(last->hz, unit), ToRadians(first->v, unit),
           ToRadians(last->v, unit)};
 }
 
 ExitCode Run(const Options& options) {
+  options.output.Require(options.file);
+  RequireOneStandardInput(options.file, options.csv);
   const AreaFile file = LoadAreaFile(options.file);
   const std::vector<AreaFault> faults = FindAreaFaults(file);
   AreaPicture picture{file, faults, {}, {}};
@@ -61,13 +67,13 @@ ExitCode Run(const Options& options) {
   };
   for (const std::string& probe : options.probes) ask(RequireDirection(probe));
   if (!options.csv.empty()) {
-    DirectionReaderC reader(options.csv);
+    DirectionReaderC reader(options.csv, options.format);
     for (Direction direction{}; reader.Next(direction);) ask(direction);
   }
   if (!options.window.empty()) picture.window = ParseWindow(options.window, file.unit);
 
   const std::string svg = DrawArea(picture);
-  OutputC out(options.output, options.file);
+  OutputC out(options.output.file, options.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();
   return WarnOfFaults(faults);
@@ -87,17 +93,21 @@ Command AreaPlotCommand() {
       PictureOption(options->output),
       {.names = {"--probe"},
        .value = "HZ,V",
-       .description = "A direction to ask for and to mark with the answer; can be repeated",
+       .description = "A direction to mark with its answer; can be repeated",
        .take = [options](const std::string& text) { options->probes.push_back(text); },
        .isRepeatable = true},
       {.names = {"--csv"},
        .value = "FILE",
-       .description = "More of them, one a line; - for standard input",
+       .description = "A file of more of them, as for contains; - for standard input",
        .take = StoreIn(options->csv)},
       {.names = {"--window"},
        .value = "HZ,V,HZ,V",
        .description = "The part of the plane to show; the whole sphere by default",
        .take = StoreIn(options->window)}};
+  for (CommandOption& option : DirectionFormatOptions(options->format)) {
+    option.needs = {"--csv"};
+    command.options.push_back(std::move(option));
+  }
   command.run = [options] { return Run(*options); };
   return command;
 }

@@ -1,21 +1,22 @@
 #include <algorithm>
-#include <cctype>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <set>
+#include <system_error>
 
 #include <fmt/format.h>
 
 #include <area/direction_reader.h>
 #include <command_line/exit_code.h>
-#include <command_line/message.h>
+#include <command_line/text.h>
 
 namespace Tool {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
-
-int KeepOpen(std::FILE* /*file*/) { return 0; }
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
+constexpr std::size_t kLongestLine = kBlock - 1;
+constexpr char kAnyBlanks = ' ';
 
 std::string_view Trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -23,7 +24,15 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// Takes a number from the front. A plus sign is read over, though not before another sign.
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if ('A' <= c && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+// Takes a finite number from the front. A plus sign may precede it, but not another sign.
 std::optional<double> TakeNumber(std::string_view& text) {
   double number = 0;
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
@@ -33,118 +42,304 @@ std::optional<double> TakeNumber(std::string_view& text) {
   return number;
 }
 
-// Takes blanks with at most one comma or semicolon among them from the front, and tells which of
-// the three it was; 0 when there is none.
-char TakeSeparator(std::string_view& text) {
+// Takes blanks with at most one comma or semicolon among them from the front; false without any.
+bool TakeSeparator(std::string_view& text) {
   const std::size_t before = text.size();
-  char separator = ' ';
-  text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
-  if (!text.empty() && (text.front() == ',' || text.front() == ';')) {
-    separator = text.front();
-    text.remove_prefix(1);
+  const auto takeBlanks = [&text] {
     text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+  };
+  takeBlanks();
+  if (!text.empty() && (text.front() == ',' || text.front() == ';')) {
+    text.remove_prefix(1);
+    takeBlanks();
   }
-  return text.size() != before ? separator : '\0';
+  return text.size() != before;
 }
 
-// Whether the first field is a number of any kind, quoted or not.
-bool BeginsWithNumber(std::string_view text) {
-  if (text.front() == '"') text = Trimmed(text.substr(1));
-  double number = 0;
-  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc::invalid_argument) return false;
-  const auto length = static_cast<std::size_t>(stop - text.data());
-  return length == text.size() || std::isalnum(static_cast<unsigned char>(text[length])) == 0;
+const char* NameOf(char separator) {
+  return separator == ',' ? "commas" : separator == ';' ? "semicolons" : "tabs";
 }
 
-// Takes Hz and V from the front, and tells what stands between them.
-std::optional<Direction> TakeDirection(std::string_view& text, char& separator) {
-  const auto hz = TakeNumber(text);
-  if (!hz) return {};
-  separator = TakeSeparator(text);
-  if (separator == '\0') return {};
-  const auto v = TakeNumber(text);
-  if (!v) return {};
-  return Direction{*hz, *v};
+std::array<std::string, 2> ParseColumns(const std::string& text) {
+  const std::size_t comma = text.find(',');
+  const std::array<std::string, 2> columns = {
+      std::string(Trimmed(std::string_view(text).substr(0, comma))),
+      comma == std::string::npos ? ""
+                                 : std::string(Trimmed(std::string_view(text).substr(comma + 1)))};
+  if (columns[0].empty() || columns[1].empty() || columns[0] == columns[1] ||
+      columns[1].find(',') != std::string::npos) {
+    throw ValueErrorC("must be two columns with a comma between them, such as hz,v or 2,3");
+  }
+  return columns;
+}
+
+char ParseSeparator(const std::string& text) {
+  if (text == "," || text == "comma") return ',';
+  if (text == ";" || text == "semicolon") return ';';
+  if (text == "\t" || text == "tab") return '\t';
+  if (text == " " || text == "blanks") return kAnyBlanks;
+  throw ValueErrorC("must be comma, semicolon, tab or blanks");
 }
 
 }  // namespace
 
 std::optional<Direction> ParseDirection(std::string_view text) {
   text = Trimmed(text);
-  char separator = '\0';
-  const auto direction = TakeDirection(text, separator);
-  if (!direction || text.empty()) return direction;
-  const char next = TakeSeparator(text);
-  if (next == '\0') return {};
-  // 57,92;95,3 and 57,92 95,3 have decimal commas, or two directions: nobody knows.
-  if (separator == ',' && next != ',' && TakeNumber(text)) return {};
-  return direction;
-}
-
-std::optional<Direction> ParseDirectionAlone(std::string_view text) {
-  text = Trimmed(text);
-  char separator = '\0';
-  const auto direction = TakeDirection(text, separator);
-  return text.empty() ? direction : std::nullopt;
+  const auto hz = TakeNumber(text);
+  if (!hz || !TakeSeparator(text)) return {};
+  const auto v = TakeNumber(text);
+  if (!v || !text.empty()) return {};
+  return Direction{*hz, *v};
 }
 
 Direction RequireDirection(const std::string& text) {
-  const auto direction = ParseDirectionAlone(text);
+  const auto direction = ParseDirection(text);
   if (!direction) {
     throw ToolErrorC(
         ExitCode::kUsage,
-        fmt::format("{} is no direction HZ,V: two numbers, with a point for decimals", text));
+        fmt::format("{} is not a direction HZ,V: two numbers, with a decimal point", text));
   }
   return *direction;
 }
 
-DirectionReaderC::DirectionReaderC(const std::string& path)
-    : name_(path == "-" ? "standard input" : path),
-      file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb"),
-            path == "-" ? &KeepOpen : &std::fclose) {
-  if (file_ == nullptr) {
-    FailToRead(name_);
-  }
+std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format) {
+  return {{.names = {"--columns"},
+           .value = "HZ,V",
+           .description = "The columns of Hz and V in a file of directions: their names in its "
+                          "heading, or their numbers from 1 on",
+           .take = [&format](const std::string& text) { format.columns = ParseColumns(text); }},
+          {.names = {"--separator"},
+           .value = "NAME",
+           .description = "What separates the columns: comma, semicolon, tab or blanks; by default "
+                          "what the first line has",
+           .take = [&format](const std::string& text) { format.separator = ParseSeparator(text); }},
+          {.names = {"--no-header"},
+           .description = "The first line is a direction, not a heading",
+           .flag = &format.hasNoHeading}};
 }
 
-bool DirectionReaderC::Next(Direction& direction) {
-  for (;;) {
-    buffer_.fill('\n');  // no zero: the last one stands behind the line
-    if (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), file_.get()) == nullptr) break;
-    ++line_;
-    const std::string_view read = buffer_.data();
-    const auto refuse = [&](const std::string& what) {
-      return ToolErrorC(ExitCode::kFileError, fmt::format("{}: line {} {}", name_, line_, what));
-    };
-    if (read.size() + 1 == buffer_.size() && read.back() != '\n') throw refuse("is too long");
-    if (read.empty() || read.back() != '\n') {  // only the end of the file may end a line like this
-      const auto last = std::find(buffer_.rbegin(), buffer_.rend(), '\0');
-      if (last.base() - 1 != buffer_.begin() + read.size()) throw refuse("has a zero byte");
+DirectionReaderC::DirectionReaderC(const std::string& path, const DirectionFormat& format)
+    : input_(path), format_(format), block_(kBlock) {
+  if (format_.columns && format_.hasNoHeading) {
+    for (const std::string& column : *format_.columns) {
+      if (!ToNumber<std::size_t>(column)) {
+        throw ToolErrorC(
+            ExitCode::kUsage,
+            fmt::format("--columns {}: without a heading columns have numbers only", column));
+      }
     }
-    std::string_view text = Trimmed(read);
+  }
+  while (ReadLine(text_)) {
+    std::string_view text = Trimmed(text_);
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (line_ == 1 && text.starts_with(kByteOrderMark)) {
       text = Trimmed(text.substr(kByteOrderMark.size()));
     }
-    if (text.empty() || text.front() == '#') continue;
-    const auto parsed = ParseDirection(text);
-    const bool isHeading =
-        isHeadingAllowed_ && !BeginsWithNumber(text) &&
-        (std::isalpha(static_cast<unsigned char>(text.front())) != 0 || text.front() == '"');
-    isHeadingAllowed_ = false;
-    if (parsed) {
-      direction = *parsed;
-      return true;
+    if (text.empty() || (text.front() == '#' && MayBeginWithComment())) continue;
+    TakeFirstLine(text);
+    return;
+  }
+}
+
+bool DirectionReaderC::Next(Direction& direction) {
+  if (!NextCells()) return false;
+  const auto hz = NumberAt(hzColumn_);
+  const auto v = NumberAt(vColumn_);
+  if (!hz || !v) {
+    Refuse(fmt::format("is not a direction: {}", Trimmed(text_).substr(0, 60)));
+  }
+  direction = {*hz, *v};
+  return true;
+}
+
+// Reads a line without its end.
+bool DirectionReaderC::ReadLine(std::string& line) {
+  line.clear();
+  for (;;) {
+    if (blockAt_ == blockEnd_) {
+      blockAt_ = 0;
+      blockEnd_ = input_.Read(block_);
+      if (blockEnd_ == 0) break;
     }
-    if (!isHeading) {
-      throw refuse(fmt::format("is no direction: {}", text.substr(0, 60)));
+    const std::string_view rest(&block_[blockAt_], blockEnd_ - blockAt_);
+    const std::size_t end = rest.find('\n');
+    const std::string_view part = rest.substr(0, end);
+    if (line.empty()) ++line_;
+    line += part;
+    blockAt_ += part.size() + (end == std::string_view::npos ? 0 : 1);
+    if (part.find('\0') != std::string_view::npos) Refuse("has a zero byte");
+    if (line.size() > kLongestLine) Refuse(fmt::format("is longer than {} bytes", kLongestLine));
+    if (end != std::string_view::npos) return true;
+  }
+  return !line.empty();
+}
+
+// The first line with something in it gives the layout.
+void DirectionReaderC::TakeFirstLine(std::string_view text) {
+  separator_ = format_.separator ? *format_.separator : FindSeparator(text);
+  Split(text);
+  columnCount_ = cells_.size();
+  const auto place = [this](const std::array<std::string, 2>& columns) {
+    hzColumn_ = FindColumn(columns[0]);
+    vColumn_ = FindColumn(columns[1]);
+    if (hzColumn_ == vColumn_) Refuse("has Hz and V in one column");
+  };
+  const auto isNumber = [this](std::size_t column) { return NumberAt(column).has_value(); };
+
+  if (format_.hasNoHeading ||
+      (!format_.columns && columnCount_ == 2 && isNumber(0) && isNumber(1))) {
+    if (format_.columns) {
+      place(*format_.columns);
+    } else if (columnCount_ != 2) {
+      Refuse(fmt::format("has {} columns, so that --columns must name those of Hz and V",
+                         columnCount_));
+    }
+    isHeld_ = true;
+    return;
+  }
+  if (format_.columns) {
+    const bool areNumbers = ToNumber<std::size_t>((*format_.columns)[0]) &&
+                            ToNumber<std::size_t>((*format_.columns)[1]);
+    if (areNumbers) {
+      place(*format_.columns);
+      if (isNumber(hzColumn_) && isNumber(vColumn_)) {
+        isHeld_ = true;
+        return;
+      }
+      // A heading has no numbers there, and no cell that only looks like one.
+      for (const std::size_t column : {hzColumn_, vColumn_}) {
+        const std::string& cell = cells_[column];
+        const bool isName = !cell.empty() && cell.find_first_of("0123456789") != 0 &&
+                            std::string_view("+-.").find(cell.front()) == std::string_view::npos &&
+                            LowerCase(cell) != "nan" && !LowerCase(cell).starts_with("inf");
+        if (!isName) {
+          Refuse(fmt::format("is neither a direction nor a heading: {}", text.substr(0, 60)));
+        }
+      }
     }
   }
-  if (std::ferror(file_.get()) != 0) {
-    FailToRead(name_);
+  heading_ = cells_;
+  std::set<std::string> names;
+  for (const std::string& name : heading_) {
+    if (!name.empty() && !names.insert(LowerCase(name)).second) {
+      Refuse(fmt::format("has two columns {}", name));
+    }
+  }
+  if (format_.columns) {
+    place(*format_.columns);
+  } else if (names.contains("hz") && names.contains("v")) {
+    place({"hz", "v"});
+  } else {
+    Refuse(fmt::format("is neither a direction, two numbers, nor a heading with hz and v: {}",
+                       text.substr(0, 60)));
+  }
+}
+
+// The only separator in the line, outside quotes; blanks when there is none.
+char DirectionReaderC::FindSeparator(std::string_view text) const {
+  std::string found;
+  bool isQuoted = false;
+  for (const char c : text) {
+    if (c == '"') isQuoted = !isQuoted;
+    const bool isSeparator = !isQuoted && (c == ',' || c == ';' || c == '\t');
+    if (isSeparator && found.find(c) == std::string::npos) found += c;
+  }
+  if (found.size() > 1) {
+    Refuse(fmt::format("has both {} and {}, so that --separator must name one", NameOf(found[0]),
+                       NameOf(found[1])));
+  }
+  return found.empty() ? kAnyBlanks : found.front();
+}
+
+// A column by its name, or else by its number.
+std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
+  for (std::size_t i = 0; i < heading_.size(); ++i) {
+    if (LowerCase(heading_[i]) == LowerCase(wanted)) return i;
+  }
+  const auto number = ToNumber<std::size_t>(wanted);
+  if (!number || *number < 1 || *number > columnCount_) {
+    Refuse(fmt::format("has no column {}", wanted));
+  }
+  return *number - 1;
+}
+
+std::optional<double> DirectionReaderC::NumberAt(std::size_t column) const {
+  std::string_view cell = cells_[column];
+  const auto number = TakeNumber(cell);
+  return cell.empty() ? number : std::nullopt;
+}
+
+// Whether a line before the first one that counts may be a comment: not where the first column is
+// known to be neither Hz nor V, but a name that can begin with '#'.
+bool DirectionReaderC::MayBeginWithComment() const {
+  if (!format_.columns) return true;
+  return std::any_of(format_.columns->begin(), format_.columns->end(),
+                     [](const std::string& column) {
+                       const auto number = ToNumber<std::size_t>(column);
+                       return !number || *number == 1;
+                     });
+}
+
+bool DirectionReaderC::IsSkipped(std::string_view text) const {
+  return text.empty() || (text.front() == '#' && IsCoordinate(0));
+}
+
+bool DirectionReaderC::NextCells() {
+  if (isHeld_) {
+    isHeld_ = false;
+    return true;
+  }
+  while (ReadLine(text_)) {
+    const std::string_view text = Trimmed(text_);
+    if (IsSkipped(text)) continue;
+    Split(text);
+    if (cells_.size() != columnCount_) {
+      Refuse(fmt::format("has {} column{}, not {} as the first line: {}", cells_.size(),
+                         cells_.size() == 1 ? "" : "s", columnCount_, text.substr(0, 60)));
+    }
+    return true;
   }
   return false;
+}
+
+// Cells as RFC 4180 has them, with blanks around them left out.
+void DirectionReaderC::Split(std::string_view text) {
+  const auto isEnd = [this](char c) {
+    return c == separator_ || (separator_ == kAnyBlanks && c == '\t');
+  };
+  const auto isBlank = [&](char c) { return (c == ' ' || c == '\t') && !isEnd(c); };
+  std::size_t count = 0;
+  std::size_t at = 0;
+  for (;;) {
+    if (count == cells_.size()) cells_.emplace_back();
+    std::string& cell = cells_[count++];
+    cell.clear();
+    while (at < text.size() && isBlank(text[at])) ++at;
+    if (at < text.size() && text[at] == '"') {
+      for (++at;; ++at) {
+        if (at == text.size()) Refuse("has a quotation mark without its end");
+        if (text[at] == '"' && (at + 1 == text.size() || text[at + 1] != '"')) break;
+        if (text[at] == '"') ++at;
+        cell += text[at];
+      }
+      ++at;
+      while (at < text.size() && isBlank(text[at])) ++at;
+      if (at < text.size() && !isEnd(text[at])) Refuse("has text after a quoted cell");
+    } else {
+      const std::size_t begin = at;
+      while (at < text.size() && !isEnd(text[at])) ++at;
+      cell = Trimmed(text.substr(begin, at - begin));
+    }
+    if (at == text.size()) break;
+    ++at;
+    while (separator_ == kAnyBlanks && isEnd(text[at])) ++at;  // the line does not end with blanks
+  }
+  cells_.resize(count);
+}
+
+void DirectionReaderC::Refuse(const std::string& what) const {
+  throw ToolErrorC(ExitCode::kFileError,
+                   fmt::format("{}: line {} {}", input_.GetName(), line_, what));
 }
 
 }  // namespace Tool

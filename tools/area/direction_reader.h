@@ -2,12 +2,15 @@
 #define SURVEYDATA_TOOLS_AREA_DIRECTION_READER_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include <command_line/command.h>
+#include <platform/input_file.h>
 
 namespace Tool {
 
@@ -17,34 +20,76 @@ struct Direction {
   double v;
 };
 
-/// Hz and V, then anything, with commas, semicolons, tabs or spaces between; nothing for any other
-/// text, and where a comma between Hz and V may be a decimal one: before a third number that
-/// another separator sets off.
+/// "HZ,V": two numbers with a comma, a semicolon or blanks between them, and nothing after them.
 std::optional<Direction> ParseDirection(std::string_view text);
 
-/// Hz and V, and nothing behind them: there decimal commas would go unnoticed.
-std::optional<Direction> ParseDirectionAlone(std::string_view text);
-
-/// A direction of the command line, alone. \throw ToolErrorC  when it is none.
+/// A direction of the command line. \throw ToolErrorC  when it is not one.
 Direction RequireDirection(const std::string& text);
 
-/// Reads directions line by line in a fixed amount of memory. Empty lines, lines that begin with
-/// '#', a byte order mark, and a heading before the first direction are passed over. A heading
-/// begins with a letter or a quotation mark, and not with a number.
+/// The layout of a file of directions, as far as the user gave it.
+struct DirectionFormat {
+  /// The columns of Hz and V: names, or numbers from 1 on. By default hz and v, or the only two.
+  std::optional<std::array<std::string, 2>> columns = {};
+  /// ',', ';', a tab, or a space for any run of blanks. By default that of the first line.
+  std::optional<char> separator = {};
+  bool hasNoHeading = false;
+};
+
+/// --columns, --separator and --no-header, without what they need or exclude.
+std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
+
+/// Reads a table of directions, a line at a time, in a fixed amount of memory.
+///
+/// The first line is a heading that names the columns, or the first direction. Without a heading
+/// there are two columns, Hz and V, unless the format names others. All lines have as many cells as
+/// the first one. Cells may be quoted as in RFC 4180. Empty lines are passed over, and so are lines
+/// that begin with '#', unless the first column holds something else than Hz or V. What is not
+/// clear is an error: nothing is guessed.
 class DirectionReaderC {
  public:
-  /// Reads standard input when `path` is "-". \throw ToolErrorC  when the file cannot be read.
-  explicit DirectionReaderC(const std::string& path);
+  /// Reads up to the first direction; "-" is standard input.
+  /// \throw ToolErrorC  as `Next`, or `kUsage` when the format contradicts itself.
+  DirectionReaderC(const std::string& path, const DirectionFormat& format = {});
 
-  /// False at the end. \throw ToolErrorC  with the line that is no direction, or cannot be read.
+  /// False at the end.
+  /// \throw ToolErrorC  with the line that is not a direction.
+  /// \throw FileErrorC  when the file cannot be read.
   bool Next(Direction& direction);
 
+  /// The names of the columns as the heading has them; empty without a heading.
+  const std::vector<std::string>& GetHeading() const { return heading_; }
+  /// The cells of the direction that `Next` gave last, without quotes and blanks around them.
+  const std::vector<std::string>& GetCells() const { return cells_; }
+  /// Those of the other columns; 0 when there is no direction at all.
+  std::size_t GetColumnCount() const { return columnCount_; }
+  bool IsCoordinate(std::size_t column) const { return column == hzColumn_ || column == vColumn_; }
+
  private:
-  std::string name_;
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
-  std::array<char, 4096> buffer_;
-  std::uint64_t line_ = 0;
-  bool isHeadingAllowed_ = true;
+  bool ReadLine(std::string& line);
+  bool NextCells();
+  void Split(std::string_view text);
+  char FindSeparator(std::string_view text) const;
+  void TakeFirstLine(std::string_view text);
+  std::size_t FindColumn(const std::string& wanted) const;
+  std::optional<double> NumberAt(std::size_t column) const;
+  bool MayBeginWithComment() const;
+  bool IsSkipped(std::string_view text) const;
+  [[noreturn]] void Refuse(const std::string& what) const;
+
+  InputFileC input_;
+  DirectionFormat format_;
+  std::vector<char> block_;
+  std::size_t blockAt_ = 0;
+  std::size_t blockEnd_ = 0;
+  std::string text_;
+  std::uint64_t line_ = 0;  // the number of the line that is read
+  char separator_ = ',';
+  std::vector<std::string> heading_;
+  std::vector<std::string> cells_;
+  std::size_t columnCount_ = 0;
+  std::size_t hzColumn_ = 0;
+  std::size_t vColumn_ = 1;
+  bool isHeld_ = false;  // the first direction has been read, but not given
 };
 
 }  // namespace Tool

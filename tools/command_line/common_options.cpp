@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <command_line/common_options.h>
+#include <platform/input_file.h>
 #include <platform/platform.h>
 
 namespace Tool {
@@ -22,26 +23,34 @@ std::function<void(const std::string&)> StoreIn(std::string& text) {
 
 CommandOption OutputOption(std::string& output, const std::string& description,
                            const std::string& value) {
-  return {
-      .names = {"-o", "--output"},
-      .value = value,
-      .description = description + "; written in place, so a run that fails leaves a part of it",
-      .take = [&output](const std::string& name) {
-        if (name.empty()) throw ValueErrorC("needs the name of a file");
-        output = name == "-" ? "" : name;
-      }};
+  return {.names = {"-o", "--output"},
+          .value = value,
+          .description =
+              description + "; written in place, so that a run that fails leaves a part of it",
+          .take = [&output](const std::string& name) {
+            if (name.empty()) throw ValueErrorC("needs the name of a file");
+            output = name == "-" ? "" : name;
+          }};
 }
 
-CommandOption PictureOption(std::string& output) {
-  CommandOption option =
-      OutputOption(output, "The picture to write, - for standard output", "OUT.svg");
-  option.isRequired = true;
-  option.take = [take = option.take](const std::string& name) {
+void PictureOutput::Require(const std::string& input) const {
+  if (isGiven || IsStandardInput(input)) return;
+  throw ToolErrorC(ExitCode::kUsage, "--output is required",
+                   "Run with --help for more information.");
+}
+
+CommandOption PictureOption(PictureOutput& output) {
+  CommandOption option = OutputOption(
+      output.file,
+      "The picture to write, - for standard output; required, unless standard input is drawn",
+      "OUT.svg");
+  option.take = [&output, take = option.take](const std::string& name) {
     const std::string extension = LowerCaseExtension(name);
     for (const char* const other : {".png", ".jpg", ".jpeg", ".pdf", ".gif"}) {
-      if (extension == other) throw ValueErrorC(name + " is no name for an SVG picture");
+      if (extension == other) throw ValueErrorC(name + " is not an SVG file name");
     }
     take(name);
+    output.isGiven = true;
   };
   return option;
 }

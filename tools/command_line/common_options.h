@@ -15,9 +15,18 @@ std::function<void(const std::string&)> StoreIn(std::string& text);
 CommandOption OutputOption(std::string& output, const std::string& description,
                            const std::string& value);
 
-/// A required `-o,--output` for an SVG picture. Names that end like pictures of another kind are
-/// refused.
-CommandOption PictureOption(std::string& output);
+/// Where a picture is written.
+struct PictureOutput {
+  std::string file;  ///< Empty for standard output.
+  bool isGiven = false;
+
+  /// \throw ToolErrorC  when it is not given, and the picture is not that of standard input.
+  void Require(const std::string& input) const;
+};
+
+/// `-o,--output` for an SVG picture. Names that end like those of other kinds of pictures are
+/// refused. Required, unless the picture is that of standard input: call `Require`.
+CommandOption PictureOption(PictureOutput& output);
 
 }  // namespace Tool
 

@@ -6,23 +6,28 @@
 
 namespace Tool {
 
-/// What the program tells its caller.
+/// The exit codes of the program.
 enum class ExitCode : int {
   kDone = 0,
-  kFinding = 1,    ///< The data have what the user wants to hear of: a gap, a bad frame.
-  kUsage = 2,      ///< The command line makes no sense.
-  kFileError = 3,  ///< A file cannot be read or written.
+  kFinding = 1,        ///< A finding of what was asked: a gap, a bad frame, a direction outside.
+  kUsage = 2,          ///< The command line is wrong.
+  kFileError = 3,      ///< A file cannot be read or written.
+  kCannotBeAsked = 4,  ///< The question has no answer: the area is not valid.
 };
 
 /// Ends the command: `main` prints the message and exits with the code.
 class ToolErrorC : public std::runtime_error {
  public:
-  ToolErrorC(ExitCode code, const std::string& message) : runtime_error(message), code_(code) {}
+  /// `hint` is a second line.
+  ToolErrorC(ExitCode code, const std::string& message, const std::string& hint = {})
+      : runtime_error(message), code_(code), hint_(hint) {}
 
   ExitCode GetCode() const { return code_; }
+  const std::string& GetHint() const { return hint_; }
 
  private:
   ExitCode code_;
+  std::string hint_;
 };
 
 }  // namespace Tool

@@ -1,28 +1,23 @@
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 
-#include <fmt/format.h>
-
-#include <command_line/exit_code.h>
 #include <command_line/message.h>
+#include <command_line/text.h>
 
 namespace Tool {
+namespace {
 
-void Tell(std::string_view message) noexcept {
-  std::fputs("surveydata: ", stderr);
-  for (const char c : message) {
-    // What a file holds must not steer the terminal.
-    const bool isControl = (static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7F;
-    std::fputc(isControl ? '?' : c, stderr);
-  }
+void WriteLine(std::string_view text) {
+  WriteVisible(text,
+               [](std::string_view part) { std::fwrite(part.data(), 1, part.size(), stderr); });
   std::fputc('\n', stderr);
 }
 
-void FailToRead(std::string_view file) {
-  const int error = errno;
-  throw ToolErrorC(ExitCode::kFileError,
-                   fmt::format("cannot read {}: {}", file, std::strerror(error)));
+}  // namespace
+
+void Tell(std::string_view message, std::string_view hint) noexcept {
+  std::fputs("surveydata: ", stderr);
+  WriteLine(message);
+  if (!hint.empty()) WriteLine(hint);
 }
 
 }  // namespace Tool

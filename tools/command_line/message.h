@@ -5,12 +5,11 @@
 
 namespace Tool {
 
-/// Writes a line to standard error, with the name of the program before it. A message that cannot
-/// be written is lost: it changes neither the work nor the exit code.
-void Tell(std::string_view message) noexcept;
-
-/// Throws the `ToolErrorC` of a file that cannot be read, with what `errno` says.
-[[noreturn]] void FailToRead(std::string_view file);
+/// Writes a message of one line to standard error, with the name of the program before it, and a
+/// second line if there is a hint. What could steer a terminal or look like another line is escaped
+/// (see `WriteVisible`). A message that cannot be written is lost: it changes neither the work nor
+/// the exit code.
+void Tell(std::string_view message, std::string_view hint = {}) noexcept;
 
 }  // namespace Tool
 

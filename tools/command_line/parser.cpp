@@ -75,13 +75,14 @@ void AddContents(CLI::App& app, const Command& command, const Command*& chosen) 
   }
 }
 
-// When a command is missing, names the word that was given instead and the commands that exist.
+// What is wrong. When a command is missing, names the word that was given instead and the commands
+// that exist.
 std::string Explain(const CLI::App* top, const CLI::Error& error) {
   const CLI::App* app = top;
   while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
   const bool needsCommand = app->get_require_subcommand_min() > 0;
   if (!needsCommand || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) {
-    return CLI::FailureMessage::simple(top, error);
+    return error.what();
   }
   std::vector<std::string> names;
   for (const CLI::App* const command : app->get_subcommands({})) {
@@ -92,8 +93,7 @@ std::string Explain(const CLI::App* top, const CLI::Error& error) {
                                   [](const std::string& word) { return !word.starts_with('-'); });
   const std::string what = wrong != given.end() ? fmt::format("there is no command '{}'", *wrong)
                                                 : std::string("a command is missing");
-  return fmt::format("{}: {} has {}\nRun with --help for more information.", what, app->get_name(),
-                     fmt::join(names, ", "));
+  return fmt::format("{}: {} has {}", what, app->get_name(), fmt::join(names, ", "));
 }
 
 }  // namespace
@@ -110,8 +110,7 @@ Request Parse(const Command& top, int argc, char** argv) {
     std::ostringstream help;
     std::ostringstream complaint;
     if (app.exit(error, help, complaint) == 0) return {{}, help.str()};
-    const std::string text = complaint.str();
-    throw ToolErrorC(ExitCode::kUsage, text.substr(0, text.find_last_not_of('\n') + 1));
+    throw ToolErrorC(ExitCode::kUsage, complaint.str(), "Run with --help for more information.");
   }
   return {chosen->run, {}};
 }

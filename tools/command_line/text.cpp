@@ -12,6 +12,14 @@ constexpr char32_t kReplacement = 0xFFFD;
 bool IsHighSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool IsLowSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xDC00; }
 bool IsControl(char32_t c) { return c < 0x20 || (0x7F <= c && c < 0xA0); }
+// Line and paragraph separator.
+bool IsSeparator(char32_t c) { return c == 0x2028 || c == 0x2029; }
+// Marks, embeddings, overrides and isolates.
+bool IsBidirectional(char32_t c) {
+  return c == 0x061C || c == 0x200E || c == 0x200F || (0x202A <= c && c <= 0x202E) ||
+         (0x2066 <= c && c <= 0x2069);
+}
+bool IsInvisible(char32_t c) { return IsControl(c) || IsSeparator(c) || IsBidirectional(c); }
 
 void Append(std::string& out, char32_t c) {
   const auto put = [&out](char32_t byte) { out += static_cast<char>(byte); };
@@ -43,14 +51,111 @@ std::size_t SequenceLength(std::string_view text) {
     if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
   }
   if (length < 3) return length;
-  // Overlong forms, surrogates, and what lies behind the last character.
+  // Overlong forms, surrogates, and what is beyond the last character.
   const auto second = static_cast<unsigned char>(text[1]);
   const bool isCharacter = !(lead == 0xE0 && second < 0xA0) && !(lead == 0xED && second >= 0xA0) &&
                            !(lead == 0xF0 && second < 0x90) && !(lead == 0xF4 && second >= 0x90);
   return isCharacter ? length : 0;
 }
 
+// The character of a well-formed sequence.
+char32_t CharacterOf(std::string_view sequence) {
+  constexpr unsigned char kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  char32_t c = static_cast<unsigned char>(sequence.front()) & kLeadBits[sequence.size()];
+  for (std::size_t i = 1; i < sequence.size(); ++i) {
+    c = (c << 6) | (static_cast<unsigned char>(sequence[i]) & 0x3Fu);
+  }
+  return c;
+}
+
+constexpr std::size_t kLongestEscape = 6;
+
+// Writes a backslash, the letter and so many hexadecimal digits; gives the length.
+std::size_t EscapeInHex(char letter, char32_t value, std::size_t digits,
+                        char (&to)[kLongestEscape]) {
+  to[0] = '\\';
+  to[1] = letter;
+  for (std::size_t i = 0; i < digits; ++i) {
+    to[2 + i] = "0123456789abcdef"[(value >> 4 * (digits - 1 - i)) & 0xF];
+  }
+  return 2 + digits;
+}
+
+// Writes the escape of a character; gives its length.
+std::size_t Escape(char32_t c, char (&to)[kLongestEscape]) {
+  if (c != '\n' && c != '\r' && c != '\t') {
+    return c < 0x80 ? EscapeInHex('x', c, 2, to) : EscapeInHex('u', c, 4, to);
+  }
+  to[0] = '\\';
+  to[1] = c == '\n' ? 'n' : c == '\r' ? 'r' : 't';
+  return 2;
+}
+
+template <class Write>
+void WriteVisibleTo(std::string_view utf8, const Write& write) {
+  char escape[kLongestEscape];
+  while (!utf8.empty()) {
+    const std::size_t length = SequenceLength(utf8);
+    if (length == 0) {
+      const auto byte = static_cast<unsigned char>(utf8.front());
+      write(std::string_view(escape, EscapeInHex('x', byte, 2, escape)));
+    } else if (const char32_t c = CharacterOf(utf8.substr(0, length)); IsInvisible(c)) {
+      write(std::string_view(escape, Escape(c, escape)));
+    } else {
+      write(utf8.substr(0, length));
+    }
+    utf8.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+}
+
 }  // namespace
+
+void WriteVisible(std::string_view utf8, void (*write)(std::string_view part)) {
+  WriteVisibleTo(utf8, write);
+}
+
+std::string ToVisible(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  WriteVisibleTo(utf8, [&out](std::string_view part) { out += part; });
+  return out;
+}
+
+std::string ToVisible(std::u16string_view text) {
+  std::string out;
+  char escape[kLongestEscape];
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t c = text[i];
+    const bool isPair = IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1]);
+    if (isPair) c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FFu);
+    if (!isPair && (IsHighSurrogate(c) || IsLowSurrogate(c) || IsInvisible(c))) {
+      out.append(escape, Escape(c, escape));
+    } else {
+      Append(out, c);
+    }
+  }
+  return out;
+}
+
+bool HasControl(std::u16string_view text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char16_t unit) { return IsControl(unit) || IsSeparator(unit); });
+}
+
+std::string ToUtf8(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t length = SequenceLength(text);
+    if (length == 0) {
+      Append(out, kReplacement);
+    } else {
+      out += text.substr(0, length);
+    }
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return out;
+}
 
 std::string ToPrintable(std::string_view utf8) {
   std::string out;

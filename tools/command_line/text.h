@@ -9,17 +9,32 @@
 
 namespace Tool {
 
-/// UTF-8 for people: surrogate pairs become their character, a surrogate without its other half
-/// and control characters become U+FFFD.
+/// UTF-8 for files that people read: surrogate pairs become their character; a surrogate without
+/// its other half and control characters become U+FFFD.
 std::string ToPrintable(std::u16string_view text);
-/// The same for UTF-8, where bytes that are none become U+FFFD as well.
+/// The same for UTF-8; bytes that are not UTF-8 become U+FFFD as well.
 std::string ToPrintable(std::string_view utf8);
 
-/// The 16-bit units of well-formed UTF-8; nothing for any other text, and for characters that need
+/// The text with U+FFFD in place of bytes that are not UTF-8.
+std::string ToUtf8(std::string_view text);
+
+/// UTF-8 for terminals: what could move the cursor, break the line or reverse the order of other
+/// characters is written as an escape: control characters, among them those from U+0080 on, line
+/// and paragraph separators, and bidirectional controls, such as \n, \x1b or \u202e; bytes that are
+/// not UTF-8 such as \xff; surrogates without their other half such as \ud83d.
+std::string ToVisible(std::u16string_view text);
+std::string ToVisible(std::string_view utf8);
+/// The same, part by part and without allocating.
+void WriteVisible(std::string_view utf8, void (*write)(std::string_view part));
+
+/// Whether the text has a control character, or a line or paragraph separator.
+bool HasControl(std::u16string_view text);
+
+/// The 16-bit units of well-formed UTF-8; empty for any other text, and for characters that need
 /// more than one unit.
 std::optional<std::u16string> ToSingleUnits(std::string_view utf8);
 
-/// The decimal number that the whole text is; nothing for any other text, and out of range.
+/// The text as a decimal number; empty for any other text, and for a number out of range.
 template <class Number>
 std::optional<Number> ToNumber(std::string_view text) {
   Number number{};

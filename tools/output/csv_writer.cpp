@@ -9,16 +9,7 @@ std::string CsvWriterC::Path(std::string_view key) const {
   return groups_.empty() ? std::string(key) : fmt::format("{}.{}", groups_.back(), key);
 }
 
-void CsvWriterC::Quoted(std::string_view text) {
-  if (isSkipping_ || text.find_first_of(",\"\r\n") == std::string_view::npos) return Cell(text);
-  Comma();
-  out_.push_back('"');
-  for (const char c : text) {
-    if (c == '"') out_.push_back('"');
-    out_.push_back(c);
-  }
-  out_.push_back('"');
-}
+void CsvWriterC::Quoted(std::string_view text) { Cell(CsvCell(text, formulas_)); }
 
 void CsvWriterC::Cells(double value) {
   Cell(std::isfinite(value) ? fmt::format("{}", value) : std::string());

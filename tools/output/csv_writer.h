@@ -15,18 +15,20 @@
 
 #include <surveydata/platform/vorlin_time.h>
 
+#include <output/csv_cell.h>
 #include <output/field_types.h>
 
 namespace Tool {
 
 /// Appends the header row or one row of a CSV table to a buffer, as RFC 4180 has it: commas, CRLF,
-/// quotes where a cell needs them. Each number of a fixed group has a column of its own, a list
-/// stands in one cell with spaces between; what there is none of is an empty cell. Texts are UTF-8.
+/// quotes where a cell needs them. Each number of a group of fixed size has its own column; a list
+/// is one cell with spaces in between; a value that is absent is an empty cell. Texts are UTF-8.
 class CsvWriterC {
  public:
   enum class Row { kHeader, kRecord };
 
-  CsvWriterC(fmt::memory_buffer& out, Row row) : out_(out), isHeader_(row == Row::kHeader) {}
+  CsvWriterC(fmt::memory_buffer& out, Row row, Formulas formulas = Formulas::kEscape)
+      : out_(out), isHeader_(row == Row::kHeader), formulas_(formulas) {}
 
   void EndLine() { Raw("\r\n"); }
 
@@ -111,6 +113,7 @@ class CsvWriterC {
 
   fmt::memory_buffer& out_;
   bool isHeader_;
+  Formulas formulas_;
   bool isFirst_ = true;
   bool isSkipping_ = false;
   std::vector<std::string> groups_;

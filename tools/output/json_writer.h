@@ -18,10 +18,9 @@
 
 namespace Tool {
 
-/// Appends one JSON object without white space to a buffer that its owner uses again: JSON Lines
-/// at the speed of a disk, and texts with any 16-bit units, also lone surrogates, as escapes. Real
-/// numbers have the digits that bring them back exactly; NaN and infinities, which JSON lacks, are
-/// null.
+/// Appends one JSON object without white space to a buffer that its owner reuses. Texts may have
+/// any 16-bit units, lone surrogates too, which become escapes. Real numbers have as many digits as
+/// it takes to read them back exactly; NaN and infinities, which JSON lacks, are null.
 class JsonWriterC {
  public:
   /// Begins the object.
@@ -30,7 +29,7 @@ class JsonWriterC {
   /// Ends the object and the line.
   void EndLine() { Raw("}\n"); }
 
-  /// A member that is an object; null, with its members left out, when it `isPresent` not.
+  /// A member that is an object; null, without its members, if it is not present.
   void Begin(std::string_view key, bool isPresent = true) {
     Key(key);
     isSkipping_ = !isPresent;
@@ -50,6 +49,14 @@ class JsonWriterC {
     if (isSkipping_) return;
     Key(key);
     Write(value);
+  }
+
+  /// A text whose key may be any UTF-8.
+  void NamedField(std::string_view key, std::string_view utf8) {
+    Comma();
+    Write(key);
+    out_.push_back(':');
+    Write(utf8);
   }
 
   /// A member that is an array of objects: `BeginArray`, for each element `BeginElement` and

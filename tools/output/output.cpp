@@ -1,18 +1,16 @@
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
 #include <command_line/exit_code.h>
 #include <output/output.h>
-#include <platform/platform.h>
+#include <platform/input_file.h>
 
 namespace Tool {
 
 OutputC::OutputC(const std::string& file, const std::string& input)
     : name_(file.empty() ? "standard output" : file), file_(stdout) {
   if (file.empty()) return;
-  std::error_code ignored;
-  if (!input.empty() && std::filesystem::equivalent(ToPath(file), ToPath(input), ignored)) {
+  if (!input.empty() && IsSameRegularFile(file, input)) {
     throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is the input itself", file));
   }
   file_ = std::fopen(file.c_str(), "wb");

@@ -16,7 +16,8 @@ namespace Tool {
 /// again. Throws `ToolErrorC` where writing fails.
 class OutputC {
  public:
-  /// To standard output when `file` is empty. Refuses to overwrite the file `input`.
+  /// To standard output when `file` is empty. Refuses to overwrite the file `input`, which may mean
+  /// standard input.
   explicit OutputC(const std::string& file = {}, const std::string& input = {});
   OutputC(const OutputC&) = delete;
   OutputC& operator=(const OutputC&) = delete;

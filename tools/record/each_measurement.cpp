@@ -9,35 +9,33 @@ namespace Tool {
 
 ExitCode ForEachMeasurement(RecordWalkC& walk,
                             const std::function<void(const DecodedRecord&)>& visit) {
-  ExitCode result = ExitCode::kDone;
+  std::uint64_t measurements = 0;
   std::uint64_t badFrames = 0;
   walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
-    ++badFrames;
-    // Chance bytes look like a frame that runs into the next record.
-    if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) result = ExitCode::kFinding;
+    // Chance bytes in a gap of a healthy file look like this one.
+    if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++badFrames;
   });
   SDI::GPSRecordEntry entry;
   while (walk.Next(entry)) {
     if (!entry.IsMeasurement()) continue;
     const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
     if (record.IsDone()) {
+      ++measurements;
       visit(record);
       continue;
     }
     ++badFrames;
-    result = ExitCode::kFinding;
     walk.HideProgress();
     Tell(fmt::format("the frame at {} is left out: its blocks do not fit", entry.offset));
   }
   walk.SetReportDamaged(nullptr);
   walk.HideProgress();
   if (badFrames > 0) {
-    Tell(fmt::format(
-        "{} bad frame{} could not be read and {} left out; surveydata record list {} shows {}",
-        badFrames, badFrames == 1 ? "" : "s", badFrames == 1 ? "is" : "are", walk.GetFile(),
-        badFrames == 1 ? "it" : "them"));
+    Tell(fmt::format("{} bad frame{} left out; surveydata record list shows {}", badFrames,
+                     badFrames == 1 ? " is" : "s are", badFrames == 1 ? "it" : "them"));
   }
-  return result;
+  if (measurements == 0) Tell(fmt::format("{} holds no measurement", walk.GetName()));
+  return badFrames > 0 || measurements == 0 ? ExitCode::kFinding : ExitCode::kDone;
 }
 
 }  // namespace Tool

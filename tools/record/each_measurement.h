@@ -9,9 +9,9 @@
 
 namespace Tool {
 
-/// Reads the measurements that are left in `walk`. Bad frames, those that `record list` shows, are
-/// left out, counted on standard error, and make the answer `kFinding`; those that end in the next
-/// record are counted alone.
+/// Reads the measurements that are left in `walk`. Bad frames are left out, counted on standard
+/// error, and make the answer `kFinding`; so does a file without a measurement. Headers in a gap
+/// whose frame would run into the next record are passed over: chance bytes look like them.
 ExitCode ForEachMeasurement(RecordWalkC& walk,
                             const std::function<void(const DecodedRecord&)>& visit);
 

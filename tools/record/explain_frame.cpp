@@ -15,7 +15,7 @@ namespace Frame = SDI::RecordFrame;
 using Frame::Block;
 using Frame::Field;
 
-std::string Told(std::u16string_view text) { return fmt::format("\"{}\"", ToPrintable(text)); }
+std::string Told(std::u16string_view text) { return fmt::format("\"{}\"", ToVisible(text)); }
 
 // Reads as the library's cursor does, and notes what it reads.
 class ExplainingCursorC {

@@ -7,8 +7,9 @@
 #include <surveydata/gnss/record_frame.h>
 
 #include <command_line/exit_code.h>
-#include <command_line/message.h>
+#include <platform/input_file.h>
 #include <record/find_frame.h>
+#include <record/record_input.h>
 
 namespace Tool {
 namespace {
@@ -22,7 +23,8 @@ SDI::GPSRecordStretch StretchAround(std::uint64_t offset) {
 }
 
 // `reader` reads the stretch around the offset.
-std::vector<std::uint8_t> Find(SDI::GPSRecordReaderC& reader, std::uint64_t offset) {
+std::vector<std::uint8_t> Find(SDI::GPSRecordReaderC& reader, const FrameOffset& given) {
+  const std::uint64_t offset = given.value;
   std::string reason = "the file ends before it";
   const char* damage = nullptr;
   reader.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
@@ -46,26 +48,22 @@ std::vector<std::uint8_t> Find(SDI::GPSRecordReaderC& reader, std::uint64_t offs
   }
   if (reader.GetState() != SDI::GPSReaderState::kOpen) return {};
   throw ToolErrorC(ExitCode::kFinding,
-                   fmt::format("no valid measurement frame at offset {}: {}", offset, reason));
+                   fmt::format("no valid measurement frame at offset {}: {}", given.text, reason));
 }
 
 }  // namespace
 
-std::vector<std::uint8_t> FindFrame(const std::string& file, std::uint64_t offset) {
-  SDI::GPSRecordReaderC reader(file.c_str(), StretchAround(offset));
-  if (reader.GetState() != SDI::GPSReaderState::kOpen) FailToRead(file);
+std::vector<std::uint8_t> FindFrame(const std::string& file, const FrameOffset& offset) {
+  InputFileC input(file);
+  SDI::GPSRecordReaderC reader = ReadRecords(input, StretchAround(offset.value));
   std::vector<std::uint8_t> frame = Find(reader, offset);
-  if (reader.GetState() == SDI::GPSReaderState::kNoStretches) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {} at an offset: it is a pipe", file));
-  }
-  if (reader.GetState() != SDI::GPSReaderState::kOpen) FailToRead(file);
+  if (reader.GetState() != SDI::GPSReaderState::kOpen) input.Fail();
   return frame;
 }
 
 std::vector<std::uint8_t> FindFrame(SDI::GPSRecordReaderC::ReadAt readAt, std::uint64_t size,
-                                    std::uint64_t offset) {
-  SDI::GPSRecordReaderC reader(std::move(readAt), size, StretchAround(offset));
+                                    const FrameOffset& offset) {
+  SDI::GPSRecordReaderC reader(std::move(readAt), size, StretchAround(offset.value));
   return Find(reader, offset);
 }
 

@@ -7,19 +7,21 @@
 
 #include <surveydata/gnss/gps_record_reader.h>
 
+#include <record/record_commands.h>
+
 /// \file
 /// What lies at an offset of a record file? The measurement frame that `record list` shows there,
-/// as its bytes; or a `ToolErrorC` that says what is there instead. The time does not depend on the
-/// size of the file.
+/// as its bytes; or a `ToolErrorC` that names what is there instead. The time does not depend on
+/// the size of a file; a pipe is read up to the offset.
 
 namespace Tool {
 
-std::vector<std::uint8_t> FindFrame(const std::string& file, std::uint64_t offset);
+std::vector<std::uint8_t> FindFrame(const std::string& file, const FrameOffset& offset);
 
-/// In a file that is open already: `readAt` and `size` are as in `GPSRecordReaderC`, and failures
-/// of `readAt` are exceptions.
+/// In a file that is open already: `readAt` and `size` are as in `GPSRecordReaderC`; `readAt`
+/// reports failures by exceptions.
 std::vector<std::uint8_t> FindFrame(SDI::GPSRecordReaderC::ReadAt readAt, std::uint64_t size,
-                                    std::uint64_t offset);
+                                    const FrameOffset& offset);
 
 }  // namespace Tool
 

@@ -1,4 +1,5 @@
 #include <charconv>
+#include <limits>
 #include <string_view>
 
 #include <command_line/common_options.h>
@@ -7,29 +8,31 @@
 namespace Tool {
 namespace {
 
-std::uint64_t ParseOffset(std::string_view text) {
+FrameOffset ParseOffset(const std::string& text) {
   const bool isHex = text.starts_with("0x") || text.starts_with("0X");
-  const std::string_view digits = isHex ? text.substr(2) : text;
+  const std::string_view digits = std::string_view(text).substr(isHex ? 2 : 0);
   const char* const end = digits.data() + digits.size();
   std::uint64_t offset = 0;
   const auto [stop, error] = std::from_chars(digits.data(), end, offset, isHex ? 16 : 10);
-  if (error != std::errc() || stop != end) {
+  if (error == std::errc::invalid_argument || stop != end) {
     throw ValueErrorC("neither a decimal number nor one like 0x1f");
   }
-  return offset;
+  // Every file ends before a number that is too large for 64 bits.
+  if (error != std::errc()) offset = std::numeric_limits<std::uint64_t>::max();
+  return {offset, text};
 }
 
 }  // namespace
 
-CommandOption FileArgument(std::string& file) {
+CommandOption FileArgument(std::string& file, bool mayBeInput) {
   return {.names = {"FILE"},
           .value = "TEXT",
-          .description = "The record file",
+          .description = mayBeInput ? "The record file, - for standard input" : "The record file",
           .take = StoreIn(file),
           .isRequired = true};
 }
 
-CommandOption OffsetOption(std::uint64_t& offset) {
+CommandOption OffsetOption(FrameOffset& offset) {
   return {
       .names = {"--offset"},
       .value = "N",

@@ -8,6 +8,12 @@
 
 namespace Tool {
 
+/// An offset of the command line, and how the user wrote it.
+struct FrameOffset {
+  std::uint64_t value = 0;  ///< The largest number for one that is larger.
+  std::string text;
+};
+
 /// `surveydata record ...`.
 Command RecordCommands();
 
@@ -18,11 +24,11 @@ Command RecordExportCommand();
 Command RecordSetCommand();
 Command RecordPlotCommand();
 
-/// The positional argument FILE.
-CommandOption FileArgument(std::string& file);
+/// The positional argument FILE; with `mayBeInput`, its help says that - is standard input.
+CommandOption FileArgument(std::string& file, bool mayBeInput = true);
 
-/// The required option --offset: decimal, or hexadecimal behind 0x.
-CommandOption OffsetOption(std::uint64_t& offset);
+/// The required option --offset: decimal, or hexadecimal after 0x.
+CommandOption OffsetOption(FrameOffset& offset);
 
 }  // namespace Tool
 

@@ -1,9 +1,7 @@
-#include <cstdint>
 #include <memory>
 #include <string>
 
 #include <command_line/common_options.h>
-#include <command_line/message.h>
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -18,19 +16,19 @@ namespace {
 
 constexpr const char* kDescription =
     "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
-    "Bad frames, as list shows them, are left out, counted on standard error, and give the exit\n"
-    "code 1; one that runs into the next record, as chance bytes do, is counted alone.\n"
-    "Other kinds of records and gaps are passed over; a file that has nothing else gives the\n"
-    "exit code 1 as well.";
+    "Bad frames are left out, counted on standard error, and give the exit code 1; so does a file\n"
+    "without a measurement. Other kinds of records and gaps are passed over, with chance bytes in\n"
+    "a gap that look like a header whose frame runs into the next record.";
 
 struct Options {
   std::string file;
   std::string output;
   bool isCsv = false;
+  Formulas formulas = Formulas::kEscape;
 };
 
-void WriteCsv(OutputC& out, const DecodedRecord& record, CsvWriterC::Row row) {
-  CsvWriterC line(out.GetBuffer(), row);
+void WriteCsv(OutputC& out, const DecodedRecord& record, CsvWriterC::Row row, Formulas formulas) {
+  CsvWriterC line(out.GetBuffer(), row, formulas);
   DescribeRecord(record, line);
   line.EndLine();
 }
@@ -44,22 +42,16 @@ void WriteJson(OutputC& out, const DecodedRecord& record) {
 ExitCode Run(const Options& options) {
   RecordWalkC walk(options.file, options.output.empty());
   OutputC out(options.output, options.file);
-  if (options.isCsv) WriteCsv(out, DecodedRecord(), CsvWriterC::Row::kHeader);
-  std::uint64_t count = 0;
-  ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
-    ++count;
+  if (options.isCsv) WriteCsv(out, DecodedRecord(), CsvWriterC::Row::kHeader, options.formulas);
+  const ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
     if (options.isCsv) {
-      WriteCsv(out, record, CsvWriterC::Row::kRecord);
+      WriteCsv(out, record, CsvWriterC::Row::kRecord, options.formulas);
     } else {
       WriteJson(out, record);
     }
     out.FlushIfFull();
   });
   out.Close();
-  if (count == 0 && walk.GetFileSize() > 0) {
-    Tell(options.file + " holds no measurement");
-    result = ExitCode::kFinding;
-  }
   return result;
 }
 
@@ -76,8 +68,10 @@ Command RecordExportCommand() {
   command.options = {{.names = {"--csv"},
                       .description = "CSV with a header row, quoted as RFC 4180 has it",
                       .flag = &options->isCsv},
+                     FormulasOption(options->formulas),
                      OutputOption(options->output,
                                   "The file to write, - for standard output, the default", "OUT")};
+  command.options[1].needs = {"--csv"};
   command.run = [options] { return Run(*options); };
   return command;
 }

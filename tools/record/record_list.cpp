@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <command_line/message.h>
 #include <command_line/text.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
@@ -23,8 +24,10 @@ namespace {
 
 constexpr const char* kDescription =
     "List every record of a file with time, dilutions of precision, satellites and name.\n"
-    "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no\n"
-    "record, headers of measurement frames there, and frames whose blocks do not fit.";
+    "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no "
+    "record,\n"
+    "headers of measurement frames among them, and frames whose blocks do not fit. So does a file\n"
+    "without a measurement.";
 
 struct Options {
   std::string file;
@@ -91,7 +94,7 @@ class TextListC : public ListI {
         "{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>10.3f} s {:>5} {:>5} {:>5} {:>5}  {:>9}  {}",
         record.offset, "measurement", record.size, GpsDateTime(GpsMilliseconds(summary.time)),
         summary.time.week, summary.time.timeOfWeek / 1000.0, told(summary.hdop), told(summary.vdop),
-        told(summary.tdop), told(summary.pdop), satellites, ToPrintable(summary.name));
+        told(summary.tdop), told(summary.pdop), satellites, ToVisible(summary.name));
     out_.Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
   }
   void Other(const SDI::GPSRecordEntry& entry) override {
@@ -218,7 +221,9 @@ ExitCode Run(const Options& options) {
               Counted(badFrames, "bad frame"));
   }
   out.Close();
-  return gaps + badFrames == 0 ? ExitCode::kDone : ExitCode::kFinding;
+  if (measurements == 0) Tell(fmt::format("{} holds no measurement", walk.GetName()));
+  const bool isHealthy = gaps + badFrames == 0 && measurements > 0;
+  return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
 }
 
 }  // namespace

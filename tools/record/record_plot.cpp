@@ -8,6 +8,7 @@
 #include <output/chart.h>
 #include <output/gps_time.h>
 #include <output/output.h>
+#include <platform/input_file.h>
 #include <platform/platform.h>
 #include <record/decoded_record.h>
 #include <record/each_measurement.h>
@@ -20,12 +21,12 @@ namespace {
 
 constexpr const char* kDescription =
     "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
-    "where time steps by more than three times the median step. Bad frames are left out,\n"
-    "counted on standard error, and give the exit code 1, as of export.";
+    "where time steps by more than three times the median step. Bad frames are left out, counted\n"
+    "on standard error, and give the exit code 1, as in export.";
 
 struct Options {
   std::string file;
-  std::string output;
+  PictureOutput output;
 };
 
 std::int64_t ToMilliseconds(double seconds) { return std::llround(seconds * 1000); }
@@ -39,7 +40,7 @@ Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
   const double first = series.GetFirstTime();
   const double last = series.GetLastTime();
   // Colours that people with any colour vision tell apart, in shades that differ as well.
-  return {.title = ToPath(file).filename().string(),
+  return {.title = IsStandardInput(file) ? "standard input" : ToPath(file).filename().string(),
           .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),
                                   Moment(first), Moment(last)),
           .timeLabel =
@@ -58,16 +59,14 @@ Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
 }
 
 ExitCode Run(const Options& options) {
+  options.output.Require(options.file);
   SatelliteSeriesC series;
   RecordWalkC walk(options.file);
   const ExitCode result =
       ForEachMeasurement(walk, [&](const DecodedRecord& record) { series.Add(record); });
-  if (series.GetRecordCount() == 0) {
-    throw ToolErrorC(ExitCode::kFinding,
-                     fmt::format("{} holds no measurement to draw", options.file));
-  }
+  if (series.GetRecordCount() == 0) return result;
   const std::string svg = DrawChart(ToChart(series, options.file));
-  OutputC out(options.output, options.file);
+  OutputC out(options.output.file, options.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();
   return result;

@@ -32,8 +32,10 @@ constexpr const char* kDescription =
     "Only the fields that are given are rewritten: the 17 characters of the name (zeros follow a\n"
     "shorter one), the number, the value and kind of the antenna height; and the checksum. All\n"
     "other bytes of the file stay. The change is made completely or not at all: in a copy that is\n"
-    "read back and then replaces the file in one step. Group, permissions, access control list and\n"
-    "extended attributes are kept, or the change is refused; only root keeps another owner. Sparse\n"
+    "read back and then replaces the file in one step. Group, permissions, access control list "
+    "and\n"
+    "extended attributes are kept, or the change is refused; only root keeps another owner. "
+    "Sparse\n"
     "files stay sparse. The file gets a new inode, so other hard links keep the old content;\n"
     "symbolic links are followed. The file is locked in the meantime: of several such commands at\n"
     "once, all but one end with 3. Other programs must not write to it; a change that is noticed\n"
@@ -41,7 +43,7 @@ constexpr const char* kDescription =
 
 struct Options {
   std::string file;
-  std::uint64_t offset = 0;
+  FrameOffset offset;
   FrameChanges changes;
   bool isDryRun = false;
 };
@@ -52,6 +54,7 @@ std::u16string ParseName(const std::string& utf8) {
   if (!units) {
     throw refuse("is not UTF-8, or has a character beyond U+FFFF, which a frame cannot hold");
   }
+  if (HasControl(*units)) throw refuse("has a control character, which a name must not have");
   if (units->size() > SDI::RecordFrame::kNameUnits) {
     throw refuse(fmt::format("has {} characters; a frame holds {}", units->size(),
                              SDI::RecordFrame::kNameUnits));
@@ -65,13 +68,13 @@ std::u16string ParseName(const std::string& utf8) {
 
 std::int32_t ParseNumber(const std::string& text) {
   const auto number = ToNumber<std::int32_t>(text);
-  if (!number) throw ValueErrorC("is no decimal number of 32 bits");
+  if (!number) throw ValueErrorC("is not a decimal number of 32 bits");
   return *number;
 }
 
 float ParseHeight(const std::string& text) {
   const auto number = ToNumber<double>(text);
-  if (!number) throw ValueErrorC("is no decimal number");
+  if (!number) throw ValueErrorC("is not a decimal number");
   const double metres = *number;
   if (!(0.0 <= metres && metres <= kHighestAntenna) || std::signbit(metres)) {
     throw ValueErrorC(fmt::format("must be from 0 to {} metres", kHighestAntenna));
@@ -114,6 +117,9 @@ std::vector<std::uint8_t> FindFrameIn(const Options& options,
 
 ExitCode Run(const Options& options) {
   const FrameChanges& changes = options.changes;
+  if (options.file == "-") {
+    throw ToolErrorC(ExitCode::kUsage, "standard input cannot be changed; name a file");
+  }
   if (!changes.name && !changes.number && !changes.antennaHeight) {
     throw ToolErrorC(ExitCode::kUsage, "nothing to set: give --name, --number or --antenna-height");
   }
@@ -125,11 +131,12 @@ ExitCode Run(const Options& options) {
   }
   OutputC out;
   if (frame.before == frame.after) {
-    Tell(fmt::format("the frame at {} holds this already; nothing is changed", options.offset));
+    Tell(
+        fmt::format("the frame at {} holds this already; nothing is changed", options.offset.text));
   } else if (options.isDryRun) {
-    WriteChanges(out, options.offset, frame);
+    WriteChanges(out, options.offset.value, frame);
   } else {
-    replacement->Replace(options.offset, frame.before, frame.after);
+    replacement->Replace(options.offset.value, frame.before, frame.after);
   }
   out.Close();
   return ExitCode::kDone;
@@ -145,7 +152,7 @@ Command RecordSetCommand() {
   command.footer =
       "Example:\n  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 "
       "--dry-run";
-  command.arguments = {FileArgument(options->file)};
+  command.arguments = {FileArgument(options->file, false)};
   command.options = {
       OffsetOption(options->offset),
       {.names = {"--name"},

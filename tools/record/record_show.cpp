@@ -22,7 +22,7 @@ namespace {
 
 struct Options {
   std::string file;
-  std::uint64_t offset = 0;
+  FrameOffset offset;
   bool isJson = false;
   bool hasBytes = false;
 };
@@ -74,19 +74,19 @@ void WriteBytes(OutputC& out, std::uint64_t offset, std::span<const std::uint8_t
 
 ExitCode Run(const Options& options) {
   const std::vector<std::uint8_t> frame = FindFrame(options.file, options.offset);
-  const DecodedRecord record = Decode(options.offset, frame);
+  const DecodedRecord record = Decode(options.offset.value, frame);
   OutputC out;
   if (options.isJson) {
     WriteJson(out, record, frame, options.hasBytes);
   } else if (options.hasBytes) {
-    WriteBytes(out, options.offset, frame);
+    WriteBytes(out, options.offset.value, frame);
   } else {
     ShowWriterC writer(out.GetBuffer());
     DescribeRecord(record, writer);
   }
   out.Close();
   if (record.IsDone()) return ExitCode::kDone;
-  Tell(fmt::format("the blocks of the frame at {} do not fit", options.offset));
+  Tell(fmt::format("the blocks of the frame at {} do not fit", options.offset.text));
   return ExitCode::kFinding;
 }
 
@@ -104,7 +104,7 @@ Command RecordShowCommand() {
                       .description = "Every byte with its block, field and value",
                       .flag = &options->hasBytes},
                      {.names = {"--json"},
-                      .description = "One JSON object, as of export",
+                      .description = "One JSON object, as in export",
                       .flag = &options->isJson}};
   command.run = [options] { return Run(*options); };
   return command;

@@ -9,18 +9,19 @@
 #include <surveydata/gnss/gps_record_reader.h>
 
 #include <command_line/progress.h>
+#include <platform/input_file.h>
 
 namespace Tool {
 
-/// Walks a record file with a progress bar. Throws `ToolErrorC` where the file cannot be read.
+/// Walks a record file, a pipe or standard input with a progress bar. Throws `FileErrorC` where it
+/// cannot be read.
 class RecordWalkC {
  public:
   /// `hasRows`: as in `ProgressC`.
   explicit RecordWalkC(const std::string& file, bool hasRows = false);
 
-  const std::string& GetFile() const { return file_; }
-  /// 0 for a pipe.
-  std::uint64_t GetFileSize() const { return reader_.GetSize(); }
+  /// For messages.
+  const std::string& GetName() const { return input_.GetName(); }
   /// As in `GPSRecordReaderC`: before the record that ends a gap, or the gap, is given.
   void SetReportDamaged(SDI::GPSRecordReaderC::ReportDamaged report) {
     reader_.SetReportDamaged(std::move(report));
@@ -32,7 +33,7 @@ class RecordWalkC {
   std::span<const std::uint8_t> GetBytes() const { return reader_.GetBytes(); }
 
  private:
-  std::string file_;
+  InputFileC input_;
   SDI::GPSRecordReaderC reader_;
   ProgressC progress_;
 };

@@ -34,7 +34,7 @@ void ShowWriterC::End() {
 }
 
 std::string ShowWriterC::Told(std::u16string_view text) {
-  return fmt::format("\"{}\"", ToPrintable(text));
+  return fmt::format("\"{}\"", ToVisible(text));
 }
 
 std::string ShowWriterC::Told(HexBytes value) {

@@ -20,8 +20,6 @@
 #include <area/area_file.h>
 #include <area/area_inside.h>
 #include <area/area_measure.h>
-#include <area/direction_reader.h>
-#include <command_line/exit_code.h>
 
 #include "tests/support/ring_generator.h"
 #include "tests/tools/program.h"
@@ -385,35 +383,6 @@ TEST(AngleText, HasTheDigitsThatPeopleRead) {
   EXPECT_EQ(Tool::StepText(1e-9, AngleUnit::kDeg), "1e-09");
   EXPECT_EQ(Tool::StepText(-0.0, AngleUnit::kDeg), "0");
   EXPECT_EQ(Tool::StepText(1e9, AngleUnit::kDeg), "1e+09");
-}
-
-TEST(ParseDirection, TakesTwoNumbersWithOneSeparator) {
-  for (const char* const text :
-       {"1,2", "1;2", "1 2", "1\t2", " 1 , 2 ", "1,2,3,x", "1 2 inside", "1.0,2.0\r\n", "1,2;",
-        "+1,+2", "1;2;3", "1 2 3", "1,2, 3", "1;2 3", "1,2;x", "1 , 2 , 3"}) {
-    const auto direction = Tool::ParseDirection(text);
-    ASSERT_TRUE(direction.has_value()) << text;
-    EXPECT_EQ(direction->hz, 1);
-    EXPECT_EQ(direction->v, 2);
-  }
-  for (const char* const text :
-       {"", "1", "1,", ",1", "1,,2", "1x2", "x,2", "1,2x", "nan,1", "1,inf", "1e999,1", "1-2",
-        "+-1,2", "++1,2", "+,2", "1,2;3", "1,2 3", "1,2\t3,4", "1,2 ; 3"}) {
-    EXPECT_FALSE(Tool::ParseDirection(text).has_value()) << text;
-  }
-}
-
-TEST(ParseDirectionAlone, TakesNothingBehindTheTwoNumbers) {
-  for (const char* const text : {"1,2", "1;2", "1 2", " 1 , 2 ", "+1,+2"}) {
-    const auto direction = Tool::ParseDirectionAlone(text);
-    ASSERT_TRUE(direction.has_value()) << text;
-    EXPECT_EQ(direction->hz, 1);
-    EXPECT_EQ(direction->v, 2);
-  }
-  for (const char* const text :
-       {"", "1", "1,", "1,2,", "1,2;", "1,2,3", "1;2;3", "1 2 3", "1,2,x", "1 2 x", "1,2x"}) {
-    EXPECT_FALSE(Tool::ParseDirectionAlone(text).has_value()) << text;
-  }
 }
 
 }  // namespace

@@ -129,35 +129,45 @@ TEST(AreaFile, IsRefusedWithThePlaceAndTheReason) {
     std::string text;
     const char* message;
   } cases[] = {
-      {"", "no JSON: parse error at line 1"},
-      {"{\n\"kind\": \"polygon\",\n\"unit\": deg}", "no JSON: parse error at line 3"},
-      {"[]", "the file is no object"},
+      {"", "not JSON: parse error at line 1"},
+      {"{\n\"kind\": \"polygon\",\n\"unit\": deg}", "not JSON: parse error at line 3"},
+      {"5", "the file is not a JSON object"},
+      {"[]", "the file is not a JSON object"},
       {"{}", "\"unit\" is missing"},
       {R"({"unit": "grad"})", "\"unit\" is none of rad, deg, gon"},
-      {R"({"unit": 1})", "\"unit\" is no text"},
+      {R"({"unit": 1})", "\"unit\" is not a text"},
       {R"({"unit": "deg", "kind": "circle"})", "\"kind\" is none of rectangle, polygon, dome"},
       {R"({"unit": "deg", "kind": "dome"})", "\"hzStep\" is missing"},
       {R"({"unit": "deg", "kind": "dome", "hzStep": 1})", "\"vStep\" is missing"},
-      {R"({"unit": "deg", "kind": "dome", "hzStep": "1"})", "\"hzStep\" is no number"},
-      {R"({"unit": "deg", "hzstep": 1})", "\"hzstep\" is no member of this format"},
-      {R"({"unit": "deg", "unit": "gon"})", "\"unit\" stands twice in one object"},
+      {R"({"unit": "deg", "kind": "dome", "hzStep": "1"})", "\"hzStep\" is not a number"},
+      {R"({"unit": "deg", "hzstep": 1})", "\"hzstep\" is not a member of this format"},
+      {R"({"unit": "deg", "unit": "gon"})", "\"unit\" appears twice in one object"},
       {R"({"unit": "deg", "kind": "dome", "hzStep": 1, "vStep": 1, "points": []})",
        "\"points\" do not belong to a dome"},
-      {head + "\"points\": 5}", "\"points\" is no array"},
-      {head + "\"name\": 5}", "\"name\" is no text"},
-      {head + "\"settingE\": 65536}", "\"settingE\" is no whole number from 0 to 65535"},
-      {head + "\"settingA\": -1}", "\"settingA\" is no whole number from 0 to 4294967295"},
-      {head + "\"limitLow\": null}", "\"limitLow\" is no number"},
+      {head + "\"points\": 5}", "\"points\" is not an array"},
+      {head + "\"name\": 5}", "\"name\" is not a text"},
+      {head + "\"settingE\": 65536}", "\"settingE\" is not a whole number from 0 to 65535"},
+      {head + "\"settingA\": -1}", "\"settingA\" is not a whole number from 0 to 4294967295"},
+      {head + "\"limitLow\": null}", "\"limitLow\" is not a number"},
       {head.substr(0, head.size() - 2) + "}", "\"points\" is missing"},
       {head + "\"points\": [[1, 2], 3]}", "point 2 is neither [hz, v]"},
       {head + "\"points\": [[1, 2], [3]]}", "point 2 is neither [hz, v]"},
-      {head + "\"points\": [[1, 2], [3, \"4\"]]}", "point 2: the second number, v, is no number"},
+      {head + "\"points\": [[1, 2], [3, \"4\"]]}",
+       "point 2: the second number, v, is not a number"},
       {head + "\"points\": [{\"hz\": 1}]}", "point 1: \"v\" is missing"},
       {head + "\"points\": [{\"hz\": 1, \"v\": 2, \"d\": 3}]}",
-       "point 1: \"d\" is no member of this format"},
+       "point 1: \"d\" is not a member of this format"},
       {head + "\"points\": [{\"hz\": 1, \"v\": 2, \"distance\": null}]}",
-       "point 1: \"distance\" is no number"},
-      {head + "\"points\": [[1e999, 2]]}", "no JSON: "},
+       "point 1: \"distance\" is not a number"},
+      {head + "\"points\": [[1e999, 2]]}", "not JSON: "},
+      {head + "\"points\": [[1, 2, 3, 4]]}", "point 1 is neither [hz, v]"},
+      {head + "\"points\": [[1, [2]]]}", "point 1: the second number, v, is not a number"},
+      {head + "\"points\": [{\"hz\": 1, \"hz\": 1}]}", "point 1: \"hz\" appears twice"},
+      {head + "\"points\": [{\"hz\": {}}]}", "point 1: \"hz\" is not a number"},
+      {head + "\"points\": [], \"points\": []}", "\"points\" appears twice"},
+      {head + "\"unit\": {\"unit\": 1}}", "\"unit\" appears twice"},
+      {R"({"unit": {"deg": 1}})", "\"unit\" is not a text"},
+      {R"({"name": true})", "\"name\" is not a text"},
   };
   const TempFolderC folder;
   for (const auto& [text, message] : cases) {
@@ -168,6 +178,38 @@ TEST(AreaFile, IsRefusedWithThePlaceAndTheReason) {
     EXPECT_NE(outcome.err.find("made.json: " + std::string(message)), std::string::npos)
         << outcome.err;
   }
+}
+
+// Its limits are stated, and what is larger ends soon.
+TEST(AreaFile, IsRefusedWhenItIsTooLarge) {
+  const TempFolderC folder;
+  const std::string head =
+      R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1, "points": [)";
+  std::string many = head + "[1,2]";
+  for (std::size_t i = 1; i <= Tool::kMostAreaPoints; ++i) many += ",[1,2]";
+  const Outcome points = Area("info", Written(folder, many + "]}"));
+  EXPECT_EQ(points.exitCode, 3);
+  EXPECT_NE(points.err.find("the file has more than 1000000 points"), std::string::npos)
+      << points.err;
+  const Outcome bytes =
+      Area("info", Written(folder, std::string(Tool::kMostAreaBytes + 1, ' ') + "{}"));
+  EXPECT_EQ(bytes.exitCode, 3);
+  EXPECT_NE(bytes.err.find("the file is larger than 64 MiB"), std::string::npos) << bytes.err;
+  if (!fs::exists("/dev/zero")) return;
+  const Outcome zeros = Area("info", "/dev/zero");
+  EXPECT_EQ(zeros.exitCode, 3);
+  EXPECT_NE(zeros.err.find("the file is larger than 64 MiB"), std::string::npos) << zeros.err;
+}
+
+TEST(AreaFile, MayHaveAMillionPoints) {
+  const TempFolderC folder;
+  std::string text = R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1, "points": [)";
+  for (std::size_t i = 0; i < Tool::kMostAreaPoints; ++i) {
+    text += i > 0 ? "," : "";
+    text += R"({"v":2,"hz":)" + std::to_string(i % 300) + "}";
+  }
+  const Tool::AreaFile file = Tool::LoadAreaFile(Written(folder, text + "]}"));
+  EXPECT_EQ(file.Sphere().GetPoints().size(), Tool::kMostAreaPoints);
 }
 
 TEST(AreaFile, KeepsEverySetting) {
@@ -221,18 +263,23 @@ TEST(AreaOutline, TakesTheDefaultWhereNoCornerHasADistance) {
   EXPECT_EQ(Area("outline", AreaPath("dome"), {"--csv"}).out, "hz,v,distance\r\n");
 }
 
-TEST(AreaCommands, SayOfAnAreaThatIsNotValidWhyAndGiveTheCodeOne) {
+// A question to an area that is not valid has no answer; a picture shows why.
+TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
   const TempFolderC folder;
   const std::string reason = "surveydata: the area is not valid: edges 1 (point 1 to 2) and 3";
   for (const Outcome& outcome :
        {Area("outline", AreaPath("bow_tie")), Area("contains", AreaPath("bow_tie"), {"130,70"}),
+        Area("contains", AreaPath("bow_tie"), {"--csv", "/dev/null"}),
         Area("plot", AreaPath("bow_tie"), {"-o", folder / "out.svg"})}) {
-    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err.substr(0, reason.size()), reason);
   }
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"out.svg"});
+  EXPECT_EQ(Area("info", AreaPath("bow_tie")).exitCode, 1);
 }
 
-TEST(AreaCommands, TellEightReasonsAndInfoTellsAll) {
+TEST(AreaCommands, ReportEightReasonsAndInfoReportsAll) {
   const TempFolderC folder;
   std::string points;
   for (int i = 0; i < 5000; ++i) points += std::string(i > 0 ? "," : "") + "[-1, 20]";
@@ -240,7 +287,7 @@ TEST(AreaCommands, TellEightReasonsAndInfoTellsAll) {
       "vStep": 1, "points": [)" + points + "]}");
   for (const Outcome& outcome :
        {Area("contains", file, {"1,2"}), Area("plot", file, {"-o", folder / "out.svg"})}) {
-    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.exitCode, 4);
     const std::vector<std::string> lines = Lines(outcome.err);
     ASSERT_EQ(lines.size(), 9u);
     EXPECT_EQ(lines[8], "surveydata: the area is not valid: 9991 more reasons, see area info");
@@ -265,7 +312,7 @@ TEST(AreaContains, AnswersForDirectionsOfTheCommandLine) {
 
 TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
   const TempFolderC folder;
-  const std::string text = "hz,v,remark\r\n# a comment\r\n\r\n0,90,first\r\n355;100\r\n8\t116\r\n";
+  const std::string text = "hz,v\r\n# a comment\r\n\r\n0,90\r\n355, 100\r\n+8 ,116\r\n";
   WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
   const std::vector<std::string> area = {"area", "contains", AreaPath("doorway"), "--json"};
   const std::string expected =
@@ -293,50 +340,96 @@ TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
   EXPECT_EQ(none.out, "");
 }
 
-TEST(AreaContains, ReadsOverAByteOrderMarkAndNotOverADirection) {
+// Point names and remarks go with their directions, whatever the order of the columns.
+TEST(AreaContains, PassesOtherColumnsOn) {
   const TempFolderC folder;
-  const auto ask = [&](const std::string& text) {
-    WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
-    return Area("contains", AreaPath("doorway"), {"--json", "--csv", folder / "d.csv"});
+  const std::string text =
+      "id;V;remark;HZ\n\"P;1\";90;=1+1;0\n#2;90.5;\"say \"\"x\"\"\";20\n;91;;+1\n";
+  WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+  const auto ask = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> all = {"--csv", folder / "d.csv"};
+    all.insert(all.end(), more.begin(), more.end());
+    const Outcome outcome = Area("contains", AreaPath("doorway"), all);
+    EXPECT_EQ(outcome.exitCode, 1);
+    return outcome.out;
   };
-  const std::string first = "{\"hz\":0.0,\"v\":90.0,\"inside\":true}\n";
-  EXPECT_EQ(ask("\xEF\xBB\xBF"
-                "0,90\n")
-                .out,
-            first);
-  EXPECT_EQ(ask("\xEF\xBB\xBF"
-                "Hz;V\n0;90\n")
-                .out,
-            first);
-  EXPECT_EQ(ask("\"Hz\",\"V\"\n0,90\n").out, first);
-  EXPECT_EQ(ask("north,nadir\n+0,90\n").out, first);
-  // What is a number, or looks like one, is no heading.
-  for (const char* const text :
-       {"\"0\",\"90\"\n0,90\n", "nan,90\n0,90\n", "inf,1\n0,90\n", "0,5;90,5\n", "1e999;90\n",
-        "0,90\n\xEF\xBB\xBF"
-        "0,90\n"}) {
-    SCOPED_TRACE(text);
-    const Outcome outcome = ask(text);
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("is no direction"), std::string::npos);
+  EXPECT_EQ(ask({}),
+            "        Hz [deg]           V [deg]  answer   id  remark\n"
+            "               0                90  inside   P;1  =1+1\n"
+            "              20              90.5  outside  #2  say \"x\"\n"
+            "               1                91  inside     \n"
+            "3 directions: 2 inside, 1 outside\n");
+  EXPECT_EQ(ask({"--format", "csv"}),
+            "id,V,remark,HZ,inside\r\nP;1,90,'=1+1,0,true\r\n"
+            "#2,90.5,\"say \"\"x\"\"\",20,false\r\n,91,,+1,true\r\n");
+  EXPECT_NE(ask({"--format", "csv", "--formulas", "keep"}).find(",=1+1,"), std::string::npos);
+  const std::string jsonLines =
+      "{\"hz\":0.0,\"v\":90.0,\"inside\":true,\"columns\":{\"id\":\"P;1\",\"remark\":\"=1+1\"}}\n"
+      "{\"hz\":20.0,\"v\":90.5,\"inside\":false,"
+      "\"columns\":{\"id\":\"#2\",\"remark\":\"say \\\"x\\\"\"}}\n"
+      "{\"hz\":1.0,\"v\":91.0,\"inside\":true,\"columns\":{\"id\":\"\",\"remark\":\"\"}}\n";
+  EXPECT_EQ(ask({"--json"}), jsonLines);
+  EXPECT_EQ(ask({"--format", "json"}), jsonLines);
+}
+
+TEST(AreaContains, WritesCsvWithoutOtherColumns) {
+  EXPECT_EQ(Area("contains", AreaPath("doorway"), {"0,90", "20,90", "--format", "csv"}).out,
+            "hz,v,inside\r\n0,90,true\r\n20,90,false\r\n");
+  const TempFolderC folder;
+  WriteBytes(folder / "d.csv", {'0', ' ', '9', '0'});
+  EXPECT_EQ(
+      Area("contains", AreaPath("doorway"), {"--csv", folder / "d.csv", "--format", "csv"}).out,
+      "hz,v,inside\r\n0,90,true\r\n");
+  WriteBytes(folder / "empty.csv", {});
+  EXPECT_EQ(
+      Area("contains", AreaPath("doorway"), {"--csv", folder / "empty.csv", "--format", "csv"}).out,
+      "hz,v,inside\r\n");
+}
+
+// Columns without a heading have numbers for names.
+TEST(AreaContains, TakesTheColumnsThatAreNamed) {
+  const TempFolderC folder;
+  const std::string text = "P1\t90\t0\n";
+  WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+  const std::vector<std::string> options = {"--csv", folder / "d.csv", "--columns", "3,2"};
+  for (const std::vector<std::string>& more :
+       {std::vector<std::string>{"--json"}, {"--json", "--no-header", "--separator", "tab"}}) {
+    std::vector<std::string> all = options;
+    all.insert(all.end(), more.begin(), more.end());
+    EXPECT_EQ(Area("contains", AreaPath("doorway"), all).out,
+              "{\"hz\":0.0,\"v\":90.0,\"inside\":true,\"columns\":{\"1\":\"P1\"}}\n");
   }
 }
 
 TEST(AreaCommands, DoNotSteerTheTerminal) {
   const TempFolderC folder;
-  const std::string steering = "a\x1B[31mb";
-  const std::string lines = "0,90\n" + steering + "\n";
+  // An escape sequence, DEL, a C1 control, a line separator, a bidirectional override.
+  const std::string steering = "a\x1B[31m\x7F\u009B\u2028\u202Eb";
+  const std::string shown = "a\\x1b[31m\\x7f\\u009b\\u2028\\u202eb";
+  const std::string lines = "0,90\n" + steering + ",1\n";
   WriteBytes(folder / "d.csv", Bytes(lines.begin(), lines.end()));
-  const std::string named = Written(folder, R"({"kind": "dome", "unit": "deg", "hzStep": 1,
-      "vStep": 1, "name": "a\u001b[31m\nb"})");
+  const std::string table = "id,hz,v\n" + steering + ",0,90\n";
+  WriteBytes(folder / "t.csv", Bytes(table.begin(), table.end()));
+  const std::string name = "a\x1B[31m\n\x7F\u009B\u2028\u202Eb";
+  const std::string named = Written(
+      folder, json({{"kind", "dome"}, {"unit", "deg"}, {"hzStep", 1}, {"vStep", 1}, {"name", name}})
+                  .dump());
   const Outcome info = Area("info", named);
-  EXPECT_NE(info.out.find("a\uFFFD[31m\uFFFDb\n"), std::string::npos) << info.out;
-  EXPECT_EQ(json::parse(Area("info", named, {"--json"}).out)["name"], "a\x1B[31m\nb");
+  EXPECT_NE(info.out.find("a\\x1b[31m\\n\\x7f\\u009b\\u2028\\u202eb\n"), std::string::npos)
+      << info.out;
+  EXPECT_EQ(json::parse(Area("info", named, {"--json"}).out)["name"], name);
   for (const Outcome& outcome :
-       {info, Area("contains", AreaPath("doorway"), {"--csv", folder / "d.csv"}),
+       {Area("contains", AreaPath("doorway"), {"--csv", folder / "d.csv"}),
+        Area("contains", AreaPath("doorway"), {"--csv", folder / "t.csv"}),
         Area("info", folder / steering), Area("contains", AreaPath("doorway"), {steering})}) {
-    EXPECT_EQ((outcome.out + outcome.err).find('\x1B'), std::string::npos);
+    EXPECT_NE((outcome.out + outcome.err).find(shown), std::string::npos)
+        << outcome.out << outcome.err;
+    EXPECT_EQ((outcome.out + outcome.err).find_first_of("\x1B\x7F"), std::string::npos);
   }
+  // A line break in a name does not make another line of the message.
+  const Outcome missing = Area("info", folder / "a\nsurveydata: done");
+  EXPECT_EQ(Lines(missing.err).size(), 1u) << missing.err;
+  EXPECT_NE(missing.err.find("a\\nsurveydata: done"), std::string::npos) << missing.err;
 }
 
 TEST(AreaInfo, TellsHugeNumbersShortly) {
@@ -351,11 +444,9 @@ TEST(AreaInfo, TellsHugeNumbersShortly) {
   EXPECT_EQ(directions["exact"], false);
   const std::string far = Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1,
       "vStep": 1, "points": [[1e300, 20], [30, 20], [20, 50]]})");
-  for (const char* const command : {"info", "outline"}) {
-    const Outcome outcome = Area(command, far);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_NE(outcome.out.find("1e+300"), std::string::npos) << outcome.out;
-  }
+  const Outcome outcome = Area("info", far);
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_NE(outcome.out.find("1e+300"), std::string::npos) << outcome.out;
 }
 
 TEST(AreaOutline, RefusesADefaultThatIsNoDistance) {
@@ -374,36 +465,15 @@ TEST(AreaPlot, WritesToStandardOutputForAHyphen) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
-TEST(AreaContains, NamesTheLineThatIsNoDirection) {
+TEST(AreaContains, NamesTheLineThatIsNotADirection) {
   const TempFolderC folder;
-  for (const auto& [input, message] :
-       {std::pair<std::string, std::string>{"1,2\nheading\n", "standard input: line 2 is no"},
-        {"hz,v\nhz,v\n", "standard input: line 2 is no direction: hz,v"},
-        {"\n\n-,2\n", "standard input: line 3 is no direction: -,2"},
-        {std::string(5000, '1') + ",2\n", "standard input: line 1 is too long"}}) {
-    SCOPED_TRACE(message);
-    WriteBytes(folder / "in", Bytes(input.begin(), input.end()));
-    const Outcome outcome =
-        RunProgram({"area", "contains", AreaPath("doorway")}, {.input = folder / "in"});
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
-  }
-}
-
-TEST(AreaContains, RefusesALineWithAZeroByte) {
-  const TempFolderC folder;
-  for (const std::string& line :
-       {std::string("57,92\0\n57,92\n", 13), std::string("\0\n57,92\n", 8),
-        std::string("57,92\n#\0x\n57,92\n", 16), std::string("57,92\0", 6),
-        std::string("57,92\n\0 4", 9), std::string("\0", 1)}) {
-    WriteBytes(folder / "in", {line.begin(), line.end()});
-    const Outcome outcome =
-        Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"});
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("has a zero byte"), std::string::npos) << outcome.err;
-  }
-  WriteBytes(folder / "in", {'5', '7', ',', '9', '2'});  // no end of the line is no zero byte
-  EXPECT_EQ(Area("contains", DataPath("areas/facade.json"), {"--csv", folder / "in"}).exitCode, 0);
+  const std::string input = "1,2\nheading\n";
+  WriteBytes(folder / "in", Bytes(input.begin(), input.end()));
+  const Outcome outcome =
+      RunProgram({"area", "contains", AreaPath("doorway")}, {.input = folder / "in"});
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_EQ(outcome.err,
+            "surveydata: standard input: line 2 has 1 column, not 2 as the first line: heading\n");
 }
 
 // Around the size of a block, and many.
@@ -427,7 +497,7 @@ TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
     WriteBytes(folder / "d.csv", Bytes(input.begin(), input.end()));
     const std::vector<std::string> lines =
         Lines(Area("contains", AreaPath("facade"), {"--csv", folder / "d.csv"}).out);
-    std::string answers;  // behind the heading, and before the sum
+    std::string answers;  // after the heading, and before the sum
     for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
       answers += lines[i].substr(lines[i].rfind(' ') + 1) + "\n";
     }
@@ -441,7 +511,7 @@ TEST(AreaPlot, DrawsWellFormedPicturesOfEverySample) {
   for (const char* const name : kAreas) {
     SCOPED_TRACE(name);
     const Outcome outcome = Area("plot", AreaPath(name), {"-o", folder / "out.svg"});
-    EXPECT_EQ(outcome.exitCode, std::string(name) == "bow_tie" ? 1 : 0);
+    EXPECT_EQ(outcome.exitCode, std::string(name) == "bow_tie" ? 4 : 0);
     EXPECT_EQ(outcome.out, "");
     const std::string text = ReadText(folder / "out.svg");
     const ptree svg = ParseXml(text);
@@ -517,7 +587,7 @@ TEST(AreaPlot, DrawsWhateverPointsAFileHolds) {
     EXPECT_EQ(text.find("nan"), std::string::npos);
     EXPECT_EQ(text.find("inf\""), std::string::npos);
     EXPECT_LE(Area("info", file).exitCode, 1);
-    EXPECT_LE(Area("outline", file).exitCode, 1);
+    EXPECT_NE(Area("outline", file).exitCode, 3);
   }
 }
 

@@ -98,7 +98,7 @@ TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
     EXPECT_TRUE(Contains(section, (isOption ? "\\fB" : "\\fI") + InRoff(last) + "\\fR")) << section;
   }
   EXPECT_TRUE(Contains(ManSection(page, ".SH OPTIONS"), "\\-\\-help"));
-  EXPECT_TRUE(Contains(ManSection(page, ".SH EXIT CODES"), "2 wrong usage"));
+  EXPECT_TRUE(Contains(ManSection(page, ".SH EXIT CODES"), "2  wrong usage"));
   EXPECT_TRUE(Contains(page, ".TH SURVEYDATA 1 2026-01-02 \"surveydata 1.2.3\""));
 }
 
@@ -197,7 +197,9 @@ const std::vector<Question>& Questions() {
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
       {{"record", "list", "area", "--j"}, {"--json"}},  // a file with the name of a command
       {{"record", "set", "--name", "list", "--num"}, {"--number"}},
-      {{"area", "contains", "a.json", "--"}, {"--help", "--csv", "--json"}},
+      {{"area", "contains", "a.json", "--"},
+       {"--help", "--csv", "--columns", "--separator", "--no-header", "--format", "--json",
+        "--formulas"}},
       {{"record", "show", "--offset", ""}, {}},
       {{"area", "contains", "a.json", ""}, {}},
       {{"area", "info", ""}, {"a.json", "folder"}, true},

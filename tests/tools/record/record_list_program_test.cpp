@@ -128,7 +128,15 @@ TEST(RecordList, IsDoneWhenEveryByteBelongsToAGoodRecord) {
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(Lines(outcome.out).back(),
             "1 measurement, 1 other record, 0 gaps (0 bytes), 0 bad frames");
-  EXPECT_EQ(List(OneFrame(folder, {})).exitCode, 0);
+}
+
+TEST(RecordList, ReportsAFileWithoutMeasurements) {
+  const TempFolderC folder;
+  for (const Bytes& bytes : {Bytes{}, MakeFrame(17, {1, 2, 3})}) {
+    const Outcome outcome = List(OneFrame(folder, bytes));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err, "surveydata: " + folder / "one.rec" + " holds no measurement\n");
+  }
 }
 
 TEST(RecordList, ReportsAGap) {
@@ -225,8 +233,8 @@ TEST(RecordList, ReportsFramesWhoseBlocksDoNotFit) {
 TEST(RecordList, DoesNotTakeLongRecordsOfTheSameTypeForMeasurements) {
   const TempFolderC folder;
   const Outcome outcome = List(OneFrame(folder, MakeFrame(113, Bytes(494, 0))));
-  EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(Lines(outcome.out)[1], "         0  type 113       501");
+  EXPECT_TRUE(Lines(outcome.out).back().starts_with("0 measurements, 1 other record, "));
 }
 
 }  // namespace

@@ -101,6 +101,8 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
       {"1425", "found no record"},
       {"1426", "the file ends before it"},
       {"18446744073709551615", "the file ends before it"},
+      {"18446744073709551616", "the file ends before it"},
+      {"0x123456789abcdef0123", "the file ends before it"},
   };
   for (const auto& [offset, message] : cases) {
     SCOPED_TRACE(offset);

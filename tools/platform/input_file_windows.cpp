@@ -1,0 +1,67 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+
+#include <fmt/format.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <platform/file_error.h>
+#include <platform/input_file.h>
+#include <platform/platform.h>
+
+namespace Tool {
+
+bool IsStandardInput(const std::string& name) { return name == "-" || name == "/dev/stdin"; }
+
+bool IsSameRegularFile(const std::string& output, const std::string& input) {
+  std::error_code ignored;
+  return !IsStandardInput(input) &&
+         std::filesystem::equivalent(ToPath(output), ToPath(input), ignored);
+}
+
+InputFileC::InputFileC(const std::string& name)
+    : name_(IsStandardInput(name) ? "standard input" : name),
+      file_(IsStandardInput(name) ? stdin : _wfopen(ToPath(name).c_str(), L"rb")) {
+  if (file_ == nullptr) Fail();
+  std::setvbuf(file_, nullptr, _IONBF, 0);
+  struct _stat64 status {};
+  if (_fstat64(_fileno(file_), &status) != 0 || (status.st_mode & _S_IFREG) == 0) return;
+  start_ =
+      IsStandard() ? static_cast<std::uint64_t>(std::max<__int64>(_telli64(_fileno(file_)), 0)) : 0;
+  const auto end = static_cast<std::uint64_t>(status.st_size);
+  size_ = end > start_ ? end - start_ : 0;
+}
+
+InputFileC::~InputFileC() {
+  if (file_ != nullptr && !IsStandard()) std::fclose(file_);
+}
+
+std::size_t InputFileC::Read(std::span<char> to) {
+  const auto wanted =
+      static_cast<unsigned>(std::min<std::size_t>(to.size(), std::numeric_limits<int>::max()));
+  const int count = _read(_fileno(file_), to.data(), wanted);
+  if (count < 0) Fail();
+  return static_cast<std::size_t>(count);
+}
+
+std::ptrdiff_t InputFileC::ReadAt(std::uint64_t offset, std::span<std::uint8_t> to) {
+  const auto wanted =
+      static_cast<unsigned>(std::min<std::size_t>(to.size(), std::numeric_limits<int>::max()));
+  if (_lseeki64(_fileno(file_), static_cast<__int64>(start_ + offset), SEEK_SET) >= 0) {
+    const int count = _read(_fileno(file_), to.data(), wanted);
+    if (count >= 0) return count;
+  }
+  error_ = errno;
+  return -1;
+}
+
+void InputFileC::Fail() const {
+  const int error = error_ != 0 ? error_ : errno;
+  throw FileErrorC(fmt::format("cannot read {}: {}", name_, std::strerror(error)));
+}
+
+}  // namespace Tool
