@@ -38,6 +38,7 @@
 #include <surveydata/object_model/version.h>
 #include <surveydata/platform/vorlin_time.h>
 #include <surveydata/scanning/area_explanation.h>
+#include <surveydata/scanning/area_faults.h>
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan.h>
 #include <surveydata/scanning/scan_area.h>

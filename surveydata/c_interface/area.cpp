@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <surveydata/c_interface/boundary.h>
+#include <surveydata/scanning/area_faults.h>
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan.h>
 #include <surveydata/scanning/scan_area.h>
@@ -43,6 +44,17 @@ static_assert(
     SURVEYDATA_RULE_NO_CROSSING == static_cast<int>(AreaExplanation::Rule::kNoCrossing) &&
     SURVEYDATA_RULE_NOTHING_ABOVE == static_cast<int>(AreaExplanation::Rule::kNothingAbove) &&
     SURVEYDATA_RULE_PARITY == static_cast<int>(AreaExplanation::Rule::kParity));
+
+using FaultRule = SDI::AreaFault::Rule;
+static_assert(SURVEYDATA_FAULT_HZ_STEP == static_cast<int>(FaultRule::kHzStepNotPositive) &&
+              SURVEYDATA_FAULT_V_STEP == static_cast<int>(FaultRule::kVStepNotPositive) &&
+              SURVEYDATA_FAULT_POINT_COUNT == static_cast<int>(FaultRule::kPointCount) &&
+              SURVEYDATA_FAULT_POINT_OUT_OF_RANGE ==
+                  static_cast<int>(FaultRule::kPointOutOfRange) &&
+              SURVEYDATA_FAULT_EQUAL_POINTS == static_cast<int>(FaultRule::kEqualPoints) &&
+              SURVEYDATA_FAULT_EQUAL_HZ == static_cast<int>(FaultRule::kEqualHz) &&
+              SURVEYDATA_FAULT_EQUAL_V == static_cast<int>(FaultRule::kEqualV) &&
+              SURVEYDATA_FAULT_CROSSING_EDGES == static_cast<int>(FaultRule::kCrossingEdges));
 
 std::unique_ptr<ScanAreaC> MakeArea(std::uint32_t kind) {
   switch (kind) {
@@ -134,8 +146,9 @@ void Contains(const PreparedAreaC& area, AnglesC hz, AnglesC v, std::size_t coun
   }
 }
 
-std::uint64_t EdgeOf(std::size_t edge) {
-  return edge == AreaExplanation::kNoEdge ? SURVEYDATA_NONE : edge;
+static_assert(AreaExplanation::kNoEdge == SDI::AreaFault::kNone);
+std::uint64_t IndexOf(std::size_t index) {
+  return index == SDI::AreaFault::kNone ? SURVEYDATA_NONE : index;
 }
 
 }  // namespace
@@ -178,6 +191,26 @@ surveydata_status surveydata_area_prepare(const surveydata_area* area, std::uint
 }
 
 void surveydata_area_destroy(surveydata_area* area) { delete area; }
+
+surveydata_status surveydata_area_faults(const surveydata_area* area, surveydata_fault* faults,
+                                         std::size_t fault_size, std::size_t capacity,
+                                         std::size_t* count) {
+  const OutArray<surveydata_fault> out{faults, capacity, count};
+  if (area == nullptr || !out.IsGood()) return SURVEYDATA_INVALID_ARGUMENT;
+  if (fault_size != sizeof(*faults)) return SURVEYDATA_WRONG_SIZE;
+  return Guarded([&] {
+    const std::vector<SDI::AreaFault> found = SDI::FindAreaFaults(*area->area);
+    return out.Fill(found.size(), [&](std::size_t i) {
+      const SDI::AreaFault& fault = found[i];
+      return surveydata_fault{static_cast<std::uint32_t>(fault.rule),
+                              0,
+                              {IndexOf(fault.points[0]), IndexOf(fault.points[1])},
+                              {IndexOf(fault.edges[0]), IndexOf(fault.edges[1])},
+                              fault.hz,
+                              fault.v};
+    });
+  });
+}
 
 surveydata_status surveydata_area_bounds(const surveydata_area* area, surveydata_bounds* bounds) {
   if (area == nullptr || bounds == nullptr) return SURVEYDATA_INVALID_ARGUMENT;
@@ -264,8 +297,8 @@ surveydata_status surveydata_area_explain(const surveydata_area* area, double hz
                     0,
                     why.hz,
                     why.v,
-                    EdgeOf(why.bandEdge),
-                    EdgeOf(why.nearestEdge),
+                    IndexOf(why.bandEdge),
+                    IndexOf(why.nearestEdge),
                     why.distance};
     return out.Fill(why.crossings.size(), [&](std::size_t i) {
       const AreaExplanation::Crossing& crossing = why.crossings[i];

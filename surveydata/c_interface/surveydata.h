@@ -88,6 +88,7 @@ enum {
   SURVEYDATA_TEXT_DAMAGE = 1,  ///< `surveydata_entry::damage`
   SURVEYDATA_TEXT_BLOCK = 2,   ///< `surveydata_measurement::block`, `surveydata_field::block`
   SURVEYDATA_TEXT_REFUSED_FIELD = 3,  ///< What `surveydata_encode` refused.
+  SURVEYDATA_TEXT_FAULT = 4,          ///< `surveydata_fault::rule`
   SURVEYDATA_TEXT_RULE = 5            ///< `surveydata_explanation::rule`
 };
 
@@ -465,8 +466,8 @@ typedef struct surveydata_area_definition {
   double v_step;           ///< Likewise.
 } surveydata_area_definition;
 
-/// Makes an area of any points, whether they make sense or not. `*area` is set to the area; to null
-/// when it is not made.
+/// Makes an area of any points; `surveydata_area_faults` says whether they make sense. `*area` is
+/// set to the area, or to null on failure.
 SURVEYDATA_API surveydata_status
 surveydata_area_create(const surveydata_area_definition* definition, surveydata_area** area);
 
@@ -487,8 +488,37 @@ SURVEYDATA_API surveydata_status surveydata_area_prepare(const surveydata_area* 
 /// Releases an area. Null is allowed.
 SURVEYDATA_API void surveydata_area_destroy(surveydata_area* area);
 
-/// Where there is no edge.
+/// Rules that an area breaks, for `SURVEYDATA_TEXT_FAULT`.
+enum {
+  SURVEYDATA_FAULT_HZ_STEP = 1,             ///< The step in Hz is not above 0.
+  SURVEYDATA_FAULT_V_STEP = 2,              ///< The step in V is not above 0.
+  SURVEYDATA_FAULT_POINT_COUNT = 3,         ///< A rectangle has 2 points, a polygon 3 or more.
+  SURVEYDATA_FAULT_POINT_OUT_OF_RANGE = 4,  ///< Hz must be in [0, 2 pi], V in [0, pi].
+  SURVEYDATA_FAULT_EQUAL_POINTS = 5,        ///< Two points are equal.
+  SURVEYDATA_FAULT_EQUAL_HZ = 6,            ///< Both corners of a rectangle have the same Hz.
+  SURVEYDATA_FAULT_EQUAL_V = 7,             ///< Both corners of a rectangle have the same V.
+  SURVEYDATA_FAULT_CROSSING_EDGES = 8       ///< Two edges cross that are not adjacent.
+};
+
+/// In place of the index of a point or an edge: none.
 #define SURVEYDATA_NONE UINT64_MAX
+
+/// A rule that an area breaks. Points and edges are counted from 0; edge i runs from point i to the
+/// next point, the last edge to point 0.
+typedef struct surveydata_fault {
+  uint32_t rule;
+  uint32_t reserved;
+  uint64_t points[2];  ///< The points concerned, or `SURVEYDATA_NONE`.
+  uint64_t edges[2];   ///< The edges concerned, likewise.
+  double hz;           ///< Near the crossing of two edges, rad; 0 for other rules.
+  double v;            ///< Likewise.
+} surveydata_fault;
+
+/// Lists the rules that an area breaks: none if and only if the area and its steps are valid.
+/// Crossing edges are searched for only if there is no fault of points; at most 8 pairs are listed.
+SURVEYDATA_API surveydata_status surveydata_area_faults(const surveydata_area* area,
+                                                        surveydata_fault* faults, size_t fault_size,
+                                                        size_t capacity, size_t* count);
 
 /// The bounds of an area.
 typedef struct surveydata_bounds {

@@ -3,6 +3,7 @@
 
 #include <surveydata/c_interface/surveydata.h>
 #include <surveydata/gnss/gps_record_outcome.h>
+#include <surveydata/scanning/area_faults.h>
 
 namespace {
 
@@ -72,6 +73,8 @@ const char* surveydata_text(std::int32_t what, std::uint32_t value) {
       return TextAs<SDI::GPSRecordBlock>(value);
     case SURVEYDATA_TEXT_REFUSED_FIELD:
       return TextAs<SDI::GPSRecordField>(value);
+    case SURVEYDATA_TEXT_FAULT:
+      return TextAs<SDI::AreaFault::Rule>(value);
     case SURVEYDATA_TEXT_RULE:
       return TextAt(kRules, value);
     default:

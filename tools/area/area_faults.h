@@ -19,9 +19,7 @@ struct AreaFault {
   std::string text;  ///< For people, with angles in the unit of the file.
 };
 
-/// Why `SDI::ScanAreaC::IsValid` says no: empty exactly when it says yes. Crossing edges are looked
-/// for only where every point can be used, and a few of them are reported.
-/// \cost that of `IsValid`, a few times where edges cross.
+/// What `SDI::FindAreaFaults` finds, with texts.
 std::vector<AreaFault> FindAreaFaults(const AreaFile& file);
 
 }  // namespace Tool
