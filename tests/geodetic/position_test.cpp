@@ -61,8 +61,7 @@ TEST(Position, GivesItsOwnParts) {
   EXPECT_EQ(position.GetImpl()->GetCoordinatePoint().GetX(), 1.5);
   position.SetCoordinatePoint(CoordinatePointC(2.5, 0, 0));
   EXPECT_EQ(point.GetX(), 2.5);
-  EXPECT_EQ(&position.GetCoordinatePoint(), &point)
-      << "assignment leaves the objects where they are";
+  EXPECT_EQ(&position.GetCoordinatePoint(), &point) << "assignment keeps the objects";
   PositionC other;
   position = other;
   EXPECT_EQ(point.GetX(), 0.0);
@@ -101,15 +100,15 @@ TEST(Position, HasTheDimensionOfItsKind) {
   EXPECT_EQ(PositionC().GetDimension(), 0);
 }
 
-// The expected answer of a query: false comes with a result of 0.
+// Checks the result of a query; if it is false, `result` must be 0.
 void ExpectAnswer(bool answer, float result, bool expected, float stdDev) {
   EXPECT_EQ(answer, expected);
   EXPECT_EQ(result, expected ? stdDev : 0.0F);
 }
 
 TEST(Position, AnswersStandardDeviationsForEveryKindAndSetOfAxes) {
-  // For the scale factor 2 and the cofactors q11 = 4, q22 = 5, q33 = 16; the roots are exact or
-  // rounded to nearest.
+  // For the scale factor 2 and the cofactors q11 = 4, q22 = 5, q33 = 16. The roots are exact or
+  // correctly rounded.
   const float axis[] = {0.0F, 4.0F, 2 * std::sqrt(5.0F), 8.0F, 0.0F};
   const float combined[] = {0.0F, 8.0F, 6.0F, 10.0F, 0.0F};
   const unsigned axisNeeds[] = {0, 1, 2, 4, 0};
@@ -156,7 +155,7 @@ TEST(Position, AnswersNoStandardDeviationForSelectorsBeyondThree) {
 }
 
 TEST(Position, ComputesStandardDeviationsInSinglePrecision) {
-  // 2^24 + 1 has no float: the sum of the cofactors rounds to 2^24.
+  // 2^24 + 1 is not a float: the sum of the cofactors rounds to 2^24.
   const PositionC position(CoordinateReferenceSystemC(2, 1, 0), CoordinatePointC(),
                            CoordinateQualityC(1.0F, QMatrixC(16777216, 0, 0, 1, 0, 0), 3),
                            UndulationMementoC());

@@ -8,7 +8,7 @@ namespace {
 
 using SDI::ImgCameraInfoC;
 
-// The public class has no access to the two 16-bit numbers.
+// The public class has no accessors for the two 16-bit numbers.
 template <class Camera>
 concept HasShorts = requires(Camera& camera) {
   camera.GetShort1();

@@ -9,7 +9,7 @@ namespace {
 using API::BaseC;
 using API::ImplObjectC;
 
-int g_order = 0;  // counts the ends of all objects
+int g_order = 0;  // counts destroyed objects
 
 class Object : public BaseC {
  public:
@@ -53,7 +53,7 @@ TEST(Base, ItsAssignmentCopiesThePointerAlone) {
   EXPECT_EQ(&(other = object), &other);
   EXPECT_EQ(other.GetImpl(), impl);
   EXPECT_EQ(object.GetImpl(), impl);
-  EXPECT_EQ(impl->GetBase(), &object);  // no link is touched
+  EXPECT_EQ(impl->GetBase(), &object);  // the link is unchanged
   other = BaseC();
   EXPECT_EQ(other.GetImpl(), nullptr);
   EXPECT_EQ(object.GetImpl(), impl);
@@ -76,12 +76,12 @@ TEST(Base, DestroysItsImplementationWithinItsOwnEnd) {
   EXPECT_EQ(impl, 2);
 }
 
-// What the destructor of a derived class sees when the destructor of the other side runs it.
+// Records what the destructor of a derived class sees when the other side's destructor invokes it.
 class AskingImpl : public ImplObjectC {
  public:
   AskingImpl(BaseC& object, const ImplObjectC*& found) : object_(object), found_(found) {}
   ~AskingImpl() override {
-    EXPECT_EQ(GetBase(), nullptr);  // its own link is cut
+    EXPECT_EQ(GetBase(), nullptr);  // its own link is already cut
     found_ = object_.GetImpl();
   }
 
@@ -168,7 +168,7 @@ TEST(ImplObject, UnlinksTheEarlierOwnerBeforeItDeletesIt) {
   EXPECT_EQ(impl.GetBase(), nullptr);
 }
 
-// The constructors do not call what a derived class overrides.
+// The constructors do not call overrides of derived classes.
 TEST(Base, ItsConstructorLinksByItsOwnSetImpl) {
   class Refusing : public BaseC {
    public:

@@ -23,7 +23,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kTiny = std::numeric_limits<double>::denorm_min();
 constexpr float kFloatInfinity = std::numeric_limits<float>::infinity();
 
-// The exponent that `frexp` gives a finite number, read from its bits.
+// The exponent that `frexp` returns for a finite number, computed from its bits.
 int ExponentOf(double x) {
   const auto bits = std::bit_cast<std::uint64_t>(x);
   const auto fraction = bits & 0xFFFFFFFFFFFFF;
@@ -87,7 +87,7 @@ TEST(CompareWithTolerance, GivesTheKnownAnswers) {
       {-kInfinity, -kInfinity, 0.0, 0},
       {kInfinity, 1.0, DBL_MAX, 1},         // the tolerance of an infinity is the epsilon
       {DBL_MAX, -DBL_MAX, DBL_EPSILON, 1},  // the difference is infinite
-      {DBL_MAX, DBL_MAX / 2, 1.0, 0},       // and here the tolerance is
+      {DBL_MAX, DBL_MAX / 2, 1.0, 0},       // the tolerance is infinite
       {kNaN, 1.0, DBL_EPSILON, 0},
       {1.0, kNaN, DBL_EPSILON, 0},
       {kNaN, kNaN, 0.0, 0},
@@ -106,7 +106,7 @@ TEST(CompareWithTolerance, AgreesWithTheModelForAnyBits) {
   const auto any = [&random] { return std::bit_cast<double>(random()); };
   for (int i = 0; i < 300000; ++i) {
     const double a = any();
-    // Half of the partners differ only in the last places.
+    // In half of the cases, the two numbers differ only in the last places.
     const double b =
         random() % 2 == 0
             ? any()
@@ -182,7 +182,7 @@ struct Part {
 
   bool isEqual(const Part& other) const {
     ++asked;
-    return value / 10 == other.value / 10;  // not what `==` would say
+    return value / 10 == other.value / 10;  // differs from `==`
   }
   bool operator==(const Part&) const = delete;
 };

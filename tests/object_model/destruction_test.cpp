@@ -1,5 +1,6 @@
-// What `GetImpl` and `GetBase` answer inside the destructors of classes that callers derive from
-// the two sides of a pair, whichever side is destroyed first. docs/ownership.md has the table.
+// The results of `GetImpl` and `GetBase` inside the destructors of classes that callers derive from
+// the two sides of a pair, depending on which side is destroyed first; see the table in
+// docs/ownership.md.
 #include <functional>
 #include <utility>
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-// Both sides call what they are given when their destructor runs.
+// The destructors of both sides call the given function.
 class PointC : public SDI::CoordinatePointC {
  public:
   PointC(ODM::CoordinatePointC* data, std::function<void(PointC&)> atEnd)
@@ -72,7 +73,8 @@ TEST(Destructor, OfThePublicSideThatGoesSecondHasNoImplementation) {
     ++asked;
     EXPECT_EQ(point.GetImpl(), nullptr);
     EXPECT_EQ(point.API::BaseC::GetImpl(), nullptr);
-    // Of the implementation, its base is left, which answers until its owner is gone.
+    // Only the base of the implementation is left, which remains linked until its owner is
+    // destroyed.
     EXPECT_EQ(base->GetBase(), &point);
   });
   delete data;
@@ -85,7 +87,8 @@ TEST(Destructor, OfTheImplementationThatGoesSecondHasNoOwner) {
   auto* const data = new DataC([&](DataC& self) {
     ++asked;
     EXPECT_EQ(self.API::ImplObjectC::GetBase(), nullptr);
-    // Of the public object, its base is left, which answers until its implementation is gone.
+    // Only the base of the public object is left, which remains linked until its implementation is
+    // destroyed.
     EXPECT_EQ(point->GetImpl(), &self);
     EXPECT_EQ(self.GetY(), 2.0);
   });
@@ -94,8 +97,8 @@ TEST(Destructor, OfTheImplementationThatGoesSecondHasNoOwner) {
   EXPECT_EQ(asked, 1);
 }
 
-// `GetBase` of an implementation without an owner makes one, here too; it goes with the
-// implementation, as ever. The leak checker is the judge of that.
+// `GetBase` of an implementation without an owner creates one, even here. The implementation
+// destroys it, as always; LeakSanitizer checks that.
 TEST(Destructor, OfTheImplementationThatGoesSecondMakesAnotherOwnerWhenItAsks) {
   int asked = 0;
   API::BaseC* point = nullptr;
@@ -106,7 +109,7 @@ TEST(Destructor, OfTheImplementationThatGoesSecondMakesAnotherOwnerWhenItAsks) {
     EXPECT_NE(made, point);
     EXPECT_EQ(made->GetImpl(), &self);
     EXPECT_EQ(self.GetBase(), made);
-    EXPECT_EQ(point->GetImpl(), &self) << "the object that is being destroyed stays as it is";
+    EXPECT_EQ(point->GetImpl(), &self) << "the object being destroyed is unchanged";
   });
   point = new PointC(data, kNothing);
   delete point;

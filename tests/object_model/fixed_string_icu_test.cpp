@@ -1,4 +1,4 @@
-// The conversions to and from UTF-8, compared with ICU.
+// Compares the conversions to and from UTF-8 with ICU.
 
 #include <array>
 #include <cstddef>
@@ -18,7 +18,7 @@ namespace {
 using API::FixedStringC;
 using Model::kNoLimit;
 
-// ICU is the reference where the rules are the common ones: texts without surrogates.
+// ICU is the reference for texts without surrogates, which follow the standard rules.
 TEST(FixedStringUtf8, AgreesWithIcuOnTextsWithoutSurrogates) {
   std::mt19937_64 random(20260101);
   for (int round = 0; round < 20000; ++round) {
@@ -47,8 +47,8 @@ TEST(FixedStringUtf8, AgreesWithIcuOnTextsWithoutSurrogates) {
   }
 }
 
-// Which byte sequences are characters: ICU and the texts agree except for surrogates, overlong
-// forms and lead bytes from F0 on.
+// ICU and the fixed strings agree on which byte sequences are characters, except for surrogates,
+// overlong sequences and lead bytes from F0 on.
 TEST(FixedStringUtf8, AgreesWithIcuOnWhichSequencesAreCharacters) {
   for (unsigned lead = 1; lead < 0xF0; ++lead) {
     for (unsigned second = 1; second < 0x100; ++second) {

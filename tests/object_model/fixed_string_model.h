@@ -16,7 +16,7 @@
 #include <surveydata/object_model/fixed_string.h>
 
 /// \file
-/// The rules of the fixed texts again, step by step and without regard to speed.
+/// A reference model of the fixed strings: their rules step by step, regardless of speed.
 
 namespace Model {
 
@@ -43,11 +43,11 @@ std::u16string Units(const API::FixedStringC<N>& text) {
 template <std::uint16_t N>
 API::FixedStringC<N> Text(const std::u16string& units) {
   API::FixedStringC<N> text;
-  for (const char16_t unit : units) text += unit;  // 0 units too
+  for (const char16_t unit : units) text += unit;  // including 0 units
   return text;
 }
 
-/// `count` units, all different from their neighbours.
+/// `count` units; adjacent units differ.
 inline std::u16string Counting(std::size_t count, char16_t first = u'a') {
   std::u16string units;
   for (std::size_t i = 0; i < count; ++i) units += static_cast<char16_t>(first + i % 26);
@@ -120,10 +120,10 @@ inline Decoded FromUtf8(const char* src, std::size_t limit, std::size_t capacity
 
 struct Encoded {
   std::size_t needed = 0;
-  std::string written;  ///< With the terminator, when there was room.
+  std::string written;  ///< With the terminator, if there was room.
 };
 
-/// Encodes units up to the first 0, and their terminator, into `space` bytes.
+/// Encodes units up to the first 0, and the terminator, into `space` bytes.
 inline Encoded ToUtf8(const std::u16string& units, std::size_t space) {
   Encoded out;
   for (const char16_t c : units) {
@@ -147,7 +147,7 @@ inline Encoded ToUtf8(const std::u16string& units, std::size_t space) {
   return out;
 }
 
-/// The bytes of a text, for messages.
+/// The bytes of a text in hexadecimal, for messages.
 inline std::string Hex(const std::string& bytes) {
   std::string hex;
   char digits[4];
@@ -158,7 +158,8 @@ inline std::string Hex(const std::string& bytes) {
   return hex;
 }
 
-/// Units that mostly need one, two or three bytes of UTF-8, or all of these, lone surrogates too.
+/// Units that mostly need one, two or three bytes of UTF-8, or a mixture, including lone
+/// surrogates.
 inline std::u16string RandomUnits(std::mt19937_64& random, std::size_t count) {
   std::u16string units;
   const unsigned kind = static_cast<unsigned>(random() % 8);

@@ -11,11 +11,11 @@
 
 #include "tests/object_model/fixed_string_model.h"
 
-// Random texts against the model; a text that breaks a rule is shrunk.
+// Compares random texts with the model; failing cases are shrunk.
 
 namespace {
 
-// Bytes that begin, continue and break sequences, all kinds equally often.
+// Bytes that begin, continue and break sequences, each kind equally often.
 std::string AnyBytes() {
   const auto kinds = rc::gen::oneOf(rc::gen::inRange(0x00, 0x80), rc::gen::inRange(0x80, 0xC0),
                                     rc::gen::inRange(0xC0, 0xE0), rc::gen::inRange(0xE0, 0xF0),

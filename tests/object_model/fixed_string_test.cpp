@@ -32,7 +32,7 @@ using Model::ForEachCapacity;
 using Model::Text;
 using Model::Units;
 
-// The text holds `units` followed by a 0, and its last unit is 0.
+// Checks that the text consists of `units` followed by a 0, and that its last unit is 0.
 template <std::uint16_t N>
 void ExpectHolds(const FixedStringC<N>& text, const std::u16string& units) {
   EXPECT_EQ(Units(text), units);
@@ -101,12 +101,12 @@ TEST(FixedString, ACopyEndsItsUnitsAndAssignmentTakesThemAsTheyAre) {
 
     String assigned(u"before");
     EXPECT_EQ(&(assigned = text), &assigned);
-    EXPECT_EQ(unitsOf(assigned), units) << "all units as they are";
+    EXPECT_EQ(unitsOf(assigned), units) << "assignment copies all units unchanged";
     EXPECT_EQ(assigned.GetLength(), 3U);
 
     units[N] = 0;
     const String copy(text);
-    EXPECT_EQ(unitsOf(copy), units) << "the last unit is 0, the others as they are";
+    EXPECT_EQ(unitsOf(copy), units) << "the last unit is 0, the others are copied unchanged";
     EXPECT_EQ(copy.GetLength(), 3U);
     const String moved(std::move(text));
     EXPECT_EQ(unitsOf(moved), units) << "moving copies";
@@ -152,7 +152,7 @@ TEST(FixedString, TakesACStringOfUpToItsCapacityAndNoLongerOne) {
 }
 
 TEST(FixedString, ReadsAWideCStringNoFartherThanOneUnitBehindItsCapacity) {
-  const std::vector<char16_t> unterminated(11, u'x');  // a sanitizer sees a unit read behind it
+  const std::vector<char16_t> unterminated(11, u'x');  // a sanitizer detects reads beyond it
   ExpectHolds(FixedStringC<10>(unterminated.data()), u"");
 }
 
@@ -189,7 +189,7 @@ TEST(FixedString, MakesSurrogatePairsOfWideCharacters) {
     } cases[] = {
         {0xFFFF, u"\uFFFF"},         {0x10000, {0xD800, 0xDC00}}, {0x103FF, {0xD800, 0xDFFF}},
         {0x10400, {0xD801, 0xDC00}}, {0x1F6F0, u"\U0001F6F0"},    {0x10FFFF, {0xDBFF, 0xDFFF}},
-        {0x110000, u"\uFFFD"},  // no character
+        {0x110000, u"\uFFFD"},  // not a character
         {0x7FFFFFFF, u"\uFFFD"},     {0xFFFFFFFF, u"\uFFFD"},
     };
     for (const auto& [c, units] : cases) {
@@ -217,7 +217,7 @@ TEST(FixedString, CountsASurrogatePairAsTwoUnits) {
         const auto expected = before + 2 <= N ? units + u"\U0001F6F0" : units;
         auto text = Text<N>(units);
         text += pair;
-        ExpectHolds(text, expected);  // a pair that does not fit as a whole appends nothing
+        ExpectHolds(text, expected);  // a pair of which only one unit fits is not appended
         const FixedStringC<N> made((Wide(units) + pair).c_str());
         ExpectHolds(made, before + 2 <= N ? expected : std::u16string());
       }
@@ -226,7 +226,7 @@ TEST(FixedString, CountsASurrogatePairAsTwoUnits) {
 }
 
 #if defined(__linux__)
-// One block of text, mapped repeatedly, followed by a terminator.
+// A long text: one block, mapped repeatedly, followed by a terminator.
 class HugeText {
  public:
   explicit HugeText(std::size_t length) : size_(length + kPage) {
@@ -263,7 +263,7 @@ class HugeText {
 
 TEST(FixedString, ThrowsForABytesTextOfTwoGigabytes) {
   const HugeText huge(std::size_t{1} << 31);
-  if (!huge.Ok()) GTEST_SKIP() << "no room for a text of 2 GB in the address space";
+  if (!huge.Ok()) GTEST_SKIP() << "the address space has no room for a text of 2 GB";
   EXPECT_THROW(FixedStringC<10>{huge.Get()}, boost::numeric::positive_overflow);
   FixedStringC<255> text(u"before");
   try {
@@ -273,7 +273,7 @@ TEST(FixedString, ThrowsForABytesTextOfTwoGigabytes) {
     EXPECT_STREQ(error.what(), "bad numeric conversion: positive overflow");
   }
   ExpectHolds(text, u"before");
-  // With one byte less it is an ordinary text that is too long.
+  // With one byte less, it is just a text that is too long.
   ExpectHolds(FixedStringC<10>(huge.Get() + 1), u"");
 }
 #endif
@@ -302,13 +302,14 @@ TEST(FixedString, IsEqualWhenLengthAndUnitsAre) {
 }
 
 TEST(FixedString, EqualityLooksNoFartherThanTheTerminator) {
-  // After an append that SubString cuts, the units after the text differ from those of a new text.
+  // After appending and truncating with SubString, the units after the text differ from those of a
+  // new text.
   FixedStringC<10> a(u"abcdefghij");
   a.SubString(0, 3);
   EXPECT_TRUE(a == FixedStringC<10>(u"abc"));
 }
 
-// Both texts as UTF-8, compared as unsigned bytes up to the first difference or the left one's end.
+// Compares both texts as UTF-8, as unsigned bytes, up to the first difference or the end of `a`.
 bool ModelIsNotAfter(const std::u16string& a, const std::u16string& b) {
   const std::string left = Model::ToUtf8(a, 1000).written;  // with the terminator
   const std::string right = Model::ToUtf8(b, 1000).written;
@@ -562,7 +563,7 @@ TEST(FixedString, ReadsNumbersAsTheRuntimeDoes) {
       {"12abc", 12, 12.0},
       {"2147483647", 2147483647, 2147483647.0},
       {"-2147483648", std::numeric_limits<int>::min(), -2147483648.0},
-      {"0x10", 0, std::atof("0x10")},  // 16, or 0 by runtimes that know no hexadecimal ones
+      {"0x10", 0, std::atof("0x10")},  // 16, or 0 if the C runtime does not parse hexadecimal
   };
   for (const auto& [text, integer, real] : cases) {
     SCOPED_TRACE(text);
@@ -607,7 +608,7 @@ TEST(FixedString, IsEmptyWhenTheFormattedTextIsTooLong) {
   ExpectHolds(text, u"");
   ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();
-    // The buffer holds up to twice the capacity and one more; callers may exceed that.
+    // The buffer has room for twice the capacity plus one; the output may exceed that.
     for (const int length : {N - 1, N + 0, N + 1, 2 * N, 2 * N + 1, 2 * N + 2, 10 * N}) {
       const std::string argument(static_cast<std::size_t>(length), 'x');
       FixedStringC<N> made(u"before");
@@ -646,7 +647,7 @@ TEST(FixedString, ReturnsTheErrorOfTheRuntime) {
 
 // --- Sequences of operations
 
-// Any sequence of changes gives the same text as the same changes of a plain string.
+// Any sequence of changes gives the same text as the same changes to a `std::u16string`.
 TEST(FixedString, RandomChangesFollowTheModel) {
   std::mt19937_64 random(20260101);
   ForEachCapacity([&random](auto capacity) {

@@ -20,7 +20,7 @@ using Model::Hex;
 using Model::kNoLimit;
 using Model::RandomUnits;
 
-// True when `text`, after decoding, and the reported outcome equal those of the model.
+// Whether the decoded `text` and the reported result equal those of the model.
 template <std::uint16_t N>
 bool Agrees(const FixedStringC<N>& text, int result, std::size_t consumed,
             const Model::Decoded& model) {
@@ -29,8 +29,8 @@ bool Agrees(const FixedStringC<N>& text, int result, std::size_t consumed,
          std::memcmp(text.GetData(), model.units, (N + 1) * sizeof(char16_t)) == 0;
 }
 
-// Decodes bytes from a block of exactly their size with the terminator, so that a sanitizer reports
-// every read beyond them.
+// Decodes bytes from a heap block that ends with their terminator, so that a sanitizer detects
+// reads beyond it.
 template <std::uint16_t N>
 void ExpectDecodesLikeModel(const std::string& bytes, std::size_t limit) {
   const std::vector<char> source(bytes.c_str(), bytes.c_str() + bytes.size() + 1);
@@ -59,22 +59,22 @@ TEST(FixedStringFromUtf8, DecodesTheKnownExamples) {
       {"ab\xE2\x82\xAC", 5, 0, 5, u"ab\u20AC"},
       {"ab\xE2\x82\xAC", 4, -2, 2, u"ab"},
       {"ab\xC3", 3, -2, 2, u"ab"},
-      {"ab\xC3", 9, -3, 2, u"ab"},  // the terminator continues nothing
+      {"ab\xC3", 9, -3, 2, u"ab"},  // the terminator is not a continuation byte
       {"ab\xE2\x82", 9, -3, 2, u"ab"},
       {"a\xE2x\x82", 9, -3, 1, u"a"},
       {"", 0, 0, 0, u""},
       {"", kNoLimit, 0, 0, u""},
-      {"abc", 0, 0, 1, u"a"},  // the byte at the limit is looked at
+      {"abc", 0, 0, 1, u"a"},  // the byte at the limit is decoded
       {"abc", 2, 0, 3, u"abc"},
       {"\xC3\xA9", 0, -2, 0, u""},
       {"\xA9", 0, -3, 0, u""},
       {"a\xC3\xA9", 1, -2, 1, u"a"},
-      {"\xC1\x81", 2, 0, 2, u"A"},  // overlong forms are taken
+      {"\xC1\x81", 2, 0, 2, u"A"},  // overlong sequences are accepted
       {"\xE0\x81\x81", 3, 0, 3, u"A"},
       {"\xED\xA0\x80", 3, 0, 3, std::u16string(1, char16_t{0xD800})},
-      {"\xF1\x82\x83", 3, 0, 3, u"\u1083"},  // leads from F0 on read as those from E0 on
+      {"\xF1\x82\x83", 3, 0, 3, u"\u1083"},  // lead bytes from F0 on are like those from E0 on
       {"\xFF\xBF\xBF", 3, 0, 3, u"\uFFFF"},
-      {"\xF0\x90\x8D\x88", 4, -3, 3, u"\u040D"},  // the fourth byte continues nothing
+      {"\xF0\x90\x8D\x88", 4, -3, 3, u"\u040D"},  // the fourth byte is a stray continuation byte
       {"\xC0\x80"
        "b",
        3, 0, 3, std::u16string(u"\0b", 2)},  // a unit of 0
@@ -120,7 +120,7 @@ TEST(FixedStringFromUtf8, KeepsTheFirstUnitsOfATextThatIsTooLong) {
         EXPECT_EQ(text.GetLength(), static_cast<std::size_t>(std::min<int>(count, N)));
         ExpectDecodesLikeModel<N>(bytes, bytes.size());
         ExpectDecodesLikeModel<N>(bytes, kNoLimit);
-        ExpectDecodesLikeModel<N>(bytes + "\xA9", kNoLimit - 1);  // a fault counts for more
+        ExpectDecodesLikeModel<N>(bytes + "\xA9", kNoLimit - 1);  // an error takes precedence
       }
     }
   });
@@ -144,7 +144,7 @@ TEST(FixedStringFromUtf8, ReadsAtMostThreeBytesAUnitAndOneMoreByDefault) {
   });
 }
 
-// Every text of three bytes, by its limit.
+// Every text of three bytes, with every limit.
 class FixedStringFromUtf8ThreeBytes : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(FixedStringFromUtf8ThreeBytes, AllDecodeLikeTheModel) {
@@ -177,7 +177,7 @@ TEST(FixedStringFromUtf8, AllOneAndTwoByteTextsDecodeLikeTheModel) {
   }
 }
 
-// The same inside a text that is long enough to be decoded in blocks, at each place of a block.
+// The same within a text long enough to be decoded in blocks, at each position of a block.
 TEST(FixedStringFromUtf8, AllThreeBytesDecodeLikeTheModelInsideALongText) {
   constexpr std::size_t kLength = 34;
   char bytes[kLength + 1] = {};
@@ -197,8 +197,7 @@ TEST(FixedStringFromUtf8, AllThreeBytesDecodeLikeTheModelInsideALongText) {
   }
 }
 
-// Texts made of the relevant pieces: whole characters of each length, runs of one kind, single
-// bytes.
+// Texts composed of complete characters of each length, runs of one kind, and single bytes.
 std::string RandomBytes(std::mt19937_64& random, std::size_t most) {
   const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
   const auto add = [&](std::string& bytes, unsigned first, unsigned count) {
@@ -259,7 +258,7 @@ void ExpectEncodesLikeModel(const FixedStringC<N>& text, std::size_t space) {
   std::vector<char> block(space, '\x55');
   std::vector<char> expected = block;
   std::copy(model.written.begin(), model.written.end(), expected.begin());
-  char none;  // an empty block is no null destination
+  char none;  // the destination of an empty block must not be null
   const int result = text.ToUtf8(space != 0 ? block.data() : &none, space);
   EXPECT_EQ(result, static_cast<int>(model.needed));
   EXPECT_EQ(block, expected) << "space " << space << ", text "
@@ -291,7 +290,7 @@ TEST(FixedStringToUtf8, EndsAtAUnitOfZero) {
 TEST(FixedStringToUtf8, EncodesEveryUnitLikeTheModelAndBack) {
   for (unsigned unit = 0; unit < 0x10000; ++unit) {
     SCOPED_TRACE(unit);
-    // Alone, and at each place of a text that is encoded in blocks.
+    // Alone, and at each position of a text that is encoded in blocks.
     for (const std::size_t length : {1U, 20U}) {
       auto units = Model::Counting(length);
       const std::size_t at = unit % length;
@@ -301,7 +300,7 @@ TEST(FixedStringToUtf8, EncodesEveryUnitLikeTheModelAndBack) {
                                       std::size_t{3}, std::size_t{4}, std::size_t{64}}) {
         ExpectEncodesLikeModel(text, space);
       }
-      if (unit == 0) continue;  // ends the text
+      if (unit == 0) continue;  // would end the text
       std::array<char, 3 * 24 + 1> bytes;
       std::size_t size = static_cast<std::size_t>(text.ToUtf8(bytes.data(), bytes.size()));
       FixedStringC<24> back;

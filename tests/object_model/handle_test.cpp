@@ -48,7 +48,7 @@ TEST(Handle, MakesThePublicObjectOfAPartOnce) {
 
 TEST(Handle, ChangesFlagsBySettingThenClearing) {
   EXPECT_EQ(API::ChangedFlags(0x0F, 0x30, 0x05), 0x3AU);
-  EXPECT_EQ(API::ChangedFlags(0, 0x3, 0x1), 0x2U);  // clearing comes last
+  EXPECT_EQ(API::ChangedFlags(0, 0x3, 0x1), 0x2U);  // clears after setting
   EXPECT_EQ(API::ChangedFlags(0xFFFFFFFF, 0, 0), 0xFFFFFFFFU);
 }
 

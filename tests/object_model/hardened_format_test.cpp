@@ -1,5 +1,5 @@
-// The fixed strings as in a release: optimised, with the checks of the C library turned on. Those
-// checks end the process at a `%n` in a writable format.
+// Tests the fixed strings as compiled in a release: optimised, with FORTIFY. Its checks end the
+// process at a `%n` in a writable format.
 #include <cstdio>
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <surveydata/object_model/fixed_string.h>
 
 #if !defined(_FORTIFY_SOURCE) || _FORTIFY_SOURCE < 2 || !defined(__OPTIMIZE__)
-#error "compiled without the checks that this test needs"
+#error "this test must be compiled with optimisation and FORTIFY"
 #endif
 
 namespace {

@@ -15,13 +15,13 @@
 #include "tests/support/pairs.h"
 #include "tests/support/temp_file.h"
 
-// How many heap blocks an operation allocates, and what remains when an allocation fails.
+// Tests how many heap blocks an operation allocates, and its effect when an allocation fails.
 
 namespace {
 
 using Faults::FailuresBeforeSuccess;
 
-// The blocks that `work` allocates.
+// The number of blocks that `work` allocates.
 template <class Work>
 std::size_t Allocations(Work work) {
   const std::size_t before = Faults::Allocations();
@@ -132,7 +132,7 @@ TEST(FixedStringHeap, NoOperationUsesIt) {
   });
 }
 
-// The measurement frames of a sample file, by their offsets.
+// The offsets of the measurement frames of a sample file.
 std::vector<std::uint32_t> FramesIn(const std::vector<std::uint8_t>& file) {
   using SDI::RecordFrame::HasRightChecksum;
   using SDI::RecordFrame::Header;
@@ -151,7 +151,7 @@ std::vector<std::uint32_t> FramesIn(const std::vector<std::uint8_t>& file) {
 TEST(RecordHeap, ReadingTakesNoneBesidesTheFileBufferOfTheRuntime) {
   const std::string path = SURVEYDATA_TEST_DATA "valley_drive.rec";
   TestSupport::TempFolderC folder;
-  const auto copy = folder.Path() / "drive.rec";  // a file that is read must be writable
+  const auto copy = folder.Path() / "drive.rec";  // GPSRecordFileC needs write permission
   std::filesystem::copy_file(path, copy);
   const auto file = TestSupport::ReadBytes(path);
   const auto offsets = FramesIn(file);

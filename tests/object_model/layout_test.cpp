@@ -11,9 +11,8 @@
 #include "tests/support/expect_layout.h"
 #include "tests/support/pairs.h"
 
-// Sizes and alignments of the exported classes, in bytes, and the fields of the implementations in
-// their order: callers built apart from the library rely on them. Sizes are those of pointers of 64
-// bits.
+// Sizes and alignments of the exported classes, in bytes, and the order of the implementations'
+// fields, which separately compiled callers rely on. The sizes hold for 64-bit pointers.
 
 namespace {
 
@@ -24,8 +23,8 @@ using Layouts::kHasListedSizes;
 using Layouts::OffsetIn;
 using Layouts::Range;
 
-// A field is aligned as in a class: on 32-bit x86 a double is there at multiples of 4, by itself
-// of 8.
+// The alignment of a field within a class: on 32-bit x86, that of a double is 4 there, but 8 for a
+// separate object.
 template <class T>
 struct AfterAByte {
   char byte;
@@ -47,7 +46,7 @@ const Field kVector = Of<double[3]>(), kValues = Of<std::uint16_t[2]>(),
             kPair = Of<std::uint8_t[2]>();
 const Field kListBlock = Of<SDI::GPSListBlock>();
 
-// Parts, which are implementations held by value.
+// Parts: implementations held by value.
 const Field kReferenceSystem{kInt, kInt, kInt};
 const Field kPoint{kDouble, kDouble, kDouble};
 const Field kMatrix{kFloat, kFloat, kFloat, kFloat, kFloat, kFloat};
@@ -112,7 +111,7 @@ TEST(Layout, Gnss) {
                  kPair, kPair, kPair, kVector});
 }
 
-// The implementations of parts that the compact measurement holds.
+// The parts of the compact measurement.
 TEST(Layout, CompactParts) {
   EXPECT_EQ(sizeof(ODM::GPSAntHeightC), sizeof(SDI::GPSAntHeightImplC));
   EXPECT_EQ(sizeof(ODM::GPSDOPsC), sizeof(SDI::GPSDOPsImplC));
@@ -160,7 +159,7 @@ void ExpectAreaFieldsAt(std::uint32_t type) {
     EXPECT_LE(range.end, field.begin + field.size);
   }
   EXPECT_EQ(OffsetIn(impl, &impl.GetSphereArea()), 88U);
-  // The points are mirrored into the sphere area, and lie after it.
+  // The points, which are copied into the sphere area, lie after it.
   if (type == SDI::kDomeArea) return;
   const Range points =
       Changed(impl, [](Impl& a) { a.AddPoint(SDI::ScanDefPointC(1.0, 1.0, 1.0)); });
@@ -170,7 +169,7 @@ void ExpectAreaFieldsAt(std::uint32_t type) {
 }
 
 TEST(Layout, ScanAreas) {
-  if (!kHasListedSizes) GTEST_SKIP() << "the offsets are those of pointers of 64 bits";
+  if (!kHasListedSizes) GTEST_SKIP() << "the offsets hold for 64-bit pointers";
   ExpectAreaFieldsAt<SDI::ScanRectangularAreaImplC>(SDI::kRectangularArea);
   ExpectAreaFieldsAt<SDI::ScanPolygonAreaImplC>(SDI::kPolygonArea);
   ExpectAreaFieldsAt<SDI::ScanDomeAreaImplC>(SDI::kDomeArea);
@@ -218,7 +217,7 @@ TEST(Layout, PlainValues) {
 }
 
 TEST(Layout, FixedTexts) {
-  if (!kHasListedSizes) GTEST_SKIP() << "the sizes are those of pointers of 64 bits";
+  if (!kHasListedSizes) GTEST_SKIP() << "the sizes hold for 64-bit pointers";
   EXPECT_EQ(sizeof(API::FixedStringC<10>), 32U);
   EXPECT_EQ(sizeof(API::FixedStringC<16>), 48U);
   EXPECT_EQ(sizeof(API::FixedStringC<24>), 64U);

@@ -13,9 +13,9 @@
 #include "tests/support/faults.h"
 #include "tests/support/pairs.h"
 
-// Every allocation of every operation fails once: nothing leaks, nothing is deleted twice (the
-// sanitizer is the judge), links are intact, sources are unchanged, and where an operation makes
-// its copy first, its target is as it was. The operation then works.
+// Makes every allocation of every operation fail once. Nothing may leak or be deleted twice (the
+// sanitizer checks that), links must be intact and sources unchanged; if an operation copies before
+// it changes its target, the target must be unchanged. Afterwards the operation must succeed.
 
 namespace {
 
@@ -44,7 +44,7 @@ TYPED_TEST_SUITE(PairMemory, Pairs::AllPairs);
 TYPED_TEST(PairMemory, AssignmentFailsOrCopies) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
-  this->Marked();  // whatever is made once for all tests is there now
+  this->Marked();  // allocates everything that is created only once
   FailuresBeforeSuccess([] {});
   const BalanceC balance;
   const auto source = this->Marked();
@@ -63,7 +63,7 @@ TYPED_TEST(PairMemory, AssignmentFailsOrCopies) {
   check();
   EXPECT_EQ(Shown(*target.GetImpl()), marked);
   Impl* const impl = target.GetImpl();
-  EXPECT_EQ(FailuresBeforeSuccess([&] { *impl = std::as_const(*impl); }), 0U);  // to itself: none
+  EXPECT_EQ(FailuresBeforeSuccess([&] { *impl = std::as_const(*impl); }), 0U);  // self-assignment
 }
 
 TYPED_TEST(PairMemory, ACopyOfAnImplementationHasNoOwnerOrDoesNotExist) {
@@ -143,7 +143,7 @@ std::vector<ScanDefPointC> Corners() {
           ScanDefPointC(0.4, 1.6, -1.0)};
 }
 
-// Points and geometry are the same.
+// Whether points and geometry are the same.
 void ExpectMirrored(const SDI::ScanAreaImplC& area) {
   std::vector<ScanDefPointC> points;
   area.GetPoints(points);
@@ -169,7 +169,7 @@ TEST(ScanAreaMemory, APointIsAddedWholeOrNotAtAll) {
     EXPECT_EQ(area.GetPointCount(), count + 1);
     ExpectMirrored(*area.GetImpl());
   }
-  EXPECT_GE(failures, 40U);  // the point's own two at least
+  EXPECT_GE(failures, 40U);  // at least two for each point
 }
 
 TEST(ScanAreaMemory, ManyPointsAreAddedUpToTheOneThatFails) {
@@ -262,7 +262,7 @@ TEST(ScanAreaMemory, TheOutlineOfARectangleIsCompleteOrCutShort) {
   EXPECT_EQ(outline.size(), 4U);
 }
 
-// --- The geometry, on each of its paths
+// --- The geometry, on each of its code paths
 
 struct Shape {
   const char* name;
@@ -293,7 +293,7 @@ std::vector<Shape> Shapes() {
           ring,
           // A corner at the zenith, which prepared areas skip.
           {"wedge", {{0.0, 0.0}, {1.0, 1.0}, {2.0, 1.0}}, {1.5, 0.5}, {1.5, 1.6}},
-          // Beyond the zenith by less than the tolerance: prepared areas leave it to the rules.
+          // Beyond the zenith by less than the tolerance: prepared areas apply the rules directly.
           {"tipped", {{0.5, -1e-11}, {0.2, 1.0}, {0.8, 1.0}}, {0.5, 0.7}, {0.5, 1.2}},
           {"bow tie", {{1.0, 1.0}, {2.0, 1.5}, {2.0, 1.0}, {1.0, 1.5}}, {9.9, 9.9}, {1.2, 1.25}}};
 }
@@ -309,7 +309,7 @@ TEST(GeometryMemory, AnswersOrFailsAndForgets) {
     const std::vector<GMAT::AnglePointC> points = area.GetPoints();
     ASSERT_EQ(points.size(), shape.corners.size());
     std::size_t failures = 0;
-    // After failures, the call that succeeds gives the same answer as one without failures.
+    // After failures, the successful call must give the same answer as one without failures.
     const auto expectSame = [&](auto question) {
       const auto expected = question();
       auto answer = expected;
@@ -337,7 +337,7 @@ TEST(GeometryMemory, AnswersOrFailsAndForgets) {
         return crossings.size();
       });
     }
-    // At the seam of a prepared area, and at a corner, the rules decide.
+    // At the seam of a prepared area, and at a corner, prepared areas apply the rules directly.
     expectSame([&] {
       const GMAT::PreparedSphereAreaC prepared(area);
       std::size_t inside = 0;
@@ -352,7 +352,7 @@ TEST(GeometryMemory, AnswersOrFailsAndForgets) {
   }
 }
 
-// --- Texts of any length
+// --- Texts of arbitrary length
 
 TEST(TextMemory, ATextIsSetOrAsBefore) {
   const std::string text(100, 'x');
@@ -405,7 +405,7 @@ class ScanMemory : public testing::Test {
     other_.CreateArea(SDI::kRectangularArea);
   }
 
-  // The scan is as the constructor left it.
+  // The scan has its default values.
   void ExpectUntouched() const {
     EXPECT_EQ(scan_.GetText1(), std::u16string(u"before"));
     EXPECT_EQ(scan_.GetValue1(), 1.5);

@@ -6,8 +6,8 @@
 
 #include <surveydata/surveydata.h>
 
-// Misuse of ownership that debug builds of the library catch: each case ends the program with a
-// message. What looks alike and is permitted goes on. Some of the rest the address checker finds.
+// Misuse of ownership that debug builds of the library detect: each case ends the program with a
+// message. Similar but permitted operations must not. AddressSanitizer detects some of the rest.
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SURVEYDATA_TEST_HAS_ADDRESS_CHECKER
@@ -30,7 +30,7 @@ TEST(OwnershipChecks, AnImplementationThatItsOwnerHasReplacedIsNotDeleted) {
                "earlier owner of this implementation has another one");
   EXPECT_DEATH(old->SetBase(nullptr), "earlier owner of this implementation has another one");
 
-  // Set aside in time, it is.
+  // Permitted after detaching it.
   API::ImplObjectC* const next = object->GetImpl();
   object->SetImpl(nullptr);
   next->DetachBase();
@@ -44,11 +44,12 @@ TEST(OwnershipChecks, AnImplementationIsDeletedWithAnOwnerThatHasNone) {
   auto* const object = new CoordinatePointC;
   API::ImplObjectC* const old = object->GetImpl();
   object->SetImpl(nullptr);
-  delete old;  // with `object`, which is still its owner
+  delete old;  // also deletes `object`, which is still its owner
 }
 
 #if defined(__linux__)
-// The allocator has overwritten the pointer of the owner; the address checker sees that it is gone.
+// The allocator has overwritten the owner's pointer; AddressSanitizer detects access to the freed
+// owner.
 TEST(OwnershipChecks, AnImplementationThatHasOutlivedItsOwnerIsNotDeleted) {
   EXPECT_DEATH(
       {
@@ -79,7 +80,7 @@ TEST(OwnershipChecks, AnImplementationThatIsAVariableIsNotAdopted) {
   EXPECT_DEATH(
       {
         ODM::CoordinatePointC impl;
-        const CoordinatePointC object(&impl);  // goes first
+        const CoordinatePointC object(&impl);  // destroyed first
       },
       "a variable is deleted as the implementation of an object");
   EXPECT_DEATH(
@@ -91,9 +92,9 @@ TEST(OwnershipChecks, AnImplementationThatIsAVariableIsNotAdopted) {
 
   ODM::CoordinatePointC impl;
   CoordinatePointC object(&impl);
-  impl.DetachBase();  // both go alone
+  impl.DetachBase();  // each is destroyed alone
   ODM::CoordinatePointC first;
-  new CoordinatePointC(&first);  // goes with `first`
+  new CoordinatePointC(&first);  // destroyed by `first`
 }
 
 TEST(OwnershipChecks, AVariableDoesNotGoAfterItsOwner) {
@@ -105,7 +106,7 @@ TEST(OwnershipChecks, AVariableDoesNotGoAfterItsOwner) {
       "a variable is deleted as the owner of an implementation");
 }
 
-// A class of a caller whose objects `delete` does not free.
+// A caller's class whose objects `delete` does not free.
 class PlacedPointC : public CoordinatePointC {
  public:
   using CoordinatePointC::CoordinatePointC;
@@ -136,12 +137,12 @@ TEST(OwnershipChecks, ThePublicObjectOfAPartIsDeletedWhenItIsDetached) {
   lent->GetImpl()->DetachBase();
   delete lent;
 
-  lent = &position.GetCoordinatePoint();  // made again
+  lent = &position.GetCoordinatePoint();  // created again
   lent->GetImpl()->DetachBase();
   lent->SetImpl(new ODM::CoordinatePointC(1.0, 2.0, 3.0));
   delete lent;
 
-  // Another object takes its place, and lets go of the part in time.
+  // Another object replaces it, and is detached from the part before it is deleted.
   position.GetCoordinatePoint().SetX(4.0);
   const CoordinatePointC other(&position.GetImpl()->GetCoordinatePoint());
   EXPECT_EQ(&position.GetCoordinatePoint(), &other);
@@ -149,7 +150,7 @@ TEST(OwnershipChecks, ThePublicObjectOfAPartIsDeletedWhenItIsDetached) {
   other.GetImpl()->DetachBase();
 }
 
-// No message of the library: the pointer is null.
+// The library has no message for this: the null pointer access ends the program.
 TEST(OwnershipChecks, AnObjectWithoutAnImplementationIsNotAsked) {
   const CoordinatePointC point(static_cast<ODM::CoordinatePointC*>(nullptr));
   EXPECT_DEATH(point.GetX(), "");

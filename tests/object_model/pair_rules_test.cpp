@@ -7,7 +7,7 @@
 
 #include "tests/support/pairs.h"
 
-// The ownership rules, for every pair. The address sanitizer reports leaks and double deletions;
+// Tests the ownership rules for every pair. AddressSanitizer reports leaks and double deletions;
 // the tests count which objects are destroyed when.
 
 namespace {
@@ -15,7 +15,7 @@ namespace {
 using Pairs::IsMarked;
 using Pairs::Mark;
 
-// An object of a class derived from `Base`, as callers may derive it; counts the live objects.
+// A class derived from `Base`, as callers may derive one. Counts its live objects.
 template <class Base>
 class Counted : public Base {
  public:
@@ -33,7 +33,7 @@ class Counted : public Base {
 
 class ForeignImplC : public API::ImplObjectC {};
 
-// The implementation that `object` is linked to, whatever its class.
+// The implementation linked to `object`, of any class.
 API::ImplObjectC* LinkedTo(const API::BaseC& object) { return object.GetImpl(); }
 
 template <class P>
@@ -66,7 +66,7 @@ TYPED_TEST(PairRules, EitherSideDestroysTheOther) {
   for (const bool isObjectFirst : {true, false}) {
     auto* const impl = new Counted<typename TestFixture::Impl>(impls);
     auto* const object = new Counted<typename TestFixture::Public>(objects, impl);
-    this->ExpectLinked(*object, *impl);  // a derived implementation is read, too
+    this->ExpectLinked(*object, *impl);  // a derived implementation is also recognised
     EXPECT_EQ(objects, 1);
     EXPECT_EQ(impls, 1);
     if (isObjectFirst) {
@@ -104,7 +104,7 @@ TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
   auto* const old = new Counted<typename TestFixture::Impl>(impls);
   auto* const impl = new Counted<typename TestFixture::Impl>(impls);
   typename TestFixture::Public object(old);
-  object.SetImpl(old);  // the current one: nothing happens
+  object.SetImpl(old);  // already linked: no effect
   this->ExpectLinked(object, *old);
 
   object.SetImpl(impl);
@@ -115,7 +115,7 @@ TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
   object.SetImpl(nullptr);
   EXPECT_EQ(LinkedTo(object), nullptr);
   EXPECT_EQ(object.GetImpl(), nullptr);
-  EXPECT_EQ(impl->GetBase(), &object);  // stale, too
+  EXPECT_EQ(impl->GetBase(), &object);  // also stale
   EXPECT_EQ(impls, 2);
 
   // A caller that replaces an implementation must delete the old one.
@@ -155,7 +155,7 @@ TYPED_TEST(PairRules, SetBaseDestroysTheEarlierOwner) {
   int objects = 0;
   auto* const first = new Counted<typename TestFixture::Public>(objects);
   auto* const impl = first->GetImpl();
-  impl->SetBase(first);  // the current one: nothing happens
+  impl->SetBase(first);  // already the owner: no effect
   this->ExpectLinked(*first, *impl);
   impl->SetBase(nullptr);
   EXPECT_EQ(objects, 0);
@@ -164,7 +164,7 @@ TYPED_TEST(PairRules, SetBaseDestroysTheEarlierOwner) {
   auto* const second = new Counted<API::BaseC>(objects);
   impl->SetBase(second);
   EXPECT_EQ(impl->GetBase(), second);
-  EXPECT_EQ(LinkedTo(*second), nullptr);  // the other side is set by `SetImpl`
+  EXPECT_EQ(LinkedTo(*second), nullptr);  // only `SetImpl` links the other side
   delete impl;
   EXPECT_EQ(objects, 0);
 }
@@ -175,7 +175,7 @@ TYPED_TEST(PairRules, DetachBaseLeavesTwoIndependentObjects) {
   auto* const impl = new Counted<typename TestFixture::Impl>(impls);
   auto* const object = new Counted<typename TestFixture::Public>(objects, impl);
   impl->DetachBase();
-  impl->DetachBase();  // without an owner: nothing happens
+  impl->DetachBase();  // without an owner: no effect
   EXPECT_EQ(object->GetImpl(), nullptr);
   EXPECT_EQ(impl->API::ImplObjectC::GetBase(), nullptr);
   delete object;
@@ -279,7 +279,7 @@ TYPED_TEST(PairRules, CopiesOfAPublicObjectAreIndependent) {
   }
 }
 
-// `object` has no implementation that it reads.
+// Checks a public object that does not read its implementation.
 template <class Public>
 void ExpectNothingToCopy(Public& object) {
   using Impl = std::remove_pointer_t<decltype(object.GetImpl())>;

@@ -12,16 +12,16 @@
 
 #include "tests/support/pairs.h"
 
-// Random programs: constructors, copies, assignments, adoptions, links and deletions from either
-// side in any order, against a model of ownership. Every step compares all links and the live
-// objects; the address sanitizer reports what is deleted twice or never.
+// Runs random programs of constructors, copies, assignments, adoptions, links and deletions from
+// either side, and compares all links and the live objects with a model of ownership after every
+// step. AddressSanitizer reports leaks and double deletions.
 
 namespace {
 
 constexpr std::uint64_t kSeed = 20260101;
 constexpr int kPrograms = 200;  // for each pair
 constexpr int kSteps = 60;
-constexpr std::size_t kMostObjects = 8;  // on each side
+constexpr std::size_t kMostObjects = 8;  // per side
 
 template <class P>
 class RandomProgram : public testing::Test {
@@ -34,8 +34,8 @@ class RandomProgram : public testing::Test {
   static constexpr std::uint32_t kSomeKind = 7;
   static constexpr bool kTakesOwner = std::is_constructible_v<Impl, API::BaseC*>;
 
-  // The live objects, by number. Objects that the library makes (in a constructor or `GetBase`) are
-  // known by their pointers alone.
+  // The live objects, by number. Objects that the library creates (in a constructor or `GetBase`)
+  // are only known by their pointers.
   static inline int countedPublics = 0;
   static inline int countedImpls = 0;
 
@@ -60,7 +60,7 @@ class RandomProgram : public testing::Test {
     ~CountedImpl() override { --countedImpls; }
   };
 
-  // The model. A pair is one public object, one implementation, or both with their link.
+  // The model. A pairing is a public object, an implementation, or both with their link.
   struct Side {
     bool isCounted = false;
   };
@@ -69,13 +69,13 @@ class RandomProgram : public testing::Test {
     Impl* impl = nullptr;
     Side objectSide;
     Side implSide;
-    bool isMarked = false;  // the data of `impl`
+    bool isMarked = false;  // whether the data of `impl` is marked
   };
 
   RandomProgram() : random_(kSeed) {}
   ~RandomProgram() override { End(); }
 
-  // A program leaves no objects.
+  // Destroys all objects.
   void End() {
     while (!pairings_.empty()) DeleteEither(0);
     Check();
@@ -106,7 +106,7 @@ class RandomProgram : public testing::Test {
     ASSERT_EQ(countedImpls, impls);
   }
 
-  // A pairing with the requested sides; null when there is none.
+  // A pairing with the requested sides; null if there is none.
   Pairing* Some(bool hasObject, bool hasImpl) {
     std::vector<Pairing*> fitting;
     for (Pairing& p : pairings_) {
@@ -118,7 +118,7 @@ class RandomProgram : public testing::Test {
   }
   void Forget(const Pairing* p) { pairings_.erase(pairings_.begin() + (p - pairings_.data())); }
 
-  // Deletes whichever side exists; both are destroyed.
+  // Deletes a side that exists, which destroys both.
   void DeleteEither(std::size_t i) {
     const Pairing p = pairings_[i];
     pairings_.erase(pairings_.begin() + static_cast<std::ptrdiff_t>(i));
@@ -129,7 +129,7 @@ class RandomProgram : public testing::Test {
     }
   }
 
-  // The implementation that a public object makes for itself is of the class that it reads.
+  // The implementation that a public object creates for itself has the class that it reads.
   static constexpr bool kReads = requires(const Public& p) {
     { p.GetImpl() } -> std::same_as<Impl*>;
   };
@@ -153,7 +153,7 @@ class RandomProgram : public testing::Test {
         Pairing* const p = Some(false, true);
         if (p == nullptr) return;
         if constexpr (std::is_constructible_v<Public, Impl*>) {
-          p->object = new CountedPublic(p->impl);  // the owner of before is gone
+          p->object = new CountedPublic(p->impl);  // destroys the previous owner
         } else {
           p->object = p->impl->GetBase();
         }
@@ -178,7 +178,7 @@ class RandomProgram : public testing::Test {
             {nullptr, new CountedImpl(static_cast<const Impl&>(*p->impl)), {}, {true}, isMarked});
         return;
       }
-      case 5: {  // assignment between public objects, to itself too, with and without data
+      case 5: {  // assignment between public objects, including self-assignment
         if constexpr (kReads && std::is_copy_assignable_v<Public>) {
           Pairing* const to = Some(true, false);
           const Pairing* const from = Some(true, false);
@@ -196,7 +196,7 @@ class RandomProgram : public testing::Test {
         to->isMarked = from->isMarked;
         return;
       }
-      case 7: {  // the public object that an implementation makes, or has
+      case 7: {  // the public object that an implementation has or creates
         Pairing* const p = Some(false, true);
         if (p == nullptr) return;
         API::BaseC* const base = p->impl->GetBase();
@@ -208,7 +208,7 @@ class RandomProgram : public testing::Test {
         }
         return;
       }
-      case 8: {  // both sides live on alone
+      case 8: {  // detaches both sides
         Pairing* const p = Some(true, true);
         if (p == nullptr) return;
         p->impl->DetachBase();
@@ -222,17 +222,17 @@ class RandomProgram : public testing::Test {
         const Pairing* const from = Some(false, true);
         if (to == nullptr || from == nullptr) return;
         if (to == from) {
-          to->object->SetImpl(from->impl);  // nothing happens
+          to->object->SetImpl(from->impl);  // no effect
           return;
         }
         Impl* const before = to->impl;
         if (before != nullptr && Flip()) {
           to->object->SetImpl(from->impl);
-          ASSERT_EQ(before->API::ImplObjectC::GetBase(), to->object);  // still
+          ASSERT_EQ(before->API::ImplObjectC::GetBase(), to->object);  // unchanged
           ASSERT_EQ(to->object->GetImpl(), from->impl);
         }
-        if (before != nullptr) before->DetachBase();  // as whoever replaces one must, first
-        to->object->SetImpl(from->impl);              // the owner of `from` is gone
+        if (before != nullptr) before->DetachBase();  // required before replacing it
+        to->object->SetImpl(from->impl);              // destroys the owner of `from`
         to->impl = from->impl;
         const Side beforeSide = std::exchange(to->implSide, from->implSide);
         const bool wasMarked = std::exchange(to->isMarked, from->isMarked);
@@ -255,18 +255,18 @@ class RandomProgram : public testing::Test {
               {new CountedPublic(static_cast<Impl*>(nullptr)), nullptr, {true}, {}, false});
         }
         return;
-      case 12: {  // an implementation that is made for such a one
+      case 12: {  // an implementation constructed for a public object without one
         if constexpr (kTakesOwner) {
           Pairing* const p = Some(true, false);
           if (p == nullptr || p->impl != nullptr) return;
           p->impl = new CountedImpl(p->object);
           p->implSide.isCounted = true;
-          ASSERT_EQ(p->object->GetImpl(), nullptr);  // it does not know yet
+          ASSERT_EQ(p->object->GetImpl(), nullptr);  // not linked yet
           p->object->SetImpl(p->impl);
         }
         return;
       }
-      case 13: {  // no owner any more: the one of before is gone
+      case 13: {  // clears the owner, which is destroyed
         Pairing* const p = Some(true, true);
         if (p == nullptr) return;
         p->impl->SetBase(nullptr);
@@ -287,7 +287,7 @@ class RandomProgram : public testing::Test {
 template <class... P, class... Q, class... R>
 testing::Types<P..., Q..., R...> Joined(testing::Types<P...>, testing::Types<Q...>,
                                         testing::Types<R...>);
-// The base of the areas is a pair too, although callers do not create it.
+// The base of the areas is also a pair, although callers do not create it.
 using Bases = testing::Types<Pairs::Pair<SDI::ScanDefinitionC, SDI::ScanDefinitionImplC>>;
 using EveryPair = decltype(Joined(Pairs::AllPairs(), Pairs::UnreadPairs(), Bases()));
 TYPED_TEST_SUITE(RandomProgram, EveryPair);

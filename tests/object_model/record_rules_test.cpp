@@ -12,7 +12,7 @@
 
 #include "tests/support/record_fields.h"
 
-// The rules that hold for the fields of every record, checked on the list of its fields.
+// Tests the rules for the fields of every record, using the list of its fields.
 
 namespace {
 
@@ -39,9 +39,9 @@ concept HasIsEqualOfData = requires(const Record& a, const Record& b) {
   a.isEqual(b);
 };
 
-// The names under which callers find equality: `IsEqual`, and `isEqual` of the data; in imaging the
-// operator on both sides. The opposite operator is nowhere, since C++20 would make it of this one
-// in some classes alone.
+// The names of equality: `IsEqual`, and `isEqual` of the implementation; in imaging, `operator==`
+// on both sides. `operator!=` is deleted everywhere, because C++20 would derive it only in some
+// classes.
 enum class Equality { kMethods, kOperators, kNone };
 
 template <class Public, class Impl, Equality equality = Equality::kMethods>
@@ -57,10 +57,10 @@ struct Pair {
   static_assert(!HasUnequal<Public> && !HasUnequal<Impl>);
 
   const char* name;
-  std::size_t fields;  // how many the record has, its parts' fields counted one by one
+  std::size_t fields;  // number of fields of the record, including those of its parts
 };
 
-// Calls `check` with each record. A record that is not listed here is not finished.
+// Calls `check` with each record. Every record must be listed here.
 template <class Check>
 void ForEachPair(Check check) {
   const auto run = [&](const auto& pair) {
@@ -105,7 +105,7 @@ bool AreEqual(const Record& a, const Record& b) {
   }
 }
 
-// What both sides of two pairs answer, whichever way they are asked.
+// Checks the equality of two pairs, on both sides and in both orders.
 template <class Public>
 void ExpectEquality(const Public& a, const Public& b, bool expected) {
   SCOPED_TRACE("fields that differ: " + DifferingFields(*a.GetImpl(), *b.GetImpl()));
@@ -127,7 +127,7 @@ TEST(Records, HaveTheirFieldsListed) {
   });
 }
 
-// The bytes that `change` changes in `record`, from the first to the one behind the last.
+// The range of bytes that `change` changes in `record`, as a half-open interval.
 template <class Record, class Change>
 std::pair<std::size_t, std::size_t> ChangedBytes(Record& record, Change change) {
   const auto bytes = [&record] {
@@ -248,7 +248,7 @@ TEST(Records, AreCopiedAndAssignedWithEveryField) {
     const Public& same = source;
     source = same;
     *source.GetImpl() = *same.GetImpl();
-    EXPECT_EQ(DifferingFields(*source.GetImpl(), reference), "") << "by self-assignment";
+    EXPECT_EQ(DifferingFields(*source.GetImpl(), reference), "") << "changed by self-assignment";
   });
 }
 
@@ -294,7 +294,7 @@ TEST(Records, TakeNaNForAnythingWithToleranceAndForNothingWithout) {
   });
 }
 
-// Callers rely on the widths and the signs of the integers.
+// Callers rely on the width and signedness of the integers.
 template <class Record, auto... getters, class Integer>
 constexpr bool AllGive(Integer /*example*/) {
   return (std::is_same_v<std::invoke_result_t<decltype(getters), const Record&>, Integer> && ...);
@@ -385,7 +385,7 @@ static_assert(AllGive<Station, &Station::GetStationNumber>(std::uint16_t{}));
 static_assert(AllGive<Station, &Station::GetStationKind, &Station::GetStationCode2,
                       &Station::GetValidMask>(std::uint8_t{}));
 
-// What a class does not offer.
+// Operations that a class must not have.
 template <class R>
 concept ChangesItsUndulation = requires(R& memento) {
   memento.SetUndulation(1.0F);

@@ -21,7 +21,7 @@ constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 
 constexpr DecodeRules kAllRules[] = {{false, false}, {false, true}, {true, false}, {true, true}};
 
-// The bytes of one unit.
+// The UTF-8 bytes of one unit.
 std::string Sequence(char16_t unit) {
   const unsigned u = unit;
   const auto byte = [](unsigned value) { return static_cast<char>(value); };
@@ -51,7 +51,7 @@ void PrintTo(const DecodedText& text, std::ostream* out) {
   for (const unsigned unit : text.units) *out << ' ' << unit;
 }
 
-// The rules of `Decode` one character at a time. `source` has a byte at the limit.
+// A model of `Decode`, one character at a time. `source` has a byte at the limit.
 DecodedText ModelDecode(const std::string& source, std::size_t limit, std::size_t capacity,
                         DecodeRules rules) {
   DecodedText text;
@@ -86,12 +86,13 @@ DecodedText ModelDecode(const std::string& source, std::size_t limit, std::size_
   }
   text.characters = units.size();
   if (text.result == 0 && units.size() > capacity) text.result = -1;
-  units.resize(capacity);  // what is not decoded is cleared
+  units.resize(capacity);  // the remaining units are cleared
   text.units = units;
   return text;
 }
 
-// In blocks of their own, so that the address checks see every byte and unit beside them.
+// Decodes from and to heap blocks of exact size, so that AddressSanitizer detects accesses beyond
+// them.
 DecodedText DecodeExactly(const std::string& source, std::size_t limit, std::size_t capacity,
                           DecodeRules rules) {
   const std::vector<char> bytes(
@@ -111,7 +112,7 @@ void ExpectDecodesLikeTheModel(const std::string& bytes, std::size_t limit, std:
   }
 }
 
-// Texts of one, two and three bytes a character, and mixed ones, longer than two blocks.
+// Texts with one, two and three bytes per character, and mixed ones, longer than two blocks.
 const std::u16string kTexts[] = {
     u"abcdefghijklmnopqrstuvw",
     u"\u0080\u07ff\u00e9\u0101\u0080\u07ff\u00e9\u0101\u0080\u07ff\u00e9\u0101\u0080\u07ff\u00e9",
@@ -138,7 +139,7 @@ TEST(Utf8Decode, EveryLeadWithContinuationsAroundTheirLimits) {
   }
 }
 
-// A fault of each kind at each place: in whole blocks, between them and in the plain rest.
+// An error of each kind at each position: within blocks, between them and in the rest.
 TEST(Utf8Decode, FaultsAtEveryPlaceOfEveryKindOfText) {
   const std::string faults[] = {std::string(1, '\0'),
                                 "\x80",
@@ -195,7 +196,7 @@ TEST(Utf8Decode, WithoutBytesThereMayBeNoSource) {
 }
 
 TEST(Utf8Decode, TheLimitMayPromiseMoreThanThereIs) {
-  const std::string source = "abcdefghijk";  // ends at its terminator
+  const std::string source = "abcdefghijk";
   char16_t units[20];
   EXPECT_EQ(Decode(source.c_str(), kUnlimited, units, 20, {false, false}).characters, 11U);
 }
@@ -231,7 +232,7 @@ TEST(Utf8DecodeText, TakesThreeBytesAUnitWithoutALimit) {
   EXPECT_EQ(length, 3U);
   std::size_t inOut = kUnlimited;
   EXPECT_EQ(DecodeText(source.c_str(), &inOut, units, 3, length), -1);
-  EXPECT_EQ(inOut, 10U);  // and one byte just at the limit
+  EXPECT_EQ(inOut, 10U);  // including one byte exactly at the limit
 }
 
 TEST(Utf8DecodeText, WithoutASourceOnlyTheCountChanges) {
@@ -258,7 +259,7 @@ void PrintTo(const EncodedText& text, std::ostream* out) {
   *out << text.needed << " bytes: " << testing::PrintToString(text.bytes);
 }
 
-// The rules of `Encode` one unit at a time, over a field of `#`.
+// A model of `Encode`, one unit at a time, writing over `#` characters.
 EncodedText ModelEncode(const std::u16string& units, std::size_t space) {
   EncodedText text{0, std::string(space, '#')};
   std::size_t at = 0;
@@ -293,7 +294,8 @@ TEST(Utf8Encode, EveryKindOfTextIntoEverySpace) {
   }
 }
 
-// Units at the edges of each length, and the end of a text, at each place of each kind of text.
+// The smallest and largest units of each length, and the end of a text, at each position of each
+// kind of text.
 TEST(Utf8Encode, UnitsAtTheEdgesOfEachLengthAtEveryPlace) {
   const char16_t edges[] = {0, 1, 0x7F, 0x80, 0x7FF, 0x800, 0xD7FF, 0xD800, 0xDFFF, 0xE000, 0xFFFF};
   for (const std::u16string& text : kTexts) {

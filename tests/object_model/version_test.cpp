@@ -103,7 +103,7 @@ TEST(Version, KeepsItsFieldsAtTheirBits) {
 
 TEST(Version, PacksEveryValueOfEachFieldAndCutsWhatIsTooLarge) {
   for (unsigned value = 0; value <= 0xFFFF; ++value) {
-    ASSERT_EQ(WordOf(Made(value, 0, 0, 0, 0)), value << 26);  // upper bits fall off the top
+    ASSERT_EQ(WordOf(Made(value, 0, 0, 0, 0)), value << 26);  // upper bits are lost
     ASSERT_EQ(WordOf(Made(0, value, 0, 0, 0)), (value & 0x7F) << 19);
     ASSERT_EQ(WordOf(Made(0, 0, value, 0, 0)), value & 0xFFF);
     ASSERT_EQ(WordOf(Made(0, 0, 0, value, 0)), (value & 0x7) << 16);
@@ -166,7 +166,7 @@ TEST(Version, FormatsTheKnownExamples) {
   EXPECT_EQ(Made(10, 9, 9, 0, 0).Format(3), "10.09 (009)");
 }
 
-// The text as a stream with the fill character '0' writes it.
+// The text as written by a stream with the fill character '0'.
 std::string ModelText(const VersionC& version, std::uint32_t style) {
   std::ostringstream out;
   out.imbue(std::locale::classic());
@@ -204,7 +204,7 @@ TEST(Version, FormatsEveryWidthAndKindInEveryStyle) {
   }
 }
 
-// Groups of one digit, so that grouping shows even in the smallest number.
+// Groups of one digit, so that grouping affects even small numbers.
 class Grouped : public std::numpunct<char> {
   char do_thousands_sep() const override { return '\''; }
   std::string do_grouping() const override { return "\1"; }
@@ -216,7 +216,7 @@ TEST(Version, FormatsTheSameInEveryLocale) {
   grouped << 4095;
   const std::string text = Made(10, 127, 4095, 2, 0).Format(1);
   std::locale::global(before);
-  EXPECT_EQ(grouped.str(), "4'0'9'5");  // the locale was in force
+  EXPECT_EQ(grouped.str(), "4'0'9'5");  // the locale is in effect
   EXPECT_EQ(text, "10.127.4095");
 }
 

@@ -9,8 +9,8 @@
 
 #include "tests/support/pairs.h"
 
-// The order of the virtual functions of both sides of every pair, which callers built apart from
-// the library rely on.
+// Tests the order of the virtual functions of both sides of every pair, which separately compiled
+// callers rely on.
 
 namespace {
 
@@ -18,10 +18,10 @@ template <class P>
 class PairSlots : public testing::Test {};
 TYPED_TEST_SUITE(PairSlots, Pairs::AllPairs);
 
-#if defined(__GXX_ABI_VERSION)  // the Itanium rules: two destructors, then the virtual functions
+#if defined(__GXX_ABI_VERSION)  // the Itanium ABI: two destructors, then the virtual functions
 using Slot = void (*)();
 
-// The destructor in slot 0 may be that of the base where a class destroys nothing of its own.
+// The destructor in slot 0 may be that of the base if a class has nothing to destroy.
 constexpr std::size_t kDeletingDestructor = 1;
 
 Slot SlotOf(const void* object, std::size_t index) {
@@ -80,12 +80,12 @@ TEST(Slots, TheFirstVirtualOperationOfTheBasesIsTheDestructor) {
   setImpl(object, impl);
   EXPECT_EQ(object->GetImpl(), impl);
   EXPECT_EQ(reinterpret_cast<API::BaseC* (*)(API::ImplObjectC*)>(SlotOf(impl, 2))(impl), object);
-  reinterpret_cast<Destroy>(SlotOf(object, 1))(object);  // and frees it, with `impl`
+  reinterpret_cast<Destroy>(SlotOf(object, 1))(object);  // also frees it, and `impl`
 
   alignas(API::BaseC) std::byte place[sizeof(API::BaseC)];
   auto* const other = new API::ImplObjectC;
   auto* const placed = new (place) API::BaseC(other);
-  reinterpret_cast<Destroy>(SlotOf(placed, 0))(placed);  // frees `other` alone
+  reinterpret_cast<Destroy>(SlotOf(placed, 0))(placed);  // frees only `other`
 }
 #endif
 

@@ -30,7 +30,7 @@ TEST(TPSCorrectionData, RaisesFlagsBeforeItLowersThem) {
   EXPECT_EQ(correction.GetFlags(), 0x1U);
 }
 
-// The expected numbers are the formulas evaluated in double precision step by step.
+// The expected values are the formulas evaluated step by step in double precision.
 TEST(TPSCorrectionData, ConvertsBetweenPpmAndScale) {
   const TPSCorrectionDataC correction;
   EXPECT_EQ(correction.ScaleFromPpm(0.0), 1.0);
@@ -39,7 +39,8 @@ TEST(TPSCorrectionData, ConvertsBetweenPpmAndScale) {
   EXPECT_EQ(correction.PpmFromScale(1.0), 0.0);
   EXPECT_EQ(correction.PpmFromScale(0.0), -1e6);
   EXPECT_EQ(correction.PpmFromScale(1.5), 500000.0);
-  // For these, multiplying by 1e-6 and dividing by 1e6 round differently, and so do the inverses.
+  // For these values, multiplying by 1e-6 and dividing by 1e6 round differently; so do the
+  // inverses.
   EXPECT_EQ(correction.ScaleFromPpm(367.75), 1.00036775);
   EXPECT_EQ(correction.ScaleFromPpm(-44.4), 0.9999556000000001);
   EXPECT_EQ(correction.PpmFromScale(1.9341), 934099.9999999999);

@@ -62,7 +62,7 @@ TEST(TPSMeasData, TellsTextsApartByCaseAndLength) {
   EXPECT_FALSE(meas.IsEqual(RecordOf(u"P11")));
   TPSMeasDataC shortened = RecordOf(u"P1 and more");
   shortened.SetText(u"P1");
-  EXPECT_TRUE(meas.IsEqual(shortened)) << "what stood behind the text plays no part";
+  EXPECT_TRUE(meas.IsEqual(shortened)) << "units after the text are not compared";
 }
 
 TEST(TPSMeasData, IsEqualWhateverTheOrderInWhichItWasSet) {
