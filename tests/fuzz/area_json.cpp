@@ -1,5 +1,5 @@
-// An area file of any bytes is either read completely or refused with a reason, and every area that
-// it gives can be measured, drawn and queried.
+// An arbitrary area file is either read completely or refused with a reason, and every resulting
+// area can be measured, drawn and queried.
 
 #include <algorithm>
 #include <cmath>
@@ -24,15 +24,15 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t kMostPoints = 40;      // whose crossings are looked for
-constexpr std::size_t kMostDrawnPoints = 6;  // a picture takes a while
+constexpr std::size_t kMostPoints = 40;      // of areas searched for crossings
+constexpr std::size_t kMostDrawnPoints = 6;  // drawing is slow
 constexpr std::size_t kRarelyDrawn = 64;
 
 double InRadians(double angle, const std::string& unit) {
   return unit == "rad" ? angle : angle * 3.141592653589793 / (unit == "deg" ? 180 : 200);
 }
 
-// The agreement of two ways to compute it.
+// The required agreement between two ways to compute it.
 bool IsNear(double a, double b) { return a == b || std::fabs(a - b) <= 1e-15 * std::fabs(b); }
 
 void ExpectHolds(const Tool::AreaFile& file, const json& text) {
@@ -70,7 +70,7 @@ void ExpectHolds(const Tool::AreaFile& file, const json& text) {
 
 // --- The format of area files
 
-// Whether an object holds a key twice: the parser would let the last one win.
+// Whether an object contains a key twice: the parser would silently use the last one.
 class RepeatFinderC : public json::json_sax_t {
  public:
   bool HasRepeat() const { return hasRepeat_; }
@@ -165,7 +165,7 @@ bool IsAreaFile(const std::uint8_t* data, std::size_t size) {
 
 }  // namespace
 
-// The bytes of the file.
+// Input: the bytes of the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   memory.Write(data, size);

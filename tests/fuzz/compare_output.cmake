@@ -1,8 +1,8 @@
-# Fails unless PROGRAM prints exactly what the file EXPECTED holds.
+# Fails unless the output of PROGRAM equals the file EXPECTED.
 execute_process(COMMAND ${EMULATOR} ${PROGRAM}
   OUTPUT_VARIABLE actual COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\r\n" "\n" actual "${actual}")  # as Windows ends lines
+string(REPLACE "\r\n" "\n" actual "${actual}")  # line ends of Windows
 file(READ ${EXPECTED} expected)
 if(NOT actual STREQUAL expected)
-  message(FATAL_ERROR "${PROGRAM} prints something else than ${EXPECTED} holds:\n${actual}")
+  message(FATAL_ERROR "the output of ${PROGRAM} differs from ${EXPECTED}:\n${actual}")
 endif()

@@ -1,5 +1,5 @@
-// A table of directions of any bytes gives, line by line, the same directions and cells as a plain
-// parser of the format, up to the first line that is refused.
+// An arbitrary table of directions gives, line by line, the same directions and cells as a reference
+// parser of the format, up to the first refused line.
 
 #include <cctype>
 #include <cmath>
@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr std::size_t kLongestLine = 65'535;  // without its end
+constexpr std::size_t kLongestLine = 65'535;  // without the line end
 
 std::string Trimmed(const std::string& text) {
   const char* const blanks = " \t\r\n";
@@ -28,10 +28,10 @@ std::string Trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// Where the runtime's two ways to read a number need not agree: one that overflows or underflows.
+// Whether a number overflows or underflows, for which the two parsers of the runtime may disagree.
 bool g_isAtTheLimits = false;
 
-// The length of the number at the front, 0 for none.
+// The length of the number at the start, 0 if there is none.
 std::size_t NumberAt(const std::string& text, double& number) {
   std::size_t at = 0;
   const auto digits = [&] {
@@ -69,7 +69,7 @@ std::optional<double> NumberIn(const std::string& text) {
   return number;
 }
 
-// The kinds of separators in a line, outside quotes.
+// The kinds of separators in a line, outside quotation marks.
 std::set<char> SeparatorsIn(const std::string& text) {
   std::set<char> found;
   int quotes = 0;
@@ -82,7 +82,7 @@ std::set<char> SeparatorsIn(const std::string& text) {
 
 using Cells = std::vector<std::string>;
 
-// The cells of a line without blanks around it; empty where a quotation mark is misplaced.
+// The cells of a trimmed line; nothing if a quotation mark is misplaced.
 std::optional<Cells> CellsIn(std::string rest, char separator) {
   const std::string separators = separator == ' ' ? " \t" : std::string(1, separator);
   Cells cells;
@@ -126,7 +126,7 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-// What a table holds.
+// The contents of a table.
 struct Table {
   struct Row {
     double hz;
@@ -134,7 +134,7 @@ struct Table {
     Cells cells;
   };
   std::vector<Row> rows;
-  std::optional<int> fault;  // the line that is refused
+  std::optional<int> fault;  // the refused line
 };
 
 class TableParserC {
@@ -208,7 +208,7 @@ class TableParserC {
 
 }  // namespace
 
-// The bytes of the file.
+// Input: the bytes of the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   memory.Write(data, size);

@@ -1,5 +1,5 @@
-// Any sequence of changes and queries of a fixed text, compared with a plain string and the literal
-// rules of its conversions.
+// Compares an arbitrary sequence of changes and queries of a fixed string with a `std::u16string`
+// and the literal rules of its conversions.
 
 #include <cstdio>
 #include <cstdlib>
@@ -28,7 +28,7 @@ std::u16string Widened(const std::string& bytes) {
   return units;
 }
 
-// The low bytes, up to a 0, if all units are below 256; otherwise nothing.
+// The low bytes up to a 0 if all units are below 256, otherwise nothing.
 std::string Narrowed(const std::u16string& units) {
   std::string bytes;
   for (const char16_t unit : units) {
@@ -38,7 +38,7 @@ std::string Narrowed(const std::u16string& units) {
   return bytes.c_str();
 }
 
-// What a wide text means in units of 16 bits.
+// A wide text converted to 16-bit units.
 std::u16string Units(const std::wstring& wide) {
   std::u16string units;
   for (const wchar_t c : wide) {
@@ -74,7 +74,7 @@ std::wstring TakeWide(Fuzz::InputC& in, std::size_t most) {
   return wide;
 }
 
-// Exactly these bytes on the heap, so that a read beyond them is detected.
+// A heap block of exactly these bytes, so that reads beyond them are detected.
 std::unique_ptr<char[]> Exactly(const std::string& bytes, std::size_t count) {
   auto copy = std::make_unique<char[]>(count);
   std::memcpy(copy.get(), bytes.c_str(), count);
@@ -99,7 +99,7 @@ class SequenceC {
 
  private:
   static std::u16string Cut(const std::u16string& units) { return units.substr(0, N); }
-  // A C string that does not fit is refused as a whole.
+  // A C string that does not fit is refused entirely.
   static std::u16string Fitting(const std::u16string& units) {
     const std::u16string text = units.c_str();
     return text.size() <= N ? text : std::u16string();
@@ -156,7 +156,7 @@ class SequenceC {
       }
       case 7: {
         const std::u16string units = TakeUnits(in_, N);
-        text_ += Model::Text<N>(units);  // 0 units too
+        text_ += Model::Text<N>(units);  // including 0 units
         units_ = Cut(units_ + units);
         break;
       }
@@ -224,17 +224,17 @@ class SequenceC {
         units_ = Fitting(Units(wide.c_str()));
         break;
       }
-      case 4:  // its own units, up to a 0
+      case 4:  // its own units up to a 0
         text_ += text_.GetData();
         units_ = Cut(units_ + Fitting(units_));
         break;
-      case 5: {  // nothing changes without a source
+      case 5: {  // a null source changes nothing
         text_ += static_cast<const char*>(nullptr);
         text_ += static_cast<const char16_t*>(nullptr);
         text_ += static_cast<const wchar_t*>(nullptr);
         auto inOut = in_.Take<std::size_t>();
         EXPECT_EQ(text_.FromUtf8(nullptr, &inOut), 0);
-        EXPECT_EQ(inOut, 0U);  // the bytes taken
+        EXPECT_EQ(inOut, 0U);  // bytes decoded
         EXPECT_EQ(text_.Format(nullptr), -1);
         break;
       }
@@ -306,7 +306,7 @@ class SequenceC {
         format("%*d", number % 1000, number);
         break;
       default: {
-        std::string how = bytes;  // text alone, as long as it likes
+        std::string how = bytes;  // text without conversions, of any length
         for (char& c : how) c = c == '%' ? '_' : c;
         format(how.c_str(), number);
         break;
@@ -348,7 +348,7 @@ class SequenceC {
     EXPECT_EQ(text_ == text, units_ == other);
     EXPECT_EQ(text_ != text, units_ != other);
     EXPECT_TRUE(text_ <= FixedStringC<N>(text_));
-    // The order is that of the UTF-8 bytes, each with its terminator, up to the end of the left.
+    // The order of the UTF-8 bytes, including terminators, up to the end of the left text.
     const std::string left = Model::ToUtf8(units_, 3U * N + 1).written;
     const std::string right = Model::ToUtf8(other, 3U * N + 1).written;
     EXPECT_EQ(text_ <= text, std::strcmp(left.c_str(), right.c_str()) <= 0);
@@ -361,7 +361,7 @@ class SequenceC {
 
 }  // namespace
 
-// The capacity, then what each change takes.
+// Input: the capacity, then the arguments of each change.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Fuzz::InputC in({data, size});
   const std::size_t wanted = in.Below(10);

@@ -12,8 +12,8 @@
 
 namespace Fuzz {
 
-/// The bytes of an input, taken front to back. Behind its end there are zeros, so that every input
-/// means something.
+/// The bytes of an input, consumed in order. After the end come zeros, so that every input is
+/// valid.
 class InputC {
  public:
   explicit InputC(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
@@ -35,7 +35,7 @@ class InputC {
   std::size_t Below(std::size_t limit) { return limit <= 256 ? U8() % limit : U16() % limit; }
   bool Flag() { return (U8() & 1) != 0; }
 
-  /// At most `most` of what is left.
+  /// At most `most` of the remaining bytes.
   std::span<const std::uint8_t> Bytes(std::size_t most) {
     const auto bytes = bytes_.first(std::min(most, bytes_.size()));
     bytes_ = bytes_.subspan(bytes.size());
@@ -53,9 +53,10 @@ class InputC {
 }  // namespace Fuzz
 
 extern "C" {
-/// What every target defines. The targets judge by the assertions of GoogleTest.
+/// The functions that every target defines. Targets use the assertions of GoogleTest.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-/// Called once at first: makes an assertion that fails end the process, which is a finding.
+/// Called once before the first input: makes a failing assertion end the process, which is a
+/// finding.
 int LLVMFuzzerInitialize(int* argc, char*** argv);
 }
 

@@ -1,5 +1,5 @@
-// Runs a target over the given files and the files of the given folders: in a build without a
-// fuzzer, over the corpus.
+// Runs a target on the given files and on all files in the given folders. Builds without libFuzzer
+// run the corpus this way.
 
 #include <algorithm>
 #include <cstdio>
@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
   std::sort(files.begin(), files.end());
   for (const fs::path& file : files) {
     std::printf("%s\n", file.c_str());
-    std::fflush(stdout);  // the last name is the one to blame
+    std::fflush(stdout);  // if the target fails, the last line names the input
     const auto bytes = TestSupport::ReadBytes(file);
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
   }

@@ -45,7 +45,7 @@ void PrintBlocks(const char* word) {
 }  // namespace
 
 int main() {
-  std::printf("# Made by make_record_dictionary.\n");
+  std::printf("# Written by make_record_dictionary.\n");
   PrintWord("magic", kMagic);
   PrintByte("type", kType);
   PrintWord("smallest length", kMinLength);

@@ -15,11 +15,11 @@
 
 namespace Fuzz {
 
-/// A file that exists in memory alone and is gone with the process, however that ends.
+/// A file that exists only in memory and disappears with the process.
 class MemoryFileC {
  public:
   MemoryFileC() : file_(memfd_create("fuzz", MFD_CLOEXEC)) {
-    if (file_ < 0) throw std::runtime_error("no file in memory");
+    if (file_ < 0) throw std::runtime_error("cannot create a file in memory");
   }
   MemoryFileC(const MemoryFileC&) = delete;
   MemoryFileC& operator=(const MemoryFileC&) = delete;
@@ -43,7 +43,7 @@ class MemoryFileC {
 
   std::string Path() const { return "/proc/self/fd/" + std::to_string(file_); }
 
-  /// The folder's own name, ".", is the dot between path and extension.
+  /// The dot of the folder name "." serves as the dot between path and extension.
   SDI::GPSRecordFileInfo Info(std::uint32_t offset) const {
     SDI::GPSRecordFileInfo info;
     std::string("/proc/self/").copy(info.path, sizeof(info.path));

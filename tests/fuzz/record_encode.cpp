@@ -1,5 +1,5 @@
-// Any calls of the setters of a measurement, and any info: encoding makes a frame that reads back
-// as what was set, or refuses a field.
+// For arbitrary calls of a measurement's setters, and any info, encoding either gives a frame that
+// reads back as what was set, or refuses a field.
 
 #include <algorithm>
 #include <cstdint>
@@ -133,7 +133,7 @@ void Call(Fuzz::InputC& in, GPSMeasDataImplC& m, GPSRecordFileInfo& info) {
 
 }  // namespace
 
-// A byte for each call, and its arguments.
+// Input: a byte for each call, and its arguments.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Fuzz::InputC in({data, size});
   GPSMeasDataImplC measurement;

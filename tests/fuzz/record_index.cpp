@@ -1,6 +1,5 @@
-// The walk over any bytes finds the records, gaps and damaged headers that a search from byte to
-// byte finds: that of the index and that of the reader, in memory and through a file, in one go and
-// in stretches.
+// The walks of the index and of the reader over arbitrary bytes find the same records, gaps and
+// damaged headers as a byte-by-byte search, in memory and in a file, as a whole and in stretches.
 
 #include <algorithm>
 #include <memory>
@@ -23,7 +22,7 @@ namespace {
 using ReaderWalks::Listed;
 using TestSupport::ByteVector;
 
-// Gives every other header (`rhythm` tells which) its right checksum.
+// Gives some of the headers, selected by `rhythm`, the correct checksum.
 void SealSome(ByteVector& bytes, unsigned rhythm) {
   unsigned number = 0;
   for (std::size_t at = 0; at + 2 <= bytes.size(); ++at) {
@@ -32,7 +31,7 @@ void SealSome(ByteVector& bytes, unsigned rhythm) {
   }
 }
 
-// What is found after `before` bytes in which no record begins.
+// The expected list if the bytes follow `before` bytes in which no record begins.
 Listed ListAfter(std::size_t before, const ByteVector& bytes) {
   Listed listed{RecordModel::Walk(bytes), RecordModel::Damaged(bytes)};
   for (SDI::GPSRecordEntry& entry : listed.entries) entry.offset += before;
@@ -66,7 +65,7 @@ void ExpectReader(SDI::GPSRecordReaderC& reader, const ByteVector& bytes, const 
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
 }
 
-// Two stretches and a record in the later one.
+// Checks that two stretches together give the whole.
 template <class Source>
 void ExpectStretches(const Source& source, std::size_t size, std::size_t cut,
                      const Listed& expected) {
@@ -80,9 +79,9 @@ void ExpectStretches(const Source& source, std::size_t size, std::size_t cut,
 
 }  // namespace
 
-// 1 byte of choices: which records are sealed, whether the bytes are read through a file too, and
-// whether 2 bytes follow that tell how far after the start of a long file the bytes lie: around the
-// end of what the walk looks at in one go, and further from the start than a stretch looks back.
+// Input: 1 byte of choices: which headers get correct checksums, whether the bytes are also read
+// through a file, and whether 2 bytes follow that give the distance of the bytes from the start of
+// a long file: around the size of the walk's window, and more than a stretch looks back.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC file;
   Fuzz::InputC in({data, size});

@@ -1,6 +1,6 @@
-// A record file of any bytes is read as the format's description says, field by field; reading the
-// same frame in memory gives the same and reads no byte after it; encoding what was read gives a
-// frame that reads the same.
+// An arbitrary record file is read as the format's description says, field by field. Reading the
+// same frame in memory gives the same result and reads no byte after it. Encoding what was read
+// gives a frame that reads the same.
 
 #include <cstring>
 #include <memory>
@@ -31,7 +31,7 @@ struct Start {
 
 }  // namespace
 
-// 1 byte of choices, 1 byte of offset, the file.
+// Input: 1 byte of choices, 1 byte of offset, the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   Fuzz::InputC in({data, size});
@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (offset + SDI::RecordFrame::kHeaderSize > file.size()) return 0;
   const std::size_t whole = SDI::RecordFrame::Header::Load(file.data() + offset).Size();
   if (offset + whole > file.size()) return 0;
-  const auto frame = std::make_unique<std::uint8_t[]>(whole);  // checked to its last byte
+  const auto frame = std::make_unique<std::uint8_t[]>(whole);  // detects reads beyond its end
   std::memcpy(frame.get(), file.data() + offset, whole);
   Start fromMemory = start;
   const bool isDone =

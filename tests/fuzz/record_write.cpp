@@ -1,5 +1,5 @@
-// A frame of a record file of any bytes is patched as the format's description says, byte by byte,
-// and what was written reads back.
+// A frame in an arbitrary record file is patched as the format's description says, byte by byte,
+// and reads back as written.
 
 #include <algorithm>
 
@@ -17,8 +17,8 @@ using SDI::GPSRecordFileC;
 using SDI::GPSRecordFileInfo;
 using TestSupport::StoredIn;
 
-// 1 byte of choices, 1 byte of offset, flags, number, the antenna height, 49 bytes of name, the
-// file.
+// Input: 1 byte of choices, 1 byte of offset, flags, number, the antenna height, 49 bytes of name,
+// the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Fuzz::MemoryFileC memory;
   Fuzz::InputC in({data, size});

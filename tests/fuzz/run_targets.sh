@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# run_targets.sh BUILD SECONDS: runs every fuzz target of a build for SECONDS, two at once, and
-# reports executions and edges. Fails when there is a finding, which is then in BUILD/findings.
+# run_targets.sh BUILD SECONDS: runs every fuzz target of a build for SECONDS, two at a time, and
+# reports executions and edges. Fails if there is a finding, which is saved in BUILD/findings.
 set -euo pipefail
 source_dir="$(cd "$(dirname "$0")" && pwd)"
 build="$(cd "$1" && pwd)"

@@ -1,5 +1,5 @@
-// Scan areas and scans created, linked, copied, assigned, changed and deleted in any order, from
-// either side: their data equals that of a plain model, and so does the set of live objects.
+// Creates, links, copies, assigns, changes and deletes scan areas and scans in arbitrary order,
+// from either side. Their data, and the number of live objects, must equal those of a model.
 
 #include <algorithm>
 #include <array>
@@ -35,7 +35,7 @@ constexpr std::size_t kMostPoints = 12;
 
 // --- Live objects
 
-int g_publics = 0;  // those of the classes below
+int g_publics = 0;  // objects of the classes below
 int g_impls = 0;
 
 template <class Object, int& count>
@@ -50,7 +50,7 @@ class CountedC : public Object {
   ~CountedC() override { --count; }
 };
 
-// The operations common to all kinds of area.
+// The operations common to all kinds of areas.
 struct Kind {
   std::uint32_t type;
   ScanAreaC* (*makePublic)();
@@ -82,7 +82,7 @@ const Kind kKinds[] = {
     KindOf<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>(SDI::kPolygonArea),
     KindOf<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>(SDI::kDomeArea)};
 
-// --- Their data
+// --- Data
 
 struct Point {
   double hz;
@@ -90,7 +90,7 @@ struct Point {
   double distance;
 };
 
-// A point that is not set.
+// An unset point.
 constexpr double kNoAngle = std::numeric_limits<double>::max();
 constexpr Point kNoPoint{kNoAngle, kNoAngle, -1.0};
 
@@ -224,7 +224,7 @@ std::vector<Point> OutlineOf(const AreaModel& model, double defaultDistance) {
   };
   for (std::uint64_t i = 0; i < n; ++i) {
     if (!(model.points[i].distance < 0)) continue;
-    // The one before the first is that of number 2^64 - 1.
+    // The index of the point before the first is 2^64 - 1 modulo n.
     const std::uint64_t before = (i == 0 ? UINT64_MAX : i - 1) % n;
     out[i].distance = (distance(before) + distance((i + 1) % n)) / 2.0;
   }
@@ -281,9 +281,9 @@ void ExpectHolds(const ScanC& scan, const ScanModel& model) {
   ExpectHolds(*area->GetImpl(), *model.area);
 }
 
-// --- The calls
+// --- Calls
 
-// An area that the sequence owns: a pair, or an implementation alone.
+// An area owned by the sequence: a pair, or only an implementation.
 struct AreaSlot {
   ScanAreaC* object = nullptr;
   ScanAreaImplC* impl = nullptr;
@@ -400,17 +400,17 @@ class SequenceC {
     switch (what) {
       case 1:
         return Delete(slot);
-      case 2:  // a second public object takes over; the first one goes
+      case 2:  // a second public object adopts it; the first is destroyed
         slot.object = kind.adopt(slot.impl);
         slot.isObjectCounted = true;
         return;
-      case 3: {  // the public object that the implementation makes
+      case 3: {  // the public object that the implementation creates
         auto* const base = static_cast<ScanAreaC*>(slot.impl->GetBase());
         if (slot.object == nullptr) slot.isObjectCounted = false;
         slot.object = base;
         return;
       }
-      case 4: {  // part company; the public object goes, or to another implementation
+      case 4: {  // detach; the public object is deleted or linked to another implementation
         if (slot.object == nullptr) return;
         slot.impl->DetachBase();
         EXPECT_EQ(slot.object->GetImpl(), nullptr);
@@ -420,7 +420,7 @@ class SequenceC {
           delete object;
           return;
         }
-        object->SetImpl(to.impl);  // whose public object goes
+        object->SetImpl(to.impl);  // destroys the public object of `to.impl`
         to.object = object;
         to.isObjectCounted = slot.isObjectCounted;
         return;
@@ -435,7 +435,7 @@ class SequenceC {
         return;
       }
       case 6: {
-        const AreaSlot& from = SomeArea();  // itself too
+        const AreaSlot& from = SomeArea();  // possibly itself
         if (from.impl == nullptr || from.model.kind != &kind) return;
         kind.assign(*slot.impl, *from.impl);
         slot.model = AreaModel(from.model);
@@ -582,7 +582,7 @@ class SequenceC {
         return;
       }
       case 3: {
-        const ScanSlot& from = SomeScan();  // itself too
+        const ScanSlot& from = SomeScan();  // possibly itself
         if (from.scan == nullptr) return;
         if (in_.Flag()) {
           *slot.scan = *from.scan;
@@ -614,7 +614,7 @@ class SequenceC {
         slot.model.area = area.model;
         return;
       }
-      case 6: {  // that of a scan, its own too
+      case 6: {  // the area of a scan, possibly its own
         const ScanSlot& from = SomeScan();
         if (from.scan == nullptr) return;
         const auto* const area = from.scan->GetArea();
@@ -627,7 +627,7 @@ class SequenceC {
         slot.scan->GetImpl()->SetArea(static_cast<const SDI::ScanDefinitionImplC*>(nullptr));
         slot.model.area.reset();
         return;
-      case 8: {  // the implementation gets another public object, in one step or in two
+      case 8: {  // gives the implementation another public object, in one or two steps
         auto* const impl = slot.scan->GetImpl();
         if (in_.Flag()) {
           impl->DetachBase();

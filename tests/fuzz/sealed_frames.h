@@ -7,7 +7,8 @@
 
 namespace Fuzz {
 
-/// Gives the frame at `at` its right checksum, where there is room for one: chance would not.
+/// Stores the correct checksum of the frame at `at`, if there is room, which random bytes rarely
+/// have.
 inline void SealIfWhole(TestSupport::ByteVector& bytes, std::size_t at) {
   if (at + 4 > bytes.size()) return;
   const std::size_t length = bytes[at + 2] + std::size_t{256} * bytes[at + 3];

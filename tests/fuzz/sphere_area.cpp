@@ -1,5 +1,5 @@
-// Any points and any directions: every answer of a sphere area equals that of the rules written
-// down step by step, bit for bit, and so does that of the prepared area.
+// For arbitrary points and directions, every answer of a sphere area and of its prepared area
+// equals that of the literal step-by-step rules, bit for bit.
 
 #include <cmath>
 #include <iterator>
@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kMostPoints = 24;
 constexpr std::size_t kMostProbes = 6;
 
-// An angle within `range`, or one that the rules have trouble with.
+// An angle within `range`, or at an edge case of the rules.
 double Angle(Fuzz::InputC& in, double range, double previous) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const double specials[] = {0.0,
@@ -41,7 +41,7 @@ double Angle(Fuzz::InputC& in, double range, double previous) {
       return static_cast<double>(in.Below(33)) * range / 32;
     case 3:
       return previous;
-    case 4: {  // beside it, in units of the last place
+    case 4: {  // off by units in the last place
       const auto units = in.Take<std::int8_t>();
       double angle = previous;
       for (int i = 0; i < std::abs(units); ++i) {
@@ -49,7 +49,7 @@ double Angle(Fuzz::InputC& in, double range, double previous) {
       }
       return angle;
     }
-    case 5: {  // beside it, by about a tolerance
+    case 5: {  // off by about a tolerance
       const auto factor = in.Take<std::int8_t>();
       return previous + factor * std::pow(10.0, -static_cast<double>(in.Below(14)));
     }
@@ -66,12 +66,12 @@ GMAT::AnglePointC Direction(Fuzz::InputC& in, const GMAT::AnglePointC& previous)
   return {hz, v};
 }
 
-// An area with the points of another one, made in other ways.
+// An area with the points of another one, built by different operations.
 GMAT::SphereAreaC Rebuilt(const GMAT::SphereAreaC& area) {
   GMAT::SphereAreaC other;
   other.AddPoint(1.0, 2.0);
   other.Clear();
-  other.RemoveLastPoint();  // of none
+  other.RemoveLastPoint();  // of an empty area
   other.AddPoints(area.GetPoints());
   other.AddPoint(1.0, 2.0);
   other.RemoveLastPoint();
@@ -80,7 +80,7 @@ GMAT::SphereAreaC Rebuilt(const GMAT::SphereAreaC& area) {
 
 }  // namespace
 
-// The number of points, the points, directions up to the end.
+// Input: the number of points, the points, directions up to the end.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Fuzz::InputC in({data, size});
   GMAT::SphereAreaC area;

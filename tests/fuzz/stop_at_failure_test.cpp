@@ -2,7 +2,7 @@
 
 #include "tests/fuzz/fuzz_input.h"
 
-// Without this the targets would report no finding.
+// Without this, the targets could not report findings.
 
 namespace {
 

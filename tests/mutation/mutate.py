@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
-"""Mutation check: would the tests notice a small mistake in the library?
+"""Mutation testing: do the tests detect small mistakes in the library?
 
-Copies the project to build/mutation, plants one small mutation at a time into the library, builds the
-tests that matter for its file and runs them until one fails. What no test notices is reported, unless
-tests/mutation/explained.json says why it changes no answer.
+Copies the project to build/mutation, applies one small mutation at a time to the library, builds the
+tests that are relevant for its file and runs them until one fails. Surviving mutations are reported,
+unless tests/mutation/explained.json explains why they change no result.
 
-  tests/mutation/mutate.py                    200 mutations, spread over the files by their size
-  tests/mutation/mutate.py --only utf8        those in files whose name matches
-  tests/mutation/mutate.py --list             only show the mutations
-  tests/mutation/mutate.py --again            those that survived the last time
+  tests/mutation/mutate.py                    200 mutations, distributed over the files by size
+  tests/mutation/mutate.py --only utf8        only files whose name matches
+  tests/mutation/mutate.py --list             only list the mutations
+  tests/mutation/mutate.py --again            the mutations that survived the last run
 
-Ends with 1 when a mutation survived that is not explained. Results: build/mutation/results.jsonl.
+Exits with 1 if a mutation survived that is not explained. Results: build/mutation/results.jsonl.
 """
 
 import argparse
@@ -32,7 +32,7 @@ BUILD = WORK / "build"
 RESULTS = WORK / "results.jsonl"
 EXPLAINED = Path(__file__).with_name("explained.json")
 
-# A token of the code, what takes its place, and the kind of mistake.
+# Pattern, replacement, kind of mutation.
 SWAPS = [
     (r" < ", " <= ", "relation"),
     (r" <= ", " < ", "relation"),
@@ -64,14 +64,14 @@ STATEMENT = re.compile(r"^\s+(?!return\b|using\b|static_assert\b|break;|continue
                        r"[\w:.\->\[\]*]+(\(.*\)| [-+|&]?= .*)?;$")
 PASSED_OVER = re.compile(r"^\s*(#|//|static_assert|using |namespace |template |template<|class |struct |"
                          r"friend |public:|private:|protected:|extern )")
-# Declarations with `&` or `*` between words are no operations.
+# Declarations with `&` or `*` between words are not operations.
 TYPE_AMPERSAND = re.compile(r"(const )?[\w:<>]+ & \w+[,)]")
 
 MOST_OF_A_FILE = 20
-LONGEST_RUN = 100  # seconds; what takes longer never ends, unless it takes as long by itself
+LONGEST_RUN = 100  # seconds; a longer run counts as endless, unless the test is slow without a mutation
 
-# Which tests matter for a file: the rule with the longest matching beginning. A program that is no
-# GoogleTest stands with its arguments.
+# The tests that are relevant for a file: the entry with the longest matching prefix. Programs that
+# do not use GoogleTest are listed with their arguments.
 TESTS = {
     "surveydata/object_model/": ["base_test", "handle_test", "compare_test", "pair_rules_test",
                                  "record_rules_test", "layout_test", "random_program_test",
@@ -162,7 +162,7 @@ def candidates(only):
 
 
 def choose(found, count, seed):
-    """At most one mutation of a line; every file has its share, at least one and not too many."""
+    """At most one mutation per line; per file in proportion to its size, 1 to MOST_OF_A_FILE."""
     rng = random.Random(seed)
     rng.shuffle(found)
     seen, by_file = set(), {}
@@ -194,7 +194,7 @@ def run_test(program, test, timeout):
 
 
 def prepare(all_tests, jobs):
-    """Builds the tests. Returns the program of each, and how long it may take."""
+    """Builds the tests. Returns the program of each, and its time limit."""
     files = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=PROJECT, check=True,
                            capture_output=True, text=True).stdout.split("\n")
     for name in filter(None, files):
@@ -232,7 +232,7 @@ def names_of(tests):
 
 
 def try_mutation(mutation, programs, jobs):
-    """Plants the mutation, and takes it out again. Returns the verdict and who noticed."""
+    """Applies the mutation, and reverts it. Returns the verdict and the test that detected it."""
     path = SOURCE / mutation["file"]
     lines = path.read_text().split("\n")
     original = "\n".join(lines)
@@ -262,10 +262,10 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--count", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--only", help="a regular expression that the file name matches")
+    parser.add_argument("--only", help="a regular expression for the file name")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--list", action="store_true")
-    parser.add_argument("--again", action="store_true", help="those that survived the last time")
+    parser.add_argument("--again", action="store_true", help="those that survived the last run")
     arguments = parser.parse_args()
 
     chosen = choose(candidates(arguments.only), arguments.count, arguments.seed)
@@ -287,7 +287,7 @@ def main():
     programs = prepare(sorted({test for mutation in chosen for test in tests_for(mutation["file"])}),
                        arguments.jobs)
     verdicts = Counter()
-    part = RESULTS.with_suffix(".part")  # a run that is stopped leaves the results of the last one
+    part = RESULTS.with_suffix(".part")  # an interrupted run keeps the previous results
     with open(part, "w", encoding="utf-8") as results:
         for position, mutation in enumerate(chosen, 1):
             begin = time.monotonic()

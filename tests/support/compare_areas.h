@@ -13,7 +13,7 @@
 #include "literal_sphere_area.h"
 
 /// \file
-/// Expects of a sphere area the answers of the literal rules, bit for bit.
+/// Checks that a sphere area gives the answers of the literal rules, bit for bit.
 
 namespace CompareAreas {
 
@@ -22,7 +22,7 @@ using GMAT::SphereAreaC;
 
 inline std::uint64_t Bits(double x) { return std::bit_cast<std::uint64_t>(x); }
 
-// NaN equals NaN, whatever its sign and payload: these are not the same on every platform.
+// NaN equals NaN with any sign and payload, because these differ between platforms.
 inline bool Same(double a, double b) { return Bits(a) == Bits(b) || (a != a && b != b); }
 
 inline bool Same(const std::vector<AnglePointC>& a, const std::vector<literal::Angles>& b) {
@@ -33,7 +33,7 @@ inline bool Same(const std::vector<AnglePointC>& a, const std::vector<literal::A
   return true;
 }
 
-/// How often the compared cases reached each outcome.
+/// How many of the compared cases had each outcome.
 struct Tally {
   std::uint64_t cases = 0;
   std::uint64_t valid = 0;
@@ -43,7 +43,7 @@ struct Tally {
   std::uint64_t crossings = 0;
 };
 
-/// Validity and extents.
+/// Compares validity and bounds.
 inline void CompareRing(const SphereAreaC& area, const literal::SphereArea& rules, Tally& tally) {
   const bool isValid = rules.IsValid();
   ASSERT_EQ(area.IsValid(), isValid);
@@ -66,7 +66,7 @@ inline void CompareRing(const SphereAreaC& area, const literal::SphereArea& rule
   }
 }
 
-/// The meridian and the circle of latitude of a direction.
+/// Compares the crossings of a direction's meridian and circle of latitude.
 inline void CompareLines(const SphereAreaC& area, const literal::SphereArea& rules,
                          AnglePointC probe, Tally& tally) {
   for (const bool vertical : {true, false}) {
@@ -81,7 +81,7 @@ inline void CompareLines(const SphereAreaC& area, const literal::SphereArea& rul
   }
 }
 
-/// Whether a direction is inside, and how far from the boundary.
+/// Compares whether a direction is inside, and its distance from the boundary.
 inline void CompareProbe(const SphereAreaC& area, const literal::SphereArea& rules,
                          AnglePointC probe, Tally& tally) {
   const double distance = rules.DistanceToBoundary(probe.Hz, probe.V);

@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-/// The public object of a point that counts how many of its kind are destroyed.
+/// The public object of a point; counts destroyed objects.
 class CountedPointC : public SDI::CoordinatePointC {
  public:
   CountedPointC(ODM::CoordinatePointC* impl, int& destroyed)

@@ -13,8 +13,8 @@
 #include "tests/support/field_changes.h"
 
 /// \file
-/// Expectations on where the fields of an object lie. A field is found by writing it through its
-/// setter and looking which bytes of the object change.
+/// Checks the offsets of an object's fields. A field is located by writing it through its setter
+/// and observing which bytes of the object change.
 
 namespace Layouts {
 
@@ -28,14 +28,14 @@ struct Layout {
   std::size_t alignment;
 };
 
-/// A field, or a part: an implementation held by value, with fields of its own.
+/// A field, or a part: an implementation held by value, with its own fields.
 class Field {
  public:
   Field(std::size_t size, std::size_t alignment) : layout_{size, alignment} {}
   Field(std::initializer_list<Field> part) : part_(part) {}
 
-  /// Puts the field to the next place of its alignment from `end` on, and notes where it lies, or
-  /// where the fields of the part do. Returns where it ends.
+  /// Places the field at the next aligned offset from `end` on, and appends its range, or those of
+  /// the part's fields, to `places`. Returns its end.
   std::size_t Place(std::size_t end, std::vector<Range>& places) const;
 
  private:
@@ -47,7 +47,7 @@ inline std::size_t RoundedUp(std::size_t at, std::size_t alignment) {
   return (at + alignment - 1) / alignment * alignment;
 }
 
-/// The fields of an implementation at `begin`, after its table of virtual functions and its owner.
+/// Places the fields of an implementation at `begin`, after the vtable pointer and the owner.
 inline std::size_t PlaceAll(const std::vector<Field>& fields, std::size_t begin,
                             std::vector<Range>& places) {
   std::size_t end = begin + 2 * sizeof(void*);
@@ -62,7 +62,7 @@ inline std::size_t Field::Place(std::size_t end, std::vector<Range>& places) con
   return begin + layout_.size;
 }
 
-/// The bytes of an object, as they are.
+/// The bytes of an object.
 template <class Object>
 std::vector<std::byte> BytesOf(const Object& object) {
   std::vector<std::byte> bytes(sizeof(Object));
@@ -70,7 +70,8 @@ std::vector<std::byte> BytesOf(const Object& object) {
   return bytes;
 }
 
-/// From the first byte that a change touches to after the last one; empty when none is.
+/// The range from the first to the last byte that `change` changes, half-open; empty if it changes
+/// none.
 template <class Object, class Change>
 Range Changed(Object& object, Change change) {
   const auto before = BytesOf(object);
@@ -88,11 +89,11 @@ std::size_t OffsetIn(const Object& object, const void* field) {
                                   reinterpret_cast<const std::byte*>(&object));
 }
 
-/// Whether sizes are those of the list: it holds for pointers of 64 bits.
+/// Whether the listed sizes apply: they hold for 64-bit pointers.
 inline constexpr bool kHasListedSizes = sizeof(void*) == 8;
 
-/// Expects that an implementation has this size and these fields, one after the other, each at the
-/// next place of its alignment: every change touches its own field and nothing else.
+/// Checks that an implementation has this size and these fields, one after the other, each at the
+/// next aligned offset: every change must affect only its own field.
 template <class Impl>
 void ExpectLayout(Layout layout, std::initializer_list<Field> fields) {
   SCOPED_TRACE(typeid(Impl).name());

@@ -10,9 +10,8 @@
 #include <gtest/gtest.h>
 
 /// \file
-/// Makes calls fail that rarely fail otherwise: allocations by `operator new`, and the file
-/// functions of the C runtime, which the linker replaces. Link
-/// `heap_faults` for the first, `file_faults` for both.
+/// Fault injection for allocations by `operator new`, and for the file functions of the C runtime,
+/// which the linker replaces. Link `heap_faults` for the former, `file_faults` for both.
 
 namespace Faults {
 
@@ -20,11 +19,11 @@ inline constexpr std::size_t kNever = SIZE_MAX;
 
 // --- Memory
 
-/// The number since the start of the program.
+/// The number of allocations since the start of the program.
 std::size_t Allocations();
 std::size_t Releases();
 
-/// Lets `count` more allocations succeed; `kNever` for all.
+/// Lets `count` more allocations succeed; `kNever` means all.
 void LimitAllocations(std::size_t count);
 
 /// Runs `work`, allowing one more allocation each time, until it succeeds; `afterFailure` checks
@@ -46,8 +45,8 @@ std::size_t FailuresOfAChange(Work work, Check afterFailure) {
   }
 }
 
-/// The same for work that keeps nothing when it fails, not even capacity of a container: expects
-/// that each failure releases all that was allocated.
+/// The same for work that keeps nothing when it fails, not even the capacity of a container: checks
+/// that everything allocated is released after each failure.
 template <class Work, class Check>
 std::size_t FailuresBeforeSuccess(Work work, Check afterFailure) {
   std::size_t taken = 0;
@@ -69,7 +68,7 @@ std::size_t FailuresBeforeSuccess(Work work) {
   return FailuresBeforeSuccess(work, [] {});
 }
 
-/// Expects at its destruction that everything allocated since its construction was released.
+/// Checks on destruction that everything allocated since construction was released.
 class BalanceC {
  public:
   BalanceC() {
@@ -88,21 +87,21 @@ class BalanceC {
 
 // --- Files (not on Windows)
 
-/// How a read or a write fails: with nothing done, or after half of it.
+/// How a read or a write fails: without effect, or after half of the data.
 enum class Extent { kNothing, kHalf };
 
-/// Makes the file call with this number, counted from 0 from now on, fail, and no other: `fopen`,
-/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `ftruncate`, `fclose`. A close that fails closes
-/// all the same. `another` is the number of a second call that fails.
+/// Makes only the file call with this number fail, counting from 0 from now on: `fopen`, `fseek`,
+/// `fseeko`, `ftello`, `fread`, `fwrite`, `ftruncate`, `fclose`. A failing close still closes the
+/// file. `another` is the number of a second call that fails.
 void FailFileCall(std::size_t number, Extent extent = Extent::kNothing,
                   std::size_t another = kNever);
-/// All succeed.
+/// Lets all file calls succeed.
 void FailNoFileCall();
 
-/// The calls since `FailFileCall` or `FailNoFileCall`, by name.
+/// The names of the calls since `FailFileCall` or `FailNoFileCall`.
 std::vector<std::string> FileCalls();
 
-/// The number of files opened and not closed since the start of the program.
+/// The number of files opened but not closed since the start of the program.
 int OpenFiles();
 
 }  // namespace Faults

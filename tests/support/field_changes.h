@@ -11,11 +11,11 @@
 #include "tests/support/record_fields.h"
 
 /// \file
-/// For each implementation, a change of each of its fields, in the order in which they lie.
+/// For each implementation, a change of each field, in the order of the layout.
 
 namespace Layouts {
 
-/// One way to change each field.
+/// A list of functions, each of which changes one field.
 template <class Impl>
 using Changes = std::vector<std::function<void(Impl&)>>;
 
@@ -41,7 +41,7 @@ Changes<Impl> ChangesOf() {
           [](Impl& p) { p.SetDistance(1.5); }};
 }
 
-// What both implementations of a measurement begin with, after the times.
+// The first fields of both implementations of a measurement, after the times.
 template <class Impl>
 Changes<Impl> SharedChanges() {
   return {
@@ -73,8 +73,8 @@ Changes<Impl> SharedChanges() {
   };
 }
 
-/// Makes the optional fields present, so that their setters change no mask. The DOPs are left: to
-/// set them as they are changes the mask alone.
+/// Makes the optional fields present, so that their setters do not change the mask. Omits the DOPs:
+/// setting them to their current values changes only the mask.
 template <class Impl>
 void Prepare(Impl& /*impl*/) {}
 

@@ -9,16 +9,16 @@
 namespace Faults {
 namespace {
 
-// No vector: nothing here may allocate while allocations are counted.
+// Not a vector: nothing may allocate here while allocations are counted.
 std::array<const char*, 1000> g_calls;
 std::size_t g_callCount = 0;
 std::size_t g_failing = kNever;
 std::size_t g_failingToo = kNever;
 Extent g_extent = Extent::kNothing;
 int g_openFiles = 0;
-const std::FILE* g_failed = nullptr;  // the last file whose reading or writing failed
+const std::FILE* g_failed = nullptr;  // the last file for which a read or write failed
 
-// Whether this call is the one to fail.
+// Whether this call must fail.
 bool IsToFail(const char* name) {
   if (g_callCount < g_calls.size()) g_calls[g_callCount] = name;
   const std::size_t call = g_callCount++;
@@ -44,14 +44,14 @@ int OpenFiles() { return g_openFiles; }
 
 }  // namespace Faults
 
-// The functions that know offsets have other names where a build gives them 64 bits.
+// Functions that use offsets have other names in builds with 64-bit offsets.
 #if defined(__GLIBC__) && defined(__USE_FILE_OFFSET64) && __SIZEOF_POINTER__ == 4
 #define SURVEYDATA_NAMED(name) __asm__(name "64")
 #else
 #define SURVEYDATA_NAMED(name)
 #endif
 
-// `__wrap_X` is called instead of X, `__real_X` is X (--wrap of the linker).
+// The linker option --wrap redirects calls of X to `__wrap_X`; `__real_X` is X.
 extern "C" {
 std::FILE* __real_fopen(const char* name, const char* mode) SURVEYDATA_NAMED("__real_fopen");
 int __real_fseek(std::FILE* file, long offset, int whence);
@@ -112,7 +112,7 @@ std::size_t __wrap_fread(void* to, std::size_t size, std::size_t count, std::FIL
   return done;
 }
 
-// Called by a hardened build where it knows the size of the destination.
+// Hardened builds call this if the size of the destination is known.
 std::size_t __wrap___fread_chk(void* to, std::size_t /*room*/, std::size_t size, std::size_t count,
                                std::FILE* file) {
   return __wrap_fread(to, size, count, file);

@@ -11,7 +11,7 @@
 #include <vector>
 
 /// \file
-/// Makes synthetic record frames, without any code of the library.
+/// Builds synthetic record frames, independently of the library.
 
 namespace TestSupport {
 
@@ -22,7 +22,7 @@ inline void Append(ByteVector& to, const ByteVector& bytes) {
   std::copy(bytes.begin(), bytes.end(), std::back_inserter(to));
 }
 
-/// Stores the right checksum at the length that the frame at `at` announces.
+/// Stores the correct checksum of the frame at `at`, after the length given in its header.
 inline void Seal(ByteVector& bytes, std::size_t at = 0) {
   const std::size_t length = bytes.at(at + 2) + std::size_t{256} * bytes.at(at + 3);
   unsigned sum = 0;
@@ -32,7 +32,7 @@ inline void Seal(ByteVector& bytes, std::size_t at = 0) {
   bytes.at(at + length + 1) = static_cast<std::uint8_t>(checksum >> 8);
 }
 
-/// Appends fields front to back, little-endian; `Frame` puts header and checksum around them.
+/// Appends fields in order, little-endian; `Frame` adds header and checksum.
 class FrameBuilderC {
  public:
   FrameBuilderC& U8(unsigned value) {
@@ -51,17 +51,17 @@ class FrameBuilderC {
     while (count-- > 0) U8(static_cast<unsigned>(random() & 0xFF));
     return *this;
   }
-  /// The units without a terminator.
+  /// Appends the units without a terminator.
   FrameBuilderC& Units(std::u16string_view units) {
     for (const char16_t unit : units) U16(unit);
     return *this;
   }
-  /// The units of a name block, padded with zeros to 17.
+  /// Appends the units of a name block, padded with zeros to 17.
   FrameBuilderC& NameUnits(std::u16string_view units) {
     Units(units);
     return Fill(2 * (17 - units.size()), 0);
   }
-  /// What every measurement begins with.
+  /// Appends the fields with which every measurement begins.
   FrameBuilderC& Times(unsigned week = 2200, std::int32_t timeA = 86'400'000,
                        std::int32_t timeB = -7) {
     return U16(week).I32(timeA).I32(timeB);
@@ -86,13 +86,13 @@ class FrameBuilderC {
   ByteVector payload_;
 };
 
-/// A frame whose payload, times and flags word included, has `size` bytes of `value`.
+/// A frame whose payload, including times and flags word, is `size` bytes of `value`.
 inline ByteVector FrameOf(std::size_t size, unsigned value = 0, unsigned type = 113) {
   return FrameBuilderC().Fill(size, value).Frame(type);
 }
 
-/// A whole frame with every block that the two flags words announce, random inside, and at most
-/// 488 bytes long. `flags2` counts only when `flags1` announces it.
+/// A complete frame with every block that the two flags words announce, with random content, at
+/// most 488 bytes long. `flags2` is only used if `flags1` announces it.
 inline ByteVector WellFormedFrame(unsigned flags1, unsigned flags2, std::mt19937_64& random) {
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
   FrameBuilderC b;

@@ -20,7 +20,7 @@ namespace {
 using GMAT::AnglePointC;
 using Numbers = std::vector<double>;
 
-// The value of an output that an operation does not change.
+// The initial value of an output, which shows whether an operation changes it.
 constexpr double kUntouched = -1.0;
 
 double YesNo(bool answer) { return answer ? 1.0 : 0.0; }
@@ -202,9 +202,9 @@ void ForEach(std::istream& file, const std::function<void(const Case&)>& visit) 
 }
 
 void MakeUp(std::uint64_t seed, const std::function<void(const Case&)>& visit) {
-  constexpr int kNumbers = 40;  // of each question about numbers
+  constexpr int kNumbers = 40;  // cases per question about numbers
   constexpr int kAreas = 90;
-  constexpr int kProbes = 4;  // for each area
+  constexpr int kProbes = 4;  // per area
   RingGenerator random(seed);
   const auto ask = [&](const char* question, const std::vector<AnglePointC>& area, Numbers given) {
     visit({Find(question).source, question, area, std::move(given), {}});

@@ -11,21 +11,21 @@
 #include <surveydata/sphere_geometry/angles.h>
 
 /// \file
-/// Questions to the sphere geometry with their answers, as the lines of a text file:
+/// Queries of the sphere geometry with their answers, as the lines of a text file:
 ///
 ///     area <Hz> <V> ...                            the corners to which the following lines refer
 ///     <source> <question> <given> ... = <answer> ...
 ///
-/// Numbers are hexadecimal doubles, yes and no are 1 and 0. An answer that is a list of crossings
-/// begins with their number.
+/// Numbers are hexadecimal doubles; true and false are 1 and 0. A list of crossings begins with its
+/// length.
 
 namespace GeometryCases {
 
-/// What an answer depends on.
+/// On which functions an answer depends.
 enum class Source {
-  kArithmetic,  ///< On IEEE doubles alone: the same on every platform.
-  kRuntime,     ///< It is one of the math functions of the C runtime.
-  kGeometry,    ///< On those math functions: the same where they are.
+  kArithmetic,  ///< Only on IEEE arithmetic: the same on every platform.
+  kRuntime,     ///< It is the result of a math function of the C runtime.
+  kGeometry,    ///< On those math functions: the same where their results are.
 };
 
 struct Case {
@@ -33,20 +33,20 @@ struct Case {
   std::string question;
   std::vector<GMAT::AnglePointC> area;
   std::vector<double> given;
-  std::vector<double> answers;  ///< As recorded.
+  std::vector<double> answers;  ///< The recorded answers.
 };
 
-/// The names in the order of the file.
+/// The names used in the file.
 std::string_view NameOf(Source source);
 
-/// The present answer of the library or the runtime. \throw std::runtime_error for an
-/// unknown question.
+/// The current answer of the library or the runtime. \throw std::runtime_error for an unknown
+/// question.
 std::vector<double> Answer(const Case& question);
 
 /// Calls `visit` for each case. \throw std::runtime_error for an invalid line.
 void ForEach(std::istream& file, const std::function<void(const Case&)>& visit);
 
-/// Generates questions, the same for the same seed, and calls `visit` for each, without answers.
+/// Generates questions without answers, which depend only on the seed, and calls `visit` for each.
 void MakeUp(std::uint64_t seed, const std::function<void(const Case&)>& visit);
 
 }  // namespace GeometryCases

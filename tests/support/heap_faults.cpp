@@ -5,7 +5,7 @@
 namespace Faults {
 namespace {
 
-// The operators get their memory from `malloc`, so that sanitizers see every block.
+// The operators use `malloc`, so that sanitizers track every block.
 std::size_t g_allocations = 0;
 std::size_t g_releases = 0;
 std::size_t g_left = kNever;
@@ -32,7 +32,7 @@ void LimitAllocations(std::size_t count) { g_left = count; }
 
 }  // namespace Faults
 
-// Not inlined, so that the compiler sees them as a pair.
+// Not inlined, so that the compiler does not report mismatched allocation functions.
 [[gnu::noinline]] void* operator new(std::size_t size) { return Faults::Allocate(size); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return Faults::Allocate(size); }
 [[gnu::noinline]] void operator delete(void* block) noexcept { Faults::Release(block); }

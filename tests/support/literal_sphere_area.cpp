@@ -83,10 +83,10 @@ struct Arc {
     equator = Equal10(start.lat, 0.0) && Equal10(end.lat, 0.0);
   }
 
-  // The poles lie in the plane of such an arc.
+  // Whether the plane of the arc contains the poles.
   bool ThroughPoles() const { return meridian || oppositeMeridians; }
 
-  // 1 or -1 when the arc ends at the north or south pole or passes over it, else 0.
+  // 1 or -1 if the arc ends at the north or south pole or passes over it, otherwise 0.
   int Pole() const {
     if (!ThroughPoles()) return 0;
     if (AtPole(start.lat)) return start.lat > 0.0 ? 1 : -1;
@@ -95,7 +95,7 @@ struct Arc {
     return start.lat + end.lat > 0.0 ? 1 : -1;
   }
 
-  // The meridian of the end that is not at a pole.
+  // The longitude of the end that is not at a pole.
   double Meridian() const { return AtPole(start.lat) ? end.lon : start.lon; }
 
   Vector Normal() const {
@@ -125,7 +125,7 @@ struct Arc {
     return true;
   }
 
-  // `lon` by full turns next to the middle between two longitudes.
+  // `lon` shifted by full turns to be nearest to the middle of the two longitudes.
   static double NextTo(double lon, double end1, double end2) {
     const double middle = (std::min(end1, end2) + std::max(end1, end2)) / 2.0;
     return lon + kTwoPi * std::floor((middle - lon) / kTwoPi + 0.5);
@@ -135,7 +135,7 @@ struct Arc {
     return Between(NextTo(lon, end1, end2), end1, end2);
   }
 
-  // Whether a point of the arc's great circle lies on the arc.
+  // Whether a point on the arc's great circle lies on the arc.
   bool Holds(Point p) const {
     if (!ThroughPoles()) return OnMeridian(p.lon, start.lon, end.lon);
     if (AtPole(p.lat) && Pole() != 0) return (p.lat > 0.0) == (Pole() > 0);
@@ -185,7 +185,7 @@ bool SphericalCrossing(Angles a1, Angles a2, Angles b1, Angles b2) {
   return false;
 }
 
-// The edge against the half plane Hz = h between the two V; the crossing has Hz exactly h.
+// The crossing of the edge with the meridian Hz = h between the two V; its Hz is exactly h.
 bool MeridianCrossing(Angles a1, Angles a2, double h, double vLow, double vHigh, Angles& result) {
   const Arc arc(ToPoint(a1), ToPoint(a2));
   if (!arc.valid) return false;
@@ -217,8 +217,7 @@ double PlanarLineDistance(Angles p, Angles a, Angles b) {
          PlanarDistance(a, b);
 }
 
-// 10^(-digits). The one that the rules take is rounded to nearest, which not every runtime's power
-// is.
+// 10^(-digits). The rules use the correctly rounded value, which not every runtime's `pow` returns.
 double Step(std::uint16_t digits) { return digits == 10 ? 1e-10 : std::pow(10.0, -digits); }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <vector>
 
 /// \file
-/// The rules of sphere areas written out step by step: slow, literal, and sharing nothing with the
-/// library. Every answer of the library, on any of its paths, must equal this bit for bit.
+/// The rules of sphere areas, implemented literally step by step: slow, and sharing no code with
+/// the library. Every answer of the library, on any code path, must equal this bit for bit.
 
 namespace literal {
 

@@ -4,7 +4,7 @@
 #include <surveydata/surveydata.h>
 
 /// \file
-/// Every pair of a public class and an implementation, without a test framework.
+/// The list of all pairs of a public class and an implementation, independent of a test framework.
 
 namespace Pairs {
 
@@ -27,8 +27,7 @@ struct PairList {
   }
 };
 
-/// A public class and the implementation that it makes and reads. A pair that is not listed here is
-/// not finished.
+/// A public class and the implementation that it creates and reads. Every pair must be listed here.
 using AllPairList = PairList<
     Pair<SDI::CoordinatePointC, ODM::CoordinatePointC>, Pair<SDI::QMatrixC, ODM::QMatrixC>,
     Pair<SDI::CoordinateQualityC, ODM::CoordinateQualityC>,
@@ -51,7 +50,8 @@ using AllPairList = PairList<
     Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
     Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>, Pair<SDI::ScanC, SDI::ScanImplC>>;
 
-/// A public class and an implementation that makes one but that it does not read.
+/// A public class and an implementation that creates it as its public object, but that it does not
+/// read.
 using UnreadPairList =
     PairList<Pair<SDI::GPSAntHeightC, ODM::GPSAntHeightC>, Pair<SDI::GPSDOPsC, ODM::GPSDOPsC>,
              Pair<SDI::GPSMeasDataC, ODM::GPSMeasDataC>>;

@@ -13,25 +13,26 @@
 #include "tests/support/record_fields.h"
 
 /// \file
-/// For tests of rules that hold for every pair: the pairs as type lists, and data that marks them.
+/// For tests of rules that hold for every pair: the pairs as type lists, and functions that mark
+/// their data.
 
 namespace Pairs {
 
 using AllPairs = AllPairList::As<testing::Types>;
 using UnreadPairs = UnreadPairList::As<testing::Types>;
 
-/// A dome has no points to set.
+/// Whether points can be set: not for a dome.
 template <class Impl>
 inline constexpr bool kHasData = !std::is_base_of_v<SDI::ScanDomeAreaImplC, Impl>;
 
-/// The field by which records are marked; listing all fields is slow.
+/// The field that marks a record; listing all fields would be slow.
 template <class Impl>
 const Records::Field<Impl>& LastField() {
   static const Records::Field<Impl> field = Records::FieldsOf<Impl>().back();
   return field;
 }
 
-/// Sets the data, if there is any, to a value other than the default.
+/// Sets the data, if any, to a value other than the default.
 template <class Impl>
 void Mark(Impl& impl) {
   if constexpr (requires { impl.SetHz(7.0); }) {
@@ -71,7 +72,7 @@ std::string Shown(const Impl& impl) {
   }
 }
 
-/// Whether the data is as `Mark` leaves it.
+/// Whether the data is as set by `Mark`.
 template <class Impl>
 bool IsMarked(const Impl& impl) {
   Impl marked;

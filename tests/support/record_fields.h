@@ -16,10 +16,11 @@
 #include <surveydata/surveydata.h>
 
 /// \file
-/// The fields of the records by name, in their order, for tests that treat all records alike.
+/// The fields of the records by name, in order, for tests that treat all records alike.
 ///
-/// `FieldsOf<Record>()` lists them; a field of a part has the name of the part before its own, as
-/// in "Quality.Matrix.Q11". `DifferingFields(a, b)` names the fields in which two records differ.
+/// `FieldsOf<Record>()` lists them; the name of a field of a part is prefixed with that of the
+/// part, as in "Quality.Matrix.Q11". `DifferingFields(a, b)` names the fields in which two records
+/// differ.
 
 namespace Records {
 
@@ -33,21 +34,21 @@ struct Field {
   Compared compared;
   /// The value as text, different for different values.
   std::function<std::string(const Record&)> show;
-  /// Writes a value that is not the default of any field; another `seed` gives another value,
-  /// except for a bool.
+  /// Writes a value that is not the default of any field; a different `seed` gives a different
+  /// value, except for a bool.
   std::function<void(Record&, int seed)> fill;
   /// The result of `show` after `fill` with the same seed.
   std::function<std::string(int seed)> filled;
   /// Moves a number by `units` of its smallest units; changes a text or a bool unless it is 0.
   std::function<void(Record&, int units)> move;
-  /// Writes NaN. Empty when the field has none.
+  /// Writes NaN. Empty if the field is not a floating-point number.
   std::function<void(Record&)> spoil;
 };
 
 template <class Record>
 using Fields = std::vector<Field<Record>>;
 
-// The result of a getter, held as a value.
+// The result of a getter, as a value.
 template <class T>
 struct Held : std::type_identity<T> {};
 template <>
@@ -138,7 +139,7 @@ Field<Record> MakeField(std::string name, Get get, Set set) {
   return field;
 }
 
-// The fields of a part that `get` gives and `set` takes, as fields of `Record`.
+// The fields of a part with the given accessors, as fields of `Record`.
 template <class Record, class Get, class Set, class Part>
 Fields<Record> FieldsOfPart(const std::string& name, Get get, Set set, const Fields<Part>& parts) {
   Fields<Record> fields;
@@ -175,7 +176,7 @@ Fields<Record> Exactly(Fields<Record> fields) {
   return fields;
 }
 
-// The setter of a flags word as a setter of its value.
+// The setter of a flags word, as a setter of its value.
 template <class Record>
 Field<Record> FlagsField() {
   return MakeField<Record>("Flags", &Record::GetFlags,
@@ -185,7 +186,7 @@ Field<Record> FlagsField() {
 template <class T, class... Choices>
 concept OneOf = (std::same_as<T, Choices> || ...);
 
-// One list for both sides of a pair wherever their accessors have the same names.
+// One list for both sides of a pair if their accessors have the same names.
 
 template <OneOf<ODM::CoordinatePointC, SDI::CoordinatePointC> R>
 Fields<R> FieldsOf() {
@@ -217,7 +218,7 @@ Fields<R> FieldsOf() {
           MakeField<R>("HasHeight", &R::GetHasHeight, &R::SetHasHeight)};
 }
 
-// A memento has no setters: it changes by assignment.
+// A memento has no setters: it is changed by assignment.
 template <OneOf<ODM::UndulationMementoC, SDI::UndulationMementoC> R>
 Fields<R> FieldsOf() {
   return {
@@ -436,7 +437,7 @@ Fields<R> FieldsOf() {
           MakeField<R>("Value8", &R::GetValue8, &R::SetValue8)};
 }
 
-// The two 16-bit numbers are fields of the implementation alone.
+// Only the implementation has accessors for the two 16-bit numbers.
 template <OneOf<SDI::ImgCameraInfoImplC, SDI::ImgCameraInfoC> R>
 Fields<R> FieldsOf() {
   Fields<R> shorts;
@@ -502,7 +503,7 @@ void FillAll(Record& record) {
   for (const auto& field : FieldsOf<Record>()) field.fill(record, seed++);
 }
 
-/// The names of the fields whose values differ, separated by ", "; empty when all are the same.
+/// The names of the fields whose values differ, separated by ", "; empty if all are the same.
 template <class Record>
 std::string DifferingFields(const Record& a, const Record& b) {
   std::string names;

@@ -86,7 +86,7 @@ std::vector<AnglePointC> RingGenerator::Scattered(std::size_t n) {
   return ring;
 }
 
-// Teeth with steep flanks, as narrow as may be.
+// Teeth with steep flanks, as narrow as possible.
 std::vector<AnglePointC> RingGenerator::Comb(std::size_t n) {
   std::vector<AnglePointC> ring;
   const double start = Uniform(0.0, TWO_PI);
@@ -194,7 +194,7 @@ std::vector<AnglePointC> RingGenerator::CrowdedRing() {
     const double r = kind == 4 && angle > 0.05 ? width : width * Uniform(0.4, 1.0);
     AnglePointC p{hz + r * std::cos(angle), v + r * std::sin(angle)};
     if (kind == 0) p = {TWO_PI * at(i), v + Uniform(-width, width)};
-    if (kind == 1 || kind == 2) {  // up one side in steps, with a tooth for every other corner
+    if (kind == 1 || kind == 2) {  // in steps up one side, with a tooth at every other corner
       const bool isTip = i % 2 == 1 && i + 1 < n;
       const double along = -width + 2.0 * width * at(i);
       const double across = i + 1 == n ? -width
@@ -225,7 +225,7 @@ AnglePointC RingGenerator::Probe(const std::vector<AnglePointC>& edges, double h
       return {Nudged(NormalizeAngle(on.Hz + hzOrigin)), on.V + Uniform(-1e-3, 1e-3)};
     case 3:
       return {Nudged(NormalizeAngle(on.Hz + hzOrigin)), Nudged(on.V)};
-    case 4:  // where the boundary band lies
+    case 4:  // in the boundary band
       return {NormalizeAngle(on.Hz - hzOrigin), on.V + Uniform(-2e-5, 2e-5)};
     case 5:
       return {Nudged(NormalizeAngle(on.Hz - hzOrigin)), Nudged(on.V)};

@@ -8,14 +8,15 @@
 
 #include <surveydata/sphere_geometry/angles.h>
 
-/// Corner points and probes that aim at the edges of the rules of sphere areas: the seam at Hz 0,
-/// equal Hz, meridian edges, poles, the horizon, rings around the zenith, the boundary band, nearly
-/// equal points, rings that cross themselves. The same seed gives the same sequence.
+/// Generates corners and probes that target the edge cases of the rules of sphere areas: the seam
+/// at Hz 0, equal Hz, edges along meridians, poles, the horizon, rings around the zenith, the
+/// boundary band, nearly equal points, self-intersecting rings. The same seed gives the same
+/// sequence.
 class RingGenerator {
  public:
   explicit RingGenerator(std::uint64_t seed) : random_(seed) {}
 
-  /// The corners of the next area, mostly few, at most `maxPoints`. With `wild`, a few of them are
+  /// The corners of the next area, usually few, at most `maxPoints`. With `wild`, a few of them are
   /// out of range or NaN.
   std::vector<GMAT::AnglePointC> Ring(std::size_t maxPoints, bool wild);
 
@@ -26,7 +27,7 @@ class RingGenerator {
   /// A direction to query. `edges` and `hzOrigin` are those of the ring.
   GMAT::AnglePointC Probe(const std::vector<GMAT::AnglePointC>& edges, double hzOrigin, bool wild);
 
-  /// `x`, a unit in the last place beside it, or an offset around the tolerances beside it.
+  /// `x`, a neighbouring double, or `x` plus an offset of about a tolerance.
   double Nudged(double x);
   std::uint64_t Below(std::uint64_t n) { return random_() % n; }
   double Uniform(double lo, double hi) {

@@ -9,7 +9,7 @@
 
 namespace TestSupport {
 
-/// Expects that the two agree in every byte of every field.
+/// Checks that two infos agree in every byte of every field.
 inline void ExpectSameInfo(const SDI::GPSRecordFileInfo& actual,
                            const SDI::GPSRecordFileInfo& expected) {
   EXPECT_EQ(actual.number, expected.number);

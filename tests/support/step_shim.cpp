@@ -98,7 +98,7 @@ Turn Enter(const char* name) {
   return Turn::kFail;
 }
 
-// The function that this one replaces.
+// The intercepted function.
 template <class Function>
 Function Next(const char* name) {
   return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -145,8 +145,8 @@ int Open(const char* path, int flags, mode_t mode) {
 
 }  // namespace
 
-// The C library declares some of these with attributes that differ from build to build; the ones
-// here are its binary interface.
+// The C library declares some of these with attributes that depend on the build; these declarations
+// match its binary interface.
 extern "C" {
 
 [[gnu::visibility("default")]] int open(const char* path, int flags, ...) {
@@ -232,7 +232,7 @@ extern "C" {
       file, bytes, turn == Turn::kHalf ? count / 2 : count, offset);
 }
 
-// The same under the names that a program with 64-bit offsets calls.
+// The same functions under the names that programs with 64-bit offsets call.
 [[gnu::visibility("default")]] int open64(const char* path, int flags, ...) {
   va_list more;
   va_start(more, flags);

@@ -22,7 +22,7 @@ inline std::vector<std::uint8_t> ReadBytes(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-/// A new folder, removed by the destructor.
+/// A new temporary folder, removed by the destructor.
 class TempFolderC {
  public:
   TempFolderC() {
@@ -44,7 +44,7 @@ class TempFolderC {
   std::filesystem::path path_;
 };
 
-/// The info that names `path`, split at its last dot.
+/// An info with `path`, split at its last dot.
 inline SDI::GPSRecordFileInfo InfoFor(const std::filesystem::path& path, std::uint32_t offset = 0) {
   SDI::GPSRecordFileInfo info;
   const std::string whole = path.string();
@@ -69,7 +69,7 @@ class TempFileC {
     Write(bytes);
   }
 
-  // Overwrites in place: file systems wait for the disk when a file is truncated and rewritten.
+  // Overwrites in place: some file systems flush to disk when a file is truncated and rewritten.
   void Write(const std::vector<std::uint8_t>& bytes) const {
     if (!std::filesystem::exists(path_)) std::ofstream(path_, std::ios::binary);
     std::filesystem::resize_file(path_, bytes.size());
