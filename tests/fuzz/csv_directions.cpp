@@ -1,5 +1,5 @@
-// An arbitrary table of directions gives, line by line, the same directions and cells as a reference
-// parser of the format, up to the first refused line.
+// An arbitrary table of directions gives, line by line, the same directions and cells as a
+// reference parser of the format, up to the first refused line.
 
 #include <cctype>
 #include <cmath>
