@@ -10,7 +10,7 @@ if(NOT contact AND DEFINED ENV{DEBEMAIL})
   endif()
 endif()
 if(NOT contact)
-  set(contact "Nobody in particular <nobody@example.org>")
+  set(contact "No maintainer <nobody@example.org>")
 endif()
 
 set(CPACK_GENERATOR DEB)

@@ -53,7 +53,7 @@ void ShowLinks() {
   replaced.SetImpl(new ODM::CoordinatePointC(4.0, 5.0, 6.0));
 
   API::BaseC alias;
-  alias = static_cast<const API::BaseC&>(replaced);  // the pointer alone
+  alias = static_cast<const API::BaseC&>(replaced);  // copies only the pointer
 
   const API::BaseC base;
   const API::BaseC plain(new API::ImplObjectC);
