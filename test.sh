@@ -19,6 +19,7 @@ usage: ./test.sh [PART]
   --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
   --bit-for-bit   compare results of the sphere geometry across compilers and optimisation levels
   --valgrind      run a selection of the tests under valgrind
+  --python        build, install and test the Python package, in build/python
 END
   exit 2
 }
@@ -86,6 +87,10 @@ case "$part" in
   --valgrind)
     install_dependencies valgrind
     cmake/valgrind.sh
+    ;;
+  --python)
+    install_dependencies "${build_packages[@]}" "${python_packages[@]}"
+    python/test_package.sh
     ;;
   *) usage ;;
 esac

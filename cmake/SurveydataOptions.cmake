@@ -9,6 +9,7 @@ option(SURVEYDATA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_TOOLS "Build the program surveydata" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(SURVEYDATA_BUILD_PYTHON "Build the extension module of the Python package" OFF)
 option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_IS_TOP_LEVEL})
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, with g++"

@@ -55,3 +55,6 @@ m32_packages=(g++-multilib googletest)
 
 # Additional packages for the preset `tidy`.
 tidy_packages=(clang clang-tidy cppcheck)
+
+# What the Python package needs besides; what it needs of PyPI is in python/requirements-test.txt.
+python_packages=(python3-dev python3-venv)

@@ -1,0 +1,8 @@
+#include <extension/module.h>
+#include <nanobind/nanobind.h>
+
+NB_MODULE(_core, module) {
+  module.doc() = "What the package surveydata has of the library. Use the package instead.";
+  module.attr("VERSION") = SURVEYDATA_VERSION;
+  Python::AddAreas(module);
+}

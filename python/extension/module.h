@@ -1,0 +1,15 @@
+#ifndef SURVEYDATA_PYTHON_EXTENSION_MODULE_H_
+#define SURVEYDATA_PYTHON_EXTENSION_MODULE_H_
+
+#include <nanobind/nanobind.h>
+
+/// \file
+/// The parts of the extension module, each in a file of its own.
+
+namespace Python {
+
+void AddAreas(nanobind::module_& module);
+
+}  // namespace Python
+
+#endif  // SURVEYDATA_PYTHON_EXTENSION_MODULE_H_

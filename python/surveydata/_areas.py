@@ -1,0 +1,490 @@
+"""Areas on the sphere of directions: what of a scan's surroundings it covers.
+
+Directions have two angles: Hz, the horizontal angle, and V, from the zenith (0) down to the nadir
+(half a turn). Angles are in the unit of the area, unless a call names another one: "rad", "deg"
+(360 to the turn) or "gon" (400 to the turn). Distances are in metres.
+"""
+
+from __future__ import annotations
+
+import math
+import os
+from pathlib import Path
+from typing import TYPE_CHECKING, Any, ClassVar, Literal, NamedTuple, TypeAlias, overload
+
+import numpy as np
+
+from . import _core
+
+if TYPE_CHECKING:
+    from collections.abc import Callable
+
+    from numpy.typing import ArrayLike, NDArray
+
+Unit: TypeAlias = Literal["rad", "deg", "gon"]
+_Number: TypeAlias = "float | np.floating[Any] | np.integer[Any]"
+_NUMBERS = (float, int, np.floating, np.integer)
+_TURN = {"rad": 2 * math.pi, "deg": 360.0, "gon": 400.0}
+_Settings: TypeAlias = tuple[int, float, float, int, int, float, int]
+
+
+class Bounds(NamedTuple):
+    """The bounds of an area, in the unit that was asked for."""
+
+    hz_min: float
+    """Above `hz_max` when the area crosses Hz 0."""
+    hz_max: float
+    """At most a full turn."""
+    v_min: float
+    """Of an area around the zenith the least V of its ring, not 0."""
+    v_max: float
+    encloses_zenith: bool
+
+
+class Outline(NamedTuple):
+    """The corners of an area."""
+
+    hz: NDArray[np.float64]
+    v: NDArray[np.float64]
+    distance: NDArray[np.float64]
+    """In metres."""
+
+
+def _as_angles(values: ArrayLike) -> NDArray[np.float64] | NDArray[np.float32]:
+    """float32 and float64 as they are, wherever they lie; everything else as float64."""
+    array = np.asarray(values)
+    if array.dtype == np.float32 or array.dtype == np.float64:
+        return array if array.dtype.isnative else array.astype(array.dtype.newbyteorder("="))
+    return array.astype(np.float64)
+
+
+def _ask(
+    contains: Callable[[float, float, str], bool],
+    contains_many: Callable[[object, object, object, str], None],
+    hz: ArrayLike,
+    v: ArrayLike,
+    unit: str,
+) -> bool | NDArray[np.bool_]:
+    if isinstance(hz, _NUMBERS) and isinstance(v, _NUMBERS):
+        return contains(float(hz), float(v), unit)
+    hz_array, v_array = np.broadcast_arrays(_as_angles(hz), _as_angles(v))
+    inside = np.empty(hz_array.shape, dtype=np.bool_)
+    contains_many(hz_array, v_array, inside, unit)
+    return inside
+
+
+class Area:
+    """Which directions around the instrument a scan covers.
+
+    An area never changes, so that any number of threads may ask one at the same time. It keeps any
+    points and steps; whether they make sense is asked by `is_valid` and `faults`.
+
+    Two areas are equal when kind, steps, points, `setting_a` and both limits are; the distances of
+    points do not matter. Areas can be copied and pickled, and have no hash.
+    """
+
+    __slots__ = ("_impl",)
+    __hash__: ClassVar[None] = None  # type: ignore[assignment]
+
+    _kind: ClassVar[str]
+    _impl: _core.AreaCore
+
+    def __init__(self) -> None:
+        raise TypeError("an area is a RectangularArea, a PolygonArea or a DomeArea")
+
+    # ----- What it is made of
+
+    @property
+    def kind(self) -> str:
+        """The kind of area: "rectangle", "polygon" or "dome"."""
+        return self._impl.kind
+
+    @property
+    def unit(self) -> Unit:
+        """The unit of angles where a call names none."""
+        unit: Unit = self._impl.unit  # type: ignore[assignment]
+        return unit
+
+    @property
+    def name(self) -> str:
+        """The title of its pictures."""
+        return self._impl.name
+
+    @property
+    def hz(self) -> NDArray[np.float64]:
+        """Hz of the points, in the unit of the area."""
+        return self._points(0)
+
+    @property
+    def v(self) -> NDArray[np.float64]:
+        """V of the points, in the unit of the area."""
+        return self._points(1)
+
+    @property
+    def distance(self) -> NDArray[np.float64]:
+        """The distances of the points in metres; not above 0 for a point without one."""
+        return self._points(2)
+
+    def _points(self, column: int) -> NDArray[np.float64]:
+        return np.array([point[column] for point in self._impl.points(self.unit)], dtype=np.float64)
+
+    @property
+    def hz_step(self) -> float:
+        """The step of the scan in Hz, in the unit of the area."""
+        return self._impl.steps(self.unit)[0]
+
+    @property
+    def v_step(self) -> float:
+        """The step of the scan in V, in the unit of the area."""
+        return self._impl.steps(self.unit)[1]
+
+    @property
+    def setting_a(self) -> int:
+        """A number of the caller's own meaning, as the other settings and the limits."""
+        return self._impl.settings()[0]
+
+    @property
+    def limit_low(self) -> float:
+        """Of the caller's own meaning; -1 by default."""
+        return self._impl.settings()[1]
+
+    @property
+    def limit_high(self) -> float:
+        """Of the caller's own meaning; -1 by default."""
+        return self._impl.settings()[2]
+
+    @property
+    def setting_b(self) -> int:
+        """Of the caller's own meaning; 4 by default."""
+        return self._impl.settings()[3]
+
+    @property
+    def setting_c(self) -> int:
+        """Of the caller's own meaning; 0 by default."""
+        return self._impl.settings()[4]
+
+    @property
+    def setting_d(self) -> float:
+        """Of the caller's own meaning; 0 by default."""
+        return self._impl.settings()[5]
+
+    @property
+    def setting_e(self) -> int:
+        """Of the caller's own meaning; 1 by default."""
+        return self._impl.settings()[6]
+
+    # ----- Questions
+
+    def is_valid(self) -> bool:
+        """Whether both steps are above 0 and the points make an area."""
+        return self._impl.is_valid()
+
+    def is_area_valid(self) -> bool:
+        """Whether the points make an area, whatever the steps: then directions can be inside."""
+        return self._impl.is_area_valid()
+
+    def faults(self) -> list[_core.Fault]:
+        """Why the area is not valid: empty exactly when it is.
+
+        Crossing edges are looked for only where every point can be used; the first 8 crossings are
+        given.
+        """
+        return self._impl.faults()
+
+    def bounds(self, unit: Unit | None = None) -> Bounds | None:
+        """The bounds, or None when the points make no area."""
+        bounds = self._impl.bounds(unit or self.unit)
+        return None if bounds is None else Bounds(*bounds)
+
+    def outline(self, default_distance: float = 0.0, unit: Unit | None = None) -> Outline:
+        """The corners with their distances: those of a rectangle are four, a dome has none.
+
+        A point without a distance takes it from the others, or `default_distance` (m) where none
+        has any.
+        """
+        corners = self._impl.outline(default_distance, unit or self.unit)
+        columns = np.array(corners, dtype=np.float64).reshape(-1, 3).T
+        return Outline(*(column.copy() for column in columns))
+
+    def solid_angle(self) -> float | None:
+        """The solid angle of the directions inside, in steradians, without the boundary band.
+
+        None when the points make no area.
+        """
+        return self._impl.solid_angle()
+
+    @overload
+    def contains(self, hz: _Number, v: _Number, unit: Unit | None = None) -> bool: ...
+    @overload
+    def contains(
+        self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
+    ) -> NDArray[np.bool_]: ...
+    def contains(
+        self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
+    ) -> bool | NDArray[np.bool_]:
+        """Whether directions lie inside the area or in its boundary band.
+
+        `hz` and `v` are two numbers, or arrays that broadcast against each other; the answer has
+        their shape. Arrays of float64 and float32 are read where they lie, strided or not; others
+        are converted. False for NaN, beyond 100 rad, and for an area whose points make none. The
+        steps do not matter.
+
+        The area is prepared for each call with arrays; `prepare` does that once. Other threads run
+        meanwhile.
+        """
+        return _ask(
+            self._impl.contains,
+            lambda *args: _core.AreaCore.prepare(self._impl, False).contains_many(*args),
+            hz,
+            v,
+            unit or self.unit,
+        )
+
+    def explain(self, hz: float, v: float, unit: Unit | None = None) -> _core.Explanation:
+        """The answer of `contains` for one direction with its reasons."""
+        return self._impl.explain(hz, v, unit or self.unit)
+
+    def prepare(self, many: bool = False) -> PreparedArea:
+        """Make the area ready for many questions; the answers are the same.
+
+        With `many`, the preparation also makes a raster of decided cells: up to 512 KB, and up to a
+        millisecond. It pays from some ten thousand directions on.
+        """
+        return PreparedArea(self, many=many)
+
+    # ----- Copies, equality, pictures
+
+    def _state(self) -> tuple[Any, ...]:
+        core = self._impl
+        return (core.points("rad"), core.steps("rad"), core.unit, core.name, core.settings())
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return (_restore, (type(self), *self._state()))
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Area):
+            return NotImplemented
+        return self._impl.is_equal(other._impl)
+
+    def __repr__(self) -> str:
+        hz_step, v_step = self._impl.steps(self.unit)
+        points = len(self._impl.points("rad"))
+        name = f" {self.name!r}" if self.name else ""
+        what = f", {points} points" if self.kind != "dome" else ""
+        return (
+            f"<{type(self).__name__}{name}{what}, "
+            f"steps {hz_step:.10g} by {v_step:.10g} {self.unit}>"
+        )
+
+    def svg(
+        self,
+        hz: ArrayLike = (),
+        v: ArrayLike = (),
+        *,
+        window: tuple[float, float, float, float] | None = None,
+        unit: Unit | None = None,
+    ) -> str:
+        """The picture of the program's `surveydata area plot`, as an SVG document.
+
+        It marks the directions `hz` and `v` with the answer of `contains`. `window` is the part of
+        the plane of Hz and V to show, at most two turns wide: Hz and V of two opposite corners, the
+        second with the larger ones. By default it shows the whole sphere.
+        """
+        if window is not None and not (
+            window[0] < window[2] <= window[0] + 2 * _TURN[unit or self.unit]
+            and window[1] < window[3]
+        ):
+            raise ValueError("the second corner of a window has the larger Hz and V")
+        probes = [(hz, v) for hz, v, _ in _triples(np.ravel(hz), np.ravel(v), None)]
+        return self._impl.svg(probes, window, unit or self.unit)
+
+    def _repr_svg_(self) -> str:
+        return self.svg()
+
+
+class RectangularArea(Area):
+    """The directions between two opposite corners, with straight edges in the plane of Hz and V.
+
+    `hz`, `v` and `distance` have two elements each. When the first corner has the larger Hz, the
+    area crosses Hz 0.
+    """
+
+    __slots__ = ()
+    _kind = "rectangle"
+
+    def __init__(
+        self,
+        hz: ArrayLike,
+        v: ArrayLike,
+        distance: ArrayLike | None = None,
+        *,
+        unit: Unit = "rad",
+        hz_step: float = 0.0,
+        v_step: float = 0.0,
+        name: str = "",
+        setting_a: int = 0,
+        limit_low: float = -1.0,
+        limit_high: float = -1.0,
+        setting_b: int = 4,
+        setting_c: int = 0,
+        setting_d: float = 0.0,
+        setting_e: int = 1,
+    ) -> None:
+        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
+        points = _triples(hz, v, distance)
+        _fill(self, points, (hz_step, v_step), unit, unit, name, settings)
+
+
+class PolygonArea(Area):
+    """A polygon of three or more corners, whose edges are arcs of great circles; it closes itself.
+
+    One that winds around the vertical axis encloses the zenith.
+    """
+
+    __slots__ = ()
+    _kind = "polygon"
+
+    def __init__(
+        self,
+        hz: ArrayLike,
+        v: ArrayLike,
+        distance: ArrayLike | None = None,
+        *,
+        unit: Unit = "rad",
+        hz_step: float = 0.0,
+        v_step: float = 0.0,
+        name: str = "",
+        setting_a: int = 0,
+        limit_low: float = -1.0,
+        limit_high: float = -1.0,
+        setting_b: int = 4,
+        setting_c: int = 0,
+        setting_d: float = 0.0,
+        setting_e: int = 1,
+    ) -> None:
+        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
+        points = _triples(hz, v, distance)
+        _fill(self, points, (hz_step, v_step), unit, unit, name, settings)
+
+
+class DomeArea(Area):
+    """Every direction from the zenith to the lowest usable one, V = 0.8 pi. It has no points."""
+
+    __slots__ = ()
+    _kind = "dome"
+
+    def __init__(
+        self,
+        *,
+        unit: Unit = "rad",
+        hz_step: float = 0.0,
+        v_step: float = 0.0,
+        name: str = "",
+        setting_a: int = 0,
+        limit_low: float = -1.0,
+        limit_high: float = -1.0,
+        setting_b: int = 4,
+        setting_c: int = 0,
+        setting_d: float = 0.0,
+        setting_e: int = 1,
+    ) -> None:
+        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
+        _fill(self, [], (hz_step, v_step), unit, unit, name, settings)
+
+
+class PreparedArea:
+    """An area made ready for many questions. Any number of threads may ask it at the same time."""
+
+    __slots__ = ("_area", "_impl", "_many")
+
+    def __init__(self, area: Area, *, many: bool = False) -> None:
+        self._area = area
+        self._many = many
+        self._impl = _core.AreaCore.prepare(area._impl, many)
+
+    @property
+    def area(self) -> Area:
+        """The area that was prepared."""
+        return self._area
+
+    @overload
+    def contains(self, hz: _Number, v: _Number, unit: Unit | None = None) -> bool: ...
+    @overload
+    def contains(
+        self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
+    ) -> NDArray[np.bool_]: ...
+    def contains(
+        self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
+    ) -> bool | NDArray[np.bool_]:
+        """The answers of `Area.contains`."""
+        return _ask(self._impl.contains, self._impl.contains_many, hz, v, unit or self._area.unit)
+
+    def explain(self, hz: float, v: float, unit: Unit | None = None) -> _core.Explanation:
+        """The answer of `Area.explain`."""
+        return self._impl.explain(hz, v, unit or self._area.unit)
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return (_prepare, (self._area, self._many))
+
+    def __repr__(self) -> str:
+        return f"<PreparedArea of {self._area!r}{', many=True' if self._many else ''}>"
+
+
+def _prepare(area: Area, many: bool) -> PreparedArea:
+    return PreparedArea(area, many=many)
+
+
+def _triples(
+    hz: ArrayLike, v: ArrayLike, distance: ArrayLike | None
+) -> list[tuple[float, float, float]]:
+    columns = [np.asarray(hz, dtype=np.float64), np.asarray(v, dtype=np.float64)]
+    columns.append(
+        np.full(columns[0].shape, -1.0)
+        if distance is None
+        else np.asarray(distance, dtype=np.float64)
+    )
+    if any(column.ndim != 1 or column.shape != columns[0].shape for column in columns):
+        raise ValueError("hz, v and distance need one dimension and the same length")
+    return list(zip(*(column.tolist() for column in columns), strict=True))
+
+
+def _fill(
+    area: Area,
+    points: list[tuple[float, float, float]],
+    steps: tuple[float, float],
+    given: str,
+    unit: str,
+    name: str,
+    settings: _Settings,
+) -> None:
+    area._impl = _core.AreaCore.make(type(area)._kind, points, steps, given, unit, name, *settings)
+
+
+def _restore(
+    kind: type[Area],
+    points: list[tuple[float, float, float]],
+    steps: tuple[float, float],
+    unit: str,
+    name: str,
+    settings: _Settings,
+) -> Area:
+    area = object.__new__(kind)
+    _fill(area, points, steps, "rad", unit, name, settings)
+    return area
+
+
+def read_area(path: str | os.PathLike[str]) -> Area:
+    """The area of a file as docs/area_files.md describes it, in the unit of the file.
+
+    Raises FileNotFoundError and other OSErrors for a file that cannot be read, ValueError with the
+    place and the fault for one that is no area file.
+    """
+    with Path(path).open("rb"):  # raises what Python raises
+        pass
+    core = _core.AreaCore.read(os.fspath(path))
+    classes: dict[str, type[Area]] = {
+        cls._kind: cls for cls in (RectangularArea, PolygonArea, DomeArea)
+    }
+    area = object.__new__(classes[core.kind])
+    area._impl = core
+    return area

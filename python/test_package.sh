@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds the Python package as it is given away (source distribution, wheel of it, wheel for other
+# Linux systems), installs it and checks it. Everything is in build/python.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+out=$PWD/build/python
+rm -rf "$out/dist" "$out/wheelhouse" "$out/clean"
+mkdir -p "$out"
+
+step() { printf '\n== %s\n' "$*"; }
+
+step "environment of the lock file"
+if ! cmp -s python/requirements-test.txt "$out/venv/requirements-test.txt"; then
+  rm -rf "$out/venv"
+  python3 -m venv "$out/venv"
+  "$out/venv/bin/pip" install --disable-pip-version-check -q --require-hashes --only-binary :all: \
+    -r python/requirements-test.txt
+  cp python/requirements-test.txt "$out/venv"
+fi
+export PATH="$out/venv/bin:$PATH"
+
+step "source distribution, and the wheel that it builds in a folder of its own"
+python -m build --no-isolation --outdir "$out/dist" . >"$out/build.log" 2>&1 ||
+  { cat "$out/build.log"; exit 1; }
+auditwheel repair -w "$out/wheelhouse" "$out"/dist/*.whl
+wheel=$(echo "$out"/wheelhouse/*.whl)
+pip install --disable-pip-version-check -q --no-deps --force-reinstall "$wheel"
+
+step "an environment with NumPy alone"
+python3 -m venv "$out/clean"
+numpy=$(pip list --disable-pip-version-check --format=freeze | grep '^numpy==')
+"$out/clean/bin/pip" install --disable-pip-version-check -q "$numpy" "$wheel"
+(cd "$out" && clean/bin/python -I ../../python/tests/smoke.py)
+
+step "layout, types, stubs"
+ruff format --check python
+ruff check python
+(cd "$out" && mypy --config-file ../../pyproject.toml -p surveydata)
+(cd "$out" && mypy --config-file ../../pyproject.toml ../../python/tests/smoke.py)
+(cd "$out" && python -m mypy.stubtest --mypy-config-file ../../pyproject.toml \
+  --ignore-disjoint-bases --allowlist ../../python/stubtest_allowlist.txt surveydata._core)
+
+step "tests"
+# The package that is tested is the installed one: its sources are not on the path.
+python -P -m pytest -q --cov --cov-report=term "$@"

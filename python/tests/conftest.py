@@ -1,0 +1,14 @@
+"""Where the tests find their data, and how Hypothesis runs: the same cases every time."""
+
+from pathlib import Path
+
+import hypothesis
+import pytest
+
+hypothesis.settings.register_profile("fixed", database=None, derandomize=True, deadline=None, max_examples=150)
+hypothesis.settings.load_profile("fixed")
+
+
+@pytest.fixture(scope="session")
+def data() -> Path:
+    return Path(__file__).resolve().parents[2] / "tests" / "data"
