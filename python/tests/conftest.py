@@ -5,7 +5,9 @@ from pathlib import Path
 import hypothesis
 import pytest
 
-hypothesis.settings.register_profile("fixed", database=None, derandomize=True, deadline=None, max_examples=150)
+hypothesis.settings.register_profile(
+    "fixed", database=None, derandomize=True, deadline=None, max_examples=150
+)
 hypothesis.settings.load_profile("fixed")
 
 
