@@ -142,7 +142,8 @@ const Question& Find(std::string_view name) {
   const auto* const found =
       std::find_if(std::begin(kQuestions), std::end(kQuestions),
                    [name](const Question& question) { return question.name == name; });
-  if (found == std::end(kQuestions)) throw std::runtime_error("no question " + std::string(name));
+  if (found == std::end(kQuestions))
+    throw std::runtime_error("unknown question " + std::string(name));
   return *found;
 }
 
@@ -151,7 +152,7 @@ Numbers ReadNumbers(std::istream& in, const std::string& line) {
   for (std::string word; in >> word && word != "=";) {
     char* end = nullptr;
     numbers.push_back(std::strtod(word.c_str(), &end));
-    if (*end != '\0') throw std::runtime_error("no number " + word + " in " + line);
+    if (*end != '\0') throw std::runtime_error(word + " is not a number in " + line);
   }
   return numbers;
 }
@@ -173,7 +174,7 @@ std::string_view NameOf(Source source) {
 std::vector<double> Answer(const Case& question) {
   const Question& known = Find(question.question);
   if (question.given.size() != known.given) {
-    throw std::runtime_error("not what is given to " + question.question);
+    throw std::runtime_error("wrong number of values for " + question.question);
   }
   return known.answer(question.area, question.given);
 }
@@ -194,7 +195,7 @@ void ForEach(std::istream& file, const std::function<void(const Case&)>& visit) 
     }
     in >> next.question;
     next.source = Find(next.question).source;
-    if (first != NameOf(next.source)) throw std::runtime_error("not the source of " + line);
+    if (first != NameOf(next.source)) throw std::runtime_error("wrong source in " + line);
     next.given = ReadNumbers(in, line);
     next.answers = ReadNumbers(in, line);
     visit(next);
