@@ -35,6 +35,14 @@ InstrumentInfoDataC::InstrumentInfoDataC(const wchar_t* identifier, std::uint32_
     : InstrumentInfoDataC(API::FixedStringC<16>(identifier).GetData(), flags, text1, text2, text3,
                           text4, value, number1, number2, number3, number4) {}
 
+InstrumentInfoDataC::InstrumentInfoDataC(std::nullptr_t /*identifier*/, std::uint32_t flags,
+                                         const char* text1, const char* text2, const char* text3,
+                                         const char* text4, float value, std::int32_t number1,
+                                         std::int32_t number2, std::int32_t number3,
+                                         std::int32_t number4)
+    : InstrumentInfoDataC(u"", flags, text1, text2, text3, text4, value, number1, number2, number3,
+                          number4) {}
+
 const API::FixedStringC<16>& InstrumentInfoDataC::getIdentifier() const { return identifier_; }
 void InstrumentInfoDataC::setIdentifier(const char16_t* identifier) {
   identifier_ = API::FixedStringC<16>(identifier);
@@ -100,6 +108,14 @@ InstrumentInfoDataC::InstrumentInfoDataC(const wchar_t* identifier, std::uint32_
                                          std::int32_t number4)
     : HandleC(new ODM::InstrumentInfoDataC(identifier, flags, text1, text2, text3, text4, value,
                                            number1, number2, number3, number4)) {}
+
+InstrumentInfoDataC::InstrumentInfoDataC(std::nullptr_t /*identifier*/, std::uint32_t flags,
+                                         const char* text1, const char* text2, const char* text3,
+                                         const char* text4, float value, std::int32_t number1,
+                                         std::int32_t number2, std::int32_t number3,
+                                         std::int32_t number4)
+    : InstrumentInfoDataC(u"", flags, text1, text2, text3, text4, value, number1, number2, number3,
+                          number4) {}
 
 const API::FixedStringC<16>& InstrumentInfoDataC::GetIdentifier() const {
   return GetImpl()->getIdentifier();

@@ -25,13 +25,17 @@ class SURVEYDATA_API InstrumentInfoDataC
   InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
   ~InstrumentInfoDataC() override;
   API::BaseC* GetBase() override;
-  /// An identifier of more than 16 units becomes empty. The texts must not be null.
+  /// An identifier of more than 16 units, or null, becomes empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
   InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+  InstrumentInfoDataC(std::nullptr_t identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
@@ -103,13 +107,17 @@ class SURVEYDATA_API InstrumentInfoDataC : public API::HandleC<ODM::InstrumentIn
   InstrumentInfoDataC(const InstrumentInfoDataC& other);
   InstrumentInfoDataC& operator=(const InstrumentInfoDataC& other);
   ~InstrumentInfoDataC() override;
-  /// An identifier of more than 16 units becomes empty. The texts must not be null.
+  /// An identifier of more than 16 units, or null, becomes empty. The texts must not be null.
   /// @{
   InstrumentInfoDataC(const char16_t* identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);
   InstrumentInfoDataC(const wchar_t* identifier, std::uint32_t flags, const char* text1,
+                      const char* text2, const char* text3, const char* text4, float value,
+                      std::int32_t number1, std::int32_t number2, std::int32_t number3,
+                      std::int32_t number4);
+  InstrumentInfoDataC(std::nullptr_t identifier, std::uint32_t flags, const char* text1,
                       const char* text2, const char* text3, const char* text4, float value,
                       std::int32_t number1, std::int32_t number2, std::int32_t number3,
                       std::int32_t number4);

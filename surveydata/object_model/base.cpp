@@ -54,7 +54,9 @@ BaseC::~BaseC() {
   assert(!IsAutomatic(*impl_) && "a variable is deleted as the implementation of an object");
   impl_->owner_ = nullptr;  // so that the implementation does not delete this object in turn
   delete impl_;
-  impl_ = nullptr;  // only now: the implementation's destructor may call GetImpl()
+  // Only now: the implementation's destructor may call GetImpl(). A compiler may drop the store,
+  // since no later read is defined.
+  impl_ = nullptr;
 }
 
 void BaseC::SetImpl(ImplObjectC* impl) {
@@ -73,7 +75,7 @@ ImplObjectC::~ImplObjectC() {
   assert(!IsAutomatic(*owner_) && "a variable is deleted as the owner of an implementation");
   owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
   delete owner_;
-  owner_ = nullptr;  // only now: the owner's destructor may call GetBase()
+  owner_ = nullptr;  // only now, likewise: the owner's destructor may call GetBase()
 }
 
 // Nothing is copied, so self-assignment needs no guard.

@@ -133,16 +133,16 @@ bool NotAfter(const char16_t* a, const char16_t* b) {
 }  // namespace
 
 template <std::uint16_t N>
-FixedStringC<N>::FixedStringC() = default;
+FixedStringC<N>::FixedStringC() noexcept = default;
 
 template <std::uint16_t N>
-FixedStringC<N>::FixedStringC(const FixedStringC& other) : length_(other.length_) {
+FixedStringC<N>::FixedStringC(const FixedStringC& other) noexcept : length_(other.length_) {
   std::memcpy(data_, other.data_, sizeof(data_));
   data_[N] = 0;
 }
 
 template <std::uint16_t N>
-FixedStringC<N>& FixedStringC<N>::operator=(const FixedStringC& other) {
+FixedStringC<N>& FixedStringC<N>::operator=(const FixedStringC& other) noexcept {
   if (this == &other) return *this;
   std::memcpy(data_, other.data_, sizeof(data_));
   length_ = other.length_;

@@ -21,11 +21,11 @@ template <std::uint16_t N>
 class SURVEYDATA_VISIBLE FixedStringC {
  public:
   /// The empty text.
-  FixedStringC();
+  FixedStringC() noexcept;
   /// Copies all units of `other` and its length, but sets the last unit to 0.
-  FixedStringC(const FixedStringC& other);
+  FixedStringC(const FixedStringC& other) noexcept;
   /// Copies all units, including the last, and the length unchanged.
-  FixedStringC& operator=(const FixedStringC& other);
+  FixedStringC& operator=(const FixedStringC& other) noexcept;
   /// A text of one unit, 0x00 to 0xFF; empty if `c` is 0.
   explicit FixedStringC(char c);
   /// A text of one character; empty if `c` is 0.

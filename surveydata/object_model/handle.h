@@ -68,7 +68,7 @@ class SURVEYDATA_VISIBLE HandleC : public Base {
   }
 
   /// The implementation, or null if it is missing or of another class.
-  [[gnu::always_inline]] Impl* GetImpl() const { return CheckedCast<Impl>(Base::GetImpl()); }
+  [[gnu::always_inline]] Impl* GetImpl() const { return CheckedCast<Impl>(BaseC::GetImpl()); }
 
  protected:
   /// Invokes `question` on the implementation; returns `without` for a handle without one.

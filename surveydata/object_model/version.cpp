@@ -31,10 +31,10 @@ std::string Padded(std::uint32_t value, std::size_t width) {
 
 }  // namespace
 
-VersionC::VersionC() = default;
-VersionC::VersionC(std::uint32_t word) : word_(word) {}
-VersionC::VersionC(const VersionC& other) = default;
-VersionC& VersionC::operator=(const VersionC& other) = default;
+VersionC::VersionC() noexcept = default;
+VersionC::VersionC(std::uint32_t word) noexcept : word_(word) {}
+VersionC::VersionC(const VersionC& other) noexcept = default;
+VersionC& VersionC::operator=(const VersionC& other) noexcept = default;
 
 void VersionC::Set(std::uint16_t major, std::uint16_t minor, std::uint16_t build,
                    std::uint16_t kind, std::uint16_t variant) {

@@ -21,10 +21,10 @@ namespace API {
 /// The kind of a release has a letter: S for 2, B for 3, D for 4, A for 5, R for all others.
 class SURVEYDATA_API VersionC {
  public:
-  VersionC();
-  explicit VersionC(std::uint32_t word);
-  VersionC(const VersionC& other);
-  VersionC& operator=(const VersionC& other);
+  VersionC() noexcept;
+  explicit VersionC(std::uint32_t word) noexcept;
+  VersionC(const VersionC& other) noexcept;
+  VersionC& operator=(const VersionC& other) noexcept;
 
   /// Packs the five fields. Values beyond a field's range lose their upper bits.
   void Set(std::uint16_t major, std::uint16_t minor, std::uint16_t build, std::uint16_t kind,

@@ -1,12 +1,29 @@
 #include <algorithm>
 #include <limits>
+#include <typeinfo>
 
 #include <surveydata/scanning/explain_direction.h>
 #include <surveydata/scanning/scan_area.h>
 #include <surveydata/scanning/scan_dome_area.h>
+#include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/scanning/scan_rectangular_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
 namespace SDI {
+namespace {
+
+/// `impl` as an area if it is exactly of one of the `Kinds`, else null.
+template <class... Kinds>
+ScanAreaImplC* IfExactly(API::ImplObjectC* impl) {
+  if (impl == nullptr) return nullptr;
+  const std::type_info* const kind = &typeid(*impl);
+  ScanAreaImplC* area = nullptr;
+  static_cast<void>(
+      ((kind == &typeid(Kinds) && (area = static_cast<Kinds*>(impl)) != nullptr) || ...));
+  return area;
+}
+
+}  // namespace
 
 ScanAreaImplC::ScanAreaImplC(std::uint32_t type) : ScanDefinitionImplC(type) {}
 ScanAreaImplC::ScanAreaImplC(const ScanAreaImplC& other) = default;
@@ -117,7 +134,14 @@ ScanAreaC::ScanAreaC(ScanAreaImplC* impl) : ScanDefinitionC(impl) {}
 ScanAreaC::~ScanAreaC() = default;
 
 ScanAreaImplC* ScanAreaC::GetImpl() const {
-  return API::CheckedCast<ScanAreaImplC>(API::BaseC::GetImpl());
+  API::ImplObjectC* const impl = API::BaseC::GetImpl();
+  // No object is of the abstract class itself: three comparisons spare most calls the search for a
+  // base class.
+  if (ScanAreaImplC* const area =
+          IfExactly<ScanRectangularAreaImplC, ScanPolygonAreaImplC, ScanDomeAreaImplC>(impl)) {
+    return area;
+  }
+  return API::CheckedCast<ScanAreaImplC>(impl);
 }
 
 bool ScanAreaC::GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const {

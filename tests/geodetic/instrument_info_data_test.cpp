@@ -76,6 +76,12 @@ TEST(InstrumentInfoData, TakesALiteralNullForTheEmptyIdentifier) {
   info.SetIdentifier(u"TS-1");
   info.GetImpl()->setIdentifier(nullptr);
   EXPECT_TRUE(info.GetIdentifier().IsEmpty());
+
+  const SDI::InstrumentInfoDataC made(nullptr, 1, "one", "two", "three", "four", 1.5F, 2, 3, 4, 5);
+  const Texts expected = {"", "1", "one", "two", "three", "four", "1.5", "2", "3", "4", "5"};
+  EXPECT_EQ(Values(made), expected);
+  const ODM::InstrumentInfoDataC impl(nullptr, 1, "one", "two", "three", "four", 1.5F, 2, 3, 4, 5);
+  EXPECT_EQ(Values(impl), expected);
 }
 
 TEST(InstrumentInfoData, LowersFlagsThatAreRaisedAndLoweredAtOnce) {

@@ -12,6 +12,7 @@
 #include <surveydata/gnss/gps_meas_data.h>
 
 #include "tests/gnss/stored_fields.h"
+#include "tests/support/field_changes.h"
 
 namespace {
 
@@ -378,6 +379,30 @@ TEST(MeasDataImplDifference, VerticalHeightOfATooShortSlantHeight) {
   ODM::GPSMeasDataC compact;
   compact.SetAntennaHeight(antenna);
   EXPECT_EQ(compact.GetAntennaHeight().GetVerticalHeight(), 0.1F);
+}
+
+// --- The compact implementation -----------------------------------------------------------------
+
+TEST(MeasDataImplCompact, CopiesTakeEveryFieldAndNoOwner) {
+  const ODM::GPSMeasDataC none;
+  int seen = 0;
+  for (const auto& change : Layouts::ChangesOf<ODM::GPSMeasDataC>()) {
+    ODM::GPSMeasDataC meas;
+    change(meas);
+    if (meas.isEqual(none)) continue;  // the change gave the field its default
+    ++seen;
+    const API::BaseC* const owner = meas.GetBase();
+    ODM::GPSMeasDataC copy(meas);
+    EXPECT_TRUE(copy.isEqual(meas));
+    EXPECT_NE(copy.GetBase(), owner);
+    ODM::GPSMeasDataC assigned;
+    const API::BaseC* const ownerOfAssigned = assigned.GetBase();
+    assigned = meas;
+    EXPECT_TRUE(assigned.isEqual(meas));
+    EXPECT_FALSE(assigned.isEqual(none));
+    EXPECT_EQ(assigned.GetBase(), ownerOfAssigned);
+  }
+  EXPECT_GE(seen, 16) << "times, flags, pairs, values, antenna height, DOPs";
 }
 
 // --- The full implementation --------------------------------------------------------------------

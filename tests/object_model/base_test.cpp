@@ -168,6 +168,34 @@ TEST(ImplObject, UnlinksTheEarlierOwnerBeforeItDeletesIt) {
   EXPECT_EQ(impl.GetBase(), nullptr);
 }
 
+TEST(ImplObject, DetachingCutsItsOwnerFromWhateverImplementationItHas) {
+  BaseC object(new ImplObjectC);
+  ImplObjectC* const old = object.GetImpl();
+  auto* const next = new ImplObjectC;
+  object.SetImpl(next);
+  old->DetachBase();
+  EXPECT_EQ(object.GetImpl(), nullptr);
+  EXPECT_EQ(old->GetBase(), nullptr);
+  EXPECT_EQ(next->GetBase(), &object);
+  delete old;
+  object.SetImpl(next);
+  EXPECT_EQ(object.GetImpl(), next);
+}
+
+TEST(Base, SettingTheCurrentImplementationLinksNothing) {
+  int end = 0;
+  g_order = 0;
+  auto* const owner = new Object(end, new ImplObjectC);
+  ImplObjectC* const impl = owner->GetImpl();
+  BaseC other;
+  other = *owner;  // the pointer alone
+  other.SetImpl(impl);
+  EXPECT_EQ(end, 0) << "the owner is not replaced";
+  EXPECT_EQ(impl->GetBase(), owner);
+  other = BaseC();
+  delete owner;
+}
+
 // The constructors do not call overrides of derived classes.
 TEST(Base, ItsConstructorLinksByItsOwnSetImpl) {
   class Refusing : public BaseC {

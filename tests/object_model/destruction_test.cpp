@@ -116,6 +116,30 @@ TEST(Destructor, OfTheImplementationThatGoesSecondMakesAnotherOwnerWhenItAsks) {
   EXPECT_EQ(asked, 1);
 }
 
+TEST(Destructor, OfAnEarlierOwnerFindsTheImplementationWithTheNextOne) {
+  for (const bool isLinkedByTheObject : {true, false}) {
+    int asked = 0;
+    SDI::CoordinatePointC next(static_cast<ODM::CoordinatePointC*>(nullptr));
+    auto* const data = new DataC(kNothing);
+    API::ImplObjectC* const base = data;
+    new PointC(data, [&](PointC& earlier) {
+      ++asked;
+      EXPECT_EQ(earlier.API::BaseC::GetImpl(), nullptr);
+      EXPECT_EQ(base->API::ImplObjectC::GetBase(), &earlier) << "the next owner is stored last";
+      EXPECT_EQ(next.GetImpl(), isLinkedByTheObject ? data : nullptr);
+    });
+    if (isLinkedByTheObject) {
+      next.SetImpl(data);
+    } else {
+      data->SetBase(&next);
+    }
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(data->GetBase(), &next);
+    next.SetImpl(data);  // links both ways
+    EXPECT_EQ(next.GetImpl(), data);
+  }
+}
+
 TEST(Destructor, OfAPublicObjectOnTheStackHasTheWholePair) {
   int asked = 0;
   {

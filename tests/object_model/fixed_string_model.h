@@ -37,7 +37,7 @@ void ForEachCapacity(Test test) {
 
 template <std::uint16_t N>
 std::u16string Units(const API::FixedStringC<N>& text) {
-  return {text.GetData(), text.GetLength()};
+  return {text.GetData(), static_cast<std::size_t>(text.GetLength())};
 }
 
 template <std::uint16_t N>

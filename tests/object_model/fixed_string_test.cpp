@@ -302,11 +302,18 @@ TEST(FixedString, IsEqualWhenLengthAndUnitsAre) {
 }
 
 TEST(FixedString, EqualityLooksNoFartherThanTheTerminator) {
-  // After appending and truncating with SubString, the units after the text differ from those of a
-  // new text.
-  FixedStringC<10> a(u"abcdefghij");
-  a.SubString(0, 3);
+  // Every operation leaves zeros after the text; a caller's memcpy may not.
+  FixedStringC<10> a(u"abc");
+  char16_t units[] = u"abc\0efghij";
+  std::memcpy(static_cast<void*>(&a), units, sizeof(units));
+  ASSERT_EQ(a.GetData()[4], u'e');
   EXPECT_TRUE(a == FixedStringC<10>(u"abc"));
+  EXPECT_TRUE(FixedStringC<10>(u"abc") == a);
+  EXPECT_FALSE(a == FixedStringC<10>(u"abd"));
+  // Appending moves the terminator with the text.
+  a += u'd';
+  EXPECT_EQ(a.GetData()[4], 0);
+  EXPECT_TRUE(a == FixedStringC<10>(u"abcd"));
 }
 
 // Compares both texts as UTF-8, as unsigned bytes, up to the first difference or the end of `a`.

@@ -56,6 +56,15 @@ TEST(Version, IsAPlainWordThatOffersEqualityAndNotBeforeAlone) {
   static_assert(std::equality_comparable<int> && HasUnequal<int>);
   static_assert(!HasUnequal<VersionC> && !HasLess<VersionC> && !HasGreater<VersionC> &&
                 !HasLessOrEqual<VersionC>);
+  static_assert(std::is_nothrow_default_constructible_v<VersionC> &&
+                std::is_nothrow_copy_constructible_v<VersionC> &&
+                std::is_nothrow_copy_assignable_v<VersionC>);
+  const VersionC full(0xFFFFFFFF);  // every bit is copied
+  EXPECT_EQ(WordOf(VersionC(full)), 0xFFFFFFFF);
+  VersionC assigned;
+  assigned = full;
+  EXPECT_EQ(WordOf(assigned), 0xFFFFFFFF);
+
   VersionC a(0x12345678);
   const VersionC b = a;
   EXPECT_TRUE(a == b);
