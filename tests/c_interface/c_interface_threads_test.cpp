@@ -1,0 +1,137 @@
+// Handles in several threads, as documented: an area is shared, each thread has its own readers.
+// Run by the preset `tsan` with the thread sanitizer.
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <surveydata/c_interface/surveydata.h>
+
+#include "tests/support/frame_builder.h"
+
+namespace {
+
+using TestSupport::ByteVector;
+
+constexpr int kThreads = 4;
+
+template <class Work>
+void InThreads(Work work) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+  for (std::thread& thread : threads) thread.join();
+}
+
+// Every question, as bytes of the answers.
+std::vector<double> AskEverything(const surveydata_area* area) {
+  std::vector<double> answers;
+  surveydata_bounds bounds{};
+  bounds.struct_size = sizeof(bounds);
+  EXPECT_EQ(surveydata_area_bounds(area, &bounds), SURVEYDATA_OK);
+  answers.insert(answers.end(), {bounds.hz_min, bounds.hz_max, bounds.v_min, bounds.v_max});
+  std::array<double, 50> hz{};
+  std::array<double, 50> v{};
+  std::size_t count = 0;
+  EXPECT_EQ(surveydata_area_outline(area, 1.0, hz.data(), v.data(), nullptr, hz.size(), &count),
+            SURVEYDATA_OK);
+  answers.insert(answers.end(), hz.begin(), hz.end());
+  EXPECT_EQ(surveydata_area_faults(area, nullptr, sizeof(surveydata_fault), 0, &count),
+            SURVEYDATA_OK);
+  answers.push_back(static_cast<double>(count));
+  std::array<std::uint8_t, 50> inside{};
+  EXPECT_EQ(surveydata_area_contains_many(area, hz.data(), sizeof(double), v.data(), sizeof(double),
+                                          50, inside.data()),
+            SURVEYDATA_OK);
+  answers.insert(answers.end(), inside.begin(), inside.end());
+  surveydata_area* prepared = nullptr;
+  EXPECT_EQ(surveydata_area_prepare(area, SURVEYDATA_QUESTIONS_FEW, &prepared), SURVEYDATA_OK);
+  for (int i = 0; i < 50; ++i) {
+    const double at = 0.13 * i;
+    for (const surveydata_area* const each :
+         {area, static_cast<const surveydata_area*>(prepared)}) {
+      std::int32_t answer = 0;
+      EXPECT_EQ(surveydata_area_contains(each, at, 1.2, &answer), SURVEYDATA_OK);
+      answers.push_back(answer);
+      surveydata_explanation why{};
+      why.struct_size = sizeof(why);
+      EXPECT_EQ(surveydata_area_explain(each, at, 1.2, &why, nullptr, sizeof(surveydata_crossing),
+                                        0, &count),
+                SURVEYDATA_OK);
+      answers.push_back(why.distance);
+    }
+  }
+  surveydata_area_destroy(prepared);
+  return answers;
+}
+
+TEST(CInterfaceThreads, ShareAnArea) {
+  std::vector<double> hz;
+  std::vector<double> v;
+  for (int i = 0; i < 40; ++i) {
+    hz.push_back(0.15 * i + 0.1);
+    v.push_back(1.0 + 0.1 * (i % 3));
+  }
+  surveydata_area_definition definition{};
+  definition.struct_size = sizeof(definition);
+  definition.kind = SURVEYDATA_POLYGON;
+  definition.count = hz.size();
+  definition.hz = hz.data();
+  definition.v = v.data();
+  definition.hz_step = definition.v_step = 0.1;
+  surveydata_area* area = nullptr;
+  ASSERT_EQ(surveydata_area_create(&definition, &area), SURVEYDATA_OK);
+  surveydata_area* prepared = nullptr;
+  ASSERT_EQ(surveydata_area_prepare(area, SURVEYDATA_QUESTIONS_MANY, &prepared), SURVEYDATA_OK);
+  const std::vector<double> expected = AskEverything(area);
+  std::atomic<int> differences = 0;
+  InThreads([&](int) {
+    for (int round = 0; round < 20; ++round) {
+      if (AskEverything(area) != expected) ++differences;
+      if (AskEverything(prepared) != expected) ++differences;
+    }
+  });
+  EXPECT_EQ(differences, 0);
+  surveydata_area_destroy(area);
+  surveydata_area_destroy(prepared);
+}
+
+// Each thread reads a stretch of the same bytes; every record is read once.
+TEST(CInterfaceThreads, ReadStretchesOfTheSameBytes) {
+  ByteVector bytes;
+  std::uint64_t total = 0;
+  for (int i = 0; i < 3000; ++i) {
+    TestSupport::Append(bytes, TestSupport::FrameOf(10 + static_cast<std::size_t>(i % 300)));
+    ++total;
+  }
+  std::atomic<std::uint64_t> count = 0;
+  std::atomic<std::uint64_t> told = 0;
+  InThreads([&](int number) {
+    const std::uint64_t begin = bytes.size() * static_cast<std::uint64_t>(number) / kThreads;
+    const std::uint64_t end = bytes.size() * static_cast<std::uint64_t>(number + 1) / kThreads;
+    surveydata_reader* reader = nullptr;
+    EXPECT_EQ(surveydata_reader_open_bytes(bytes.data(), bytes.size(), begin, end, &reader),
+              SURVEYDATA_OK);
+    const auto progress = [](void* context, std::uint64_t) {
+      ++*static_cast<std::atomic<std::uint64_t>*>(context);
+      return std::int32_t{0};
+    };
+    EXPECT_EQ(surveydata_reader_set_progress(reader, progress, &told), SURVEYDATA_OK);
+    surveydata_entry entry{};
+    entry.struct_size = sizeof(entry);
+    surveydata_measurement measurement{};
+    measurement.struct_size = sizeof(measurement);
+    while (surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry) == SURVEYDATA_OK) {
+      EXPECT_EQ(surveydata_decode(entry.bytes, entry.size, &measurement), SURVEYDATA_OK);
+      ++count;
+    }
+    surveydata_reader_close(reader);
+  });
+  EXPECT_EQ(count, total);
+}
+
+}  // namespace
