@@ -1,8 +1,6 @@
 // What throws below the C interface is a status above it: every allocation of every function fails
 // once, and functions of the caller throw. Nothing leaks, outputs stay as they are, and the next
 // call succeeds.
-#include "tests/support/faults.h"
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -16,12 +14,14 @@
 
 #include <surveydata/c_interface/surveydata.h>
 
+#include "tests/support/faults.h"
 #include "tests/support/frame_builder.h"
 
 namespace {
 
 using Faults::Allocations;
 using Faults::Releases;
+using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FrameOf;
 
@@ -231,9 +231,9 @@ TEST(CInterfaceFaults, RecordsAreAppendedOrNot) {
 
 // --- Areas
 
-class AreaFaults : public testing::Test {
+class CInterfaceAreaFaults : public testing::Test {
  protected:
-  AreaFaults() {
+  CInterfaceAreaFaults() {
     definition_.struct_size = sizeof(definition_);
     definition_.kind = SURVEYDATA_POLYGON;
     definition_.count = hz_.size();
@@ -256,7 +256,7 @@ class AreaFaults : public testing::Test {
   surveydata_area_definition definition_{};
 };
 
-TEST_F(AreaFaults, AnAreaIsMadeOrNotThere) {
+TEST_F(CInterfaceAreaFaults, AnAreaIsMadeOrNotThere) {
   surveydata_area* area = nullptr;
   for (const std::uint32_t kind : {SURVEYDATA_RECTANGLE, SURVEYDATA_POLYGON, SURVEYDATA_DOME}) {
     definition_.kind = kind;
@@ -277,7 +277,7 @@ TEST_F(AreaFaults, AnAreaIsMadeOrNotThere) {
   }
 }
 
-TEST_F(AreaFaults, AnswersAreGivenOrNot) {
+TEST_F(CInterfaceAreaFaults, AnswersAreGivenOrNot) {
   surveydata_area* const area = Make();
   surveydata_bounds bounds{};
   bounds.struct_size = sizeof(bounds);
@@ -352,8 +352,7 @@ TEST_F(AreaFaults, AnswersAreGivenOrNot) {
   surveydata_area_destroy(tie);
 }
 
-// More points than a container can hold.
-TEST_F(AreaFaults, NothingIsLeftAfterFailures) {
+TEST_F(CInterfaceAreaFaults, NothingIsLeftAfterFailures) {
   const Faults::BalanceC balance;
   surveydata_area* const area = Make();
   surveydata_area* prepared = nullptr;

@@ -105,7 +105,7 @@ TEST(CInterfaceThreads, ReadStretchesOfTheSameBytes) {
   ByteVector bytes;
   std::uint64_t total = 0;
   for (int i = 0; i < 3000; ++i) {
-    TestSupport::Append(bytes, TestSupport::FrameOf(10 + static_cast<std::size_t>(i % 300)));
+    TestSupport::Append(bytes, TestSupport::FrameOf(12 + static_cast<std::size_t>(i % 300)));
     ++total;
   }
   std::atomic<std::uint64_t> count = 0;

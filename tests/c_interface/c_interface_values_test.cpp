@@ -22,6 +22,7 @@
 namespace {
 
 using SDI::AreaExplanation;
+using TestSupport::Append;
 using TestSupport::ByteVector;
 
 // --- Records
@@ -76,7 +77,9 @@ std::vector<Entry> ListByC(std::span<const std::uint8_t> bytes, SDI::GPSRecordSt
   entry.struct_size = sizeof(entry);
   while (surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry) == SURVEYDATA_OK) {
     list.push_back({entry.kind, entry.offset, entry.size, entry.record_type, entry.damage});
-    if (entry.bytes != nullptr) EXPECT_EQ(entry.bytes, bytes.data() + entry.offset);
+    if (entry.bytes != nullptr) {
+      EXPECT_EQ(entry.bytes, bytes.data() + entry.offset);
+    }
   }
   surveydata_reader_close(reader);
   return list;
