@@ -18,7 +18,7 @@
 #include <surveydata/gnss/gps_record_columns.h>
 
 /// \file
-/// Values of columns as texts that tell any two of them apart, and the buffers of a batch.
+/// Column values as texts, different for different values, and the buffers of a batch.
 
 namespace Columns {
 
@@ -45,7 +45,7 @@ inline std::string Show(const SDI::GPSColumnValueC& value) {
   return std::visit([](const auto& held) { return Show(held); }, value.Get());
 }
 
-using Row = std::vector<std::string>;  // a shown value for each column
+using Row = std::vector<std::string>;  // the text of each column's value
 using Table = std::vector<Row>;
 
 inline std::vector<const SDI::GPSColumn*> All() {
@@ -86,13 +86,13 @@ inline std::size_t SizeOf(SDI::GPSColumnType type) {
   return 0;
 }
 
-/// The buffers of a batch of at most `rows` rows, as long as they must be and no longer. Before and
-/// after each of them, and in what is not written, lies 0xA5.
+/// The buffers of a batch of at most `rows` rows, of exactly the required size. Unwritten bytes, and
+/// the bytes before and after each buffer, are 0xA5.
 class BuffersC {
  public:
   static constexpr std::uint8_t kUntouched = 0xA5;
 
-  /// `room`: bytes of texts and lists; by default enough for `rows` of the longest.
+  /// `room`: the size for texts and lists in bytes; by default enough for `rows` of the longest.
   BuffersC(std::span<const SDI::GPSColumn* const> columns, std::size_t rows, std::size_t room = 0)
       : columns_(columns.begin(), columns.end()), buffers_(columns.size()) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -112,7 +112,7 @@ class BuffersC {
 
   std::span<SDI::GPSColumnBuffer> Get() { return buffers_; }
 
-  /// The rows of a batch, appended to `table`.
+  /// Appends the rows of a batch to `table`.
   void Read(std::size_t rows, Table& table) const {
     for (std::size_t row = 0; row < rows; ++row) {
       table.emplace_back();
@@ -120,8 +120,8 @@ class BuffersC {
     }
   }
 
-  /// That nothing was written that does not belong to `rows` rows, and that the absent ones are
-  /// counted.
+  /// Checks that nothing was written outside the data of `rows` rows, and that the count of absent
+  /// values is correct.
   void ExpectWhole(std::size_t rows) const {
     for (const std::vector<std::uint8_t>& block : blocks_) {
       for (std::size_t i = 0; i < kGuard; ++i) {
@@ -201,7 +201,7 @@ class BuffersC {
       }
     }
     if (IsPresent(column, row)) return shown;
-    // What is absent is 0 or empty.
+    // Absent values are 0 or empty.
     const bool isNothing = shown == "0" || shown == "false" || shown == Show(0.0) ||
                            shown == Show(0.0F) || shown == "\"\"" || shown == "[]";
     EXPECT_TRUE(isNothing) << columns_[column]->name << " " << shown;
