@@ -86,8 +86,8 @@ inline std::size_t SizeOf(SDI::GPSColumnType type) {
   return 0;
 }
 
-/// The buffers of a batch of at most `rows` rows, of exactly the required size. Unwritten bytes, and
-/// the bytes before and after each buffer, are 0xA5.
+/// The buffers of a batch of at most `rows` rows, of exactly the required size. Unwritten bytes,
+/// and the bytes before and after each buffer, are 0xA5.
 class BuffersC {
  public:
   static constexpr std::uint8_t kUntouched = 0xA5;
