@@ -73,6 +73,6 @@ int main() {
 
   std::istringstream damaged("1.623 5 300 634217.482 248903.117 487.264 0.553 0 0 0 0 0 0");
   if (Read(damaged, restored)) return 1;
-  std::cout << "after refusing a line with a byte of 300 it is "
-            << Answer(restored.IsEqual(setup)) << '\n';
+  std::cout << "after refusing a line with a byte of 300 it is " << Answer(restored.IsEqual(setup))
+            << '\n';
 }
