@@ -6,6 +6,7 @@
 #include <surveydata/geodetic/coordinate_point.h>
 #include <surveydata/gnss/gps_meas_data.h>
 #include <surveydata/object_model/handle.h>
+#include <surveydata/scanning/scan_polygon_area.h>
 
 #include "benchmarks/pimpl_peer.h"
 
@@ -27,6 +28,17 @@ BENCHMARK_CAPTURE(BM_Downcast, checked, [](API::ImplObjectC* impl) {
 BENCHMARK_CAPTURE(BM_Downcast, dynamic, [](API::ImplObjectC* impl) {
   return dynamic_cast<ODM::CoordinatePointC*>(impl);
 });
+
+// An accessor of an area, whose implementation is of one of three classes, beside that of a point.
+void BM_Get(benchmark::State& state, const auto& object, auto get) {
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(&object);
+    benchmark::DoNotOptimize((object.*get)());
+  }
+}
+BENCHMARK_CAPTURE(BM_Get, point, SDI::CoordinatePointC(1.0, 2.0, 3.0),
+                  &SDI::CoordinatePointC::GetX);
+BENCHMARK_CAPTURE(BM_Get, area, SDI::ScanPolygonAreaC(), &SDI::ScanAreaC::GetHzStep);
 
 // An object that is made, beside one with a block of the size of its implementation; both are made
 // in a shared library.
