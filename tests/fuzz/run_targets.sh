@@ -13,7 +13,7 @@ run_target() {
   folders=("$build/corpus/$target" "$source_dir/corpus/$target")
   [ ! -d "$source_dir/regressions/$target" ] || folders+=("$source_dir/regressions/$target")
   case "$target" in
-    record_*) dictionary=(-dict="$source_dir/record_frame.dict") ;;
+    c_interface | record_*) dictionary=(-dict="$source_dir/record_frame.dict") ;;
     area_json) dictionary=(-dict="$source_dir/area_file.dict") ;;
   esac
   local log="$build/logs/$target.log" outcome=done
