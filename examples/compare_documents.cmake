@@ -1,17 +1,21 @@
 # Compares the code and the output in the documents of ROOT with the files they come from.
 #
-# Code (```cpp) is in a source of EXAMPLES, which are built and run; output (```text) is in the
+# Code (```cpp, ```c, ```py) is in a source of EXAMPLES, which are built and run; output (```text) is in the
 # expected output of one of them, or below tests/data or tests/debugger. The line before such a
 # block names the file: <!-- examples/NAME.cpp --> for the whole file, <!-- from examples/NAME.cpp
 # --> for consecutive lines of it. Blocks of other kinds have no file and must not contain code.
 # Every example and its output must be shown.
 cmake_minimum_required(VERSION 3.25)
 
-set(sources ${EXAMPLES})
-list(TRANSFORM sources REPLACE "(.+)" "examples/\\1.cpp")
+set(sources "")
+foreach(example IN LISTS EXAMPLES)
+  file(GLOB source RELATIVE ${ROOT} ${ROOT}/examples/${example}.c ${ROOT}/examples/${example}.cpp
+    ${ROOT}/examples/${example}.py)
+  list(APPEND sources ${source})
+endforeach()
 set(outputs ${EXAMPLES})
 list(TRANSFORM outputs REPLACE "(.+)" "examples/\\1.expected")
-set(kinds_of_code cpp c++ cc cxx c C CPP C++)
+set(kinds_of_code cpp c++ cc cxx c C CPP C++ py)
 
 set(shown "")
 file(GLOB documents RELATIVE ${ROOT} ${ROOT}/*.md ${ROOT}/docs/*.md)

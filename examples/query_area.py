@@ -46,7 +46,7 @@ def measurements(content):
     """Yields offset and bytes of each measurement in a bytes-like object."""
 
     def read_at(_context, offset, to, count):
-        piece = content[offset:offset + count]  # it may as well be a request to a server
+        piece = content[offset:offset + count]  # could be a request to a server
         ctypes.memmove(to, piece, len(piece))
         return len(piece)
 

@@ -96,7 +96,8 @@ class ValueWriterC {
   void AppendBits(std::uint16_t bits) {
     Put('0');
     Put('x');
-    for (int shift = 12; shift >= 0; shift -= 4) Put("0123456789abcdef"[bits >> shift & 0xF]);
+    constexpr std::u32string_view kDigits = U"0123456789abcdef";
+    for (int shift = 12; shift >= 0; shift -= 4) Put(kDigits[bits >> shift & 0xF]);
   }
   template <class Integer>
   void AppendInteger(Integer value) {

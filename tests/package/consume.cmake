@@ -1,6 +1,6 @@
 # Builds and runs the consumer project in WORK_DIR. WAY is find_package or pkg_config, which use the
 # tree installed at PREFIX, or add_subdirectory, which uses SOURCE_DIR. LINKAGE is shared, static or
-# both. The compiler is that of the library.
+# both. The compilers CXX and CC are those of the library.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -37,8 +37,23 @@ if(WAY STREQUAL "pkg_config")
   endif()
   run(${CXX} -std=c++20 ${flags} ${CONSUMER_DIR}/consumer.cpp -o consumer_${LINKAGE}${SUFFIX}
       ${cflags} ${libs})
+  # From C. Sanitizers need a C++ runtime, which the compiler of C++ links.
+  set(linker ${CC})
+  if(FLAGS MATCHES "-fsanitize|--coverage")
+    set(linker ${CXX})
+  endif()
+  run(${CC} -std=c99 -pedantic -Wall -Wextra ${flags} -c ${CONSUMER_DIR}/consumer.c -o consumer.o
+      ${cflags})
+  run(${linker} ${flags} consumer.o -o consumer_c_${LINKAGE}${SUFFIX} ${libs})
 else()
-  set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
+  set(arguments "-DCMAKE_CXX_COMPILER=${CXX}" "-DCMAKE_CXX_FLAGS=${FLAGS}"
+    "-DCMAKE_C_FLAGS=${FLAGS}")
+  if(CC)
+    list(APPEND arguments "-DCMAKE_C_COMPILER=${CC}")
+  endif()
+  if(FLAGS MATCHES "-fsanitize|--coverage")
+    list(APPEND arguments -DCONSUMER_C_LINKER=CXX)
+  endif()
   if(TOOLCHAIN)
     set(arguments --toolchain ${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX} ${arguments})
   endif()
@@ -49,6 +64,8 @@ else()
   endif()
   run(${CMAKE_COMMAND} -G ${GENERATOR} -S ${CONSUMER_DIR} -B . ${arguments})
   list(TRANSFORM LINKAGE PREPEND consumer_ OUTPUT_VARIABLE targets)
+  list(TRANSFORM LINKAGE PREPEND consumer_c_ OUTPUT_VARIABLE c_targets)
+  list(APPEND targets ${c_targets})
   run(${CMAKE_COMMAND} --build . --target ${targets})
   if(WAY STREQUAL "add_subdirectory")
     file(GLOB surplus ${WORK_DIR}/surveydata/tests ${WORK_DIR}/surveydata/tools
@@ -65,8 +82,10 @@ endif()
 set(ENV{LD_LIBRARY_PATH} "${library_dir}:$ENV{LD_LIBRARY_PATH}")
 set(ENV{WINEPATH} "${PREFIX}/bin;${WORK_DIR}/surveydata/surveydata;$ENV{WINEPATH}")
 foreach(linkage IN LISTS LINKAGE)
-  run(${EMULATOR} ./consumer_${linkage}${SUFFIX})
-  if(NOT output MATCHES "all is well")
-    message(FATAL_ERROR "output of the consumer: ${output}")
-  endif()
+  foreach(program consumer_${linkage} consumer_c_${linkage})
+    run(${EMULATOR} ./${program}${SUFFIX})
+    if(NOT output MATCHES "all is well")
+      message(FATAL_ERROR "output of ${program}: ${output}")
+    endif()
+  endforeach()
 endforeach()
