@@ -43,8 +43,9 @@ int main(void) {
       surveydata_reader_open_file("valley_drive.rec", 0, SURVEYDATA_NO_END, &reader);
   measurement.struct_size = sizeof(measurement);
 
-  while (status == SURVEYDATA_OK && (status = surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES,
-                                                                     &entry)) == SURVEYDATA_OK) {
+  while (status == SURVEYDATA_OK) {
+    status = surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry);
+    if (status != SURVEYDATA_OK) break;
     switch (entry.kind) {
       case SURVEYDATA_MEASUREMENT:
         status = surveydata_decode(entry.bytes, (size_t)entry.size, &measurement);
