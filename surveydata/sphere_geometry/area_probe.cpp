@@ -22,12 +22,13 @@ bool IsInBand(const AnglePointC& probe, const AnglePointC& a, const AnglePointC&
   return IsBeside(probe, a, b) && AtMost(PlanarLineDistance(probe, a, b), CONTAINS_TOLERANCE / 2.0);
 }
 
-bool IsInsideByParity(std::vector<double>& crossings, double v, bool enclosesZenith) {
-  const bool hasOneAbove =
+bool IsInsideByParity(std::vector<double>& crossings, double v, bool hasOneAbove,
+                      std::size_t othersBelow) {
+  const bool isOneRemoved =
       std::erase_if(crossings, [v](double crossing) { return AtLeast(v, crossing); }) > 0;
-  if (!hasOneAbove && !enclosesZenith) return false;
+  if (!isOneRemoved && !hasOneAbove) return false;
   std::sort(crossings.begin(), crossings.end());
-  std::size_t count = crossings.size();
+  std::size_t count = crossings.size() + othersBelow;
   for (std::size_t i = 1; i < crossings.size(); ++i) {
     if (ApproxEqual(crossings[i - 1], crossings[i])) --count;
   }

@@ -2,6 +2,7 @@
 #define SURVEYDATA_SPHERE_GEOMETRY_AREA_PROBE_H_
 
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
@@ -35,7 +36,11 @@ inline bool IsNearBox(const AnglePointC& probe, const AnglePointC& a, const Angl
 /// Whether a direction at `v` is inside, given where its meridian crosses the edges: something must
 /// lie at or above it (or the zenith inside), and an odd number of crossings below. Crossings that
 /// agree to 10 digits count as one. Reorders and shortens `crossings`.
-bool IsInsideByParity(std::vector<double>& crossings, double v, bool enclosesZenith);
+/// \param hasOneAbove   whether the zenith is inside, or a crossing that is not in the list lies
+/// above. \param othersBelow   the number of crossings below that are not in the list and agree
+/// with none.
+bool IsInsideByParity(std::vector<double>& crossings, double v, bool hasOneAbove,
+                      std::size_t othersBelow = 0);
 
 }  // namespace GMAT
 

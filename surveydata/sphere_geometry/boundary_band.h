@@ -3,11 +3,14 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_frame.h>
 #include <surveydata/sphere_geometry/area_probe.h>
 #include <surveydata/sphere_geometry/cell_grid.h>
+#include <surveydata/sphere_geometry/column_order.h>
 
 namespace GMAT {
 
@@ -34,17 +37,22 @@ struct BandStrip {
 /// probe in their band?
 class BoundaryBandC {
  public:
-  explicit BoundaryBandC(const AreaFrame& frame);
+  /// \param manySideBySide  from how many edges at one Hz on the average those that lead through a
+  ///                        column are kept on a list in order.
+  explicit BoundaryBandC(const AreaFrame& frame,
+                         double manySideBySide = CellGridC::kManySideBySide);
+
+  /// True only where `Contains` is false.
+  bool IsBeyond(double probeHz) const { return probeHz > width_; }
 
   /// Whether the point of a direction (`BandProbe`) lies in the band of an edge.
   bool Contains(const AreaFrame& frame, const AnglePointC& probe) const {
-    if (probe.Hz > width_) return false;
-    for (const CellGridC::Item& item : grid_.Find(probe.Hz, probe.V).items) {
-      const Line& line = lines_[item.curve];
-      if (!(std::fabs(probe.V - (line.v0 + line.slope * probe.Hz)) <= line.halfHeight)) continue;
-      if (IsInBand(probe, frame.GetStart(item.curve), frame.GetEnd(item.curve))) return true;
+    if (IsBeyond(probe.Hz)) return false;
+    const std::size_t column = grid_.ColumnOf(probe.Hz);
+    for (const CellGridC::Item& item : grid_.Find(column, probe.V).items) {
+      if (IsInBandOf(frame, item.curve, probe)) return true;
     }
-    return false;
+    return !order_.IsEmpty() && IsInOrderedBand(frame, order_.Get(column), probe);
   }
 
   /// Bands lie in [-kStripReach, GetWidth()] of Hz.
@@ -57,9 +65,22 @@ class BoundaryBandC {
     double halfHeight;
   };
 
+  class BuilderC;
+
+  double VOf(std::uint32_t edge, double hz) const {
+    return lines_[edge].v0 + lines_[edge].slope * hz;
+  }
+  bool IsInBandOf(const AreaFrame& frame, std::uint32_t edge, const AnglePointC& probe) const {
+    return std::fabs(probe.V - VOf(edge, probe.Hz)) <= lines_[edge].halfHeight &&
+           IsInBand(probe, frame.GetStart(edge), frame.GetEnd(edge));
+  }
+  bool IsInOrderedBand(const AreaFrame& frame, std::span<const ColumnOrderC::Item> order,
+                       const AnglePointC& probe) const;
+
   double width_ = 0.0;
   std::vector<Line> lines_;
   CellGridC grid_;
+  ColumnOrderC order_;  // of edges that are not steep
 };
 
 }  // namespace GMAT

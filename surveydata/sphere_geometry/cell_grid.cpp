@@ -4,14 +4,13 @@
 
 namespace GMAT {
 
-std::size_t CellGridC::CountColumns(std::size_t curves, double spans, double width,
-                                    double minStep) {
+std::size_t CellGridC::CountColumns(std::size_t curves, double spans, double width, double minStep,
+                                    double partsPerCurve) {
   constexpr auto kFewest = static_cast<double>(kFewestColumns);
-  constexpr double kPartsPerCurve = 6.0;
   const double n = static_cast<double>(curves);
   const double crossedAtOnce = spans / width;
   const double affordable =
-      std::clamp(kPartsPerCurve * n / std::max(crossedAtOnce, 1.0), kFewest, std::max(n, kFewest));
+      std::clamp(partsPerCurve * n / std::max(crossedAtOnce, 1.0), kFewest, std::max(n, kFewest));
   return static_cast<std::size_t>(std::max(std::min(affordable, width / minStep), 1.0));
 }
 

@@ -55,7 +55,16 @@ class CellGridC {
   static constexpr std::size_t kFewestColumns = 8;
   /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
   /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
-  static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep);
+  ///
+  /// \param partsPerCurve  in how many columns a curve is listed on the average.
+  static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep,
+                                  double partsPerCurve = kPartsPerCurve);
+  static constexpr double kPartsPerCurve = 6.0;
+  /// For curves most of which lead through a column and are listed there once, in order. Then the
+  /// ends of curves, which are in cells, are few in each column.
+  static constexpr double kPartsPerOrderedCurve = 64.0;
+  /// From so many curves side by side on the average that is better: a cell would have hundreds.
+  static constexpr double kManySideBySide = 2000.0;
 
   CellGridC() = default;
   CellGridC(double width, std::size_t columns)

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include <surveydata/sphere_geometry/area_edges.h>
 #include <surveydata/sphere_geometry/close_crossings.h>
@@ -6,8 +8,11 @@
 namespace GMAT {
 namespace {
 
-// More curves of a cell are not compared with each other: its column is left to the rules.
-constexpr std::size_t kMostLines = 1024;
+// With more comparisons for each curve of a cell its column is left to the rules.
+constexpr std::size_t kMostPerCurve = 512;
+
+// A curve that changes places with more of those that are in order is left to the rules.
+constexpr std::size_t kMostExchanges = 16;
 
 // A bound of |t| along an edge.
 double ExtremeOf(const RingCurves& ring, std::size_t edge) {
@@ -29,107 +34,145 @@ double ReachOf(const ArcCurve& one, const ArcCurve& other, double closest, doubl
   return reach < kShortReach && span < kClearOfNextZero ? std::min(reach, span) : span;
 }
 
-// The curves of a cell, cut off at the borders of its column.
-class CellComparisonC {
- public:
-  CellComparisonC(const std::vector<ArcCurve>& curves, std::size_t edgeCount,
-                  HzIntervalsC& intervals)
-      : curves_(curves), edgeCount_(edgeCount), intervals_(intervals) {
-    lines_.reserve(16);
-  }
-
-  void SetColumn(double west, double east, const CosSin& atWest, const CosSin& atEast) {
-    west_ = west;
-    east_ = east;
-    atWest_ = atWest;
-    atEast_ = atEast;
-  }
-
-  // Two curves are compared in the lowest cell that has both: there one of them is lowest.
-  void Compare(const CellGridC::Cell& cell) {
-    lines_.clear();
-    AddLines(cell, true);
-    const std::size_t lowest = lines_.size();
-    AddLines(cell, false);
-    if (lines_.size() > kMostLines) {
-      intervals_.AddHz(west_ - kRoundingMargin, east_ + kRoundingMargin);
-      return;
-    }
-    for (std::size_t a = 0; a < lowest; ++a) {
-      for (std::size_t b = a + 1; b < lines_.size(); ++b) {
-        if (!AreApart(lines_[a], lines_[b]) && !AreNeighbours(lines_[a], lines_[b])) {
-          AddInterval(lines_[a], lines_[b]);
-        }
-      }
-    }
-  }
-
- private:
-  struct Line {
-    double west;  // t where the curve, or what would continue it, meets the borders
-    double east;
-    double closest;  // in t: nearer to it there may be crossings that count as one with it
-    const ArcCurve* curve;
-  };
-
-  void AddLines(const CellGridC::Cell& cell, bool isLowest) {
-    for (const CellGridC::Item& item : cell.items) {
-      const ArcCurve& curve = curves_[item.curve];
-      if (curve.kind != ArcCurve::kArc || (item.isLowest != 0) != isLowest) continue;
-      const double west = curve.At(atWest_);
-      const double east = curve.At(atEast_);
-      const double extreme = kColumnRise * std::max(std::fabs(west), std::fabs(east));
-      lines_.push_back({west, east, InTangent(kCrossingsApart, extreme), &curve});
-    }
-  }
-
-  static double ClosestOf(const Line& a, const Line& b) {
-    return std::min(a.closest, b.closest) + ErrorOf(*a.curve) + ErrorOf(*b.curve);
-  }
-
-  // The gap is a sinusoid: where it has one sign at both borders it is the least at one of them.
-  static bool AreApart(const Line& a, const Line& b) {
-    const double gapWest = a.west - b.west;
-    const double gapEast = a.east - b.east;
-    return gapWest * gapEast > 0.0 &&
-           std::min(std::fabs(gapWest), std::fabs(gapEast)) > ClosestOf(a, b);
-  }
-
-  // Neighbours meet at a corner, which `AddIntervalsOfCorners` looks at.
-  bool AreNeighbours(const Line& a, const Line& b) const {
-    const std::size_t edgeA = a.curve->edge;
-    const std::size_t edgeB = b.curve->edge;
-    const std::size_t first = std::min(edgeA, edgeB);
-    const std::size_t second = std::max(edgeA, edgeB);
-    return second - first < 2 || (first == 0 && second + 1 == edgeCount_);
-  }
-
-  void AddInterval(const Line& a, const Line& b) {
-    double low = std::max({west_, a.curve->low, b.curve->low}) - kRoundingMargin;
-    double high = std::min({east_, a.curve->high, b.curve->high}) + kRoundingMargin;
-    const double gapA = a.curve->a - b.curve->a;
-    const double gapB = a.curve->b - b.curve->b;
-    const double reach = kZeroReach * ClosestOf(a, b) / Swing(gapA, gapB);
-    if (reach < kShortReach) {
-      const double middle = (west_ + east_) / 2.0;
-      const double zero = middle + std::remainder(std::atan2(-gapA, gapB) - middle, PI);
-      low = std::max(low, zero - reach);
-      high = std::min(high, zero + reach);
-    }
-    if (low <= high) intervals_.AddHz(low, high);
-  }
-
-  const std::vector<ArcCurve>& curves_;
-  const std::size_t edgeCount_;
-  HzIntervalsC& intervals_;
-  double west_ = 0.0;
-  double east_ = 0.0;
-  CosSin atWest_{};
-  CosSin atEast_{};
-  std::vector<Line> lines_;
-};
-
 }  // namespace
+
+CurveComparisonC::CurveComparisonC(const std::vector<ArcCurve>& curves, std::size_t edgeCount,
+                                   HzIntervalsC& intervals)
+    : curves_(curves), edgeCount_(edgeCount), intervals_(intervals) {
+  lines_.reserve(16);
+}
+
+void CurveComparisonC::SetColumn(double west, double east, const CosSin& atWest,
+                                 const CosSin& atEast) {
+  west_ = west;
+  east_ = east;
+  atWest_ = atWest;
+  atEast_ = atEast;
+}
+
+CurveComparisonC::Line CurveComparisonC::MakeLine(const ArcCurve& curve, double west, double east) {
+  const double extreme = kColumnRise * std::max(std::fabs(west), std::fabs(east));
+  return {west, east, InTangent(kCrossingsApart, extreme), 0.0, &curve, false};
+}
+
+double CurveComparisonC::ClosestOf(const Line& a, const Line& b) {
+  return std::min(a.closest, b.closest) + ErrorOf(*a.curve) + ErrorOf(*b.curve);
+}
+
+// The gap is a sinusoid: where it has one sign at both ends it is the least at one of them.
+bool CurveComparisonC::AreApart(const Line& a, const Line& b) {
+  const double gapWest = a.west - b.west;
+  const double gapEast = a.east - b.east;
+  return gapWest * gapEast > 0.0 &&
+         std::min(std::fabs(gapWest), std::fabs(gapEast)) > ClosestOf(a, b);
+}
+
+// Neighbours meet at a corner, which `AddIntervalsOfCorners` looks at.
+bool CurveComparisonC::AreNeighbours(const Line& a, const Line& b) const {
+  const std::size_t edgeA = a.curve->edge;
+  const std::size_t edgeB = b.curve->edge;
+  const std::size_t first = std::min(edgeA, edgeB);
+  const std::size_t second = std::max(edgeA, edgeB);
+  return second - first < 2 || (first == 0 && second + 1 == edgeCount_);
+}
+
+void CurveComparisonC::AddInterval(const Line& a, const Line& b) {
+  double low = std::max({west_, a.curve->low, b.curve->low}) - kRoundingMargin;
+  double high = std::min({east_, a.curve->high, b.curve->high}) + kRoundingMargin;
+  const double gapA = a.curve->a - b.curve->a;
+  const double gapB = a.curve->b - b.curve->b;
+  const double reach = kZeroReach * ClosestOf(a, b) / Swing(gapA, gapB);
+  if (reach < kShortReach) {
+    const double middle = (west_ + east_) / 2.0;
+    const double zero = middle + std::remainder(std::atan2(-gapA, gapB) - middle, PI);
+    low = std::max(low, zero - reach);
+    high = std::min(high, zero + reach);
+  }
+  if (low <= high) intervals_.AddHz(low, high);
+}
+
+void CurveComparisonC::LeaveToRules(double low, double high) {
+  intervals_.AddHz(low - kRoundingMargin, high + kRoundingMargin);
+}
+
+// Two curves are compared in the lowest cell that has both: there one of them is lowest.
+void CurveComparisonC::CompareCell(const CellGridC::Cell& cell) {
+  lines_.clear();
+  double closest = 0.0;
+  double error = 0.0;
+  for (const CellGridC::Item& item : cell.items) {
+    const ArcCurve& curve = curves_[item.curve];
+    if (curve.kind != ArcCurve::kArc) continue;
+    Line line = MakeLine(curve, curve.At(atWest_), curve.At(atEast_));
+    line.isLowest = item.isLowest != 0;
+    closest = std::max(closest, line.closest);
+    error = std::max(error, ErrorOf(curve));
+    lines_.push_back(line);
+  }
+  std::sort(lines_.begin(), lines_.end(),
+            [](const Line& a, const Line& b) { return a.west < b.west; });
+  double highestEast = -std::numeric_limits<double>::infinity();
+  for (Line& line : lines_) line.highestEast = highestEast = std::max(highestEast, line.east);
+  const double clear = closest + 2.0 * error;
+  std::size_t left = kMostPerCurve * lines_.size();
+  for (std::size_t i = 1; i < lines_.size(); ++i) {
+    const Line& b = lines_[i];
+    for (std::size_t k = i; k > 0; --k) {
+      const Line& a = lines_[k - 1];
+      // Then `b` is that far above `a` and all before it at both borders.
+      if (b.west - a.west > clear && b.east - a.highestEast > clear) break;
+      if (left-- == 0) {
+        LeaveToRules(west_, east_);
+        return;
+      }
+      if ((a.isLowest || b.isLowest) && !AreApart(a, b) && !AreNeighbours(a, b)) AddInterval(a, b);
+    }
+  }
+}
+
+ColumnOrderC::Relation CurveComparisonC::Relate(const ColumnOrderC::Crossing& lower,
+                                                const ColumnOrderC::Crossing& upper) {
+  const Line a = MakeLine(curves_[lower.curve], lower.left, lower.right);
+  const Line b = MakeLine(curves_[upper.curve], upper.left, upper.right);
+  const double closest = ClosestOf(a, b);
+  const double least = std::min(b.west - a.west, b.east - a.east);
+  const double most = std::max(b.west - a.west, b.east - a.east);
+  if (least > closest) return ColumnOrderC::Relation::kApart;
+  // The gap changes its sign at most once, next to a border: beyond the interval it has that of the
+  // other border.
+  if (!(most > closest && least > -closest)) return ColumnOrderC::Relation::kOutOfOrder;
+  AddInterval(a, b);
+  return ColumnOrderC::Relation::kClose;
+}
+
+void CurveComparisonC::CompareWithOrder(const ArcCurve& curve,
+                                        std::span<const ColumnOrderC::Item> order) {
+  if (curve.kind != ArcCurve::kArc || order.empty()) return;
+  const double low = std::max(west_, curve.low);
+  const double high = std::min(east_, curve.high);
+  if (low > high) return;  // next to one of its ends, which has an interval
+  const CosSin atLow = QuickCosSin(low);
+  const CosSin atHigh = QuickCosSin(high);
+  const auto countBelow = [&](const CosSin& at) {
+    const double t = curve.At(at);
+    return ColumnOrderC::CountBelow(
+        order, [&](const ColumnOrderC::Item& item) { return curves_[item.curve].At(at) < t; });
+  };
+  const auto [first, last] = std::minmax({countBelow(atLow), countBelow(atHigh)});
+  if (last - first > kMostExchanges) {
+    LeaveToRules(low, high);
+    return;
+  }
+  // It is clear of the curves beyond the second one on either side, because that one is, and is
+  // itself as far from them as two crossings must be.
+  const std::size_t end = std::min(last + 2, order.size());
+  const Line line = MakeLine(curve, curve.At(atLow), curve.At(atHigh));
+  for (std::size_t i = first - std::min<std::size_t>(first, 2); i < end; ++i) {
+    const ArcCurve& other = curves_[order[i].curve];
+    const Line otherLine = MakeLine(other, other.At(atLow), other.At(atHigh));
+    if (!AreApart(line, otherLine)) AddInterval(line, otherLine);
+  }
+}
 
 void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring,
                            HzIntervalsC& intervals) {
@@ -165,13 +208,17 @@ void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring,
   }
 }
 
-void AddIntervalsOfCells(const CellGridC& grid, const std::vector<CosSin>& borders,
-                         const std::vector<ArcCurve>& curves, std::size_t edgeCount,
-                         HzIntervalsC& intervals) {
-  CellComparisonC comparison(curves, edgeCount, intervals);
+void AddIntervalsOfCells(const CellGridC& grid, const ColumnOrderC& order,
+                         const std::vector<CosSin>& borders, const std::vector<ArcCurve>& curves,
+                         std::size_t edgeCount, HzIntervalsC& intervals) {
+  CurveComparisonC comparison(curves, edgeCount, intervals);
   for (std::size_t i = 0; i < grid.GetColumnCount(); ++i) {
     comparison.SetColumn(grid.GetBorder(i), grid.GetBorder(i + 1), borders[i], borders[i + 1]);
-    grid.ForEachCell(i, [&](const CellGridC::Cell& cell) { comparison.Compare(cell); });
+    grid.ForEachCell(i, [&](const CellGridC::Cell& cell) { comparison.CompareCell(cell); });
+    if (order.Get(i).empty()) continue;
+    for (const CellGridC::Item& item : grid.GetItems(i)) {
+      if (item.isLowest != 0) comparison.CompareWithOrder(curves[item.curve], order.Get(i));
+    }
   }
 }
 

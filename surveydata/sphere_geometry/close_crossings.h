@@ -7,6 +7,7 @@
 
 #include <surveydata/sphere_geometry/area_frame.h>
 #include <surveydata/sphere_geometry/cell_grid.h>
+#include <surveydata/sphere_geometry/column_order.h>
 #include <surveydata/sphere_geometry/hz_intervals.h>
 #include <surveydata/sphere_geometry/ring_curves.h>
 
@@ -20,11 +21,61 @@ namespace GMAT {
 /// close; whole steep edges; and the meridians of edges at a pole.
 void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring, HzIntervalsC& intervals);
 
-/// Adds where curves that share a cell come close to each other. `borders` are those of the grid's
-/// columns; `edgeCount` tells which edges are neighbours.
-void AddIntervalsOfCells(const CellGridC& grid, const std::vector<CosSin>& borders,
-                         const std::vector<ArcCurve>& curves, std::size_t edgeCount,
-                         HzIntervalsC& intervals);
+/// Compares the curves of one column of an index after another, and adds the Hz at which two of
+/// them come close to each other.
+class CurveComparisonC {
+ public:
+  /// \param edgeCount  tells which edges are adjacent: their corner is looked at elsewhere.
+  CurveComparisonC(const std::vector<ArcCurve>& curves, std::size_t edgeCount,
+                   HzIntervalsC& intervals);
+
+  void SetColumn(double west, double east, const CosSin& atWest, const CosSin& atEast);
+
+  /// All curves of a cell with each other.
+  /// \cost m log m for m curves of which few are close or exchange places.
+  void CompareCell(const CellGridC::Cell& cell);
+
+  /// Two curves that lead through the column, `upper` the higher one on the average.
+  ColumnOrderC::Relation Relate(const ColumnOrderC::Crossing& lower,
+                                const ColumnOrderC::Crossing& upper);
+
+  /// A curve with those that lead through the column.
+  /// \cost log k for k of them.
+  void CompareWithOrder(const ArcCurve& curve, std::span<const ColumnOrderC::Item> order);
+
+ private:
+  // A curve between two Hz, mostly the borders of the column.
+  struct Line {
+    double west;  // t there, where the curve, or what would continue it, is
+    double east;
+    double closest;      // in t: nearer to it there may be crossings that count as one with it
+    double highestEast;  // of the lines up to this one
+    const ArcCurve* curve;
+    bool isLowest;
+  };
+
+  static Line MakeLine(const ArcCurve& curve, double west, double east);
+  static double ClosestOf(const Line& a, const Line& b);
+  static bool AreApart(const Line& a, const Line& b);
+  bool AreNeighbours(const Line& a, const Line& b) const;
+  void AddInterval(const Line& a, const Line& b);
+  void LeaveToRules(double low, double high);
+
+  const std::vector<ArcCurve>& curves_;
+  const std::size_t edgeCount_;
+  HzIntervalsC& intervals_;
+  double west_ = 0.0;
+  double east_ = 0.0;
+  CosSin atWest_{};
+  CosSin atEast_{};
+  std::vector<Line> lines_;
+};
+
+/// Adds where curves that share a cell come close to each other, or to a curve that leads through
+/// their column. `borders` are those of the grid's columns.
+void AddIntervalsOfCells(const CellGridC& grid, const ColumnOrderC& order,
+                         const std::vector<CosSin>& borders, const std::vector<ArcCurve>& curves,
+                         std::size_t edgeCount, HzIntervalsC& intervals);
 
 }  // namespace GMAT
 

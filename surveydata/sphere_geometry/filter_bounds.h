@@ -125,6 +125,12 @@ static_assert(LeastInV(kDirectionMargin, kPoleTangent) > kRoundingMargin + 8.0 *
 inline constexpr double kListingMargin = 8.0 * kRoundingMargin;
 static_assert(LeastInV(kListingMargin, kPoleTangent) > kRoundingMargin + 8.0 * kUnitRoundoff);
 
+/// Arcs on a list in order have an error of no more, so that those beyond the neighbours of a
+/// direction on the list are clear of it when these are.
+inline constexpr double kOrderError = 1e-10;
+static_assert(LeastInV(kDirectionMargin - kOrderError, kPoleTangent) >
+              kRoundingMargin + 8.0 * kUnitRoundoff);
+
 /// Two arcs that are this far apart in V have crossings that the rules never take for one, which
 /// they do with those that differ by less than 1e-10.
 inline constexpr double kCrossingsApart = 1.5e-10;

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_rules.h>
@@ -10,6 +12,8 @@
 
 namespace GMAT {
 namespace {
+
+constexpr std::size_t kBlock = 256;
 
 // A point beyond a pole, however little, lies on the opposite meridian of its Hz.
 bool IsRegular(const AnglePointC& p) {
@@ -46,7 +50,8 @@ double BandHz(double hz, double v, double hzOrigin) {
 
 }  // namespace
 
-PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster) {
+PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster,
+                                         double manySideBySide) {
   const std::vector<AnglePointC>& points = area.GetPoints();
   AreaFrame frame;
   if (!BuildFrame(points, frame)) return;
@@ -60,8 +65,8 @@ PreparedSphereAreaC::PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster
   } else {
     way_ = Way::kPolygon;
     const RingCurves ring = BuildRingCurves(frame_);
-    band_.emplace(frame_);
-    slabs_.emplace(frame_, ring);
+    band_.emplace(frame_, manySideBySide);
+    slabs_.emplace(frame_, ring, manySideBySide);
     if (hasRaster && DecidedRasterC::CanDecide(*slabs_)) raster_.emplace(frame_, ring, *slabs_);
   }
 }
@@ -83,7 +88,7 @@ PreparedSphereAreaC::Answer PreparedSphereAreaC::AskRectangle(double h, double v
 inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskPolygon(double h, double v) const {
   const Verdict verdict = slabs_->Ask(h, v);
   if (verdict != Verdict::kUndecided) return {verdict == Verdict::kInside, true};
-  return {IsInsideByCrossings(frame_, slabs_->FindEdges(h), h, v), false};
+  return {slabs_->AskRules(frame_, h, v), false};
 }
 
 inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskWrapped(double hz, double v) const {
@@ -120,23 +125,84 @@ PreparedSphereAreaC::Answer PreparedSphereAreaC::Ask(double hz, double v) const 
   return AskWrapped(hz, v);
 }
 
+// Where a direction lies is unpredictable, and a branch on it costs as much as the answer of the
+// filter. So the directions of a block that each part must look at are gathered without a branch.
+void PreparedSphereAreaC::AskPolygonBlock(std::span<const double> hz, std::span<const double> v,
+                                          std::span<bool> inside) const {
+  const std::size_t count = hz.size();
+  std::array<double, kBlock> bandHz;
+  std::array<double, kBlock> h;
+  std::array<std::uint8_t, kBlock> beyondTurn;
+  std::array<std::uint8_t, kBlock> nearBand;
+  std::array<std::uint8_t, kBlock> nearRing;
+  std::size_t beyondTurnCount = 0;
+  std::size_t nearBandCount = 0;
+  std::size_t nearRingCount = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool isInTurn = AreInTurn(hz[i], v[i]);
+    bandHz[i] = BandHz(hz[i], v[i], frame_.hzOrigin);
+    h[i] = NormalizeOneTurn(hz[i] - frame_.hzOrigin);
+    inside[i] = false;
+    const auto index = static_cast<std::uint8_t>(i);
+    beyondTurn[beyondTurnCount] = index;
+    beyondTurnCount += !isInTurn;
+    nearBand[nearBandCount] = index;
+    nearBandCount += isInTurn & !band_->IsBeyond(bandHz[i]);
+    nearRing[nearRingCount] = index;
+    nearRingCount += isInTurn & !slabs_->IsBeyond(h[i], v[i]);
+  }
+  for (std::size_t k = 0; k < beyondTurnCount; ++k) {
+    const std::size_t i = beyondTurn[k];
+    inside[i] = Ask(hz[i], v[i]).isInside;
+  }
+  for (std::size_t k = 0; k < nearBandCount; ++k) {
+    const std::size_t i = nearBand[k];
+    if (band_->Contains(frame_, {bandHz[i], v[i]})) inside[i] = true;
+  }
+  for (std::size_t k = 0; k < nearRingCount; ++k) {
+    const std::size_t i = nearRing[k];
+    if (!inside[i]) inside[i] = AskPolygon(h[i], v[i]).isInside;
+  }
+}
+
+// Likewise the directions that the raster does not decide.
+void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<const double> v,
+                                         std::span<bool> inside) const {
+  std::array<std::uint8_t, kBlock> undecided;
+  std::size_t undecidedCount = 0;
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    const bool isInTurn = AreInTurn(hz[i], v[i]);
+    const Verdict verdict = raster_->Find(isInTurn ? hz[i] : 0.0, isInTurn ? v[i] : 0.0);
+    inside[i] = verdict == Verdict::kInside;
+    undecided[undecidedCount] = static_cast<std::uint8_t>(i);
+    undecidedCount += !isInTurn | (verdict == Verdict::kUndecided);
+  }
+  std::array<double, kBlock> undecidedHz;
+  std::array<double, kBlock> undecidedV;
+  std::array<bool, kBlock> answers;
+  for (std::size_t k = 0; k < undecidedCount; ++k) {
+    undecidedHz[k] = hz[undecided[k]];
+    undecidedV[k] = v[undecided[k]];
+  }
+  AskPolygonBlock({undecidedHz.data(), undecidedCount}, {undecidedV.data(), undecidedCount},
+                  {answers.data(), undecidedCount});
+  for (std::size_t k = 0; k < undecidedCount; ++k) inside[undecided[k]] = answers[k];
+}
+
 void PreparedSphereAreaC::Contains(std::span<const double> hz, std::span<const double> v,
                                    std::span<bool> inside) const {
   const std::size_t count = std::min({hz.size(), v.size(), inside.size()});
-  if (raster_) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (AreInTurn(hz[i], v[i])) {
-        const Verdict verdict = raster_->Find(hz[i], v[i]);
-        inside[i] = verdict == Verdict::kInside;
-        if (verdict != Verdict::kUndecided) continue;
-      }
-      inside[i] = Ask(hz[i], v[i]).isInside;
-    }
+  if (way_ != Way::kPolygon) {
+    for (std::size_t i = 0; i < count; ++i) inside[i] = Ask(hz[i], v[i]).isInside;
     return;
   }
-  for (std::size_t i = 0; i < count; ++i) {
-    inside[i] =
-        AreInTurn(hz[i], v[i]) ? AskWrapped(hz[i], v[i]).isInside : Ask(hz[i], v[i]).isInside;
+  for (std::size_t i = 0; i < count; i += kBlock) {
+    const std::size_t size = std::min(kBlock, count - i);
+    if (raster_) {
+      AskRasterBlock(hz.subspan(i, size), v.subspan(i, size), inside.subspan(i, size));
+    } else {
+      AskPolygonBlock(hz.subspan(i, size), v.subspan(i, size), inside.subspan(i, size));
+    }
   }
 }
 

@@ -22,8 +22,11 @@ namespace GMAT {
 class PreparedSphereAreaC {
  public:
   /// \param hasRaster  whether to make a raster of decided cells.
+  /// \param manySideBySide  from how many edges on a meridian on the average they are kept in
+  ///                        order: for tests, which have fewer.
   /// \cost n log n for n points at least, that of `SphereAreaC::IsValid` included.
-  explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false);
+  explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
+                               double manySideBySide = CellGridC::kManySideBySide);
 
   struct Answer {
     bool isInside;
@@ -55,6 +58,10 @@ class PreparedSphereAreaC {
   Answer AskWrapped(double hz, double v) const;
   Answer AskRectangle(double h, double v) const;
   Answer AskPolygon(double h, double v) const;
+  void AskPolygonBlock(std::span<const double> hz, std::span<const double> v,
+                       std::span<bool> inside) const;
+  void AskRasterBlock(std::span<const double> hz, std::span<const double> v,
+                      std::span<bool> inside) const;
 
   Way way_ = Way::kNever;
   double rectangleWidth_ = 0.0;

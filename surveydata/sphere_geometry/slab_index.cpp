@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <utility>
 
+#include <surveydata/sphere_geometry/area_rules.h>
 #include <surveydata/sphere_geometry/close_crossings.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 #include <surveydata/sphere_geometry/slab_index.h>
@@ -29,12 +32,16 @@ constexpr double kHeightOfZenith = 0.0;
 class SlabIndexC::BuilderC {
  public:
   BuilderC(SlabIndexC& index, const AreaFrame& frame, const RingCurves& ring)
-      : index_(index), frame_(frame), ring_(ring), line_(frame) {}
+      : index_(index),
+        frame_(frame),
+        ring_(ring),
+        line_(frame),
+        comparison_(index.curves_, ring.curves.size(), index.intervals_) {}
 
-  void Build() {
+  void Build(double manySideBySide) {
     index_.curves_.reserve(ring_.curves.size() + 1);
     index_.curves_ = ring_.curves;
-    ChooseColumns();
+    ChooseColumns(manySideBySide);
     parts_.reserve(6 * ring_.curves.size());
     index_.intervals_.Reserve(2 * ring_.curves.size());
     for (std::size_t edge = 0; edge < ring_.curves.size(); ++edge) {
@@ -45,17 +52,41 @@ class SlabIndexC::BuilderC {
         ListEdge(edge);
       }
     }
+    if (hasOrder_) index_.order_.Build(columns_, std::move(spans_), *this);
     index_.grid_.Build(parts_);
     AddIntervalsOfCorners(frame_, ring_, index_.intervals_);
-    AddIntervalsOfCells(index_.grid_, borders_, index_.curves_, ring_.curves.size(),
+    AddIntervalsOfCells(index_.grid_, index_.order_, borders_, index_.curves_, ring_.curves.size(),
                         index_.intervals_);
     index_.intervals_.Build(kMostBuckets);
+  }
+
+  // -- What `ColumnOrderC` asks --
+
+  double HeightAt(std::uint32_t curve, std::size_t border) const {
+    return index_.curves_[curve].At(borders_[border]);
+  }
+  ColumnOrderC::Relation Relate(std::size_t column, const ColumnOrderC::Crossing& lower,
+                                const ColumnOrderC::Crossing& upper) {
+    comparison_.SetColumn(index_.grid_.GetBorder(column), index_.grid_.GetBorder(column + 1),
+                          borders_[column], borders_[column + 1]);
+    return comparison_.Relate(lower, upper);
+  }
+  // In the cells of the column there is a place for every curve.
+  void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {
+    const double span = index_.grid_.GetBorder(column + 1) - index_.grid_.GetBorder(column);
+    const double slack = kListingMargin + SlackOf(index_.curves_[crossing.curve], crossing.left,
+                                                  crossing.right, span);
+    const double left = HeightOf(crossing.left);
+    const double right = HeightOf(crossing.right);
+    CellGridC::Part& part = parts_.emplace_back(CellGridC::MakePart(
+        crossing.curve, column, std::min(left, right) - slack, std::max(left, right) + slack));
+    part.entersLeft = 1U;
   }
 
  private:
   // A frame of less than a turn needs columns for its own width alone; edges at a pole concern
   // every meridian.
-  void ChooseColumns() {
+  void ChooseColumns(double manySideBySide) {
     double frameWidth = 0.0;
     double spans = 0.0;
     for (std::size_t edge = 0; edge < frame_.GetEdgeCount(); ++edge) {
@@ -66,7 +97,10 @@ class SlabIndexC::BuilderC {
     frameWidth = std::max(frameWidth, frame_.edges.back().Hz);
     const bool isNarrow = frameWidth < TWO_PI - kNarrowGap && ring_.poleEdges.empty();
     const double width = isNarrow ? std::max(frameWidth, kMinWidth) : TWO_PI;
-    columns_ = CellGridC::CountColumns(frame_.GetEdgeCount(), spans, width, 4.0 * kColumnOverlap);
+    hasOrder_ = spans >= manySideBySide * width;
+    columns_ = CellGridC::CountColumns(
+        frame_.GetEdgeCount(), spans, width, 4.0 * kColumnOverlap,
+        hasOrder_ ? CellGridC::kPartsPerOrderedCurve : CellGridC::kPartsPerCurve);
     index_.grid_ = CellGridC(width, columns_);
     index_.intervals_ = HzIntervalsC(width);
     index_.hEnd_ = width + kColumnOverlap;
@@ -106,6 +140,7 @@ class SlabIndexC::BuilderC {
     const ArcCurve curve = ring_.curves[number];
     const bool isArc = curve.kind == ArcCurve::kArc;
     const bool allCount = line_.AllCount(curve, edge);
+    const bool canBeInOrder = hasOrder_ && isArc && static_cast<double>(curve.error) <= kOrderError;
     const std::uint32_t first = ColumnOf(edge.west.hz);
     const std::uint32_t last =
         ColumnOf(edge.east.hz) + (edge.wraps ? static_cast<std::uint32_t>(columns_) : 0U);
@@ -122,6 +157,10 @@ class SlabIndexC::BuilderC {
           continue;
         }
         LeaveToRules(column);
+      } else if (canBeInOrder && i > first && i < last) {
+        AddToSpan(listed, column);
+        from = to;
+        continue;
       }
       const double slack =
           kListingMargin + (isArc ? SlackOf(curve, from.t, to.t, to.hz - from.hz) : 0.0);
@@ -135,6 +174,16 @@ class SlabIndexC::BuilderC {
       if (isArc) from = to;
     }
     ListBesideEnds(number, listed, first, last < columns_ ? last : last - columns_);
+  }
+
+  void AddToSpan(std::size_t curve, std::uint32_t column) {
+    const bool goesOn =
+        !spans_.empty() && spans_.back().curve == curve && spans_.back().last + 1 == column;
+    if (goesOn) {
+      spans_.back().last = column;
+    } else {
+      spans_.push_back({static_cast<std::uint32_t>(curve), column, column});
+    }
   }
 
   struct Point {
@@ -187,12 +236,15 @@ class SlabIndexC::BuilderC {
   const AreaFrame& frame_;
   const RingCurves& ring_;
   const LineEndsC line_;
+  CurveComparisonC comparison_;
   std::size_t columns_ = 0;
+  bool hasOrder_ = false;
   std::vector<CosSin> borders_;
   std::vector<CellGridC::Part> parts_;
+  std::vector<ColumnOrderC::Span> spans_;
 };
 
-SlabIndexC::SlabIndexC(const AreaFrame& frame, const RingCurves& ring) {
+SlabIndexC::SlabIndexC(const AreaFrame& frame, const RingCurves& ring, double manySideBySide) {
   const double vLow = std::min(frame.vMin, frame.vMax);
   const double vHigh = std::max(frame.vMin, frame.vMax);
   vBegin_ = frame.enclosesZenith ? -kInfinity : vLow - kLineMargin;
@@ -204,7 +256,7 @@ SlabIndexC::SlabIndexC(const AreaFrame& frame, const RingCurves& ring) {
   isAlwaysUndecided_ =
       !ring.isClosed || (!poleEdges_.empty() && vLow - kVertexAccuracy > -kRoundingMargin);
   if (!hasSearchLine_) vBegin_ = kInfinity;
-  BuilderC(*this, frame, ring).Build();
+  BuilderC(*this, frame, ring).Build(manySideBySide);
 }
 
 std::vector<std::uint32_t> SlabIndexC::FindEdges(double h) const {
@@ -213,7 +265,15 @@ std::vector<std::uint32_t> SlabIndexC::FindEdges(double h) const {
     for (std::uint32_t edge = 0; edge < edgeCount_; ++edge) edges.push_back(edge);
     return edges;
   }
-  edges = poleEdges_;
+  edges = FindEdgesOfCells(h);
+  for (const ColumnOrderC::Item& item : order_.Get(grid_.ColumnOf(h))) {
+    edges.push_back(curves_[item.curve].edge);
+  }
+  return edges;
+}
+
+std::vector<std::uint32_t> SlabIndexC::FindEdgesOfCells(double h) const {
+  std::vector<std::uint32_t> edges = poleEdges_;
   for (const CellGridC::Item& item : grid_.GetItems(grid_.ColumnOf(h))) {
     const ArcCurve& curve = curves_[item.curve];
     if (item.isLowest != 0 && curve.kind != ArcCurve::kPole && h > curve.low - kColumnOverlap &&
@@ -222,6 +282,72 @@ std::vector<std::uint32_t> SlabIndexC::FindEdges(double h) const {
     }
   }
   return edges;
+}
+
+/// The crossings of one meridian for the rules: those of the edges in cells, and of the edges in
+/// order those that the filter is not sure of. The others count once, on a known side.
+class SlabIndexC::OpenCrossingsC {
+ public:
+  OpenCrossingsC(const SlabIndexC& index, const AreaFrame& frame, double h)
+      : index_(index),
+        frame_(frame),
+        meridian_(frame, h),
+        atH_(QuickCosSin(h)),
+        order_(index.order_.Get(index.grid_.ColumnOf(h))) {
+    ForEachCrossing(frame, index.FindEdgesOfCells(h), meridian_,
+                    [this](std::size_t, double v) { crossings_.push_back(v); });
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+      if (order_[i].isClose != 0) asked_.push_back(i);
+    }
+    for (const double v : crossings_) AskNear(v);
+  }
+
+  bool IsInside(double v) {
+    if (!meridian_.IsArc()) return false;
+    const std::size_t below = AskNear(v);
+    std::sort(asked_.begin(), asked_.end());
+    asked_.erase(std::unique(asked_.begin(), asked_.end()), asked_.end());
+    std::vector<std::uint32_t> edges;
+    for (const std::size_t i : asked_) edges.push_back(index_.curves_[order_[i].curve].edge);
+    ForEachCrossing(frame_, edges, meridian_,
+                    [this](std::size_t, double crossing) { crossings_.push_back(crossing); });
+    const auto askedBelow = static_cast<std::size_t>(
+        std::lower_bound(asked_.begin(), asked_.end(), below) - asked_.begin());
+    const std::size_t certainBelow = below - askedBelow;
+    const std::size_t certainAbove = order_.size() - asked_.size() - certainBelow;
+    return IsInsideByParity(crossings_, v, frame_.enclosesZenith || certainAbove > 0, certainBelow);
+  }
+
+ private:
+  // Notes the edges in order that are not clear of V; the number of those below it.
+  std::size_t AskNear(double v) {
+    const CosSin atV{std::cos(v), std::sin(v)};
+    const auto isClear = [&](std::size_t i) {
+      return GapOf(index_.curves_[order_[i].curve], atH_, atV).isClear;
+    };
+    const std::size_t below = index_.CountBelow(order_, atH_, atV);
+    for (std::size_t i = below; i > 0 && !isClear(i - 1); --i) asked_.push_back(i - 1);
+    for (std::size_t i = below; i < order_.size() && !isClear(i); ++i) asked_.push_back(i);
+    return below;
+  }
+
+  const SlabIndexC& index_;
+  const AreaFrame& frame_;
+  const SearchMeridianC meridian_;
+  const CosSin atH_;
+  const std::span<const ColumnOrderC::Item> order_;
+  std::vector<double> crossings_;
+  std::vector<std::size_t> asked_;  // places in the order
+};
+
+bool SlabIndexC::AskRules(const AreaFrame& frame, double h, double v) const {
+  const std::size_t column = grid_.ColumnOf(h);
+  // An edge of the order may end next to a border, where it is not certain that it counts.
+  const bool isInOrder = !order_.Get(column).empty() && IsRegular(h, v) &&
+                         h > grid_.GetBorder(column) + kColumnOverlap &&
+                         h < grid_.GetBorder(column + 1) - kColumnOverlap;
+  if (isInOrder) return OpenCrossingsC(*this, frame, h).IsInside(v);
+  return IsInsideByCrossings(frame, FindEdges(h), h, v);
 }
 
 }  // namespace GMAT

@@ -4,10 +4,12 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_frame.h>
 #include <surveydata/sphere_geometry/cell_grid.h>
+#include <surveydata/sphere_geometry/column_order.h>
 #include <surveydata/sphere_geometry/filter_bounds.h>
 #include <surveydata/sphere_geometry/hz_intervals.h>
 #include <surveydata/sphere_geometry/quick_trig.h>
@@ -22,16 +24,34 @@ enum class Verdict : std::uint8_t { kOutside, kInside, kUndecided };
 /// filter.
 ///
 /// The plane of Hz and tan(latitude) is cut into columns and cells. A cell lists the curves of the
-/// edges that come into it, and knows whether an odd number of the others lies below it. Where the
-/// bounds of the rounding do not prove the answer, the rules must be asked (`filter_bounds.h`). The
-/// boundary band is not considered.
+/// edges that come into it, and knows whether an odd number of the others lies below it. Where very
+/// many edges lie side by side, those that lead through a column are not in its cells but on a list
+/// in their order (`ColumnOrderC`). Where the bounds of the rounding do not prove the answer, the
+/// rules must be asked (`filter_bounds.h`). The boundary band is not considered.
 class SlabIndexC {
  public:
+  /// \param manySideBySide  from how many edges on a meridian on the average lists in order are
+  ///                        made.
   /// \cost n log n for n edges that are spread over the ring.
-  SlabIndexC(const AreaFrame& frame, const RingCurves& ring);
+  SlabIndexC(const AreaFrame& frame, const RingCurves& ring,
+             double manySideBySide = CellGridC::kManySideBySide);
 
   /// `h` is in the frame of the edges, in [0, 2 pi]; `v` is in [0, 2 pi].
   Verdict Ask(double h, double v) const;
+
+  /// True only for directions that `Ask` decides to be outside, whatever the cells. Without a
+  /// branch.
+  bool IsBeyond(double h, double v) const {
+    // Every crossing lies within the search line: all count as above, or none does.
+    return (v > vEnd_) | (v < vBegin_) | ((h > hEnd_) & (h < TWO_PI - kColumnOverlap));
+  }
+
+  /// The answer of the rules, for the frame that the index was made of. Of a list in order they are
+  /// asked of the edges that are not clear of the direction or of another crossing.
+  bool AskRules(const AreaFrame& frame, double h, double v) const;
+
+  /// Whether edges are on lists in their order.
+  bool HasOrder() const { return !order_.IsEmpty(); }
 
   /// Whether `Ask` is undecided for every direction that is not beyond all edges.
   bool IsAlwaysUndecided() const { return isAlwaysUndecided_; }
@@ -48,6 +68,33 @@ class SlabIndexC {
 
  private:
   class BuilderC;
+  class OpenCrossingsC;
+
+  // Where h and v are those of a direction that the filter can decide. Also away from the poles.
+  bool IsRegular(double h, double v) const {
+    return (h >= hFirst_) & (h <= hLast_) & (v >= kPoleMargin) & (v <= PI - kPoleMargin);
+  }
+
+  // A direction, or a crossing, on the meridian with cosine and sine `atH`. Whether the gap to a
+  // curve proves on which side of it that is.
+  struct Gap {
+    double value;  // (t of the curve - t of the direction) times s
+    bool isClear;
+  };
+  static Gap GapOf(const ArcCurve& curve, const CosSin& atH, const CosSin& atV) {
+    const double gap = curve.At(atH) * atV.sine - atV.cosine;
+    // And times s once more.
+    return {gap, std::fabs(gap) * atV.sine > kDirectionMargin + static_cast<double>(curve.error)};
+  }
+  std::size_t CountBelow(std::span<const ColumnOrderC::Item> order, const CosSin& atH,
+                         const CosSin& atV) const {
+    return ColumnOrderC::CountBelow(order, [&](const ColumnOrderC::Item& item) {
+      return GapOf(curves_[item.curve], atH, atV).value < 0.0;
+    });
+  }
+
+  // Those edges of `FindEdges` that are not on a list in order.
+  std::vector<std::uint32_t> FindEdgesOfCells(double h) const;
 
   // Where the frame begins and ends, edges of the first or the last column may count.
   bool IsAtSeam(double h) const { return h < hFirst_ || h > hLast_; }
@@ -63,35 +110,37 @@ class SlabIndexC {
   std::vector<std::uint32_t> poleEdges_;
   std::vector<ArcCurve> curves_;  // and another a turn apart of an edge that crosses Hz 0
   CellGridC grid_;
+  ColumnOrderC order_;
   HzIntervalsC intervals_;
 };
 
 inline Verdict SlabIndexC::Ask(double h, double v) const {
-  // Every crossing lies within the search line: all count as above, or none does.
-  const bool isBeyond = (v > vEnd_) | (v < vBegin_) | ((h > hEnd_) & (h < TWO_PI - kColumnOverlap));
-  if (isBeyond) return Verdict::kOutside;
-  const bool isRegular =
-      (h >= hFirst_) & (h <= hLast_) & (v >= kPoleMargin) & (v <= PI - kPoleMargin);
-  if (isAlwaysUndecided_ || !isRegular || intervals_.Contains(h)) return Verdict::kUndecided;
+  if (IsBeyond(h, v)) return Verdict::kOutside;
+  if (isAlwaysUndecided_ || !IsRegular(h, v) || intervals_.Contains(h)) return Verdict::kUndecided;
 
   // Found by V itself, which takes no trigonometric function to wait for.
-  const CellGridC::Cell cell = grid_.Find(grid_.ColumnOf(h), -v);
+  const std::size_t column = grid_.ColumnOf(h);
+  const CellGridC::Cell cell = grid_.Find(column, -v);
   const CosSin atH = QuickCosSin(h);
   const CosSin atV = QuickCosSin(v);
   bool isOdd = cell.isOddBelow;
   bool isDecided = true;
   for (const CellGridC::Item& item : cell.items) {
     const ArcCurve& curve = curves_[item.curve];
-    // (t of the curve - t of the direction) times s, and then times s once more.
-    const double gap = curve.At(atH) * atV.sine - atV.cosine;
-    const bool isClear =
-        std::fabs(gap) * atV.sine > kDirectionMargin + static_cast<double>(curve.error);
+    const auto [gap, isClear] = GapOf(curve, atH, atV);
     const bool hasBegun = h > curve.low;
     const bool isBeside = hasBegun & (h < curve.high);
     const bool endsBelow = item.endsBelow != 0;
     const bool isBelow = endsBelow ^ (isBeside & ((gap < 0.0) ^ endsBelow));
     isDecided &= !isBeside | isClear;
     isOdd ^= hasBegun & (isBelow ^ (item.startsBelow != 0));
+  }
+  if (HasOrder()) {
+    const std::span<const ColumnOrderC::Item> order = order_.Get(column);
+    const std::size_t below = CountBelow(order, atH, atV);
+    isOdd ^= below % 2 == 1;
+    if (below > 0) isDecided &= GapOf(curves_[order[below - 1].curve], atH, atV).isClear;
+    if (below < order.size()) isDecided &= GapOf(curves_[order[below].curve], atH, atV).isClear;
   }
   if (!isDecided) return Verdict::kUndecided;
   // A closed ring is crossed an even number of times: with an odd number below, one is above.

@@ -27,6 +27,7 @@ TEST(BoundaryBand, ContainsTheBandsOfAllEdgesButTheClosingOne) {
     AreaFrame frame;
     ASSERT_TRUE(BuildFrame(MakeRing(random, n), frame));
     const BoundaryBandC band(frame);
+    const BoundaryBandC ordered(frame, 0.0);  // with lists in order
     std::uniform_real_distribution<double> part(0.0, 1.0);
     std::uniform_real_distribution<double> off(-1.2e-5, 1.2e-5);
     for (int i = 0; i < 20000; ++i) {
@@ -38,11 +39,43 @@ TEST(BoundaryBand, ContainsTheBandsOfAllEdgesButTheClosingOne) {
                               a.V + t * (b.V - a.V) + off(random)};
       const bool expected = FindEdgeInBand(frame, EdgesWithBand(frame), probe).has_value();
       ASSERT_EQ(band.Contains(frame, probe), expected) << probe.Hz << ", " << probe.V;
+      ASSERT_EQ(ordered.Contains(frame, probe), expected) << probe.Hz << ", " << probe.V;
       inside += expected;
     }
   }
   EXPECT_GT(inside, 20000);
   EXPECT_LT(inside, 70000);
+}
+
+// Long edges side by side, some nearer to each other than their bands are wide, some that cross.
+TEST(BoundaryBand, ContainsTheBandsOfEdgesInOrder) {
+  std::mt19937_64 random(2);
+  std::uniform_real_distribution<double> part(0.0, 1.0);
+  std::uniform_real_distribution<double> off(-5e-5, 5e-5);
+  int inside = 0;
+  constexpr int kProbes = 20000;
+  for (const double slope : {0.0, 0.7, -1.0, 1.9, 2.1, 5.0}) {
+    std::vector<AnglePointC> points;
+    for (int i = 0; i < 400; ++i) {
+      const double x = i % 4 == 0 || i % 4 == 3 ? 1.0 : 2.0;
+      points.push_back({x + 0.01 * part(random), 1.5 + 2e-5 * i + slope * (x - 1.5) / 4.0});
+    }
+    AreaFrame frame;
+    ASSERT_TRUE(BuildFrame(points, frame));
+    const BoundaryBandC band(frame, 0.0);
+    for (int i = 0; i < kProbes; ++i) {
+      const std::size_t edge = random() % 400;
+      const AnglePointC& a = frame.GetStart(edge);
+      const AnglePointC& b = frame.GetEnd(edge);
+      const double t = part(random);
+      const AnglePointC probe{a.Hz + t * (b.Hz - a.Hz), a.V + t * (b.V - a.V) + off(random)};
+      const bool expected = FindEdgeInBand(frame, EdgesWithBand(frame), probe).has_value();
+      ASSERT_EQ(band.Contains(frame, probe), expected) << probe.Hz << ", " << probe.V;
+      inside += expected;
+    }
+  }
+  EXPECT_GT(inside, 6 * kProbes / 4);
+  EXPECT_LT(inside, 6 * kProbes * 7 / 8);
 }
 
 // Whatever the width of the frame, the probe lies in the first turn.

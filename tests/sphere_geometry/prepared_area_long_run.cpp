@@ -1,13 +1,17 @@
 // prepared_area_long_run [PROBES [SEED [PER_RING]]]: asks prepared areas, with and without a
-// raster, one by one and in batches, and the plain rules for random and adversarial directions,
-// PROBES of them, PER_RING to a ring, and reports how often the bounds did not prove the answer.
-// Exits with 1 at the first difference. A test asks for a few, a long run for 10^9, 10^5 to a ring.
+// raster or lists of edges in order, one by one and in batches, and the plain rules for random and
+// adversarial directions, PROBES of them, PER_RING to a ring, and reports how often the bounds did
+// not prove the answer. Exits with 1 at the first difference. A test asks for a few, a long run for
+// 10^9, 10^5 to a ring.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <vector>
+
+#include <benchmarks/hostile_rings.h>
 
 #include <surveydata/sphere_geometry/area_rules.h>
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
@@ -68,6 +72,7 @@ class RingC {
     rules_ = std::make_unique<PlainRulesC>(area_);
     few_ = std::make_unique<PreparedSphereAreaC>(area_);
     many_ = std::make_unique<PreparedSphereAreaC>(area_, true);
+    ordered_ = std::make_unique<PreparedSphereAreaC>(area_, false, 0.0);
   }
 
   const GMAT::AreaFrame& GetFrame() const { return rules_->GetFrame(); }
@@ -78,6 +83,7 @@ class RingC {
     const bool expected = rules_->Contains(probe.Hz, probe.V);
     const PreparedSphereAreaC::Answer few = few_->Ask(probe.Hz, probe.V);
     const PreparedSphereAreaC::Answer many = many_->Ask(probe.Hz, probe.V);
+    const PreparedSphereAreaC::Answer ordered = ordered_->Ask(probe.Hz, probe.V);
     ++tally.probes;
     tally.inside += expected;
     tally.unproven += !few.isProven;
@@ -88,13 +94,14 @@ class RingC {
     hz_.push_back(probe.Hz);
     v_.push_back(probe.V);
     expected_.push_back(expected);
-    if (few.isInside == expected && many.isInside == expected &&
+    if (few.isInside == expected && many.isInside == expected && ordered.isInside == expected &&
         (!isFirst || area_.Contains(probe.Hz, probe.V) == expected)) {
       return true;
     }
     Report(probe, expected);
-    std::printf("prepared: %d, proven %d; with a raster: %d, proven %d\n", few.isInside,
-                few.isProven, many.isInside, many.isProven);
+    std::printf("prepared: %d, proven %d; with a raster: %d, proven %d; in order: %d, proven %d\n",
+                few.isInside, few.isProven, many.isInside, many.isProven, ordered.isInside,
+                ordered.isProven);
     return false;
   }
 
@@ -124,6 +131,7 @@ class RingC {
   std::unique_ptr<PlainRulesC> rules_;
   std::unique_ptr<PreparedSphereAreaC> few_;
   std::unique_ptr<PreparedSphereAreaC> many_;
+  std::unique_ptr<PreparedSphereAreaC> ordered_;  // with lists in order, as of very many edges
   std::vector<double> hz_;
   std::vector<double> v_;
   std::vector<char> expected_;
@@ -148,6 +156,17 @@ AnglePointC CellProbe(RingGenerator& random, const GMAT::DecidedRasterC& raster)
   return {random.Nudged(probe.Hz), random.Nudged(probe.V)};
 }
 
+// Hundreds of corners: half of the rings are those whose edges lie side by side at an angle.
+std::vector<AnglePointC> CrowdedRing(RingGenerator& random) {
+  if (random.Below(2) == 0) return random.CrowdedRing();
+  const std::size_t kinds = std::size(HostileRings::kAll);
+  std::vector<AnglePointC> ring;
+  for (const Direction& d : HostileRings::kAll[random.Below(kinds)].make(20 + random.Below(400))) {
+    ring.push_back({GMAT::NormalizeAngle(d.hz), d.v});
+  }
+  return ring;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -164,7 +183,7 @@ int main(int argc, char** argv) {
   for (std::uint64_t rings = 0; probes < wanted; ++rings) {
     // One in a hundred of small rings, one in ten where a ring is asked for long.
     const bool isCrowded = rings % (perRing > 1000 ? 10 : 100) == 0;
-    RingC ring(isCrowded ? random.CrowdedRing() : random.Ring(200, true));
+    RingC ring(isCrowded ? CrowdedRing(random) : random.Ring(200, true));
     for (std::uint64_t i = 0; i < perRing; ++i, ++probes) {
       bool isSame = true;
       if (i % 2 == 0) {

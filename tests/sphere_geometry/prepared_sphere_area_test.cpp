@@ -21,7 +21,7 @@ SphereAreaC MakeArea(const std::vector<AnglePointC>& points) {
 
 const std::vector<AnglePointC> kSquare{{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}};
 
-// Both kinds of preparing, asked one by one and in a batch.
+// All kinds of preparing, asked one by one and in a batch.
 void ExpectSameAnswers(const SphereAreaC& area, const std::vector<AnglePointC>& probes) {
   std::vector<double> hz;
   std::vector<double> v;
@@ -30,8 +30,13 @@ void ExpectSameAnswers(const SphereAreaC& area, const std::vector<AnglePointC>& 
     v.push_back(probe.V);
   }
   const auto inside = std::make_unique<bool[]>(probes.size());
-  for (const bool hasRaster : {false, true}) {
-    const PreparedSphereAreaC prepared(area, hasRaster);
+  constexpr double kNever = std::numeric_limits<double>::infinity();
+  const struct {
+    bool hasRaster;
+    double manySideBySide;
+  } kinds[] = {{false, kNever}, {true, kNever}, {false, 0.0}, {true, 0.0}};
+  for (const auto& [hasRaster, manySideBySide] : kinds) {
+    const PreparedSphereAreaC prepared(area, hasRaster, manySideBySide);
     prepared.Contains(hz, v, {inside.get(), probes.size()});
     for (std::size_t i = 0; i < probes.size(); ++i) {
       const bool expected = area.Contains(hz[i], v[i]);

@@ -17,7 +17,10 @@ constexpr std::size_t kColumns = 720;
 class RowScanC {
  public:
   RowScanC(const SDI::ScanAreaC& area, const AngleWindow& window)
-      : area_(area), window_(window), hz_(kColumns), v_(kColumns) {
+      : area_(area, SDI::PreparedAreaC::Questions::kMany),
+        window_(window),
+        hz_(kColumns),
+        v_(kColumns) {
     for (std::size_t i = 0; i < kColumns; ++i) {
       hz_[i] = window.hzMin + (static_cast<double>(i) + 0.5) * (window.hzMax - window.hzMin) /
                                   static_cast<double>(kColumns);

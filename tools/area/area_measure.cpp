@@ -96,16 +96,20 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   if (file.area->GetType() != SDI::kPolygonArea) {
     return {columns * rows, columns * rows < kMostWhole};
   }
-  // Nobody counts these, nor are they a number of steps that could be enlarged.
+  // The count overflows a double.
   if (!(columns * rows < std::numeric_limits<double>::max())) return {columns * rows, false};
 
-  constexpr double kMostColumns = 4096;
-  constexpr double kMostProbes = 2e7;
-  const bool isExact = columns * rows <= kMostProbes && columns <= kMostProbes / 16;
-  // A sparser grid stands for the whole one, each of its directions for several.
-  const double shownColumns = isExact ? columns : std::min(columns, kMostColumns);
-  const double shownRows = isExact ? rows : std::min(rows, kMostColumns);
-  const SDI::PreparedAreaC area(*file.area);
+  // A direction takes some nanoseconds, but hundreds of them where its meridian may cross thousands
+  // of edges.
+  constexpr std::size_t kManyPoints = 10'000;
+  const bool hasManyPoints = file.Sphere().GetPoints().size() > kManyPoints;
+  const double mostColumns = hasManyPoints ? 1448 : 4096;
+  const double mostProbes = hasManyPoints ? 2e6 : 2e7;
+  const bool isExact = columns * rows <= mostProbes && columns <= mostProbes / 16;
+  // A sparser grid is counted instead of the whole one, each of its directions for several.
+  const double shownColumns = isExact ? columns : std::min(columns, mostColumns);
+  const double shownRows = isExact ? rows : std::min(rows, mostColumns);
+  const SDI::PreparedAreaC area(*file.area, SDI::PreparedAreaC::Questions::kMany);
   ProbeRowC row(static_cast<std::size_t>(shownColumns));
   const double hzStep = file.area->GetHzStep() * (columns / shownColumns);
   const double vStep = file.area->GetVStep() * (rows / shownRows);
