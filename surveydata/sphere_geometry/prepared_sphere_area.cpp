@@ -171,12 +171,13 @@ void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<c
   std::array<std::uint8_t, kBlock> undecided;
   std::size_t undecidedCount = 0;
   for (std::size_t i = 0; i < hz.size(); ++i) {
-    const bool isInTurn = AreInTurn(hz[i], v[i]);
-    const Verdict verdict = raster_->Find(isInTurn ? hz[i] : 0.0, isInTurn ? v[i] : 0.0);
+    Verdict verdict = Verdict::kUndecided;
+    if (AreInTurn(hz[i], v[i])) verdict = raster_->Find(hz[i], v[i]);
     inside[i] = verdict == Verdict::kInside;
     undecided[undecidedCount] = static_cast<std::uint8_t>(i);
-    undecidedCount += !isInTurn | (verdict == Verdict::kUndecided);
+    undecidedCount += verdict == Verdict::kUndecided;
   }
+  if (undecidedCount == 0) return;
   std::array<double, kBlock> undecidedHz;
   std::array<double, kBlock> undecidedV;
   std::array<bool, kBlock> answers;

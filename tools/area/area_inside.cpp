@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <utility>
@@ -12,6 +13,8 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t kColumns = 720;
+// In a polygon of so many points a row may have a border in every column.
+constexpr std::uint16_t kManyPoints = 10'000;
 
 // The runs of each row, from left to right.
 class RowScanC {
@@ -19,6 +22,7 @@ class RowScanC {
   RowScanC(const SDI::ScanAreaC& area, const AngleWindow& window)
       : area_(area, SDI::PreparedAreaC::Questions::kMany),
         window_(window),
+        halvings_(area.GetPointCount() > kManyPoints ? 12 : 20),
         hz_(kColumns),
         v_(kColumns) {
     for (std::size_t i = 0; i < kColumns; ++i) {
@@ -43,10 +47,9 @@ class RowScanC {
 
  private:
   double FindBorder(std::size_t i, double v) const {
-    constexpr int kHalvings = 20;
     double before = hz_[i - 1];
     double behind = hz_[i];
-    for (int k = 0; k < kHalvings; ++k) {
+    for (int k = 0; k < halvings_; ++k) {
       const double middle = (before + behind) / 2;
       (area_.Contains(middle, v) == inside_[i - 1] ? before : behind) = middle;
     }
@@ -55,6 +58,7 @@ class RowScanC {
 
   SDI::PreparedAreaC area_;
   AngleWindow window_;
+  int halvings_;  // of a column, to far less than a picture shows
   std::vector<double> hz_;
   std::vector<double> v_;
   std::unique_ptr<bool[]> inside_ = std::make_unique<bool[]>(kColumns);

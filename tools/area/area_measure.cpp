@@ -103,8 +103,8 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   // of edges.
   constexpr std::size_t kManyPoints = 10'000;
   const bool hasManyPoints = file.Sphere().GetPoints().size() > kManyPoints;
-  const double mostColumns = hasManyPoints ? 1448 : 4096;
-  const double mostProbes = hasManyPoints ? 2e6 : 2e7;
+  const double mostColumns = hasManyPoints ? 1024 : 4096;
+  const double mostProbes = hasManyPoints ? 1e6 : 2e7;
   const bool isExact = columns * rows <= mostProbes && columns <= mostProbes / 16;
   // A sparser grid is counted instead of the whole one, each of its directions for several.
   const double shownColumns = isExact ? columns : std::min(columns, mostColumns);

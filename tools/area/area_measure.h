@@ -36,7 +36,7 @@ struct DirectionCount {
 
 /// The directions of a scan with the steps of the area, which must be above 0: a grid that begins
 /// at the lower bounds (around the zenith: at V 0), as far as it lies inside. Counted one by one up
-/// to 20 million in a polygon, 2 million in one of more than 10,000 points; estimated beyond from a
+/// to 20 million in a polygon, 1 million in one of more than 10,000 points; estimated beyond from a
 /// sparser grid.
 DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds);
 
