@@ -10,6 +10,7 @@
 
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan_polygon_area.h>
+#include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 #include "compare_areas.h"
@@ -99,6 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CompareAreas::CompareRing(rebuilt, rules, tally);
   const SDI::PreparedAreaC prepared(polygon);
   const SDI::PreparedAreaC withRaster(polygon, SDI::PreparedAreaC::Questions::kMany);
+  const GMAT::PreparedSphereAreaC withOrder(area, false, 0.0);  // as of very many edges
   std::vector<double> hz;
   std::vector<double> v;
   for (std::size_t i = 0; i < kMostProbes && !in.IsEmpty(); ++i) {
@@ -111,6 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isInside = rules.Contains(point.Hz, point.V);
     EXPECT_EQ(prepared.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(withRaster.Contains(point.Hz, point.V), isInside);
+    EXPECT_EQ(withOrder.Ask(point.Hz, point.V).isInside, isInside);
     EXPECT_EQ(polygon.Contains(point.Hz, point.V), isInside);
     EXPECT_EQ(rebuilt.Contains(point.Hz, point.V), isInside);
     const SDI::AreaExplanation why = polygon.Explain(point.Hz, point.V);
