@@ -33,8 +33,8 @@ run_workflows() {
 
 check_layout() {
   install_dependencies git clang-format
-  git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run -Werror
-  echo "$(git ls-files '*.h' '*.cpp' | wc -l) files are formatted correctly."
+  git ls-files -z '*.h' '*.cpp' '*.c' | xargs -0 clang-format --dry-run -Werror
+  echo "$(git ls-files '*.h' '*.cpp' '*.c' | wc -l) files are formatted correctly."
 }
 
 test_on_windows() {
