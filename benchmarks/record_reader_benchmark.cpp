@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -11,54 +10,12 @@
 #include <surveydata/gnss/gps_record_index.h>
 #include <surveydata/gnss/gps_record_reader.h>
 
-#include "tests/support/frame_builder.h"
-#include "tests/support/temp_file.h"
+#include "benchmarks/record_samples.h"
 
 namespace {
 
-using TestSupport::Append;
-using TestSupport::ByteVector;
-
-// 208 MB: a sample, over and over.
-class SamplesC {
- public:
-  static const SamplesC& Get() {
-    static const SamplesC samples;
-    return samples;
-  }
-
-  const ByteVector& Once() const { return once_; }
-  std::string Name() const { return file_.Path().string(); }
-  std::size_t Size() const { return once_.size() * kTimes; }
-  /// The measurements of one sample, as offset and size.
-  const std::vector<SDI::GPSRecordEntry>& Frames() const { return frames_; }
-  std::size_t Count() const { return frames_.size() * kTimes; }
-
- private:
-  static constexpr std::size_t kTimes = 2200;
-
-  SamplesC() : once_(TestSupport::ReadBytes(SURVEYDATA_TEST_DATA "valley_drive.rec")) {
-    ByteVector all;
-    all.reserve(Size());
-    for (std::size_t i = 0; i < kTimes; ++i) Append(all, once_);
-    file_.Write(all);
-    SDI::GPSRecordIndexC index(once_);
-    for (SDI::GPSRecordEntry entry; index.Next(entry);) {
-      if (entry.IsMeasurement()) frames_.push_back(entry);
-    }
-  }
-
-  ByteVector once_;
-  TestSupport::TempFileC file_;
-  std::vector<SDI::GPSRecordEntry> frames_;
-};
-
-void SetRates(benchmark::State& state, std::size_t count) {
-  const SamplesC& samples = SamplesC::Get();
-  if (count != samples.Count()) state.SkipWithError("not all measurements");
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(samples.Size()));
-  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(samples.Count()));
-}
+using Benchmarks::SamplesC;
+using Benchmarks::SetRates;
 
 void BM_ReadSamples(benchmark::State& state) {
   const SamplesC& samples = SamplesC::Get();

@@ -1,11 +1,20 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <iterator>
 #include <limits>
-#include <optional>
+#include <span>
+#include <string_view>
 #include <type_traits>
 #include <utility>
+#include <variant>
+
+#include <boost/endian/conversion.hpp>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/record_columns.h>
@@ -21,6 +30,37 @@ namespace {
 
 using ImplC = GPSMeasDataImplC;
 using List = std::span<const std::uint16_t>;
+using R = const RecordView&;
+
+/// So many rows go through all columns together: they stay in the cache of the first level.
+constexpr std::size_t kBlock = 16;
+/// A bit for each row of a block.
+using Bits = std::uint16_t;
+static_assert(std::numeric_limits<Bits>::digits == kBlock);
+constexpr Bits kWhole = std::numeric_limits<Bits>::max();
+
+/// A mask of each row of a block.
+class MasksC {
+ public:
+  void Set(std::size_t row, std::uint16_t mask) { masks_[row] = mask; }
+  /// The rows whose mask has `bit`, which has the given one bit set.
+  Bits With(std::uint16_t bit) const {
+    const int toTop = 16 - std::bit_width(bit);
+#if defined(__SSE2__)
+    const auto* const masks = reinterpret_cast<const __m128i*>(masks_.data());
+    const __m128i low = _mm_slli_epi16(_mm_load_si128(masks), toTop);
+    const __m128i high = _mm_slli_epi16(_mm_load_si128(masks + 1), toTop);
+    return static_cast<Bits>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));  // the signs
+#else
+    unsigned bits = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) bits |= (masks_[i] << toTop & 0x8000U) << i;
+    return static_cast<Bits>(bits >> 15);
+#endif
+  }
+
+ private:
+  alignas(16) std::array<std::uint16_t, kBlock> masks_ = {};
+};
 
 /// What writing texts needs from one record to the next.
 struct Writers {
@@ -28,28 +68,54 @@ struct Writers {
   TimeText::UTCWriterC utc;
 };
 
-/// A record that was decoded and awaits its columns.
-struct Row {
-  GPSMeasDataImplC measurement;
-  GPSRecordFileInfo info;
-  std::uint64_t offset = 0;
-  std::uint64_t size = 0;
+/// Up to `kBlock` records, and the masks that say what they have.
+///
+/// What is present differs from record to record. It is found for a whole block, without branches,
+/// which would be mispredicted; then the values that are present are asked for.
+class BlockC {
+ public:
+  using Views = std::array<RecordView, kBlock>;
 
-  RecordView View() const { return {measurement, info, offset, size}; }
+  /// The first `count` of `views`; the others are records, too.
+  BlockC(const Views& views, std::size_t count, Writers& writers)
+      : views_(views), count_(count), writers_(writers) {
+    for (std::size_t i = 0; i < kBlock; ++i) {
+      set_.Set(i, views[i].measurement->GetSetMask());
+      status_.Set(i, views[i].measurement->GetStatusMask());
+    }
+  }
+
+  std::size_t GetCount() const { return count_; }
+  const RecordView& Get(std::size_t row) const { return views_[row]; }
+  Writers& GetWriters() const { return writers_; }
+
+  Bits All() const { return static_cast<Bits>((1U << count_) - 1); }
+  /// The rows with this bit of the set mask.
+  Bits WithSet(std::uint16_t bit) const { return set_.With(bit) & All(); }
+  /// The rows with this bit of the status mask.
+  Bits WithStatus(std::uint16_t bit) const { return status_.With(bit) & All(); }
+  /// The rows for which `is(row)`.
+  template <class Is>
+  Bits Where(Is is) const {
+    unsigned bits = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) bits |= unsigned{is(views_[i])} << i;
+    return static_cast<Bits>(bits) & All();
+  }
+
+ private:
+  const Views& views_;
+  std::size_t count_;
+  Writers& writers_;
+  MasksC set_;
+  MasksC status_;
 };
-
-/// So many rows go through all columns together: they stay in the cache of the first level.
-constexpr std::size_t kBlock = 16;
-using Rows = std::span<const Row>;
-using Bits = std::uint32_t;  // one for each row of a block
-static_assert(kBlock < std::numeric_limits<Bits>::digits);
 
 }  // namespace
 
-/// A column's values, one at a time and a block of rows at a time.
+/// A column's values, of one record and of a block.
 struct GPSColumnFunctions {
-  using Ask = void (*)(const RecordView& record, GPSColumnValueC& value);
-  using Fill = void (*)(Rows rows, Writers& writers, GPSColumnBuffer& buffer, std::size_t at);
+  using Ask = void (*)(const BlockC& record, GPSColumnValueC& value);
+  using Fill = void (*)(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at);
 
   Ask ask;
   Fill fill;
@@ -63,48 +129,39 @@ namespace {
 
 using Functions = GPSColumnFunctions;
 
-constexpr Bits AllOf(std::size_t count) { return (Bits{1} << count) - 1; }
-
-/// Writes `count` bits from bit `at` on. Writes no byte beyond their last one, in which it clears
+/// Writes `count` bits from bit `at` on. Writes no byte after their last one, in which it clears
 /// the bits after them.
-void PutBits(std::uint8_t* bitmap, std::size_t at, std::size_t count, Bits bits) {
+[[gnu::noinline]] void PutAnyBits(std::uint8_t* bitmap, std::size_t at, std::size_t count,
+                                  Bits bits) {
   const std::size_t shift = at % 8;
-  std::uint64_t word = std::uint64_t{bits} << shift;
-  if (shift != 0) word |= bitmap[at / 8] & AllOf(shift);
+  unsigned word = unsigned{bits} << shift;
+  if (shift != 0) word |= bitmap[at / 8] & ((1U << shift) - 1);
   for (std::size_t i = at / 8; i <= (at + count - 1) / 8; ++i, word >>= 8) {
     bitmap[i] = static_cast<std::uint8_t>(word);
   }
 }
+inline void PutBits(std::uint8_t* bitmap, std::size_t at, std::size_t count, Bits bits) {
+  if (count != kBlock || at % 8 != 0) return PutAnyBits(bitmap, at, count, bits);
+  boost::endian::store_little_u16(bitmap + at / 8, bits);
+}
 
 // `std::popcount` is a call where the processor may lack the instruction.
-constexpr std::size_t Count(Bits bits) {
-  static_assert(kBlock == 16);
-  bits -= bits >> 1 & 0x5555;
-  bits = (bits & 0x3333) + (bits >> 2 & 0x3333);
-  bits = (bits + (bits >> 4)) & 0x0F0F;
-  return (bits + (bits >> 8)) & 0x1F;
+constexpr unsigned Count(Bits bits) {
+  unsigned count = bits - (bits >> 1 & 0x5555U);
+  count = (count & 0x3333U) + (count >> 2 & 0x3333U);
+  count = (count + (count >> 4)) & 0x0F0FU;
+  return (count + (count >> 8)) & 0x1FU;
 }
 
-void MarkPresent(GPSColumnBuffer& buffer, std::size_t at, std::size_t count, Bits present) {
-  buffer.absent += Count(present ^ AllOf(count));
-  if (buffer.validity != nullptr) PutBits(buffer.validity, at, count, present);
+inline void MarkPresent(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at,
+                        Bits present) {
+  buffer.absent += Count(present ^ block.All());
+  if (buffer.validity != nullptr) PutBits(buffer.validity, at, block.GetCount(), present);
 }
-
-template <class T>
-struct Unwrap {
-  using Value = T;
-  static constexpr bool kIsOptional = false;
-};
-template <class T>
-struct Unwrap<std::optional<T>> {
-  using Value = T;
-  static constexpr bool kIsOptional = true;
-};
 
 template <class Value>
 constexpr GPSColumnType TypeFor() {
   using enum GPSColumnType;
-  if constexpr (std::is_same_v<Value, bool>) return kBool;
   if constexpr (std::is_same_v<Value, std::uint8_t>) return kUInt8;
   if constexpr (std::is_same_v<Value, std::uint16_t>) return kUInt16;
   if constexpr (std::is_same_v<Value, std::uint32_t>) return kUInt32;
@@ -112,245 +169,316 @@ constexpr GPSColumnType TypeFor() {
   if constexpr (std::is_same_v<Value, std::int32_t>) return kInt32;
   if constexpr (std::is_same_v<Value, float>) return kFloat32;
   if constexpr (std::is_same_v<Value, double>) return kFloat64;
-  if constexpr (std::is_same_v<Value, List>) return kUInt16List;
 }
 
-/// The functions of a column of numbers or flags. `ask(record)` answers the value, or an optional
-/// one where it can be absent.
-template <auto ask>
+/// Calls `visit(i)` for each bit i that is set.
+template <class Visit>
+void ForEach(Bits bits, Visit visit) {
+  for (unsigned left = bits; left != 0; left &= left - 1) {
+    visit(static_cast<std::size_t>(std::countr_zero(left)));
+  }
+}
+
+/// Marks a column without absent values.
+constexpr std::nullptr_t kAlways = nullptr;
+
+template <auto present>
+constexpr bool kIsOptional =
+    !std::is_same_v<std::remove_const_t<decltype(present)>, std::nullptr_t>;
+
+/// The rows of `block` that have a value.
+template <auto present>
+Bits PresentIn(const BlockC& block) {
+  if constexpr (kIsOptional<present>) {
+    return present(block);
+  } else {
+    return block.All();
+  }
+}
+
+/// Columns of numbers: `get(record)` is the value where it is present.
+template <auto present, auto get>
 struct OfNumber {
-  using Answer = std::invoke_result_t<decltype(ask), const RecordView&>;
-  using Value = typename Unwrap<Answer>::Value;
-  static constexpr bool kIsOptional = Unwrap<Answer>::kIsOptional;
+  using Value = std::invoke_result_t<decltype(get), R>;
 
-  static void Ask(const RecordView& record, GPSColumnValueC& to) {
-    const auto put = [&to](Value value) {
-      if constexpr (std::is_same_v<Value, bool> || std::is_floating_point_v<Value>) {
-        Functions::ValueOf(to) = value;
-      } else if constexpr (std::is_signed_v<Value>) {
-        Functions::ValueOf(to) = std::int64_t{value};
-      } else {
-        Functions::ValueOf(to) = std::uint64_t{value};
-      }
-    };
-    if constexpr (!kIsOptional) {
-      put(ask(record));
-    } else if (const Answer answer = ask(record)) {
-      put(*answer);
-    } else {
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    const Value value = get(record.Get(0));
+    if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
+    } else if constexpr (std::is_floating_point_v<Value>) {
+      Functions::ValueOf(to) = value;
+    } else if constexpr (std::is_signed_v<Value>) {
+      Functions::ValueOf(to) = std::int64_t{value};
+    } else {
+      Functions::ValueOf(to) = std::uint64_t{value};
     }
   }
 
-  static void Fill(Rows rows, Writers& /*writers*/, GPSColumnBuffer& buffer, std::size_t at) {
-    Bits present = 0;
-    Bits flags = 0;
+  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
+    const Bits bits = PresentIn<present>(block);
     Value* const values = static_cast<Value*>(buffer.values) + at;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      const Answer answer = ask(rows[i].View());
-      Value value{};
-      if constexpr (kIsOptional) {
-        value = answer.value_or(Value{});
-        present |= Bits{answer.has_value()} << i;
+    if (bits == kWhole) {
+      for (std::size_t i = 0; i < kBlock; ++i) values[i] = get(block.Get(i));
+    } else {
+      if (block.GetCount() == kBlock) {
+        std::fill_n(values, kBlock, Value{});
       } else {
-        value = answer;
+        std::fill_n(values, block.GetCount(), Value{});
       }
-      if constexpr (std::is_same_v<Value, bool>) {
-        flags |= Bits{value} << i;
-      } else {
-        values[i] = value;
-      }
+      ForEach(bits, [&](std::size_t i) { values[i] = get(block.Get(i)); });
     }
-    if constexpr (std::is_same_v<Value, bool>) {
-      PutBits(static_cast<std::uint8_t*>(buffer.values), at, rows.size(), flags);
-    }
-    MarkPresent(buffer, at, rows.size(), kIsOptional ? present : AllOf(rows.size()));
+    MarkPresent(block, buffer, at, bits);
   }
 };
 
-/// The functions of a column of texts. `write(record, writers, to)` writes at most `largest` bytes
-/// to `to` and answers how many, or `kNoText`.
-constexpr std::size_t kNoText = SIZE_MAX;
+/// Columns of flags: `flags(block)` are the rows for which they are true.
+template <auto present, auto flags>
+struct OfFlag {
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    if (PresentIn<present>(record) == 0) {
+      Functions::ValueOf(to) = std::monostate();
+    } else {
+      Functions::ValueOf(to) = flags(record) != 0;
+    }
+  }
 
-template <auto write>
+  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
+    const Bits bits = PresentIn<present>(block);
+    PutBits(static_cast<std::uint8_t*>(buffer.values), at, block.GetCount(),
+            static_cast<Bits>(flags(block) & bits));
+    MarkPresent(block, buffer, at, bits);
+  }
+};
+
+/// Fills texts or lists: `write(record, to)` answers how many elements it wrote.
+template <class Element, class Write>
+void FillLong(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at, Bits present,
+              Write write) {
+  auto* const elements = static_cast<Element*>(buffer.values);
+  std::int64_t* const offsets = buffer.offsets + at;
+  std::int64_t end = offsets[0];
+  std::array<std::int64_t, kBlock> sizes = {};
+  ForEach(present, [&](std::size_t i) {
+    sizes[i] = static_cast<std::int64_t>(write(block.Get(i), elements + end));
+    end += sizes[i];
+  });
+  end = offsets[0];
+  for (std::size_t i = 0; i < block.GetCount(); ++i) offsets[i + 1] = end += sizes[i];
+  MarkPresent(block, buffer, at, present);
+}
+
+/// Columns of texts: `write(record, writers, to)` writes at most `largest` bytes to `to` and
+/// answers how many.
+template <auto present, auto write>
 struct OfText {
-  static void Ask(const RecordView& record, GPSColumnValueC& to) {
-    Writers writers;
-    char* const text = Functions::TextOf(to);
-    const std::size_t size = write(record, writers, text);
-    if (size == kNoText) {
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
-    } else {
-      Functions::ValueOf(to) = std::string_view(text, size);
+      return;
     }
+    char* const text = Functions::TextOf(to);
+    Functions::ValueOf(to) =
+        std::string_view(text, write(record.Get(0), record.GetWriters(), text));
   }
 
-  static void Fill(Rows rows, Writers& writers, GPSColumnBuffer& buffer, std::size_t at) {
-    Bits present = 0;
-    char* const texts = static_cast<char*>(buffer.values);
-    char* end = texts + buffer.offsets[at];
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      const std::size_t size = write(rows[i].View(), writers, end);
-      const bool isPresent = size != kNoText;
-      present |= Bits{isPresent} << i;
-      end += isPresent ? size : 0;
-      buffer.offsets[at + i + 1] = end - texts;
-    }
-    MarkPresent(buffer, at, rows.size(), present);
+  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
+    FillLong<char>(block, buffer, at, PresentIn<present>(block),
+                   [&](R r, char* to) { return write(r, block.GetWriters(), to); });
   }
 };
 
-/// The functions of a column of lists. `ask(record)` answers an optional `List`.
-template <auto ask>
+/// Columns of lists: `get(record)` is the list where it is present.
+template <auto present, auto get>
 struct OfList {
-  static void Ask(const RecordView& record, GPSColumnValueC& to) {
-    if (const std::optional<List> list = ask(record)) {
-      std::uint16_t* const entries = Functions::ListOf(to);
-      std::copy(list->begin(), list->end(), entries);
-      Functions::ValueOf(to) = List(entries, list->size());
-    } else {
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
+      return;
     }
+    const List list = get(record.Get(0));
+    std::uint16_t* const entries = Functions::ListOf(to);
+    std::copy(list.begin(), list.end(), entries);
+    Functions::ValueOf(to) = List(entries, list.size());
   }
 
-  static void Fill(Rows rows, Writers& /*writers*/, GPSColumnBuffer& buffer, std::size_t at) {
-    Bits present = 0;
-    auto* const entries = static_cast<std::uint16_t*>(buffer.values);
-    std::uint16_t* end = entries + buffer.offsets[at];
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      if (const std::optional<List> list = ask(rows[i].View())) {
-        present |= Bits{1} << i;
-        end = std::copy(list->begin(), list->end(), end);
-      }
-      buffer.offsets[at + i + 1] = end - entries;
-    }
-    MarkPresent(buffer, at, rows.size(), present);
+  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
+    FillLong<std::uint16_t>(block, buffer, at, PresentIn<present>(block),
+                            [](R r, std::uint16_t* to) {
+                              const List list = get(r);
+                              std::copy(list.begin(), list.end(), to);
+                              return list.size();
+                            });
   }
 };
 
 template <class Of>
 constexpr Functions kFunctionsOf{&Of::Ask, &Of::Fill};
 
-template <auto ask>
+template <auto present, auto get>
 constexpr GPSColumn Number(const char* name, const char* unit, const char* description) {
-  using Of = OfNumber<ask>;
+  using Of = OfNumber<present, get>;
   return {name,
           TypeFor<typename Of::Value>(),
           unit,
-          Of::kIsOptional,
+          kIsOptional<present>,
           description,
           0,
           &kFunctionsOf<Of>};
 }
-
-template <std::size_t largest, auto write>
-constexpr GPSColumn Text(const char* name, const char* description) {
-  static_assert(largest <= GPSColumnValueC::kLargestText);
-  return {name, GPSColumnType::kText, "", true, description, largest, &kFunctionsOf<OfText<write>>};
+template <auto get>
+constexpr GPSColumn Number(const char* name, const char* unit, const char* description) {
+  return Number<kAlways, get>(name, unit, description);
 }
 
-template <auto ask>
+template <auto present, auto flags>
+constexpr GPSColumn Flag(const char* name, const char* description) {
+  using Of = OfFlag<present, flags>;
+  return {name, GPSColumnType::kBool, "", kIsOptional<present>, description, 0, &kFunctionsOf<Of>};
+}
+template <auto flags>
+constexpr GPSColumn Flag(const char* name, const char* description) {
+  return Flag<kAlways, flags>(name, description);
+}
+
+template <std::size_t largest, auto present, auto write>
+constexpr GPSColumn Text(const char* name, const char* description) {
+  static_assert(largest <= GPSColumnValueC::kLargestText);
+  return {name,
+          GPSColumnType::kText,
+          "",
+          true,
+          description,
+          largest,
+          &kFunctionsOf<OfText<present, write>>};
+}
+
+template <auto present, auto get>
 constexpr GPSColumn ListOf(const char* name, const char* description) {
   static_assert(GPSListBlock::kCapacity == GPSColumnValueC::kLargestList);
   constexpr std::size_t kLargest = GPSListBlock::kCapacity * sizeof(std::uint16_t);
-  return {name,     GPSColumnType::kUInt16List, "", true, description,
-          kLargest, &kFunctionsOf<OfList<ask>>};
+  return {name,     GPSColumnType::kUInt16List,         "", true, description,
+          kLargest, &kFunctionsOf<OfList<present, get>>};
 }
 
 // How the getters are asked.
 
-bool IsSet(const RecordView& r, std::uint16_t bit) {
-  return (r.measurement.GetSetMask() & bit) != 0;
+template <std::uint16_t bit>
+Bits IsSet(const BlockC& block) {
+  return block.WithSet(bit);
+}
+template <std::uint16_t bit>
+Bits HasStatus(const BlockC& block) {
+  return block.WithStatus(bit);
+}
+template <std::uint16_t system>
+Bits HasSystem(const BlockC& block) {
+  return block.WithSet(ImplC::kHasSystems) & block.WithStatus(system);
+}
+/// As `GetSystem1Pair`: without information per system it is the total pair.
+Bits HasSystem1Pair(const BlockC& block) {
+  const Bits systems = block.WithSet(ImplC::kHasSystems);
+  return static_cast<Bits>((systems & block.WithStatus(ImplC::kSystem1)) |
+                           (~systems & block.WithSet(ImplC::kHasTotalPair)));
+}
+Bits IsSystem1Used(const BlockC& block) {
+  const Bits systems = block.WithSet(ImplC::kHasSystems);
+  return static_cast<Bits>((systems & block.WithStatus(ImplC::kSystem1)) |
+                           (~systems & block.All()));
+}
+GPSCounterPair System1Pair(R r) {
+  const bool hasSystems = (r.measurement->GetSetMask() & ImplC::kHasSystems) != 0;
+  return hasSystems ? r.measurement->GetStoredSystem1Pair() : r.measurement->GetStoredTotalPair();
 }
 
-/// What `get` answers of `what`, of which a measurement holds one in any case, where it is set.
-template <class What, class Value>
-std::optional<Value> If(bool isSet, const What& what, Value (What::*get)() const) {
-  if (!isSet) return {};
-  return (what.*get)();
+Bits HasExtraTime(const BlockC& block) {
+  return block.Where([](R r) { return r.measurement->GetExtraTimeCount() != 0; });
 }
-
-/// Of an antenna height.
-template <auto get>
-auto OfAntenna(const RecordView& r) {
-  return If(IsSet(r, ImplC::kHasAntennaHeight), r.measurement.GetAntennaHeight(), get);
-}
-std::optional<std::pair<float, bool>> AntennaHeight(const RecordView& r) {
-  if (!IsSet(r, ImplC::kHasAntennaHeight)) return {};
-  std::pair<float, bool> answer;
-  r.measurement.GetAntennaHeight().GetHeight(answer.first, answer.second);
-  return answer;
-}
-
-/// A dilution of precision: neither when it is not set nor when it is not available.
-template <auto get>
-std::optional<double> OfDOPs(const RecordView& r) {
-  if (!IsSet(r, ImplC::kHasDOPs)) return {};
-  const double value = (r.measurement.GetDOPs().*get)();
-  return value >= 0.0 ? std::optional(value) : std::nullopt;
-}
-
-std::optional<std::uint16_t> ValueAt(const RecordView& r, std::uint8_t index) {
-  if (index >= r.measurement.GetValueCount()) return {};
-  return r.measurement.GetValue(index);
-}
-
-template <auto get>
-std::optional<std::uint8_t> First(const RecordView& r) {
-  std::uint8_t first = 0;
-  std::uint8_t second = 0;
-  if (!(r.measurement.*get)(first, second)) return {};
-  return first;
-}
-template <auto get>
-std::optional<std::uint8_t> Second(const RecordView& r) {
-  std::uint8_t first = 0;
-  std::uint8_t second = 0;
-  if (!(r.measurement.*get)(first, second)) return {};
-  return second;
-}
-
-template <std::size_t axis>
-std::optional<double> Component(const RecordView& r) {
-  double vector[3];
-  if (!r.measurement.GetVector(vector)) return {};
-  return vector[axis];
-}
-
-std::optional<Vorlin::TimeC> ExtraTime(const RecordView& r) {
+Vorlin::TimeC ExtraTime(R r) {
   Vorlin::TimeC time;
-  if (!r.measurement.GetExtraTime(time.week, time.timeOfWeek)) return {};
+  r.measurement->GetExtraTime(time.week, time.timeOfWeek);
   return time;
 }
 
+template <std::uint8_t index>
+Bits HasValue(const BlockC& block) {
+  return block.Where([](R r) { return r.measurement->GetValueCount() > index; });
+}
+
+/// The rows whose dilutions are set, and those that `get...` answers, in tenths, are available.
+template <auto... get>
+Bits HasDilutions(const BlockC& block) {
+  return static_cast<Bits>((block.WithSet(ImplC::kHasDOPs) & ... & block.Where([](R r) {
+    return (r.measurement->GetDOPs().*get)() != DOP_NOT_AVAILABLE;
+  })));
+}
+template <auto get>
+double Dilution(R r) {
+  return (r.measurement->GetDOPs().*get)();
+}
+
+std::pair<float, bool> AntennaHeight(R r) {
+  std::pair<float, bool> answer;
+  r.measurement->GetAntennaHeight().GetHeight(answer.first, answer.second);
+  return answer;
+}
+
+template <std::size_t axis>
+double Component(R r) {
+  double vector[3] = {};
+  r.measurement->GetVector(vector);
+  return vector[axis];
+}
+
+Bits HasTime(const BlockC& block) {
+  return block.Where([](R r) { return TimeText::IsInRange(r.measurement->GetTimeA()); });
+}
+Bits HasExtraTimeInRange(const BlockC& block) {
+  return HasExtraTime(block) & block.Where([](R r) { return TimeText::IsInRange(ExtraTime(r)); });
+}
 template <class WriterC>
-std::size_t WriteTime(const std::optional<Vorlin::TimeC>& time, WriterC& writer, char* to) {
-  if (!time || !TimeText::IsInRange(*time)) return kNoText;
-  writer.Write(TimeText::SinceEpoch(*time), to);
+std::size_t WriteTime(const Vorlin::TimeC& time, WriterC& writer, char* to) {
+  writer.Write(TimeText::SinceEpoch(time), to);
   return kTimeTextSize;
 }
 
+template <auto get>
+Bits HasText(const BlockC& block) {
+  return block.Where([](R r) { return *(r.measurement->*get)() != 0; });
+}
 template <std::size_t capacity, auto get>
-std::size_t WriteText(const RecordView& r, char* to) {
-  const char16_t* const units = (r.measurement.*get)();
-  if (*units == 0) return kNoText;
-  return TextColumn::Write(units, capacity, to);
+std::size_t WriteText(R r, Writers& /*writers*/, char* to) {
+  return TextColumn::Write((r.measurement->*get)(), capacity, to);
 }
 
+Bits HasName(const BlockC& block) {
+  return block.Where([](R r) { return r.info->name[0] != 0; });
+}
 // The bytes are those that `EncodeName` made of single units: surrogates are the only sequences
-// that are no UTF-8 for others, and they all begin with 0xED.
-std::size_t WriteName(const RecordView& r, char* to) {
-  const char* const name = r.info.name;
-  if (name[0] == 0) return kNoText;
-  const void* const found = std::memchr(name, 0, sizeof(r.info.name));
+// that are no UTF-8 for others, and they all begin with this byte.
+constexpr char kSurrogateLead = '\xED';
+std::size_t WriteName(R r, Writers& /*writers*/, char* to) {
+  const char* const name = r.info->name;
+#if defined(__SSE2__)
+  // Nearly every name has less than sixteen bytes.
+  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i_u*>(name));
+  const auto ends =
+      static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
+  const auto leads = static_cast<unsigned>(
+      _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(kSurrogateLead))));
+  if (ends != 0 && leads == 0) {
+    _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), bytes);
+    return static_cast<std::size_t>(std::countr_zero(ends));
+  }
+#endif
+  const void* const found = std::memchr(name, 0, sizeof(r.info->name));
   const std::size_t size = found != nullptr
                                ? static_cast<std::size_t>(static_cast<const char*>(found) - name)
-                               : sizeof(r.info.name);
-  if (std::memchr(name, 0xED, size) == nullptr) {
+                               : sizeof(r.info->name);
+  if (std::memchr(name, kSurrogateLead, size) == nullptr) {
     std::memcpy(to, name, size);
     return size;
   }
-  char16_t units[sizeof(r.info.name) + 1];  // more than its bytes can make
+  char16_t units[sizeof(r.info->name) + 1];  // more than its bytes can make
   RecordFrame::DecodeName(name, size, units, std::size(units));
   return TextColumn::Write(units, std::size(units), to);
 }
@@ -362,163 +490,165 @@ constexpr std::size_t kLargestTextD = 3 * (ImplC::kTextDUnits - 1);
 constexpr std::size_t kLargestName = sizeof(GPSRecordFileInfo::name);
 static_assert(kLargestText == GPSColumnValueC::kLargestText);
 
-// The table. Each row: how the value is asked for, name, unit, description.
-using R = const RecordView&;
-
+// The table. Each row: where the value is present, if it can be absent, and how it is asked for;
+// name, unit and description.
 constexpr GPSColumn kColumns[] = {
     Number<[](R r) { return r.offset; }>("offset", "byte", "Where the frame begins in the source"),
     Number<[](R r) { return static_cast<std::uint16_t>(r.size); }>(
         "size", "byte", "The size of the frame, header and checksum included"),
 
-    Text<kLargestName, [](R r, Writers& /*w*/, char* to) { return WriteName(r, to); }>(
-        "name", "The name, absent when it is empty"),
-    Number<[](R r) { return r.info.number; }>("number", "", "The number beside the name"),
-    Number<[](R r) { return (r.info.flags & GPSRecordFileInfo::kKindZero) != 0; }>(
-        "kind_zero", "", "Whether the frame has a kind byte that is 0"),
-    Number<[](R r) { return (r.info.flags & GPSRecordFileInfo::kKindNonZero) != 0; }>(
-        "kind_non_zero", "", "Whether the frame has a kind byte that is not 0"),
+    Text<kLargestName, HasName, WriteName>("name", "The name, absent when it is empty"),
+    Number<[](R r) { return r.info->number; }>("number", "", "The number beside the name"),
+    Flag<[](const BlockC& block) {
+      return block.Where([](R r) { return (r.info->flags & GPSRecordFileInfo::kKindZero) != 0; });
+    }>("kind_zero", "Whether the frame has a kind byte that is 0"),
+    Flag<[](const BlockC& block) {
+      return block.Where(
+          [](R r) { return (r.info->flags & GPSRecordFileInfo::kKindNonZero) != 0; });
+    }>("kind_non_zero", "Whether the frame has a kind byte that is not 0"),
 
-    Number<[](R r) { return r.measurement.GetTimeA().week; }>(
+    Number<[](R r) { return r.measurement->GetTimeA().week; }>(
         "gps_week", "week", "Time A as stored: the GPS week, counted from 6 January 1980"),
-    Number<[](R r) { return r.measurement.GetTimeA().timeOfWeek; }>(
+    Number<[](R r) { return r.measurement->GetTimeA().timeOfWeek; }>(
         "time_of_week", "ms", "Time A as stored: the time since the start of the GPS week"),
-    Text<kTimeTextSize,
-         [](R r, Writers& w, char* to) {
-           return WriteTime(std::optional(r.measurement.GetTimeA()), w.gps, to);
-         }>("time_gps",
-            "Time A in GPS time, in ISO 8601, absent when the time of week is out of range"),
-    Text<kTimeTextSize,
-         [](R r, Writers& w, char* to) {
-           return WriteTime(std::optional(r.measurement.GetTimeA()), w.utc, to);
-         }>("time_utc", "Time A in UTC, in ISO 8601, absent when the time of week is out of range"),
-    Number<[](R r) { return r.measurement.GetTimeB().timeOfWeek; }>(
+    Text<kTimeTextSize, HasTime,
+         [](R r, Writers& w, char* to) { return WriteTime(r.measurement->GetTimeA(), w.gps, to); }>(
+        "time_gps",
+        "Time A in GPS time, in ISO 8601, absent when the time of week is out of range"),
+    Text<kTimeTextSize, HasTime,
+         [](R r, Writers& w, char* to) { return WriteTime(r.measurement->GetTimeA(), w.utc, to); }>(
+        "time_utc", "Time A in UTC, in ISO 8601, absent when the time of week is out of range"),
+    Number<[](R r) { return r.measurement->GetTimeB().timeOfWeek; }>(
         "time_b_of_week", "ms", "Time B as stored: the time since the start of a GPS week"),
-    Number<[](R r) {
-      const auto time = ExtraTime(r);
-      return time ? std::optional(time->week) : std::nullopt;
-    }>("extra_gps_week", "week", "The extra time as stored: the GPS week"),
-    Number<[](R r) {
-      const auto time = ExtraTime(r);
-      return time ? std::optional(time->timeOfWeek) : std::nullopt;
-    }>("extra_time_of_week", "ms",
-       "The extra time as stored: the time since the start of the GPS week"),
-    Text<kTimeTextSize,
+    Number<HasExtraTime, [](R r) { return ExtraTime(r).week; }>(
+        "extra_gps_week", "week", "The extra time as stored: the GPS week"),
+    Number<HasExtraTime, [](R r) { return ExtraTime(r).timeOfWeek; }>(
+        "extra_time_of_week", "ms",
+        "The extra time as stored: the time since the start of the GPS week"),
+    Text<kTimeTextSize, HasExtraTimeInRange,
          [](R r, Writers& w, char* to) { return WriteTime(ExtraTime(r), w.gps, to); }>(
         "extra_time_gps",
         "The extra time in GPS time, in ISO 8601, absent when the time of week is out of range"),
-    Text<kTimeTextSize,
+    Text<kTimeTextSize, HasExtraTimeInRange,
          [](R r, Writers& w, char* to) { return WriteTime(ExtraTime(r), w.utc, to); }>(
         "extra_time_utc",
         "The extra time in UTC, in ISO 8601, absent when the time of week is out of range"),
 
-    Number<[](R r) { return r.measurement.IsStatusBit0(); }>("status_bit_0", "", "Status bit 0"),
-    Number<[](R r) { return r.measurement.IsStatusBit1(); }>("status_bit_1", "", "Status bit 1"),
-    Number<[](R r) { return r.measurement.IsStatusBit2(); }>("status_bit_2", "", "Status bit 2"),
-    Number<[](R r) { return r.measurement.IsStatusBit3(); }>("status_bit_3", "", "Status bit 3"),
-    Number<[](R r) { return r.measurement.IsSystem1Used(); }>(
-        "system_1_used", "", "Whether system 1 is used; true without information per system"),
-    Number<[](R r) { return r.measurement.IsSystem2Used(); }>("system_2_used", "",
-                                                              "Whether system 2 is used"),
-    Number<[](R r) { return r.measurement.IsSystem3Used(); }>("system_3_used", "",
-                                                              "Whether system 3 is used"),
+    Flag<HasStatus<ImplC::kStatusBit0>>("status_bit_0", "Status bit 0"),
+    Flag<HasStatus<ImplC::kStatusBit1>>("status_bit_1", "Status bit 1"),
+    Flag<HasStatus<ImplC::kStatusBit2>>("status_bit_2", "Status bit 2"),
+    Flag<HasStatus<ImplC::kStatusBit3>>("status_bit_3", "Status bit 3"),
+    Flag<IsSystem1Used>("system_1_used",
+                        "Whether system 1 is used; true without information per system"),
+    Flag<HasSystem<ImplC::kSystem2>>("system_2_used", "Whether system 2 is used"),
+    Flag<HasSystem<ImplC::kSystem3>>("system_3_used", "Whether system 3 is used"),
 
-    Number<[](R r) {
-      const auto antenna = AntennaHeight(r);
-      return antenna ? std::optional(antenna->first) : std::nullopt;
-    }>("antenna_height", "m", "The antenna height as measured, vertical or slant"),
-    Number<[](R r) {
-      const auto antenna = AntennaHeight(r);
-      return antenna ? std::optional(antenna->second) : std::nullopt;
-    }>("antenna_is_vertical", "", "Whether the antenna height was measured vertically"),
-    Number<[](R r) { return OfAntenna<&GPSAntHeightImplC::GetHorizontalOffset>(r); }>(
+    Number<IsSet<ImplC::kHasAntennaHeight>, [](R r) { return AntennaHeight(r).first; }>(
+        "antenna_height", "m", "The antenna height as measured, vertical or slant"),
+    Flag<IsSet<ImplC::kHasAntennaHeight>,
+         [](const BlockC& block) {
+           return block.Where([](R r) { return AntennaHeight(r).second; });
+         }>("antenna_is_vertical", "Whether the antenna height was measured vertically"),
+    Number<IsSet<ImplC::kHasAntennaHeight>,
+           [](R r) { return r.measurement->GetAntennaHeight().GetHorizontalOffset(); }>(
         "antenna_horizontal_offset", "m",
         "The distance from the antenna axis to the point of a slant height"),
-    Number<[](R r) { return OfAntenna<&GPSAntHeightImplC::GetVerticalHeight>(r); }>(
+    Number<IsSet<ImplC::kHasAntennaHeight>,
+           [](R r) { return r.measurement->GetAntennaHeight().GetVerticalHeight(); }>(
         "antenna_vertical_height", "m", "The antenna height reduced to the vertical"),
 
-    Number<[](R r) { return ValueAt(r, 0); }>("value_0", "", "The first of the two values"),
-    Number<[](R r) { return ValueAt(r, 1); }>("value_1", "", "The second of the two values"),
+    Number<HasValue<0>, [](R r) { return r.measurement->GetValue(0); }>(
+        "value_0", "", "The first of the two values"),
+    Number<HasValue<1>, [](R r) { return r.measurement->GetValue(1); }>(
+        "value_1", "", "The second of the two values"),
 
-    Number<[](R r) { return OfDOPs<&GPSDOPsImplC::GetHDOP>(r); }>(
+    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths>, Dilution<&GPSDOPsImplC::GetHDOP>>(
         "hdop", "", "Horizontal dilution of precision, absent when not available"),
-    Number<[](R r) { return OfDOPs<&GPSDOPsImplC::GetVDOP>(r); }>(
+    Number<HasDilutions<&GPSDOPsImplC::GetVDOPTenths>, Dilution<&GPSDOPsImplC::GetVDOP>>(
         "vdop", "", "Vertical dilution of precision, absent when not available"),
-    Number<[](R r) { return OfDOPs<&GPSDOPsImplC::GetTDOP>(r); }>(
+    Number<HasDilutions<&GPSDOPsImplC::GetTDOPTenths>, Dilution<&GPSDOPsImplC::GetTDOP>>(
         "tdop", "", "Time dilution of precision, absent when not available"),
-    Number<[](R r) { return OfDOPs<&GPSDOPsImplC::GetPDOP>(r); }>(
-        "pdop", "", "Position dilution of precision, of hdop and vdop"),
-    Number<[](R r) { return OfDOPs<&GPSDOPsImplC::GetGDOP>(r); }>(
+    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths, &GPSDOPsImplC::GetVDOPTenths>,
+           Dilution<&GPSDOPsImplC::GetPDOP>>("pdop", "",
+                                             "Position dilution of precision, of hdop and vdop"),
+    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths, &GPSDOPsImplC::GetVDOPTenths,
+                        &GPSDOPsImplC::GetTDOPTenths>,
+           Dilution<&GPSDOPsImplC::GetGDOP>>(
         "gdop", "", "Geometric dilution of precision, of hdop, vdop and tdop"),
 
-    Number<[](R r) {
-      std::uint16_t word = 0;
-      return r.measurement.GetWord16(word) ? std::optional(word) : std::nullopt;
-    }>("word_16", "", "The 16-bit word"),
+    Number<IsSet<ImplC::kHasWord16>,
+           [](R r) {
+             std::uint16_t word = 0;
+             r.measurement->GetWord16(word);
+             return word;
+           }>("word_16", "", "The 16-bit word"),
 
-    Number<[](R r) { return First<&ImplC::GetTotalPair>(r); }>(
+    Number<IsSet<ImplC::kHasTotalPair>,
+           [](R r) { return r.measurement->GetStoredTotalPair().first; }>(
         "total_first", "", "The total pair of counters: the first"),
-    Number<[](R r) { return Second<&ImplC::GetTotalPair>(r); }>(
+    Number<IsSet<ImplC::kHasTotalPair>,
+           [](R r) { return r.measurement->GetStoredTotalPair().second; }>(
         "total_second", "", "The total pair of counters: the second"),
-    Number<[](R r) { return First<&ImplC::GetSystem1Pair>(r); }>(
+    Number<HasSystem1Pair, [](R r) { return System1Pair(r).first; }>(
         "system_1_first", "",
         "The pair of counters of system 1: the first; without information per system, of the total "
         "pair"),
-    Number<[](R r) { return Second<&ImplC::GetSystem1Pair>(r); }>(
+    Number<HasSystem1Pair, [](R r) { return System1Pair(r).second; }>(
         "system_1_second", "",
         "The pair of counters of system 1: the second; without information per system, of the "
         "total pair"),
-    Number<[](R r) { return First<&ImplC::GetSystem2Pair>(r); }>(
+    Number<HasSystem<ImplC::kSystem2>,
+           [](R r) { return r.measurement->GetStoredSystem2Pair().first; }>(
         "system_2_first", "", "The pair of counters of system 2: the first"),
-    Number<[](R r) { return Second<&ImplC::GetSystem2Pair>(r); }>(
+    Number<HasSystem<ImplC::kSystem2>,
+           [](R r) { return r.measurement->GetStoredSystem2Pair().second; }>(
         "system_2_second", "", "The pair of counters of system 2: the second"),
-    Number<[](R r) { return First<&ImplC::GetSystem3Pair>(r); }>(
+    Number<HasSystem<ImplC::kSystem3>,
+           [](R r) { return r.measurement->GetStoredSystem3Pair().first; }>(
         "system_3_first", "", "The pair of counters of system 3: the first"),
-    Number<[](R r) { return Second<&ImplC::GetSystem3Pair>(r); }>(
+    Number<HasSystem<ImplC::kSystem3>,
+           [](R r) { return r.measurement->GetStoredSystem3Pair().second; }>(
         "system_3_second", "", "The pair of counters of system 3: the second"),
 
-    Number<[](R r) { return Component<0>(r); }>("vector_x", "m", "The vector: its first component"),
-    Number<[](R r) { return Component<1>(r); }>("vector_y", "m",
-                                                "The vector: its second component"),
-    Number<[](R r) { return Component<2>(r); }>("vector_z", "m", "The vector: its third component"),
+    Number<IsSet<ImplC::kHasVector>, Component<0>>("vector_x", "m",
+                                                   "The vector: its first component"),
+    Number<IsSet<ImplC::kHasVector>, Component<1>>("vector_y", "m",
+                                                   "The vector: its second component"),
+    Number<IsSet<ImplC::kHasVector>, Component<2>>("vector_z", "m",
+                                                   "The vector: its third component"),
 
-    Number<[](R r) { return r.measurement.GetFlagA() != 0; }>("flag_a", "", "Flag A"),
-    Number<[](R r) { return r.measurement.GetValueB(); }>("value_b", "", "Value B"),
-    Number<[](R r) { return If(r.measurement.IsValueCSet(), r.measurement, &ImplC::GetValueC); }>(
+    Flag<[](const BlockC& block) {
+      return block.Where([](R r) { return r.measurement->GetFlagA() != 0; });
+    }>("flag_a", "Flag A"),
+    Number<[](R r) { return r.measurement->GetValueB(); }>("value_b", "", "Value B"),
+    Number<IsSet<ImplC::kHasValueC>, [](R r) { return r.measurement->GetValueC(); }>(
         "value_c", "", "Value C, absent when it is 0"),
-    Text<kLargestText,
-         [](R r, Writers& /*w*/, char* to) {
-           return WriteText<ImplC::kTextUnits, &ImplC::GetTextA>(r, to);
-         }>("text_a", "Text A, absent when it is empty"),
-    Text<kLargestText,
-         [](R r, Writers& /*w*/, char* to) {
-           return WriteText<ImplC::kTextUnits, &ImplC::GetTextB>(r, to);
-         }>("text_b", "Text B, absent when it is empty"),
-    Number<[](R r) { return r.measurement.GetValueD(); }>("value_d", "", "Value D"),
-    Text<kLargestText,
-         [](R r, Writers& /*w*/, char* to) {
-           return WriteText<ImplC::kTextUnits, &ImplC::GetTextC>(r, to);
-         }>("text_c", "Text C, absent when it is empty"),
-    Number<[](R r) { return r.measurement.GetFlagE() != 0; }>("flag_e", "", "Flag E"),
-    Text<kLargestTextD,
-         [](R r, Writers& /*w*/, char* to) {
-           return WriteText<ImplC::kTextDUnits, &ImplC::GetTextD>(r, to);
-         }>("text_d", "Text D, absent when it is empty"),
-    Number<[](R r) { return r.measurement.GetValueF(); }>("value_f", "", "Value F"),
-    Number<[](R r) { return r.measurement.GetValueG(); }>("value_g", "", "Value G"),
-    Number<[](R r) { return If(r.measurement.HasValueH(), r.measurement, &ImplC::GetValueH); }>(
-        "value_h", "", "Value H"),
-    Number<[](R r) { return If(r.measurement.HasValueI(), r.measurement, &ImplC::GetValueI); }>(
-        "value_i", "", "Value I"),
+    Text<kLargestText, HasText<&ImplC::GetTextA>, WriteText<ImplC::kTextUnits, &ImplC::GetTextA>>(
+        "text_a", "Text A, absent when it is empty"),
+    Text<kLargestText, HasText<&ImplC::GetTextB>, WriteText<ImplC::kTextUnits, &ImplC::GetTextB>>(
+        "text_b", "Text B, absent when it is empty"),
+    Number<[](R r) { return r.measurement->GetValueD(); }>("value_d", "", "Value D"),
+    Text<kLargestText, HasText<&ImplC::GetTextC>, WriteText<ImplC::kTextUnits, &ImplC::GetTextC>>(
+        "text_c", "Text C, absent when it is empty"),
+    Flag<[](const BlockC& block) {
+      return block.Where([](R r) { return r.measurement->GetFlagE() != 0; });
+    }>("flag_e", "Flag E"),
+    Text<kLargestTextD, HasText<&ImplC::GetTextD>, WriteText<ImplC::kTextDUnits, &ImplC::GetTextD>>(
+        "text_d", "Text D, absent when it is empty"),
+    Number<[](R r) { return r.measurement->GetValueF(); }>("value_f", "", "Value F"),
+    Number<[](R r) { return r.measurement->GetValueG(); }>("value_g", "", "Value G"),
+    Number<IsSet<ImplC::kHasValueH>, [](R r) { return r.measurement->GetValueH(); }>("value_h", "",
+                                                                                     "Value H"),
+    Number<IsSet<ImplC::kHasValueI>, [](R r) { return r.measurement->GetValueI(); }>("value_i", "",
+                                                                                     "Value I"),
 
-    Number<[](R r) {
-      return r.measurement.HasListBlock() ? std::optional(r.measurement.GetListBlock()->head)
-                                          : std::nullopt;
-    }>("list_head", "", "The list: its head value"),
-    ListOf<[](R r) -> std::optional<List> {
-      if (!r.measurement.HasListBlock()) return {};
-      const GPSListBlock& list = *r.measurement.GetListBlock();
-      return List(list.entries, list.count);
-    }>("list_entries", "The list: its entries"),
+    Number<IsSet<ImplC::kHasListBlock>, [](R r) { return r.measurement->GetListBlock()->head; }>(
+        "list_head", "", "The list: its head value"),
+    ListOf<IsSet<ImplC::kHasListBlock>,
+           [](R r) {
+             const GPSListBlock& list = *r.measurement->GetListBlock();
+             return List(list.entries, list.count);
+           }>("list_entries", "The list: its entries"),
 };
 
 }  // namespace
@@ -564,18 +694,29 @@ const GPSColumn* FindGPSColumn(std::string_view name) {
 }
 
 void RecordColumns::Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value) {
-  column.functions->ask(record, value);
+  Writers writers;
+  BlockC::Views views;
+  views.fill(record);
+  column.functions->ask(BlockC(views, 1, writers), value);
 }
 
 void AskGPSColumn(const GPSColumn& column, const GPSRecordC& record, GPSColumnValueC& value) {
   RecordColumns::Ask(
       column,
-      {*record.GetMeasurement().GetImpl(), record.GetInfo(), record.GetOffset(), record.GetSize()},
+      {record.GetMeasurement().GetImpl(), &record.GetInfo(), record.GetOffset(), record.GetSize()},
       value);
 }
 
 struct GPSColumnReaderC::State {
-  explicit State(GPSRecordReaderC& from) : reader(from) {}
+  explicit State(GPSRecordReaderC& from) : reader(from) {
+    for (std::size_t i = 0; i < kBlock; ++i) views[i] = {&rows[i].measurement, &rows[i].info};
+  }
+
+  /// A record that was decoded, and awaits its columns.
+  struct Row {
+    GPSMeasDataImplC measurement;
+    GPSRecordFileInfo info;
+  };
 
   void Stage(std::size_t most, std::size_t& staged);
 
@@ -584,6 +725,7 @@ struct GPSColumnReaderC::State {
   Writers writers;
   const GPSMeasDataImplC fresh;
   std::array<Row, kBlock> rows;
+  BlockC::Views views;
 };
 
 // Decodes up to `most` records that are done, and counts them in `staged`.
@@ -596,9 +738,9 @@ void GPSColumnReaderC::State::Stage(std::size_t most, std::size_t& staged) {
     row.info.number = 0;  // the other fields are never set
     row.info.flags = 0;
     std::memset(row.info.name, 0, sizeof(row.info.name));
-    row.offset = entry.offset;
-    row.size = entry.size;
     if (RecordFrame::DecodeChecked(reader.GetBytes(), row.measurement, row.info).IsDone()) {
+      views[staged].offset = entry.offset;
+      views[staged].size = entry.size;
       ++staged;
     } else {
       ++leftOut;
@@ -622,8 +764,8 @@ std::size_t RowsWithRoom(std::span<const GPSColumnBuffer> buffers, std::size_t r
     const GPSColumn& column = *buffer.column;
     if (!IsLong(column)) continue;
     const std::size_t unit = column.type == GPSColumnType::kText ? 1 : sizeof(std::uint16_t);
-    const std::size_t used = static_cast<std::size_t>(buffer.offsets[rows]) * unit;
-    most = std::min(most, (buffer.size - used) / column.largest);
+    const std::size_t left = buffer.size - static_cast<std::size_t>(buffer.offsets[rows]) * unit;
+    if (left < most * column.largest) most = left / column.largest;
   }
   return most;
 }
@@ -644,9 +786,8 @@ GPSColumnsOutcome GPSColumnReaderC::Read(std::span<GPSColumnBuffer> buffers, std
   }
   const auto fill = [&](std::size_t staged) {
     if (staged == 0) return;
-    for (GPSColumnBuffer& buffer : buffers) {
-      buffer.column->functions->fill({state.rows.data(), staged}, state.writers, buffer, rows);
-    }
+    const BlockC block(state.views, staged, state.writers);
+    for (GPSColumnBuffer& buffer : buffers) buffer.column->functions->fill(block, buffer, rows);
     rows += staged;
   };
   for (;;) {

@@ -37,14 +37,18 @@ constexpr Milliseconds kNever = std::numeric_limits<Milliseconds>::max();
 
 }  // namespace
 
-void DateWriterC::SetDay(std::int32_t day) {
+void DateWriterC::SetMinute(Milliseconds time) {
+  const auto day = static_cast<std::int32_t>(time / kDay);
+  const auto minutes = static_cast<std::uint32_t>(time % kDay / kMinute);
   const year_month_day date(kEpoch + std::chrono::days(day));
   const auto year = static_cast<std::uint32_t>(static_cast<int>(date.year()));  // 1980 to 3236
   PutTwo(year / 100, text_.data());
   PutTwo(year % 100, text_.data() + 2);
   PutTwo(static_cast<unsigned>(date.month()), text_.data() + 5);
   PutTwo(static_cast<unsigned>(date.day()), text_.data() + 8);
-  day_ = day;
+  PutTwo(minutes / 60, text_.data() + 11);
+  PutTwo(minutes % 60, text_.data() + 14);
+  minute_ = day * kDay + minutes * kMinute;
 }
 
 void UTCWriterC::FindOffset(Milliseconds time) {

@@ -14,10 +14,10 @@ namespace SDI::RecordColumns {
 
 /// What a column is asked of.
 struct RecordView {
-  const GPSMeasDataImplC& measurement;
-  const GPSRecordFileInfo& info;
-  std::uint64_t offset;
-  std::uint64_t size;
+  const GPSMeasDataImplC* measurement = nullptr;
+  const GPSRecordFileInfo* info = nullptr;
+  std::uint64_t offset = 0;
+  std::uint64_t size = 0;
 };
 
 void Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value);

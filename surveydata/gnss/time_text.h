@@ -25,38 +25,36 @@ inline Milliseconds SinceEpoch(const Vorlin::TimeC& time) {
   return Milliseconds{time.week} * kMillisecondsPerWeek + time.timeOfWeek;
 }
 
-/// Writes dates and times of day. Keeps the date that it wrote last: most times of a file share it.
+/// Writes dates and times of day. Keeps the minute that it wrote last: times that follow each other
+/// mostly share it.
 class DateWriterC {
  public:
   /// Writes `kTimeTextSize` characters. `time` is at least 0.
   void Write(Milliseconds time, char* to) {
-    const auto day = static_cast<std::int32_t>(time / kDay);
-    auto left = static_cast<std::uint32_t>(time % kDay);
-    const std::uint32_t thousandths = left % 1000;
-    left /= 1000;
-    WriteDate(day, to);
-    PutTwo(left / 3600, to + 11);
-    PutTwo(left / 60 % 60, to + 14);
-    PutTwo(left % 60, to + 17);
-    PutThree(thousandths, to + 20);
+    if (time < minute_ || minute_ + kMinute <= time) SetMinute(time);
+    const auto left = static_cast<std::uint32_t>(time - minute_);
+    CopyMinute(to);
+    PutTwo(left / 1000, to + 17);
+    if (left % 1000 != 0) PutThree(left % 1000, to + 20);
   }
-  /// Writes second 60 of the last minute of `day`, counted from the start of GPS time.
-  void WriteLeapSecond(std::int32_t day, std::uint32_t thousandths, char* to) {
-    WriteDate(day, to);
-    std::memcpy(to + 11, "23:59:60.", 9);
+  /// Writes second 60 of the minute in which `time` lies.
+  void WriteLeapSecond(Milliseconds time, std::uint32_t thousandths, char* to) {
+    SetMinute(time);
+    CopyMinute(to);
+    PutTwo(60, to + 17);
     PutThree(thousandths, to + 20);
   }
 
  private:
-  // A whole text with the date that was written last.
-  static constexpr std::array<char, kTimeTextSize + 1> kPattern{"0000-00-00T00:00:00.000"};
+  static constexpr Milliseconds kMinute = 60 * kSecond;
 
-  void WriteDate(std::int32_t day, char* to) {
-    if (day != day_) SetDay(day);
-    std::memcpy(to, text_.data(), kTimeTextSize);
+  void SetMinute(Milliseconds time);
+
+  void CopyMinute(char* to) const {
+    static_assert(kTimeTextSize == 23);
+    std::memcpy(to, text_.data(), 16);  // in two parts, which overlap
+    std::memcpy(to + 7, text_.data() + 7, 16);
   }
-  void SetDay(std::int32_t day);
-
   static void PutTwo(std::uint32_t number, char* to) {
     to[0] = static_cast<char>('0' + number / 10);
     to[1] = static_cast<char>('0' + number % 10);
@@ -66,8 +64,8 @@ class DateWriterC {
     PutTwo(number % 100, to + 1);
   }
 
-  std::int32_t day_ = -1;
-  std::array<char, kTimeTextSize + 1> text_ = kPattern;
+  Milliseconds minute_ = -kMinute;
+  std::array<char, kTimeTextSize + 1> text_{"0000-00-00T00:00:00.000"};  // of the minute
 };
 
 /// Writes times in UTC. Keeps the offset that it used last.
@@ -81,9 +79,8 @@ class UTCWriterC {
     if (time < leap_) {
       date_.Write(time - offset_, to);
     } else {
-      // A leap second ends a day, which is the one before that of the time with the old offset.
-      date_.WriteLeapSecond(static_cast<std::int32_t>((leap_ - offset_) / kDay) - 1,
-                            static_cast<std::uint32_t>(time - leap_), to);
+      date_.WriteLeapSecond(leap_ - offset_ - kSecond, static_cast<std::uint32_t>(time - leap_),
+                            to);
     }
   }
 
