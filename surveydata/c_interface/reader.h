@@ -4,9 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 #include <surveydata/c_interface/surveydata.h>
+#include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/gps_record_reader.h>
 
 /// \file
@@ -73,6 +75,14 @@ struct surveydata_reader {
     return reader_;
   }
   const SDI::GPSRecordReaderC& GetReader() const { return reader_; }
+  /// The same by columns.
+  SDI::GPSColumnReaderC& GetColumns() {
+    if (columns_ == nullptr) columns_ = std::make_unique<SDI::GPSColumnReaderC>(reader_);
+    GetReader();
+    return *columns_;
+  }
+  /// How many frames were left out by columns.
+  std::uint64_t GetLeftOut() const { return columns_ != nullptr ? columns_->GetLeftOut() : 0; }
   /// Why there is nothing more to read.
   surveydata_status GetStatus() const { return SDI::CInterface::StatusOf(reader_.GetState()); }
   SDI::CInterface::ContextC& GetContext() { return context_; }
@@ -89,6 +99,7 @@ struct surveydata_reader {
 
   SDI::CInterface::ContextC context_;  // released after the reader is closed
   SDI::GPSRecordReaderC reader_;
+  std::unique_ptr<SDI::GPSColumnReaderC> columns_;  // once it is asked for
   bool isReporting_ = false;
   bool isTaking_ = false;
   SDI::CInterface::DamagedHeadersC headers_;

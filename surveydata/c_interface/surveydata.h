@@ -398,44 +398,91 @@ SURVEYDATA_API surveydata_status surveydata_fields(const uint8_t* frame, size_t 
 SURVEYDATA_API surveydata_status surveydata_append(const char* file_name, const uint8_t* records,
                                                    size_t size);
 
-/* Columns of measurements. These are declared when the table of columns is there (columns.cpp,
-   arrow_stream.cpp):
+// ----- Columns of measurements
 
-   typedef struct surveydata_column {
-     const char* name;  const char* unit;  const char* description;
-     uint32_t type;         // SURVEYDATA_COLUMN_UINT8 ... _FLOAT64, _TEXT (UTF-8), _LIST...
-     int32_t can_be_absent;
-     size_t value_size;     // bytes of a value; 1 for texts
-   } surveydata_column;
+/// Types of columns.
+enum {
+  SURVEYDATA_COLUMN_BOOL = 0,  ///< A bit for each row.
+  SURVEYDATA_COLUMN_UINT8 = 1,
+  SURVEYDATA_COLUMN_UINT16 = 2,
+  SURVEYDATA_COLUMN_UINT32 = 3,
+  SURVEYDATA_COLUMN_UINT64 = 4,
+  SURVEYDATA_COLUMN_INT32 = 5,
+  SURVEYDATA_COLUMN_FLOAT32 = 6,
+  SURVEYDATA_COLUMN_FLOAT64 = 7,
+  SURVEYDATA_COLUMN_TEXT = 8,        ///< UTF-8 of any length, without terminators.
+  SURVEYDATA_COLUMN_UINT16_LIST = 9  ///< Any number of 16-bit values.
+};
 
-   // The list: like every array that a function fills.
-   surveydata_columns(surveydata_column* columns, size_t column_size, size_t capacity, size_t*
-   count);
+/// A column of the table that measurements make. Its values are those that the getters of a
+/// measurement answer, and absent where these have nothing to answer. docs/columns.md lists them.
+typedef struct surveydata_column {
+  const char* name;  ///< In snake case.
+  const char* unit;  ///< "m", "ms"; "" where there is none.
+  const char* description;
+  uint32_t type;
+  int32_t can_be_absent;
+  size_t largest;  ///< The bytes of the longest text or list; 0 for other types.
+} surveydata_column;
 
-   typedef struct surveydata_column_buffer {
-     uint32_t column;           // its place in the list
-     uint32_t reserved;
-     void* values;              // one after the other; of texts, their bytes
-     size_t values_capacity;    // in bytes
-     uint8_t* present;          // 1 or 0 for each row; may be null
-     int64_t* offsets;          // of texts: rows + 1; null for others
-   } surveydata_column_buffer;
+/// Lists the columns. Find them by name: later versions may have more of them, in other places.
+/// \return `SURVEYDATA_BUFFER_TOO_SMALL`.
+SURVEYDATA_API surveydata_status surveydata_columns(surveydata_column* columns, size_t column_size,
+                                                    size_t capacity, size_t* count);
 
-   // Reads the next `rows` measurements. `*rows_read` is set also when it fails or is cancelled, to
-   // the rows that are there; SURVEYDATA_END with 0 rows after the last. A text that has no room
-   ends
-   // the batch before its row; SURVEYDATA_BUFFER_TOO_SMALL when that is the first.
-   surveydata_reader_read_columns(surveydata_reader* reader, const surveydata_column_buffer*
-   buffers, size_t buffer_size, size_t buffer_count, size_t rows, size_t* rows_read);
+/// A column, and where its values go. The layout is that of the Apache Arrow columnar format: bits
+/// begin with the lowest one of their byte, numbers are those of the machine.
+typedef struct surveydata_column_buffer {
+  uint32_t column;    ///< Its place in the list of columns.
+  uint32_t reserved;  ///< 0
+  /// A value for each row, 0 where it is absent; of `SURVEYDATA_COLUMN_BOOL` a bit for each row. Of
+  /// texts and lists their bytes or entries, one row after the other. Aligned as its type.
+  void* values;
+  size_t values_size;  ///< The bytes at `values`; only read for texts and lists.
+  /// Of texts and lists: where each begins in `values`, in bytes or entries, and after the last one
+  /// its end, so one more than there are rows. Null for other columns.
+  int64_t* offsets;
+  uint8_t* validity;  ///< A bit for each row, 1 where there is a value. May be null.
+  uint64_t absent;    ///< Set to the number of absent values.
+} surveydata_column_buffer;
 
-   // The stream owns the reader from then on, and closes it when it is released. Null columns and
-   the
-   // count 0 stand for all.
-   surveydata_reader_arrow_stream(surveydata_reader* reader, const uint32_t* columns,
-                                  size_t column_count, size_t rows_in_batch,
-                                  struct ArrowArrayStream* stream);
+/// Reads the next measurements as columns, up to `capacity` rows. Each buffer has room for as many.
+/// A batch ends before a row for which the buffer of a text or list has less than `largest` bytes
+/// left. Frames with a block that does not fit are left out.
+///
+/// \param rows      set to the number of rows, also when the function fails: they are in the
+///                  buffers, and the next call goes on after them.
+/// \param left_out  set to the number of frames that were left out since the reader was opened. May
+///                  be null.
+/// \return `SURVEYDATA_END` with 0 rows after the last one, as `surveydata_reader_next`;
+///         `SURVEYDATA_BUFFER_TOO_SMALL` when there is no room for a single row.
+SURVEYDATA_API surveydata_status surveydata_reader_read_columns(
+    surveydata_reader* reader, surveydata_column_buffer* buffers, size_t buffer_size,
+    size_t buffer_count, size_t capacity, size_t* rows, uint64_t* left_out);
 
-   They go on with `surveydata_reader::GetReader()`, within `Guarded` of boundary.h. */
+/// A stream of batches; c_interface/arrow_c_interface.h defines it.
+struct ArrowArrayStream;
+
+/// Makes an `ArrowArrayStream` of the Arrow C stream interface of the measurements that are left in
+/// the reader: structs of the chosen columns, with texts of 64-bit offsets, units and descriptions
+/// as metadata of the fields, and the source of leap seconds as metadata of the schema. Frames with
+/// a block that does not fit are left out.
+///
+/// The reader belongs to the stream from then on, which closes it when it is released; when the
+/// function fails it stays the caller's. Source and context of the reader live as long as the
+/// stream. Batches are independent of it, and may be released in any order and by any thread.
+///
+/// After an error of `get_next`, which `get_last_error` describes, the next call goes on where it
+/// happened: ECANCELED, ENOMEM, EIO (reading failed) or EINVAL.
+///
+/// \param columns        places in the list of columns, in any order. Null with the count 0 stands
+///                       for all of them.
+/// \param rows_in_batch  of every batch but the last; 0 stands for 65,536.
+SURVEYDATA_API surveydata_status surveydata_reader_arrow_stream(surveydata_reader* reader,
+                                                                const uint32_t* columns,
+                                                                size_t column_count,
+                                                                size_t rows_in_batch,
+                                                                struct ArrowArrayStream* stream);
 
 // ----- Areas on the sphere of directions
 

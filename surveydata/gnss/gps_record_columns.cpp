@@ -777,23 +777,30 @@ GPSColumnReaderC::~GPSColumnReaderC() = default;
 
 GPSColumnsOutcome GPSColumnReaderC::Read(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
                                          std::size_t& rows) {
-  State& state = *state_;
   rows = 0;
   if (!std::ranges::all_of(buffers, IsBuffer)) return GPSColumnsOutcome::kNotABuffer;
   for (GPSColumnBuffer& buffer : buffers) {
     buffer.absent = 0;
     if (IsLong(*buffer.column)) buffer.offsets[0] = 0;
   }
+  return ReadOn(buffers, capacity, rows);
+}
+
+GPSColumnsOutcome GPSColumnReaderC::ReadOn(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
+                                           std::size_t& rows) {
+  State& state = *state_;
+  if (!std::ranges::all_of(buffers, IsBuffer)) return GPSColumnsOutcome::kNotABuffer;
+  const std::size_t before = rows;
   const auto fill = [&](std::size_t staged) {
     if (staged == 0) return;
     const BlockC block(state.views, staged, state.writers);
     for (GPSColumnBuffer& buffer : buffers) buffer.column->functions->fill(block, buffer, rows);
     rows += staged;
   };
-  for (;;) {
+  while (rows < capacity) {
     const std::size_t most =
         RowsWithRoom(buffers, rows, std::min(kBlock - rows % kBlock, capacity - rows));
-    if (most == 0) return rows != 0 ? GPSColumnsOutcome::kDone : GPSColumnsOutcome::kNoRoom;
+    if (most == 0) break;
     std::size_t staged = 0;
     try {
       state.Stage(most, staged);
@@ -802,8 +809,9 @@ GPSColumnsOutcome GPSColumnReaderC::Read(std::span<GPSColumnBuffer> buffers, std
       throw;
     }
     fill(staged);
-    if (staged < most) return rows != 0 ? GPSColumnsOutcome::kDone : GPSColumnsOutcome::kEnd;
+    if (staged < most) return rows != before ? GPSColumnsOutcome::kDone : GPSColumnsOutcome::kEnd;
   }
+  return rows != before ? GPSColumnsOutcome::kDone : GPSColumnsOutcome::kNoRoom;
 }
 
 std::uint64_t GPSColumnReaderC::GetLeftOut() const { return state_->leftOut; }

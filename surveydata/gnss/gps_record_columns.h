@@ -135,7 +135,7 @@ class SURVEYDATA_API GPSColumnReaderC {
   GPSColumnReaderC& operator=(const GPSColumnReaderC&) = delete;
   ~GPSColumnReaderC();
 
-  /// Reads up to `capacity` rows, and sets `rows` to how many there are.
+  /// Reads rows until there are `capacity`, and sets `rows` to how many there are.
   ///
   /// Each of `buffers` has room for `capacity` values, validities and, for texts and lists,
   /// `capacity` + 1 offsets. The room for the bytes of texts and lists is up to the caller: a batch
@@ -145,6 +145,10 @@ class SURVEYDATA_API GPSColumnReaderC {
   /// in the buffers, and reading can go on after them.
   GPSColumnsOutcome Read(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
                          std::size_t& rows);
+  /// The same after the first `rows` rows, which are in `buffers` already: their texts and lists
+  /// may have moved to more room meanwhile. `kDone`: there is at least one more row.
+  GPSColumnsOutcome ReadOn(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
+                           std::size_t& rows);
 
   /// How many frames were left out so far because a block does not fit.
   std::uint64_t GetLeftOut() const;

@@ -1,0 +1,520 @@
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <surveydata/c_interface/arrow_c_interface.h>
+#include <surveydata/c_interface/boundary.h>
+#include <surveydata/c_interface/reader.h>
+#include <surveydata/c_interface/surveydata.h>
+#include <surveydata/gnss/gps_record_columns.h>
+#include <surveydata/gnss/gps_time.h>
+
+namespace SDI::CInterface {
+namespace {
+
+using Columns = std::vector<const GPSColumn*>;
+
+constexpr std::size_t kRowsInBatch = 65536;
+/// The smallest frame of a measurement, in bytes.
+constexpr std::uint64_t kSmallestFrame = 19;
+
+const char* FormatOf(GPSColumnType type) {
+  switch (type) {
+    using enum GPSColumnType;
+    case kBool:
+      return "b";
+    case kUInt8:
+      return "C";
+    case kUInt16:
+      return "S";
+    case kUInt32:
+      return "I";
+    case kUInt64:
+      return "L";
+    case kInt32:
+      return "i";
+    case kFloat32:
+      return "f";
+    case kFloat64:
+      return "g";
+    case kText:
+      return "U";
+    case kUInt16List:
+      return "+L";
+  }
+  return "n";
+}
+
+bool IsLong(const GPSColumn& column) { return column.largest != 0; }
+
+std::size_t BytesOfValues(GPSColumnType type, std::size_t rows) {
+  switch (type) {
+    using enum GPSColumnType;
+    case kBool:
+      return (rows + 7) / 8;
+    case kUInt8:
+      return rows;
+    case kUInt16:
+      return rows * sizeof(std::uint16_t);
+    case kUInt32:
+    case kInt32:
+    case kFloat32:
+      return rows * sizeof(std::uint32_t);
+    case kUInt64:
+    case kFloat64:
+      return rows * sizeof(std::uint64_t);
+    case kText:
+    case kUInt16List:
+      break;
+  }
+  return 0;
+}
+
+// ----- The schema
+
+/// Keys and values of metadata in their binary form.
+class MetadataC {
+ public:
+  void Add(std::string_view key, std::string_view value) {
+    ++count_;
+    Put(key);
+    Put(value);
+  }
+  std::string Get() const {
+    return std::string(reinterpret_cast<const char*>(&count_), sizeof(count_)) + pairs_;
+  }
+
+ private:
+  void Put(std::string_view text) {
+    const auto size = static_cast<std::int32_t>(text.size());
+    pairs_.append(reinterpret_cast<const char*>(&size), sizeof(size));
+    pairs_ += text;
+  }
+
+  std::int32_t count_ = 0;
+  std::string pairs_;
+};
+
+/// What a schema owns: its metadata and its children. Name and format are constants.
+struct SchemaNode {
+  std::string metadata;
+  std::vector<ArrowSchema> children;
+  std::vector<ArrowSchema*> pointers;
+
+  ~SchemaNode() {
+    for (ArrowSchema& child : children) {
+      if (child.release != nullptr) child.release(&child);
+    }
+  }
+};
+
+void ReleaseSchema(ArrowSchema* schema) {
+  delete static_cast<SchemaNode*>(schema->private_data);
+  schema->release = nullptr;
+}
+
+/// Hands `node` over to `schema`.
+void Publish(std::unique_ptr<SchemaNode> node, const char* format, const char* name,
+             std::int64_t flags, ArrowSchema& schema) {
+  for (ArrowSchema& child : node->children) node->pointers.push_back(&child);
+  schema = {format,
+            name,
+            node->metadata.empty() ? nullptr : node->metadata.data(),
+            flags,
+            static_cast<std::int64_t>(node->children.size()),
+            node->pointers.empty() ? nullptr : node->pointers.data(),
+            nullptr,
+            &ReleaseSchema,
+            nullptr};
+  schema.private_data = node.release();
+}
+
+void AddLeapSeconds(MetadataC& metadata) {
+  metadata.Add("leap_seconds", kLeapSecondSource);
+  metadata.Add("leap_seconds_expire", kLeapSecondExpiry);
+  metadata.Add("leap_seconds_after_expiry", "the last offset is used");
+}
+
+bool IsInUTC(const GPSColumn& column) { return std::string_view(column.name).ends_with("_utc"); }
+
+void MakeField(const GPSColumn& column, ArrowSchema& schema) {
+  auto node = std::make_unique<SchemaNode>();
+  if (column.type == GPSColumnType::kUInt16List) {
+    node->children.resize(1);
+    node->pointers.reserve(1);
+    Publish(std::make_unique<SchemaNode>(), FormatOf(GPSColumnType::kUInt16), "item", 0,
+            node->children[0]);
+  }
+  MetadataC metadata;
+  if (*column.unit != 0) metadata.Add("unit", column.unit);
+  metadata.Add("description", column.description);
+  if (IsInUTC(column)) AddLeapSeconds(metadata);
+  node->metadata = metadata.Get();
+  Publish(std::move(node), FormatOf(column.type), column.name,
+          column.canBeAbsent ? ARROW_FLAG_NULLABLE : 0, schema);
+}
+
+void MakeSchema(const Columns& columns, ArrowSchema& schema) {
+  auto node = std::make_unique<SchemaNode>();
+  node->children.resize(columns.size());
+  node->pointers.reserve(columns.size());
+  for (std::size_t i = 0; i < columns.size(); ++i) MakeField(*columns[i], node->children[i]);
+  if (std::ranges::any_of(columns, [](const GPSColumn* column) { return IsInUTC(*column); })) {
+    MetadataC metadata;
+    AddLeapSeconds(metadata);
+    node->metadata = metadata.Get();
+  }
+  Publish(std::move(node), "+s", "", 0, schema);
+}
+
+// ----- Batches
+
+/// Memory whose size grows while its content stays, aligned as Arrow recommends.
+class MemoryC {
+ public:
+  MemoryC() = default;
+  explicit MemoryC(std::size_t size) { Grow(size); }
+
+  std::uint8_t* Get() const { return begin_; }
+  std::size_t GetSize() const { return size_; }
+  void Grow(std::size_t size) {
+    std::size_t space = size + kAlignment;
+    auto bytes = std::make_unique_for_overwrite<std::uint8_t[]>(space);
+    void* begin = bytes.get();
+    std::align(kAlignment, size, begin, space);
+    if (size_ != 0) std::memcpy(begin, begin_, size_);
+    bytes_ = std::move(bytes);
+    begin_ = static_cast<std::uint8_t*>(begin);
+    size_ = size;
+  }
+
+ private:
+  static constexpr std::size_t kAlignment = 64;
+
+  std::unique_ptr<std::uint8_t[]> bytes_;
+  std::uint8_t* begin_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+/// The memory of a batch, which its arrays share: each may outlive the others.
+struct BatchMemory {
+  MemoryC fixed;               // what has a size that is known beforehand
+  std::vector<MemoryC> longs;  // bytes of texts and lists
+};
+
+/// The rows of a batch, as far as they are read.
+class BatchC {
+ public:
+  /// `room`: bytes for each text and list to begin with.
+  BatchC(const Columns& columns, std::size_t capacity, std::span<const std::size_t> room)
+      : capacity_(capacity), memory_(std::make_shared<BatchMemory>()) {
+    memory_->fixed = MemoryC(Lay(columns, nullptr));
+    Lay(columns, memory_->fixed.Get());
+    for (const std::size_t size : room) memory_->longs.emplace_back(size);
+    SetLongs();
+  }
+
+  std::size_t GetCapacity() const { return capacity_; }
+  std::size_t GetRows() const { return rows_; }
+  const std::vector<GPSColumnBuffer>& GetBuffers() const { return buffers_; }
+  const std::shared_ptr<BatchMemory>& GetMemory() const { return memory_; }
+
+  /// Reads until the batch is full or there is no more.
+  void Read(GPSColumnReaderC& reader) {
+    if (!hasBegun_) {
+      for (GPSColumnBuffer& buffer : buffers_) {
+        if (buffer.offsets != nullptr) buffer.offsets[0] = 0;
+      }
+      hasBegun_ = true;
+    }
+    while (rows_ < capacity_) {
+      switch (reader.ReadOn(buffers_, capacity_, rows_)) {
+        case GPSColumnsOutcome::kDone:
+          break;
+        case GPSColumnsOutcome::kNoRoom:
+          GrowFull();
+          break;
+        case GPSColumnsOutcome::kEnd:
+        case GPSColumnsOutcome::kNotABuffer:
+          return;
+      }
+    }
+  }
+
+ private:
+  /// Places the buffers from `at` on, and answers the bytes that they take.
+  std::size_t Lay(const Columns& columns, std::uint8_t* at) {
+    buffers_.clear();
+    std::size_t size = 0;
+    const auto take = [&](std::size_t bytes) {
+      std::uint8_t* const taken = at != nullptr ? at + size : nullptr;
+      size += (bytes + 127) / 64 * 64;  // a line between: columns shall not share sets of the cache
+      return taken;
+    };
+    for (const GPSColumn* const column : columns) {
+      GPSColumnBuffer buffer{.column = column};
+      if (column->canBeAbsent) buffer.validity = take((capacity_ + 7) / 8);
+      if (IsLong(*column)) {
+        buffer.offsets =
+            reinterpret_cast<std::int64_t*>(take((capacity_ + 1) * sizeof(std::int64_t)));
+      } else {
+        buffer.values = take(BytesOfValues(column->type, capacity_));
+      }
+      buffers_.push_back(buffer);
+    }
+    return size;
+  }
+
+  /// Points to the bytes of texts and lists.
+  void SetLongs() {
+    std::size_t next = 0;
+    for (GPSColumnBuffer& buffer : buffers_) {
+      if (!IsLong(*buffer.column)) continue;
+      const MemoryC& memory = memory_->longs[next++];
+      buffer.values = memory.Get();
+      buffer.size = memory.GetSize();
+    }
+  }
+
+  /// Doubles the buffers that have no room for another row.
+  void GrowFull() {
+    std::size_t next = 0;
+    for (const GPSColumnBuffer& buffer : buffers_) {
+      if (!IsLong(*buffer.column)) continue;
+      MemoryC& memory = memory_->longs[next++];
+      const std::size_t unit =
+          buffer.column->type == GPSColumnType::kText ? 1 : sizeof(std::uint16_t);
+      const std::size_t used = static_cast<std::size_t>(buffer.offsets[rows_]) * unit;
+      if (memory.GetSize() - used < buffer.column->largest) memory.Grow(2 * memory.GetSize());
+    }
+    SetLongs();
+  }
+
+  std::size_t capacity_;
+  std::size_t rows_ = 0;
+  bool hasBegun_ = false;
+  std::shared_ptr<BatchMemory> memory_;
+  std::vector<GPSColumnBuffer> buffers_;
+};
+
+/// What an array owns: a share of the memory, the pointers to its buffers, and its children.
+struct ArrayNode {
+  std::shared_ptr<BatchMemory> memory;
+  std::array<const void*, 3> buffers = {};
+  std::vector<ArrowArray> children;
+  std::vector<ArrowArray*> pointers;
+
+  ~ArrayNode() {
+    for (ArrowArray& child : children) {
+      if (child.release != nullptr) child.release(&child);
+    }
+  }
+};
+
+void ReleaseArray(ArrowArray* array) {
+  delete static_cast<ArrayNode*>(array->private_data);
+  array->release = nullptr;
+}
+
+/// Hands `node` over to `array`.
+void Publish(std::unique_ptr<ArrayNode> node, std::size_t length, std::uint64_t absent,
+             std::int64_t buffers, ArrowArray& array) {
+  for (ArrowArray& child : node->children) node->pointers.push_back(&child);
+  array = {static_cast<std::int64_t>(length),
+           static_cast<std::int64_t>(absent),
+           0,
+           buffers,
+           static_cast<std::int64_t>(node->children.size()),
+           node->buffers.data(),
+           node->pointers.empty() ? nullptr : node->pointers.data(),
+           nullptr,
+           &ReleaseArray,
+           nullptr};
+  array.private_data = node.release();
+}
+
+void MakeColumn(const GPSColumnBuffer& buffer, std::size_t rows,
+                const std::shared_ptr<BatchMemory>& memory, ArrowArray& array) {
+  auto node = std::make_unique<ArrayNode>();
+  node->memory = memory;
+  node->buffers[0] = buffer.validity;
+  std::int64_t buffers = 2;
+  switch (buffer.column->type) {
+    case GPSColumnType::kText:
+      node->buffers[1] = buffer.offsets;
+      node->buffers[2] = buffer.values;
+      buffers = 3;
+      break;
+    case GPSColumnType::kUInt16List: {
+      node->buffers[1] = buffer.offsets;
+      node->children.resize(1);
+      node->pointers.reserve(1);
+      auto entries = std::make_unique<ArrayNode>();
+      entries->memory = memory;
+      entries->buffers[1] = buffer.values;
+      Publish(std::move(entries), static_cast<std::size_t>(buffer.offsets[rows]), 0, 2,
+              node->children[0]);
+      break;
+    }
+    default:
+      node->buffers[1] = buffer.values;
+  }
+  Publish(std::move(node), rows, buffer.absent, buffers, array);
+}
+
+void MakeArray(const BatchC& batch, ArrowArray& array) {
+  const std::vector<GPSColumnBuffer>& buffers = batch.GetBuffers();
+  auto node = std::make_unique<ArrayNode>();
+  node->memory = batch.GetMemory();
+  node->children.resize(buffers.size());
+  node->pointers.reserve(buffers.size());
+  for (std::size_t i = 0; i < buffers.size(); ++i) {
+    MakeColumn(buffers[i], batch.GetRows(), batch.GetMemory(), node->children[i]);
+  }
+  Publish(std::move(node), batch.GetRows(), 0, 1, array);
+}
+
+// ----- The stream
+
+int ErrnoOf(surveydata_status status) {
+  switch (status) {
+    case SURVEYDATA_OK:
+    case SURVEYDATA_END:
+      return 0;
+    case SURVEYDATA_CANCELLED:
+      return ECANCELED;
+    case SURVEYDATA_OUT_OF_MEMORY:
+      return ENOMEM;
+    case SURVEYDATA_READING_FAILED:
+      return EIO;
+    default:
+      return EINVAL;
+  }
+}
+
+class StreamC {
+ public:
+  StreamC(Columns columns, std::size_t rowsInBatch)
+      : columns_(std::move(columns)), rowsInBatch_(rowsInBatch) {
+    for (const GPSColumn* const column : columns_) {
+      if (IsLong(*column)) room_.push_back(column->largest);
+    }
+  }
+
+  /// Takes the reader over. Nothing can fail any more.
+  void Own(surveydata_reader* reader) { reader_.reset(reader); }
+
+  int GetSchema(ArrowSchema& schema) {
+    return Answer(Guarded([&] {
+      MakeSchema(columns_, schema);
+      return SURVEYDATA_OK;
+    }));
+  }
+
+  int GetNext(ArrowArray& array) {
+    array.release = nullptr;
+    return Answer(Guarded([&] { return Next(array); }));
+  }
+
+  const char* GetLastError() const {
+    return ErrnoOf(last_) == 0 ? nullptr : surveydata_status_text(last_);
+  }
+
+ private:
+  surveydata_status Next(ArrowArray& array) {
+    if (batch_ == nullptr) batch_ = std::make_unique<BatchC>(columns_, RowsToRead(), room_);
+    batch_->Read(reader_->GetColumns());  // goes on where an error has stopped it
+    if (batch_->GetRows() == 0) {
+      batch_.reset();
+      return reader_->GetStatus();
+    }
+    MakeArray(*batch_, array);
+    NoteRoom();
+    batch_.reset();
+    return SURVEYDATA_OK;
+  }
+
+  /// No more than there can be in the source, where its size is known.
+  std::size_t RowsToRead() const {
+    const std::uint64_t size = std::as_const(*reader_).GetReader().GetSize();
+    if (size == 0) return rowsInBatch_;
+    return static_cast<std::size_t>(
+        std::min<std::uint64_t>(rowsInBatch_, size / kSmallestFrame + 1));
+  }
+
+  /// The next batch gets as much room as this one needed.
+  void NoteRoom() {
+    for (std::size_t i = 0; i < room_.size(); ++i) {
+      room_[i] = batch_->GetMemory()->longs[i].GetSize();
+    }
+  }
+
+  int Answer(surveydata_status status) {
+    last_ = status;
+    return ErrnoOf(status);
+  }
+
+  Columns columns_;
+  std::size_t rowsInBatch_;
+  std::vector<std::size_t> room_;  // for each text and list
+  struct Close {
+    void operator()(surveydata_reader* reader) const { surveydata_reader_close(reader); }
+  };
+  std::unique_ptr<surveydata_reader, Close> reader_;
+  std::unique_ptr<BatchC> batch_;  // that is not full yet
+  surveydata_status last_ = SURVEYDATA_OK;
+};
+
+StreamC& StreamOf(ArrowArrayStream* stream) { return *static_cast<StreamC*>(stream->private_data); }
+
+}  // namespace
+}  // namespace SDI::CInterface
+
+using SDI::GPSColumn;
+using SDI::CInterface::Columns;
+using SDI::CInterface::StreamC;
+using SDI::CInterface::StreamOf;
+
+surveydata_status surveydata_reader_arrow_stream(surveydata_reader* reader,
+                                                 const std::uint32_t* columns,
+                                                 std::size_t column_count,
+                                                 std::size_t rows_in_batch,
+                                                 ArrowArrayStream* stream) {
+  if (reader == nullptr || stream == nullptr || (columns == nullptr && column_count != 0)) {
+    return SURVEYDATA_INVALID_ARGUMENT;
+  }
+  return SDI::CInterface::Guarded([&]() -> surveydata_status {
+    const std::span<const GPSColumn> all = SDI::GetGPSColumns();
+    Columns chosen;
+    for (const std::uint32_t column : std::span(columns, column_count)) {
+      if (column >= all.size()) return SURVEYDATA_INVALID_ARGUMENT;
+      chosen.push_back(&all[column]);
+    }
+    if (columns == nullptr) {
+      for (const GPSColumn& column : all) chosen.push_back(&column);
+    }
+    const std::size_t rows = rows_in_batch != 0 ? rows_in_batch : SDI::CInterface::kRowsInBatch;
+    auto made = std::make_unique<StreamC>(std::move(chosen), rows);
+    reader->GetColumns();  // may run out of memory
+    made->Own(reader);
+    *stream = {
+        [](ArrowArrayStream* self, ArrowSchema* out) { return StreamOf(self).GetSchema(*out); },
+        [](ArrowArrayStream* self, ArrowArray* out) { return StreamOf(self).GetNext(*out); },
+        [](ArrowArrayStream* self) { return StreamOf(self).GetLastError(); },
+        [](ArrowArrayStream* self) {
+          delete &StreamOf(self);
+          self->release = nullptr;
+        },
+        made.release()};
+    return SURVEYDATA_OK;
+  });
+}
