@@ -5,4 +5,5 @@ NB_MODULE(_core, module) {
   module.doc() = "What the package surveydata has of the library. Use the package instead.";
   module.attr("VERSION") = SURVEYDATA_VERSION;
   Python::AddAreas(module);
+  Python::AddRecords(module);
 }

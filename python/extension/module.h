@@ -9,6 +9,7 @@
 namespace Python {
 
 void AddAreas(nanobind::module_& module);
+void AddRecords(nanobind::module_& module);
 
 }  // namespace Python
 

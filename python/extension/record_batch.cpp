@@ -1,0 +1,176 @@
+#include <algorithm>
+#include <cstring>
+
+#include <extension/record_batch.h>
+
+namespace Python {
+
+using SDI::GPSColumn;
+using SDI::GPSColumnBuffer;
+using SDI::GPSColumnType;
+
+namespace {
+
+// The bytes of texts and of lists that a batch has room for, for each row: a large batch with
+// longer ones has fewer rows. So many rows always fit.
+constexpr std::size_t kBytesInRow = 32;
+constexpr std::size_t kCertainRows = 1024;
+
+std::size_t BitBytes(std::size_t count) { return (count + 7) / 8; }
+
+std::size_t ElementSize(const GPSColumn& column) {
+  return column.type == GPSColumnType::kUInt16List ? sizeof(std::uint16_t) : 1;
+}
+
+const std::int64_t* Offsets(const BatchColumn& column) {
+  return reinterpret_cast<const std::int64_t*>(column.offsets.Get());
+}
+
+// The bytes that the values of so many rows take.
+std::size_t UsedBytes(const BatchColumn& column, std::size_t rows) {
+  if (column.IsLong()) {
+    return static_cast<std::size_t>(Offsets(column)[rows]) * ElementSize(*column.column);
+  }
+  if (column.column->type == GPSColumnType::kBool) return BitBytes(rows);
+  return rows * ValueSize(column.column->type);
+}
+
+BlockC CopyOf(const BlockC& block, std::size_t size) {
+  BlockC copy(size);
+  if (size != 0) std::memcpy(copy.Get(), block.Get(), size);
+  return copy;
+}
+
+bool IsBitSet(const std::uint8_t* bits, std::size_t at) {
+  return (bits[at / 8] >> at % 8 & 1) != 0;
+}
+
+// The bits at the places that are kept, one after the other.
+BlockC FilterBits(const std::uint8_t* bits, std::span<const bool> keep, std::size_t kept) {
+  BlockC to(BitBytes(kept));
+  if (kept == 0) return to;
+  std::memset(to.Get(), 0, to.GetSize());
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < keep.size(); ++i) {
+    if (!keep[i]) continue;
+    if (IsBitSet(bits, i)) to.Get()[at / 8] |= static_cast<std::uint8_t>(1U << at % 8);
+    ++at;
+  }
+  return to;
+}
+
+BatchColumn FilterColumn(const BatchColumn& from, std::span<const bool> keep, std::size_t kept) {
+  BatchColumn to;
+  to.column = from.column;
+  if (from.validity.GetSize() != 0) {
+    to.validity = FilterBits(from.validity.Get(), keep, kept);
+    for (std::size_t i = 0; i < kept; ++i) to.absent += !IsBitSet(to.validity.Get(), i);
+  }
+  if (from.column->type == GPSColumnType::kBool) {
+    to.values = FilterBits(from.values.Get(), keep, kept);
+    return to;
+  }
+  const std::size_t size = from.IsLong() ? ElementSize(*from.column) : ValueSize(from.column->type);
+  to.values = BlockC(from.IsLong() ? UsedBytes(from, keep.size()) : kept * size);
+  if (from.IsLong()) to.offsets = BlockC((kept + 1) * sizeof(std::int64_t));
+  auto* const offsets = reinterpret_cast<std::int64_t*>(to.offsets.Get());
+  std::size_t row = 0;
+  std::size_t used = 0;  // bytes
+  for (std::size_t i = 0; i < keep.size(); ++i) {
+    if (!keep[i]) continue;
+    std::size_t at = i * size;
+    std::size_t count = size;
+    if (from.IsLong()) {
+      offsets[row++] = static_cast<std::int64_t>(used / size);
+      at = static_cast<std::size_t>(Offsets(from)[i]) * size;
+      count = static_cast<std::size_t>(Offsets(from)[i + 1]) * size - at;
+    }
+    if (count != 0) std::memcpy(to.values.Get() + used, from.values.Get() + at, count);
+    used += count;
+  }
+  if (from.IsLong()) offsets[row] = static_cast<std::int64_t>(used / size);
+  return to;
+}
+
+}  // namespace
+
+std::size_t ValueSize(GPSColumnType type) {
+  switch (type) {
+    using enum GPSColumnType;
+    case kUInt8:
+      return 1;
+    case kUInt16:
+      return 2;
+    case kUInt32:
+    case kInt32:
+    case kFloat32:
+      return 4;
+    case kUInt64:
+    case kFloat64:
+      return 8;
+    case kBool:
+    case kText:
+    case kUInt16List:
+      break;
+  }
+  return 0;
+}
+
+std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
+                                             std::span<const GPSColumn* const> columns,
+                                             std::size_t capacity) {
+  auto batch = std::make_shared<RecordBatch>();
+  std::vector<GPSColumnBuffer> buffers;
+  for (const GPSColumn* column : columns) {
+    BatchColumn to;
+    to.column = column;
+    if (column->largest != 0) {
+      to.values = BlockC(
+          std::max(capacity * kBytesInRow, std::min(capacity, kCertainRows) * column->largest));
+      to.offsets = BlockC((capacity + 1) * sizeof(std::int64_t));
+    } else if (column->type == GPSColumnType::kBool) {
+      to.values = BlockC(BitBytes(capacity));
+    } else {
+      to.values = BlockC(capacity * ValueSize(column->type));
+    }
+    if (column->canBeAbsent) to.validity = BlockC(BitBytes(capacity));
+    GPSColumnBuffer buffer;
+    buffer.column = column;
+    buffer.values = to.values.Get();
+    buffer.size = to.values.GetSize();
+    buffer.offsets = reinterpret_cast<std::int64_t*>(to.offsets.Get());
+    buffer.validity = to.validity.Get();
+    buffers.push_back(buffer);
+    batch->columns.push_back(std::move(to));
+  }
+  reader.Read(buffers, capacity, batch->rows);
+  if (batch->rows == 0) return nullptr;
+  for (std::size_t i = 0; i < buffers.size(); ++i) {
+    BatchColumn& column = batch->columns[i];
+    column.absent = buffers[i].absent;
+    // What is kept takes no more memory than it needs.
+    if (column.IsLong() || batch->rows < capacity) {
+      column.values = CopyOf(column.values, UsedBytes(column, batch->rows));
+    }
+    if (column.IsLong() && batch->rows < capacity) {
+      column.offsets = CopyOf(column.offsets, (batch->rows + 1) * sizeof(std::int64_t));
+    }
+    if (column.absent == 0) {
+      column.validity = BlockC();
+    } else if (batch->rows < capacity) {
+      column.validity = CopyOf(column.validity, BitBytes(batch->rows));
+    }
+  }
+  return batch;
+}
+
+std::shared_ptr<const RecordBatch> Filter(const RecordBatch& batch, std::span<const bool> keep) {
+  auto kept = std::make_shared<RecordBatch>();
+  kept->rows = static_cast<std::size_t>(std::ranges::count(keep, true));
+  for (const BatchColumn& column : batch.columns) {
+    kept->columns.push_back(FilterColumn(column, keep, kept->rows));
+  }
+  return kept;
+}
+
+}  // namespace Python

@@ -1,0 +1,77 @@
+#ifndef SURVEYDATA_PYTHON_EXTENSION_RECORD_BATCH_H_
+#define SURVEYDATA_PYTHON_EXTENSION_RECORD_BATCH_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include <surveydata/gnss/gps_record_columns.h>
+
+struct ArrowArrayStream;
+
+namespace Python {
+
+/// Memory for numbers of any type; its bytes are not set.
+class BlockC {
+ public:
+  BlockC() = default;
+  explicit BlockC(std::size_t size)
+      : bytes_(size != 0 ? std::make_unique_for_overwrite<std::uint64_t[]>((size + 7) / 8)
+                         : nullptr),
+        size_(size) {}
+
+  std::uint8_t* Get() { return reinterpret_cast<std::uint8_t*>(bytes_.get()); }
+  const std::uint8_t* Get() const { return reinterpret_cast<const std::uint8_t*>(bytes_.get()); }
+  std::size_t GetSize() const { return size_; }
+
+ private:
+  std::unique_ptr<std::uint64_t[]> bytes_;
+  std::size_t size_ = 0;
+};
+
+/// A column of a batch, in the layout of `SDI::GPSColumnBuffer`.
+struct BatchColumn {
+  const SDI::GPSColumn* column = nullptr;
+  BlockC values;
+  BlockC offsets;   ///< Empty but for texts and lists.
+  BlockC validity;  ///< Empty where every row has a value.
+  std::uint64_t absent = 0;
+
+  bool IsLong() const { return column->largest != 0; }
+};
+
+/// The bytes of a value; 0 for texts, lists and flags, which are bits.
+std::size_t ValueSize(SDI::GPSColumnType type);
+
+/// Rows of some columns. Never changes once it is made.
+struct RecordBatch {
+  RecordBatch() = default;
+  RecordBatch(const RecordBatch&) = delete;
+  RecordBatch& operator=(const RecordBatch&) = delete;
+
+  std::size_t rows = 0;
+  std::vector<BatchColumn> columns;
+};
+
+/// Reads up to `capacity` rows of `columns`. Null when there are no more.
+std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
+                                             std::span<const SDI::GPSColumn* const> columns,
+                                             std::size_t capacity);
+
+/// The rows for which `keep`, of so many elements, is true.
+std::shared_ptr<const RecordBatch> Filter(const RecordBatch& batch, std::span<const bool> keep);
+
+/// The batches as a stream of the Arrow C data interface, which shares their memory.
+void ExportStream(std::vector<const SDI::GPSColumn*> columns,
+                  std::vector<std::shared_ptr<const RecordBatch>> batches,
+                  ArrowArrayStream* stream);
+
+/// Releases a stream that nobody has taken over.
+void DeleteStream(ArrowArrayStream* stream);
+ArrowArrayStream* NewStream();
+
+}  // namespace Python
+
+#endif  // SURVEYDATA_PYTHON_EXTENSION_RECORD_BATCH_H_

@@ -1,0 +1,468 @@
+"""Record files of GNSS measurements as tables.
+
+A table has a row for each measurement and a column for each of its fields: `columns()` lists them
+with their types, units and meanings. Values are those that the library answers; where it has
+nothing to answer, a value is absent.
+"""
+
+from __future__ import annotations
+
+import errno
+import os
+from collections.abc import Iterable
+from pathlib import Path
+from typing import TYPE_CHECKING, Any, NamedTuple, TypeAlias
+
+import numpy as np
+
+from . import _core
+
+if TYPE_CHECKING:
+    from collections.abc import Callable, Iterator, Sequence
+
+    import pandas
+    from numpy.typing import NDArray
+
+Source: TypeAlias = Any
+"""A path of a file or of a folder, bytes, a binary file object, or an iterable of these."""
+
+BATCH_ROWS = 65_536
+
+
+class ColumnInfo(NamedTuple):
+    """What a column holds."""
+
+    name: str
+    type: str
+    """ "bool", "uint8", ... "float64", "text" or "list of uint16"."""
+    unit: str
+    """Empty for what has none."""
+    can_be_absent: bool
+    description: str
+
+
+class Column(NamedTuple):
+    """The values of a column, one for each row."""
+
+    values: NDArray[Any]
+    """Of texts and lists an array of objects. 0, False or None where a value is absent."""
+    valid: NDArray[np.bool_] | None
+    """Whether a row has a value; None when all have."""
+
+
+class DamageTable(NamedTuple):
+    """What a file has besides whole measurements, by ascending offset within each kind."""
+
+    offset: NDArray[np.uint64]
+    size: NDArray[np.uint64]
+    """In bytes; of a damaged header, that of its frame, as the header has it."""
+    kind: NDArray[np.object_]
+    """ "gap", "other record", or what is wrong with a measurement."""
+    record_type: NDArray[np.uint8]
+    """0 for a gap."""
+
+
+def columns() -> list[ColumnInfo]:
+    """All columns in their order. Programs find columns by name: later versions may have more."""
+    return [ColumnInfo(*column) for column in _core.columns()]
+
+
+_DTYPES = {
+    name: np.dtype(name)
+    for name in ("uint8", "uint16", "uint32", "uint64", "int32", "float32", "float64")
+}
+_INFOS = {info.name: info for info in columns()}
+FIXED_WIDTH = tuple(
+    name for name, info in _INFOS.items() if info.type in _DTYPES or info.type == "bool"
+)
+"""The columns that NumPy holds without objects: numbers and flags."""
+
+
+def _bits(packed: NDArray[np.uint8], count: int) -> NDArray[np.bool_]:
+    return np.unpackbits(packed, count=count, bitorder="little").view(np.bool_)
+
+
+class RecordTable:
+    """Measurements as columns. A table never changes.
+
+    It speaks the Arrow PyCapsule protocol: `pyarrow.table(table)`, `polars.DataFrame(table)` and
+    `duckdb.sql("from table")` read its memory without copying it.
+    """
+
+    __slots__ = ("_batches", "_left_out", "_names", "_sources", "_times_after_expiry")
+
+    def __init__(self) -> None:
+        raise TypeError("tables are made by read_records and iter_batches")
+
+    _batches: list[_core.BatchCore]
+    _names: list[str]
+    _left_out: int
+    _sources: list[tuple[Source, int]]
+    _times_after_expiry: bool
+
+    def __len__(self) -> int:
+        return sum(batch.rows for batch in self._batches)
+
+    @property
+    def columns(self) -> list[str]:
+        """The names of the columns."""
+        return list(self._names)
+
+    @property
+    def left_out(self) -> int:
+        """How many frames were left out because a block does not fit; `find_damage` lists them."""
+        return self._left_out
+
+    @property
+    def has_times_after_expiry(self) -> bool:
+        """Whether a time in UTC is after the expiry of the library's table of leap seconds."""
+        return self._times_after_expiry
+
+    @property
+    def sources(self) -> list[tuple[Source, int]]:
+        """The files that were read, in their order, and how many rows each of them gave."""
+        return list(self._sources)
+
+    def column(self, name: str) -> Column:
+        """The values of a column with their validity.
+
+        Arrays of numbers are views of the table's memory where it is in one piece.
+        """
+        if name not in self._names:
+            raise KeyError(f"the table has no column {name!r}")
+        info = _INFOS[name]
+        at = self._names.index(name)
+        parts = [self._values(batch, at, info.type) for batch in self._batches]
+        if info.type in _DTYPES and not parts:
+            parts = [np.empty(0, _DTYPES[info.type])]
+        if not parts:
+            parts = [np.empty(0, np.bool_ if info.type == "bool" else np.object_)]
+        values = parts[0] if len(parts) == 1 else np.concatenate(parts)
+        if not any(batch.absent(at) for batch in self._batches):
+            return Column(values, None)
+        valid = [
+            _bits(batch.validity(at), batch.rows)
+            if batch.absent(at)
+            else np.ones(batch.rows, np.bool_)
+            for batch in self._batches
+        ]
+        return Column(values, valid[0] if len(valid) == 1 else np.concatenate(valid))
+
+    @staticmethod
+    def _values(batch: _core.BatchCore, at: int, kind: str) -> NDArray[Any]:
+        values = batch.values(at)
+        if kind in _DTYPES:
+            numbers: NDArray[Any] = values.view(_DTYPES[kind])
+            return numbers[: batch.rows]
+        if kind == "bool":
+            return _bits(values, batch.rows)
+        ends = batch.offsets(at).view(np.int64).tolist()
+        objects = np.empty(batch.rows, np.object_)
+        valid = [True] * batch.rows
+        if batch.absent(at):
+            valid = _bits(batch.validity(at), batch.rows).tolist()
+        if kind == "text":
+            data = values.tobytes()
+            for row in range(batch.rows):
+                if valid[row]:
+                    objects[row] = data[ends[row] : ends[row + 1]].decode()
+        else:
+            entries = values.view(np.uint16)
+            for row in range(batch.rows):
+                if valid[row]:
+                    objects[row] = entries[ends[row] : ends[row + 1]]
+        return objects
+
+    def __getitem__(self, name: str) -> np.ma.MaskedArray[Any, Any] | NDArray[Any]:
+        """The values of a column, masked where they are absent."""
+        values, valid = self.column(name)
+        return values if valid is None else np.ma.MaskedArray(values, mask=~valid)
+
+    def to_numpy(self) -> dict[str, Column]:
+        """All columns with their validity."""
+        return {name: self.column(name) for name in self._names}
+
+    def to_pandas(self) -> pandas.DataFrame:
+        """A data frame; needs pandas and pyarrow (the extra `pandas`)."""
+        import pyarrow
+
+        frame: pandas.DataFrame = pyarrow.table(self).to_pandas()
+        return frame
+
+    def __arrow_c_stream__(self, requested_schema: object = None) -> object:
+        """The batches as a stream of the Arrow C data interface, as often as it is asked for.
+
+        A requested schema is not looked at, as the protocol allows. Fields have the metadata "unit"
+        and "description".
+        """
+        del requested_schema
+        return _core.arrow_stream(self._names, self._batches)
+
+    def filter(self, keep: NDArray[np.bool_]) -> RecordTable:
+        """The rows for which `keep` is true."""
+        keep = np.ascontiguousarray(keep, dtype=np.bool_)
+        if keep.shape != (len(self),):
+            raise ValueError(f"one bool for each of the {len(self)} rows is needed")
+        batches, sources, begin = [], [], 0
+        for batch in self._batches:
+            batches.append(batch.filter(keep[begin : begin + batch.rows]))
+            begin += batch.rows
+        begin = 0
+        for source, rows in self._sources:
+            sources.append((source, int(keep[begin : begin + rows].sum())))
+            begin += rows
+        kept = [batch for batch in batches if batch.rows]
+        return _table(kept, self._names, self._left_out, sources, self._times_after_expiry)
+
+    def __repr__(self) -> str:
+        rows = len(self)
+        return f"<RecordTable: {rows} row{'s' if rows != 1 else ''}, {len(self._names)} columns>"
+
+
+def _table(
+    batches: list[_core.BatchCore],
+    names: list[str],
+    left_out: int,
+    sources: list[tuple[Source, int]],
+    times_after_expiry: bool,
+) -> RecordTable:
+    table = object.__new__(RecordTable)
+    table._batches = batches
+    table._names = names
+    table._left_out = left_out
+    table._sources = sources
+    table._times_after_expiry = times_after_expiry
+    return table
+
+
+# ----- Sources
+
+
+def _is_bytes(source: object) -> bool:
+    try:
+        memoryview(source).release()  # type: ignore[arg-type]
+    except TypeError:
+        return False
+    return True
+
+
+def _each_source(source: Source, pattern: str) -> Iterator[Source]:
+    if isinstance(source, str | os.PathLike):
+        path = Path(source)
+        if path.is_dir():
+            yield from sorted(file for file in path.glob(pattern) if file.is_file())
+        else:
+            yield path
+    elif _is_bytes(source) or hasattr(source, "read"):
+        yield source
+    elif isinstance(source, Iterable):
+        for part in source:
+            yield from _each_source(part, pattern)
+    else:
+        raise TypeError(
+            "a path, bytes, a binary file object or an iterable of these is needed, "
+            f"not {type(source).__name__}"
+        )
+
+
+def _reader_of(file: Any) -> tuple[Callable[[int, memoryview], int], int]:
+    """What reads a file object from where it is, and its size from there."""
+    if not file.seekable():
+        return lambda _offset, memory: _read_into(file, memory), 2**64 - 1
+    start = file.tell()
+    size = file.seek(0, os.SEEK_END) - start
+
+    def read_at(offset: int, memory: memoryview) -> int:
+        file.seek(start + offset)
+        return _read_into(file, memory)
+
+    return read_at, max(size, 0)
+
+
+def _read_into(file: Any, memory: memoryview) -> int:
+    data = file.read(len(memory))
+    if data is None:
+        raise BlockingIOError(errno.EAGAIN, "the file object has no bytes yet")
+    memory[: len(data)] = data
+    return len(data)
+
+
+def _open(source: Source, start: int | None, end: int | None) -> _core.ReaderCore:
+    begin = start or 0
+    if begin < 0 or (end is not None and end < 0):
+        raise ValueError("start and end are offsets in bytes, not below 0")
+    if isinstance(source, Path):
+        reader = _core.ReaderCore.open_file(os.fspath(source), begin, end)
+    elif _is_bytes(source):
+        reader = _core.ReaderCore.open_bytes(source, begin, end)
+    else:
+        if not source.seekable() and (begin != 0 or end is not None):
+            raise ValueError("a file object that cannot seek can only be read as a whole")
+        reader = _core.ReaderCore.open_source(*_reader_of(source), begin, end)
+    _check(reader, source)
+    return reader
+
+
+def _check(reader: _core.ReaderCore, source: Source) -> None:
+    """Raises what the state of the reader stands for."""
+    state = reader.state
+    if state == _core.ReaderState.OPEN:
+        return
+    if state == _core.ReaderState.NO_STRETCHES:
+        raise ValueError("a pipe can only be read as a whole")
+    number = {
+        _core.ReaderState.NO_SUCH_FILE: errno.ENOENT,
+        _core.ReaderState.NO_PERMISSION: errno.EACCES,
+    }.get(state, errno.EIO)
+    raise OSError(number, os.strerror(number), str(source))
+
+
+# ----- Reading
+
+
+def read_records(
+    source: Source,
+    columns: Sequence[str] | None = None,
+    where: Callable[[RecordTable], NDArray[np.bool_]] | None = None,
+    start: int | None = None,
+    end: int | None = None,
+    *,
+    pattern: str = "*.rec",
+) -> RecordTable:
+    """The measurements of record files as one table.
+
+    `source` is a path, bytes (anything with the buffer protocol), a binary file object, which is
+    read from where it is, a folder, of which the files that match `pattern` are read in the order
+    of their names, or an iterable of these. It is only read.
+
+    `columns` names columns of `columns()`, all by default. `where` is called with tables of some of
+    the rows and answers which of them to keep. `start` and `end` are offsets in bytes: the table
+    has the records that begin in [start, end) of each file, found as in a walk from its start, so
+    that the tables of any cuts join to that of the whole.
+
+    Other threads run meanwhile. Raises OSErrors for what cannot be read, KeyError for a column that
+    there is not, ValueError for a stretch of a pipe.
+    """
+    batches: list[_core.BatchCore] = []
+    sources: list[tuple[Source, int]] = []
+    left_out, times_after_expiry = 0, False
+    names = list(_INFOS) if columns is None else list(columns)
+    _check_names(names)
+    for part in _each_source(source, pattern):
+        rows = 0
+        reader = _open(part, start, end)
+        for table in _batches(reader, part, names, where, BATCH_ROWS):
+            batches.extend(table._batches)
+            rows += len(table)
+        left_out += reader.left_out
+        times_after_expiry |= reader.has_times_after_expiry
+        sources.append((part, rows))
+    return _table(batches, names, left_out, sources, times_after_expiry)
+
+
+def iter_batches(
+    source: Source,
+    columns: Sequence[str] | None = None,
+    where: Callable[[RecordTable], NDArray[np.bool_]] | None = None,
+    start: int | None = None,
+    end: int | None = None,
+    *,
+    pattern: str = "*.rec",
+    rows: int = BATCH_ROWS,
+) -> Iterator[RecordTable]:
+    """The same in tables of at most `rows` rows, one at a time, in an amount of memory that does
+    not depend on the sizes of the files. A table has rows of one file.
+    """
+    names = list(_INFOS) if columns is None else list(columns)
+    _check_names(names)
+    if rows < 1:
+        raise ValueError("a batch has at least one row")
+    return _iterate(source, names, where, start, end, pattern, rows)
+
+
+def _iterate(
+    source: Source,
+    names: list[str],
+    where: Callable[[RecordTable], NDArray[np.bool_]] | None,
+    start: int | None,
+    end: int | None,
+    pattern: str,
+    rows: int,
+) -> Iterator[RecordTable]:
+    for part in _each_source(source, pattern):
+        yield from _batches(_open(part, start, end), part, names, where, rows)
+
+
+def _check_names(names: list[str]) -> None:
+    for name in names:
+        if name not in _INFOS:
+            raise KeyError(f"there is no column {name!r}; surveydata.columns() lists them")
+    if len(set(names)) != len(names):
+        raise ValueError("a column is named twice")
+
+
+def _batches(
+    reader: _core.ReaderCore,
+    source: Source,
+    names: list[str],
+    where: Callable[[RecordTable], NDArray[np.bool_]] | None,
+    rows: int,
+) -> Iterator[RecordTable]:
+    left_out = 0
+    while (batch := reader.read(names, rows)) is not None:
+        new = reader.left_out - left_out
+        left_out = reader.left_out
+        table = _table([batch], names, new, [(source, batch.rows)], reader.has_times_after_expiry)
+        if where is not None:
+            table = table.filter(np.ma.filled(where(table), False))
+        if len(table):
+            yield table
+    _check(reader, source)
+
+
+def find_damage(
+    source: Source,
+    start: int | None = None,
+    end: int | None = None,
+    *,
+    others: bool = False,
+) -> DamageTable:
+    """The gaps, damaged headers and bad frames of one file, and the records of other kinds too
+    with `others`.
+
+    A gap is a run of bytes that belong to no record. A damaged header in it has magic, type and a
+    length that has room for a measurement, but no whole frame; the last kind, "runs into next
+    record", may be chance bytes.
+    """
+    (part,) = _each_source(source, "*.rec")
+    reader = _open(part, start, end)
+    found = reader.find_damage(others)
+    _check(reader, part)
+    offset, size, kind, record_type = zip(*found, strict=True) if found else ((), (), (), ())
+    return DamageTable(
+        np.array(offset, np.uint64),
+        np.array(size, np.uint64),
+        np.array(kind, np.object_),
+        np.array(record_type, np.uint8),
+    )
+
+
+def append(path: str | os.PathLike[str], records: Any) -> None:
+    """Put `records`, bytes of whole records of any kind, at the end of a file, which is made if
+    there is none.
+
+    What is in the file is never written over: when writing fails, the file is cut back to the size
+    that it had. Raises ValueError for bytes that are not whole records, OSError with the library's
+    reason for everything else. One writer at a time.
+    """
+    outcome = _core.append(os.fspath(path), records)
+    if outcome == _core.AppendOutcome.DONE:
+        return
+    reason = _core.append_text(outcome)
+    if outcome == _core.AppendOutcome.NO_RECORDS:
+        raise ValueError(reason)
+    number = {
+        _core.AppendOutcome.NO_SUCH_FILE: errno.ENOENT,
+        _core.AppendOutcome.NO_PERMISSION: errno.EACCES,
+    }.get(outcome, errno.EIO)
+    raise OSError(number, reason, os.fspath(path))
