@@ -1,9 +1,8 @@
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
+#include <surveydata/gnss/record_change.h>
 #include <surveydata/gnss/record_frame.h>
 
 #include <command_line/exit_code.h>
@@ -21,18 +20,6 @@ std::string Utf8Of(const std::u16string& units) {
   bytes.resize(static_cast<std::size_t>(
       std::max(0, Frame::EncodeName(units.data(), units.size(), bytes.data(), bytes.size() + 1))));
   return bytes;
-}
-
-// The fields that the changes rewrite.
-std::vector<Field> FieldsOf(const FrameChanges& changes) {
-  std::vector<Field> fields;
-  if (changes.name) fields.push_back(Field::kName);
-  if (changes.number) fields.push_back(Field::kNumber);
-  if (changes.antennaHeight) {
-    fields.push_back(Field::kHeight);
-    fields.push_back(Field::kHeightKind);
-  }
-  return fields;
 }
 
 bool HasField(const std::vector<FrameField>& fields, Field field) {
@@ -69,26 +56,14 @@ PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges&
     throw ToolErrorC(ExitCode::kFinding, "the frame has no room for an antenna height");
   }
 
-  SDI::GPSMeasDataImplC measurement = before.measurement;
-  SDI::GPSRecordFileInfo info = before.info;
-  if (changes.name) {
-    const std::string name = Utf8Of(*changes.name);
-    std::fill(std::begin(info.name), std::end(info.name), '\0');
-    name.copy(info.name, sizeof(info.name));
-  }
-  if (changes.number) info.number = *changes.number;
-  if (changes.antennaHeight) {
-    measurement.SetAntennaHeight(
-        SDI::GPSAntHeightImplC(*changes.antennaHeight, !changes.isSlant, 0.0F));
-  }
-  std::array<std::uint8_t, Frame::kMaxSize> buffer{};
-  std::copy(frame.begin(), frame.end(), buffer.begin());
-  Frame::Patch(buffer, &measurement, info, FieldsOf(changes));
-  std::vector<std::uint8_t> after(buffer.begin(),
-                                  buffer.begin() + static_cast<std::ptrdiff_t>(frame.size()));
-  Frame::Build(after, Frame::kType, Frame::kNoSubType,
-               frame.size() - Frame::kHeaderSize - Frame::kChecksumSize);
-  if (!IsAsAsked(before, Decode(0, after), changes)) {
+  const std::string name = Utf8Of(changes.name.value_or(u""));
+  Frame::Changes rewritten;
+  if (changes.name) rewritten.name = name;
+  rewritten.number = changes.number;
+  if (changes.antennaHeight) rewritten.antenna = {*changes.antennaHeight, changes.isSlant};
+  std::vector<std::uint8_t> after(frame.begin(), frame.end());
+  const bool isChanged = Frame::Change(after, rewritten);
+  if (!isChanged || !IsAsAsked(before, Decode(0, after), changes)) {
     throw ToolErrorC(ExitCode::kFileError, "the patched frame does not read back as asked");
   }
   std::vector<FrameField> explained = ExplainFrame(after);
