@@ -58,7 +58,7 @@ target_compile_options(surveydata_warnings INTERFACE
 # Hardening of optimised builds against untrusted input: stack and buffer checks, and relocations
 # that are read-only after loading.
 add_library(surveydata_hardening INTERFACE)
-if(NOT WIN32)
+if(NOT WIN32 AND NOT EMSCRIPTEN)
   target_compile_options(surveydata_hardening INTERFACE
     "$<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
   if(NOT APPLE)

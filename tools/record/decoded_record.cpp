@@ -9,7 +9,7 @@ namespace Tool {
 
 std::string_view DecodedRecord::NameBytes() const {
   const char* const end = std::find(std::begin(info.name), std::end(info.name), '\0');
-  return {info.name, end};
+  return {info.name, static_cast<std::size_t>(end - info.name)};
 }
 
 std::u16string DecodedRecord::Name() const {

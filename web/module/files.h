@@ -1,0 +1,15 @@
+#ifndef SURVEYDATA_WEB_MODULE_FILES_H_
+#define SURVEYDATA_WEB_MODULE_FILES_H_
+
+#include <string>
+
+namespace Page {
+
+/// The name of the one file that the module can open: the text that was given last.
+inline constexpr const char* kFileName = "page";
+
+void SetFile(std::string text);
+
+}  // namespace Page
+
+#endif  // SURVEYDATA_WEB_MODULE_FILES_H_

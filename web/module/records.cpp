@@ -1,0 +1,381 @@
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <surveydata/c_interface/surveydata.h>
+
+#include <command_line/text.h>
+#include <module/results.h>
+#include <output/chart.h>
+#include <output/csv_writer.h>
+#include <output/gps_time.h>
+#include <output/json_writer.h>
+#include <record/decoded_record.h>
+#include <record/describe_record.h>
+#include <record/satellite_series.h>
+#include <record/show_writer.h>
+
+/// \file
+/// What the page asks of record files.
+
+/// Reads bytes of the file that is being walked: the page defines it. Answers how many were read,
+/// or one of the answers of `surveydata_read_at`.
+extern "C" std::int32_t page_read(double offset, std::uint8_t* to, std::uint32_t count);
+
+namespace {
+
+using Tool::DecodedRecord;
+using Tool::JsonWriterC;
+
+// Kinds of rows: those of entries, and a measurement whose blocks do not fit.
+enum RowKind : std::uint8_t {
+  kMeasurement = SURVEYDATA_MEASUREMENT,
+  kOther = SURVEYDATA_OTHER_RECORD,
+  kGap = SURVEYDATA_GAP,
+  kDamagedHeader = SURVEYDATA_DAMAGED_HEADER,
+  kBadFrame = 16
+};
+
+// A row of the list. The page knows this layout: 32 bytes, see module.ts.
+struct Row {
+  double offset;
+  double size;
+  double time;  // ms from the start of GPS time; of measurements
+  std::uint8_t kind;
+  std::uint8_t detail;  // the type of another record, or the damage of a header
+  std::array<std::uint8_t, 6> reserved;
+};
+static_assert(sizeof(Row) == 32);
+
+// The walk of one file. Damaged headers come before the gap that they lie in, and are listed after
+// it, as the program does; when there are too many to be held, they are listed at once.
+class WalkC {
+ public:
+  explicit WalkC(double size) {
+    surveydata_source source{};
+    source.struct_size = sizeof(source);
+    source.size = static_cast<std::uint64_t>(size);
+    source.read_at = [](void* /*context*/, std::uint64_t offset, std::uint8_t* to,
+                        std::size_t count) -> std::int64_t {
+      return page_read(static_cast<double>(offset), to, count);
+    };
+    state_ = surveydata_reader_open_source(&source, 0, SURVEYDATA_NO_END, &reader_);
+    entry_.struct_size = sizeof(entry_);
+  }
+  WalkC(const WalkC&) = delete;
+  WalkC& operator=(const WalkC&) = delete;
+  ~WalkC() { surveydata_reader_close(reader_); }
+
+  surveydata_status GetState() const { return state_; }
+  Tool::SatelliteSeriesC& GetSeries() { return series_; }
+
+  std::span<const Row> Next(std::size_t most) {
+    rows_.clear();
+    while (rows_.size() < most) {
+      if (state_ != SURVEYDATA_OK) {
+        if (held_.empty()) break;
+        Release();
+        break;
+      }
+      surveydata_status status = surveydata_reader_next(reader_, SURVEYDATA_ALL_ENTRIES, &entry_);
+      if (status == SURVEYDATA_CANCELLED) break;
+      state_ = status;
+      if (status == SURVEYDATA_OK) Take();
+    }
+    return rows_;
+  }
+
+ private:
+  static constexpr std::size_t kMostHeld = 10'000;
+
+  void Take() {
+    Row row{static_cast<double>(entry_.offset),
+            static_cast<double>(entry_.size),
+            0,
+            static_cast<std::uint8_t>(entry_.kind),
+            static_cast<std::uint8_t>(entry_.kind == SURVEYDATA_DAMAGED_HEADER
+                                          ? entry_.damage
+                                          : entry_.record_type),
+            {}};
+    if (entry_.kind == SURVEYDATA_DAMAGED_HEADER) {
+      if (held_.size() == kMostHeld) Release();
+      held_.push_back(row);
+      return;
+    }
+    if (entry_.kind == SURVEYDATA_MEASUREMENT) {
+      const DecodedRecord record =
+          Tool::Decode(entry_.offset, {entry_.bytes, static_cast<std::size_t>(entry_.size)});
+      if (record.IsDone()) {
+        row.time =
+            static_cast<double>(Tool::GpsMilliseconds(record.measurement.GetTimeA()));
+        series_.Add(record);
+      } else {
+        row.kind = kBadFrame;
+      }
+    }
+    rows_.push_back(row);
+    if (entry_.kind == SURVEYDATA_GAP) Release();
+  }
+  void Release() {
+    rows_.insert(rows_.end(), held_.begin(), held_.end());
+    held_.clear();
+  }
+
+  surveydata_reader* reader_ = nullptr;
+  surveydata_status state_;
+  surveydata_entry entry_{};
+  std::vector<Row> rows_;
+  std::vector<Row> held_;
+  Tool::SatelliteSeriesC series_;
+};
+
+std::unique_ptr<WalkC> walk;
+std::unique_ptr<Tool::SatelliteSeriesC> part;  // the series of a part of the file
+
+std::string Told(bool isSet, double dop) {
+  return isSet && dop >= 0 ? fmt::format("{:.1f}", dop) : std::string("–");
+}
+
+// The cells of a measurement in the list.
+void DescribeMeasurement(const DecodedRecord& record, JsonWriterC& out) {
+  using ImplC = SDI::GPSMeasDataImplC;
+  const ImplC& measurement = record.measurement;
+  const SDI::GPSDOPsImplC& dops = measurement.GetDOPs();
+  const bool hasDOPs = (measurement.GetSetMask() & ImplC::kHasDOPs) != 0;
+  const Tool::OptionalPair pair = Tool::AskPair(measurement, &ImplC::GetTotalPair);
+  const auto text = [&](std::string_view key, const std::string& value) {
+    out.Field(key, std::string_view(value));
+  };
+  text("time", Tool::GpsDateTime(Tool::GpsMilliseconds(measurement.GetTimeA())));
+  text("hdop", Told(hasDOPs, dops.GetHDOP()));
+  text("vdop", Told(hasDOPs, dops.GetVDOP()));
+  text("pdop", Told(hasDOPs, dops.GetPDOP()));
+  text("satellites", pair ? fmt::format("{}/{}", (*pair)[1], (*pair)[0]) : std::string("–"));
+  text("name", Tool::ToPrintable(record.Name()));
+}
+
+void WriteBytes(const std::uint8_t* frame, std::uint32_t size, JsonWriterC& out) {
+  std::vector<surveydata_field> fields(SURVEYDATA_MOST_FIELDS);
+  std::size_t count = 0;
+  const surveydata_status status = surveydata_fields(frame, size, fields.data(),
+                                                     sizeof(surveydata_field), fields.size(), &count);
+  out.Field("status", std::string_view(surveydata_status_text(status)));
+  out.BeginArray("bytes");
+  for (std::size_t i = 0; status == SURVEYDATA_OK && i < count; ++i) {
+    const surveydata_field& field = fields[i];
+    out.BeginElement();
+    out.Field("at", field.offset);
+    out.Field("size", field.size);
+    out.Field("blockNumber", field.block);
+    out.Field("block", std::string_view(field.block_name));
+    out.Field("name", std::string_view(field.name));
+    out.Field("unit", std::string_view(field.unit));
+    out.Field("value", std::string_view(field.value));
+    out.End();
+  }
+  out.EndArray();
+}
+
+Tool::SatelliteSeriesC& SeriesOf(std::int32_t isPart) {
+  return isPart != 0 ? *part : walk->GetSeries();
+}
+
+}  // namespace
+
+/// Begins to walk the file that `page_read` reads; the walk before it is given up. Answers a status
+/// of the C interface.
+SURVEYDATA_PAGE std::int32_t page_walk_open(double size) {
+  walk = std::make_unique<WalkC>(size);
+  return walk->GetState();
+}
+
+/// Goes on to the next rows, `most` and somewhat more. The result are `Row`s. Answers a status: 0
+/// when there may be more.
+SURVEYDATA_PAGE std::int32_t page_walk(std::uint32_t most) {
+  return Page::Guarded([&] {
+    const std::span<const Row> rows = walk->Next(most);
+    Page::SetResult({reinterpret_cast<const char*>(rows.data()), rows.size_bytes()});
+    return walk->GetState();
+  });
+}
+
+/// Appends a line of JSON to the result: a row of the list. `frame` are the bytes of a record.
+SURVEYDATA_PAGE void page_row(std::uint32_t kind, std::uint32_t detail, double offset, double size,
+                              const std::uint8_t* frame) {
+  JsonWriterC out(Page::Result());
+  out.Field("kind", kind);
+  out.Field("offset", static_cast<std::uint64_t>(offset));
+  out.Field("size", static_cast<std::uint64_t>(size));
+  const auto tell = [&](const std::string& text) { out.Field("text", std::string_view(text)); };
+  switch (kind) {
+    case kMeasurement:
+      DescribeMeasurement(Tool::Decode(static_cast<std::uint64_t>(offset),
+                                       {frame, static_cast<std::size_t>(size)}),
+                          out);
+      tell("measurement");
+      break;
+    case kOther:
+      tell(fmt::format("record of type {}", detail));
+      break;
+    case kGap:
+      tell("gap: bytes that belong to no record");
+      break;
+    case kDamagedHeader:
+      tell(fmt::format("bad frame: {}", surveydata_text(SURVEYDATA_TEXT_DAMAGE, detail)));
+      break;
+    default:
+      tell("bad frame: right checksum, but its blocks do not fit");
+  }
+  out.EndLine();
+}
+
+/// The result is one record: its fields as `surveydata record show` has them, and its bytes.
+SURVEYDATA_PAGE std::int32_t page_record(double offset, const std::uint8_t* frame,
+                                         std::uint32_t size) {
+  return Page::Guarded([&] {
+    const DecodedRecord record =
+        Tool::Decode(static_cast<std::uint64_t>(offset), {frame, std::size_t{size}});
+    fmt::memory_buffer text;
+    Tool::ShowWriterC show(text);
+    Tool::DescribeRecord(record, show);
+    JsonWriterC out(Page::NewResult());
+    out.Field("text", std::string_view(text.data(), text.size()));
+    surveydata_measurement measurement{};
+    measurement.struct_size = sizeof(measurement);
+    const surveydata_status status = surveydata_decode(frame, size, &measurement);
+    out.Field("isWhole", status == SURVEYDATA_OK);
+    out.Field("name", std::string_view(measurement.name));
+    out.Field("number", measurement.number);
+    out.Field("height", double{measurement.antenna_height});
+    out.Field("isSlant", measurement.antenna_is_vertical == 0);
+    WriteBytes(frame, size, out);
+    out.EndLine();
+    return 0;
+  });
+}
+
+/// The result is the frame with the changes `which` of `surveydata_changes`, or why it cannot be
+/// changed. Answers a status of the C interface.
+SURVEYDATA_PAGE std::int32_t page_patch(const std::uint8_t* frame, std::uint32_t size,
+                                        std::uint32_t which, const char* name, std::int32_t number,
+                                        double height, std::int32_t isSlant) {
+  surveydata_changes changes{};
+  changes.struct_size = sizeof(changes);
+  changes.which = which;
+  changes.name = (which & SURVEYDATA_CHANGE_NAME) != 0 ? name : nullptr;
+  changes.number = number;
+  changes.antenna_height = static_cast<float>(height);
+  changes.is_slant = isSlant;
+  std::vector<std::uint8_t> patched(size);
+  const surveydata_status status = surveydata_patch(frame, size, &changes, patched.data());
+  if (status == SURVEYDATA_OK) {
+    Page::SetResult({reinterpret_cast<const char*>(patched.data()), patched.size()});
+  } else {
+    Page::SetResult(surveydata_status_text(status));
+  }
+  return status;
+}
+
+/// Appends what `surveydata record export` writes before the first record.
+SURVEYDATA_PAGE void page_export_header(std::int32_t isCsv) {
+  if (isCsv == 0) return;
+  Tool::CsvWriterC line(Page::Result(), Tool::CsvWriterC::Row::kHeader);
+  Tool::DescribeRecord(DecodedRecord(), line);
+  line.EndLine();
+}
+
+/// Appends what it writes for a record: nothing when the blocks of the frame do not fit.
+SURVEYDATA_PAGE void page_export(std::int32_t isCsv, double offset, const std::uint8_t* frame,
+                                 std::uint32_t size) {
+  const DecodedRecord record =
+      Tool::Decode(static_cast<std::uint64_t>(offset), {frame, std::size_t{size}});
+  if (!record.IsDone()) return;
+  if (isCsv != 0) {
+    Tool::CsvWriterC line(Page::Result(), Tool::CsvWriterC::Row::kRecord);
+    Tool::DescribeRecord(record, line);
+    line.EndLine();
+  } else {
+    JsonWriterC line(Page::Result());
+    Tool::DescribeRecord(record, line);
+    line.EndLine();
+  }
+}
+
+/// The time of a measurement, in ms from the start of GPS time.
+SURVEYDATA_PAGE double page_time(const std::uint8_t* frame, std::uint32_t size) {
+  return static_cast<double>(Tool::GpsMilliseconds(
+      Tool::Decode(0, {frame, std::size_t{size}}).measurement.GetTimeA()));
+}
+
+/// Begins the series of a part of the file, and adds a record to it.
+/// @{
+SURVEYDATA_PAGE void page_part_begin() { part = std::make_unique<Tool::SatelliteSeriesC>(); }
+SURVEYDATA_PAGE void page_part_add(const std::uint8_t* frame, std::uint32_t size) {
+  const DecodedRecord record = Tool::Decode(0, {frame, std::size_t{size}});
+  if (record.IsDone()) part->Add(record);
+}
+/// @}
+
+/// The result are the runs of a `SatelliteSeriesC::Value`: pairs of time (s) and value, with a pair
+/// of NaN between two runs.
+SURVEYDATA_PAGE std::int32_t page_series(std::int32_t isPart, std::uint32_t value) {
+  return Page::Guarded([&] {
+    std::vector<double> pairs;
+    if (SeriesOf(isPart).GetRecordCount() > 0) {
+      for (const auto& run :
+           SeriesOf(isPart).GetRuns(static_cast<Tool::SatelliteSeriesC::Value>(value))) {
+        if (!pairs.empty()) pairs.insert(pairs.end(), 2, std::nan(""));
+        for (const Tool::ChartPoint& point : run) {
+          pairs.insert(pairs.end(), {point.time, point.value});
+        }
+      }
+    }
+    Page::SetResult(
+        {reinterpret_cast<const char*>(pairs.data()), pairs.size() * sizeof(double)});
+    return 0;
+  });
+}
+
+/// The result is a JSON object: ticks of a time axis with their labels.
+SURVEYDATA_PAGE std::int32_t page_time_ticks(double first, double last, std::int32_t wanted) {
+  return Page::Guarded([&] {
+    JsonWriterC out(Page::NewResult());
+    out.BeginArray("ticks");
+    for (const double tick : Tool::TimeTicks(first, last, wanted)) {
+      const auto milliseconds = static_cast<std::int64_t>(std::llround(tick * 1000));
+      out.BeginElement();
+      out.Field("at", tick);
+      out.Field("date", std::string_view(Tool::GpsDate(milliseconds)));
+      out.Field("time", std::string_view(Tool::GpsTimeOfDay(milliseconds)));
+      out.End();
+    }
+    out.EndArray();
+    out.EndLine();
+    return 0;
+  });
+}
+
+/// The same for an axis of values from 0 on.
+SURVEYDATA_PAGE std::int32_t page_value_ticks(double top, std::int32_t wanted,
+                                              std::int32_t isWhole) {
+  return Page::Guarded([&] {
+    JsonWriterC out(Page::NewResult());
+    out.BeginArray("ticks");
+    for (const double tick : Tool::ValueTicks(top, wanted, isWhole != 0)) {
+      out.BeginElement();
+      out.Field("at", tick);
+      out.Field("label", std::string_view(fmt::format("{:.6g}", tick)));
+      out.End();
+    }
+    out.EndArray();
+    out.EndLine();
+    return 0;
+  });
+}

@@ -1,0 +1,66 @@
+// Elements, made and found.
+
+type Child = Node | string | null | undefined;
+type Properties = Record<string, string | number | boolean | ((event: never) => void) | undefined>;
+
+export function element<Name extends keyof HTMLElementTagNameMap>(
+  name: Name,
+  properties: Properties = {},
+  ...children: Child[]
+): HTMLElementTagNameMap[Name] {
+  return fill(document.createElement(name), properties, children);
+}
+
+export function svg<Name extends keyof SVGElementTagNameMap>(
+  name: Name,
+  properties: Properties = {},
+  ...children: Child[]
+): SVGElementTagNameMap[Name] {
+  return fill(document.createElementNS("http://www.w3.org/2000/svg", name), properties, children);
+}
+
+function fill<Made extends Element>(made: Made, properties: Properties, children: Child[]): Made {
+  for (const [key, value] of Object.entries(properties)) {
+    if (typeof value === "function") {
+      made.addEventListener(key, value as EventListener);
+    } else if (typeof value === "boolean") {
+      made.toggleAttribute(key, value);
+    } else if (value !== undefined) {
+      made.setAttribute(key, String(value));
+    }
+  }
+  made.append(...children.filter((child): child is Node | string => child != null));
+  return made;
+}
+
+export function button(label: string, click: () => void, properties: Properties = {}) {
+  return element("button", { type: "button", click, ...properties }, label);
+}
+
+/** Gives bytes to the user as a file. */
+export function download(name: string, content: Blob): void {
+  const url = URL.createObjectURL(content);
+  const link = element("a", { href: url, download: name });
+  document.body.append(link);
+  link.click();
+  link.remove();
+  setTimeout(() => URL.revokeObjectURL(url), 60_000);
+}
+
+const numbers = new Intl.NumberFormat("en");
+export function counted(count: number, thing: string): string {
+  return `${numbers.format(count)} ${thing}${count === 1 ? "" : "s"}`;
+}
+
+/** What a screen reader says, and sighted people read at the foot of the page. */
+export function say(message: string, isAlert = false): void {
+  const place = document.querySelector<HTMLElement>("#message")!;
+  place.textContent = message;
+  place.classList.toggle("alert", isAlert);
+  place.hidden = message === "";
+}
+
+export function messageOf(error: unknown): string {
+  const text = error instanceof Error ? error.message : String(error);
+  return text.charAt(0).toUpperCase() + text.slice(1);
+}

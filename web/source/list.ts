@@ -1,0 +1,207 @@
+// The list of records: of any number of rows, only those in view are in the page. Browsers limit the
+// height of an element, so above a number of rows the scroll bar is scaled.
+import { element } from "./dom";
+import type { ListRow } from "./protocol";
+import { FINDINGS } from "./row_index";
+
+const ROW_HEIGHT = 26;
+const MOST_HEIGHT = 8_000_000;
+const COLUMNS: [keyof ListRow, string][] = [
+  ["offset", "Offset"],
+  ["text", "Kind"],
+  ["size", "Bytes"],
+  ["time", "GPS time"],
+  ["hdop", "HDOP"],
+  ["vdop", "VDOP"],
+  ["pdop", "PDOP"],
+  ["satellites", "Used/view"],
+  ["name", "Name"],
+];
+
+export interface Range {
+  from: number;
+  to: number;
+}
+
+export class RecordList {
+  readonly root: HTMLElement;
+  /** The row that the keyboard is at, and the end of the selection that stays. */
+  current = 0;
+  private anchor = 0;
+  private count = 0;
+  private top = 0;
+  private scrollTop = 0;
+  private asked = 0;
+  private readonly scroller: HTMLElement;
+  private readonly space: HTMLElement;
+  private readonly body: HTMLElement;
+
+  constructor(
+    private readonly ask: (from: number, count: number) => Promise<ListRow[]>,
+    private readonly onSelect: (range: Range) => void,
+    private readonly onOpen: (row: number) => void,
+  ) {
+    const head = element(
+      "div",
+      { class: "row head", role: "row", "aria-rowindex": 1 },
+      ...COLUMNS.map(([key, title]) => element("span", { role: "columnheader", class: key }, title)),
+    );
+    this.body = element("div", { class: "rows", role: "rowgroup" });
+    this.space = element("div", { class: "space", role: "presentation" });
+    this.scroller = element(
+      "div",
+      {
+        class: "scroller",
+        role: "rowgroup",
+        scroll: () => this.scrolled(),
+        wheel: (event: WheelEvent) => this.wheel(event),
+      },
+      this.body,
+      this.space,
+    );
+    this.root = element(
+      "div",
+      {
+        class: "list",
+        role: "grid",
+        tabindex: 0,
+        "aria-label": "Records of the file",
+        "aria-multiselectable": "true",
+        keydown: (event: KeyboardEvent) => this.key(event),
+      },
+      element("div", { role: "rowgroup" }, head),
+      this.scroller,
+    );
+    this.body.setAttribute("role", "presentation");
+    this.body.addEventListener("pointerdown", (event) => this.press(event));
+    this.body.addEventListener("dblclick", () => this.onOpen(this.current));
+    new ResizeObserver(() => void this.render()).observe(this.scroller);
+  }
+
+  get selection(): Range {
+    return { from: Math.min(this.anchor, this.current), to: Math.max(this.anchor, this.current) };
+  }
+
+  setCount(count: number): void {
+    this.count = count;
+    this.root.setAttribute("aria-rowcount", String(count + 1));
+    this.space.style.height = `${Math.min(count * ROW_HEIGHT, MOST_HEIGHT)}px`;
+    void this.render();
+  }
+
+  /** Shows a row, and selects it or the rows up to it. */
+  go(row: number, extends_ = false): void {
+    if (this.count === 0) return;
+    this.current = Math.max(0, Math.min(row, this.count - 1));
+    if (!extends_) this.anchor = this.current;
+    this.reveal(this.current);
+    this.onSelect(this.selection);
+  }
+
+  select(range: Range): void {
+    this.anchor = range.from;
+    this.current = range.to;
+    this.reveal(range.from);
+    this.onSelect(this.selection);
+  }
+
+  async render(): Promise<void> {
+    const order = ++this.asked;
+    const rows = await this.ask(this.top, this.visible + 1).catch(() => []);
+    if (order !== this.asked) return;
+    const { from, to } = this.selection;
+    this.body.replaceChildren(
+      ...rows.map((row) =>
+        element(
+          "div",
+          {
+            class: `row${(row.kind & FINDINGS) !== 0 ? " finding" : ""}`,
+            id: `row-${row.row}`,
+            role: "row",
+            "aria-rowindex": row.row + 2,
+            "aria-selected": String(from <= row.row && row.row <= to),
+            "data-row": row.row,
+          },
+          ...COLUMNS.map(([key]) =>
+            element("span", { role: "gridcell", class: key }, String(row[key] ?? "")),
+          ),
+        ),
+      ),
+    );
+    this.body.querySelector(`#row-${this.current}`)?.classList.add("current");
+    if (this.count > 0) this.root.setAttribute("aria-activedescendant", `row-${this.current}`);
+    this.body.style.transform = `translateY(${this.scroller.scrollTop}px)`;
+  }
+
+  private get visible(): number {
+    return Math.max(1, Math.floor(this.scroller.clientHeight / ROW_HEIGHT));
+  }
+  private get lastTop(): number {
+    return Math.max(0, this.count - this.visible);
+  }
+
+  private scrolled(): void {
+    if (Math.abs(this.scroller.scrollTop - this.scrollTop) < 1.5) return void this.render();
+    this.scrollTop = this.scroller.scrollTop;
+    const reach = this.scroller.scrollHeight - this.scroller.clientHeight;
+    this.top = reach > 0 ? Math.round((this.scroller.scrollTop / reach) * this.lastTop) : 0;
+    void this.render();
+  }
+
+  private reveal(row: number): void {
+    if (row < this.top || row >= this.top + this.visible) {
+      this.scrollTo(row - Math.floor(this.visible / 3));
+    }
+    void this.render();
+  }
+
+  /** Exactly, also where the scroll bar cannot tell rows apart. */
+  private scrollTo(row: number): void {
+    this.top = Math.max(0, Math.min(row, this.lastTop));
+    const reach = this.scroller.scrollHeight - this.scroller.clientHeight;
+    this.scroller.scrollTop = this.lastTop > 0 ? (this.top / this.lastTop) * reach : 0;
+    this.scrollTop = this.scroller.scrollTop;
+  }
+
+  private wheel(event: WheelEvent): void {
+    if (this.count * ROW_HEIGHT <= MOST_HEIGHT || event.deltaMode !== 0 || event.ctrlKey) return;
+    event.preventDefault();
+    this.scrollTo(this.top + Math.sign(event.deltaY) * Math.ceil(Math.abs(event.deltaY) / ROW_HEIGHT));
+    void this.render();
+  }
+
+  private press(event: PointerEvent): void {
+    const row = (event.target as Element).closest<HTMLElement>("[data-row]");
+    if (!row) return;
+    this.current = Number(row.dataset["row"]);
+    if (!event.shiftKey) this.anchor = this.current;
+    this.onSelect(this.selection);
+    this.onOpen(this.current);
+    void this.render();
+  }
+
+  private key(event: KeyboardEvent): void {
+    const steps: Record<string, number> = {
+      ArrowDown: this.current + 1,
+      ArrowUp: this.current - 1,
+      PageDown: this.current + this.visible,
+      PageUp: this.current - this.visible,
+      Home: 0,
+      End: this.count - 1,
+    };
+    const to = steps[event.key];
+    if (to !== undefined) {
+      this.go(to, event.shiftKey);
+    } else if (event.key === "Enter" || event.key === " ") {
+      this.onOpen(this.current);
+    } else if (event.key === "a" && (event.ctrlKey || event.metaKey)) {
+      this.anchor = 0;
+      this.current = Math.max(this.count - 1, 0);
+      this.onSelect(this.selection);
+      void this.render();
+    } else {
+      return;
+    }
+    event.preventDefault();
+  }
+}

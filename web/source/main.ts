@@ -1,0 +1,145 @@
+// The page: files are dropped or chosen; each one has a tab.
+import { AreaView } from "./area_view";
+import { Client } from "./client";
+import { button, messageOf, say } from "./dom";
+import { RecordsView } from "./records_view";
+
+const MOST_AREA_BYTES = 64 << 20;
+
+interface View {
+  readonly root: HTMLElement;
+  readonly hasUnsaved: boolean;
+  load(): Promise<void>;
+  restart(): Promise<void>;
+  close(): void;
+}
+
+const client = new Client();
+const tabs = document.querySelector<HTMLElement>("#tabs")!;
+const views = document.querySelector<HTMLElement>("#views")!;
+const start = document.querySelector<HTMLElement>("#start")!;
+const opened = new Map<HTMLElement, View>();
+
+function show(tab: HTMLElement): void {
+  for (const [each, view] of opened) {
+    each.setAttribute("aria-selected", String(each === tab));
+    each.tabIndex = each === tab ? 0 : -1;
+    view.root.hidden = each !== tab;
+  }
+}
+
+let count = 0;
+async function add(name: string, view: View): Promise<void> {
+  const number = ++count;
+  const tab = button(name, () => show(tab), {
+    role: "tab", id: `tab-${number}`, "aria-controls": `view-${number}`,
+  });
+  view.root.id = `view-${number}`;
+  view.root.setAttribute("role", "tabpanel");
+  view.root.setAttribute("aria-labelledby", tab.id);
+  opened.set(tab, view);
+  tabs.append(tab);
+  views.append(view.root);
+  start.classList.add("small");
+  document.querySelector<HTMLElement>("#close")!.hidden = false;
+  show(tab);
+  await view.load();
+}
+
+/** Areas are JSON; whatever else is dropped is read as records, which says what is wrong with it. */
+async function isArea(file: File): Promise<boolean> {
+  const head = new TextDecoder().decode(await file.slice(0, 4096).arrayBuffer());
+  return head.replace(/^\uFEFF/, "").trimStart().startsWith("{");
+}
+
+async function open(file: File): Promise<void> {
+  say("");
+  try {
+    if (file.size === 0) {
+      say(`${file.name} is empty.`, true);
+    } else if (/\.(csv|txt)$/i.test(file.name) && current() instanceof AreaView) {
+      await (current() as AreaView).addDirections(file);
+    } else if (await isArea(file)) {
+      if (file.size > MOST_AREA_BYTES) throw new Error("The area file is too large.");
+      const area = await AreaView.open(client, file.name, await file.text());
+      await add(file.name, area);
+    } else {
+      await add(file.name, new RecordsView(client, file));
+    }
+  } catch (error) {
+    say(`${file.name}: ${messageOf(error)}`, true);
+  }
+}
+
+function current(): View | undefined {
+  for (const [tab, view] of opened) {
+    if (tab.getAttribute("aria-selected") === "true") return view;
+  }
+  return undefined;
+}
+
+async function openAll(files: Iterable<File>): Promise<void> {
+  for (const file of [...files]) await open(file);
+}
+
+tabs.addEventListener("keydown", (event) => {
+  const all = [...opened.keys()];
+  const at = all.findIndex((tab) => tab.getAttribute("aria-selected") === "true");
+  const step = event.key === "ArrowRight" ? 1 : event.key === "ArrowLeft" ? -1 : 0;
+  const next = all[(at + step + all.length) % all.length];
+  if (step === 0 || !next) return;
+  event.preventDefault();
+  show(next);
+  next.focus();
+});
+
+const input = document.querySelector<HTMLInputElement>("#files")!;
+input.addEventListener("change", () => {
+  void openAll(input.files ?? []);
+  input.value = "";
+});
+document.querySelector("#new-area")!.addEventListener("click", () => {
+  void AreaView.open(client, "area.json",
+    '{"kind": "polygon", "unit": "gon", "hzStep": 0.05, "vStep": 0.05, "points": []}')
+    .then((area) => add("area.json", area));
+});
+document.querySelector("#close")!.addEventListener("click", () => {
+  for (const [tab, view] of opened) {
+    if (tab.getAttribute("aria-selected") !== "true") continue;
+    if (view.hasUnsaved && !confirm("Close this file and lose its unsaved changes?")) return;
+    view.close();
+    view.root.remove();
+    tab.remove();
+    opened.delete(tab);
+  }
+  const [first] = opened.keys();
+  if (first) show(first);
+  document.querySelector<HTMLElement>("#close")!.hidden = !first;
+});
+
+addEventListener("dragover", (event) => {
+  event.preventDefault();
+  document.body.classList.add("dropping");
+});
+addEventListener("dragleave", () => document.body.classList.remove("dropping"));
+addEventListener("drop", (event) => {
+  event.preventDefault();
+  document.body.classList.remove("dropping");
+  void openAll(event.dataTransfer?.files ?? []);
+});
+addEventListener("beforeunload", (event) => {
+  if ([...opened.values()].some((view) => view.hasUnsaved)) event.preventDefault();
+});
+
+client.onRestart = () => {
+  say("The module failed and was started again. Your changes are kept.", true);
+  for (const view of opened.values()) void view.restart();
+};
+
+// A file that came with the page, as data.
+const embedded = document.querySelector<HTMLTemplateElement>("template#file");
+if (embedded) {
+  const bytes = Uint8Array.from(atob(embedded.content.textContent ?? ""), (c) => c.charCodeAt(0));
+  embedded.remove();
+  void open(new File([bytes], embedded.dataset["name"] ?? "file"));
+}

@@ -1,0 +1,150 @@
+// The module: the library and parts of the program, compiled to WebAssembly. This is the only file
+// that knows its memory.
+import instantiate from "surveydata-module";
+
+interface Exports {
+  HEAPU8: Uint8Array;
+  _malloc(size: number): number;
+  _free(address: number): void;
+  [name: string]: unknown;
+}
+
+/** A row of the list, as the walk gives it. */
+export interface Row {
+  kind: number;
+  detail: number;
+  offset: number;
+  size: number;
+  time: number;
+}
+
+export type Argument = number | string | Uint8Array | Float64Array;
+/** Reads bytes of the file that is being walked; -1 when reading fails, -2 to pause. */
+export type Read = (offset: number, to: Uint8Array) => number;
+
+const ROW_SIZE = 32;
+
+/** A function of the module answered that it failed, with its message. */
+export class ModuleError extends Error {}
+
+export class Module {
+  private constructor(private readonly exports: Exports) {}
+
+  static async load(compressed: Uint8Array, read: Read): Promise<Module> {
+    const stream = new Blob([compressed as BlobPart]).stream();
+    const bytes = await new Response(
+      stream.pipeThrough(new DecompressionStream("gzip")),
+    ).arrayBuffer();
+    let exports: Exports | undefined;
+    exports = (await instantiate({
+      instantiateWasm(
+        imports: WebAssembly.Imports,
+        done: (instance: WebAssembly.Instance) => void,
+      ) {
+        void WebAssembly.instantiate(bytes, imports).then((it) => done(it.instance));
+        return {};
+      },
+      pageRead: (offset: number, to: number, count: number) =>
+        read(offset, exports!.HEAPU8.subarray(to, to + count)),
+    })) as Exports;
+    return new Module(exports);
+  }
+
+  /** Bytes of memory that the module has. */
+  get memory(): number {
+    return this.exports.HEAPU8.byteLength;
+  }
+
+  /**
+   * Calls a function of the module. Texts and arrays are copied into its memory for the call; a text
+   * ends with a zero byte there.
+   */
+  call(name: string, ...values: Argument[]): number {
+    const taken: number[] = [];
+    try {
+      const numbers = values.map((value) => {
+        if (typeof value === "number") return value;
+        const address = this.put(value);
+        taken.push(address);
+        return address;
+      });
+      const run = this.exports[`_${name}`] as (...numbers: number[]) => number;
+      return run(...numbers);
+    } finally {
+      for (const address of taken) this.exports._free(address);
+    }
+  }
+
+  /** As `call`, for functions that answer -1 with a message when they fail. */
+  ask(name: string, ...values: Argument[]): number {
+    const answer = this.call(name, ...values);
+    if (answer === -1) throw new ModuleError(this.text());
+    return answer;
+  }
+
+  /** Copies into memory that `free` gives back. */
+  put(value: string | Uint8Array | Float64Array): number {
+    const bytes =
+      typeof value === "string"
+        ? new TextEncoder().encode(`${value}\0`)
+        : new Uint8Array(value.buffer, value.byteOffset, value.byteLength);
+    const address = this.take(bytes.length);
+    this.exports.HEAPU8.set(bytes, address);
+    return address;
+  }
+
+  take(size: number): number {
+    const address = this.exports._malloc(Math.max(size, 1));
+    if (address === 0) throw new ModuleError("there is not enough memory");
+    return address;
+  }
+
+  free(address: number): void {
+    this.exports._free(address);
+  }
+
+  write(bytes: Uint8Array, address: number): void {
+    this.exports.HEAPU8.set(bytes, address);
+  }
+
+  copy(address: number, size: number): Uint8Array {
+    return this.exports.HEAPU8.slice(address, address + size);
+  }
+
+  /** The result of the call before, which later calls do not change. */
+  bytes(): Uint8Array {
+    return this.copy(this.call("page_result"), this.call("page_result_size"));
+  }
+
+  get resultSize(): number {
+    return this.call("page_result_size");
+  }
+
+  text(): string {
+    return new TextDecoder().decode(this.bytes());
+  }
+
+  json<Value>(): Value {
+    return JSON.parse(this.text()) as Value;
+  }
+
+  doubles(): Float64Array {
+    return new Float64Array(this.bytes().buffer);
+  }
+
+  rows(): Row[] {
+    const bytes = this.bytes();
+    const view = new DataView(bytes.buffer);
+    const rows: Row[] = [];
+    for (let at = 0; at < bytes.length; at += ROW_SIZE) {
+      rows.push({
+        offset: view.getFloat64(at, true),
+        size: view.getFloat64(at + 8, true),
+        time: view.getFloat64(at + 16, true),
+        kind: view.getUint8(at + 24),
+        detail: view.getUint8(at + 25),
+      });
+    }
+    return rows;
+  }
+}

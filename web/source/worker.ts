@@ -1,0 +1,403 @@
+// The worker: files are read and the module is asked here, a slice at a time, so that the page
+// answers meanwhile and work can be cancelled.
+import { Module } from "./module";
+import type { Changes, ListRow, Progress, RecordDetail, Reply, Request, Summary } from "./protocol";
+import { BAD_FRAME, DAMAGED_HEADER, GAP, MEASUREMENT, OTHER, RowIndex } from "./row_index";
+
+declare class FileReaderSync {
+  readAsArrayBuffer(blob: Blob): ArrayBuffer;
+}
+interface Scope {
+  onmessage: ((event: MessageEvent<Request>) => void) | null;
+  postMessage(message: Reply, transfer?: Transferable[]): void;
+}
+const scope = self as unknown as Scope;
+
+const READ_FAILED = -1;
+const READ_PAUSED = -2;
+const STATUS_OK = 0;
+const STATUS_END = 1;
+const STATUS_CANCELLED = 6;
+const STATUS_READING_FAILED = 12;
+const SLICE_BYTES = 32 << 20;
+const SLICE_ROWS = 16_384;
+const READ_SIZE = 1 << 20;
+const SERIES_COUNT = 5;
+
+/** A record file with what the page changed in it. */
+class RecordFile {
+  readonly index = new RowIndex();
+  readonly patches = new Map<number, Uint8Array>();
+  series: Float64Array[] = [];
+  private cache: { offset: number; bytes: Uint8Array } = { offset: 0, bytes: new Uint8Array() };
+
+  constructor(readonly file: Blob) {}
+
+  read(offset: number, size: number): Uint8Array {
+    const end = Math.min(offset + size, this.file.size);
+    if (offset < this.cache.offset || end > this.cache.offset + this.cache.bytes.length) {
+      const length = Math.max(end - offset, READ_SIZE);
+      const bytes = new Uint8Array(
+        new FileReaderSync().readAsArrayBuffer(this.file.slice(offset, offset + length)),
+      );
+      for (const [at, frame] of this.patches) {
+        if (at + frame.length <= offset || at >= offset + bytes.length) continue;
+        const skipped = Math.max(offset - at, 0);
+        bytes.set(
+          frame.subarray(skipped, Math.min(frame.length, offset + bytes.length - at)),
+          at + skipped - offset,
+        );
+      }
+      this.cache = { offset, bytes };
+    }
+    return this.cache.bytes.subarray(offset - this.cache.offset, end - this.cache.offset);
+  }
+
+  forget(): void {
+    this.cache = { offset: 0, bytes: new Uint8Array() };
+  }
+}
+
+let module: Module;
+let walking: RecordFile | undefined;
+let bytesLeft = 0;
+const files = new Map<number, RecordFile>();
+const cancelled = new Set<number>();
+
+function readWalked(offset: number, to: Uint8Array): number {
+  if (!walking) return READ_FAILED;
+  if (bytesLeft <= 0) return READ_PAUSED;
+  try {
+    const bytes = walking.read(offset, to.length);
+    to.set(bytes);
+    bytesLeft -= bytes.length;
+    return bytes.length;
+  } catch {
+    return READ_FAILED;
+  }
+}
+
+/** Lets messages in: requests to cancel above all. */
+function pause(): Promise<void> {
+  return new Promise((resolve) => {
+    const channel = new MessageChannel();
+    channel.port1.onmessage = () => {
+      channel.port1.close();
+      resolve();
+    };
+    channel.port2.postMessage(null);
+  });
+}
+
+function file(key: number): RecordFile {
+  const found = files.get(key);
+  if (!found) throw new Error("the file is not open");
+  return found;
+}
+
+function takeSeries(isPart: boolean): Float64Array[] {
+  const series: Float64Array[] = [];
+  for (let value = 0; value < SERIES_COUNT; ++value) {
+    module.ask("page_series", isPart ? 1 : 0, value);
+    series.push(module.doubles());
+  }
+  return series;
+}
+
+function countOf(index: RowIndex, ...kinds: number[]): number {
+  return kinds.reduce((sum, kind) => sum + (index.counts.get(kind) ?? 0), 0);
+}
+
+/** Calls `visit` with each measurement of the rows and the address of its frame in the module. */
+async function eachFrame(
+  of: RecordFile,
+  from: number,
+  to: number,
+  isCancelled: () => boolean,
+  report: (progress: Progress) => void,
+  visit: (address: number, offset: number, size: number) => void,
+): Promise<void> {
+  const address = module.take(READ_SIZE);
+  try {
+    let row = from;
+    while (row <= to && !isCancelled()) {
+      const first = of.index.get(row);
+      const frames: { at: number; size: number }[] = [];
+      for (; row <= to; ++row) {
+        const each = of.index.get(row);
+        if (each.kind === DAMAGED_HEADER) continue;
+        if (each.offset + each.size - first.offset > READ_SIZE) break;
+        if (each.kind === MEASUREMENT) frames.push({ at: each.offset - first.offset, size: each.size });
+      }
+      const last = frames[frames.length - 1];
+      module.call("page_clear_result");
+      if (last) {
+        module.write(of.read(first.offset, last.at + last.size), address);
+        for (const frame of frames) visit(address + frame.at, first.offset + frame.at, frame.size);
+      } else if (row <= to && of.index.get(row).offset === first.offset) {
+        ++row; // a gap that is longer than what is read at once
+      }
+      report({ done: row - from, total: to - from + 1, rows: row - from });
+      await pause();
+    }
+  } finally {
+    module.free(address);
+  }
+}
+
+type Operation = (
+  id: number,
+  report: (progress: Progress) => void,
+  ...values: never[]
+) => unknown;
+
+const operations: Record<string, Operation> = {
+  async load(_id, _report, compressed: Uint8Array) {
+    module = await Module.load(compressed, readWalked);
+  },
+
+  async open(id, report, key: number, blob: Blob): Promise<Summary> {
+    const opened = new RecordFile(blob);
+    files.set(key, opened);
+    walking = opened;
+    let status = module.call("page_walk_open", blob.size);
+    let firstTime = Infinity;
+    let lastTime = -Infinity;
+    while (status === STATUS_OK || status === STATUS_CANCELLED) {
+      bytesLeft = SLICE_BYTES;
+      status = module.ask("page_walk", SLICE_ROWS);
+      let end = 0;
+      for (const row of module.rows()) {
+        opened.index.add(row);
+        end = row.offset + row.size;
+        if (row.kind !== MEASUREMENT) continue;
+        firstTime = Math.min(firstTime, row.time);
+        lastTime = Math.max(lastTime, row.time);
+      }
+      if (end > 0) report({ done: end, total: blob.size, rows: opened.index.count });
+      await pause();
+      if (cancelled.has(id)) break;
+    }
+    opened.series = takeSeries(false);
+    opened.forget();
+    walking = undefined;
+    const { index } = opened;
+    return {
+      rows: index.count,
+      measurements: countOf(index, MEASUREMENT),
+      others: countOf(index, OTHER),
+      gaps: countOf(index, GAP),
+      gapBytes: index.gapBytes,
+      badFrames: countOf(index, DAMAGED_HEADER, BAD_FRAME),
+      fault:
+        status === STATUS_READING_FAILED
+          ? "Reading the file failed: it may have been changed, moved or removed."
+          : status === STATUS_END || cancelled.has(id)
+            ? ""
+            : "The file could not be read to its end.",
+      isCancelled: cancelled.has(id),
+      firstTime,
+      lastTime,
+      memory: module.memory + index.bytes,
+    };
+  },
+
+  close(_id, _report, key: number) {
+    files.delete(key);
+  },
+
+  rows(_id, _report, key: number, from: number, count: number): ListRow[] {
+    const of = file(key);
+    const numbers: number[] = [];
+    module.call("page_clear_result");
+    for (let row = from; row < Math.min(from + count, of.index.count); ++row) {
+      const { kind, detail, offset, size } = of.index.get(row);
+      const frame = kind === MEASUREMENT ? of.read(offset, size) : new Uint8Array();
+      module.call("page_row", kind, detail, offset, size, frame);
+      numbers.push(row);
+    }
+    const lines = module.text().split("\n");
+    return numbers.map((row, i) => ({ ...(JSON.parse(lines[i]!) as ListRow), row }));
+  },
+
+  record(_id, _report, key: number, row: number): RecordDetail | null {
+    const of = file(key);
+    const { kind, offset, size } = of.index.get(row);
+    if (kind !== MEASUREMENT && kind !== BAD_FRAME) return null;
+    return describe(offset, of.read(offset, size));
+  },
+
+  /** A frame that is not in the file yet. */
+  describe(_id, _report, offset: number, frame: Uint8Array): RecordDetail {
+    return describe(offset, frame);
+  },
+
+  patch(_id, _report, frame: Uint8Array, changes: Changes): Uint8Array {
+    const { name, number, antenna } = changes;
+    const which =
+      (name !== undefined ? 1 : 0) | (number !== undefined ? 2 : 0) | (antenna ? 4 : 0);
+    const status = module.call(
+      "page_patch", frame, frame.length, which, name ?? "", number ?? 0, antenna?.height ?? 0,
+      antenna?.isSlant ? 1 : 0,
+    );
+    if (status !== STATUS_OK) throw new Error(`The change is refused: ${module.text()}.`);
+    return module.bytes();
+  },
+
+  keep(_id, _report, key: number, offset: number, frame: Uint8Array | null) {
+    const of = file(key);
+    if (frame) of.patches.set(offset, frame);
+    else of.patches.delete(offset);
+    of.forget();
+  },
+
+  find(_id, _report, key: number, kinds: number, row: number, step: number): number {
+    return file(key).index.find(kinds, row, step);
+  },
+
+  /** The row of the measurement whose time (ms) is the nearest to this one. */
+  rowAt(_id, _report, key: number, time: number): number {
+    const of = file(key);
+    const first = of.index.blockAt(time);
+    let best = first;
+    let bestDistance = Infinity;
+    for (let row = Math.max(first - 64, 0); row < Math.min(first + 192, of.index.count); ++row) {
+      const distance = Math.abs(timeOf(of, row) - time);
+      if (distance < bestDistance) {
+        bestDistance = distance;
+        best = row;
+      }
+    }
+    return best;
+  },
+
+  /** The time (ms) of the measurement at or next to a row; NaN when there is none. */
+  timeAt(_id, _report, key: number, row: number): number {
+    const of = file(key);
+    const after = of.index.find(MEASUREMENT, row, 1);
+    const found = after >= 0 ? after : of.index.find(MEASUREMENT, row, -1);
+    return found >= 0 ? timeOf(of, found) : NaN;
+  },
+
+  series(_id, _report, key: number): Float64Array[] {
+    return file(key).series;
+  },
+
+  async partOfSeries(id, report, key: number, from: number, to: number) {
+    module.call("page_part_begin");
+    await eachFrame(file(key), from, to, () => cancelled.has(id), report, (address, _offset, size) => {
+      module.call("page_part_add", address, size);
+    });
+    return cancelled.has(id) ? null : takeSeries(true);
+  },
+
+  timeTicks(_id, _report, first: number, last: number, wanted: number) {
+    module.ask("page_time_ticks", first, last, wanted);
+    return module.json<{ ticks: unknown[] }>().ticks;
+  },
+  valueTicks(_id, _report, top: number, wanted: number, isWhole: boolean) {
+    module.ask("page_value_ticks", top, wanted, isWhole ? 1 : 0);
+    return module.json<{ ticks: unknown[] }>().ticks;
+  },
+
+  async export(id, report, key: number, from: number, to: number, isCsv: boolean) {
+    const parts: Blob[] = [];
+    const take = () => {
+      parts.push(new Blob([module.bytes() as BlobPart]));
+      module.call("page_clear_result");
+    };
+    module.call("page_clear_result");
+    module.call("page_export_header", isCsv ? 1 : 0);
+    take();
+    const progress = (of: Progress) => {
+      take();
+      report(of);
+    };
+    await eachFrame(file(key), from, to, () => cancelled.has(id), progress, (address, offset, size) => {
+      module.call("page_export", isCsv ? 1 : 0, offset, address, size);
+    });
+    return cancelled.has(id) ? null : new Blob(parts);
+  },
+
+  openArea(_id, _report, text: string, name: string) {
+    const bytes = new TextEncoder().encode(text);
+    module.ask("page_area_open", bytes, bytes.length, name);
+    module.ask("page_area_report");
+    return module.json();
+  },
+  areaPicture() {
+    module.ask("page_area_picture");
+    return module.json();
+  },
+  areaAt(_id, _report, isPlane: boolean, x: number, y: number) {
+    module.ask("page_area_at", isPlane ? 1 : 0, x, y);
+    return module.json();
+  },
+  explain(_id, _report, hz: number, v: number) {
+    module.ask("page_area_explain", hz, v);
+    return module.json();
+  },
+  editArea(_id, _report, edit: number, index: number, hz: number, v: number) {
+    module.ask("page_area_edit", edit, index, hz, v);
+    return module.text();
+  },
+  convertArea(_id, _report, unit: string) {
+    module.ask("page_area_convert", unit);
+    return module.text();
+  },
+  directions(_id, _report, text: Uint8Array) {
+    module.ask("page_area_directions", text, text.length);
+    return module.doubles();
+  },
+  containsMany(_id, _report, hz: Float64Array, v: Float64Array): Uint8Array {
+    const address = module.take(hz.length);
+    try {
+      const status = module.ask("page_area_contains_many", hz, v, hz.length, address);
+      if (status !== STATUS_OK) throw new Error("the directions could not be answered");
+      return module.copy(address, hz.length);
+    } finally {
+      module.free(address);
+    }
+  },
+};
+
+function timeOf(of: RecordFile, row: number): number {
+  const { kind, offset, size } = of.index.get(row);
+  if (kind !== MEASUREMENT) return NaN;
+  return module.call("page_time", of.read(offset, size), size);
+}
+
+function describe(offset: number, frame: Uint8Array): RecordDetail {
+  module.ask("page_record", offset, frame, frame.length);
+  return { ...module.json<Omit<RecordDetail, "offset" | "frame">>(), offset, frame: frame.slice() };
+}
+
+async function answer(request: Request): Promise<void> {
+  const { id, operation, values } = request;
+  if (operation === "cancel") {
+    cancelled.add(values[0] as number);
+    return;
+  }
+  const report = (progress: Progress) => scope.postMessage({ id, progress });
+  try {
+    const run = operations[operation] as (...values: unknown[]) => unknown;
+    scope.postMessage({ id, result: await run(id, report, ...values) });
+  } catch (error) {
+    const isFatal = error instanceof WebAssembly.RuntimeError;
+    scope.postMessage({ id, error: error instanceof Error ? error.message : String(error), isFatal });
+  } finally {
+    cancelled.delete(id);
+  }
+}
+
+// What takes long is done one after the other, in slices between which everything else is answered.
+// Slices share the module's result with those answers, and therefore leave nothing in it.
+const LONG = new Set(["open", "export", "partOfSeries"]);
+let queue: Promise<void> = Promise.resolve();
+scope.onmessage = (event) => {
+  if (LONG.has(event.data.operation)) {
+    queue = queue.then(() => answer(event.data));
+  } else {
+    void answer(event.data);
+  }
+};
