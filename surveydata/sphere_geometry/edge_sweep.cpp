@@ -154,7 +154,7 @@ class SweepC {
                                     [&](std::size_t corner) { return corners[corner] != at; });
       // Edges begin where all that end are gone: what meets in a point and parts again there has no
       // order.
-      const std::span<const std::size_t> here(begin, end);
+      const std::span<const std::size_t> here(&*begin, static_cast<std::size_t>(end - begin));
       for (const std::size_t corner : here) RemoveEdgesEndingAt(corner);
       if (ArePlacesLost()) return AskForExchange();
       for (const std::size_t corner : here) {
