@@ -177,6 +177,7 @@ export class AreaView {
     this.pictures[view].replaceChildren(
       svg("defs", {}, svg("clipPath", { id: clip }, frame.cloneNode() as SVGElement)),
       frame,
+      ...this.graticule(view),
       svg("g", { "clip-path": `url(#${clip})` },
         svg("path", { d: paths.inside, class: "inside" }),
         svg("path", { d: paths.lowest, class: "lowest" }),
@@ -185,6 +186,36 @@ export class AreaView {
         svg("path", { d: paths.faultyEdges, class: "edge faulty" })),
       svg("g", { class: "marks" }),
     );
+  }
+
+  /** Every eighth of a turn. */
+  private graticule(view: View): SVGElement[] {
+    const [width, height] = SIZES[view];
+    const { fullTurn, unit } = this.report;
+    const label = (eighth: number) => String(Number(((fullTurn / 8) * eighth).toPrecision(5)));
+    const marks: SVGElement[] = [];
+    for (let i = 0; i < 8; ++i) {
+      if (view === "plane") {
+        const x = (width / 8) * i;
+        marks.push(svg("path", { d: `M${x} 0V${height}`, class: "graticule" }),
+          svg("text", { x, y: height + 11, class: "middle" }, i === 0 ? `Hz 0 ${unit}` : label(i)));
+        if (i > 0 && i < 4) {
+          const y = (height / 4) * i;
+          marks.push(svg("path", { d: `M0 ${y}H${width}`, class: "graticule" }),
+            svg("text", { x: width - 4, y: y - 3, class: "end" }, `V ${label(i)}`));
+        }
+      } else {
+        const angle = (i / 4) * Math.PI;
+        const [sine, cosine] = [Math.sin(angle), Math.cos(angle)];
+        const middle = width / 2;
+        marks.push(svg("path", { d: `M${middle} ${middle}L${middle * (1 + sine)} ${middle * (1 - cosine)}`, class: "graticule" }),
+          svg("text", { x: middle + (middle + 7) * sine, y: middle - (middle + 7) * cosine + 4, class: "middle" }, label(i)));
+        if (i > 0 && i < 4) {
+          marks.push(svg("circle", { cx: middle, cy: middle, r: (middle / 4) * i, class: "graticule" }));
+        }
+      }
+    }
+    return marks;
   }
 
   private drawMarks(): void {
@@ -398,7 +429,7 @@ export class AreaView {
         element("td", {}, point.distance === null ? "–" : String(point.distance)),
         element("td", {},
           button("Delete", () => void this.edit(REMOVE, i, 0, 0), { "aria-label": `Delete point ${i + 1}` }),
-          button("Insert after", () => void this.insertAfter(i), { "aria-label": `Insert a point after point ${i + 1}` })));
+          button("Insert after", () => void this.insertAfter(i), { "aria-label": `Insert after point ${i + 1}` })));
     });
     this.pointTable.replaceChildren(
       element("h3", {}, "Points"),

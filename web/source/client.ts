@@ -15,9 +15,20 @@ export interface Job<Result> {
   cancel(): void;
 }
 
+/** The alphabet of the module's text: five characters for four bytes. build.mjs writes it. */
+declare const ALPHABET: string;
+
 export function moduleBytes(): Uint8Array {
-  const text = document.querySelector<HTMLTemplateElement>("#module")!.content.textContent!;
-  return Uint8Array.from(atob(text), (c) => c.charCodeAt(0));
+  const template = document.querySelector<HTMLTemplateElement>("#module")!;
+  const text = template.content.textContent!;
+  const words = new DataView(new ArrayBuffer((text.length / 5) * 4));
+  const values = new Map([...ALPHABET].map((character, value) => [character, value]));
+  for (let i = 0; i < text.length; i += 5) {
+    let word = 0;
+    for (let k = i; k < i + 5; ++k) word = word * 85 + values.get(text[k]!)!;
+    words.setUint32((i / 5) * 4, word);
+  }
+  return new Uint8Array(words.buffer, 0, Number(template.dataset["size"]));
 }
 
 export class Client {

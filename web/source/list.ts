@@ -8,8 +8,8 @@ const ROW_HEIGHT = 26;
 const MOST_HEIGHT = 8_000_000;
 const COLUMNS: [keyof ListRow, string][] = [
   ["offset", "Offset"],
-  ["text", "Kind"],
   ["size", "Bytes"],
+  ["text", "Kind"],
   ["time", "GPS time"],
   ["hdop", "HDOP"],
   ["vdop", "VDOP"],
@@ -51,28 +51,20 @@ export class RecordList {
     this.scroller = element(
       "div",
       {
-        class: "scroller",
-        role: "rowgroup",
-        scroll: () => this.scrolled(),
-        wheel: (event: WheelEvent) => this.wheel(event),
-      },
-      this.body,
-      this.space,
-    );
-    this.root = element(
-      "div",
-      {
         class: "list",
         role: "grid",
         tabindex: 0,
         "aria-label": "Records of the file",
         "aria-multiselectable": "true",
         keydown: (event: KeyboardEvent) => this.key(event),
+        scroll: () => this.scrolled(),
+        wheel: (event: WheelEvent) => this.wheel(event),
       },
-      element("div", { role: "rowgroup" }, head),
-      this.scroller,
+      element("div", { class: "heads", role: "rowgroup" }, head),
+      this.body,
+      this.space,
     );
-    this.body.setAttribute("role", "presentation");
+    this.root = this.scroller;
     this.body.addEventListener("pointerdown", (event) => this.press(event));
     this.body.addEventListener("dblclick", () => this.onOpen(this.current));
     new ResizeObserver(() => void this.render()).observe(this.scroller);
@@ -123,7 +115,11 @@ export class RecordList {
             "data-row": row.row,
           },
           ...COLUMNS.map(([key]) =>
-            element("span", { role: "gridcell", class: key }, String(row[key] ?? "")),
+            element(
+              "span",
+              { role: "gridcell", class: key, hidden: row[key] === undefined },
+              String(row[key] ?? ""),
+            ),
           ),
         ),
       ),
@@ -134,7 +130,7 @@ export class RecordList {
   }
 
   private get visible(): number {
-    return Math.max(1, Math.floor(this.scroller.clientHeight / ROW_HEIGHT));
+    return Math.max(1, Math.floor(this.scroller.clientHeight / ROW_HEIGHT) - 1);
   }
   private get lastTop(): number {
     return Math.max(0, this.count - this.visible);

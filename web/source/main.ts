@@ -15,6 +15,8 @@ interface View {
 }
 
 const client = new Client();
+// For scripts of the reader, in the console of the browser.
+(window as unknown as { surveydata: Client }).surveydata = client;
 const tabs = document.querySelector<HTMLElement>("#tabs")!;
 const views = document.querySelector<HTMLElement>("#views")!;
 const start = document.querySelector<HTMLElement>("#start")!;

@@ -383,7 +383,11 @@ async function answer(request: Request): Promise<void> {
     const run = operations[operation] as (...values: unknown[]) => unknown;
     scope.postMessage({ id, result: await run(id, report, ...values) });
   } catch (error) {
-    const isFatal = error instanceof WebAssembly.RuntimeError;
+    // A trap, or a C++ exception that nothing caught.
+    const { Exception } = WebAssembly as unknown as { Exception?: new () => unknown };
+    const isFatal =
+      error instanceof WebAssembly.RuntimeError ||
+      (Exception !== undefined && error instanceof Exception);
     scope.postMessage({ id, error: error instanceof Error ? error.message : String(error), isFatal });
   } finally {
     cancelled.delete(id);
