@@ -19,6 +19,7 @@ usage: ./test.sh [PART]
   --fuzz SECONDS  run each fuzz target for SECONDS, two at once; continues from build/fuzz/corpus
   --bit-for-bit   compare results of the sphere geometry across compilers and optimisation levels
   --valgrind      run a selection of the tests under valgrind
+  --page          build the page for the browser and test it in Chromium
   --python        build, install and test the Python package, in build/python
 END
   exit 2
@@ -46,6 +47,19 @@ test_on_windows() {
   trap 'wineserver -k' EXIT
   wine wineboot --init >/dev/null 2>&1
   run_workflows mingw
+}
+
+test_page() {
+  cmake --preset dev
+  cmake --build --preset dev --target surveydata_tool page_containment_hash
+  cmake --preset wasm
+  cmake --build --preset wasm
+  npm ci --prefix web --no-audit --no-fund
+  npm run --prefix web check
+  mkdir -p build/page
+  node web/build.mjs build/wasm/web/surveydata.mjs build/wasm/web/surveydata.wasm build/page/surveydata.html
+  SURVEYDATA_PICTURE=$PWD/build/page/page.png \
+    node --test --test-reporter=tap web/tests/page.test.mjs
 }
 
 part=${1:-}
@@ -91,6 +105,10 @@ case "$part" in
   --python)
     install_dependencies "${build_packages[@]}" "${python_packages[@]}"
     python/test_package.sh
+    ;;
+  --page)
+    install_dependencies "${build_packages[@]}" "${test_packages[@]}" "${page_packages[@]}"
+    test_page
     ;;
   *) usage ;;
 esac

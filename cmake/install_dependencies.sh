@@ -58,3 +58,8 @@ tidy_packages=(clang clang-tidy cppcheck)
 
 # What the Python package needs besides; what it needs of PyPI is in python/requirements-test.txt.
 python_packages=(python3-dev python3-venv)
+
+# What the page for the browser needs besides; what it needs of npm is in web/package-lock.json. Where
+# Node.js is not Debian's, npm comes with it.
+page_packages=(chromium emscripten)
+command -v npm >/dev/null 2>&1 || page_packages+=(nodejs npm)

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include <module/files.h>
+#include <module/results.h>
 #include <nlohmann/json.hpp>
 
 #include <surveydata/c_interface/surveydata.h>
@@ -25,8 +27,6 @@
 #include <area/area_measure.h>
 #include <area/direction_reader.h>
 #include <command_line/text.h>
-#include <module/files.h>
-#include <module/results.h>
 #include <output/json_writer.h>
 #include <output/svg.h>
 
@@ -139,7 +139,11 @@ std::string PlanePath(const Tool::Curve& curve, int least) {
     const double turn = (first + i) * GMAT::TWO_PI;
     if (!(std::min(a, b) - reach + turn <= GMAT::TWO_PI)) break;
     const auto points = Tool::Sampled(
-        curve, [&](const AnglePointC& p) { return InPlane({p.Hz + turn, p.V}); }, least);
+        curve,
+        [&](const AnglePointC& p) {
+          return InPlane({p.Hz + turn, p.V});
+        },
+        least);
     const auto isShown = [](const SvgPoint& p) { return p.x >= 0 && p.x <= kPlaneWidth; };
     if (std::any_of(points.begin(), points.end(), isShown)) path += PathOf(points, false);
   }
@@ -296,7 +300,8 @@ SURVEYDATA_PAGE std::int32_t page_area_report() {
     out.BeginArray("points");
     for (const SDI::ScanDefPointC& point : Points()) {
       out.BeginElement();
-      out.Field("distance", point.HasDistance() ? std::optional(point.GetDistance()) : std::nullopt);
+      out.Field("distance",
+                point.HasDistance() ? std::optional(point.GetDistance()) : std::nullopt);
       WriteDirection(out, {point.GetHz(), point.GetV()});
       out.End();
     }
@@ -385,9 +390,9 @@ SURVEYDATA_PAGE std::int32_t page_area_explain(double hz, double v) {
     std::size_t count = 0;
     const double hzRadians = Tool::ToRadians(hz, unit);
     const double vRadians = Tool::ToRadians(v, unit);
-    const surveydata_status status = surveydata_area_explain(
-        Opened().handle.get(), hzRadians, vRadians, &why, crossings.data(),
-        sizeof(surveydata_crossing), crossings.size(), &count);
+    const surveydata_status status =
+        surveydata_area_explain(Opened().handle.get(), hzRadians, vRadians, &why, crossings.data(),
+                                sizeof(surveydata_crossing), crossings.size(), &count);
     if (status != SURVEYDATA_OK && status != SURVEYDATA_BUFFER_TOO_SMALL) {
       throw std::runtime_error(surveydata_status_text(status));
     }
@@ -460,9 +465,9 @@ SURVEYDATA_PAGE std::int32_t page_area_convert(const char* unit) {
   });
 }
 
-/// The result is what the open area answers for the directions in a file, as doubles: how many there
-/// are, how many of them are inside, and then for the first of them Hz and V in rad, the place in
-/// the plane, the place in the view from the zenith, and 1 or 0.
+/// The result is what the open area answers for the directions in a file, as doubles: how many
+/// there are, how many of them are inside, and then for the first of them Hz and V in rad, the
+/// place in the plane, the place in the view from the zenith, and 1 or 0.
 SURVEYDATA_PAGE std::int32_t page_area_directions(const char* text, std::uint32_t size) {
   return Page::Guarded([&] {
     constexpr double kMost = 20'000;
@@ -482,9 +487,8 @@ SURVEYDATA_PAGE std::int32_t page_area_directions(const char* text, std::uint32_
       GMAT::WrapIntoRange(hz, 0.0, GMAT::TWO_PI);
       const SvgPoint plane = InPlane({hz, direction.V});
       const SvgPoint zenith = FromZenith(direction);
-      answers.insert(answers.end(),
-                     {direction.Hz, direction.V, plane.x, plane.y, zenith.x, zenith.y,
-                      static_cast<double>(isInside)});
+      answers.insert(answers.end(), {direction.Hz, direction.V, plane.x, plane.y, zenith.x,
+                                     zenith.y, static_cast<double>(isInside)});
     }
     Page::SetResult(
         {reinterpret_cast<const char*>(answers.data()), answers.size() * sizeof(double)});

@@ -9,10 +9,11 @@
 #include <string_view>
 #include <vector>
 
+#include <module/results.h>
+
 #include <surveydata/c_interface/surveydata.h>
 
 #include <command_line/text.h>
-#include <module/results.h>
 #include <output/chart.h>
 #include <output/csv_writer.h>
 #include <output/gps_time.h>
@@ -100,9 +101,8 @@ class WalkC {
             static_cast<double>(entry_.size),
             0,
             static_cast<std::uint8_t>(entry_.kind),
-            static_cast<std::uint8_t>(entry_.kind == SURVEYDATA_DAMAGED_HEADER
-                                          ? entry_.damage
-                                          : entry_.record_type),
+            static_cast<std::uint8_t>(
+                entry_.kind == SURVEYDATA_DAMAGED_HEADER ? entry_.damage : entry_.record_type),
             {}};
     if (entry_.kind == SURVEYDATA_DAMAGED_HEADER) {
       if (held_.size() == kMostHeld) Release();
@@ -113,8 +113,7 @@ class WalkC {
       const DecodedRecord record =
           Tool::Decode(entry_.offset, {entry_.bytes, static_cast<std::size_t>(entry_.size)});
       if (record.IsDone()) {
-        row.time =
-            static_cast<double>(Tool::GpsMilliseconds(record.measurement.GetTimeA()));
+        row.time = static_cast<double>(Tool::GpsMilliseconds(record.measurement.GetTimeA()));
         series_.Add(record);
       } else {
         row.kind = kBadFrame;
@@ -164,8 +163,8 @@ void DescribeMeasurement(const DecodedRecord& record, JsonWriterC& out) {
 void WriteBytes(const std::uint8_t* frame, std::uint32_t size, JsonWriterC& out) {
   std::vector<surveydata_field> fields(SURVEYDATA_MOST_FIELDS);
   std::size_t count = 0;
-  const surveydata_status status = surveydata_fields(frame, size, fields.data(),
-                                                     sizeof(surveydata_field), fields.size(), &count);
+  const surveydata_status status = surveydata_fields(
+      frame, size, fields.data(), sizeof(surveydata_field), fields.size(), &count);
   out.Field("status", std::string_view(surveydata_status_text(status)));
   out.BeginArray("bytes");
   for (std::size_t i = 0; status == SURVEYDATA_OK && i < count; ++i) {
@@ -216,9 +215,9 @@ SURVEYDATA_PAGE void page_row(std::uint32_t kind, std::uint32_t detail, double o
   const auto tell = [&](const std::string& text) { out.Field("text", std::string_view(text)); };
   switch (kind) {
     case kMeasurement:
-      DescribeMeasurement(Tool::Decode(static_cast<std::uint64_t>(offset),
-                                       {frame, static_cast<std::size_t>(size)}),
-                          out);
+      DescribeMeasurement(
+          Tool::Decode(static_cast<std::uint64_t>(offset), {frame, static_cast<std::size_t>(size)}),
+          out);
       tell("measurement");
       break;
     case kOther:
@@ -310,8 +309,8 @@ SURVEYDATA_PAGE void page_export(std::int32_t isCsv, double offset, const std::u
 
 /// The time of a measurement, in ms from the start of GPS time.
 SURVEYDATA_PAGE double page_time(const std::uint8_t* frame, std::uint32_t size) {
-  return static_cast<double>(Tool::GpsMilliseconds(
-      Tool::Decode(0, {frame, std::size_t{size}}).measurement.GetTimeA()));
+  return static_cast<double>(
+      Tool::GpsMilliseconds(Tool::Decode(0, {frame, std::size_t{size}}).measurement.GetTimeA()));
 }
 
 /// Begins the series of a part of the file, and adds a record to it.
@@ -337,8 +336,7 @@ SURVEYDATA_PAGE std::int32_t page_series(std::int32_t isPart, std::uint32_t valu
         }
       }
     }
-    Page::SetResult(
-        {reinterpret_cast<const char*>(pairs.data()), pairs.size() * sizeof(double)});
+    Page::SetResult({reinterpret_cast<const char*>(pairs.data()), pairs.size() * sizeof(double)});
     return 0;
   });
 }

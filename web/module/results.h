@@ -23,7 +23,6 @@ fmt::memory_buffer& Result();
 
 void SetResult(std::string_view text);
 
-
 /// Sets the message of the exception that is being handled as the result.
 void SetResultToException();
 

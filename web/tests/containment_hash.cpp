@@ -1,5 +1,5 @@
-// Prints the hash of the library's native answers for the directions of containment.mjs, and how many
-// of them are inside. Standard input has the points of a polygon: Hz and V in rad, one a line.
+// Prints the hash of the library's native answers for the directions of containment.mjs, and how
+// many of them are inside. Standard input has the points of a polygon: Hz and V in rad, one a line.
 #include <cstdint>
 #include <cstdio>
 #include <vector>

@@ -7,7 +7,7 @@ import { fileURLToPath, pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
 
 export const root = resolve(dirname(fileURLToPath(import.meta.url)), "../..");
-export const pageFile = process.env.SURVEYDATA_PAGE ?? join(root, "build/wasm/web/surveydata.html");
+export const pageFile = process.env.SURVEYDATA_PAGE ?? join(root, "build/page/surveydata.html");
 export const program = process.env.SURVEYDATA_PROGRAM ?? join(root, "build/dev/tools/surveydata");
 export const data = (name) => join(root, "tests/data", name);
 export const text = (name) => readFileSync(data(name), "utf8");
