@@ -59,7 +59,7 @@ test_page() {
   mkdir -p build/page
   node web/build.mjs build/wasm/web/surveydata.mjs build/wasm/web/surveydata.wasm build/page/surveydata.html
   SURVEYDATA_PICTURE=$PWD/build/page/page.png \
-    node --test --test-reporter=tap web/tests/page.test.mjs
+    node --test --test-reporter=tap web/tests/module.test.mjs web/tests/page.test.mjs
 }
 
 part=${1:-}

@@ -433,9 +433,10 @@ export class AreaView {
     });
     this.pointTable.replaceChildren(
       element("h3", {}, "Points"),
-      element("table", {},
+      element("div", { class: "wide", tabindex: 0, role: "region", "aria-label": "Table of points" },
+        element("table", {},
         element("thead", {}, element("tr", {}, ...["Point", `Hz [${unit}]`, `V [${unit}]`, "Distance [m]", "Change"].map((title) => element("th", { scope: "col" }, title)))),
-        element("tbody", {}, ...rows)));
+        element("tbody", {}, ...rows))));
   }
 
   /** Between a point and the next one, where the plane shows them; it is meant to be moved. */

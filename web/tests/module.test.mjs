@@ -1,0 +1,73 @@
+// The module alone, in Node.js: what it answers without a page around it.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { join } from "node:path";
+import { test } from "node:test";
+import { pathToFileURL } from "node:url";
+
+import { data, root, text } from "./support.mjs";
+
+const folder = process.env.SURVEYDATA_MODULE ?? join(root, "build/wasm/web");
+globalThis.self = globalThis; // the module is made for a worker
+globalThis.location = { href: pathToFileURL(folder).href };
+const { default: instantiate } = await import(pathToFileURL(join(folder, "surveydata.mjs")).href);
+
+/** The module over bytes in memory. */
+async function load(bytes) {
+  const binary = readFileSync(join(folder, "surveydata.wasm"));
+  const module = await instantiate({
+    instantiateWasm(imports, done) {
+      void WebAssembly.instantiate(binary, imports).then((it) => done(it.instance));
+      return {};
+    },
+    pageRead(offset, to, count) {
+      const part = bytes.subarray(offset, offset + count);
+      module.HEAPU8.set(part, to);
+      return part.length;
+    },
+  });
+  return module;
+}
+const result = (module) =>
+  Buffer.from(module.HEAPU8.slice(module._page_result(), module._page_result() + module._page_result_size()));
+
+test("every measurement that the walk gives is written as the program does", async () => {
+  for (const name of ["valley_drive", "desert_highway"]) {
+    const bytes = readFileSync(data(`${name}.rec`));
+    const module = await load(bytes);
+    assert.equal(module._page_walk_open(bytes.length), 0);
+    const rows = [];
+    let status = 0;
+    while (status === 0) {
+      status = module._page_walk(100);
+      const part = result(module);
+      for (let at = 0; at < part.length; at += 32) {
+        if (part[at + 24] === 1) rows.push([part.readDoubleLE(at), part.readDoubleLE(at + 8)]);
+      }
+    }
+    assert.equal(status, 1);
+    const frame = module._malloc(512);
+    module._page_clear_result();
+    for (const [offset, size] of rows) {
+      module.HEAPU8.set(bytes.subarray(offset, offset + size), frame);
+      module._page_export(0, offset, frame, size);
+    }
+    assert.equal(result(module).toString(), text(`${name}.expected.jsonl`));
+  }
+});
+
+test("walking and decoding: the speed is reported", async () => {
+  const sample = readFileSync(data("valley_drive.rec"));
+  const bytes = Buffer.concat(Array(1000).fill(sample));
+  const module = await load(bytes);
+  module._page_walk_open(bytes.length);
+  let rows = 0;
+  const start = performance.now();
+  for (let status = 0; status === 0; ) {
+    status = module._page_walk(16_384);
+    rows += module._page_result_size() / 32;
+  }
+  const seconds = (performance.now() - start) / 1000;
+  assert.equal(rows, 1000 * 631);
+  console.log(`# walking and decoding: ${(bytes.length / 1e6 / seconds).toFixed(0)} MB/s`);
+});
