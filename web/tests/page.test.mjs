@@ -452,9 +452,6 @@ for (const colorScheme of ["light", "dark"]) {
       await page.locator("form.change").getByLabel("Number").fill("3");
       await page.locator(".preview .byte.changed").first().waitFor();
       await check("records");
-      if (colorScheme === "light" && size === "wide" && process.env.SURVEYDATA_PICTURE) {
-        await page.screenshot({ path: process.env.SURVEYDATA_PICTURE });
-      }
       await openFiles(page, data("areas/bow_tie.json"));
       await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
       await page.locator("figure svg").first().click({ position: { x: 120, y: 60 } });
@@ -463,6 +460,19 @@ for (const colorScheme of ["light", "dark"]) {
     }, { colorScheme, viewport });
   }
 }
+
+onPage("plots, list and record are in view together", async (page) => {
+  await openFiles(page, data("valley_drive.rec"));
+  await status(page);
+  await page.locator(".row", { hasText: /^960/ }).click();
+  await page.getByRole("heading", { name: "Record at 960" }).waitFor();
+  for (const part of [".stage svg", ".row.current", ".dump .byte"]) {
+    const box = await page.locator(part).first().boundingBox();
+    assert.ok(box.y > 0 && box.y + box.height < 960, part);
+  }
+  // The picture of docs/page.md.
+  if (process.env.SURVEYDATA_PICTURE) await page.screenshot({ path: process.env.SURVEYDATA_PICTURE });
+}, { viewport: { width: 1280, height: 960 } });
 
 onPage("everything is reached by keyboard", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
