@@ -12,7 +12,7 @@ export interface TimeRange {
 const WIDTH = 960;
 const LEFT = 46;
 const RIGHT = 950;
-const HEIGHT = 120;
+const HEIGHT = 84;
 const BETWEEN = 30;
 const PANELS = [
   { title: "Dilution of precision", isWhole: false, lines: [["HDOP", 0], ["VDOP", 1], ["PDOP", 2]] },
