@@ -99,8 +99,8 @@ static void test_batches(const uint8_t* bytes, size_t size) {
   for (;;) {
     size_t row;
     unsigned absent = 0;
-    const surveydata_status status = surveydata_reader_read_columns(
-        reader, buffers, sizeof(buffers[0]), 3, 9, &rows, &left_out);
+    const surveydata_status status =
+        surveydata_reader_read_columns(reader, buffers, sizeof(buffers[0]), 3, 9, &rows, &left_out);
     if (status == SURVEYDATA_END) break;
     CHECK_STATUS(status, SURVEYDATA_OK);
     CHECK(0 < rows && rows <= 9);
@@ -121,8 +121,9 @@ static void test_batches(const uint8_t* bytes, size_t size) {
   }
   CHECK(rows == 0 && left_out == 5);
   CHECK(frame == FRAMES);
-  CHECK_STATUS(surveydata_reader_read_columns(reader, buffers, sizeof(buffers[0]), 3, 9, &rows, NULL),
-               SURVEYDATA_END);
+  CHECK_STATUS(
+      surveydata_reader_read_columns(reader, buffers, sizeof(buffers[0]), 3, 9, &rows, NULL),
+      SURVEYDATA_END);
   surveydata_reader_close(reader);
 }
 
