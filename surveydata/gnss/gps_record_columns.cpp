@@ -53,8 +53,10 @@ class MasksC {
     return static_cast<Bits>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));  // the signs
 #else
     unsigned bits = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) bits |= (masks_[i] << toTop & 0x8000U) << i;
-    return static_cast<Bits>(bits >> 15);
+    for (std::size_t i = 0; i < kBlock; ++i) {
+      bits |= (std::uint32_t{masks_[i]} << toTop >> 15 & 1U) << i;
+    }
+    return static_cast<Bits>(bits);
 #endif
   }
 
