@@ -88,7 +88,7 @@ std::size_t WalkC::FindRecord(std::uint64_t limit) { return Find(limit, damage_)
 
 // With headers taken, or without.
 std::size_t WalkC::Find(std::uint64_t limit, DamageFinderC* damage) {
-  while (window_.GetOffset() < limit) {
+  while (window_.GetOffset() < limit && !isLost_) {
     if (window_.GetOffset() >= progressAt_) ReportProgress();
     if (!window_.Need(1)) {
       if (damage != nullptr) PassEnd();
@@ -98,6 +98,10 @@ std::size_t WalkC::Find(std::uint64_t limit, DamageFinderC* damage) {
     if (size != 0) {
       if (damage != nullptr) PassRecord();
       return size;
+    }
+    if (IsUnknown()) {
+      isLost_ = true;
+      break;
     }
     if (damage != nullptr) TakeDamage();
     const std::uint64_t left = limit - window_.GetOffset();
@@ -129,6 +133,7 @@ void WalkC::PassEnd() {
 void WalkC::SettleDamage() {
   while (damage_ != nullptr && damage_->IsOpen()) {
     const std::size_t size = Find(damage_->GetOpenEnd(), nullptr);  // no further headers
+    if (isLost_) return damage_->Drop();
     if (size != 0) {
       PassRecord();
     } else if (!window_.Need(1)) {
@@ -183,7 +188,10 @@ bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
     const bool isAhead = ahead[place];
     if (!isInRun && count == 1 && isAhead) return true;
     if (at >= progressAt_) ReportProgress();
-    if (!window_.Need(1)) return true;  // all walks meet at the end
+    if (!window_.Need(1)) {  // all walks meet at the end
+      isLost_ = HasFailed();
+      return true;
+    }
     if (isAhead) {
       ahead[place] = false;
       --count;
@@ -191,6 +199,10 @@ bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
     if (isInRun || isAhead) {
       const bool isCandidate = *window_.GetFront() == (RecordFrame::kMagic & 0xFF);
       const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
+      if (IsUnknown()) {
+        isLost_ = true;
+        return true;
+      }
       const auto next = static_cast<std::size_t>((at + step) % kRing);
       if (!ahead[next]) {
         ahead[next] = true;
@@ -218,6 +230,16 @@ std::size_t WalkC::RecordSize() {
   if (static_cast<std::uint16_t>(sum + checksum) == 0) return header.Size();
   if (isAtOnce) inVain_ += count;
   return 0;
+}
+
+// Whether reading failed before the end of what may be a record at the front. The bytes of its body
+// must not be taken for records.
+bool WalkC::IsUnknown() {
+  if (!HasFailed() || !window_.Need(1)) return false;
+  if (*window_.GetFront() != (RecordFrame::kMagic & 0xFF)) return false;
+  if (!window_.Need(RecordFrame::kHeaderSize)) return true;
+  const auto header = RecordFrame::Header::Load(window_.GetFront());
+  return header.IsRecord() && !window_.Need(header.Size());
 }
 
 // How far the next byte is that a record may begin with: at least one byte on.

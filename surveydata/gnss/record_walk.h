@@ -137,6 +137,7 @@ class WalkC {
   std::size_t Find(std::uint64_t limit, DamageFinderC* damage);
   void ReportProgress();
   std::size_t RecordSize();
+  bool IsUnknown();
   void TakeDamage();
   void PassRecord();
   void PassEnd();
@@ -148,6 +149,7 @@ class WalkC {
   DamageFinderC* damage_ = nullptr;
   std::function<void(std::uint64_t)> progress_;
   std::uint64_t progressAt_ = kNoLimit;  // where it is reported next
+  bool isLost_ = false;  // reading failed within what may be a record: no further ones are known
 
   static constexpr std::size_t kShort = 1024;
   std::uint64_t start_ = 0;   // of the walk

@@ -471,6 +471,38 @@ TEST(RecordReader, AFunctionThatFailsEndsTheReading) {
   }
 }
 
+// The body of a record that could not be read whole may hold frames, which are no records.
+TEST(RecordReader, FramesInsideARecordThatCannotBeReadAreNotRecords) {
+  const ByteVector first = FrameOf(20);
+  ByteVector body;
+  while (body.size() < 7'000) Append(body, FrameOf(29, 5));
+  ByteVector bytes = first;
+  FrameBuilderC outer;
+  for (const std::uint8_t byte : body) outer.U8(byte);
+  Append(bytes, outer.Frame(9));
+  for (const std::size_t readable :
+       {first.size() + 2, first.size() + 5, first.size() + 2'000, bytes.size() - 1}) {
+    const auto read = Chunks(bytes, bytes.size());
+    const auto fails = [&](std::uint64_t offset, std::span<std::uint8_t> to) -> std::ptrdiff_t {
+      if (offset >= readable) return -1;
+      return read(offset, to.first(std::min<std::size_t>(to.size(), readable - offset)));
+    };
+    GPSRecordReaderC reader(fails, bytes.size());
+    reader.SetReportDamaged([](const GPSDamagedHeader& /*header*/) { ADD_FAILURE(); });
+    GPSRecordEntry entry;
+    ASSERT_TRUE(reader.NextEntry(entry));
+    EXPECT_EQ(entry, (GPSRecordEntry{0, first.size(), false, 113}));
+    EXPECT_FALSE(reader.NextEntry(entry)) << entry.offset;
+    EXPECT_EQ(reader.GetState(), GPSReaderState::kReadingFailed);
+    for (const std::uint64_t begin : {std::uint64_t{1}, std::uint64_t{first.size() + 100}}) {
+      GPSRecordReaderC stretch(fails, bytes.size(), {begin, bytes.size()});
+      EXPECT_FALSE(stretch.NextEntry(entry)) << begin;
+      EXPECT_FALSE(stretch.Next());
+      EXPECT_EQ(stretch.GetState(), GPSReaderState::kReadingFailed);
+    }
+  }
+}
+
 // What is wrong with the last header was not seen any more.
 TEST(RecordReader, DamageIsNotMadeUpWhereReadingFailed) {
   ByteVector bytes = FrameOf(400, 1);
