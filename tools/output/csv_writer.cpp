@@ -5,27 +5,23 @@
 
 namespace Tool {
 
-std::string CsvWriterC::Path(std::string_view key) const {
-  return groups_.empty() ? std::string(key) : fmt::format("{}.{}", groups_.back(), key);
+void CsvWriterC::Value(float value) {
+  if (!std::isfinite(value)) return Empty();
+  Cell({});
+  fmt::format_to(fmt::appender(out_), "{}", value);
 }
 
-void CsvWriterC::Quoted(std::string_view text) { Cell(CsvCell(text, formulas_)); }
-
-void CsvWriterC::Cells(double value) {
-  Cell(std::isfinite(value) ? fmt::format("{}", value) : std::string());
+void CsvWriterC::Value(double value) {
+  if (!std::isfinite(value)) return Empty();
+  Cell({});
+  fmt::format_to(fmt::appender(out_), "{}", value);
 }
 
-void CsvWriterC::Cells(std::u16string_view text) { Quoted(ToPrintable(text)); }
+void CsvWriterC::Value(std::string_view text) { Cell(CsvCell(ToPrintable(text), formulas_)); }
 
-void CsvWriterC::Cells(HexBytes value) {
-  std::string hex;
-  for (const char byte : value.bytes)
-    hex += fmt::format("{:02x}", static_cast<unsigned char>(byte));
-  Cell(hex);
-}
-
-void CsvWriterC::Cells(std::span<const std::uint16_t> values) {
-  Cell(fmt::format("{}", fmt::join(values, " ")));
+void CsvWriterC::Value(std::span<const std::uint16_t> values) {
+  Cell({});
+  fmt::format_to(fmt::appender(out_), "{}", fmt::join(values, " "));
 }
 
 }  // namespace Tool

@@ -46,8 +46,8 @@ Command RecordCommands() {
   command.name = "record";
   command.description = "Inspect, export, patch and draw record files";
   command.footer = "Example:\n  surveydata record list --help";
-  command.commands = {RecordListCommand(), RecordShowCommand(), RecordExportCommand(),
-                      RecordSetCommand(), RecordPlotCommand()};
+  command.commands = {RecordListCommand(),    RecordShowCommand(), RecordExportCommand(),
+                      RecordColumnsCommand(), RecordSetCommand(),  RecordPlotCommand()};
   return command;
 }
 

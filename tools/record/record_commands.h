@@ -21,6 +21,7 @@ Command RecordCommands();
 Command RecordListCommand();
 Command RecordShowCommand();
 Command RecordExportCommand();
+Command RecordColumnsCommand();
 Command RecordSetCommand();
 Command RecordPlotCommand();
 

@@ -1,13 +1,25 @@
+#include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include <surveydata/gnss/gps_time.h>
+#include <surveydata/gnss/record_columns.h>
 
 #include <command_line/common_options.h>
+#include <command_line/message.h>
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/each_measurement.h>
+#include <record/record_columns.h>
 #include <record/record_commands.h>
 #include <record/record_walk.h>
 
@@ -15,7 +27,8 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Write every measurement with all its fields, as JSON Lines or as a CSV table.\n"
+    "Write every measurement with all its fields, as JSON Lines or as a CSV table, whose columns\n"
+    "surveydata record columns lists; what is absent is an empty cell.\n"
     "Bad frames are left out, counted on standard error, and give the exit code 1; so does a file\n"
     "without a measurement. Other kinds of records and gaps are passed over, with chance bytes in\n"
     "a gap that look like a header whose frame runs into the next record.";
@@ -24,14 +37,63 @@ struct Options {
   std::string file;
   std::string output;
   bool isCsv = false;
+  RecordColumns columns = AllRecordColumns();
   Formulas formulas = Formulas::kEscape;
 };
 
-void WriteCsv(OutputC& out, const DecodedRecord& record, CsvWriterC::Row row, Formulas formulas) {
-  CsvWriterC line(out.GetBuffer(), row, formulas);
-  DescribeRecord(record, line);
-  line.EndLine();
-}
+// Writes the table, and notes when times in UTC are not certain.
+class CsvTableC {
+ public:
+  CsvTableC(OutputC& out, const Options& options)
+      : out_(out), columns_(options.columns), formulas_(options.formulas) {
+    isInUTC_ = std::ranges::any_of(columns_, [](const SDI::GPSColumn* column) {
+      return std::string_view(column->name).ends_with("_utc");
+    });
+    CsvWriterC line(out.GetBuffer(), formulas_);
+    for (const SDI::GPSColumn* const column : columns_) line.Name(column->name);
+    line.EndLine();
+  }
+
+  void Write(const DecodedRecord& record) {
+    CsvWriterC line(out_.GetBuffer(), formulas_);
+    SDI::GPSColumnValueC value;
+    for (const SDI::GPSColumn* const column : columns_) {
+      SDI::RecordColumns::Ask(
+          *column, {&record.measurement, &record.info, record.offset, record.size}, value);
+      std::visit(
+          [&line](const auto& held) {
+            if constexpr (std::is_same_v<decltype(held), const std::monostate&>) {
+              line.Empty();
+            } else {
+              line.Value(held);
+            }
+          },
+          value.Get());
+    }
+    line.EndLine();
+    hasTimesAfterExpiry_ |= isInUTC_ && IsAfterExpiry(record.measurement);
+  }
+
+  void TellAboutLeapSeconds() const {
+    if (!hasTimesAfterExpiry_) return;
+    Tell(fmt::format("times in UTC from {} on take it that the leap seconds of the {} are all",
+                     SDI::kLeapSecondExpiry, SDI::kLeapSecondSource));
+  }
+
+ private:
+  static bool IsAfterExpiry(const SDI::GPSMeasDataImplC& measurement) {
+    Vorlin::TimeC extra;
+    const bool hasExtra = measurement.GetExtraTime(extra.week, extra.timeOfWeek);
+    return SDI::IsAfterLeapSecondExpiry(measurement.GetTimeA()) ||
+           (hasExtra && SDI::IsAfterLeapSecondExpiry(extra));
+  }
+
+  OutputC& out_;
+  const RecordColumns& columns_;
+  Formulas formulas_;
+  bool isInUTC_ = false;
+  bool hasTimesAfterExpiry_ = false;
+};
 
 void WriteJson(OutputC& out, const DecodedRecord& record) {
   JsonWriterC line(out.GetBuffer());
@@ -42,15 +104,17 @@ void WriteJson(OutputC& out, const DecodedRecord& record) {
 ExitCode Run(const Options& options) {
   RecordWalkC walk(options.file, options.output.empty());
   OutputC out(options.output, options.file);
-  if (options.isCsv) WriteCsv(out, DecodedRecord(), CsvWriterC::Row::kHeader, options.formulas);
+  std::optional<CsvTableC> table;
+  if (options.isCsv) table.emplace(out, options);
   const ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
-    if (options.isCsv) {
-      WriteCsv(out, record, CsvWriterC::Row::kRecord, options.formulas);
+    if (table) {
+      table->Write(record);
     } else {
       WriteJson(out, record);
     }
     out.FlushIfFull();
   });
+  if (table) table->TellAboutLeapSeconds();
   out.Close();
   return result;
 }
@@ -68,10 +132,12 @@ Command RecordExportCommand() {
   command.options = {{.names = {"--csv"},
                       .description = "CSV with a header row, quoted as RFC 4180 has it",
                       .flag = &options->isCsv},
+                     RecordColumnsOption(options->columns),
                      FormulasOption(options->formulas),
                      OutputOption(options->output,
                                   "The file to write, - for standard output, the default", "OUT")};
   command.options[1].needs = {"--csv"};
+  command.options[2].needs = {"--csv"};
   command.run = [options] { return Run(*options); };
   return command;
 }

@@ -1,11 +1,16 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
-#include <map>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include <surveydata/gnss/gps_record_columns.h>
 
 #include "tests/tools/program.h"
 
@@ -45,39 +50,36 @@ std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
   return rows;
 }
 
-std::string CellOf(const json& value) {
-  if (value.is_null()) return "";
-  return value.is_string() ? value.get<std::string>() : value.dump();
-}
-
-// The cells that a record makes, by the names of their columns.
-void Flatten(const std::string& path, const json& value,
-             std::map<std::string, std::string>& cells) {
-  const auto under = [&](const std::string& key) { return path.empty() ? key : path + "." + key; };
-  if (value.is_object()) {
-    for (const auto& [key, member] : value.items()) Flatten(under(key), member, cells);
-  } else if (path.ends_with(".timeA") || path.ends_with(".extraTime")) {
-    cells[under("week")] = value[0].dump();
-    cells[under("timeOfWeek")] = value[1].dump();
-  } else if (path.ends_with(".entries")) {
-    for (const json& entry : value) cells[path] += (cells[path].empty() ? "" : " ") + entry.dump();
-    cells.try_emplace(path);
-  } else if (value.is_array()) {
-    for (std::size_t i = 0; i < value.size(); ++i)
-      cells[under(std::to_string(i))] = CellOf(value[i]);
-  } else {
-    cells[path] = CellOf(value);
-  }
-}
-
-// Numbers are compared as numbers, exactly: there may be two shortest ways to write one.
-bool IsSame(const std::string& cell, const std::string& expected) {
-  if (cell == expected) return true;
-  char* cellEnd = nullptr;
-  char* expectedEnd = nullptr;
-  const double number = std::strtod(cell.c_str(), &cellEnd);
-  return number == std::strtod(expected.c_str(), &expectedEnd) && cellEnd != cell.c_str() &&
-         *cellEnd == '\0' && expectedEnd != expected.c_str() && *expectedEnd == '\0';
+// The cell that a value makes; a number in any form that is read back as that number.
+bool IsCellOf(const std::string& cell, const SDI::GPSColumnValueC& value) {
+  const auto isNumber = [&cell](auto number, auto parse) {
+    char* end = nullptr;
+    return parse(cell.c_str(), &end) == number && end == cell.c_str() + cell.size();
+  };
+  return std::visit(
+      [&](const auto& held) {
+        using Held = std::remove_cvref_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, std::monostate>) {
+          return cell.empty();
+        } else if constexpr (std::is_same_v<Held, bool>) {
+          return cell == (held ? "true" : "false");
+        } else if constexpr (std::is_same_v<Held, float>) {
+          return isNumber(held, &std::strtof);
+        } else if constexpr (std::is_same_v<Held, double>) {
+          return isNumber(held, &std::strtod);
+        } else if constexpr (std::is_integral_v<Held>) {
+          return cell == std::to_string(held);
+        } else if constexpr (std::is_same_v<Held, std::string_view>) {
+          return cell == held;
+        } else {
+          std::string entries;
+          for (const std::uint16_t entry : held) {
+            entries += (entries.empty() ? "" : " ") + std::to_string(entry);
+          }
+          return cell == entries;
+        }
+      },
+      value.Get());
 }
 
 std::string WriteFrames(const TempFolderC& folder, const Bytes& frames) {
@@ -121,32 +123,109 @@ TEST(RecordExport, RefusesToOverwriteItsInput) {
   }
 }
 
-TEST(RecordExport, GivesTheSameValuesAsCsv) {
+void ExpectTable(const std::string& csv, const Bytes& bytes,
+                 const std::vector<std::string>& columns) {
+  const auto rows = ParseCsv(csv);
+  ASSERT_FALSE(rows.empty());
+  EXPECT_EQ(rows[0], columns);
+  std::size_t row = 0;
+  SDI::GPSColumnValueC value;
+  for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(bytes)) {
+    SCOPED_TRACE(record.GetOffset());
+    ASSERT_LT(++row, rows.size());
+    ASSERT_EQ(rows[row].size(), columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      SDI::AskGPSColumn(*SDI::FindGPSColumn(columns[i]), record, value);
+      EXPECT_TRUE(IsCellOf(rows[row][i], value)) << columns[i] << ": " << rows[row][i];
+    }
+  }
+  EXPECT_EQ(row + 1, rows.size());
+}
+
+// That the values are right is for `gps_record_columns_test`.
+TEST(RecordExport, WritesTheColumnsAsCsv) {
+  std::vector<std::string> all;
+  for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) all.emplace_back(column.name);
   for (const char* const name : kSamples) {
     SCOPED_TRACE(name);
-    const Outcome outcome = Export(DataPath(std::string(name) + ".rec"), {"--csv"});
+    const std::string file = DataPath(std::string(name) + ".rec");
+    const Outcome outcome = Export(file, {"--csv"});
     EXPECT_EQ(outcome.exitCode, 0);
-    const auto rows = ParseCsv(outcome.out);
-    const auto records = JsonLines(ReadText(DataPath(std::string(name) + ".expected.jsonl")));
-    ASSERT_EQ(rows.size(), records.size() + 1);
-    const std::vector<std::string>& header = rows[0];
-    for (std::size_t i = 0; i < records.size(); ++i) {
-      SCOPED_TRACE(records[i]["offset"]);
-      std::map<std::string, std::string> expected;
-      Flatten("", records[i], expected);
-      ASSERT_EQ(rows[i + 1].size(), header.size());
-      for (std::size_t k = 0; k < header.size(); ++k) {
-        // Columns of a group that a record has none of are empty.
-        const auto cell = expected.find(header[k]);
-        const std::string value = cell == expected.end() ? "" : cell->second;
-        EXPECT_TRUE(IsSame(rows[i + 1][k], value))
-            << header[k] << ": " << rows[i + 1][k] << ", expected " << value;
-        if (cell != expected.end()) expected.erase(cell);
-      }
-      for (const auto& [column, value] : expected) {
-        EXPECT_EQ(value, "") << "no column " << column;  // null stands for a whole group
-      }
-    }
+    EXPECT_EQ(outcome.err, "");
+    ExpectTable(outcome.out, ReadBytes(file), all);
+  }
+}
+
+TEST(RecordExport, WritesTheColumnsThatAreChosenInTheirOrder) {
+  const std::string file = DataPath("valley_drive.rec");
+  ExpectTable(Export(file, {"--csv", "--columns", "time_utc,list_entries,offset"}).out,
+              ReadBytes(file), {"time_utc", "list_entries", "offset"});
+  ExpectTable(Export(file, {"--csv", "--columns", "hdop"}).out, ReadBytes(file), {"hdop"});
+}
+
+TEST(RecordExport, RefusesColumnsThatAreNoneAndHintsAtTheNearest) {
+  const struct {
+    const char* columns;
+    const char* message;
+  } cases[] = {
+      {"hdop,vdob", "there is no column \"vdob\"; did you mean vdop?"},
+      {"time_urc", "there is no column \"time_urc\"; did you mean time_utc?"},
+      {"HDOP", "there is no column \"HDOP\"; surveydata record columns lists them"},
+      {"dop", "there is no column \"dop\"; did you mean hdop or vdop or tdop or pdop or gdop?"},
+      {"measurement.timeA.week",
+       "there is no column \"measurement.timeA.week\"; surveydata record columns lists them"},
+      {"", "there is no column \"\"; surveydata record columns lists them"},
+      {"hdop,", "there is no column \"\"; surveydata record columns lists them"},
+      {"hdop,vdop,hdop", "the column hdop is there twice"},
+  };
+  for (const auto& [columns, message] : cases) {
+    const Outcome outcome = Export(DataPath("valley_drive.rec"), {"--csv", "--columns", columns});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
+  }
+  EXPECT_EQ(Export(DataPath("valley_drive.rec"), {"--columns", "hdop"}).exitCode, 2);
+}
+
+TEST(RecordExport, SaysOnceThatTimesInUtcAreAfterTheExpiryOfTheLeapSeconds) {
+  const TempFolderC folder;
+  const auto frameOf = [](std::uint16_t week) {
+    Bytes body = MakeBody(0, {});
+    body[0] = static_cast<std::uint8_t>(week & 0xFF);  // of time A, the first field
+    body[1] = static_cast<std::uint8_t>(week >> 8);
+    return MakeFrame(113, body);
+  };
+  const std::string message =
+      "surveydata: times in UTC from 2027-06-28 on take it that the leap seconds of the IERS "
+      "leap-seconds.list of 2026-07-06 are all\n";
+  const std::string late = WriteFrames(folder, frameOf(2600) + frameOf(2601));
+  EXPECT_EQ(Export(late, {"--csv"}).err, message);
+  EXPECT_EQ(Export(late, {"--csv", "--columns", "time_utc"}).err, message);
+  EXPECT_EQ(Export(late, {"--csv"}).exitCode, 0);
+  EXPECT_EQ(Export(late, {"--csv", "--columns", "time_gps,gps_week"}).err, "");
+  EXPECT_EQ(Export(late).err, "");
+  EXPECT_EQ(Export(WriteFrames(folder, frameOf(2400)), {"--csv"}).err, "");
+}
+
+TEST(RecordColumns, AreListedForPeopleAndForMachines) {
+  const Outcome list = RunProgram({"record", "columns"});
+  EXPECT_EQ(list.exitCode, 0);
+  const auto lines = Lines(list.out);
+  const auto objects = JsonLines(RunProgram({"record", "columns", "--json"}).out);
+  const auto columns = SDI::GetGPSColumns();
+  ASSERT_EQ(lines.size(), columns.size());
+  ASSERT_EQ(objects.size(), columns.size());
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const SDI::GPSColumn& column = columns[i];
+    EXPECT_TRUE(lines[i].starts_with(std::string(column.name) + " "));
+    EXPECT_TRUE(lines[i].ends_with(std::string(" ") + column.description));
+    const std::string type = TextOf(column.type);
+    EXPECT_NE(lines[i].find(" " + type + (column.canBeAbsent ? "? " : " ")), std::string::npos);
+    EXPECT_EQ(objects[i], (json{{"name", column.name},
+                                {"type", type},
+                                {"unit", column.unit},
+                                {"canBeAbsent", column.canBeAbsent},
+                                {"description", column.description}}));
   }
 }
 
@@ -267,7 +346,7 @@ TEST(RecordExport, EscapesTextsThatLookLikeFormulas) {
     const auto rows = ParseCsv(Export(file, options).out);
     EXPECT_EQ(rows.size(), 2u);
     for (std::size_t i = 0; i < rows[0].size(); ++i) {
-      if (rows[0][i] == "measurement.textD") return rows[1][i];
+      if (rows[0][i] == "text_d") return rows[1][i];
     }
     return std::string("no such column");
   };

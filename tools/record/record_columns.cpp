@@ -1,0 +1,125 @@
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <numeric>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include <output/json_writer.h>
+#include <output/output.h>
+#include <record/record_columns.h>
+#include <record/record_commands.h>
+
+namespace Tool {
+namespace {
+
+// How many characters are to be inserted, deleted or replaced to make `a` of `b`.
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i + 1;
+    for (std::size_t k = 0; k < b.size(); ++k) {
+      const std::size_t replaced = diagonal + (a[i] == b[k] ? 0 : 1);
+      diagonal = row[k + 1];
+      row[k + 1] = std::min({replaced, row[k] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+// A hint at the columns whose names are nearest to `name`, if some are near.
+std::string Suggestion(std::string_view name) {
+  std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
+  std::string names;
+  for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) {
+    const std::size_t distance = EditDistance(name, column.name);
+    if (distance > nearest || distance > std::max<std::size_t>(2, name.size() / 3)) continue;
+    if (distance < nearest) names.clear();
+    nearest = distance;
+    if (!names.empty()) names += " or ";
+    names += column.name;
+  }
+  if (!names.empty()) return "; did you mean " + names + "?";
+  return "; surveydata record columns lists them";
+}
+
+RecordColumns ParseColumns(std::string_view text) {
+  RecordColumns columns;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find(',', at), text.size());
+    const std::string_view name = text.substr(at, end - at);
+    const SDI::GPSColumn* const column = SDI::FindGPSColumn(name);
+    if (column == nullptr) {
+      throw ValueErrorC(fmt::format("there is no column \"{}\"{}", name, Suggestion(name)));
+    }
+    if (std::ranges::find(columns, column) != columns.end()) {
+      throw ValueErrorC(fmt::format("the column {} is there twice", name));
+    }
+    columns.push_back(column);
+    at = end + 1;
+  }
+  return columns;
+}
+
+constexpr const char* kDescription =
+    "List the columns of a table of measurements: name, type, unit and what they hold. Values "
+    "that\n"
+    "can be absent have a question mark after their type.";
+
+ExitCode Run(bool isJson) {
+  OutputC out;
+  for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) {
+    if (isJson) {
+      JsonWriterC line(out.GetBuffer());
+      line.NamedField("name", column.name);
+      line.NamedField("type", TextOf(column.type));
+      line.NamedField("unit", column.unit);
+      line.Field("canBeAbsent", column.canBeAbsent);
+      line.NamedField("description", column.description);
+      line.EndLine();
+      out.FlushIfFull();
+    } else {
+      out.Print("{:<26}{:<16}{:<5} {}\n", column.name,
+                fmt::format("{}{}", TextOf(column.type), column.canBeAbsent ? "?" : ""),
+                column.unit, column.description);
+    }
+  }
+  out.Close();
+  return ExitCode::kDone;
+}
+
+}  // namespace
+
+RecordColumns AllRecordColumns() {
+  RecordColumns columns;
+  for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) columns.push_back(&column);
+  return columns;
+}
+
+CommandOption RecordColumnsOption(RecordColumns& columns) {
+  return {.names = {"--columns"},
+          .value = "NAMES",
+          .description =
+              "The columns of the CSV table, with commas in between; surveydata record "
+              "columns lists them",
+          .take = [&columns](const std::string& text) { columns = ParseColumns(text); }};
+}
+
+Command RecordColumnsCommand() {
+  const auto isJson = std::make_shared<bool>(false);
+  Command command;
+  command.name = "columns";
+  command.description = kDescription;
+  command.footer =
+      "Example:\n  surveydata record export valley_drive.rec --csv --columns time_utc,hdop,vdop";
+  command.options = {{.names = {"--json"},
+                      .description = "JSON Lines: one object per column",
+                      .flag = isJson.get()}};
+  command.run = [isJson] { return Run(*isJson); };
+  return command;
+}
+
+}  // namespace Tool
