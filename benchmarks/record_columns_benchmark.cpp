@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <surveydata/c_interface/arrow_c_interface.h>
+#include <surveydata/c_interface/surveydata.h>
 #include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/gps_record_reader.h>
 
@@ -95,5 +97,56 @@ void BM_Columns(benchmark::State& state, Choice choice) {
 BENCHMARK_CAPTURE(BM_Columns, all, Choice::kAll)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, numbers, Choice::kNumbers)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, few, Choice::kFew)->Unit(benchmark::kMillisecond);
+
+// The same buffers by the function of the C interface.
+void BM_ColumnsInC(benchmark::State& state, Choice choice) {
+  const SamplesC& samples = SamplesC::Get();
+  BatchC batch(ColumnsOf(choice));
+  std::vector<surveydata_column_buffer> buffers;
+  for (const SDI::GPSColumnBuffer& buffer : batch.Get()) {
+    const auto place = buffer.column - SDI::GetGPSColumns().data();
+    buffers.push_back({static_cast<std::uint32_t>(place), 0, buffer.values, buffer.size,
+                       buffer.offsets, buffer.validity, 0});
+  }
+  std::size_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    surveydata_reader* reader = nullptr;
+    surveydata_reader_open_file(samples.Name().c_str(), 0, SURVEYDATA_NO_END, &reader);
+    std::size_t rows = 0;
+    while (surveydata_reader_read_columns(reader, buffers.data(), sizeof(buffers[0]),
+                                          buffers.size(), kRows, &rows, nullptr) == SURVEYDATA_OK) {
+      count += rows;
+    }
+    surveydata_reader_close(reader);
+  }
+  SetRates(state, count);
+}
+BENCHMARK_CAPTURE(BM_ColumnsInC, all, Choice::kAll)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ColumnsInC, few, Choice::kFew)->Unit(benchmark::kMillisecond);
+
+// The Arrow stream of all columns, each batch released when the next one is asked for.
+void BM_ArrowStream(benchmark::State& state) {
+  const SamplesC& samples = SamplesC::Get();
+  std::size_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    surveydata_reader* reader = nullptr;
+    surveydata_reader_open_file(samples.Name().c_str(), 0, SURVEYDATA_NO_END, &reader);
+    ArrowArrayStream stream = {};
+    if (surveydata_reader_arrow_stream(reader, nullptr, 0, 0, &stream) != SURVEYDATA_OK) {
+      state.SkipWithError("no stream");
+      break;
+    }
+    for (ArrowArray batch = {};; batch.release(&batch)) {
+      if (stream.get_next(&stream, &batch) != 0) state.SkipWithError("no batch");
+      if (batch.release == nullptr) break;
+      count += static_cast<std::size_t>(batch.length);
+    }
+    stream.release(&stream);
+  }
+  SetRates(state, count);
+}
+BENCHMARK(BM_ArrowStream)->Unit(benchmark::kMillisecond);
 
 }  // namespace
