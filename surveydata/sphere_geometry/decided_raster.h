@@ -35,15 +35,21 @@ class DecidedRasterC {
 
   /// For `hz` and `v` in [0, 2 pi]. One lookup in the cells and one in the table, without a branch.
   Verdict Find(double hz, double v) const {
+    return static_cast<Verdict>(std::min(FindBits(hz, v), kUndecidedBit));
+  }
+
+  /// The same for many questions: `kUndecidedBit` is set, or the verdict.
+  std::uint32_t FindBits(double hz, double v) const {
     const std::uint32_t hz32 = ToTurnUnits(hz) - origin_;
     const std::uint32_t inRing = ring_.ColumnOf(hz32);
     // All bits are set where the direction lies beyond the columns of the ring.
     const std::uint32_t isBeyond = 0U - static_cast<std::uint32_t>(inRing >= kRingColumns);
     const std::uint32_t column = inRing + (band_.ColumnOf(hz32 - band_.start) & isBeyond);
     const std::uint32_t cell = cells_[column * kStride + RowOf(v)];
-    const std::uint32_t isLeft = intervals_.MayContain(hz32) ? kLeft : 0U;
-    return static_cast<Verdict>(std::min(cell | isLeft, kLeft));
+    return cell | (intervals_.MayContain(hz32) ? kUndecidedBit : 0U);
   }
+  static constexpr auto kUndecidedBit = static_cast<std::uint32_t>(Verdict::kUndecided);
+  static_assert(kUndecidedBit == 2 && static_cast<int>(Verdict::kInside) == 1);
 
   /// A corner of a cell that covers the ring, in Hz of the instrument: tests aim at them. `column`
   /// is at most `kRingColumns`, `row` at most `kRows`.
@@ -64,7 +70,6 @@ class DecidedRasterC {
   static constexpr std::int64_t kLastRow = kRows + 1;
   static constexpr std::size_t kBandColumns = 192;
   static constexpr std::size_t kMostColumns = kRingColumns + kBandColumns + 1;
-  static constexpr auto kLeft = static_cast<std::uint32_t>(Verdict::kUndecided);
   static constexpr std::uint32_t kMostBuckets = 1U << 14;
   static_assert(kRingColumns <= 1024 && kBandColumns <= 1024, "Block::ColumnOf would overflow");
   static_assert(kMostColumns * kStride + kMostBuckets * HzIntervalsC::kBytesPerBucket <=
@@ -85,7 +90,7 @@ class DecidedRasterC {
           end(static_cast<std::uint32_t>(std::min(width / TWO_PI * 0x1p32, 0x1p32 - 1.0))),
           columnsPerUnit(((std::uint64_t{columns} << kFraction) + end - 1) / end) {}
 
-    // The number of columns from the end on, or from three units before it: rounding up makes
+    // The number of columns at or after the end, or up to three units before it: rounding up makes
     // columnsPerUnit greater by 2^-30 of itself at most.
     std::uint32_t ColumnOf(std::uint32_t units) const {
       return static_cast<std::uint32_t>((std::min(units, end) * columnsPerUnit) >> kFraction);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_rules.h>
@@ -168,14 +169,25 @@ void PreparedSphereAreaC::AskPolygonBlock(std::span<const double> hz, std::span<
 // Likewise the directions that the raster does not decide.
 void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<const double> v,
                                          std::span<bool> inside) const {
+  std::array<std::uint8_t, kBlock> verdicts{};
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    std::uint32_t bits = DecidedRasterC::kUndecidedBit;
+    if (AreInTurn(hz[i], v[i])) bits = raster_->FindBits(hz[i], v[i]);
+    verdicts[i] = static_cast<std::uint8_t>(bits);
+    inside[i] = bits == static_cast<std::uint32_t>(Verdict::kInside);
+  }
+  // Eight at a time, most of which are decided.
+  constexpr std::uint64_t kAnyUndecided = 0x0101010101010101U * DecidedRasterC::kUndecidedBit;
   std::array<std::uint8_t, kBlock> undecided;
   std::size_t undecidedCount = 0;
-  for (std::size_t i = 0; i < hz.size(); ++i) {
-    Verdict verdict = Verdict::kUndecided;
-    if (AreInTurn(hz[i], v[i])) verdict = raster_->Find(hz[i], v[i]);
-    inside[i] = verdict == Verdict::kInside;
-    undecided[undecidedCount] = static_cast<std::uint8_t>(i);
-    undecidedCount += verdict == Verdict::kUndecided;
+  for (std::size_t i = 0; i < hz.size(); i += 8) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, verdicts.data() + i, 8);
+    if ((eight & kAnyUndecided) == 0) continue;
+    for (std::size_t k = i; k < i + 8; ++k) {
+      undecided[undecidedCount] = static_cast<std::uint8_t>(k);
+      undecidedCount += (verdicts[k] & DecidedRasterC::kUndecidedBit) != 0;
+    }
   }
   if (undecidedCount == 0) return;
   std::array<double, kBlock> undecidedHz;

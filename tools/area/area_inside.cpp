@@ -22,7 +22,7 @@ class RowScanC {
   RowScanC(const SDI::ScanAreaC& area, const AngleWindow& window)
       : area_(area, SDI::PreparedAreaC::Questions::kMany),
         window_(window),
-        halvings_(area.GetPointCount() > kManyPoints ? 12 : 20),
+        halvings_(area.GetPointCount() > kManyPoints ? 10 : 20),
         hz_(kColumns),
         v_(kColumns) {
     for (std::size_t i = 0; i < kColumns; ++i) {
