@@ -12,7 +12,7 @@
 
 namespace {
 
-// The checked downcast behind every accessor, beside the plain `dynamic_cast`.
+// The checked downcast that every accessor makes, beside the plain `dynamic_cast`.
 template <class Cast>
 void BM_Downcast(benchmark::State& state, Cast cast) {
   const SDI::CoordinatePointC point(1.0, 2.0, 3.0);

@@ -210,7 +210,7 @@ void BM_PrepareS2(benchmark::State& state, Ring ring) {
   }
 }
 
-// The index alone, of a loop that stands already.
+// Only the index, of an existing loop.
 void BM_PrepareS2IndexOnly(benchmark::State& state, Ring ring) {
   const auto loop = MakeLoop(ToS2Points(ring(Size(state))));
   for (auto _ : state) {

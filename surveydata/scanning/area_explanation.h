@@ -16,9 +16,9 @@ namespace SDI {
 struct AreaExplanation {
   /// The rule that decided, the first in this order that applies.
   enum class Rule {
-    kOutOfRange,    ///< An angle is no number, or beyond 100 rad: outside.
+    kOutOfRange,    ///< An angle is NaN or beyond 100 rad: outside.
     kDome,          ///< Inside where V, brought into [0, 2 pi], is at most 0.8 pi.
-    kNotValid,      ///< The points make no area: outside.
+    kNotValid,      ///< The area is not valid: outside.
     kBand,          ///< Within half of 0.001 gon of an edge, where its band lies: inside.
     kNoSearchLine,  ///< The bounds reach from pole to pole, or are a point: outside.
     kNoCrossing,    ///< The meridian crosses no edge: outside.
@@ -53,9 +53,9 @@ struct AreaExplanation {
   /// The boundary is made of the shorter arcs of great circles between the corners of a polygon,
   /// the closing one included; of an edge that has no arc of its own (ends equal, antipodal or both
   /// at a pole, to 10 digits), its ends. That of a rectangle is two parts of meridians and two of
-  /// circles of latitude; that of a dome its limit. The band is none: it lies elsewhere. Nor is the
-  /// limit at which a ring around the zenith ends. V beyond pi is the same direction in the second
-  /// face.
+  /// circles of latitude; that of a dome its limit. The boundary band is not part of it, because
+  /// it lies elsewhere, nor is the limit at which a ring around the zenith ends. V beyond pi is the
+  /// same direction in the second face.
   /// @{
   std::size_t nearestEdge = kNoEdge;
   double distance = std::numeric_limits<double>::max();

@@ -24,7 +24,7 @@ class SURVEYDATA_API PreparedAreaC {
   enum class Questions {
     kFew,  ///< Quick to prepare.
     kMany  ///< Adds a raster of decided cells: up to 512 KB, and up to a millisecond for rings of a
-           ///< thousand points. It pays from some ten thousand directions on.
+           ///< thousand points. Worth it for some ten thousand directions or more.
   };
 
   /// Prepares for few questions.

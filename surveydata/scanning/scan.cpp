@@ -17,7 +17,7 @@ bool SetText(Text& field, const char16_t* text, std::size_t limit) {
   return true;
 }
 
-// A new public area with a copy of `area`; null when `area` is no `Impl`.
+// A new public area with a copy of `area`; null if `area` is not an `Impl`.
 template <class Public, class Impl>
 std::unique_ptr<ScanDefinitionC> CopyAs(const ScanDefinitionImplC& area) {
   const auto* const impl = dynamic_cast<const Impl*>(&area);

@@ -46,7 +46,7 @@ class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, Sc
 /// A direction of the instrument, with a distance if one is known: the point by which scan areas
 /// are defined.
 ///
-/// Angles are in radians, V is measured from the zenith; the largest finite double stands for an
+/// Angles are in radians, V is measured from the zenith; the largest finite double means an
 /// angle that is not set, as both are at first. Distances are in metres; a point whose distance is
 /// not above 0 has none, -1 at first. Every value is stored as given.
 class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {

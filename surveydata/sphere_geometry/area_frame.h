@@ -15,7 +15,7 @@ namespace GMAT {
 /// The edges of an area in one continuous Hz frame, and its bounds before any clamping.
 struct AreaFrame {
   std::vector<AnglePointC> edges;  ///< Start and end of each edge; the smallest Hz is 0.
-  double hzOrigin = 0.0;           ///< The Hz that 0 stands for.
+  double hzOrigin = 0.0;           ///< The Hz that corresponds to 0.
   double hzMin = 0.0;
   double hzMax = 0.0;
   double vMin = 0.0;

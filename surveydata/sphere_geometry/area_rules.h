@@ -66,7 +66,8 @@ class SearchMeridianC {
  public:
   SearchMeridianC(const AreaFrame& frame, double h);
 
-  /// False when the line of a polygon is no arc (from pole to pole, or a point): the search fails.
+  /// False when the line of a polygon does not form an arc (from pole to pole, or a point): the
+  /// search fails.
   bool IsArc() const { return isArc_; }
 
   /// Whether the edge crosses the meridian; sets `v` when it does.

@@ -37,8 +37,8 @@ struct BandStrip {
 /// probe in their band?
 class BoundaryBandC {
  public:
-  /// \param manySideBySide  from how many edges at one Hz on the average those that lead through a
-  ///                        column are kept on a list in order.
+  /// \param manySideBySide  the average number of edges at one Hz from which on those that lead
+  ///                        through a column are kept on a list in order.
   explicit BoundaryBandC(const AreaFrame& frame,
                          double manySideBySide = CellGridC::kManySideBySide);
 

@@ -9,9 +9,9 @@
 
 namespace GMAT {
 
-/// Curves of a plane, found by place. The plane is cut into columns of one width in x, and each
-/// column into rows of one height, as many as its curves are worth. A cell lists the curves that
-/// come into it.
+/// An index of curves of a plane by position. The plane is divided into columns of equal width in
+/// x, and each column into rows of equal height, in proportion to its number of curves. A cell
+/// lists the curves that enter it.
 ///
 /// Of curves that are the edges of rings a cell also knows whether an odd number lies below it.
 /// With the marks of its items that tells how many lie below any point (`Item`).
@@ -51,7 +51,7 @@ class CellGridC {
     bool isOddBelow;  ///< Curves of other cells, at the left border of the column.
   };
 
-  /// Of as many curves or more, where the columns may be narrow enough.
+  /// With as many curves or more, unless the columns would be too narrow.
   static constexpr std::size_t kFewestColumns = 8;
   /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
   /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
@@ -60,10 +60,11 @@ class CellGridC {
   static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep,
                                   double partsPerCurve = kPartsPerCurve);
   static constexpr double kPartsPerCurve = 6.0;
-  /// For curves most of which lead through a column and are listed there once, in order. Then the
-  /// ends of curves, which are in cells, are few in each column.
+  /// The same if a curve that leads through a column is listed there once, in order: with so many
+  /// columns, few curves end in each of them, and cells list these alone.
   static constexpr double kPartsPerOrderedCurve = 64.0;
-  /// From so many curves side by side on the average that is better: a cell would have hundreds.
+  /// With so many curves side by side on the average, lists in order are faster: a cell would have
+  /// hundreds of curves.
   static constexpr double kManySideBySide = 2000.0;
 
   CellGridC() = default;

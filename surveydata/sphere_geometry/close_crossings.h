@@ -17,8 +17,8 @@
 
 namespace GMAT {
 
-/// Adds the meridians of corners, as far as two edges that meet there and go the same way stay
-/// close; whole steep edges; and the meridians of edges at a pole.
+/// Adds the meridians of corners, and the range in which two edges that leave a corner to the same
+/// side are close; whole steep edges; and the meridians of edges at a pole.
 void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring, HzIntervalsC& intervals);
 
 /// Compares the curves of one column of an index after another, and adds the Hz at which two of

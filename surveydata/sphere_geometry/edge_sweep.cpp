@@ -200,7 +200,7 @@ class SweepC {
                                                           : SweepResult::kUndecided;
   }
 
-  // The edges that pass a corner nearby, whatever lies between.
+  // All edges that pass near a corner, not only the nearest ones.
   bool AskBelowAndAbove(std::size_t corner) const {
     const Point& p = ring_.GetCorners()[corner];
     const auto place = status_.lower_bound(p);

@@ -32,7 +32,7 @@ inline constexpr double kWidestFrame = 2048.0;
 /// rounded operands count as equal when they differ by less than d: 2.018 d.
 inline constexpr double kDigitsReach = 2.02e-10;
 
-/// Where angles are this far apart, no comparison to 10 digits is undecided. Moving an angle by
+/// If angles are this far apart, every comparison to 10 digits is decided. Moving an angle by
 /// full turns rounds twice by u `kWidestFrame` = 2.3e-13, and 325 turns of `TWO_PI` instead of 2 pi
 /// are 8e-14 off.
 inline constexpr double kRoundingMargin = 1e-9;
@@ -55,7 +55,7 @@ inline constexpr double kWidestWithoutOpposite = HALF_PI - 0.01;
 
 // --- The boundary band ---
 
-/// Edges in the (Hz, V) plane from this length on are asked by the rules alone.
+/// Edges of this length or more in the (Hz, V) plane are left to the rules.
 inline constexpr double kLargeEdge = 1e6;
 
 /// How far from an edge's box a probe in its band may lie.

@@ -22,8 +22,8 @@ namespace GMAT {
 class PreparedSphereAreaC {
  public:
   /// \param hasRaster  whether to make a raster of decided cells.
-  /// \param manySideBySide  from how many edges on a meridian on the average they are kept in
-  ///                        order: for tests, which have fewer.
+  /// \param manySideBySide  the average number of edges on a meridian from which on edges are kept
+  ///                        in order. Tests, which have fewer, set it.
   /// \cost n log n for n points at least, that of `SphereAreaC::IsValid` included.
   explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
                                double manySideBySide = CellGridC::kManySideBySide);
@@ -37,7 +37,7 @@ class PreparedSphereAreaC {
   ///       unless edges crowd in a small part of the area.
   Answer Ask(double hz, double v) const;
 
-  /// The edges and bounds that the rules are asked of; null for what is no area.
+  /// The edges and bounds that the rules are asked of; null if the points do not form an area.
   const AreaFrame* GetFrame() const { return way_ != Way::kNever ? &frame_ : nullptr; }
 
   /// The raster, or null: without one, or where it would decide nothing.

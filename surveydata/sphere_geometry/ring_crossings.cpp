@@ -70,7 +70,7 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
     allHz.Widen(box.along);
     allV.Widen(box.across);
   }
-  // Sweep the way on which fewer edges lie side by side.
+  // Sweep along the axis on which fewer edges lie side by side.
   if (spansHz * allV.GetLength() > spansV * allHz.GetLength()) {
     for (Box& box : boxes) std::swap(box.along, box.across);
   }
@@ -164,7 +164,7 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
     centre = {centre.Hz + by * step.Hz, centre.V + by * step.V};
   }
 
-  // Each edge fills a sector of its own. Two that are no neighbours are apart by the sector of
+  // Each edge fills a sector of its own. Two non-adjacent ones are separated by the sector of
   // another one, so by at least the smallest distance from the centre times the sine of the
   // smallest sector. Edges that are out of reach of each other have no crossing in the plane.
   constexpr double kRounding = 1e-12;  // of a few operations on angles within a turn

@@ -8,21 +8,21 @@
 
 namespace GMAT {
 
-/// Whether the ring is seen to be star-shaped about the mean of its points in the (Hz, V) plane.
-/// Then no two points are equal and no two edges that are no neighbours cross in the plane. False
-/// says nothing.
+/// True only if the ring is star-shaped in the (Hz, V) plane, about a point near the mean of its
+/// corners. Then no two points are equal and no two non-adjacent edges cross in the plane. False
+/// proves nothing.
 /// \cost linear.
 bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
 
-/// Whether two edges that are no neighbours cross, both as arcs and in the plane.
+/// Whether two non-adjacent edges cross, both as arcs and in the plane.
 ///
 /// Compares bounding boxes where few edges lie side by side, along Hz or along V; otherwise keeps
-/// the edges in their order on a sweep line (`SweepInOrder`). Two chords that cross where their
-/// arcs do not change places on that line, and its order ends there: then the boxes are compared
-/// after all. \cost n log n, and one for every pair of edges within 2e-9 of each other. Where
-/// chords cross and
-///       arcs do not, or the frame is wider than `kWidestFrame`: one for every pair of edges that
-///       share a range of Hz, or of V where these are fewer, n^2 at worst.
+/// the edges in their order on a sweep line (`SweepInOrder`). If two chords cross where their arcs
+/// do not, that order is lost, and the boxes are compared after all.
+/// \cost O(n log n), and one comparison for every pair of edges within 2e-9 of each other. If
+/// chords
+///       cross and their arcs do not, or the frame is wider than `kWidestFrame`: one comparison for
+///       every pair of edges that share a range of Hz, or of V if these are fewer, n^2 at worst.
 bool CrossesItself(const std::vector<AnglePointC>& edges);
 
 /// Two edges that cross, `first` < `second`, and where their arcs do, in the frame of the edges.
@@ -34,7 +34,7 @@ struct EdgeCrossing {
 
 /// The pairs of edges for which `CrossesItself` is true, in ascending order; of more than `most`
 /// pairs, `most` of them.
-/// \cost that of `CrossesItself`, once more than the pairs that are found at most.
+/// \cost that of `CrossesItself`, at most once for each pair that is found and once more.
 std::vector<EdgeCrossing> FindEdgeCrossings(const std::vector<AnglePointC>& edges,
                                             std::size_t most);
 

@@ -30,8 +30,8 @@ enum class Verdict : std::uint8_t { kOutside, kInside, kUndecided };
 /// rules must be asked (`filter_bounds.h`). The boundary band is not considered.
 class SlabIndexC {
  public:
-  /// \param manySideBySide  from how many edges on a meridian on the average lists in order are
-  ///                        made.
+  /// \param manySideBySide  the average number of edges on a meridian from which on lists in order
+  ///                        are made.
   /// \cost n log n for n edges that are spread over the ring.
   SlabIndexC(const AreaFrame& frame, const RingCurves& ring,
              double manySideBySide = CellGridC::kManySideBySide);
@@ -46,8 +46,8 @@ class SlabIndexC {
     return (v > vEnd_) | (v < vBegin_) | ((h > hEnd_) & (h < TWO_PI - kColumnOverlap));
   }
 
-  /// The answer of the rules, for the frame that the index was made of. Of a list in order they are
-  /// asked of the edges that are not clear of the direction or of another crossing.
+  /// The answer of the rules, for the frame of the index. Of a list in order, they are applied only
+  /// to the edges that are not clear of the direction or of another crossing.
   bool AskRules(const AreaFrame& frame, double h, double v) const;
 
   /// Whether edges are on lists in their order.
@@ -118,7 +118,7 @@ inline Verdict SlabIndexC::Ask(double h, double v) const {
   if (IsBeyond(h, v)) return Verdict::kOutside;
   if (isAlwaysUndecided_ || !IsRegular(h, v) || intervals_.Contains(h)) return Verdict::kUndecided;
 
-  // Found by V itself, which takes no trigonometric function to wait for.
+  // Found by V itself, so that it need not wait for a trigonometric function.
   const std::size_t column = grid_.ColumnOf(h);
   const CellGridC::Cell cell = grid_.Find(column, -v);
   const CosSin atH = QuickCosSin(h);

@@ -44,7 +44,7 @@ class SphereAreaC : public AreaManagerI {
   virtual bool AddPoints(const std::vector<AnglePointC>& points);
 
   /// Whether there are two or more points, all with Hz in [0, 2 pi] and V in [0, pi] to 10 digits,
-  /// no two exactly equal, and no two edges that are no neighbours cross, both as arcs and in the
+  /// no two exactly equal, and no two non-adjacent edges cross, both as arcs and in the
   /// (Hz, V) plane.
   /// \cost n log n for n points, and n for a ring that is star-shaped about the mean of its points.
   ///       Up to the square of n for edges within 2e-9 rad of each other, for a ring in which
@@ -55,7 +55,7 @@ class SphereAreaC : public AreaManagerI {
   /// The bounds. `hzMax` is above `hzMin` and may exceed 2 pi.
   ///
   /// A polygon that winds around the vertical axis encloses the zenith: its Hz bounds are a full
-  /// turn that begins 1e-6 behind the first point, its `vMax` is `V_LIMIT`.
+  /// turn that begins 1e-6 after the first point, its `vMax` is `V_LIMIT`.
   /// \param noClamp  whether `vMin` and `vMax` stay as they are, instead of being brought into
   ///                 [0, `V_LIMIT`].
   /// \return whether the area encloses the zenith or is valid. The bounds are set in any case but
@@ -70,7 +70,7 @@ class SphereAreaC : public AreaManagerI {
   // The inner questions.
 
   /// The edges as pairs of points, start and end, in one continuous Hz frame whose smallest Hz is
-  /// 0 and stands for `hzOrigin`. False with fewer than two points.
+  /// 0, which corresponds to `hzOrigin`. False with fewer than two points.
   bool BuildEdgeList(std::vector<AnglePointC>& edges, double& hzOrigin) const;
 
   /// The distance of a direction from the nearest edge that it lies beside, measured in the plane
@@ -84,7 +84,7 @@ class SphereAreaC : public AreaManagerI {
 
   /// Where the meridian of `probe` (`vertical`), or its circle of latitude, crosses the edges; in
   /// ascending order of V or of Hz. Hz is in the frame of the edges.
-  /// \return false when the extents fail, when the line is no arc of its own (a meridian from pole
+  /// \return false when the extents fail, when the line does not form an arc (a meridian from pole
   ///         to pole, or a single point), or when an area around the zenith is asked for a circle.
   bool SearchLine(const AnglePointC& probe, bool vertical, std::vector<AnglePointC>& out) const;
 

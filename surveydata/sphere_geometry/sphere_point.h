@@ -14,7 +14,7 @@ class SpherePointC {
  public:
   SpherePointC() = default;
   /// The point in direction `p`: latitude pi/2 - V, wrapped into [-pi, pi] where that succeeds;
-  /// the longitude is Hz as it stands, whatever its turn.
+  /// the longitude is Hz, not wrapped.
   explicit SpherePointC(const AnglePointC& p);
 
   double GetLatitude() const { return latitude_; }

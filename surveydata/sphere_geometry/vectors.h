@@ -13,7 +13,7 @@ class VectorC {
   VectorC() = default;
 
   /// Component `index`. A bad index is reported on standard output and then used all the same: the
-  /// reference is computed as if the vector went on. The caller answers for what stands there.
+  /// reference is computed as if the vector continued. The caller is responsible for that memory.
   double& operator[](int index) {
     Check(index);
     return Begin()[index];

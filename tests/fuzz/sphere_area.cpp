@@ -13,9 +13,9 @@
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "compare_areas.h"
-#include "literal_sphere_area.h"
 #include "tests/fuzz/fuzz_input.h"
+#include "tests/support/compare_areas.h"
+#include "tests/support/literal_sphere_area.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include <surveydata/scanning/scan_rectangular_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "literal_sphere_area.h"
-#include "ring_generator.h"
+#include "tests/support/literal_sphere_area.h"
+#include "tests/support/ring_generator.h"
 
 namespace SDI {
 namespace {
@@ -245,7 +245,7 @@ TEST(AreaExplanation, OfDomes) {
   EXPECT_NEAR(dome.Explain(1.0, TWO_PI - 0.5).distance, GMAT::V_LIMIT - 0.5, 1e-15);
 }
 
-// The limit at which a ring around the zenith ends is no boundary.
+// The limit at which a ring around the zenith ends is not part of the boundary.
 TEST(AreaExplanation, OfRingsAroundTheZenith) {
   ScanPolygonAreaC area;
   Fill(area, {{0.0, 1.0}, {HALF_PI, 1.0}, {PI, 1.0}, {1.5 * PI, 1.0}});

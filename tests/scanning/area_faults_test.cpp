@@ -20,7 +20,7 @@
 #include <surveydata/scanning/scan_rectangular_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace SDI {
 namespace {
@@ -146,7 +146,7 @@ TEST(AreaFaults, NameTheRuleThePointsAndTheEdges) {
   expectOnly(*Make(1, {}, 0.1, kNaN), Rule::kVStepNotPositive);
   expectOnly(*MakePolygon({{0.1, 0.1}, {0.2, 0.1}, {6.3, 0.4}}), Rule::kPointOutOfRange,
              {2, kNone});
-  // The second face is the same direction in the first one; below 0 is no face.
+  // The second face is the same direction in the first one; below 0 there is no face.
   EXPECT_TRUE(FindAreaFaults(*MakePolygon({{0.1, 0.1}, {0.2, 0.1}, {3.3, 6.0}})).empty());
   expectOnly(*MakePolygon({{0.1, 0.1}, {0.2, 0.1}, {0.1, -0.4}}), Rule::kPointOutOfRange,
              {2, kNone});

@@ -139,7 +139,7 @@ TEST(PreparedArea, ACopyAnswersAsItsSource) {
   EXPECT_FALSE(copy.Contains(3.0, 1.2));
 }
 
-// Rings whose edges crowd, each in another way.
+// Rings with many edges close together, each in a different arrangement.
 void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
   const auto add = [](ScanPolygonAreaC& area, double hz, double v) {
     area.AddPoint({hz - kTwoPi * std::floor(hz / kTwoPi), v, -1.0});
@@ -152,7 +152,7 @@ void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
       add(star, hz + r * std::cos(angle), 1.4 + r * std::sin(angle));
     }
   }
-  // Long arcs that rise in between, to and fro, and the way back beside them.
+  // Long arcs, bulging in the middle, back and forth, and a return path beside them.
   for (const double hz : {0.2, 5.0}) {
     ScanPolygonAreaC& fan = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
     for (int i = 0; i <= 60; ++i) add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);

@@ -87,9 +87,9 @@ TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
   EXPECT_EQ(distances({-1, 4, 10, 20}), (Distances{(20 + 4) / 2.0, 4, 10, 20}));
   // Filled values do not feed their neighbours: the mean is 10.
   EXPECT_EQ(distances({4, -1, -1, 16}), (Distances{4, 7, 13, 16}));
-  // The one behind the last is the first.
+  // After the last comes the first.
   EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));
-  // 0 is no distance for the mean, and is not filled.
+  // 0 does not count for the mean, and is not filled.
   EXPECT_EQ(distances({0, 8, -1, 8}), (Distances{0, 8, 8, 8}));
   EXPECT_EQ(distances({0, -1, 8, 8}), (Distances{0, 4, 8, 8})) << "nor does the mean stand for it";
   EXPECT_EQ(distances({0, 0, 0}), (Distances{99, 99, 99}));

@@ -60,7 +60,7 @@ TEST(AreaProbe, IsInsideWithOneCrossingAboveAndAnOddNumberBelow) {
   EXPECT_FALSE(IsInside({0.5, 2.0, 3.0}, 1.0));
   EXPECT_TRUE(IsInside({0.1, 0.2, 0.5, 2.0}, 1.0)) << "those above are not counted";
   EXPECT_FALSE(IsInside({}, 1.0));
-  // The zenith inside stands for a crossing above.
+  // The zenith inside replaces a crossing above.
   EXPECT_TRUE(IsInside({2.0}, 1.0, true));
   EXPECT_FALSE(IsInside({2.0}, 1.0, false));
   EXPECT_FALSE(IsInside({}, 1.0, true));

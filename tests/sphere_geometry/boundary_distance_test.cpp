@@ -13,7 +13,7 @@
 #include <surveydata/sphere_geometry/boundary_distance.h>
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {

@@ -50,7 +50,7 @@ class FilterBounds : public testing::Test {
   std::mt19937_64 random_{20260101};
 };
 
-// Half a step from where rounding to digits jumps, on both sides, is the worst.
+// The worst case: values half a step from where rounding to digits jumps, on both sides.
 TEST_F(FilterBounds, ComparisonsToTenDigits) {
   double used = 0.0;
   for (int i = 0; i < 400'000; ++i) {

@@ -1,8 +1,8 @@
 // The sphere geometry answers as it was recorded, bit for bit, with every compiler, at every level
-// of optimisation and on every system. Only where the C runtime rounds a sine or an arc tangent in
-// another way may an answer that takes it differ, and then within the accuracy of such answers.
+// of optimisation and on every system. Only where the C runtime rounds a sine or an arc tangent
+// differently may an answer that uses it differ, and then within the accuracy of such answers.
 
-#include "geometry_cases.h"
+#include "tests/support/geometry_cases.h"
 
 #include <algorithm>
 #include <bit>
@@ -97,7 +97,7 @@ TEST_F(GeometryAnswers, ThatTakeNoMathFunctionAreAsRecordedEverywhere) {
 
 TEST_F(GeometryAnswers, ThatTakeMathFunctionsAreAsRecordedWhereTheseRoundAsRecorded) {
   std::map<std::string, Difference> differences;
-  // That of 32-bit x86 rounds one call in some 1,400 in another way: too few to be among these.
+  // That of 32-bit x86 rounds one call in some 1,400 differently: too few to be among these.
   bool isSameRuntime = sizeof(void*) == 8;
   for (const Case& next : cases_) {
     if (next.source == Source::kArithmetic) continue;
@@ -110,7 +110,7 @@ TEST_F(GeometryAnswers, ThatTakeMathFunctionsAreAsRecordedWhereTheseRoundAsRecor
       ++difference.numbers;
       difference.different += units != 0 ? 1 : 0;
       difference.mostUnits = std::max(difference.mostUnits, units);
-      // Angles a turn apart are one angle; a yes is no neighbour of a no.
+      // Angles a turn apart are one angle; a yes never counts as equal to a no.
       const double apart =
           units == 0 ? 0.0 : std::fabs(std::remainder(answers[i] - next.answers[i], GMAT::TWO_PI));
       difference.most = std::max(difference.most, apart);

@@ -275,7 +275,7 @@ TEST(PlanarEdges, CrossWithinTheSpansOfBoth) {
       << "parallel";
   // Lines that are nearly parallel still cross.
   EXPECT_TRUE(FindPlanarCrossing({0.0, 0.0}, {2.0, 1e-9}, {0.0, 1e-9}, {2.0, 0.0}, at));
-  // In the span of one edge alone, where Hz or V of the other says nothing.
+  // In the span of one edge alone, where Hz or V of the other edge decides nothing.
   EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {0.0, 2.0}, {2.0, 2.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({0.0, 2.0}, {2.0, 2.0}, {1.0, 0.0}, {1.0, 1.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {2.0, 0.5}, {3.0, 0.5}, at));

@@ -17,7 +17,7 @@
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace {
 

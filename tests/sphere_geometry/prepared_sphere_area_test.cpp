@@ -8,7 +8,7 @@
 #include <surveydata/sphere_geometry/filter_bounds.h>
 #include <surveydata/sphere_geometry/prepared_sphere_area.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {

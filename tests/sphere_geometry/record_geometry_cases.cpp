@@ -8,7 +8,7 @@
 #include <fstream>
 #include <vector>
 
-#include "geometry_cases.h"
+#include "tests/support/geometry_cases.h"
 
 namespace {
 

@@ -20,8 +20,8 @@
 #include <surveydata/sphere_geometry/ring_crossings.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "literal_sphere_area.h"
-#include "ring_generator.h"
+#include "tests/support/literal_sphere_area.h"
+#include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {

@@ -12,7 +12,7 @@
 #include <surveydata/sphere_geometry/ring_curves.h>
 #include <surveydata/sphere_geometry/slab_index.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {
@@ -47,7 +47,7 @@ bool IsIndexed(const std::vector<AnglePointC>& points) {
          BuildFrame(points, frame) && (frame.enclosesZenith || IsRingValid(points, frame.edges));
 }
 
-// Edges side by side at an angle; every other ring leans the other way.
+// Edges side by side at an angle; half of the rings are mirrored.
 std::vector<AnglePointC> HostileRing(RingGenerator& random) {
   std::vector<AnglePointC> points;
   const bool isMirrored = random.Below(2) == 0;
@@ -170,7 +170,7 @@ TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
   EXPECT_GT(merged, 50);
 }
 
-// Edges that are no neighbours and cross, which the ring around the zenith may.
+// Non-adjacent edges that cross, as those of a ring around the zenith may.
 // The same of edges that lead through columns, on a list in order.
 TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   std::vector<AnglePointC> points;

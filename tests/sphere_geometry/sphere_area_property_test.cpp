@@ -9,9 +9,9 @@
 
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "compare_areas.h"
-#include "literal_sphere_area.h"
-#include "ring_generator.h"
+#include "tests/support/compare_areas.h"
+#include "tests/support/literal_sphere_area.h"
+#include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {

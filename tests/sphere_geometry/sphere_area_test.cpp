@@ -250,7 +250,7 @@ TEST(SphereArea, RingAroundTheZenith) {
   EXPECT_TRUE(area.Contains(2.0, 0.0));
   EXPECT_TRUE(area.Contains(2.0, 0.2));
   EXPECT_FALSE(area.Contains(2.0, 0.4));
-  // The other way round it is the same area.
+  // In the other orientation it is the same area.
   std::vector<AnglePointC> back = RingAtV(0.3, 12, 0.5);
   std::reverse(back.begin(), back.end());
   EXPECT_TRUE(Area(back).Contains(2.0, 0.2));
@@ -436,7 +436,7 @@ TEST(SphereArea, WithoutALimitVStaysAsItIs) {
   area.AddPoint(1.0, 1.0);
   area.AddPoint(2.0, 2.6);
   EXPECT_EQ(Measure(area).vMax, 2.6);
-  // The limit of a ring around the zenith is no clamping.
+  // The limit of a ring around the zenith does not come from clamping.
   area.Clear();
   area.AddPoints(RingAtV(0.3, 12));
   EXPECT_EQ(Measure(area).vMax, V_LIMIT);
@@ -491,12 +491,12 @@ TEST(SphereArea, EdgeListIsUnwrappedAndBeginsAtZero) {
   EXPECT_EQ(edges[3], (AnglePointC{0.2 + TWO_PI - 6.0, 1.5}));
   EXPECT_EQ(edges[4], edges[3]);
   EXPECT_EQ(edges[5], edges[0]);
-  // Half a turn is no crossing of the seam.
+  // Half a turn does not count as a crossing of the seam.
   ASSERT_TRUE(Area({{0.0, 1.0}, {PI, 1.1}, {1.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[1].Hz, PI);
   ASSERT_TRUE(Area({{PI, 1.0}, {0.0, 1.1}, {1.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[1].Hz, 0.0);
-  // The other way over the seam.
+  // Over the seam in the other direction.
   ASSERT_TRUE(Area({{0.3, 1.1}, {6.0, 1.0}, {0.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[1].Hz, 0.0);
   EXPECT_NEAR(edges[0].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
@@ -608,7 +608,7 @@ TEST(SphereArea, LineSearchFails) {
   EXPECT_FALSE(ring.SearchLine({1.0, 0.2}, false, out));
   EXPECT_TRUE(ring.SearchLine({1.0, 0.2}, true, out));
   EXPECT_EQ(out.size(), 1u);
-  // A meridian from pole to pole is no arc.
+  // A meridian from pole to pole does not form an arc.
   const SphereAreaC poleToPole = Area({{1.0, 0.0}, {1.5, 1.0}, {2.0, PI}, {1.2, 1.5}});
   EXPECT_TRUE(poleToPole.IsValid());
   EXPECT_FALSE(poleToPole.SearchLine({1.4, 1.0}, true, out));

@@ -10,7 +10,7 @@
 
 #include <surveydata/sphere_geometry/sphere_area.h>
 
-#include "literal_sphere_area.h"
+#include "tests/support/literal_sphere_area.h"
 
 /// \file
 /// Checks that a sphere area gives the answers of the literal rules, bit for bit.

@@ -1,4 +1,4 @@
-#include "geometry_cases.h"
+#include "tests/support/geometry_cases.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,7 +12,7 @@
 #include <surveydata/sphere_geometry/sphere_area.h>
 #include <surveydata/sphere_geometry/sphere_point.h>
 
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 namespace GeometryCases {
 namespace {

@@ -1,4 +1,4 @@
-#include "literal_sphere_area.h"
+#include "tests/support/literal_sphere_area.h"
 
 #include <algorithm>
 #include <cmath>

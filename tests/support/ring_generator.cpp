@@ -1,4 +1,4 @@
-#include "ring_generator.h"
+#include "tests/support/ring_generator.h"
 
 #include <algorithm>
 #include <cmath>
