@@ -232,7 +232,7 @@ TEST(ArrowStream, OfColumnsWithoutUtcHasNoLeapSeconds) {
 TEST(ArrowStream, HasEveryValueInBatchesOfAnySize) {
   const auto columns = Columns::All();
   const Table expected = Asked(Sample(), columns);
-  for (const std::size_t rows : {0, 1, 7, 16, 100, 413, 414, 415}) {
+  for (const std::size_t rows : {0U, 1U, 7U, 16U, 100U, 413U, 414U, 415U}) {
     SCOPED_TRACE(rows);
     StreamC stream(OpenBytes(Sample()), {}, rows);
     Table table;

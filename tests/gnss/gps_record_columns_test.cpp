@@ -249,7 +249,7 @@ TEST(GPSColumns, AreTheSameInBatchesOfAnySize) {
   for (const char* const name : kSamples) {
     const ByteVector bytes = Sample(name);
     const Table table = Asked(bytes, columns);
-    for (const std::size_t rows : {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 100, 65536}) {
+    for (const std::size_t rows : {1U, 2U, 3U, 7U, 8U, 9U, 15U, 16U, 17U, 31U, 33U, 100U, 65536U}) {
       SCOPED_TRACE(rows);
       EXPECT_TRUE(InBatches(bytes, columns, rows) == table);
     }
@@ -271,7 +271,7 @@ TEST(GPSColumns, AreTheSameInBatchesForFramesOfEveryKind) {
     for (const Columns::Row& row : table) presence.insert(row[i] != "absent");
     EXPECT_EQ(presence.size(), columns[i]->canBeAbsent ? 2U : 1U) << columns[i]->name;
   }
-  for (const std::size_t rows : {1, 5, 16, 1000}) {
+  for (const std::size_t rows : {1U, 5U, 16U, 1000U}) {
     SCOPED_TRACE(rows);
     EXPECT_TRUE(InBatches(bytes, columns, rows) == table);
   }
@@ -316,7 +316,7 @@ TEST(GPSColumns, EndABatchBeforeARowForWhichThereMayBeNoRoom) {
   const ByteVector bytes = Sample("valley_drive");
   const Table table = Asked(bytes, columns);
   // Room for one of the longest texts, for that and a little more, and for some.
-  for (const std::size_t room : {237, 238, 300, 1000, 5000}) {
+  for (const std::size_t room : {237U, 238U, 300U, 1000U, 5000U}) {
     SCOPED_TRACE(room);
     EXPECT_TRUE(InBatches(bytes, columns, 100, room) == table);
   }

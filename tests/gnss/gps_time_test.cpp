@@ -55,7 +55,7 @@ PublishedTable ReadTable() {
       words >> year >> month >> day;
       if (year >= 1980) {
         table.daysWithLeapSecond.push_back(std::chrono::year(year) / (month == "Jun" ? 6 : 12) /
-                                           day);
+                                           std::chrono::day(day));
       }
     } else if (const auto at = line.find("UTC)");
                line.starts_with("#expires ") && at != line.npos) {
