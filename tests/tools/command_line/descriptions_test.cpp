@@ -191,7 +191,7 @@ const std::vector<Question>& Questions() {
   static const std::vector<Question> questions{
       {{""}, {"record", "area"}},
       {{"re"}, {"record"}},
-      {{"record", ""}, {"list", "show", "export", "set", "plot"}},
+      {{"record", ""}, {"list", "show", "export", "columns", "set", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
       {{"record", "list", "--"}, {"--help", "--json"}},
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
