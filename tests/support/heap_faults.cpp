@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <new>
 
 #include "tests/support/faults.h"
 
@@ -35,6 +36,14 @@ void LimitAllocations(std::size_t count) { g_left = count; }
 // Not inlined, so that the compiler does not report mismatched allocation functions.
 [[gnu::noinline]] void* operator new(std::size_t size) { return Faults::Allocate(size); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return Faults::Allocate(size); }
+// The default does the same, but that of the address sanitizer has blocks of its own.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return Faults::Allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 [[gnu::noinline]] void operator delete(void* block) noexcept { Faults::Release(block); }
 [[gnu::noinline]] void operator delete[](void* block) noexcept { Faults::Release(block); }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
