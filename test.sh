@@ -21,6 +21,7 @@ usage: ./test.sh [PART]
   --valgrind      run a selection of the tests under valgrind
   --page          build the page for the browser and test it in Chromium
   --python        build, install and test the Python package, in build/python
+  --engines       test the Python package with the engines for archives, in build/engines
 END
   exit 2
 }
@@ -105,6 +106,10 @@ case "$part" in
   --python)
     install_dependencies "${build_packages[@]}" "${python_packages[@]}"
     python/test_package.sh
+    ;;
+  --engines)
+    install_dependencies "${build_packages[@]}" "${python_packages[@]}"
+    python/test_engines.sh
     ;;
   --page)
     install_dependencies "${build_packages[@]}" "${test_packages[@]}" "${page_packages[@]}"

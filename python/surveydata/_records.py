@@ -16,6 +16,7 @@ from typing import TYPE_CHECKING, Any, NamedTuple, TypeAlias
 import numpy as np
 
 from . import _core
+from ._stores import StoreFile, is_url, list_files, open_url
 
 if TYPE_CHECKING:
     from collections.abc import Callable, Iterator, Sequence
@@ -24,7 +25,7 @@ if TYPE_CHECKING:
     from numpy.typing import NDArray
 
 Source: TypeAlias = Any
-"""A path of a file or of a folder, bytes, a binary file object, or an iterable of these."""
+"""A path or URL of a file or of a folder, bytes, a binary file object, or an iterable of these."""
 
 BATCH_ROWS = 65_536
 
@@ -247,7 +248,10 @@ def _is_bytes(source: object) -> bool:
 
 
 def _each_source(source: Source, pattern: str) -> Iterator[Source]:
-    if isinstance(source, str | os.PathLike):
+    if is_url(source):
+        for file in list_files(source, pattern):
+            yield open_url(file.path)
+    elif isinstance(source, str | os.PathLike):
         path = Path(source)
         if path.is_dir():
             yield from sorted(file for file in path.glob(pattern) if file.is_file())
@@ -298,6 +302,8 @@ def _open(source: Source, start: int | None, end: int | None) -> _core.ReaderCor
     else:
         if not source.seekable() and (begin != 0 or end is not None):
             raise ValueError("a file object that cannot seek can only be read as a whole")
+        if isinstance(source, StoreFile):
+            source.expect(end)
         reader = _core.ReaderCore.open_source(*_reader_of(source), begin, end)
     _check(reader, source)
     return reader
@@ -333,7 +339,8 @@ def read_records(
 
     `source` is a path, bytes (anything with the buffer protocol), a binary file object, which is
     read from where it is, a folder, of which the files that match `pattern` are read in the order
-    of their names, or an iterable of these. It is only read.
+    of their names, the URL of a file or folder that fsspec opens ("s3://bucket/drive.rec"), or an
+    iterable of these. It is only read.
 
     `columns` names columns of `columns()`, all by default. `where` is called with tables of some of
     the rows and answers which of them to keep. `start` and `end` are offsets in bytes: the table
