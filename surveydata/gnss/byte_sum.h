@@ -10,13 +10,13 @@
 #endif
 
 /// \file
-/// Internal: sums of bytes in 16 bits, many bytes at a time.
+/// Internal: sums of bytes modulo 65536, many bytes at a time.
 
 namespace SDI::RecordFrame {
 
 #if defined(__SSE2__)
 
-/// The sums of sixteen bytes' halves, in two lanes of 64 bits.
+/// The sums of the two halves of sixteen bytes, in two lanes of 64 bits.
 inline __m128i HalvesOf16(const std::uint8_t* bytes) {
   return _mm_sad_epu8(_mm_loadu_si128(reinterpret_cast<const __m128i_u*>(bytes)),
                       _mm_setzero_si128());
@@ -34,15 +34,16 @@ inline std::uint16_t SumOf64(const std::uint8_t* bytes) {
 
 #else
 
-/// The sums of the bytes of eight that have an even and an odd place, in four lanes of 16 bits.
+/// Adds eight bytes in pairs of neighbours, into four lanes of 16 bits.
 inline std::uint64_t PairsOf8(const std::uint8_t* bytes) {
   constexpr std::uint64_t kEven = 0x00FF00FF00FF00FF;
   std::uint64_t eight = 0;
-  std::memcpy(&eight, bytes, sizeof(eight));  // in any order: all are added
+  std::memcpy(&eight, bytes,
+              sizeof(eight));  // in the byte order of the machine, which does not matter to a sum
   return (eight & kEven) + (eight >> 8 & kEven);
 }
 
-/// Of lanes whose sum needs no more than 16 bits.
+/// The sum of the lanes, which fits 16 bits.
 inline std::uint16_t SumOfLanes(std::uint64_t lanes) {
   return static_cast<std::uint16_t>(lanes * 0x0001000100010001 >> 48);
 }
@@ -61,7 +62,8 @@ inline std::uint16_t SumOfBytes(const std::uint8_t* bytes, std::size_t count) {
 #if defined(__SSE2__)
   if (count >= 16) {
     __m128i lanes = _mm_setzero_si128();
-    __m128i others = _mm_setzero_si128();  // two sums at once: neither waits for the other
+    __m128i others =
+        _mm_setzero_si128();  // a second sum: additions to one do not wait for the other
     const std::uint8_t* const end = bytes + count;
     for (; end - bytes >= 32; bytes += 32) {
       lanes = _mm_add_epi64(lanes, HalvesOf16(bytes));
@@ -72,7 +74,8 @@ inline std::uint16_t SumOfBytes(const std::uint8_t* bytes, std::size_t count) {
       lanes = _mm_add_epi64(lanes, HalvesOf16(bytes));
       bytes += 16;
     }
-    // The last sixteen, without those that were added already: their number is never foreseen.
+    // The last sixteen bytes, without those already added: a mask, because a branch on their number
+    // would be mispredicted.
     alignas(16) static constexpr std::uint8_t kMasks[32] = {
         0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
         0,    0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 #include <surveydata/gnss/frame_cursors.h>
@@ -19,11 +20,11 @@
 #include <surveydata/gnss/record_frame.h>
 
 /// \file
-/// Internal: the blocks of a measurement frame, each described once. `Walk` names the fields of the
-/// block to a cursor: the same description reads, writes, patches and explains. `Store` moves what
-/// was read into a measurement and its info; `Load` takes from them what is to be written, and
-/// tells whether the frame needs the block. The tables `Blocks1` and `Blocks2` give the blocks
-/// their bits and their order.
+/// Internal: the blocks of a measurement frame, each described once. `Walk` passes the fields of a
+/// block to a cursor: the same description reads, writes, patches and explains. `Store` moves the
+/// values that were read into a measurement and its info; `Load` takes the values to write from
+/// them, and returns whether the frame needs the block. The tables `Blocks1` and `Blocks2` define
+/// the bits and the order of the blocks.
 
 namespace SDI::RecordFrame {
 
@@ -33,7 +34,7 @@ struct Target {
   GPSRecordFileInfo& info;
 };
 
-/// Where the fields of a frame come from, and the first of them that has no place in it.
+/// Where the fields of a frame come from, and the first field that the frame cannot hold.
 struct Source {
   const GPSMeasDataImplC& measurement;
   const GPSRecordFileInfo& info;
@@ -46,7 +47,7 @@ struct Source {
   bool IsSet(std::uint16_t bit) const { return (measurement.GetSetMask() & bit) != 0; }
 };
 
-/// What every frame has after its header.
+/// Follows the header of every frame.
 struct Times {
   std::uint16_t weekA = 0;
   std::int32_t timeA = 0;
@@ -74,7 +75,7 @@ struct Times {
   }
 };
 
-/// What precedes the blocks of flags word 2.
+/// Precedes the blocks of flags word 2.
 struct More {
   std::uint16_t flags2 = 0;
 
@@ -146,8 +147,8 @@ struct Name {
     std::copy_n(units, kNameUnits, name);
     number = info.number;
   }
-  /// A name that does not come back byte for byte has no place: one of too many units, or with
-  /// bytes that are not the shortest UTF-8 of a unit.
+  /// A name that would not be read back byte for byte has no place: one with too many units, or
+  /// with bytes that are not the shortest UTF-8 of a unit.
   bool Load(Source& from) {
     Take(from.info);
     char again[sizeof(from.info.name)] = {};
@@ -221,7 +222,7 @@ struct Word16 {
   bool Load(Source& from) { return from.measurement.GetWord16(word); }
 };
 
-/// Nothing of this is stored, so nothing needs it.
+/// Nothing in this block is stored, so no frame needs it.
 struct IgnoredPairs {
   static constexpr RecordField kField = RecordField::kNone;
 
@@ -315,7 +316,7 @@ struct Vector {
     cursor.Number(Field::kZ, z);
   }
   void Store(const Target& out) const { out.measurement.SetVector({x, y, z}); }
-  /// A component that single precision cannot hold, bit for bit, has no place.
+  /// A component that single precision cannot represent, bit for bit, has no place.
   bool Load(Source& from) {
     double vector[3];
     if (!from.measurement.GetVector(vector)) return false;
@@ -327,7 +328,7 @@ struct Vector {
 
  private:
   static bool Narrow(double wide, float& narrow) {
-    // Converting a finite number out of the range of single precision is undefined.
+    // Converting a finite number outside the range of single precision is undefined.
     if (std::isfinite(wide) && std::fabs(wide) > std::numeric_limits<float>::max()) return false;
     narrow = static_cast<float>(wide);
     return std::bit_cast<std::uint64_t>(static_cast<double>(narrow)) ==
@@ -370,8 +371,8 @@ struct SystemPairs {
     if (two.IsValid()) out.measurement.SetSystem2Pair(two.pair.first, two.pair.second);
     if (three.IsValid()) out.measurement.SetSystem3Pair(three.pair.first, three.pair.second);
   }
-  /// The pairs that are present, and those that are stored without being present. A present pair of
-  /// system 2 or 3 whose second value is 0 has no place: reading would not make it present.
+  /// Takes the pairs that are present and those that are only stored. A present pair of system 2 or
+  /// 3 whose second value is 0 has no place: reading it would not make it present.
   bool Load(Source& from) {
     const GPSMeasDataImplC& measurement = from.measurement;
     const bool hasSystems = from.IsSet(GPSMeasDataImplC::kHasSystems);
@@ -396,7 +397,7 @@ struct SystemPairs {
   }
 };
 
-/// Of a list of entries.
+/// A list of entries.
 struct List {
   static constexpr RecordField kField = RecordField::kListBlock;
 
@@ -417,7 +418,7 @@ struct List {
   }
 };
 
-/// A flag, 0 or 1 once it is read.
+/// A flag. Reading stores any value other than 0 as 1.
 template <Field field, RecordField recordField, auto Get, auto Set>
 struct Flag {
   static constexpr RecordField kField = recordField;
@@ -436,7 +437,7 @@ struct Flag {
   }
 };
 
-/// A number, of which the frame may hold fewer bits than the measurement does.
+/// A number. The frame may hold fewer bits of it than the measurement.
 template <class Value, Field field, RecordField recordField, auto Get, auto Set>
 struct Number {
   static constexpr RecordField kField = recordField;
@@ -493,13 +494,13 @@ struct Row {
 /// The blocks that a flags word announces, in the order in which they lie in a frame.
 template <class... Rows>
 struct Table {
-  /// Visits the rows in order until `visit` answers false, which it then answers too.
+  /// Visits the rows in order until `visit` returns false, and returns whether it never did.
   template <class Visit>
   static constexpr bool WhileTrue(Visit visit) {
     return (visit(Rows()) && ...);
   }
 
-  /// The bit that announces a block; 0 for a block of no row.
+  /// The bit that announces a block; 0 for a block that is not in the table.
   static constexpr std::uint16_t BitOf(Block block) {
     return static_cast<std::uint16_t>(((Rows::kBlock == block ? Rows::kBit : 0) + ...));
   }
@@ -574,13 +575,13 @@ using Blocks2 = Table<
 /// Where the blocks of flags word 1 begin.
 inline constexpr std::size_t kBlocksAt = kHeaderSize + SizeOf<Times>();
 
-/// Cursors that explain a frame are told where each block begins; others pay nothing.
+/// Reports the beginning of a block to cursors that explain frames; compiles to nothing for others.
 template <class Cursor>
 void BeginBlock(Cursor& in, Block block) {
   if constexpr (requires { in.BeginBlock(block); }) in.BeginBlock(block);
 }
 
-/// Reads a block and stores it when it is whole.
+/// Reads a block, and stores it if it is complete.
 /// \return whether it is.
 template <class Content, class Cursor>
 bool ReadBlock(Cursor& in, const Target& out) {
@@ -606,7 +607,26 @@ std::optional<Block> ReadBlocks(std::uint16_t flags, Cursor& in, const Target& o
   return bad;
 }
 
-/// Reads what lies between the header of a frame and its checksum.
+/// Overwrites blocks of flags word 1 that `flags` announces: `fill` sets the fields of each block,
+/// and `out` writes those of its list. Ends at the first block of the table that `fill` does not
+/// take.
+template <class Fill>
+void PatchBlocks(std::uint16_t flags, FramePatchC& out, const Fill& fill) {
+  Blocks1::WhileTrue([&](auto row) {
+    using Content = typename decltype(row)::Content;
+    if constexpr (std::is_invocable_v<const Fill&, Content&>) {
+      if ((flags & row.kBit) == 0) return true;
+      Content content{};
+      fill(content);
+      content.Walk(out);
+      return true;
+    } else {
+      return false;
+    }
+  });
+}
+
+/// Reads what is between the header of a frame and its checksum.
 /// \return the block that does not fit; the blocks before it are stored.
 template <class Cursor>
 std::optional<Block> ReadPayload(Cursor& in, const Target& out) {

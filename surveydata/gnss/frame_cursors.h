@@ -11,15 +11,15 @@
 #include <surveydata/gnss/frame_fields.h>
 
 /// \file
-/// Internal: cursors go over the fields of a frame front to back. A block names its fields to a
-/// cursor, which reads them, writes them, or only counts their bytes.
+/// Internal: cursors that walk the fields of a frame from front to back. A block passes its fields
+/// to a cursor, which reads them, writes them, or only counts their bytes.
 
 namespace SDI::RecordFrame {
 
 using Bytes = std::span<const std::uint8_t>;
 
-/// Reads fields. A read past the end yields 0 and clears `Ok()`, so that a block is checked once,
-/// when it has been read.
+/// Reads fields. A read past the end gives 0 and clears `Ok()`, so that a block is checked once,
+/// after all of it was read.
 class FrameCursorC {
  public:
   explicit FrameCursorC(Bytes bytes) : at_(bytes.data()), end_(at_ + bytes.size()) {}
@@ -51,7 +51,7 @@ class FrameCursorC {
   template <std::size_t N>
   void Text(Field /*field*/, char16_t (&text)[N]) {
     const std::size_t most = std::min(N, Left() / sizeof(char16_t));
-    Load(text, most);  // at once, whatever follows the terminator
+    Load(text, most);  // in one go, including what follows the terminator
     const auto length = static_cast<std::size_t>(std::find(text, text + most, u'\0') - text);
     if (length == most && most < N) return Fail();
     const std::size_t taken = std::min(length + 1, N);
@@ -59,7 +59,7 @@ class FrameCursorC {
     at_ += taken * sizeof(char16_t);
   }
 
-  /// Refuses what was read.
+  /// Marks what was read as invalid.
   void Fail() { ok_ = false; }
   bool Ok() const { return ok_; }
 
@@ -100,13 +100,13 @@ class FrameWriterC {
     Store(units, N);
   }
 
-  /// Units up to and including the 0 unit, which is one of the `N`.
+  /// Units up to and including the 0 unit. There is one among the `N`.
   template <std::size_t N>
   void Text(Field /*field*/, const char16_t (&text)[N]) {
     Store(text, static_cast<std::size_t>(std::find(text, text + N - 1, u'\0') - text) + 1);
   }
 
-  /// Leaves bytes as they are.
+  /// Leaves bytes unchanged.
   void Skip(std::size_t count) { Take(count); }
 
   void Fail() { ok_ = false; }
@@ -138,7 +138,7 @@ class FrameWriterC {
   bool ok_ = true;
 };
 
-/// Overwrites the fields of a list in a frame, and leaves everything else as it is.
+/// Overwrites the fields of a frame that a list names, and leaves all other bytes unchanged.
 class FramePatchC {
  public:
   FramePatchC(std::span<std::uint8_t> bytes, std::span<const Field> fields)
@@ -199,6 +199,43 @@ constexpr std::size_t SizeOf() {
   FrameSizeC size;
   content.Walk(size);
   return size.Size();
+}
+
+/// Counts the bytes before a field.
+class FieldOffsetC {
+ public:
+  explicit constexpr FieldOffsetC(Field wanted) : wanted_(wanted) {}
+
+  template <class Value>
+  constexpr void Number(Field field, const Value& /*value*/) {
+    Pass(field, sizeof(Value));
+  }
+  constexpr void Ignored(std::size_t count) { Pass(Field::kIgnored, count); }
+  template <std::size_t N>
+  constexpr void Units(Field field, const char16_t (&units)[N]) {
+    Pass(field, sizeof(units));
+  }
+
+  constexpr std::size_t Offset() const { return offset_; }
+
+ private:
+  constexpr void Pass(Field field, std::size_t size) {
+    isPassed_ = isPassed_ || field == wanted_;
+    if (!isPassed_) offset_ += size;
+  }
+
+  Field wanted_;
+  std::size_t offset_ = 0;
+  bool isPassed_ = false;
+};
+
+/// Where a field lies in a block that always has the same fields.
+template <class Content>
+constexpr std::size_t OffsetOf(Field field) {
+  Content content{};
+  FieldOffsetC offset(field);
+  content.Walk(offset);
+  return offset.Offset();
 }
 
 }  // namespace SDI::RecordFrame

@@ -9,19 +9,19 @@
 #include <surveydata/gnss/record_frame.h>
 
 /// \file
-/// Internal: what the bytes of a measurement frame are.
+/// Internal: the meaning of each byte of a measurement frame.
 
 namespace SDI::RecordFrame {
 
 /// A run of bytes in a frame.
 struct FieldPlace {
-  std::size_t at;    ///< Of the first byte, from the start of the frame.
+  std::size_t at;    ///< The first byte, counted from the start of the frame.
   std::size_t size;  ///< In bytes.
   Block block;
   std::optional<Field> field;  ///< Empty for bytes of a block that does not fit.
 };
 
-/// Reads as `FrameCursorC` does, and shows each field that it reads to a visitor.
+/// Reads as `FrameCursorC` does, and passes each field that it reads to a visitor.
 template <class Visitor>
 class ExplainingCursorC {
  public:
@@ -48,7 +48,7 @@ class ExplainingCursorC {
   template <std::size_t N>
   void Text(Field field, char16_t (&text)[N]) {
     in_.Text(field, text);
-    if (!in_.Ok()) return;  // from the first byte that is missing on nothing is known
+    if (!in_.Ok()) return;  // nothing is known after the first missing byte
     const std::u16string_view kept(text);
     visitor_.Text(Pass(field, (kept.size() + 1) * sizeof(char16_t)), kept);
   }
@@ -71,9 +71,9 @@ class ExplainingCursorC {
   Visitor& visitor_;
 };
 
-/// Shows every byte of a measurement frame once, in order: header, blocks, bytes after the last
-/// block, checksum. From a block on that does not fit, the bytes up to the checksum are one place.
-/// `frame` has a right header and length.
+/// Passes every byte of a measurement frame to a visitor once, in order: header, blocks, bytes
+/// after the last block, checksum. If a block does not fit, the bytes from there to the checksum
+/// are one place. `frame` has a valid header and length.
 ///
 /// \param visitor  has `Number(const FieldPlace&, value)`, `Text(const FieldPlace&,
 ///                 std::u16string_view)` and `Ignored(const FieldPlace&)`.

@@ -6,7 +6,7 @@
 #include <surveydata/gnss/gps_record_outcome.h>
 
 /// \file
-/// Internal: the names of what a measurement frame is made of, for programs and for people.
+/// Internal: the blocks and fields of a measurement frame as enumerators, and the names of fields.
 
 namespace SDI::RecordFrame {
 
@@ -22,7 +22,7 @@ enum class Field : std::uint8_t {
   kTimeAOfWeek,
   kTimeBOfWeek,
   kFlags1,
-  kIgnored,  ///< Bytes of any block that have no meaning here.
+  kIgnored,  ///< Bytes of any block that the library ignores.
   kFileKind,
   kStatus,
   kMoreStatus,
@@ -69,11 +69,11 @@ enum class Field : std::uint8_t {
   kChecksum,
 };
 
-/// What of a measurement and its info goes into a frame, or has no place in one.
+/// The parts of a measurement and its info that go into a frame or have no place in one.
 using RecordField = GPSRecordField;
 
-/// For people. The name of a field tells it from the others of its block only; `TextOf` names
-/// blocks and record fields.
+/// The name of a field as text. It is unique only within its block. `TextOf` names blocks and
+/// record fields.
 const char* NameOf(Field field);
 
 }  // namespace SDI::RecordFrame

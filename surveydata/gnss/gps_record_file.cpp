@@ -4,6 +4,7 @@
 #include <cstring>
 #include <span>
 
+#include <surveydata/gnss/file_access.h>
 #include <surveydata/gnss/gps_record_file.h>
 #include <surveydata/gnss/record_frame.h>
 
@@ -15,7 +16,7 @@ using RecordFrame::Header;
 // The one handle that both operations share.
 std::FILE* recordFile = nullptr;
 
-// Closes the handle on every way out.
+// Closes the handle on every return.
 class RecordFileCloserC {
  public:
   RecordFileCloserC() = default;
@@ -47,22 +48,13 @@ bool Open(const GPSRecordFileInfo& info) {
   return recordFile != nullptr;
 }
 
-// Offsets of 2 GiB and more need a seek of 64 bits: where a long has 32, the build gives off_t 64.
-bool SeekTo(std::uint32_t offset) {
-#if defined(_WIN32)
-  return _fseeki64(recordFile, offset, SEEK_SET) == 0;
-#else
-  return fseeko(recordFile, static_cast<off_t>(offset), SEEK_SET) == 0;
-#endif
-}
-
 bool Read(std::span<std::uint8_t> bytes) {
   return std::fread(bytes.data(), 1, bytes.size(), recordFile) == bytes.size();
 }
 
 using Buffer = std::array<std::uint8_t, RecordFrame::kMaxSize>;
 
-// What stands behind the header of a frame.
+// The bytes after the header of a frame.
 std::span<std::uint8_t> RestOf(Buffer& buffer, const Header& header) {
   return std::span(buffer).subspan(RecordFrame::kHeaderSize,
                                    header.Size() - RecordFrame::kHeaderSize);
@@ -74,7 +66,7 @@ std::uint32_t GPSRecordFileC::ReadGPSMeasData(GPSMeasDataImplC* measurement,
                                               GPSRecordFileInfo* info) {
   if (measurement == nullptr || info == nullptr || !Open(*info)) return kNoFile;
   const RecordFileCloserC closer;
-  if (!SeekTo(info->offset)) return kBadFrame;
+  if (!FileAccess::Seek(recordFile, info->offset)) return kBadFrame;
 
   Buffer frame;
   if (!Read(std::span(frame).first<RecordFrame::kHeaderSize>())) return kDone;
@@ -90,9 +82,9 @@ std::uint32_t GPSRecordFileC::WriteGPSMeasData(const GPSMeasDataImplC* measureme
                                                GPSRecordFileInfo* info) {
   if (info == nullptr || !Open(*info)) return kNoFile;
   const RecordFileCloserC closer;
-  if (!SeekTo(info->offset)) return kBadFrame;
+  if (!FileAccess::Seek(recordFile, info->offset)) return kBadFrame;
 
-  Buffer frame = {};  // zeroed: a frame that the file's end cuts is written out whole
+  Buffer frame = {};  // zeroed: a frame that the end of the file cuts is written whole
   if (!Read(std::span(frame).first<RecordFrame::kHeaderSize>())) return kNoFile;
   const Header header = Header::Load(frame.data());
   if (!header.IsMeasurement()) return kBadFrame;
@@ -104,7 +96,7 @@ std::uint32_t GPSRecordFileC::WriteGPSMeasData(const GPSMeasDataImplC* measureme
   const std::size_t size = RecordFrame::Build(frame, RecordFrame::kType, RecordFrame::kNoSubType,
                                               header.length - RecordFrame::kHeaderSize);
   if (Header::Load(frame.data()).length != header.length) return kNoFile;
-  if (!SeekTo(info->offset)) return kNoFile;
+  if (!FileAccess::Seek(recordFile, info->offset)) return kNoFile;
   std::fwrite(frame.data(), 1, size, recordFile);
   return kDone;
 }

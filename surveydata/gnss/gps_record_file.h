@@ -22,36 +22,37 @@ class SURVEYDATA_API GPSRecordFileC {
   static constexpr std::uint32_t kNoFile = 1;
   static constexpr std::uint32_t kBadFrame = 2;
 
-  /// `GPSRecordReaderC` reads without the right to write, at offsets of 64 bits, in any number of
-  /// threads, 25 times as fast, and tells a file that ends too early from a frame that was read.
+  /// `GPSRecordReaderC` needs no write permission, takes 64-bit offsets, runs in any number of
+  /// threads, is 25 times as fast, and distinguishes a file that ends too early from a frame read.
   ///
   /// Reads the frame at `info->offset` into `measurement` and `info`.
   ///
-  /// Nothing is reset first: fields that the frame does not carry keep what they hold, as does the
-  /// first part of time B. Call `Reset` to reuse a measurement. The file must be writable.
+  /// Nothing is reset first: fields that the frame does not carry keep their values, as does the
+  /// week of time B. Call `Reset` to reuse a measurement. The file must be writable.
   ///
-  /// \return 0 when the frame was read, or when the file ends before the frame does (nothing
-  ///         changes then); 1 when an argument is null or the file cannot be opened; 2 when it
-  ///         cannot be positioned, when no measurement frame with a right checksum stands there
-  ///         (nothing changes), or when a block runs past the checksum or has too large a count
-  ///         (the blocks before it are stored).
+  /// \return 0 if the frame was read, or if the file ends before the frame does (nothing changes
+  ///         then); 1 if an argument is null or the file cannot be opened; 2 if seeking fails, if
+  ///         there is no measurement frame with a correct checksum at the offset (nothing changes),
+  ///         or if a block extends past the checksum or has too large a count (the blocks before it
+  ///         are stored).
   static std::uint32_t ReadGPSMeasData(GPSMeasDataImplC* measurement, GPSRecordFileInfo* info);
 
-  /// `GPSRecordReaderC` finds the frame and tells what is wrong with it; `GPSRecordWriterC` makes
-  /// new frames and says whether writing them failed.
+  /// `GPSRecordReaderC` finds the frame and reports what is wrong with it; `GPSRecordWriterC` makes
+  /// new frames and reports failed writes.
   ///
-  /// Rewrites three blocks of the frame at `info->offset` where the frame has them, and its
-  /// checksum: the kind byte (0 when `info->flags` has bit 0x1, else 1), the name (its first 17
-  /// units) and number, and the antenna height of `measurement`, as its vertical height with the
-  /// kind byte of a slant height when it is one. Without a measurement the frame is taken to have
-  /// the first two blocks and no antenna height.
+  /// Rewrites three blocks of the frame at `info->offset`, if it has them, and its checksum: the
+  /// kind byte (0 if `info->flags` has bit 0x1, else 1), the name (its first 17 units) and number,
+  /// and the antenna height of `measurement`: always the vertical height, but with the kind byte of
+  /// a slant height if it was stored as one. Without a measurement the frame is assumed to have the
+  /// first two blocks and no antenna height.
   ///
-  /// A frame that the file's end cuts is written out whole, zeros behind the cut.
+  /// A frame truncated by the end of the file is written whole, with zeros for the missing bytes.
   ///
-  /// \return 0 when written (the write itself is not checked); 1 when `info` is null, the file
-  ///         cannot be opened or positioned for writing, or ends within the frame's first five
-  ///         bytes; 2 when it cannot be positioned for reading or no measurement frame with a
-  ///         right checksum stands there. The file is unchanged after 1 and 2.
+  /// \return 0 if written (the write itself is not checked); 1 if `info` is null, the file cannot
+  /// be
+  ///         opened, ends within the first five bytes of the frame, or seeking before the write
+  ///         fails; 2 if seeking before reading fails or there is no measurement frame with a
+  ///         correct checksum at the offset. The file is unchanged after 1 and 2.
   static std::uint32_t WriteGPSMeasData(const GPSMeasDataImplC* measurement,
                                         GPSRecordFileInfo* info);
 };

@@ -10,12 +10,12 @@ static_assert(GPSRecordEntry::kLongestMeasurement == RecordFrame::kMaxSize);
 
 struct GPSRecordIndexC::Window {
   RecordWalk::WalkC walk;
-  std::size_t found = 0;  // the size of the record at the front of the walk, which comes next
+  std::size_t found = 0;  // size of the record at the front of the walk, not yet returned
   std::span<const std::uint8_t> record = {};
 };
 
 GPSRecordIndexC::GPSRecordIndexC(const char* fileName) {
-  // Memory first: nobody closes a file when the constructor throws.
+  // Allocates first: if the constructor threw with the file open, it would stay open.
   auto source = std::make_unique<RecordWalk::FileSourceC>();
   RecordWalk::FileSourceC& file = *source;
   window_.reset(new Window{.walk = RecordWalk::WalkC(std::move(source))});
@@ -51,7 +51,7 @@ bool GPSRecordIndexC::Next(GPSRecordEntry& entry) {
     if (window.found == 0) return false;
   }
   window.record = {walk.GetFront(), window.found};
-  entry = {walk.GetOffset(), window.found, false, walk.GetFront()[4]};
+  entry = {walk.GetOffset(), window.found, false, walk.GetType()};
   walk.Pass(window.found);
   window.found = 0;
   return true;

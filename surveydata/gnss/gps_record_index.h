@@ -11,7 +11,7 @@
 
 namespace SDI {
 
-/// A stretch of a record file: a record of any kind, or a gap that belongs to none.
+/// A part of a record file: a record of any kind, or a gap between records.
 struct GPSRecordEntry {
   static constexpr std::uint8_t kMeasurement = 113;  ///< The kind of a GNSS measurement.
   static constexpr std::size_t kLongestMeasurement = 500;
@@ -21,8 +21,8 @@ struct GPSRecordEntry {
   bool isGap = false;
   std::uint8_t type = 0;  ///< The kind of the record; 0 for a gap.
 
-  /// Whether this is the frame of a GNSS measurement: of a length that it may have. Reading it may
-  /// still find blocks that do not fit.
+  /// Whether this is the frame of a GNSS measurement, of a valid length. Reading it may still find
+  /// blocks that do not fit.
   bool IsMeasurement() const {
     return !isGap && type == kMeasurement && size <= kLongestMeasurement;
   }
@@ -32,19 +32,18 @@ struct GPSRecordEntry {
 
 /// Walks a record file of any size, or bytes in memory, from front to back.
 ///
-/// Where the magic, a length of at least 5 and a right checksum are, there is a record and the walk
-/// goes on after it; elsewhere it goes on one byte further, so that it finds the next record after
-/// any damage. Together the entries cover the file once. Records inside the body of another one are
-/// not listed. The file is only read, and may be read-only. `GPSRecordReaderC` decodes the
-/// measurements besides.
+/// A record is where the magic, a length of at least 5 and a correct checksum are; the walk
+/// continues after it. Elsewhere the walk advances by one byte, so that it finds the next record
+/// after any damage. Together the entries cover the file exactly once. Records inside the body of
+/// another record are not listed. The file is only read, and may be read-only. `GPSRecordReaderC`
+/// also decodes the measurements.
 ///
-/// \cost time linear in the size of the file, whatever it holds; 0.8 MB of memory for a file, 0.5
-/// MB
-///       for bytes in memory, less for a few.
+/// \cost time linear in the size of the file, whatever it contains. Memory: 0.8 MB for a file, at
+///       most 0.5 MB for bytes in memory.
 class SURVEYDATA_API GPSRecordIndexC {
  public:
   explicit GPSRecordIndexC(const char* fileName);
-  /// Walks `bytes`, which are not copied: they must stay as long as the index.
+  /// Walks `bytes`, which are not copied: they must outlive the index.
   explicit GPSRecordIndexC(std::span<const std::uint8_t> bytes);
   GPSRecordIndexC(const GPSRecordIndexC&) = delete;
   GPSRecordIndexC& operator=(const GPSRecordIndexC&) = delete;
@@ -52,16 +51,15 @@ class SURVEYDATA_API GPSRecordIndexC {
 
   /// Whether the file could be opened; true for bytes in memory.
   bool IsOpen() const;
-  /// Whether reading failed; the walk has ended then.
+  /// Whether reading failed; if so, the walk has ended.
   bool HasFailed() const;
-  /// The size in bytes when the file was opened; 0 when it has none (a pipe).
+  /// The size in bytes when the file was opened; 0 for a pipe.
   std::uint64_t GetFileSize() const;
 
   /// The next record or gap; false at the end of the file.
   bool Next(GPSRecordEntry& entry);
 
-  /// The bytes of the record that `Next` gave last, valid until it is called again. Empty for a
-  /// gap.
+  /// The bytes of the record that `Next` gave last, valid until its next call. Empty for a gap.
   std::span<const std::uint8_t> GetBytes() const;
 
  private:

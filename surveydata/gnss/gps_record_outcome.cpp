@@ -96,7 +96,7 @@ constexpr const char* kAppendOutcomes[] = {
 static_assert(std::size(kAppendOutcomes) ==
               std::size_t{1} + static_cast<int>(GPSAppendOutcome::kLeftOver));
 
-// A value that is no enumerator, of a caller that was compiled with a later version.
+// Any other value: it comes from a caller compiled with a later version.
 template <std::size_t N>
 const char* TextAt(const char* const (&texts)[N], std::size_t value) {
   return value < N ? texts[value] : "unknown";

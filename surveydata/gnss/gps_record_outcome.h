@@ -7,7 +7,7 @@
 #include <surveydata/object_model/export.h>
 
 /// \file
-/// What came of reading and writing records, as values and as texts.
+/// Outcomes of reading and writing records, as values and as texts.
 
 namespace SDI {
 
@@ -47,16 +47,16 @@ enum class GPSRecordBlock : std::uint8_t {
   kChecksum,
 };
 
-/// What decoding a frame found.
+/// The outcome of decoding a frame.
 enum class GPSRecordOutcome : std::uint8_t {
   kDone,
   kNoMeasurement,    ///< The bytes do not begin with the header of a measurement frame.
   kCut,              ///< The bytes end before the frame does.
-  kWrongChecksum,    ///< The checksum is not that of the bytes.
-  kBlockDoesNotFit,  ///< A block runs past the checksum, or its count is too large.
+  kWrongChecksum,    ///< The checksum does not match the bytes.
+  kBlockDoesNotFit,  ///< A block extends past the checksum, or its count is too large.
 };
 
-/// The outcome of decoding a frame.
+/// The outcome of decoding a frame, and the block that did not fit.
 struct GPSDecodeResult {
   GPSRecordOutcome outcome = GPSRecordOutcome::kDone;
   /// The block that does not fit; `kChecksum` for every other outcome.
@@ -66,34 +66,34 @@ struct GPSDecodeResult {
   bool operator==(const GPSDecodeResult&) const = default;
 };
 
-/// Why the header of a measurement frame in a gap begins no record.
+/// Why the header of a measurement frame in a gap does not begin a record.
 enum class GPSRecordDamage : std::uint8_t {
   kWrongChecksum,
   kCutByTheEnd,         ///< The source ends before the frame does.
-  kRunsIntoNextRecord,  ///< A record begins before the frame ends: maybe no frame but chance bytes.
+  kRunsIntoNextRecord,  ///< A record begins before the frame ends: perhaps random bytes.
 };
 
-/// The header of a measurement frame in a gap: magic, type and a length that has room for times and
-/// flags are there, but no whole frame.
+/// The header of a measurement frame in a gap: magic, type, and a length with room for times and
+/// flags, but no valid frame.
 struct GPSDamagedHeader {
   std::uint64_t offset = 0;
-  std::uint64_t size = 0;  ///< Of the frame, as its header has it.
+  std::uint64_t size = 0;  ///< Of the frame, according to its header.
   GPSRecordDamage damage = GPSRecordDamage::kWrongChecksum;
 
   bool operator==(const GPSDamagedHeader&) const = default;
 };
 
-/// How the source of a reader is.
+/// The state of the source of a reader.
 enum class GPSReaderState : std::uint8_t {
-  kOpen,           ///< Nothing failed: records can be read, or all were read.
+  kOpen,           ///< No failure: records can be read, or all were read.
   kNoSuchFile,     ///< There is no file of this name.
-  kNoPermission,   ///< The file must not be read.
+  kNoPermission,   ///< No permission to read the file.
   kCannotOpen,     ///< The file cannot be opened for another reason.
-  kNoStretches,    ///< A stretch was asked of a pipe, which has none.
-  kReadingFailed,  ///< Reading failed; the records before that place were given.
+  kNoStretches,    ///< A stretch of a pipe was requested; a pipe can only be read as a whole.
+  kReadingFailed,  ///< Reading failed; the records before that position were returned.
 };
 
-/// What of a measurement and its info goes into a frame, or has no place in one.
+/// The parts of a measurement and its info that go into a frame or have no place in one.
 enum class GPSRecordField : std::uint8_t {
   kNone,
   kTimeBWeek,
@@ -127,35 +127,35 @@ enum class GPSRecordField : std::uint8_t {
   kListBlock,
 };
 
-/// What came of encoding a measurement.
+/// The outcome of encoding a measurement.
 enum class GPSEncodeOutcome : std::uint8_t {
   kDone,
-  kNoPlace,  ///< Reading a frame never gives this value of the field.
+  kNoPlace,  ///< Reading a frame never gives this value.
   kTooLong,  ///< The frame has no room left for the field: it would be longer than 500 bytes.
 };
 
-/// The outcome of encoding a measurement.
+/// The outcome of encoding a measurement, with the size of the frame or the field that was refused.
 struct GPSEncodeResult {
   GPSEncodeOutcome outcome = GPSEncodeOutcome::kDone;
   GPSRecordField field = GPSRecordField::kNone;  ///< The first field that was refused.
-  std::size_t size = 0;                          ///< Of the frame in bytes; 0 when it was refused.
+  std::size_t size = 0;                          ///< Of the frame in bytes; 0 if it was refused.
 
   bool IsDone() const { return outcome == GPSEncodeOutcome::kDone; }
   bool operator==(const GPSEncodeResult&) const = default;
 };
 
-/// What came of appending records to a file.
+/// The outcome of appending records to a file.
 enum class GPSAppendOutcome : std::uint8_t {
   kDone,
-  kNoRecords,      ///< The bytes are not whole records one after the other; the file is untouched.
-  kNoSuchFile,     ///< The file cannot be made: there is no such folder.
-  kNoPermission,   ///< The file must not be written.
+  kNoRecords,      ///< The bytes are not a sequence of whole records; the file is unchanged.
+  kNoSuchFile,     ///< The file cannot be created: its folder does not exist.
+  kNoPermission,   ///< No permission to write the file.
   kCannotOpen,     ///< The file cannot be opened for another reason, or is a pipe.
-  kWritingFailed,  ///< Writing failed, for lack of room for example; the file is as it was.
-  kLeftOver,       ///< Writing failed, and part of the records may be left at the end of the file.
+  kWritingFailed,  ///< Writing failed, for example because the disk is full; the file is unchanged.
+  kLeftOver,       ///< Writing failed, and part of the records may remain at the end of the file.
 };
 
-/// In a few words, as part of a message: "wrong checksum". Never null.
+/// A few words for use in a message, for example "wrong checksum". Never null.
 /// @{
 SURVEYDATA_API const char* TextOf(GPSRecordBlock block);
 SURVEYDATA_API const char* TextOf(GPSRecordOutcome outcome);

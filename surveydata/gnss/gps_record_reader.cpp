@@ -1,12 +1,26 @@
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include <surveydata/gnss/file_access.h>
 #include <surveydata/gnss/gps_record_reader.h>
 #include <surveydata/gnss/record_walk.h>
 
 namespace SDI {
+namespace {
+
+GPSReaderState StateOf(FileAccess::OpenFailure failure) {
+  switch (failure) {
+    case FileAccess::OpenFailure::kNoSuchFile:
+      return GPSReaderState::kNoSuchFile;
+    case FileAccess::OpenFailure::kNoPermission:
+      return GPSReaderState::kNoPermission;
+    default:
+      return GPSReaderState::kCannotOpen;
+  }
+}
+
+}  // namespace
 
 struct GPSRecordC::Data {
   std::uint64_t offset = 0;
@@ -116,13 +130,13 @@ GPSRecordReaderC::GPSRecordReaderC(const char* fileName, GPSRecordStretch stretc
   auto source = std::make_unique<RecordWalk::FileSourceC>();
   RecordWalk::FileSourceC& file = *source;
   state_.reset(new State(std::move(source), stretch));
-  if (fileName != nullptr) state_->file = std::fopen(fileName, "rb");
+  if (fileName == nullptr) {
+    state_->state = GPSReaderState::kNoSuchFile;
+    return;
+  }
+  state_->file = std::fopen(fileName, "rb");
   if (state_->file == nullptr) {
-    const bool isMissing = fileName == nullptr || errno == ENOENT || errno == ENOTDIR;
-    const bool isForbidden = errno == EACCES || errno == EPERM;
-    state_->state = isMissing     ? GPSReaderState::kNoSuchFile
-                    : isForbidden ? GPSReaderState::kNoPermission
-                                  : GPSReaderState::kCannotOpen;
+    state_->state = StateOf(FileAccess::GetOpenFailure());
     return;
   }
   file.Open(state_->file);
@@ -170,8 +184,7 @@ bool GPSRecordReaderC::Next() {
   state.Leave();
   if (!state.GoToBegin()) return false;
   while (const std::size_t size = state.FindRecord()) {
-    const bool isMeasurement =
-        GPSRecordEntry{0, size, false, state.walk.GetFront()[4]}.IsMeasurement();
+    const bool isMeasurement = GPSRecordEntry{0, size, false, state.walk.GetType()}.IsMeasurement();
     state.Take(size);
     if (isMeasurement) {
       state.Decode();
@@ -197,7 +210,7 @@ bool GPSRecordReaderC::NextEntry(GPSRecordEntry& entry) {
     return true;
   }
   if (size == 0) return false;
-  entry = {start, size, false, walk.GetFront()[4]};
+  entry = {start, size, false, walk.GetType()};
   state.Take(size);
   state.isToDecode = entry.IsMeasurement();
   return true;

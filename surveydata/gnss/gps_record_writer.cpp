@@ -1,29 +1,22 @@
-#include <cerrno>
 #include <cstdio>
 
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
+#include <surveydata/gnss/file_access.h>
 #include <surveydata/gnss/gps_record_writer.h>
 #include <surveydata/gnss/record_frame.h>
 
 namespace SDI {
 namespace {
 
-#if defined(_WIN32)
-using Offset = __int64;
-int Seek(std::FILE* file, Offset offset, int whence) { return _fseeki64(file, offset, whence); }
-Offset Tell(std::FILE* file) { return _ftelli64(file); }
-int Truncate(std::FILE* file, Offset size) { return _chsize_s(_fileno(file), size); }
-#else
-using Offset = off_t;
-int Seek(std::FILE* file, Offset offset, int whence) { return fseeko(file, offset, whence); }
-Offset Tell(std::FILE* file) { return ftello(file); }
-int Truncate(std::FILE* file, Offset size) { return ftruncate(fileno(file), size); }
-#endif
+GPSAppendOutcome OutcomeOf(FileAccess::OpenFailure failure) {
+  switch (failure) {
+    case FileAccess::OpenFailure::kNoSuchFile:
+      return GPSAppendOutcome::kNoSuchFile;
+    case FileAccess::OpenFailure::kNoPermission:
+      return GPSAppendOutcome::kNoPermission;
+    default:
+      return GPSAppendOutcome::kCannotOpen;
+  }
+}
 
 bool AreRecords(std::span<const std::uint8_t> bytes) {
   GPSRecordIndexC index(bytes);
@@ -55,27 +48,22 @@ GPSAppendOutcome GPSRecordWriterC::Append(const char* fileName,
                                           std::span<const std::uint8_t> records) {
   if (!AreRecords(records)) return GPSAppendOutcome::kNoRecords;
   if (fileName == nullptr) return GPSAppendOutcome::kNoSuchFile;
-  // For appending: the system puts every write at the end, wherever that is by then.
+  // In append mode the system puts every write at the current end of the file.
   std::FILE* const file = std::fopen(fileName, "ab");
-  if (file == nullptr) {
-    if (errno == ENOENT || errno == ENOTDIR) return GPSAppendOutcome::kNoSuchFile;
-    const bool isForbidden = errno == EACCES || errno == EPERM || errno == EROFS;
-    return isForbidden ? GPSAppendOutcome::kNoPermission : GPSAppendOutcome::kCannotOpen;
-  }
-  // Without a buffer each write is over when it returns, and tells whether it failed.
-  const Offset size = std::setvbuf(file, nullptr, _IONBF, 0) == 0 && Seek(file, 0, SEEK_END) == 0
-                          ? Tell(file)
-                          : Offset{-1};
+  if (file == nullptr) return OutcomeOf(FileAccess::GetOpenFailure());
+  // Without a buffer a write has reached the system when it returns, or has failed.
+  const bool canSeek = std::setvbuf(file, nullptr, _IONBF, 0) == 0 && FileAccess::SeekToEnd(file);
+  const FileAccess::Offset size = canSeek ? FileAccess::Tell(file) : -1;
   if (size < 0) {
     std::fclose(file);
     return GPSAppendOutcome::kCannotOpen;
   }
   GPSAppendOutcome outcome = GPSAppendOutcome::kDone;
   if (std::fwrite(records.data(), 1, records.size(), file) != records.size()) {
-    outcome =
-        Truncate(file, size) == 0 ? GPSAppendOutcome::kWritingFailed : GPSAppendOutcome::kLeftOver;
+    outcome = FileAccess::Truncate(file, size) ? GPSAppendOutcome::kWritingFailed
+                                               : GPSAppendOutcome::kLeftOver;
   }
-  // What a network drive tells only now cannot be taken back any more.
+  // A failure that a network drive reports only now cannot be undone.
   if (std::fclose(file) != 0) outcome = GPSAppendOutcome::kLeftOver;
   return outcome;
 }

@@ -18,6 +18,25 @@ bool TakeName(std::string_view text, GPSRecordFileInfo& info) {
   return !from.IsRefused();
 }
 
+// Fills the blocks with the changes. Only the fields that change are written.
+class ChangerC {
+ public:
+  ChangerC(const Changes& changes, const GPSRecordFileInfo& info)
+      : changes_(changes), info_(info) {}
+
+  void operator()(FileFlags& /*flags*/) const {}
+  void operator()(Name& name) const { name.Take(info_); }
+  void operator()(AntennaHeight& antenna) const {
+    if (!changes_.antenna) return;
+    antenna = {changes_.antenna->height,
+               changes_.antenna->isSlant ? kSlantHeight : std::uint8_t{0}};
+  }
+
+ private:
+  const Changes& changes_;
+  const GPSRecordFileInfo& info_;
+};
+
 }  // namespace
 
 bool Change(std::span<std::uint8_t> frame, const Changes& changes) {
@@ -26,6 +45,7 @@ bool Change(std::span<std::uint8_t> frame, const Changes& changes) {
   times.Walk(in);
   const auto has = [&](Block block) { return (times.flags1 & Blocks1::BitOf(block)) != 0; };
   GPSRecordFileInfo info;
+  info.number = changes.number.value_or(0);
   if ((changes.name || changes.number) && !has(Block::kName)) return false;
   if (changes.name && !TakeName(*changes.name, info)) return false;
   if (changes.antenna && !has(Block::kAntennaHeight)) return false;
@@ -39,20 +59,8 @@ bool Change(std::span<std::uint8_t> frame, const Changes& changes) {
     fields[count++] = Field::kHeight;
     fields[count++] = Field::kHeightKind;
   }
-  // The first three blocks of a frame, in their order.
   FramePatchC out(frame.subspan(kBlocksAt), std::span(fields).first(count));
-  if (has(Block::kFileFlags)) FileFlags().Walk(out);
-  if (has(Block::kName)) {
-    info.number = changes.number.value_or(0);
-    Name name;
-    name.Take(info);
-    name.Walk(out);
-  }
-  if (has(Block::kAntennaHeight) && changes.antenna) {
-    AntennaHeight antenna{changes.antenna->height,
-                          changes.antenna->isSlant ? kSlantHeight : std::uint8_t{0}};
-    antenna.Walk(out);
-  }
+  PatchBlocks(times.flags1, out, ChangerC(changes, info));
   Build(frame, kType, kNoSubType, frame.size() - kHeaderSize - kChecksumSize);
   return true;
 }

@@ -6,6 +6,35 @@
 #include <surveydata/object_model/utf8.h>
 
 namespace SDI::RecordFrame {
+namespace {
+
+// Fills the blocks that an update of a frame rewrites.
+class UpdaterC {
+ public:
+  UpdaterC(const GPSMeasDataImplC* measurement, const GPSRecordFileInfo& info)
+      : measurement_(measurement), info_(info) {}
+
+  void operator()(FileFlags& flags) const {
+    flags.kind = (info_.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
+  }
+  void operator()(Name& name) const { name.Take(info_); }
+  // The vertical height, though the kind may say that it is a slant height.
+  void operator()(AntennaHeight& antenna) const {
+    const GPSAntHeightImplC none;
+    const bool isSet = (measurement_->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
+    const GPSAntHeightImplC& held = isSet ? measurement_->GetAntennaHeight() : none;
+    bool isVertical = true;
+    held.GetHeight(antenna.height, isVertical);
+    antenna.height = held.GetVerticalHeight();
+    antenna.kind = isVertical ? 0 : kSlantHeight;
+  }
+
+ private:
+  const GPSMeasDataImplC* measurement_;  // not null if a frame with an antenna height is updated
+  const GPSRecordFileInfo& info_;
+};
+
+}  // namespace
 
 Header Header::Load(const std::uint8_t* bytes) {
   Header header;
@@ -15,8 +44,8 @@ Header Header::Load(const std::uint8_t* bytes) {
 }
 
 std::uint16_t Checksum(const std::uint8_t* frame, std::size_t length) {
-  if (length < 3) return 0;
-  return static_cast<std::uint16_t>(-SumOfBytes(frame + 2, length - 2));
+  if (length <= kSummedFrom) return 0;
+  return static_cast<std::uint16_t>(-SumOfBytes(frame + kSummedFrom, length - kSummedFrom));
 }
 
 bool HasRightChecksum(const std::uint8_t* frame, std::size_t length) {
@@ -42,8 +71,8 @@ Decoded DecodeChecked(Bytes frame, GPSMeasDataImplC& measurement, GPSRecordFileI
 
 std::size_t Build(std::span<std::uint8_t> buffer, std::uint8_t type, int subType,
                   std::size_t payload) {
-  const std::size_t size = payload + 7 + (subType >= 1 ? 1 : 0);
-  if (payload > 0xFFFF || size - kChecksumSize > 0xFFFF || buffer.size() < size) return 0;
+  const std::size_t size = kHeaderSize + (subType >= 1 ? 1 : 0) + payload + kChecksumSize;
+  if (payload > kLongestRecord || size > kLongestRecord || buffer.size() < size) return 0;
   Header header{kMagic, static_cast<std::uint16_t>(size - kChecksumSize), type};
   FrameWriterC out(buffer);
   header.Walk(out);
@@ -61,31 +90,8 @@ void Patch(std::span<std::uint8_t, kMaxSize> frame, const GPSMeasDataImplC* meas
     times.Walk(in);
     flags = times.flags1;
   }
-  const auto has = [flags](Block block) { return (flags & Blocks1::BitOf(block)) != 0; };
-
-  // The first three blocks of a frame, in their order.
   FramePatchC out(frame.subspan<kBlocksAt>(), fields);
-  if (has(Block::kFileFlags)) {
-    FileFlags fileFlags;
-    fileFlags.kind = (info.flags & GPSRecordFileInfo::kKindZero) != 0 ? 0 : 1;
-    fileFlags.Walk(out);
-  }
-  if (has(Block::kName)) {
-    Name name;
-    name.Take(info);
-    name.Walk(out);
-  }
-  if (has(Block::kAntennaHeight)) {
-    const GPSAntHeightImplC none;
-    const bool isSet = (measurement->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
-    const GPSAntHeightImplC& held = isSet ? measurement->GetAntennaHeight() : none;
-    AntennaHeight antenna;
-    bool isVertical = true;
-    held.GetHeight(antenna.height, isVertical);
-    antenna.height = held.GetVerticalHeight();
-    antenna.kind = isVertical ? 0 : kSlantHeight;
-    antenna.Walk(out);
-  }
+  PatchBlocks(flags, out, UpdaterC(measurement, info));
 }
 
 int EncodeName(const char16_t* units, std::size_t count, char* dst, std::size_t capacity) {

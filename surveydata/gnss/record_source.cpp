@@ -1,39 +1,26 @@
 #include <algorithm>
-#include <limits>
 
+#include <surveydata/gnss/file_access.h>
 #include <surveydata/gnss/record_source.h>
 
 namespace SDI::RecordWalk {
-namespace {
-
-#if defined(_WIN32)
-using Offset = __int64;
-int Seek(std::FILE* file, Offset offset, int whence) { return _fseeki64(file, offset, whence); }
-Offset Tell(std::FILE* file) { return _ftelli64(file); }
-#else
-using Offset = off_t;
-int Seek(std::FILE* file, Offset offset, int whence) { return fseeko(file, offset, whence); }
-Offset Tell(std::FILE* file) { return ftello(file); }
-#endif
-
-}  // namespace
 
 void FileSourceC::Open(std::FILE* file) {
   file_ = file;
   // Blocks are read into the caller's memory at once.
   std::setvbuf(file_, nullptr, _IONBF, 0);
-  if (Seek(file_, 0, SEEK_END) != 0) return;
+  if (!FileAccess::SeekToEnd(file_)) return;
   canSeek_ = true;
   position_ = kUnknown;
-  const Offset size = Tell(file_);
+  const FileAccess::Offset size = FileAccess::Tell(file_);
   if (size > 0) size_ = static_cast<std::uint64_t>(size);
 }
 
 std::size_t FileSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to) {
   if (file_ == nullptr) return 0;
   if (canSeek_ && position_ != offset) {
-    if (offset > static_cast<std::uint64_t>(std::numeric_limits<Offset>::max())) return 0;
-    if (Seek(file_, static_cast<Offset>(offset), SEEK_SET) != 0) {
+    if (offset > FileAccess::kMaxOffset) return 0;
+    if (!FileAccess::Seek(file_, offset)) {
       Fail();
       return 0;
     }

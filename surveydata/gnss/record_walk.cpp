@@ -197,7 +197,7 @@ bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
       --count;
     }
     if (isInRun || isAhead) {
-      const bool isCandidate = *window_.GetFront() == (RecordFrame::kMagic & 0xFF);
+      const bool isCandidate = *window_.GetFront() == RecordFrame::kFirstByte;
       const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
       if (IsUnknown()) {
         isLost_ = true;
@@ -221,11 +221,12 @@ std::size_t WalkC::RecordSize() {
   const std::uint8_t* const front = window_.GetFront();
   const std::uint64_t offset = window_.GetOffset();
   const std::uint16_t checksum = boost::endian::load_little_u16(front + header.length);
-  // From the length on: the magic does not take part.
-  const std::size_t count = header.length - std::size_t{2};
+  constexpr std::size_t kFrom = RecordFrame::kSummedFrom;
+  const std::size_t count = header.length - kFrom;
   const bool isAtOnce = count <= kShort && inVain_ <= offset - start_;
-  const std::uint16_t sum = isAtOnce ? RecordFrame::SumOfBytes(front + 2, count)
-                                     : sums_.Sum(offset + 2, offset + header.length, front + 2);
+  const std::uint16_t sum = isAtOnce
+                                ? RecordFrame::SumOfBytes(front + kFrom, count)
+                                : sums_.Sum(offset + kFrom, offset + header.length, front + kFrom);
   if (isAtOnce) summedAtOnce_ += count;
   if (static_cast<std::uint16_t>(sum + checksum) == 0) return header.Size();
   if (isAtOnce) inVain_ += count;
@@ -236,7 +237,7 @@ std::size_t WalkC::RecordSize() {
 // must not be taken for records.
 bool WalkC::IsUnknown() {
   if (!HasFailed() || !window_.Need(1)) return false;
-  if (*window_.GetFront() != (RecordFrame::kMagic & 0xFF)) return false;
+  if (*window_.GetFront() != RecordFrame::kFirstByte) return false;
   if (!window_.Need(RecordFrame::kHeaderSize)) return true;
   const auto header = RecordFrame::Header::Load(window_.GetFront());
   return header.IsRecord() && !window_.Need(header.Size());
@@ -245,8 +246,7 @@ bool WalkC::IsUnknown() {
 // How far the next byte is that a record may begin with: at least one byte on.
 std::size_t WalkC::ToNextCandidate() const {
   const std::uint8_t* const front = window_.GetFront();
-  const void* const next =
-      std::memchr(front + 1, RecordFrame::kMagic & 0xFF, window_.GetLeft() - 1);
+  const void* const next = std::memchr(front + 1, RecordFrame::kFirstByte, window_.GetLeft() - 1);
   return next != nullptr ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(next) - front)
                          : window_.GetLeft();
 }

@@ -17,8 +17,8 @@
 
 namespace SDI::RecordWalk {
 
-/// The farthest that one step of the walk goes.
-inline constexpr std::size_t kLongestRecord = 0xFFFF + RecordFrame::kChecksumSize;
+/// The longest step of the walk.
+using RecordFrame::kLongestRecord;
 inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
 /// The bytes around the front of a walk: a block of what a source holds, or all of what memory
@@ -106,6 +106,8 @@ class WalkC {
   bool HasFailed() const;
   std::uint64_t GetOffset() const { return window_.GetOffset(); }
   const std::uint8_t* GetFront() const { return window_.GetFront(); }
+  /// The kind of the record at the front.
+  std::uint8_t GetType() const { return GetFront()[RecordFrame::kTypeAt]; }
 
   /// Walks up to the next record and answers its size; 0 where the source ends or `limit` is
   /// reached before. The whole record is there, at the front.

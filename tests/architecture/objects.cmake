@@ -101,7 +101,7 @@ foreach(entry IN LISTS undefined)
 endforeach()
 list(FILTER imports EXCLUDE REGEX ":(${allowed})$")
 # Only these files access record files, and only one prints a report.
-list(FILTER imports EXCLUDE REGEX "^(gps_record[a-z_]*|record_source)[.]cpp[.]o:(${files})$")
+list(FILTER imports EXCLUDE REGEX "^(gps_record[a-z_]*|record_source|file_access)[.]cpp[.]o:(${files})$")
 list(FILTER imports EXCLUDE REGEX "^vectors[.]cpp[.]o:(printf|__printf_chk)$")
 # Debug builds end the program on misuse of ownership.
 if(HAS_ASSERTIONS)

@@ -16,10 +16,9 @@ namespace {
 
 // A record that begins before this stretch ends before the offset.
 SDI::GPSRecordStretch StretchAround(std::uint64_t offset) {
-  constexpr std::uint64_t kLongestRecord =
-      std::numeric_limits<std::uint16_t>::max() + SDI::RecordFrame::kChecksumSize;
   constexpr std::uint64_t kLast = std::numeric_limits<std::uint64_t>::max();
-  return {offset - std::min(offset, kLongestRecord), offset + (offset < kLast ? 1 : 0)};
+  return {offset - std::min<std::uint64_t>(offset, SDI::RecordFrame::kLongestRecord),
+          offset + (offset < kLast ? 1 : 0)};
 }
 
 // `reader` reads the stretch around the offset.

@@ -1,0 +1,35 @@
+#ifndef SURVEYDATA_GNSS_FILE_ACCESS_H_
+#define SURVEYDATA_GNSS_FILE_ACCESS_H_
+
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
+/// \file
+/// Internal: what the platforms do differently with files: offsets of 64 bits, cutting a file
+/// short, and why a file cannot be opened.
+
+namespace SDI::FileAccess {
+
+/// A signed offset of 64 bits on every platform.
+using Offset = std::int64_t;
+
+inline constexpr std::uint64_t kMaxOffset = std::numeric_limits<Offset>::max();
+
+/// Positions the file at `offset`, which is at most `kMaxOffset`.
+bool Seek(std::FILE* file, std::uint64_t offset);
+/// Positions the file at its end. False for a pipe.
+bool SeekToEnd(std::FILE* file);
+/// The position; negative on failure.
+Offset Tell(std::FILE* file);
+/// Cuts the file to `size` bytes.
+bool Truncate(std::FILE* file, Offset size);
+
+enum class OpenFailure : std::uint8_t { kNoSuchFile, kNoPermission, kOther };
+
+/// Why `fopen` has just failed, from `errno`.
+OpenFailure GetOpenFailure();
+
+}  // namespace SDI::FileAccess
+
+#endif  // SURVEYDATA_GNSS_FILE_ACCESS_H_
