@@ -45,6 +45,9 @@
 extern "C" {
 #endif
 
+// C names: lower case, and the prefix of the library instead of a namespace.
+// NOLINTBEGIN(readability-identifier-naming)
+
 // ----- Status and texts
 
 typedef int32_t surveydata_status;
@@ -644,6 +647,8 @@ typedef struct surveydata_crossing {
 SURVEYDATA_API surveydata_status surveydata_area_explain(
     const surveydata_area* area, double hz, double v, surveydata_explanation* explanation,
     surveydata_crossing* crossings, size_t crossing_size, size_t capacity, size_t* count);
+
+// NOLINTEND(readability-identifier-naming)
 
 #ifdef __cplusplus
 }
