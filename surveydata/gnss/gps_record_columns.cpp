@@ -207,6 +207,7 @@ struct OfNumber {
     const Value value = get(record.Get(0));
     if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
+      // NOLINTNEXTLINE(bugprone-branch-clone): the conversions differ
     } else if constexpr (std::is_floating_point_v<Value>) {
       Functions::ValueOf(to) = value;
     } else if constexpr (std::is_signed_v<Value>) {
@@ -321,8 +322,8 @@ constexpr GPSColumn Number(const char* name, const char* unit, const char* descr
   using Of = OfNumber<present, get>;
   return {name,
           TypeFor<typename Of::Value>(),
-          unit,
           kIsOptional<present>,
+          unit,
           description,
           0,
           &kFunctionsOf<Of>};
@@ -335,7 +336,7 @@ constexpr GPSColumn Number(const char* name, const char* unit, const char* descr
 template <auto present, auto flags>
 constexpr GPSColumn Flag(const char* name, const char* description) {
   using Of = OfFlag<present, flags>;
-  return {name, GPSColumnType::kBool, "", kIsOptional<present>, description, 0, &kFunctionsOf<Of>};
+  return {name, GPSColumnType::kBool, kIsOptional<present>, "", description, 0, &kFunctionsOf<Of>};
 }
 template <auto flags>
 constexpr GPSColumn Flag(const char* name, const char* description) {
@@ -347,8 +348,8 @@ constexpr GPSColumn Text(const char* name, const char* description) {
   static_assert(largest <= GPSColumnValueC::kLargestText);
   return {name,
           GPSColumnType::kText,
-          "",
           true,
+          "",
           description,
           largest,
           &kFunctionsOf<OfText<present, write>>};
@@ -358,7 +359,7 @@ template <auto present, auto get>
 constexpr GPSColumn ListOf(const char* name, const char* description) {
   static_assert(GPSListBlock::kCapacity == GPSColumnValueC::kLargestList);
   constexpr std::size_t kLargest = GPSListBlock::kCapacity * sizeof(std::uint16_t);
-  return {name,     GPSColumnType::kUInt16List,         "", true, description,
+  return {name,     GPSColumnType::kUInt16List,         true, "", description,
           kLargest, &kFunctionsOf<OfList<present, get>>};
 }
 

@@ -51,7 +51,7 @@ class SURVEYDATA_API GPSColumnValueC {
   GPSColumnValueC();
   GPSColumnValueC(const GPSColumnValueC&) = delete;
   GPSColumnValueC& operator=(const GPSColumnValueC&) = delete;
-  ~GPSColumnValueC();
+  ~GPSColumnValueC();  // NOLINT(performance-trivially-destructible): it leaves the library
 
   bool IsAbsent() const;
   /// Texts and lists are valid as long as this object, and until it is filled again.
@@ -75,8 +75,8 @@ struct GPSColumnFunctions;
 struct GPSColumn {
   const char* name;  ///< In snake case.
   GPSColumnType type;
-  const char* unit;  ///< "m", "ms"; empty for what has none, and where the producer decides.
   bool canBeAbsent;
+  const char* unit;         ///< "m", "ms"; empty for what has none, and where the producer decides.
   const char* description;  ///< One sentence without its full stop.
   /// The bytes of the longest text, or of the longest list; 0 for other types.
   std::size_t largest;

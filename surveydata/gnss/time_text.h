@@ -16,7 +16,7 @@ namespace SDI::TimeText {
 using Milliseconds = std::int64_t;
 
 inline constexpr Milliseconds kSecond = 1000;
-inline constexpr Milliseconds kDay = 24 * 3600 * kSecond;
+inline constexpr Milliseconds kDay = 86'400 * kSecond;
 
 inline bool IsInRange(const Vorlin::TimeC& time) {
   return 0 <= time.timeOfWeek && time.timeOfWeek < kMillisecondsPerWeek;

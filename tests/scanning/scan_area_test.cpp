@@ -422,6 +422,36 @@ TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
   }
 }
 
+// A user's class may override the bounding points for those who ask for them. The four bounds are
+// the implementation's, like every other answer of an area.
+TEST(ScanArea, BoundsAreThoseOfTheImplementation) {
+  class OverriddenC : public ScanPolygonAreaC {
+   public:
+    bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool) const override {
+      low.SetHz(0.5);
+      low.SetV(0.5);
+      high.SetHz(0.75);
+      high.SetV(0.75);
+      return true;
+    }
+  };
+  OverriddenC overridden;
+  ScanPolygonAreaC plain;
+  for (ScanPolygonAreaC* const area : {static_cast<ScanPolygonAreaC*>(&overridden), &plain}) {
+    area->SetPoints(kTriangle);
+    area->SetSteps(0.1, 0.1);
+  }
+  for (const auto bound :
+       {&ScanAreaC::GetHzMin, &ScanAreaC::GetVMin, &ScanAreaC::GetHzMax, &ScanAreaC::GetVMax}) {
+    EXPECT_EQ((overridden.*bound)(), (plain.*bound)());
+  }
+  ScanDefPointC low;
+  ScanDefPointC high;
+  const ScanAreaC& area = overridden;
+  EXPECT_TRUE(area.GetBoundingPoints(low, high, true));
+  EXPECT_EQ(high.GetHz(), 0.75);
+}
+
 TEST(ScanArea, BoundsOfAnInvalidAreaAreTheLargestDouble) {
   const ScanPolygonAreaC area;
   EXPECT_EQ(area.GetHzMin(), kNotSet);
