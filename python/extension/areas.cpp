@@ -201,19 +201,20 @@ using Window = std::tuple<double, double, double, double>;
 std::string Draw(const AreaC& area, const Pairs& probes, const std::optional<Window>& window,
                  AngleUnit unit) {
   const std::vector<Tool::AreaFault> faults = Tool::FindAreaFaults(area.File());
-  Tool::AreaPicture picture{area.File(), faults, {}, {}};
+  Tool::AngleWindow shown = Tool::kWholeSphere;
+  if (window) {
+    const auto& [hzFirst, vFirst, hzLast, vLast] = *window;
+    shown = {Tool::ToRadians(hzFirst, unit), Tool::ToRadians(hzLast, unit),
+             Tool::ToRadians(vFirst, unit), Tool::ToRadians(vLast, unit)};
+  }
+  Tool::AreaProbesC marks(shown);
   const PreparedAreaC prepared(area.Area());
   for (const auto& [hzGiven, vGiven] : probes) {
     const double hz = Tool::ToRadians(hzGiven, unit);
     const double v = Tool::ToRadians(vGiven, unit);
-    picture.probes.push_back({hz, v, prepared.Contains(hz, v)});
+    marks.Add(hz, v, prepared.Contains(hz, v));
   }
-  if (window) {
-    const auto& [hzFirst, vFirst, hzLast, vLast] = *window;
-    picture.window = {Tool::ToRadians(hzFirst, unit), Tool::ToRadians(hzLast, unit),
-                      Tool::ToRadians(vFirst, unit), Tool::ToRadians(vLast, unit)};
-  }
-  return Tool::DrawArea(picture);
+  return Tool::DrawArea({area.File(), faults, shown, marks});
 }
 
 }  // namespace

@@ -183,7 +183,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<SDI::ScanDefPointC> outline;
     file.area->GetOutline(outline, 10.0);
     if (points > kMostDrawnPoints || size % kRarelyDrawn != 0) return 0;
-    EXPECT_NE(Tool::DrawArea({file, faults, {}, {}}).find("</svg>"), std::string::npos);
+    const Tool::AreaProbesC probes(Tool::kWholeSphere);
+    const std::string picture = Tool::DrawArea({file, faults, Tool::kWholeSphere, probes});
+    EXPECT_NE(picture.find("</svg>"), std::string::npos);
     if (bounds) {
       EXPECT_GE(Tool::MeasureSolidAngle(file, *bounds).steradians, 0.0);
     }

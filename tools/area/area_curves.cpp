@@ -72,25 +72,25 @@ Curve Straight(const AnglePointC& a, const AnglePointC& b) {
   return [a, b](double t) { return AnglePointC{a.Hz + t * (b.Hz - a.Hz), a.V + t * (b.V - a.V)}; };
 }
 
-std::set<std::size_t> Faulty(const AreaPicture& picture,
+std::set<std::size_t> Faulty(const std::vector<AreaFault>& faults,
                              std::vector<std::size_t> AreaFault::*numbers) {
   std::set<std::size_t> faulty;
-  for (const AreaFault& fault : picture.faults) {
+  for (const AreaFault& fault : faults) {
     faulty.insert((fault.*numbers).begin(), (fault.*numbers).end());
   }
   return faulty;
 }
 
-std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture) {
+std::vector<EdgeCurve> MakeEdges(const AreaFile& file, const std::vector<AreaFault>& faults) {
   std::vector<AnglePointC> edges;
   double hzOrigin = 0;
-  const GMAT::SphereAreaC& sphere = picture.file.Sphere();
+  const GMAT::SphereAreaC& sphere = file.Sphere();
   const std::vector<AnglePointC>& corners = sphere.GetPoints();
   if (!std::all_of(corners.begin(), corners.end(), IsDrawable) ||
       !sphere.BuildEdgeList(edges, hzOrigin)) {
     return {};
   }
-  const std::set<std::size_t> faulty = Faulty(picture, &AreaFault::edges);
+  const std::set<std::size_t> faulty = Faulty(faults, &AreaFault::edges);
   std::vector<EdgeCurve> curves;
   for (std::size_t i = 0; i < edges.size(); i += 2) {
     const AnglePointC a{edges[i].Hz + hzOrigin, edges[i].V};

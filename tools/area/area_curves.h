@@ -9,7 +9,7 @@
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 #include <area/area_faults.h>
-#include <area/area_picture.h>
+#include <area/area_file.h>
 #include <output/svg.h>
 
 /// \file
@@ -35,10 +35,10 @@ bool IsDrawable(const GMAT::AnglePointC& p);
 Curve Straight(const GMAT::AnglePointC& a, const GMAT::AnglePointC& b);
 
 /// The edges of the area; none where they cannot be drawn.
-std::vector<EdgeCurve> MakeEdges(const AreaPicture& picture);
+std::vector<EdgeCurve> MakeEdges(const AreaFile& file, const std::vector<AreaFault>& faults);
 
 /// The numbers of the points, or of the edges, that break a rule.
-std::set<std::size_t> Faulty(const AreaPicture& picture,
+std::set<std::size_t> Faulty(const std::vector<AreaFault>& faults,
                              std::vector<std::size_t> AreaFault::*numbers);
 
 /// The curve as the page shows it, to a quarter of a pixel. It is halved `least` times in any case.

@@ -5,8 +5,10 @@
 
 #include <fmt/format.h>
 
+#include <surveydata/scanning/prepared_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
+#include <area/angle_unit.h>
 #include <area/area_drawing.h>
 
 namespace Tool {
@@ -14,13 +16,27 @@ namespace {
 
 using GMAT::AnglePointC;
 
-// More corners than this are too close for dots, and their edges too short to be halved for
-// nothing.
-constexpr std::size_t kMany = 1000;
+constexpr int kRows = 360;
+constexpr std::size_t kMostInsideRuns = 8'000;
+constexpr std::size_t kMostRasterRuns = 10'000;
+constexpr double kSlowCell = 4;  // pixels
+
+// Whether each answer may need all edges: of a ring around the zenith that crosses itself.
+bool IsSlow(const AreaPicture& picture) {
+  constexpr std::size_t kManyEdges = 200;
+  return !picture.faults.empty() && picture.file.Sphere().GetPoints().size() > kManyEdges;
+}
+
+std::string TitleOf(std::size_t number, const AnglePointC& corner, AngleUnit unit) {
+  return fmt::format("{}: Hz {}, V {} {}", number, AngleText(FromRadians(corner.Hz, unit), unit),
+                     AngleText(FromRadians(corner.V, unit), unit), UnitName(unit));
+}
 
 }  // namespace
 
-int LeastHalvings(const std::vector<EdgeCurve>& edges) { return edges.size() > kMany ? 0 : 3; }
+int LeastHalvings(const std::vector<EdgeCurve>& edges) {
+  return edges.size() > kManyCorners ? 0 : 3;
+}
 
 const SvgStroke& EdgeStroke(const EdgeCurve& edge) {
   if (!edge.isArc) return kNoArc;
@@ -53,32 +69,47 @@ void DrawProbe(SvgC& svg, SvgPoint at, bool isInside) {
   }
 }
 
-void DrawCorners(SvgC& svg, const AreaPicture& picture,
+bool IsInsideDrawn(const AreaPicture& picture) {
+  return picture.faults.empty() || picture.file.Sphere().GetPoints().size() <= kManyCorners;
+}
+
+std::optional<std::vector<InsideStrip>> FindInsideStrips(const AreaPicture& picture,
+                                                         const AngleWindow& window) {
+  if (IsSlow(picture)) return {};
+  return FindInside(*picture.file.area, window, kRows, kMostInsideRuns);
+}
+
+void DrawInsideRaster(SvgC& svg, const AreaPicture& picture, SvgPoint corner, double width,
+                      double height, const std::function<AnglePointC(SvgPoint)>& directionAt) {
+  if (!IsInsideDrawn(picture)) return;
+  const SDI::PreparedAreaC prepared(*picture.file.area);
+  RasterC raster(corner, width, height, IsSlow(picture) ? kSlowCell : 1);
+  raster.ForEachCell([&](SvgPoint centre, std::uint8_t& mark) {
+    const AnglePointC direction = directionAt(centre);
+    mark = direction.V <= GMAT::TWO_PI && prepared.Contains(direction.Hz, direction.V) ? 1 : 0;
+  });
+  raster.Draw(svg, kInsideFill, kMostRasterRuns);
+}
+
+void DrawCorners(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
                  const std::function<AnglePointC(const AnglePointC&)>& show, const PageMap& map,
                  const std::function<bool(SvgPoint)>& isShown) {
   constexpr double kAway = 12;
   constexpr std::size_t kMostNumbered = 100;
   const std::vector<AnglePointC>& corners = picture.file.Sphere().GetPoints();
   const std::size_t n = corners.size();
-  const std::set<std::size_t> faulty = Faulty(picture, &AreaFault::points);
-  std::vector<SvgPoint> dots;
-  for (std::size_t i = 0; i < n; ++i) {
+  const std::set<std::size_t> faulty = Faulty(picture.faults, &AreaFault::points);
+  std::size_t dots = 0;
+  for (std::size_t i = 0; i < n && dots < kManyCorners; ++i) {
     if (!IsDrawable(corners[i])) continue;
     const SvgPoint p = map(show(corners[i]));
     const bool isFaulty = faulty.contains(i + 1);
-    if (!isShown(p) || (n > kMany && !isFaulty)) continue;
-    svg.Dot(p, isFaulty ? 4.2 : 2.6, isFaulty ? kFault : kEdge.colour);
-    dots.push_back(p);
+    if (!isShown(p) || (n > kManyCorners && !isFaulty)) continue;
+    ++dots;
+    svg.Dot(p, isFaulty ? 4.2 : 2.6, isFaulty ? kFault : kEdge.colour,
+            TitleOf(i + 1, corners[i], picture.file.unit));
+    if (n <= kMostNumbered) labels.Reserve({p.x - 3, p.y - 3, p.x + 3, p.y + 3});
   }
-  std::vector<SvgPoint> numbers;
-  const auto isFree = [&](SvgPoint at) {
-    const auto isNear = [&](const std::vector<SvgPoint>& others, double x, double y) {
-      return std::any_of(others.begin(), others.end(), [&](const SvgPoint& other) {
-        return std::fabs(other.x - at.x) < x && std::fabs(other.y - at.y) < y;
-      });
-    };
-    return !isNear(dots, 7, 8) && !isNear(numbers, 14, 12);
-  };
   for (std::size_t i = 0; i < n && n <= kMostNumbered; ++i) {
     if (!IsDrawable(corners[i])) continue;
     const AnglePointC shown = show(corners[i]);
@@ -92,17 +123,19 @@ void DrawCorners(SvgC& svg, const AreaPicture& picture,
       return SvgPoint{(q.x - p.x) / length, (q.y - p.y) / length};
     };
     const SvgPoint before = towards(corners[(i + n - 1) % n]);
-    const SvgPoint behind = towards(corners[(i + 1) % n]);
-    SvgPoint away{-before.x - behind.x, -before.y - behind.y};
+    const SvgPoint after = towards(corners[(i + 1) % n]);
+    SvgPoint away{-before.x - after.x, -before.y - after.y};
     const double length = std::hypot(away.x, away.y);
     away =
         length < 0.2 ? SvgPoint{before.y, -before.x} : SvgPoint{away.x / length, away.y / length};
-    const SvgPoint at{p.x + kAway * away.x, p.y + kAway * away.y};
-    if (!isFree(at)) continue;
-    numbers.push_back(at);
-    svg.Text(
-        {at.x, at.y + 4}, fmt::format("{}", i + 1),
-        {.size = 11, .anchor = "middle", .colour = faulty.contains(i + 1) ? kFault : kEdge.colour});
+    const SvgFont font{
+        .size = 11, .anchor = "middle", .colour = faulty.contains(i + 1) ? kFault : kEdge.colour};
+    for (const double turn : {0.0, 0.7, -0.7, 1.4, -1.4}) {  // the first that is free
+      const double x = away.x * std::cos(turn) - away.y * std::sin(turn);
+      const double y = away.x * std::sin(turn) + away.y * std::cos(turn);
+      const SvgPoint at{p.x + kAway * x, p.y + kAway * y + 4};
+      if (labels.Place(at, fmt::format("{}", i + 1), font)) break;
+    }
   }
 }
 

@@ -9,25 +9,29 @@
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 #include <area/area_curves.h>
+#include <area/area_maps.h>
 #include <area/area_measure.h>
 #include <area/area_picture.h>
+#include <output/label_placer.h>
+#include <output/raster.h>
 #include <output/svg.h>
 
 /// \file
-/// What the panels of an area's picture share: places on the page, colours, and the marks of edges,
-/// corners and probes.
+/// What the panels of an area's picture share: colours, and the marks of edges, corners and probes.
 
 namespace Tool {
 
-/// The plane of Hz and V.
+/// The page.
 /// @{
-inline constexpr double kPlaneLeft = 76;
-inline constexpr double kPlaneTop = 112;
-inline constexpr double kPlaneWidth = 600;
-inline constexpr double kPlaneHeight = 300;
+inline constexpr double kPageWidth = 1100;
+inline constexpr double kPageHeight = 550;
 /// @}
 
-/// Colours that people with any colour vision tell apart, in shades that differ as well.
+/// Of more corners than this, only those that break a rule are marked, and no more than this. With
+/// so many, edges are too short to be halved, and are drawn in one line.
+inline constexpr std::size_t kManyCorners = 2000;
+
+/// Colours that can be told apart with any colour vision; their shades differ as well.
 /// @{
 inline constexpr std::string_view kInsideFill = "#cfe3f3";
 inline constexpr std::string_view kQuiet = "#555555";
@@ -43,7 +47,7 @@ inline constexpr SvgStroke kBounds{"#333333", 1.1, "6 4"};
 inline constexpr SvgStroke kLowest{"#d55e00", 1.2, "9 3 2 3"};
 /// @}
 
-/// How often the curves of the edges are halved in any case: not for nothing where there are many.
+/// How often the curves of the edges are halved at least: not at all where there are many.
 int LeastHalvings(const std::vector<EdgeCurve>& edges);
 
 const SvgStroke& EdgeStroke(const EdgeCurve& edge);
@@ -53,9 +57,21 @@ std::vector<Curve> BoundsLines(const AreaBounds& bounds);
 
 void DrawProbe(SvgC& svg, SvgPoint at, bool isInside);
 
-/// Dots at the corners, and their numbers outside of the turn that the ring makes there. Where
-/// there is no room for a number, it is left out. `show` gives a corner in the frame of `map`.
-void DrawCorners(SvgC& svg, const AreaPicture& picture,
+/// False for a ring of many corners that is not valid: each answer would need all edges.
+bool IsInsideDrawn(const AreaPicture& picture);
+
+/// What the library calls inside, as strips of exact runs; empty where that is too much for the
+/// picture or, of a large ring that is not valid, takes too long: then draw a raster.
+std::optional<std::vector<InsideStrip>> FindInsideStrips(const AreaPicture& picture,
+                                                         const AngleWindow& window);
+
+/// The same as a raster of a rectangle of the page.
+void DrawInsideRaster(SvgC& svg, const AreaPicture& picture, SvgPoint corner, double width,
+                      double height, const std::function<GMAT::AnglePointC(SvgPoint)>& directionAt);
+
+/// Dots at the corners, with their angles as titles, and their numbers on the outer side of the
+/// turn that the ring makes there. `show` gives a corner in the frame of `map`.
+void DrawCorners(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
                  const std::function<GMAT::AnglePointC(const GMAT::AnglePointC&)>& show,
                  const PageMap& map, const std::function<bool(SvgPoint)>& isShown);
 

@@ -1,6 +1,8 @@
 #ifndef SURVEYDATA_TOOLS_AREA_AREA_INSIDE_H_
 #define SURVEYDATA_TOOLS_AREA_AREA_INSIDE_H_
 
+#include <cstddef>
+#include <optional>
 #include <vector>
 
 #include <surveydata/scanning/scan_area.h>
@@ -22,7 +24,7 @@ struct InsideRun {
   double to;
 };
 
-/// Runs one below the other that belong together: a simple piece of the inside.
+/// Connected runs, one below the other: a simple piece of the inside.
 using InsideStrip = std::vector<InsideRun>;
 
 /// The inside of an area in a window as the library answers for it, in strips of `rows` equally
@@ -30,6 +32,11 @@ using InsideStrip = std::vector<InsideRun>;
 /// narrower than a 720th of the window's width can be missed; the ends of a run are exact.
 std::vector<InsideStrip> FindInside(const SDI::ScanAreaC& area, const AngleWindow& window,
                                     int rows);
+
+/// The same, but empty where there are more than `mostRuns` runs.
+std::optional<std::vector<InsideStrip>> FindInside(const SDI::ScanAreaC& area,
+                                                   const AngleWindow& window, int rows,
+                                                   std::size_t mostRuns);
 
 }  // namespace Tool
 

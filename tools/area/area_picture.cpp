@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -9,63 +10,74 @@
 #include <area/area_picture.h>
 #include <area/area_plane_panel.h>
 #include <area/area_polar_panel.h>
+#include <command_line/text.h>
+#include <output/label_placer.h>
 #include <output/svg.h>
 
 namespace Tool {
 namespace {
 
-constexpr double kWidth = 1100;
-constexpr double kHeight = 540;
 constexpr double kLegendTop = 500;
+constexpr double kLegendLine = 18;
+constexpr double kNotesTop = 540;
 
-// One line below the panels: what is in the picture, and nothing else.
+// Below the panels: what is in the picture, and nothing else.
 class LegendC {
  public:
-  explicit LegendC(SvgC& svg) : svg_(svg) {}
+  LegendC(SvgC& svg, LabelPlacerC& labels) : svg_(svg), labels_(labels) {}
 
   void Fill(std::string_view text) {
-    svg_.Rectangle({x_, kLegendTop - 11}, kSample, 12, kInsideFill);
+    Begin(text);
+    svg_.Rectangle({x_, y_ - 11}, kSample, 12, kInsideFill);
     Label(text);
   }
   void Stroke(const SvgStroke& stroke, std::string_view text) {
-    svg_.Line({x_, kLegendTop - 4.5}, {x_ + kSample, kLegendTop - 4.5}, stroke);
+    Begin(text);
+    svg_.Line({x_, y_ - 4.5}, {x_ + kSample, y_ - 4.5}, stroke);
     Label(text);
   }
   void Probe(bool isInside, std::string_view text) {
-    DrawProbe(svg_, {x_ + kSample / 2, kLegendTop - 4.5}, isInside);
+    Begin(text);
+    DrawProbe(svg_, {x_ + kSample / 2, y_ - 4.5}, isInside);
     Label(text);
   }
 
  private:
   static constexpr double kSample = 26;
+  static constexpr double kGap = 7;
 
+  // Goes to the next line where there is no room.
+  void Begin(std::string_view text) {
+    if (x_ + kSample + kGap + TextWidth(text, {}) <= kPageWidth) return;
+    x_ = kPlaneLeft;
+    y_ += kLegendLine;
+  }
   void Label(std::string_view text) {
-    constexpr double kLetter = 6.6;
-    svg_.Text({x_ + kSample + 7, kLegendTop}, text);
-    x_ += kSample + 30 + kLetter * static_cast<double>(text.size());
+    labels_.Place({x_ + kSample + kGap, y_}, text);
+    x_ += kSample + kGap + TextWidth(text, {}) + 16;
   }
 
   SvgC& svg_;
+  LabelPlacerC& labels_;
   double x_ = kPlaneLeft;
+  double y_ = kLegendTop;
 };
 
-void DrawLegend(SvgC& svg, const AreaPicture& picture, const std::vector<EdgeCurve>& edges,
-                bool hasBounds) {
-  LegendC legend(svg);
-  legend.Fill("inside");
+void DrawLegend(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+                const std::vector<EdgeCurve>& edges, bool hasBounds) {
+  LegendC legend(svg, labels);
+  if (IsInsideDrawn(picture)) legend.Fill("inside");
   const auto has = [&](const SvgStroke& stroke) {
     return std::any_of(edges.begin(), edges.end(),
                        [&](const EdgeCurve& edge) { return &EdgeStroke(edge) == &stroke; });
   };
   if (has(kEdge)) legend.Stroke(kEdge, "edge");
   if (has(kFaultyEdge)) legend.Stroke(kFaultyEdge, "crossing edge");
-  if (has(kNoArc)) legend.Stroke(kNoArc, "edge that is no arc");
+  if (has(kNoArc)) legend.Stroke(kNoArc, "edge without an arc");
   if (hasBounds) legend.Stroke(kBounds, "bounds");
   legend.Stroke(kLowest, "lowest direction");
   for (const bool isInside : {true, false}) {
-    const auto count =
-        std::count_if(picture.probes.begin(), picture.probes.end(),
-                      [&](const AreaProbe& probe) { return probe.isInside == isInside; });
+    const std::uint64_t count = picture.probes.GetCount(isInside);
     if (count > 0) {
       legend.Probe(isInside, fmt::format("asked: {} ({})", isInside ? "inside" : "outside", count));
     }
@@ -85,18 +97,53 @@ std::string Subtitle(const AreaPicture& picture, const std::optional<AreaBounds>
   return text;
 }
 
+// What the picture shows only to its resolution, or not at all.
+std::string Notes(const AreaPicture& picture) {
+  std::string notes;
+  const auto add = [&notes](std::string_view note) {
+    notes += notes.empty() ? "" : "; ";
+    notes += note;
+  };
+  const std::size_t corners = picture.file.Sphere().GetPoints().size();
+  if (corners > kManyCorners) {
+    add(fmt::format("{} corners: drawn to the resolution of the picture, and not marked", corners));
+    const std::size_t faulty = Faulty(picture.faults, &AreaFault::points).size();
+    if (faulty > kManyCorners) {
+      add(fmt::format("the first {} of {} that break a rule are", kManyCorners, faulty));
+    } else if (faulty > 0) {
+      add(fmt::format("but for the {} that break a rule", faulty));
+    }
+  }
+  if (!IsInsideDrawn(picture)) add("what is inside is not drawn");
+  if (picture.probes.IsRaster()) {
+    add(fmt::format("{} directions: drawn to the resolution of the picture",
+                    picture.probes.GetCount(true) + picture.probes.GetCount(false)));
+  }
+  return notes;
+}
+
 }  // namespace
 
 std::string DrawArea(const AreaPicture& picture) {
   const std::optional<AreaBounds> bounds = MeasureBounds(picture.file);
-  const std::vector<EdgeCurve> edges = MakeEdges(picture);
-  SvgC svg(kWidth, kHeight, picture.file.name);
-  svg.Text({kPlaneLeft, 34}, picture.file.name, {.size = 19, .isBold = true});
-  svg.Text({kPlaneLeft, 56}, Subtitle(picture, bounds),
-           {.colour = picture.faults.empty() ? kQuiet : kFault});
-  DrawPlanePanel(svg, picture, edges, bounds);
-  DrawPolarPanel(svg, picture, edges, bounds);
-  DrawLegend(svg, picture, edges, bounds.has_value());
+  const std::vector<EdgeCurve> edges = MakeEdges(picture.file, picture.faults);
+  constexpr SvgFont kTitle{.size = 19, .isBold = true};
+  const SvgFont kSubtitle{.colour = picture.faults.empty() ? kQuiet : kFault};
+  constexpr SvgFont kNotes{.size = 11, .colour = kQuiet};
+  constexpr double kRoom = kPageWidth - kPlaneLeft - 8;
+  const std::string title = FittedText(ToPrintable(picture.file.name), kRoom, kTitle);
+  SvgC svg(kPageWidth, kPageHeight, title);
+  LabelPlacerC labels(svg, kPageWidth, kPageHeight);
+  labels.Place({kPlaneLeft, 34}, title, kTitle);
+  labels.Place({kPlaneLeft, 56}, FittedText(Subtitle(picture, bounds), kRoom, kSubtitle),
+               kSubtitle);
+  const std::string notes = Notes(picture);
+  if (!notes.empty()) {
+    labels.Place({kPlaneLeft, kNotesTop}, FittedText(notes, kRoom, kNotes), kNotes);
+  }
+  DrawLegend(svg, labels, picture, edges, bounds.has_value());
+  DrawPlanePanel(svg, labels, picture, edges, bounds);
+  DrawPolarPanel(svg, labels, picture, edges, bounds);
   return std::move(svg).Finish();
 }
 

@@ -10,14 +10,13 @@
 #include <area/area_drawing.h>
 #include <area/area_inside.h>
 #include <area/area_plane_panel.h>
+#include <area/area_ring.h>
 #include <output/chart.h>
 
 namespace Tool {
 namespace {
 
 using GMAT::AnglePointC;
-
-constexpr int kRows = 360;
 
 // Tick marks of an angle from `first` to `last`, in the unit.
 std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wanted) {
@@ -41,10 +40,12 @@ std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wa
 
 class PlanePanelC {
  public:
-  PlanePanelC(SvgC& svg, const AreaPicture& picture)
+  PlanePanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture)
       : svg_(svg),
+        labels_(labels),
         picture_(picture),
-        window_(picture.window.value_or(AngleWindow{0, GMAT::TWO_PI, 0, GMAT::PI})) {}
+        map_(picture.window),
+        window_(picture.window) {}
 
   void Draw(const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds) {
     svg_.BeginClip({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight);
@@ -53,9 +54,7 @@ class PlanePanelC {
     DrawAxes();
     svg_.BeginClip({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight);
     svg_.Line(At({window_.hzMin, GMAT::V_LIMIT}), At({window_.hzMax, GMAT::V_LIMIT}), kLowest);
-    for (const EdgeCurve& edge : edges) {
-      DrawTurned(edge.at, EdgeStroke(edge), LeastHalvings(edges));
-    }
+    DrawRing(edges);
     if (bounds) DrawBounds(*bounds);
     svg_.EndClip();
     svg_.Rectangle({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight, kFrame);
@@ -63,25 +62,16 @@ class PlanePanelC {
   }
 
  private:
-  SvgPoint At(const AnglePointC& p) const {
-    return {kPlaneLeft + (p.Hz - window_.hzMin) / (window_.hzMax - window_.hzMin) * kPlaneWidth,
-            kPlaneTop + (p.V - window_.vMin) / (window_.vMax - window_.vMin) * kPlaneHeight};
-  }
-  // The same direction, by full turns, where the window shows it if it does.
-  AnglePointC Turned(const AnglePointC& p) const {
-    constexpr double kSlack = 1e-9;
-    const double turns = std::ceil((window_.hzMin - p.Hz) / GMAT::TWO_PI - kSlack);
-    return {p.Hz + turns * GMAT::TWO_PI, p.V};
-  }
-  bool IsShown(SvgPoint p) const {
-    constexpr double kSlack = 0.5;
-    return p.x >= kPlaneLeft - kSlack && p.x <= kPlaneLeft + kPlaneWidth + kSlack &&
-           p.y >= kPlaneTop - kSlack && p.y <= kPlaneTop + kPlaneHeight + kSlack;
-  }
+  SvgPoint At(const AnglePointC& p) const { return map_.At(p); }
 
   void DrawInside() {
+    const auto strips = FindInsideStrips(picture_, window_);
+    if (!strips) {
+      return DrawInsideRaster(svg_, picture_, {kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight,
+                              [&](SvgPoint p) { return map_.DirectionAt(p); });
+    }
     std::vector<SvgPoint> points;
-    for (const InsideStrip& strip : FindInside(*picture_.file.area, window_, kRows)) {
+    for (const InsideStrip& strip : *strips) {
       points.clear();
       for (const InsideRun& run : strip) points.push_back(At({run.from, run.v}));
       for (auto run = strip.rbegin(); run != strip.rend(); ++run) {
@@ -98,29 +88,30 @@ class PlanePanelC {
       const double x = At({ToRadians(tick, unit), 0}).x;
       svg_.Line({x, kPlaneTop}, {x, kPlaneTop + kPlaneHeight}, kGrid);
       svg_.Line({x, kPlaneTop + kPlaneHeight}, {x, kPlaneTop + kPlaneHeight + 5}, kFrame);
-      svg_.Text({x, kPlaneTop + kPlaneHeight + 20}, Label(tick), {.anchor = "middle"});
+      labels_.Place({x, kPlaneTop + kPlaneHeight + 20}, Label(tick), {.anchor = "middle"});
     }
     for (const double tick : AngleTicks(inUnit(window_.vMin), inUnit(window_.vMax), unit, 8)) {
       const double y = At({0, ToRadians(tick, unit)}).y;
       svg_.Line({kPlaneLeft, y}, {kPlaneLeft + kPlaneWidth, y}, kGrid);
       svg_.Line({kPlaneLeft - 5, y}, {kPlaneLeft, y}, kFrame);
-      svg_.Text({kPlaneLeft - 9, y + 4.5}, Label(tick), {.anchor = "end"});
+      labels_.Place({kPlaneLeft - 9, y + 4.5}, Label(tick), {.anchor = "end"});
     }
-    svg_.Text({kPlaneLeft + kPlaneWidth / 2, kPlaneTop + kPlaneHeight + 42},
-              fmt::format("Hz [{}]", UnitName(unit)), {.anchor = "middle"});
-    svg_.Text({24, kPlaneTop + kPlaneHeight / 2},
-              fmt::format("V from the zenith [{}]", UnitName(unit)),
-              {.anchor = "middle", .turned = -90});
+    labels_.Place({kPlaneLeft + kPlaneWidth / 2, kPlaneTop + kPlaneHeight + 42},
+                  fmt::format("Hz [{}]", UnitName(unit)), {.anchor = "middle"});
+    labels_.Place({24, kPlaneTop + kPlaneHeight / 2},
+                  fmt::format("V from the zenith [{}]", UnitName(unit)),
+                  {.anchor = "middle", .turned = -90});
     if (window_.vMin <= 0) {
-      svg_.Text({kPlaneLeft + kPlaneWidth, kPlaneTop - 7}, "zenith",
-                {.size = 12, .anchor = "end", .colour = kQuiet});
+      labels_.Place({kPlaneLeft + kPlaneWidth, kPlaneTop - 7}, "zenith",
+                    {.size = 12, .anchor = "end", .colour = kQuiet});
     }
-    svg_.Text({kPlaneLeft, kPlaneTop - 7}, "Hz and V", {.isBold = true});
+    labels_.Place({kPlaneLeft, kPlaneTop - 7}, "Hz and V", {.isBold = true});
   }
   std::string Label(double tick) const { return fmt::format("{:.6g}", tick + 0.0); }
 
-  // Once for each turn at which a part of it can be seen.
-  void DrawTurned(const Curve& curve, const SvgStroke& stroke, int least) {
+  // Calls `draw` with the points of a curve for each turn at which a part of it can be seen.
+  template <class Draw>
+  void ForEachTurn(const Curve& curve, int least, const Draw& draw) const {
     const double a = curve(0).Hz;
     const double b = curve(1).Hz;
     const double reach = GMAT::PI;  // what an arc may go beyond its ends, over a pole
@@ -134,40 +125,51 @@ class PlanePanelC {
           std::minmax_element(points.begin(), points.end(),
                               [](const SvgPoint& p, const SvgPoint& q) { return p.x < q.x; });
       if (right->x < kPlaneLeft || left->x > kPlaneLeft + kPlaneWidth) continue;
-      svg_.Polyline(points, stroke);
+      draw(points);
     }
   }
 
+  void DrawRing(const std::vector<EdgeCurve>& edges) {
+    RingDrawingC ring({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight, edges.size());
+    for (const EdgeCurve& edge : edges) {
+      ForEachTurn(edge.at, LeastHalvings(edges),
+                  [&](const std::vector<SvgPoint>& points) { ring.Add(points, EdgeStroke(edge)); });
+    }
+    ring.Draw(svg_);
+  }
+
   void DrawBounds(const AreaBounds& bounds) {
-    for (const Curve& line : BoundsLines(bounds)) DrawTurned(line, kBounds, 3);
+    for (const Curve& line : BoundsLines(bounds)) {
+      ForEachTurn(line, 3,
+                  [&](const std::vector<SvgPoint>& points) { svg_.Polyline(points, kBounds); });
+    }
   }
 
   void DrawMarks() {
     const double lowest = At({0, GMAT::V_LIMIT}).y;
     if (lowest > kPlaneTop && lowest < kPlaneTop + kPlaneHeight) {
       const double v = FromRadians(GMAT::V_LIMIT, picture_.file.unit);
-      svg_.Text({kPlaneLeft + kPlaneWidth + 5, lowest + 4}, fmt::format("{:.4g}", v),
-                {.size = 11, .colour = kLowest.colour});
+      labels_.Place({kPlaneLeft + kPlaneWidth + 5, lowest + 4}, fmt::format("{:.4g}", v),
+                    {.size = 11, .colour = kLowest.colour});
     }
     DrawCorners(
-        svg_, picture_, [&](const AnglePointC& p) { return Turned(p); },
-        [&](const AnglePointC& p) { return At(p); }, [&](SvgPoint p) { return IsShown(p); });
-    for (const AreaProbe& probe : picture_.probes) {
-      const SvgPoint at = At(Turned({probe.hz, probe.v}));
-      if (IsShown(at)) DrawProbe(svg_, at, probe.isInside);
-    }
+        svg_, labels_, picture_, [&](const AnglePointC& p) { return map_.Turned(p); },
+        [&](const AnglePointC& p) { return At(p); }, &PlaneMapC::IsShown);
+    picture_.probes.DrawInPlane(svg_);
   }
 
   SvgC& svg_;
+  LabelPlacerC& labels_;
   const AreaPicture& picture_;
+  PlaneMapC map_;
   AngleWindow window_;
 };
 
 }  // namespace
 
-void DrawPlanePanel(SvgC& svg, const AreaPicture& picture, const std::vector<EdgeCurve>& edges,
-                    const std::optional<AreaBounds>& bounds) {
-  PlanePanelC(svg, picture).Draw(edges, bounds);
+void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds) {
+  PlanePanelC(svg, labels, picture).Draw(edges, bounds);
 }
 
 }  // namespace Tool

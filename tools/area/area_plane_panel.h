@@ -7,13 +7,14 @@
 #include <area/area_curves.h>
 #include <area/area_measure.h>
 #include <area/area_picture.h>
+#include <output/label_placer.h>
 #include <output/svg.h>
 
 namespace Tool {
 
 /// The area in the plane of Hz and V, with axes in the unit of the file.
-void DrawPlanePanel(SvgC& svg, const AreaPicture& picture, const std::vector<EdgeCurve>& edges,
-                    const std::optional<AreaBounds>& bounds);
+void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds);
 
 }  // namespace Tool
 

@@ -10,6 +10,7 @@
 #include <area/area_commands.h>
 #include <area/area_file.h>
 #include <area/area_picture.h>
+#include <area/area_probes.h>
 #include <area/direction_reader.h>
 #include <command_line/common_options.h>
 #include <output/output.h>
@@ -58,21 +59,22 @@ ExitCode Run(const Options& options) {
   RequireOneStandardInput(options.file, options.csv);
   const AreaFile file = LoadAreaFile(options.file);
   const std::vector<AreaFault> faults = FindAreaFaults(file);
-  AreaPicture picture{file, faults, {}, {}};
+  const AngleWindow window =
+      options.window.empty() ? kWholeSphere : ParseWindow(options.window, file.unit);
   const SDI::PreparedAreaC area(*file.area);
+  AreaProbesC probes(window);
   const auto ask = [&](const Direction& direction) {
     const double hz = ToRadians(direction.hz, file.unit);
     const double v = ToRadians(direction.v, file.unit);
-    picture.probes.push_back({hz, v, area.Contains(hz, v)});
+    probes.Add(hz, v, area.Contains(hz, v));
   };
   for (const std::string& probe : options.probes) ask(RequireDirection(probe));
   if (!options.csv.empty()) {
     DirectionReaderC reader(options.csv, options.format);
     for (Direction direction{}; reader.Next(direction);) ask(direction);
   }
-  if (!options.window.empty()) picture.window = ParseWindow(options.window, file.unit);
 
-  const std::string svg = DrawArea(picture);
+  const std::string svg = DrawArea({file, faults, window, probes});
   OutputC out(options.output.file, options.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();

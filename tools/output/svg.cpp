@@ -91,9 +91,18 @@ void SvgC::Rectangle(SvgPoint corner, double width, double height, const SvgStro
          corner.x, corner.y, width, height, Attributes(stroke));
 }
 
-void SvgC::Dot(SvgPoint centre, double radius, std::string_view fill) {
-  Append(document_, "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{}\" fill=\"{}\"/>\n", centre.x,
-         centre.y, radius, fill);
+void SvgC::Dot(SvgPoint centre, double radius, std::string_view fill, std::string_view title) {
+  Append(document_, "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"{}\" fill=\"{}\"", centre.x, centre.y,
+         radius, fill);
+  if (title.empty()) {
+    document_ += "/>\n";
+  } else {
+    Append(document_, "><title>{}</title></circle>\n", EscapeXml(title));
+  }
+}
+
+void SvgC::Path(std::string_view data, const SvgStroke& stroke) {
+  Append(document_, "<path d=\"{}\" fill=\"none\" {}/>\n", data, Attributes(stroke));
 }
 
 void SvgC::Circle(SvgPoint centre, double radius, const SvgStroke& stroke) {

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_TOOLS_OUTPUT_SVG_H_
 #define SURVEYDATA_TOOLS_OUTPUT_SVG_H_
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@ struct SvgPoint {
 struct SvgStroke {
   std::string_view colour = "#222222";
   double width = 1.0;
-  std::string_view dashes = {};  ///< As of `stroke-dasharray`; empty for a whole line.
+  std::string_view dashes = {};  ///< As in `stroke-dasharray`; empty for a solid line.
 };
 
 /// How a text is set.
@@ -39,13 +40,19 @@ class SvgC {
   void Polygon(std::span<const SvgPoint> points, std::string_view fill, const SvgStroke& stroke);
   void Rectangle(SvgPoint corner, double width, double height, std::string_view fill);
   void Rectangle(SvgPoint corner, double width, double height, const SvgStroke& stroke);
-  void Dot(SvgPoint centre, double radius, std::string_view fill);
+  /// A title shows where the pointer is over the dot.
+  void Dot(SvgPoint centre, double radius, std::string_view fill, std::string_view title = {});
+  /// Draws along `data`, as in the attribute `d` of a path.
+  void Path(std::string_view data, const SvgStroke& stroke);
   void Circle(SvgPoint centre, double radius, const SvgStroke& stroke);
   void Text(SvgPoint at, std::string_view text, const SvgFont& font = {});
 
-  /// What is drawn until `EndClip` shows only within the rectangle. Clips do not nest.
+  /// What is drawn until `EndClip` is clipped to the rectangle. Clips do not nest.
   void BeginClip(SvgPoint corner, double width, double height);
   void EndClip();
+
+  /// Of what is drawn so far, in bytes.
+  std::size_t GetSize() const { return document_.size(); }
 
   /// The whole document. Nothing can be drawn afterwards.
   std::string Finish() &&;
@@ -57,7 +64,8 @@ class SvgC {
   int clips_ = 0;
 };
 
-/// `text` as XML character data: markup escaped, what XML cannot hold replaced by U+FFFD.
+/// `text` as XML character data: markup is escaped; what XML cannot hold, control characters among
+/// it, becomes U+FFFD.
 std::string EscapeXml(std::string_view text);
 
 }  // namespace Tool

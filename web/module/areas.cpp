@@ -328,8 +328,7 @@ SURVEYDATA_PAGE std::int32_t page_area_report() {
 SURVEYDATA_PAGE std::int32_t page_area_picture() {
   return Page::Guarded([] {
     const Area& opened = Opened();
-    const Tool::AreaPicture picture{opened.file, opened.faults, {}, {}};
-    const std::vector<Tool::EdgeCurve> edges = Tool::MakeEdges(picture);
+    const std::vector<Tool::EdgeCurve> edges = Tool::MakeEdges(opened.file, opened.faults);
     constexpr std::size_t kMany = 1000;
     const int least = edges.size() > kMany ? 0 : 3;
     const auto bounds = Tool::MeasureBounds(opened.file);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <boost/property_tree/ptree.hpp>
@@ -552,6 +553,177 @@ TEST(AreaPlot, MarksProbesByTheirAnswer) {
   // In both panels and in the legend; a cross has two lines.
   EXPECT_EQ(Count(svg, "circle", "fill", "#117733"), 7u);
   EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 6u);
+}
+
+// The texts of a picture as boxes that are hardly larger than they are in any font.
+struct TextBox {
+  double left, top, right, bottom;
+  std::string text;
+};
+
+std::vector<TextBox> TextBoxes(const ptree& svg) {
+  std::vector<TextBox> boxes;
+  for (const auto& [name, child] : svg.get_child("svg")) {
+    if (name != "text") continue;
+    const auto attribute = [&child = child](const char* key) {
+      return child.get<double>("<xmlattr>." + std::string(key));
+    };
+    std::size_t characters = 0;
+    for (const char c : child.data()) {
+      if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) ++characters;
+    }
+    const double size = attribute("font-size");
+    const double width = 0.5 * size * static_cast<double>(characters);
+    const auto anchor = child.get<std::string>("<xmlattr>.text-anchor");
+    const double before = anchor == "middle" ? width / 2 : anchor == "end" ? width : 0;
+    const double x = attribute("x");
+    const double y = attribute("y");
+    if (child.get<std::string>("<xmlattr>.transform", "").empty()) {
+      boxes.push_back({x - before, y - 0.7 * size, x - before + width, y, child.data()});
+    } else {
+      boxes.push_back({x - 0.7 * size, y - width + before, x, y + before, child.data()});
+    }
+  }
+  return boxes;
+}
+
+void ExpectNoOverlap(const ptree& svg) {
+  const std::vector<TextBox> boxes = TextBoxes(svg);
+  EXPECT_GT(boxes.size(), 10u);
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    const TextBox& a = boxes[i];
+    EXPECT_TRUE(a.left >= 0 && a.top >= 0 && a.right <= 1100 && a.bottom <= 550) << a.text;
+    for (std::size_t k = 0; k < i; ++k) {
+      const TextBox& b = boxes[k];
+      EXPECT_FALSE(a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom)
+          << a.text << " | " << b.text;
+    }
+  }
+}
+
+TEST(AreaPlot, HasNoTextsThatOverlap) {
+  const TempFolderC folder;
+  std::vector<std::string> files;
+  for (const char* const name : kAreas) files.push_back(AreaPath(name));
+  for (const auto& entry : fs::directory_iterator(DataPath("../../docs/pictures"))) {
+    if (entry.path().extension() == ".json") files.push_back(entry.path().string());
+  }
+  std::string close;  // corners beside each other
+  for (int i = 0; i < 90; ++i) {
+    close += (i > 0 ? "," : "") + json({1 + i % 10 * 0.01, 1 + i / 10 * 0.02}).dump();
+  }
+  files.push_back(Written(folder, R"({"kind": "polygon", "unit": "rad", "hzStep": 1, "vStep": 1,
+      "name": ")" + std::string(100'000, 'W') +
+                                      R"(", "points": [)" + close + "]}"));
+  for (const std::string& file : files) {
+    for (const char* const window :
+         {"", "0,0,0.00001,0.00001", "-7,-7,5.5,5.5", "0,0.1,12.5,12", "1,1,1.0123456,1.9"}) {
+      SCOPED_TRACE(file + " " + window);
+      std::vector<std::string> options = {"-o",  folder / "out.svg", "--probe",
+                                          "1,1", "--probe",          "3,2"};
+      if (*window != '\0') options.insert(options.end(), {"--window", window});
+      EXPECT_NE(Area("plot", file, options).exitCode, 2);
+      ExpectNoOverlap(ParseXml(ReadText(folder / "out.svg")));
+    }
+  }
+}
+
+// A polygon of these corners, deg.
+std::string Ring(const std::vector<std::pair<double, double>>& corners) {
+  std::string points;
+  for (const auto& [hz, v] : corners) {
+    points += (points.empty() ? "[" : ",[") + std::to_string(hz) + "," + std::to_string(v) + "]";
+  }
+  return R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1, "points": [)" + points +
+         "]}";
+}
+
+// Teeth side by side along Hz.
+std::string Comb(int teeth) {
+  std::vector<std::pair<double, double>> corners = {{10, 20}};
+  for (int i = 0; i < teeth; ++i) {
+    const double width = 170.0 / teeth;
+    const double hz = 10 + 2 * i * width;
+    corners.insert(corners.end(),
+                   {{hz, 140}, {hz + width, 140}, {hz + width, 30}, {hz + 2 * width - 1e-4, 30}});
+  }
+  corners.emplace_back(350, 20);
+  return Ring(corners);
+}
+
+// Corners all over the sphere.
+std::string Tangle(int count, double hzFrom) {
+  std::vector<std::pair<double, double>> corners;
+  for (int i = 0; i < count; ++i) {
+    corners.emplace_back(hzFrom + i * 7919 % 359'000 / 1000.0, i * 3571 % 179'000 / 1000.0);
+  }
+  return Ring(corners);
+}
+
+TEST(AreaPlot, WritesAtMostTwoMegabytesAndSaysWhatItLeavesOut) {
+  const TempFolderC folder;
+  std::string directions = "hz,v\n";
+  for (int i = 0; i < 100'000; ++i) {
+    directions += std::to_string(i * 7919 % 360'000 / 1000.0) + "," +
+                  std::to_string(i * 3571 % 180'000 / 1000.0) + "\n";
+  }
+  WriteBytes(folder / "d.csv", Bytes(directions.begin(), directions.end()));
+  const std::string asked = "100000 directions: drawn to the resolution of the picture";
+  const struct {
+    const char* what;
+    std::string area;
+    bool hasDirections;
+    std::size_t titles;
+    std::string notes;
+  } cases[] = {
+      {"a few corners", Comb(3), true, 2 * 14, asked},
+      {"just few enough corners", Comb(499), true, 2 * 1998, asked},
+      {"many corners", Comb(20'000), true, 0,
+       "80002 corners: drawn to the resolution of the picture, and not marked; " + asked},
+      {"corners out of range", Tangle(50'000, -360), false, 2 * 2000,
+       "50000 corners: drawn to the resolution of the picture, and not marked; the first 2000 of "},
+      {"a tangle", Tangle(1990, 0.5), false, 2 * 1990, ""},
+      {"a large tangle", Tangle(2'500, 0.5), false, 0,
+       "2500 corners: drawn to the resolution of the picture, and not marked; what is inside is "
+       "not drawn"},
+  };
+  for (const auto& [what, area, hasDirections, titles, notes] : cases) {
+    SCOPED_TRACE(what);
+    std::vector<std::string> options = {"-o", folder / "out.svg"};
+    if (hasDirections) options.insert(options.end(), {"--csv", folder / "d.csv"});
+    const Outcome outcome = Area("plot", Written(folder, area), options);
+    EXPECT_TRUE(outcome.exitCode == 0 || outcome.exitCode == 4) << outcome.err;
+    const std::string text = ReadText(folder / "out.svg");
+    EXPECT_LE(text.size(), 2'000'000u);
+    const ptree svg = ParseXml(text);
+    ExpectNoOverlap(svg);
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = text.find("><title>", at)) != std::string::npos; ++at) ++found;
+    EXPECT_LE(found, titles);
+    EXPECT_GE(found, titles / 2);  // in both panels, or in that of the sphere alone
+    const std::vector<TextBox> boxes = TextBoxes(svg);
+    EXPECT_TRUE(notes.empty() || std::any_of(boxes.begin(), boxes.end(),
+                                             [&notes = notes](const TextBox& box) {
+                                               return box.text.starts_with(notes);
+                                             }))
+        << notes;
+  }
+}
+
+// What is drawn as a raster is drawn where it is.
+TEST(AreaPlot, DrawsManyDirectionsWhereTheyAre) {
+  const TempFolderC folder;
+  std::string directions;
+  for (int i = 0; i < 600; ++i) directions += std::to_string(90 + i * 0.01) + ",90\n";
+  WriteBytes(folder / "d.csv", Bytes(directions.begin(), directions.end()));
+  EXPECT_EQ(Area("plot", AreaPath("doorway"), {"-o", folder / "out.svg", "--csv", folder / "d.csv"})
+                .exitCode,
+            0);
+  const ptree svg = ParseXml(ReadText(folder / "out.svg"));
+  EXPECT_TRUE(HasText(svg, "asked: outside (600)"));
+  // Hz 90 to 96 is a quarter of 600 pixels from the left and 10 wide; V 90 in the middle of 300.
+  EXPECT_EQ(Count(svg, "path", "d", "M226 263h10"), 1u);
+  EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 2u);  // in the legend
 }
 
 TEST(AreaPlot, ShowsAWindowOfThePlane) {

@@ -1,0 +1,52 @@
+#ifndef SURVEYDATA_TOOLS_AREA_AREA_MAPS_H_
+#define SURVEYDATA_TOOLS_AREA_AREA_MAPS_H_
+
+#include <surveydata/sphere_geometry/sphere_area.h>
+
+#include <area/area_inside.h>
+#include <output/svg.h>
+
+/// \file
+/// Where the panels of an area's picture lie on the page, and where a direction lies in them.
+
+namespace Tool {
+
+/// The plane of Hz and V.
+/// @{
+inline constexpr double kPlaneLeft = 76;
+inline constexpr double kPlaneTop = 112;
+inline constexpr double kPlaneWidth = 600;
+inline constexpr double kPlaneHeight = 300;
+/// @}
+
+/// The view from the zenith.
+/// @{
+inline constexpr SvgPoint kPole{904, 262};
+inline constexpr double kPolarRadius = 150;
+/// @}
+
+/// Directions in the plane, of which a window is shown.
+class PlaneMapC {
+ public:
+  explicit PlaneMapC(const AngleWindow& window) : window_(window) {}
+
+  const AngleWindow& GetWindow() const { return window_; }
+  SvgPoint At(const GMAT::AnglePointC& p) const;
+  /// The direction at a place of the page.
+  GMAT::AnglePointC DirectionAt(SvgPoint p) const;
+  /// The same direction, by full turns, where the window shows it if it does.
+  GMAT::AnglePointC Turned(const GMAT::AnglePointC& p) const;
+  static bool IsShown(SvgPoint p);
+
+ private:
+  AngleWindow window_;
+};
+
+/// A direction as seen from the zenith: the distance from the pole is V, Hz goes clockwise.
+SvgPoint PolarAt(const GMAT::AnglePointC& p);
+/// The direction at a place of that view; V is above pi outside it.
+GMAT::AnglePointC PolarDirectionAt(SvgPoint p);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_AREA_AREA_MAPS_H_
