@@ -5,7 +5,7 @@
 
 namespace {
 
-// `tooShort` answers for a slant height that is shorter than its offset, or a NaN.
+// `tooShort` is the result for a slant height that is shorter than its offset, or a NaN.
 float VerticalHeight(float height, bool isVertical, float horizontalOffset, float tooShort) {
   if (isVertical) return height;
   if (height >= horizontalOffset) {

@@ -39,7 +39,8 @@ class SURVEYDATA_API GPSAntHeightImplC : public API::ImplC<GPSAntHeightImplC, GP
 
 namespace ODM {
 /// The antenna height inside the compact measurement record. A public object made by its
-/// `GetBase()` finds no implementation of its own class and answers accordingly.
+/// `GetBase()` finds no implementation of its own class, so its
+/// getters return 0 and false.
 class SURVEYDATA_API GPSAntHeightC : public API::ImplC<GPSAntHeightC, SDI::GPSAntHeightC> {
  public:
   GPSAntHeightC();
@@ -54,7 +55,7 @@ class SURVEYDATA_API GPSAntHeightC : public API::ImplC<GPSAntHeightC, SDI::GPSAn
   void SetHeight(float height, bool isVertical);
   float GetHorizontalOffset() const;
   void SetHorizontalOffset(float horizontalOffset);
-  /// A slant height that is shorter than its offset is answered as measured.
+  /// A slant height that is shorter than its offset is returned as measured.
   float GetVerticalHeight() const;
 
   bool isEqual(const GPSAntHeightC& other) const;
@@ -69,11 +70,11 @@ class SURVEYDATA_API GPSAntHeightC : public API::ImplC<GPSAntHeightC, SDI::GPSAn
 
 namespace SDI {
 
-/// The antenna height of a GNSS set-up, as it was measured: vertical, or slant to a point at a
-/// horizontal offset from the antenna axis. Heights and offsets are lengths in one unit (metres).
+/// The antenna height of a GNSS set-up as measured: vertical, or slant to a point at a horizontal
+/// offset from the antenna axis. Heights and offsets are lengths in one unit (metres).
 /// A new one is 0, vertical, without an offset.
 ///
-/// Without an implementation of its class, getters answer 0 and false and setters do nothing.
+/// Without an implementation of its class, getters return 0 and false and setters do nothing.
 class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
  public:
   GPSAntHeightC();
@@ -90,13 +91,13 @@ class SURVEYDATA_API GPSAntHeightC : public API::HandleC<GPSAntHeightImplC> {
   /// The distance from the antenna axis to the point where a slant height was measured.
   float GetHorizontalOffset() const;
   void SetHorizontalOffset(float horizontalOffset);
-  /// The height above the mark: the measured one when it is vertical, else
-  /// sqrt(height^2 - horizontalOffset^2) in single precision, and 0 when a slant height is shorter
+  /// The height above the mark: the measured height if it is vertical, else
+  /// sqrt(height^2 - horizontalOffset^2) in single precision, or 0 if a slant height is shorter
   /// than its offset (or either is NaN).
   float GetVerticalHeight() const;
 
-  /// Whether the kinds are the same and height and offset agree within the tolerance of
-  /// `API::CompareWithTolerance`. False when either side has no implementation.
+  /// Whether the kinds are equal, and height and offset are equal within the tolerance of
+  /// `API::CompareWithTolerance`. False if either side has no implementation.
   bool IsEqual(const GPSAntHeightC& other) const;
 };
 

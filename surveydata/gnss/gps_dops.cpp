@@ -6,7 +6,7 @@
 
 namespace {
 
-// The length of the vector of `dops`, or -1 when one of them is not available.
+// The root of the sum of the squares of `dops`, or -1 if one of them is not available.
 template <class... Dops>
 double Combined(Dops... dops) {
   if (std::max({dops...}) == SDI::DOP_NOT_AVAILABLE) return -1.0;

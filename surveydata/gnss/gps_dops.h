@@ -13,7 +13,7 @@ class SURVEYDATA_API GPSDOPsC;
 /// The stored value of a dilution of precision that is not available.
 inline constexpr std::uint16_t DOP_NOT_AVAILABLE = 0xFFFF;
 
-/// The data of a `GPSDOPsC`. Values are stored in tenths, 0 to 65534; 23 stands for 2.3.
+/// The data of a `GPSDOPsC`. Values are stored in tenths, 0 to 65534; 23 means 2.3.
 class SURVEYDATA_API GPSDOPsImplC : public API::ImplC<GPSDOPsImplC, GPSDOPsC> {
  public:
   GPSDOPsImplC();
@@ -48,8 +48,9 @@ class SURVEYDATA_API GPSDOPsImplC : public API::ImplC<GPSDOPsImplC, GPSDOPsC> {
 }  // namespace SDI
 
 namespace ODM {
-/// The dilutions of precision inside the compact measurement record, in tenths, too. A public
-/// object made by its `GetBase()` finds no implementation of its own class and answers accordingly.
+/// The dilutions of precision inside the compact measurement record, also in tenths. A public
+/// object made by its `GetBase()` finds no implementation of its own class, so its
+/// getters return 0 and false.
 class SURVEYDATA_API GPSDOPsC : public API::ImplC<GPSDOPsC, SDI::GPSDOPsC> {
  public:
   GPSDOPsC();
@@ -85,10 +86,10 @@ class SURVEYDATA_API GPSDOPsC : public API::ImplC<GPSDOPsC, SDI::GPSDOPsC> {
 
 namespace SDI {
 
-/// The dilutions of precision of a position fix. They arrive with a measurement or by copying;
-/// there are no setters. A new object has none.
+/// The dilutions of precision of a position fix. They come with a measurement or by copying; there
+/// are no setters. In a new object none is available.
 ///
-/// Every getter answers -1 when a value that it needs is not available, and 0 without an
+/// Every getter returns -1 if a value that it needs is not available, and 0 without an
 /// implementation of this class.
 class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
  public:
@@ -107,12 +108,12 @@ class SURVEYDATA_API GPSDOPsC : public API::HandleC<GPSDOPsImplC> {
   double GetVDOP() const;
   /// The dilution of precision of the time.
   double GetTDOP() const;
-  /// The dilution of the position, sqrt(HDOP^2 + VDOP^2).
+  /// The dilution of precision of the position, sqrt(HDOP^2 + VDOP^2).
   double GetPDOP() const;
-  /// The geometric dilution, sqrt(HDOP^2 + VDOP^2 + TDOP^2).
+  /// The geometric dilution of precision, sqrt(HDOP^2 + VDOP^2 + TDOP^2).
   double GetGDOP() const;
 
-  /// Whether all three stored values are the same. False when either side has no implementation.
+  /// Whether all three stored values are equal. False if either side has no implementation.
   bool IsEqual(const GPSDOPsC& other) const;
 };
 

@@ -10,7 +10,7 @@ namespace {
 
 using SDI::GPSCounterPair;
 
-// Copies the fields of an antenna height, from or to the compact implementation too.
+// Copies the fields of an antenna height between any two implementations.
 template <class From, class To>
 void CopyFields(const From& from, To& to) {
   float height = 0.0F;
@@ -33,8 +33,8 @@ bool CopyOut(bool present, GPSCounterPair pair, std::uint8_t& first, std::uint8_
   return true;
 }
 
-// The report of the runtime's checked copies: `errno`, and the handler for invalid parameters where
-// the runtime has one.
+// Reports as the checked copies of the C runtime do: through `errno`, and through the handler for
+// invalid parameters if the runtime has one.
 void ReportRefusal(int error) {
   errno = error;
 #if defined(_WIN32)
@@ -44,7 +44,7 @@ void ReportRefusal(int error) {
 #endif
 }
 
-/// Copies while it looks for the terminator: a text of the field itself may be given.
+/// Copies and looks for the terminator in one pass, because `text` may be the field itself.
 template <std::size_t N>
 void SetText(char16_t (&field)[N], const char16_t* text) {
   if (text != nullptr) {

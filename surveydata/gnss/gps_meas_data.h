@@ -19,8 +19,8 @@ namespace SDI {
 class SURVEYDATA_API GPSMeasDataC;
 class SURVEYDATA_API GPSMeasDataImplC;
 
-/// Two counters of one kind of satellites. What they count is up to the producer; receivers give
-/// those in view and those used.
+/// Two counters of one kind of satellites. The producer defines what they count; receivers store
+/// the satellites in view and those used.
 struct GPSCounterPair {
   std::uint8_t first = 0;
   std::uint8_t second = 0;
@@ -28,7 +28,7 @@ struct GPSCounterPair {
   bool operator==(const GPSCounterPair&) const = default;
 };
 
-/// A further time of a measurement, when there is one.
+/// An optional third time of a measurement.
 struct GPSExtraTime {
   std::uint8_t count = 0;
   std::uint32_t week = 0;  ///< Holds a 16-bit value.
@@ -37,12 +37,12 @@ struct GPSExtraTime {
   bool operator==(const GPSExtraTime&) const = default;
 };
 
-/// Stands where a measurement has no room for a further time.
+/// Replaces `GPSExtraTime` in a measurement without room for a third time.
 struct GPSNoExtraTime {
   bool operator==(const GPSNoExtraTime&) const = default;
 };
 
-/// A list of up to 31 entries with a head value. Entries behind the count carry no meaning.
+/// A list of up to 31 entries with a head value. Entries after the count have no meaning.
 struct SURVEYDATA_API GPSListBlock {
   static constexpr std::uint8_t kCapacity = 31;
 
@@ -50,12 +50,12 @@ struct SURVEYDATA_API GPSListBlock {
   std::uint8_t count = 0;
   std::uint16_t entries[kCapacity] = {};
 
-  /// Whether head, count and the entries up to the count agree.
+  /// Whether head, count and the entries up to the count are equal.
   bool isEqual(const GPSListBlock& other) const;
 };
 static_assert(sizeof(GPSListBlock) == 66);
 
-/// What an implementation of a measurement is made of, where the two have classes of their own.
+/// The parts that the two implementations of a measurement declare with classes of their own.
 template <class Self>
 struct GPSMeasParts;
 
@@ -73,8 +73,8 @@ struct GPSMeasParts<ODM::GPSMeasDataC> {
   using ExtraTime = GPSNoExtraTime;
 };
 
-/// The fields that the full and the compact implementation of a measurement share, and the rules of
-/// their presence. Both classes declare their accessors themselves.
+/// The fields that the full and the compact implementation of a measurement share, and the rules
+/// for their presence. Each class declares its own accessors.
 template <class Self>
 class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> {
  public:
@@ -111,7 +111,7 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   bool HasSystem(std::uint16_t system) const { return HasSet(kHasSystems) && HasStatus(system); }
   void Raise(std::uint16_t setBits, std::uint16_t statusBits = 0);
   void Clear(std::uint16_t setBits);
-  /// Clears the masks, the values, word16 and the pairs, and leaves the other fields.
+  /// Clears the masks, the values, word16 and the pairs, and keeps the other fields.
   void ResetFields();
 
   bool CopyAntennaHeight(GPSAntHeightC& antennaHeight) const;
@@ -119,8 +119,8 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   void StoreValues(const std::uint16_t* values, std::uint8_t count);
   bool CopyDOPs(GPSDOPsC& dops) const;
   bool CopyVector(double (&vector)[3]) const;
-  /// Stores the pair of system 2 or 3, which is present from then on unless its second value is 0
-  /// and `Self::kRaisesForZero` is not set.
+  /// Stores the pair of system 2 or 3 and makes it present, unless its second value is 0 and
+  /// `Self::kRaisesForZero` is false.
   void StoreLaterSystem(GPSCounterPair& pair, std::uint16_t system, GPSCounterPair value);
 
   bool AreFieldsEqual(const Self& other) const;
@@ -142,20 +142,19 @@ class SURVEYDATA_VISIBLE GPSMeasFieldsC : public API::ImplC<Self, GPSMeasDataC> 
   std::array<double, 3> vector_ = {};
 };
 
-/// The data of a `GPSMeasDataC`, and the record that a frame of a record file is read into.
+/// The data of a `GPSMeasDataC`. Frames of record files are read into it.
 ///
-/// Optional fields carry a bit in the set mask, raised by their setters. A getter of such a field
-/// answers false and leaves its outputs alone while the bit is clear.
+/// An optional field has a bit in the set mask, which its setter sets. While the bit is clear, the
+/// getter returns false and does not change its outputs.
 ///
 /// The texts are bounded arrays of 16-bit units. A setter takes texts of up to 79 units (text D:
-/// 29); a longer or missing one is refused: it empties the field and is reported through the C
-/// runtime, by `errno` ERANGE or EINVAL and, where the runtime has one, its invalid-parameter
-/// handler.
+/// 29). A longer or null text empties the field and is reported through the C runtime: `errno` is
+/// ERANGE or EINVAL, and the invalid-parameter handler, if the runtime has one, is called.
 class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> {
  public:
   /// A pair of system 2 or 3 whose second value is 0 is stored but not present.
   static constexpr bool kRaisesForZero = false;
-  /// Units of a text, with the terminator.
+  /// Units of a text, including the terminator.
   static constexpr std::size_t kTextUnits = 80;
   static constexpr std::size_t kTextDUnits = 30;
 
@@ -166,7 +165,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   ~GPSMeasDataImplC() override;
   API::BaseC* GetBase() override;
 
-  /// One of the two times, 0 by default; they are always there.
+  /// One of the two times, which are always present. 0 by default.
   /// @{
   Vorlin::TimeC GetTimeA() const;
   void SetTimeA(const Vorlin::TimeC& time);
@@ -180,7 +179,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   bool IsStatusBit1() const;
   bool IsStatusBit2() const;
   bool IsStatusBit3() const;
-  /// Raises the status bit, which nothing but `Reset` clears.
+  /// Sets the status bit. Only `Reset` clears it.
   /// @{
   void SetStatusBit0();
   void SetStatusBit1();
@@ -195,29 +194,29 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   bool IsSystem3Used() const;
   /// @}
 
-  /// The held antenna height, whether it is set or not.
+  /// The stored antenna height, whether set or not.
   /// @{
   const GPSAntHeightImplC& GetAntennaHeight() const;
   GPSAntHeightImplC& GetAntennaHeight();
   /// @}
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
   void SetAntennaHeight(const GPSAntHeightImplC& antennaHeight);
-  /// Does nothing when `antennaHeight` has no implementation of its class.
+  /// Does nothing if `antennaHeight` has no implementation of its class.
   void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
 
   std::uint8_t GetValueCount() const;
-  /// 0 behind the count.
+  /// 0 after the count.
   std::uint16_t GetValue(std::uint8_t index) const;
-  /// Keeps the first two of `count` values; none when `values` is null.
+  /// Stores the first two of `count` values, none if `values` is null.
   void SetValues(const std::uint16_t* values, std::uint8_t count);
 
-  /// The held dilutions of precision, whether they are set or not.
+  /// The stored dilutions of precision, whether set or not.
   /// @{
   const GPSDOPsImplC& GetDOPs() const;
   GPSDOPsImplC& GetDOPs();
   /// @}
   bool GetDOPs(GPSDOPsC& dops) const;
-  /// -1 for a value that is set but not available.
+  /// -1 for a value that is not available.
   /// @{
   bool GetHDOP(double& hdop) const;
   bool GetPDOP(double& pdop) const;
@@ -227,7 +226,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   bool GetWord16(std::uint16_t& word) const;
   void SetWord16(std::uint16_t word);
 
-  /// The stored pair, whether it is set or not.
+  /// The stored pair, whether set or not.
   /// @{
   GPSCounterPair GetStoredTotalPair() const;
   GPSCounterPair GetStoredSystem1Pair() const;
@@ -252,19 +251,19 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   bool GetVector(double (&vector)[3]) const;
   void SetVector(const double (&vector)[3]);
 
-  /// Whether there is a further time: 0 or 1.
+  /// 1 if there is a third time, else 0.
   std::uint8_t GetExtraTimeCount() const;
-  /// False, with the outputs untouched, when there is no further time.
+  /// False, without changing the outputs, if there is no third time.
   bool GetExtraTime(std::uint16_t& week, std::int32_t& timeOfWeek) const;
   void SetExtraTime(std::uint16_t week, std::int32_t timeOfWeek);
 
-  // The numbered fields carry what the producer puts into them; all are 0 by default.
+  // The producer defines the meaning of the lettered fields; all are 0 by default.
 
   std::uint8_t GetFlagA() const;
   void SetFlagA(std::uint8_t flag);
   std::uint32_t GetValueB() const;
   void SetValueB(std::uint32_t value);
-  /// Whether value C is other than 0.
+  /// Whether value C is not 0.
   bool IsValueCSet() const;
   std::uint32_t GetValueC() const;
   void SetValueC(std::uint32_t value);
@@ -298,12 +297,12 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   const GPSListBlock* GetListBlock() const;
   void SetListBlock(const GPSListBlock& list);
 
-  /// Clears every field but the times A and B, the vector, the antenna height and the dilutions
-  /// of precision; of those, all but the times become absent.
+  /// Clears every field except the times A and B, the vector, the antenna height and the dilutions
+  /// of precision. The last three keep their values but become absent.
   void Reset();
 
-  /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
-  /// terminator, the values and the list up to their counts.
+  /// Whether all stored fields are equal: floating-point numbers within tolerance, texts up to
+  /// their terminator, the values and the list up to their counts.
   bool isEqual(const GPSMeasDataImplC& other) const;
 
  private:
@@ -327,7 +326,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
 namespace ODM {
 /// The compact record of a measurement: times, masks, antenna height, values, dilutions of
 /// precision, counters and vector. A public object made by its `GetBase()` finds no implementation
-/// of its own class and answers accordingly.
+/// of its own class, so its getters return 0 and false.
 class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
  public:
   /// A pair of system 2 or 3 is present once it is stored.
@@ -340,7 +339,7 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   ~GPSMeasDataC() override;
   API::BaseC* GetBase() override;
 
-  /// One of the two times, 0 by default; they are always there.
+  /// One of the two times, which are always present. 0 by default.
   /// @{
   Vorlin::TimeC GetTimeA() const;
   void SetTimeA(const Vorlin::TimeC& time);
@@ -354,7 +353,7 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   bool IsStatusBit1() const;
   bool IsStatusBit2() const;
   bool IsStatusBit3() const;
-  /// Raises the status bit, which nothing clears.
+  /// Sets the status bit. Nothing clears it.
   /// @{
   void SetStatusBit0();
   void SetStatusBit1();
@@ -369,29 +368,29 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   bool IsSystem3Used() const;
   /// @}
 
-  /// The held antenna height, whether it is set or not.
+  /// The stored antenna height, whether set or not.
   /// @{
   const GPSAntHeightC& GetAntennaHeight() const;
   GPSAntHeightC& GetAntennaHeight();
   /// @}
   bool GetAntennaHeight(SDI::GPSAntHeightC& antennaHeight) const;
   void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
-  /// Does nothing when `antennaHeight` has no implementation of its class.
+  /// Does nothing if `antennaHeight` has no implementation of its class.
   void SetAntennaHeight(const SDI::GPSAntHeightC& antennaHeight);
 
   std::uint8_t GetValueCount() const;
-  /// 0 behind the count.
+  /// 0 after the count.
   std::uint16_t GetValue(std::uint8_t index) const;
-  /// Keeps the first two of `count` values; none when `values` is null.
+  /// Stores the first two of `count` values, none if `values` is null.
   void SetValues(const std::uint16_t* values, std::uint8_t count);
 
-  /// The held dilutions of precision, whether they are set or not.
+  /// The stored dilutions of precision, whether set or not.
   /// @{
   const GPSDOPsC& GetDOPs() const;
   GPSDOPsC& GetDOPs();
   /// @}
   bool GetDOPs(SDI::GPSDOPsC& dops) const;
-  /// -1 for a value that is set but not available.
+  /// -1 for a value that is not available.
   /// @{
   bool GetHDOP(double& hdop) const;
   bool GetPDOP(double& pdop) const;
@@ -401,7 +400,7 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   bool GetWord16(std::uint16_t& word) const;
   void SetWord16(std::uint16_t word);
 
-  /// The stored pair, whether it is set or not.
+  /// The stored pair, whether set or not.
   /// @{
   SDI::GPSCounterPair GetStoredTotalPair() const;
   SDI::GPSCounterPair GetStoredSystem1Pair() const;
@@ -426,7 +425,7 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   bool GetVector(double (&vector)[3]) const;
   void SetVector(const double (&vector)[3]);
 
-  /// Whether every stored field agrees: floating-point numbers within tolerance, the values up to
+  /// Whether all stored fields are equal: floating-point numbers within tolerance, the values up to
   /// their count.
   bool isEqual(const GPSMeasDataC& other) const;
 };
@@ -435,10 +434,10 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
 namespace SDI {
 
 /// One GNSS measurement: times, status, antenna height, dilutions of precision, satellite counters
-/// and a vector. Most fields are optional: their getters answer false and leave the outputs alone
-/// while the field is not set.
+/// and a vector. Most fields are optional: while a field is not set, its getter returns false and
+/// does not change its outputs.
 ///
-/// Without an implementation of its class, getters answer 0 and false and setters do nothing.
+/// Without an implementation of its class, getters return 0 and false and setters do nothing.
 class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
  public:
   GPSMeasDataC();
@@ -450,7 +449,7 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   GPSMeasDataC& operator=(const GPSMeasDataC& other);
   ~GPSMeasDataC() override;
 
-  /// One of the two times, 0 by default; they are always there.
+  /// One of the two times, which are always present. 0 by default.
   /// @{
   Vorlin::TimeC GetTimeA() const;
   Vorlin::TimeC GetTimeB() const;
@@ -467,13 +466,13 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   /// @}
 
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
-  /// Does nothing when `antennaHeight` has no implementation of its class.
+  /// Does nothing if `antennaHeight` has no implementation of its class.
   void SetAntennaHeight(const GPSAntHeightC& antennaHeight);
 
   std::uint8_t GetValueCount() const;
-  /// 0 behind the count.
+  /// 0 after the count.
   std::uint16_t GetValue(std::uint8_t index) const;
-  /// Keeps the first two of `count` values; none when `values` is null.
+  /// Stores the first two of `count` values, none if `values` is null.
   void SetValues(const std::uint16_t* values, std::uint8_t count);
 
   bool GetDOPs(GPSDOPsC& dops) const;
@@ -489,13 +488,13 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
 
   std::uint8_t GetFlagA() const;
   std::uint32_t GetValueB() const;
-  /// Whether value C is other than 0.
+  /// Whether value C is not 0.
   bool IsValueCSet() const;
   std::uint32_t GetValueC() const;
   std::uint8_t GetFlagE() const;
 
-  /// Whether every stored field agrees: floating-point numbers within tolerance, texts up to their
-  /// terminator, the values and the list up to their counts. False when either side has no
+  /// Whether all stored fields are equal: floating-point numbers within tolerance, texts up to
+  /// their terminator, the values and the list up to their counts. False if either side has no
   /// implementation.
   bool IsEqual(const GPSMeasDataC& other) const;
 };

@@ -32,7 +32,7 @@ using ImplC = GPSMeasDataImplC;
 using List = std::span<const std::uint16_t>;
 using R = const RecordView&;
 
-/// So many rows go through all columns together: they stay in the cache of the first level.
+/// The number of rows that go through all columns together: they fit the first-level cache.
 constexpr std::size_t kBlock = 16;
 /// A bit for each row of a block.
 using Bits = std::uint16_t;
@@ -43,7 +43,7 @@ constexpr Bits kWhole = std::numeric_limits<Bits>::max();
 class MasksC {
  public:
   void Set(std::size_t row, std::uint16_t mask) { masks_[row] = mask; }
-  /// The rows whose mask has `bit`, which has the given one bit set.
+  /// The rows whose mask has `bit` set.
   Bits With(std::uint16_t bit) const {
     const int toTop = 16 - std::bit_width(bit);
 #if defined(__SSE2__)
@@ -64,21 +64,21 @@ class MasksC {
   alignas(16) std::array<std::uint16_t, kBlock> masks_ = {};
 };
 
-/// What writing texts needs from one record to the next.
+/// State of the text writers, kept from one record to the next.
 struct Writers {
   TimeText::DateWriterC gps;
   TimeText::UTCWriterC utc;
 };
 
-/// Up to `kBlock` records, and the masks that say what they have.
+/// Up to `kBlock` records, and their masks.
 ///
-/// What is present differs from record to record. It is found for a whole block, without branches,
-/// which would be mispredicted; then the values that are present are asked for.
+/// Which values are present varies from record to record. It is determined for a whole block
+/// without branches, which would be mispredicted; then the present values are read.
 class BlockC {
  public:
   using Views = std::array<RecordView, kBlock>;
 
-  /// The first `count` of `views`; the others are records, too.
+  /// The first `count` of `views`; the others point to valid records, too.
   BlockC(const Views& views, std::size_t count, Writers& writers)
       : views_(views), count_(count), writers_(writers) {
     for (std::size_t i = 0; i < kBlock; ++i) {
@@ -114,7 +114,7 @@ class BlockC {
 
 }  // namespace
 
-/// A column's values, of one record and of a block.
+/// The values of a column, for one record and for a block.
 struct GPSColumnFunctions {
   using Ask = void (*)(const BlockC& record, GPSColumnValueC& value);
   using Fill = void (*)(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at);
@@ -131,8 +131,8 @@ namespace {
 
 using Functions = GPSColumnFunctions;
 
-/// Writes `count` bits from bit `at` on. Writes no byte after their last one, in which it clears
-/// the bits after them.
+/// Writes `count` bits, beginning at bit `at`. Clears the bits after them in the last byte, and
+/// writes no further byte.
 [[gnu::noinline]] void PutAnyBits(std::uint8_t* bitmap, std::size_t at, std::size_t count,
                                   Bits bits) {
   const std::size_t shift = at % 8;
@@ -147,7 +147,7 @@ inline void PutBits(std::uint8_t* bitmap, std::size_t at, std::size_t count, Bit
   boost::endian::store_little_u16(bitmap + at / 8, bits);
 }
 
-// `std::popcount` is a call where the processor may lack the instruction.
+// `std::popcount` is a function call if the target processor may lack the instruction.
 constexpr unsigned Count(Bits bits) {
   unsigned count = bits - (bits >> 1 & 0x5555U);
   count = (count & 0x3333U) + (count >> 2 & 0x3333U);
@@ -253,7 +253,7 @@ struct OfFlag {
   }
 };
 
-/// Fills texts or lists: `write(record, to)` answers how many elements it wrote.
+/// Writes texts or lists: `write(record, to)` returns how many elements it wrote.
 template <class Element, class Write>
 void FillLong(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at, Bits present,
               Write write) {
@@ -271,7 +271,7 @@ void FillLong(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at, Bits
 }
 
 /// Columns of texts: `write(record, writers, to)` writes at most `largest` bytes to `to` and
-/// answers how many.
+/// returns how many.
 template <auto present, auto write>
 struct OfText {
   static void Ask(const BlockC& record, GPSColumnValueC& to) {
@@ -363,7 +363,7 @@ constexpr GPSColumn ListOf(const char* name, const char* description) {
           kLargest, &kFunctionsOf<OfList<present, get>>};
 }
 
-// How the getters are asked.
+// Adapters for the getters.
 
 template <std::uint16_t bit>
 Bits IsSet(const BlockC& block) {
@@ -407,7 +407,7 @@ Bits HasValue(const BlockC& block) {
   return block.Where([](R r) { return r.measurement->GetValueCount() > index; });
 }
 
-/// The rows whose dilutions are set, and those that `get...` answers, in tenths, are available.
+/// The rows whose dilutions are set and for which those that `get...` returns are available.
 template <auto... get>
 Bits HasDilutions(const BlockC& block) {
   return static_cast<Bits>((block.WithSet(ImplC::kHasDOPs) & ... & block.Where([](R r) {
@@ -456,13 +456,13 @@ std::size_t WriteText(R r, Writers& /*writers*/, char* to) {
 Bits HasName(const BlockC& block) {
   return block.Where([](R r) { return r.info->name[0] != 0; });
 }
-// The bytes are those that `EncodeName` made of single units: surrogates are the only sequences
-// that are no UTF-8 for others, and they all begin with this byte.
+// `EncodeName` encodes each unit on its own, so surrogates are the only sequences that are not
+// valid UTF-8. They all begin with this byte.
 constexpr char kSurrogateLead = '\xED';
 std::size_t WriteName(R r, Writers& /*writers*/, char* to) {
   const char* const name = r.info->name;
 #if defined(__SSE2__)
-  // Nearly every name has less than sixteen bytes.
+  // Nearly every name has fewer than sixteen bytes.
   const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i_u*>(name));
   const auto ends =
       static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
@@ -481,20 +481,19 @@ std::size_t WriteName(R r, Writers& /*writers*/, char* to) {
     std::memcpy(to, name, size);
     return size;
   }
-  char16_t units[sizeof(r.info->name) + 1];  // more than its bytes can make
+  char16_t units[sizeof(r.info->name) + 1];  // more than its bytes can encode
   RecordFrame::DecodeName(name, size, units, std::size(units));
   return TextColumn::Write(units, std::size(units), to);
 }
 
-// The longest texts: three bytes for each unit before the terminator, and for the name no more
-// bytes than it has.
+// The longest texts: three bytes for each unit before the terminator; for the name, its own size.
 constexpr std::size_t kLargestText = 3 * (ImplC::kTextUnits - 1);
 constexpr std::size_t kLargestTextD = 3 * (ImplC::kTextDUnits - 1);
 constexpr std::size_t kLargestName = sizeof(GPSRecordFileInfo::name);
 static_assert(kLargestText == GPSColumnValueC::kLargestText);
 
-// The table. Each row: where the value is present, if it can be absent, and how it is asked for;
-// name, unit and description.
+// The table. Each row: when the value is present, if it can be absent, and how it is read; name,
+// unit and description.
 constexpr GPSColumn kColumns[] = {
     Number<[](R r) { return r.offset; }>("offset", "byte", "Where the frame begins in the source"),
     Number<[](R r) { return static_cast<std::uint16_t>(r.size); }>(
@@ -715,7 +714,7 @@ struct GPSColumnReaderC::State {
     for (std::size_t i = 0; i < kBlock; ++i) views[i] = {&rows[i].measurement, &rows[i].info};
   }
 
-  /// A record that was decoded, and awaits its columns.
+  /// A decoded record that is not yet in the columns.
   struct Row {
     GPSMeasDataImplC measurement;
     GPSRecordFileInfo info;
@@ -731,7 +730,7 @@ struct GPSColumnReaderC::State {
   BlockC::Views views;
 };
 
-// Decodes up to `most` records that are done, and counts them in `staged`.
+// Decodes up to `most` records whose outcome is `kDone`, and counts them in `staged`.
 void GPSColumnReaderC::State::Stage(std::size_t most, std::size_t& staged) {
   GPSRecordEntry entry;
   while (staged < most && reader.NextEntry(entry)) {
@@ -760,7 +759,7 @@ bool IsBuffer(const GPSColumnBuffer& buffer) {
          (!IsLong(*buffer.column) || buffer.offsets != nullptr);
 }
 
-// How many rows, at most `most`, certainly fit after the first `rows`.
+// How many rows, at most `most`, are certain to fit after the first `rows`.
 std::size_t RowsWithRoom(std::span<const GPSColumnBuffer> buffers, std::size_t rows,
                          std::size_t most) {
   for (const GPSColumnBuffer& buffer : buffers) {

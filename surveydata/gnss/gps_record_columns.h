@@ -12,13 +12,12 @@
 #include <surveydata/object_model/export.h>
 
 /// \file
-/// The measurements of a record file as a table: its columns, a value of one record, and many rows
-/// at once.
+/// The measurements of a record file as a table: its columns, single values, and batches of rows.
 
 namespace SDI {
 
-/// The type of a column's values. Numbers are those of the machine, floating-point ones as in
-/// IEEE 754.
+/// The type of a column's values. Numbers have the byte order of the machine; floating-point
+/// numbers are those of IEEE 754.
 enum class GPSColumnType : std::uint8_t {
   kBool,
   kUInt8,
@@ -28,11 +27,11 @@ enum class GPSColumnType : std::uint8_t {
   kInt32,
   kFloat32,
   kFloat64,
-  kText,        ///< UTF-8. A surrogate without its other half is U+FFFD.
+  kText,        ///< UTF-8. An unpaired surrogate becomes U+FFFD.
   kUInt16List,  ///< Any number of 16-bit values.
 };
 
-/// In a word, as in documents: "uint16". Never null.
+/// The type as one word, for example "uint16". Never null.
 SURVEYDATA_API const char* TextOf(GPSColumnType type);
 
 /// A value of one column and one record.
@@ -54,7 +53,7 @@ class SURVEYDATA_API GPSColumnValueC {
   ~GPSColumnValueC();  // NOLINT(performance-trivially-destructible): it leaves the library
 
   bool IsAbsent() const;
-  /// Texts and lists are valid as long as this object, and until it is filled again.
+  /// Texts and lists are valid until this object is destroyed or set again.
   const Variant& Get() const;
 
  private:
@@ -67,53 +66,53 @@ class SURVEYDATA_API GPSColumnValueC {
   };
 };
 
-/// How the values of a column are found; known to the library alone.
+/// How the values of a column are found; internal to the library.
 struct GPSColumnFunctions;
 
-/// A column of the table. Its values are those that the getters of the record answer, and absent
-/// where these have nothing to answer.
+/// A column of the table. Its values are those that the getters of the record return. Where a
+/// getter has nothing to return, the value is absent.
 struct GPSColumn {
   const char* name;  ///< In snake case.
   GPSColumnType type;
   bool canBeAbsent;
-  const char* unit;         ///< "m", "ms"; empty for what has none, and where the producer decides.
-  const char* description;  ///< One sentence without its full stop.
-  /// The bytes of the longest text, or of the longest list; 0 for other types.
+  const char* unit;         ///< "m", "ms"; empty without a unit, or if the producer decides it.
+  const char* description;  ///< One sentence without the full stop.
+  /// The size of the longest text or list, in bytes; 0 for other types.
   std::size_t largest;
   const GPSColumnFunctions* functions;
 };
 
-/// All columns, in their order. Programs find columns by name: later versions may have more of
-/// them, in other places.
+/// All columns, in order. Find columns by name: later versions may have more of them, in another
+/// order.
 SURVEYDATA_API std::span<const GPSColumn> GetGPSColumns();
 
-/// The column of this name; null when there is none.
+/// The column of this name; null if there is none.
 SURVEYDATA_API const GPSColumn* FindGPSColumn(std::string_view name);
 
 /// Sets `value` to that of `record`.
 SURVEYDATA_API void AskGPSColumn(const GPSColumn& column, const GPSRecordC& record,
                                  GPSColumnValueC& value);
 
-/// A column, and where its values go, in the layout of the Apache Arrow columnar format: bits begin
-/// with the lowest one of their byte, offsets have 64 bits, nothing lies between the values.
+/// A column and the buffers for its values, in the layout of the Apache Arrow columnar format: the
+/// first bit of a byte is the lowest, offsets have 64 bits, values are contiguous.
 struct GPSColumnBuffer {
   /// One of `GetGPSColumns()`.
   const GPSColumn* column = nullptr;
-  /// A value for each row, 0 where it is absent. Of `kBool` a bit for each row. Of texts and lists
-  /// their bytes or entries, one row after the other. Aligned as its type.
+  /// A value for each row, 0 where it is absent; for `kBool` a bit for each row; for texts and
+  /// lists their bytes or entries, one row after the other. Aligned for its type.
   void* values = nullptr;
-  /// Bytes at `values`; only read for texts and lists.
+  /// Size of `values` in bytes; only used for texts and lists.
   std::size_t size = 0;
-  /// Of texts and lists alone: where each begins in `values`, in bytes or entries, and after the
-  /// last one its end: one more than there are rows.
+  /// Only for texts and lists: where each begins in `values`, in bytes or entries, followed by the
+  /// end of the last one, so one more than there are rows.
   std::int64_t* offsets = nullptr;
   /// A bit for each row, 1 where there is a value. May be null.
   std::uint8_t* validity = nullptr;
-  /// Set to the number of absent values.
+  /// Receives the number of absent values.
   std::uint64_t absent = 0;
 };
 
-/// What came of reading a batch.
+/// The outcome of reading a batch.
 enum class GPSColumnsOutcome : std::uint8_t {
   kDone,        ///< There is at least one row.
   kEnd,         ///< There are no more rows: the source has ended, or reading it failed.
@@ -121,38 +120,39 @@ enum class GPSColumnsOutcome : std::uint8_t {
   kNotABuffer,  ///< A column, its values, or the offsets of a text or list are null.
 };
 
-/// Reads the measurements of a reader as columns, a batch at a time.
+/// Reads the measurements of a reader as columns, one batch at a time.
 ///
-/// Rows are the records whose outcome is `kDone`. Frames with a block that does not fit are left
-/// out and counted.
+/// Rows are the records whose outcome is `kDone`. Frames with a block that does not fit are skipped
+/// and counted.
 ///
 /// \cost linear in rows and columns. Nothing is allocated after construction.
 class SURVEYDATA_API GPSColumnReaderC {
  public:
-  /// Reads on where `reader` is, which stays the caller's and must live as long as this object.
+  /// Continues from the position of `reader`, which must outlive this object.
   explicit GPSColumnReaderC(GPSRecordReaderC& reader);
   GPSColumnReaderC(const GPSColumnReaderC&) = delete;
   GPSColumnReaderC& operator=(const GPSColumnReaderC&) = delete;
   ~GPSColumnReaderC();
 
-  /// Reads rows until there are `capacity`, and sets `rows` to how many there are.
+  /// Reads up to `capacity` rows, and sets `rows` to their number.
   ///
   /// Each of `buffers` has room for `capacity` values, validities and, for texts and lists,
-  /// `capacity` + 1 offsets. The room for the bytes of texts and lists is up to the caller: a batch
+  /// `capacity` + 1 offsets. The caller chooses the room for the bytes of texts and lists: a batch
   /// ends before a row for which a buffer has less than `GPSColumn::largest` bytes left.
   ///
-  /// An exception of the reader's function passes through. `rows` is set then, too: these rows are
-  /// in the buffers, and reading can go on after them.
+  /// An exception thrown by the reader's function passes through. `rows` is set even then: these
+  /// rows are in the buffers, and reading can continue after them.
   GPSColumnsOutcome Read(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
                          std::size_t& rows);
-  /// The same after the first `rows` rows, which are in `buffers` already: their texts and lists
-  /// may have moved to more room meanwhile. `kDone`: there is at least one more row.
+  /// The same, continuing after the first `rows` rows, which are already in `buffers`; the texts
+  /// and lists may have been moved to larger buffers in between. `kDone`: there is at least one
+  /// more row.
   GPSColumnsOutcome ReadOn(std::span<GPSColumnBuffer> buffers, std::size_t capacity,
                            std::size_t& rows);
 
-  /// How many frames were left out so far because a block does not fit.
+  /// How many frames were skipped so far because a block does not fit.
   std::uint64_t GetLeftOut() const;
-  /// Whether a time that was given in UTC so far is at or after `kLeapSecondExpiry`.
+  /// Whether any time written in UTC so far is at or after `kLeapSecondExpiry`.
   bool HasTimesAfterExpiry() const;
 
  private:

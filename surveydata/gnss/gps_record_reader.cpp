@@ -66,15 +66,15 @@ struct GPSRecordReaderC::State {
   std::FILE* file = nullptr;  // opened here
   GPSReaderState state = GPSReaderState::kOpen;
   bool hasBegun = false;
-  std::size_t found = 0;   // the size of the record at the front of the walk, which comes next
-  std::uint64_t next = 0;  // where the next entry begins: reading may throw in the middle of a gap
+  std::size_t found = 0;   // size of the record at the front of the walk, not yet returned
+  std::uint64_t next = 0;  // where the next entry begins; reading may throw inside a gap
   std::span<const std::uint8_t> bytes;
-  bool isToDecode = false;  // once it is asked for
+  bool isToDecode = false;  // when it is requested
   GPSRecordC record;
   const GPSMeasDataImplC fresh;
 };
 
-// False when there is nothing to be walked.
+// False if there is nothing to walk.
 bool GPSRecordReaderC::State::GoToBegin() {
   if (hasBegun) return true;
   if (state != GPSReaderState::kOpen) return false;
@@ -82,13 +82,13 @@ bool GPSRecordReaderC::State::GoToBegin() {
     state = GPSReaderState::kNoStretches;
     return false;
   }
-  walk.SetDamage(damage.IsOn() ? &damage : nullptr);  // not while looking back
+  walk.SetDamage(damage.IsOn() ? &damage : nullptr);  // only now: not while looking back
   next = walk.GetOffset();
-  hasBegun = true;  // not before: reading may have thrown
+  hasBegun = true;  // last, because reading may throw
   return true;
 }
 
-// Walks up to the next record of the stretch.
+// Walks to the next record of the stretch.
 std::size_t GPSRecordReaderC::State::FindRecord() {
   if (found != 0) return found;
   found = walk.FindRecord(stretch.end);
@@ -99,7 +99,7 @@ std::size_t GPSRecordReaderC::State::FindRecord() {
   return found;
 }
 
-// What was reached last is not asked for any more.
+// The last record is no longer available.
 void GPSRecordReaderC::State::Leave() {
   bytes = {};
   isToDecode = false;
@@ -126,7 +126,7 @@ void GPSRecordReaderC::State::Decode() {
 }
 
 GPSRecordReaderC::GPSRecordReaderC(const char* fileName, GPSRecordStretch stretch) {
-  // Memory first, so that nothing throws while a file is open that nobody closes.
+  // Allocates first: if the constructor threw with the file open, it would stay open.
   auto source = std::make_unique<RecordWalk::FileSourceC>();
   RecordWalk::FileSourceC& file = *source;
   state_.reset(new State(std::move(source), stretch));

@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::uint8_t kCodeWithoutImpl = 10;
 
-// Copies a part that is valid into `to`, which is null when it cannot take one.
+// Copies a valid part into `to`, which is null if the argument has no implementation.
 template <class Part>
 bool CopyOut(bool valid, const GPSRefStationDataImplC* from, Part GPSRefStationDataImplC::*part,
              Part* to) {

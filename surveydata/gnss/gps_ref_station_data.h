@@ -13,8 +13,7 @@
 namespace SDI {
 class SURVEYDATA_API GPSRefStationDataC;
 
-/// The data of a `GPSRefStationDataC`. The decoder that receives the data of a station fills the
-/// fields directly.
+/// The data of a `GPSRefStationDataC`. The decoder of station messages sets the fields directly.
 class SURVEYDATA_API GPSRefStationDataImplC
     : public API::ImplC<GPSRefStationDataImplC, GPSRefStationDataC> {
  public:
@@ -22,7 +21,7 @@ class SURVEYDATA_API GPSRefStationDataImplC
   static constexpr std::uint8_t kAntennaHeightValid = 0x1;
   static constexpr std::uint8_t kPositionValid = 0x2;
   static constexpr std::uint8_t kFlag3 = 0x4;
-  /// Units of the name, with the terminator.
+  /// Units of the name, including the terminator.
   static constexpr std::size_t kNameUnits = 31;
 
   GPSRefStationDataImplC();
@@ -32,7 +31,7 @@ class SURVEYDATA_API GPSRefStationDataImplC
   ~GPSRefStationDataImplC() override;
   API::BaseC* GetBase() override;
 
-  /// Whether every field agrees: numbers of the point and the antenna height within the tolerance
+  /// Whether all fields are equal: numbers of the point and the antenna height within the tolerance
   /// of `API::CompareWithTolerance`, the name up to its terminator.
   bool isEqual(const GPSRefStationDataImplC& other) const;
 
@@ -48,10 +47,9 @@ class SURVEYDATA_API GPSRefStationDataImplC
 };
 
 /// A GNSS reference station: its number and codes, its position and its antenna height, each with
-/// a validity bit. For the callers of the library it is read-only; a new one is all zeros with
-/// nothing valid.
+/// a validity bit. It has no setters; in a new one all fields are 0 and nothing is valid.
 ///
-/// Without an implementation of its class, the two codes are 10, all else is 0 and false.
+/// Without an implementation of its class, the two codes are 10 and all other values 0 or false.
 class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataImplC> {
  public:
   GPSRefStationDataC();
@@ -71,17 +69,17 @@ class SURVEYDATA_API GPSRefStationDataC : public API::HandleC<GPSRefStationDataI
   /// Bit 0x4 of the valid mask.
   bool IsFlag3Set() const;
 
-  /// Copies the part into the argument and answers true; answers false and leaves the argument
-  /// alone when the part is not valid, or the argument has no implementation of its class.
+  /// Copies the part into the argument and returns true. Returns false and does not change the
+  /// argument if the part is not valid or the argument has no implementation of its class.
   /// @{
   bool GetReferenceSystem(CoordinateReferenceSystemC& referenceSystem) const;
   bool GetPoint(CoordinatePointC& point) const;
   bool GetAntennaHeight(GPSAntHeightC& antennaHeight) const;
   /// @}
 
-  /// Whether every field agrees, valid or not, the name and the reserved byte included: numbers of
-  /// the point and the antenna height within the tolerance of `API::CompareWithTolerance`, the name
-  /// up to its terminator, all else exactly. False when either side has no implementation.
+  /// Whether all fields are equal, valid or not, including the name and the reserved byte: numbers
+  /// of the point and the antenna height within the tolerance of `API::CompareWithTolerance`, the
+  /// name up to its terminator, all others exactly. False if either side has no implementation.
   bool IsEqual(const GPSRefStationDataC& other) const;
 
  private:

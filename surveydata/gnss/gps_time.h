@@ -8,7 +8,7 @@
 #include <surveydata/platform/vorlin_time.h>
 
 /// \file
-/// Times of measurements as texts, in GPS time and in UTC.
+/// Times of measurements as text, in GPS time and in UTC.
 
 namespace SDI {
 
@@ -20,12 +20,12 @@ inline constexpr std::size_t kTimeTextSize = 23;
 
 /// The source of the table of leap seconds.
 inline constexpr const char* kLeapSecondSource = "IERS leap-seconds.list of 2026-07-06";
-/// The first day, in UTC, for which the table may be wrong, as its source states. From then on the
-/// last offset is used, 18 s.
+/// The first day, in UTC, for which the table may be wrong, according to its source. From then on
+/// the last offset, 18 s, is used.
 inline constexpr const char* kLeapSecondExpiry = "2027-06-28";
 
 /// Writes `time`, a GPS week counted from 6 January 1980 and milliseconds of that week, as date and
-/// time of day in ISO 8601. False, with `text` empty, when the time of week is out of range.
+/// time of day in ISO 8601. False, with `text` empty, if the time of week is out of range.
 /// @{
 
 /// In GPS time, which has no leap seconds.

@@ -51,7 +51,7 @@ bool Change(std::span<std::uint8_t> frame, const Changes& changes) {
   if (changes.antenna && !has(Block::kAntennaHeight)) return false;
   if (changes.antenna && !std::isfinite(changes.antenna->height)) return false;
 
-  std::array<Field, 4> fields{};  // the magic is not reached
+  std::array<Field, 4> fields{};  // initially `kMagic`, which no block has
   std::size_t count = 0;
   if (changes.name) fields[count++] = Field::kName;
   if (changes.number) fields[count++] = Field::kNumber;

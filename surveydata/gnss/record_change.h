@@ -11,7 +11,7 @@
 
 namespace SDI::RecordFrame {
 
-/// What to change in a frame; what is left empty stays as it is.
+/// What to change in a frame. Empty members leave their fields unchanged.
 struct Changes {
   struct Antenna {
     float height;  ///< m
@@ -23,11 +23,11 @@ struct Changes {
   std::optional<Antenna> antenna;
 };
 
-/// Rewrites the fields that the changes name, and the checksum; every other byte stays.
+/// Rewrites the fields in `changes` and the checksum; all other bytes stay.
 ///
-/// \param frame  whole, of a measurement, and all of its blocks fit.
-/// \return false, with nothing changed, when the frame has no block for a change, the name has more
-///         than 17 units or 49 bytes or would not come back byte for byte, or the height is not
+/// \param frame  a whole measurement frame whose blocks all fit.
+/// \return false, with nothing changed, if the frame has no block for a change, the name has more
+///         than 17 units or 49 bytes or would not be read back byte for byte, or the height is not
 ///         finite.
 bool Change(std::span<std::uint8_t> frame, const Changes& changes);
 

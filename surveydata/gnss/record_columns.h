@@ -8,11 +8,11 @@
 #include <surveydata/gnss/gps_record_file_info.h>
 
 /// \file
-/// Internal: the columns of a record that is no `GPSRecordC`.
+/// Internal: the columns of a record that is not a `GPSRecordC`.
 
 namespace SDI::RecordColumns {
 
-/// What a column is asked of.
+/// A record whose columns are read.
 struct RecordView {
   const GPSMeasDataImplC* measurement = nullptr;
   const GPSRecordFileInfo* info = nullptr;

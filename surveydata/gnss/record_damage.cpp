@@ -12,7 +12,7 @@ void DamageFinderC::SetReport(Report report) {
 }
 
 void DamageFinderC::Take(const RecordFrame::Header& header, std::uint64_t offset) {
-  // Less than times and flags is no frame, whatever the checksum.
+  // A frame has at least times and flags.
   if (!header.IsMeasurement() || header.length < RecordFrame::kBlocksAt) return;
   Pass(offset);
   open_[(first_ + count_++) % kMostOpen] = {offset, header.Size(), GPSRecordDamage::kWrongChecksum};
@@ -45,7 +45,7 @@ std::uint64_t DamageFinderC::GetOpenEnd() const {
 void DamageFinderC::ReportFirst(GPSRecordDamage damage) {
   GPSDamagedHeader header = open_[first_];
   header.damage = damage;
-  // Before the report, which may throw.
+  // Before calling the function, which may throw.
   first_ = (first_ + 1) % kMostOpen;
   --count_;
   report_(header);

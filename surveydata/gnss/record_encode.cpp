@@ -4,8 +4,8 @@
 namespace SDI::RecordFrame {
 namespace {
 
-// Writes the blocks of `Blocks` that hold something, up to the first that is refused.
-// Returns the flags word that announces them.
+// Writes the blocks of `Blocks` that are needed, up to the first that is refused. Returns the flags
+// word that announces them.
 template <class Blocks>
 std::uint16_t WriteBlocks(Source& from, FrameWriterC& out) {
   std::uint16_t flags = 0;
@@ -34,7 +34,7 @@ Encoded Encode(const GPSMeasDataImplC& measurement, const GPSRecordFileInfo& inf
   times.flags1 = WriteBlocks<Blocks1>(from, blocks);
   std::size_t end = kBlocksAt + blocks.At();
 
-  // Flags word 2 is written after its blocks, and left out where there are none.
+  // Flags word 2 is written after its blocks, and omitted if there are none.
   More more;
   blocks.Skip(SizeOf<More>());
   if (!from.IsRefused()) more.flags2 = WriteBlocks<Blocks2>(from, blocks);

@@ -7,7 +7,7 @@ namespace SDI::RecordWalk {
 
 void FileSourceC::Open(std::FILE* file) {
   file_ = file;
-  // Blocks are read into the caller's memory at once.
+  // Blocks are read directly into the caller's memory.
   std::setvbuf(file_, nullptr, _IONBF, 0);
   if (!FileAccess::SeekToEnd(file_)) return;
   canSeek_ = true;

@@ -15,7 +15,7 @@ namespace SDI::RecordWalk {
 
 using Bytes = std::span<const std::uint8_t>;
 
-/// Bytes that are read at an offset, or one after the other where the source cannot seek.
+/// Bytes that are read at an offset, or sequentially if the source cannot seek.
 class SourceI {
  public:
   SourceI() = default;
@@ -23,12 +23,13 @@ class SourceI {
   SourceI& operator=(const SourceI&) = delete;
   virtual ~SourceI() = default;
 
-  /// Fills `to` with the bytes from `offset` on. Fewer bytes than asked for: the source ends there,
-  /// or reading failed. A source that cannot seek is asked for the bytes that come next.
+  /// Reads the bytes from `offset` on into `to`. Returns fewer bytes than requested if the source
+  /// ends there or reading failed. If the source cannot seek, `offset` must be that of the next
+  /// byte.
   virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> to) = 0;
 
   virtual bool CanSeek() const = 0;
-  /// 0 when it is not known.
+  /// 0 if unknown.
   virtual std::uint64_t GetSize() const = 0;
   bool HasFailed() const { return hasFailed_; }
 
@@ -39,13 +40,14 @@ class SourceI {
   bool hasFailed_ = false;
 };
 
-/// A file, or a stream that cannot seek. It belongs to somebody else, who closes it. Without one
-/// there are no bytes.
+/// A file, or a stream that cannot seek. The caller owns it and closes it. Without a file there are
+/// no bytes.
 class FileSourceC final : public SourceI {
  public:
-  /// Measures `file`, to be read from its start; one that cannot seek is read on.
+  /// Determines the size of `file` and reads it from its start; a file that cannot seek is read
+  /// from its position.
   void Open(std::FILE* file);
-  /// Reads `stream` on from where it is, and never seeks in it.
+  /// Reads `stream` from its position, without seeking.
   void ReadOn(std::FILE* stream) { file_ = stream; }
 
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> to) override;
@@ -58,13 +60,13 @@ class FileSourceC final : public SourceI {
   std::FILE* file_ = nullptr;
   bool canSeek_ = false;
   std::uint64_t size_ = 0;
-  std::uint64_t position_ = 0;  // of the file; only of one that can seek
+  std::uint64_t position_ = 0;  // of the file, if it can seek
 };
 
-/// Bytes that a function reads.
+/// Bytes that a function provides.
 class CallbackSourceC final : public SourceI {
  public:
-  /// As of `GPSRecordReaderC`.
+  /// As that of `GPSRecordReaderC`.
   using ReadAt = std::function<std::ptrdiff_t(std::uint64_t, std::span<std::uint8_t>)>;
 
   CallbackSourceC(ReadAt readAt, std::uint64_t size) : readAt_(std::move(readAt)), size_(size) {}

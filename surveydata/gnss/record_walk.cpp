@@ -21,7 +21,7 @@ bool WindowC::Fetch(std::size_t count) {
   if (left != 0) std::memmove(buffer_.get(), GetFront(), left);
   begin_ = 0;
   end_ = left;
-  // Past the reach only what is needed, but no crumbs.
+  // Past the reach, only what is needed, but at least this much.
   constexpr std::size_t kLeast = 4096;
   const std::uint64_t at = offset_ + left;
   const std::uint64_t wanted =
@@ -86,7 +86,7 @@ bool WalkC::HasFailed() const {
 
 std::size_t WalkC::FindRecord(std::uint64_t limit) { return Find(limit, damage_); }
 
-// With headers taken, or without.
+// `damage` is null if headers are not to be taken.
 std::size_t WalkC::Find(std::uint64_t limit, DamageFinderC* damage) {
   while (window_.GetOffset() < limit && !isLost_) {
     if (window_.GetOffset() >= progressAt_) ReportProgress();
@@ -117,7 +117,7 @@ void WalkC::TakeDamage() {
 
 void WalkC::PassRecord() {
   if (!damage_->IsOpen()) return;
-  // Whether the source ends before the frames of the headers do.
+  // Whether the source ends before the frames of open headers.
   const std::uint64_t offset = window_.GetOffset();
   const std::uint64_t end = damage_->GetOpenEnd();
   const bool isCut = end > offset && !window_.Need(static_cast<std::size_t>(end - offset));
@@ -132,7 +132,7 @@ void WalkC::PassEnd() {
 
 void WalkC::SettleDamage() {
   while (damage_ != nullptr && damage_->IsOpen()) {
-    const std::size_t size = Find(damage_->GetOpenEnd(), nullptr);  // no further headers
+    const std::size_t size = Find(damage_->GetOpenEnd(), nullptr);  // takes no further headers
     if (isLost_) return damage_->Drop();
     if (size != 0) {
       PassRecord();
@@ -156,14 +156,14 @@ void WalkC::ReportProgress() {
 
 bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
   if (window_.GetSource() != nullptr && !window_.GetSource()->CanSeek()) return false;
-  // No two places that the walk comes to one after the other are further apart than the longest
-  // record, so it comes to one in every run of that many.
+  // Consecutive positions of the walk are at most the longest record apart, so every run of that
+  // many bytes contains one.
   for (std::uint64_t back = 2 * kLongestRecord;; back *= 2) {
     const std::uint64_t first = back < begin ? begin - back : 0;
     window_.GoTo(first, end);
     if (progress_ != nullptr) progressAt_ = first + kProgress;
     sums_.Clear();
-    inVain_ = kNoLimit;  // the short records of walks that began in different places overlap
+    inVain_ = kNoLimit;  // records of walks that began at different positions overlap
     if (first == 0 || MeetOne(first, begin)) break;
   }
   start_ = window_.GetOffset();
@@ -172,11 +172,11 @@ bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
   return true;
 }
 
-// Carries every place of the first run from `first` on forward by the steps of the walk. When only
-// one is left it is a place that the walk comes to, wherever it began, and the front is put to it.
-// False when several are left at `begin`.
+// Follows the walks from every position of the first run from `first` on. When they have met in one
+// position, the walk from the start of the source visits it, too, and the front is moved to it.
+// False if several positions are left at `begin`.
 bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
-  // The places that are ahead, none further than one step.
+  // The next positions of the walks, none more than one step ahead.
   constexpr std::size_t kRing = std::size_t{1} << 17;
   static_assert(kRing > kLongestRecord);
   std::bitset<kRing> ahead;
@@ -213,7 +213,7 @@ bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
   }
 }
 
-// The size of the record at the front, 0 when there is none.
+// The size of the record at the front, 0 if there is none.
 std::size_t WalkC::RecordSize() {
   if (!window_.Need(RecordFrame::kHeaderSize)) return 0;
   const auto header = RecordFrame::Header::Load(window_.GetFront());
@@ -233,8 +233,8 @@ std::size_t WalkC::RecordSize() {
   return 0;
 }
 
-// Whether reading failed before the end of what may be a record at the front. The bytes of its body
-// must not be taken for records.
+// Whether reading failed before the end of a possible record at the front. The bytes of its body
+// must not be mistaken for records.
 bool WalkC::IsUnknown() {
   if (!HasFailed() || !window_.Need(1)) return false;
   if (*window_.GetFront() != RecordFrame::kFirstByte) return false;
@@ -243,7 +243,7 @@ bool WalkC::IsUnknown() {
   return header.IsRecord() && !window_.Need(header.Size());
 }
 
-// How far the next byte is that a record may begin with: at least one byte on.
+// The distance to the next byte that a record may begin with, at least 1.
 std::size_t WalkC::ToNextCandidate() const {
   const std::uint8_t* const front = window_.GetFront();
   const void* const next = std::memchr(front + 1, RecordFrame::kFirstByte, window_.GetLeft() - 1);

@@ -21,8 +21,7 @@ namespace SDI::RecordWalk {
 using RecordFrame::kLongestRecord;
 inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-/// The bytes around the front of a walk: a block of what a source holds, or all of what memory
-/// holds.
+/// The bytes around the front of a walk: a block of a source, or all bytes in memory.
 class WindowC {
  public:
   explicit WindowC(std::unique_ptr<SourceI> source);
@@ -30,14 +29,14 @@ class WindowC {
 
   const SourceI* GetSource() const { return source_.get(); }
 
-  /// The place of the front in the source.
+  /// The offset of the front in the source.
   std::uint64_t GetOffset() const { return offset_; }
   const std::uint8_t* GetFront() const { return bytes_ + begin_; }
-  /// How many bytes there are from the front on.
+  /// The number of bytes from the front on.
   std::size_t GetLeft() const { return end_ - begin_; }
 
-  /// Makes sure that `count` bytes, at most `kLongestRecord`, are there from the front on. False
-  /// when the source ends before. What was there before may have moved.
+  /// Makes `count` bytes, at most `kLongestRecord`, available from the front on. False if the
+  /// source ends before. May move the bytes.
   bool Need(std::size_t count) { return GetLeft() >= count || Fetch(count); }
   /// `count` is at most what is left.
   void Advance(std::size_t count) {
@@ -45,7 +44,7 @@ class WindowC {
     offset_ += count;
   }
 
-  /// Puts the front to `offset`, and reads no further than `reach` unless more is needed.
+  /// Moves the front to `offset`, and reads no further than `reach` unless more is needed.
   void GoTo(std::uint64_t offset, std::uint64_t reach);
 
  private:
@@ -64,39 +63,40 @@ class WindowC {
   bool isAtEnd_ = false;
 };
 
-/// Sums of bytes, in 16 bits. The sums of blocks are kept for as long as a record that begins at
-/// the front may ask for them: with them the sum of any record is one difference, and the bytes
-/// before its first and after its last whole block.
+/// Sums of bytes modulo 65536. Cumulative sums of blocks are kept as long as a record that begins
+/// at the front may need them: the sum of any record is then a difference of two of them plus the
+/// bytes before its first and after its last whole block.
 class ByteSumsC {
  public:
   static constexpr std::size_t kBlock = 64;
 
-  /// Forgets all: the walk goes on elsewhere.
+  /// Drops all sums: the walk continues elsewhere.
   void Clear() { end_ = begin_ = 0; }
-  /// The sum of the bytes from `from` up to `to`, which are at `bytes`; at most `kLongestRecord`,
-  /// and `from` is never less than before.
+  /// The sum of the bytes from `from` up to `to`, which are at `bytes`. They are at most
+  /// `kLongestRecord`, and `from` never decreases between calls.
   std::uint16_t Sum(std::uint64_t from, std::uint64_t to, const std::uint8_t* bytes);
-  /// How many bytes were added up so far, each as often as it was.
+  /// How many bytes were added so far, counting repetitions.
   std::uint64_t GetSummed() const { return summed_; }
 
  private:
   static constexpr std::size_t kRing = 2048;
   static_assert(kRing >= 2 * (kLongestRecord / kBlock) && kLongestRecord % kBlock != 0);
 
-  std::uint64_t begin_ = 0;  // the blocks that are known, by number
+  std::uint64_t begin_ = 0;  // the blocks with known sums, by number
   std::uint64_t end_ = 0;
   std::uint64_t summed_ = 0;
-  // Of the bytes before the block with this number, modulo the size, counted from anywhere.
+  // Cumulative sums: element n modulo `kRing` is the sum of the bytes before block n, relative to
+  // an arbitrary start.
   std::array<std::uint16_t, kRing> before_ = {};
 };
 
-/// Walks records from front to back: where the magic, a length of at least 5 and a right checksum
-/// are, there is a record and the walk goes on after it; elsewhere it goes on one byte further.
+/// Walks records from front to back: a record is where the magic, a length of at least 5 and a
+/// correct checksum are; the walk continues after it. Elsewhere it advances by one byte.
 ///
-/// \cost linear in the bytes, whatever they are. The bytes of a short record are added up at once,
-/// as
-///       long as no more of them were added up in vain than the walk has passed. Otherwise every
-///       byte is added up once, and for each header at most two blocks of 64 bytes more.
+/// \cost linear in the number of bytes, whatever they are. The bytes of a short record are added
+///       directly as long as the bytes of headers that turned out to begin no record do not exceed
+///       the length of the walk. Otherwise every byte is added once, and for each header at most
+///       two blocks of 64 bytes again.
 class WalkC {
  public:
   explicit WalkC(std::unique_ptr<SourceI> source);
@@ -109,22 +109,23 @@ class WalkC {
   /// The kind of the record at the front.
   std::uint8_t GetType() const { return GetFront()[RecordFrame::kTypeAt]; }
 
-  /// Walks up to the next record and answers its size; 0 where the source ends or `limit` is
-  /// reached before. The whole record is there, at the front.
+  /// Walks up to the next record and returns its size; 0 if the source ends or `limit` is reached
+  /// before. The whole record is then available at the front.
   std::size_t FindRecord(std::uint64_t limit = kNoLimit);
-  /// Goes on after the record at the front.
+  /// Moves the front to the end of the record there.
   void Pass(std::size_t size) { window_.Advance(size); }
 
-  /// Puts the front to the first place at or after `begin` that the walk from the start of the
-  /// source comes to, and reads no further than `end` unless a record needs it. False when the
-  /// source cannot seek.
+  /// Moves the front to the first position at or after `begin` that the walk from the start of the
+  /// source visits, and reads no further than `end` unless a record needs it. False if the source
+  /// cannot seek.
   ///
-  /// \cost as `GPSRecordReaderC` says.
+  /// \cost see `GPSRecordReaderC`.
   bool GoTo(std::uint64_t begin, std::uint64_t end);
 
-  /// Takes the headers of frames in the gaps that `FindRecord` walks. It stays the caller's.
+  /// Passes the headers of frames in the gaps that `FindRecord` walks to `damage`, which must
+  /// outlive this object.
   void SetDamage(DamageFinderC* damage) { damage_ = damage; }
-  /// Walks on, past the limit of the walk, until every header that was taken is reported.
+  /// Continues, past the limit of the walk, until every header that was taken is reported.
   void SettleDamage();
 
   /// Makes the walk call `report` with its offset, about every `kProgress` bytes. Without a
@@ -132,7 +133,7 @@ class WalkC {
   void SetProgress(std::function<void(std::uint64_t)> report);
   static constexpr std::uint64_t kProgress = std::uint64_t{1} << 20;
 
-  /// How many bytes were summed up so far, each as often as it was.
+  /// How many bytes were added so far, counting repetitions.
   std::uint64_t GetSummed() const { return summedAtOnce_ + sums_.GetSummed(); }
 
  private:
@@ -150,12 +151,12 @@ class WalkC {
   ByteSumsC sums_;
   DamageFinderC* damage_ = nullptr;
   std::function<void(std::uint64_t)> progress_;
-  std::uint64_t progressAt_ = kNoLimit;  // where it is reported next
-  bool isLost_ = false;  // reading failed within what may be a record: no further ones are known
+  std::uint64_t progressAt_ = kNoLimit;  // where the next report is due
+  bool isLost_ = false;                  // reading failed inside a possible record
 
   static constexpr std::size_t kShort = 1024;
   std::uint64_t start_ = 0;   // of the walk
-  std::uint64_t inVain_ = 0;  // bytes that were added up for short headers that begin no record
+  std::uint64_t inVain_ = 0;  // bytes added for short headers that begin no record
   std::uint64_t summedAtOnce_ = 0;
 };
 

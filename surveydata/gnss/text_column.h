@@ -10,21 +10,21 @@
 #endif
 
 /// \file
-/// Internal: UTF-8 that every reader accepts, of texts of a measurement.
+/// Internal: the texts of a measurement as valid UTF-8.
 
 namespace SDI::TextColumn {
 
-/// The rest of a text, from its unit `i` on, of which not all need be ASCII.
+/// Writes the rest of a text, from unit `i` on, for any characters. The parameters and the result
+/// are those of `Write`.
 std::size_t WriteRest(const char16_t* units, std::size_t i, std::size_t capacity, char* to);
 
-/// Writes the UTF-8 of `units`, up to the first 0 or `capacity`, and answers its bytes: at most
-/// three for each unit. Pairs of surrogates become their character, a surrogate without its other
-/// half U+FFFD.
+/// Writes `units`, up to the first 0 or `capacity`, as UTF-8 and returns the number of bytes: at
+/// most three for each unit. Surrogate pairs become their character, unpaired surrogates U+FFFD.
 inline std::size_t Write(const char16_t* units, std::size_t capacity, char* to) {
   std::size_t i = 0;
 #if defined(__SSE2__)
-  // Sixteen units at a time as long as they are ASCII. They have room for three bytes each, so that
-  // the last ones may be written with what follows their end.
+  // Sixteen units at a time while they are ASCII. There is room for three bytes per unit, so the
+  // last store may include bytes after the end.
   for (; capacity - i >= 16; i += 16) {
     const auto* const from = reinterpret_cast<const __m128i_u*>(units + i);
     // Units above 0x7F become bytes above 0x7F or, if they are negative as signed numbers, 0.

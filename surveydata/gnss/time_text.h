@@ -8,7 +8,7 @@
 #include <surveydata/gnss/gps_time.h>
 
 /// \file
-/// Internal: GPS time and UTC as texts, many times in a row.
+/// Internal: GPS time and UTC as text, fast for sequences of times.
 
 namespace SDI::TimeText {
 
@@ -25,8 +25,7 @@ inline Milliseconds SinceEpoch(const Vorlin::TimeC& time) {
   return Milliseconds{time.week} * kMillisecondsPerWeek + time.timeOfWeek;
 }
 
-/// Writes dates and times of day. Keeps the minute that it wrote last: times that follow each other
-/// mostly share it.
+/// Writes dates and times of day. Caches the last minute, which consecutive times mostly share.
 class DateWriterC {
  public:
   /// Writes `kTimeTextSize` characters. `time` is at least 0.
@@ -37,7 +36,7 @@ class DateWriterC {
     PutTwo(left / 1000, to + 17);
     if (left % 1000 != 0) PutThree(left % 1000, to + 20);
   }
-  /// Writes second 60 of the minute in which `time` lies.
+  /// Writes second 60 of the minute that contains `time`.
   void WriteLeapSecond(Milliseconds time, std::uint32_t thousandths, char* to) {
     SetMinute(time);
     CopyMinute(to);
@@ -68,10 +67,10 @@ class DateWriterC {
   std::array<char, kTimeTextSize + 1> text_{"0000-00-00T00:00:00.000"};  // of the minute
 };
 
-/// Writes times in UTC. Keeps the offset that it used last.
+/// Writes times in UTC. Caches the last offset.
 class UTCWriterC {
  public:
-  /// Whether a time was at or after the expiry of the table of leap seconds.
+  /// Whether any time was at or after the expiry of the table of leap seconds.
   bool HasExpired() const { return hasExpired_; }
   /// Writes `kTimeTextSize` characters. `time` is at least 0.
   void Write(Milliseconds time, char* to) {
@@ -87,8 +86,8 @@ class UTCWriterC {
  private:
   void FindOffset(Milliseconds time);
 
-  // From `begin_` to `leap_` GPS time is `offset_` ahead of UTC; from `leap_` to `end_` is the leap
-  // second.
+  // From `begin_` to `leap_` GPS time is `offset_` ahead of UTC. The leap second is from `leap_` to
+  // `end_`.
   Milliseconds begin_ = 0;
   Milliseconds leap_ = 0;
   Milliseconds end_ = 0;
