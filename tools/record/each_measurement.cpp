@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-ExitCode ForEachMeasurement(RecordWalkC& walk,
+ExitCode ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
                             const std::function<void(const DecodedRecord&)>& visit) {
   std::uint64_t measurements = 0;
   std::uint64_t badFrames = 0;
@@ -15,11 +15,13 @@ ExitCode ForEachMeasurement(RecordWalkC& walk,
     // Chance bytes in a gap of a healthy file look like this one.
     if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++badFrames;
   });
+  RecordSieveC sieve(filter);
   SDI::GPSRecordEntry entry;
   while (walk.Next(entry)) {
     if (!entry.IsMeasurement()) continue;
     const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
     if (record.IsDone()) {
+      if (!sieve.Takes(record)) continue;
       ++measurements;
       visit(record);
       continue;
@@ -34,7 +36,7 @@ ExitCode ForEachMeasurement(RecordWalkC& walk,
     Tell(fmt::format("{} bad frame{} left out; surveydata record list shows {}", badFrames,
                      badFrames == 1 ? " is" : "s are", badFrames == 1 ? "it" : "them"));
   }
-  if (measurements == 0) Tell(fmt::format("{} holds no measurement", walk.GetName()));
+  if (measurements == 0) Tell(filter.NoneIn(walk.GetName()));
   return badFrames > 0 || measurements == 0 ? ExitCode::kFinding : ExitCode::kDone;
 }
 

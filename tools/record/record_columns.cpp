@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <surveydata/gnss/record_columns.h>
+
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <record/record_columns.h>
@@ -51,10 +53,7 @@ RecordColumns ParseColumns(std::string_view text) {
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t end = std::min(text.find(',', at), text.size());
     const std::string_view name = text.substr(at, end - at);
-    const SDI::GPSColumn* const column = SDI::FindGPSColumn(name);
-    if (column == nullptr) {
-      throw ValueErrorC(fmt::format("there is no column \"{}\"{}", name, Suggestion(name)));
-    }
+    const SDI::GPSColumn* const column = &FindRecordColumn(name);
     if (std::ranges::find(columns, column) != columns.end()) {
       throw ValueErrorC(fmt::format("the column {} is there twice", name));
     }
@@ -97,6 +96,20 @@ RecordColumns AllRecordColumns() {
   RecordColumns columns;
   for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) columns.push_back(&column);
   return columns;
+}
+
+const SDI::GPSColumn& FindRecordColumn(std::string_view name) {
+  const SDI::GPSColumn* const column = SDI::FindGPSColumn(name);
+  if (column == nullptr) {
+    throw ValueErrorC(fmt::format("there is no column \"{}\"{}", name, Suggestion(name)));
+  }
+  return *column;
+}
+
+void AskRecordColumn(const SDI::GPSColumn& column, const DecodedRecord& record,
+                     SDI::GPSColumnValueC& value) {
+  SDI::RecordColumns::Ask(column, {&record.measurement, &record.info, record.offset, record.size},
+                          value);
 }
 
 CommandOption RecordColumnsOption(RecordColumns& columns) {

@@ -6,21 +6,19 @@
 #include <type_traits>
 #include <variant>
 
-#include <fmt/format.h>
-
 #include <surveydata/gnss/gps_time.h>
-#include <surveydata/gnss/record_columns.h>
 
 #include <command_line/common_options.h>
-#include <command_line/message.h>
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/each_measurement.h>
+#include <record/gps_moment.h>
 #include <record/record_columns.h>
 #include <record/record_commands.h>
+#include <record/record_filter.h>
 #include <record/record_walk.h>
 
 namespace Tool {
@@ -30,7 +28,8 @@ constexpr const char* kDescription =
     "Write every measurement with all its fields, as JSON Lines or as a CSV table, whose columns\n"
     "surveydata record columns lists; what is absent is an empty cell.\n"
     "Bad frames are left out, counted on standard error, and give the exit code 1; so does a file\n"
-    "without a measurement. Other kinds of records and gaps are passed over, with chance bytes in\n"
+    "without a measurement to write. Other kinds of records and gaps are passed over, with chance "
+    "bytes in\n"
     "a gap that look like a header whose frame runs into the next record.";
 
 struct Options {
@@ -39,6 +38,7 @@ struct Options {
   bool isCsv = false;
   RecordColumns columns = AllRecordColumns();
   Formulas formulas = Formulas::kEscape;
+  RecordFilter filter;
 };
 
 // Writes the table, and notes when times in UTC are not certain.
@@ -58,8 +58,7 @@ class CsvTableC {
     CsvWriterC line(out_.GetBuffer(), formulas_);
     SDI::GPSColumnValueC value;
     for (const SDI::GPSColumn* const column : columns_) {
-      SDI::RecordColumns::Ask(
-          *column, {&record.measurement, &record.info, record.offset, record.size}, value);
+      AskRecordColumn(*column, record, value);
       std::visit(
           [&line](const auto& held) {
             if constexpr (std::is_same_v<decltype(held), const std::monostate&>) {
@@ -75,9 +74,7 @@ class CsvTableC {
   }
 
   void TellAboutLeapSeconds() const {
-    if (!hasTimesAfterExpiry_) return;
-    Tell(fmt::format("times in UTC from {} on take it that the leap seconds of the {} are all",
-                     SDI::kLeapSecondExpiry, SDI::kLeapSecondSource));
+    if (hasTimesAfterExpiry_) Tool::TellAboutLeapSeconds();
   }
 
  private:
@@ -106,14 +103,15 @@ ExitCode Run(const Options& options) {
   OutputC out(options.output, options.file);
   std::optional<CsvTableC> table;
   if (options.isCsv) table.emplace(out, options);
-  const ExitCode result = ForEachMeasurement(walk, [&](const DecodedRecord& record) {
-    if (table) {
-      table->Write(record);
-    } else {
-      WriteJson(out, record);
-    }
-    out.FlushIfFull();
-  });
+  const ExitCode result =
+      ForEachMeasurement(walk, options.filter, [&](const DecodedRecord& record) {
+        if (table) {
+          table->Write(record);
+        } else {
+          WriteJson(out, record);
+        }
+        out.FlushIfFull();
+      });
   if (table) table->TellAboutLeapSeconds();
   out.Close();
   return result;
@@ -127,7 +125,8 @@ Command RecordExportCommand() {
   command.name = "export";
   command.description = kDescription;
   command.footer =
-      "Example:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv";
+      "Examples:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv\n"
+      "  surveydata record export valley_drive.rec --where \"pdop < 4 and used >= 6\"";
   command.arguments = {FileArgument(options->file)};
   command.options = {{.names = {"--csv"},
                       .description = "CSV with a header row, quoted as RFC 4180 has it",
@@ -138,6 +137,7 @@ Command RecordExportCommand() {
                                   "The file to write, - for standard output, the default", "OUT")};
   command.options[1].needs = {"--csv"};
   command.options[2].needs = {"--csv"};
+  AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;
 }

@@ -17,6 +17,7 @@
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/record_commands.h>
+#include <record/record_filter.h>
 #include <record/record_walk.h>
 
 namespace Tool {
@@ -27,11 +28,14 @@ constexpr const char* kDescription =
     "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no "
     "record,\n"
     "headers of measurement frames among them, and frames whose blocks do not fit. So does a file\n"
-    "without a measurement.";
+    "without a measurement. With filters only measurements are listed; the rest is counted, and "
+    "gives\n"
+    "the same exit code.";
 
 struct Options {
   std::string file;
   bool isJson = false;
+  RecordFilter filter;
 };
 
 // What a list tells of a measurement.
@@ -180,10 +184,12 @@ ExitCode Run(const Options& options) {
     list = std::make_unique<TextListC>(out);
   }
 
+  RecordSieveC sieve(options.filter);
+  const bool isListingAll = options.filter.TakesAll();
   std::uint64_t measurements = 0, others = 0, gaps = 0, gapBytes = 0, badFrames = 0;
   const auto reportBad = [&](std::uint64_t offset, std::uint64_t size, std::string_view reason) {
     ++badFrames;
-    list->BadFrame(offset, size, reason);
+    if (isListingAll) list->BadFrame(offset, size, reason);
   };
   // The walk gives the bad frames of a gap before the gap, the list shows them after it. There may
   // be any number: when these are full, they are shown at once.
@@ -202,13 +208,14 @@ ExitCode Run(const Options& options) {
     if (entry.isGap) {
       ++gaps;
       gapBytes += entry.size;
-      list->Gap(entry);
+      if (isListingAll) list->Gap(entry);
       listHeld();
     } else if (!entry.IsMeasurement()) {
       ++others;
-      list->Other(entry);
+      if (isListingAll) list->Other(entry);
     } else if (const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
                record.IsDone()) {
+      if (!sieve.Takes(record)) continue;
       ++measurements;
       list->Measurement(record);
     } else {
@@ -221,7 +228,7 @@ ExitCode Run(const Options& options) {
               Counted(badFrames, "bad frame"));
   }
   out.Close();
-  if (measurements == 0) Tell(fmt::format("{} holds no measurement", walk.GetName()));
+  if (measurements == 0) Tell(options.filter.NoneIn(walk.GetName()));
   const bool isHealthy = gaps + badFrames == 0 && measurements > 0;
   return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
 }
@@ -240,6 +247,7 @@ Command RecordListCommand() {
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object per line",
                       .flag = &options->isJson}};
+  AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;
 }

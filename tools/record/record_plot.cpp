@@ -13,6 +13,7 @@
 #include <record/decoded_record.h>
 #include <record/each_measurement.h>
 #include <record/record_commands.h>
+#include <record/record_filter.h>
 #include <record/record_walk.h>
 #include <record/satellite_series.h>
 
@@ -27,6 +28,7 @@ constexpr const char* kDescription =
 struct Options {
   std::string file;
   PictureOutput output;
+  RecordFilter filter;
 };
 
 std::int64_t ToMilliseconds(double seconds) { return std::llround(seconds * 1000); }
@@ -62,8 +64,8 @@ ExitCode Run(const Options& options) {
   options.output.Require(options.file);
   SatelliteSeriesC series;
   RecordWalkC walk(options.file);
-  const ExitCode result =
-      ForEachMeasurement(walk, [&](const DecodedRecord& record) { series.Add(record); });
+  const ExitCode result = ForEachMeasurement(
+      walk, options.filter, [&](const DecodedRecord& record) { series.Add(record); });
   if (series.GetRecordCount() == 0) return result;
   const std::string svg = DrawChart(ToChart(series, options.file));
   OutputC out(options.output.file, options.file);
@@ -82,6 +84,7 @@ Command RecordPlotCommand() {
   command.footer = "Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg";
   command.arguments = {FileArgument(options->file)};
   command.options = {PictureOption(options->output)};
+  AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;
 }

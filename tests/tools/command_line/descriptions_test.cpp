@@ -193,7 +193,8 @@ const std::vector<Question>& Questions() {
       {{"re"}, {"record"}},
       {{"record", ""}, {"list", "show", "export", "columns", "set", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
-      {{"record", "list", "--"}, {"--help", "--json"}},
+      {{"record", "list", "--"},
+       {"--help", "--json", "--from", "--to", "--name", "--where", "--every"}},
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
       {{"record", "list", "area", "--j"}, {"--json"}},  // a file with the name of a command
       {{"record", "set", "--name", "list", "--num"}, {"--number"}},
@@ -271,7 +272,8 @@ TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
             (std::set<std::string>{"c.rec"}));
   EXPECT_EQ(ask({"--v"}), (std::set<std::string>{"--version"}));
   EXPECT_EQ(ask({"record", "list", "c.rec", ""}),
-            (std::set<std::string>{"-h", "--help", "--json"}));
+            (std::set<std::string>{"-h", "--help", "--json", "--from", "--to", "--name", "--where",
+                                   "--every"}));
 }
 
 TEST_F(ZshCompletion, OffersCommandsOptionsAndFiles) {

@@ -1,0 +1,100 @@
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include <surveydata/gnss/gps_time.h>
+
+#include <command_line/text.h>
+#include <output/gps_time.h>
+#include <record/gps_moment.h>
+#include <record/record_columns.h>
+#include <record/record_filter.h>
+
+namespace Tool {
+namespace {
+
+void CheckOrder(const RecordFilter& filter) {
+  if (filter.from && filter.to && *filter.from >= *filter.to) {
+    throw ValueErrorC("--from is not before --to");
+  }
+}
+
+CommandOption TimeOption(std::string name, std::string description, RecordFilter& filter,
+                         std::optional<std::int64_t> RecordFilter::*limit) {
+  return {.names = {std::move(name)},
+          .value = "TIME",
+          .description = std::move(description),
+          .take = [&filter, limit](const std::string& text) {
+            filter.*limit = ParseMoment(text);
+            CheckOrder(filter);
+          }};
+}
+
+std::uint64_t ParseCount(const std::string& text) {
+  const auto count = ToNumber<std::uint64_t>(text);
+  if (!count || *count == 0) throw ValueErrorC("not a whole number from 1 on");
+  return *count;
+}
+
+}  // namespace
+
+std::string RecordFilter::NoneIn(std::string_view file) const {
+  return fmt::format("{} holds no measurement{}", file, TakesAll() ? "" : " that the filters take");
+}
+
+void AddFilterOptions(Command& command, RecordFilter& filter) {
+  auto& options = command.options;
+  options.push_back(TimeOption("--from",
+                               "Only measurements from this time on: GPS time such as "
+                               "2020-02-06T18:14:35.5, or UTC with a Z at the end",
+                               filter, &RecordFilter::from));
+  options.push_back(TimeOption("--to", "Only measurements before this time: as --from", filter,
+                               &RecordFilter::to));
+  options.push_back(
+      {.names = {"--name"},
+       .value = "NAME",
+       .description = "Only measurements of this name: several times for several names",
+       .take = [&filter](const std::string& name) { filter.names.push_back(name); },
+       .isRepeatable = true});
+  options.push_back(
+      {.names = {"--where"},
+       .value = "CONDITION",
+       .description = "Only measurements whose columns meet a condition: comparisons with numbers "
+                      "and texts in "
+                      "quotes, and, or, not, present(COLUMN), such as \"pdop < 4 and used >= 6\"",
+       .take = [&filter](const std::string& text) {
+         filter.where = std::make_shared<const RecordConditionC>(text);
+       }});
+  options.push_back(
+      {.names = {"--every"},
+       .value = "N",
+       .description = "Only the first and every Nth of these measurements of a file",
+       .take = [&filter](const std::string& text) { filter.every = ParseCount(text); }});
+}
+
+bool RecordSieveC::Takes(const DecodedRecord& record) {
+  return Meets(record) && met_++ % filter_.every == 0;
+}
+
+bool RecordSieveC::Meets(const DecodedRecord& record) const {
+  if (filter_.from || filter_.to) {
+    const Vorlin::TimeC& time = record.measurement.GetTimeA();
+    if (time.timeOfWeek < 0 || time.timeOfWeek >= SDI::kMillisecondsPerWeek) return false;
+    const std::int64_t at = GpsMilliseconds(time);
+    if (at < filter_.from.value_or(at) || (filter_.to && at >= *filter_.to)) return false;
+  }
+  if (!filter_.names.empty()) {
+    static const SDI::GPSColumn& kName = FindRecordColumn("name");
+    SDI::GPSColumnValueC value;
+    AskRecordColumn(kName, record, value);
+    const auto* const text = std::get_if<std::string_view>(&value.Get());
+    const std::string_view name = text != nullptr ? *text : std::string_view();
+    if (std::ranges::find(filter_.names, name) == filter_.names.end()) return false;
+  }
+  return !filter_.where || filter_.where->IsTrue(record);
+}
+
+}  // namespace Tool

@@ -1,0 +1,50 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_RECORD_FILTER_H_
+#define SURVEYDATA_TOOLS_RECORD_RECORD_FILTER_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <command_line/command.h>
+#include <record/decoded_record.h>
+#include <record/record_condition.h>
+
+namespace Tool {
+
+/// Which measurements a command takes; all of them unless something is asked for.
+struct RecordFilter {
+  std::optional<std::int64_t> from;  ///< Time A is not earlier, in milliseconds of GPS time.
+  std::optional<std::int64_t> to;    ///< Time A is earlier.
+  std::vector<std::string> names;    ///< The name is one of these, in UTF-8.
+  std::shared_ptr<const RecordConditionC> where;
+  std::uint64_t every = 1;  ///< Of what the others take, the first and every so many after it.
+
+  bool TakesAll() const { return !from && !to && names.empty() && !where && every == 1; }
+  /// The message that a file has no such measurement.
+  std::string NoneIn(std::string_view file) const;
+};
+
+/// Gives a command --from, --to, --name, --where and --every. `filter` must outlive the parsing.
+void AddFilterOptions(Command& command, RecordFilter& filter);
+
+/// Takes the measurements of one file.
+class RecordSieveC {
+ public:
+  explicit RecordSieveC(const RecordFilter& filter) : filter_(filter) {}
+
+  /// Whether to take `record`, which comes after those that this was called for before.
+  bool Takes(const DecodedRecord& record);
+
+ private:
+  bool Meets(const DecodedRecord& record) const;
+
+  const RecordFilter& filter_;
+  std::uint64_t met_ = 0;
+};
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_RECORD_FILTER_H_
