@@ -30,6 +30,7 @@ run_workflows() {
   local preset
   for preset in "$@"; do
     cmake --workflow --preset "$preset"
+    .ci/skipped_tests "build/$preset/Testing/Temporary/LastTest.log"
   done
 }
 
