@@ -12,7 +12,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 if ! { cmake --preset release -B build/demo -D SURVEYDATA_BUILD_TESTS=OFF \
          -D SURVEYDATA_BUILD_BENCHMARKS=OFF -D SURVEYDATA_BUILD_EXAMPLES=OFF \
-         -D SURVEYDATA_WARNINGS_AS_ERRORS=OFF &&
+         -D SURVEYDATA_LTO=OFF -D SURVEYDATA_WARNINGS_AS_ERRORS=OFF &&
        cmake --build build/demo --target surveydata_tool; } >"$log" 2>&1; then
   cat "$log" >&2
   exit 1
