@@ -37,13 +37,12 @@ class Stretch(NamedTuple):
 
     file: RecordFile
     begin: int
-    end: int | None
-    """None for the end of the file."""
+    end: int
 
     @property
     def size(self) -> int:
         """In bytes."""
-        return (self.file.size if self.end is None else self.end) - self.begin
+        return self.end - self.begin
 
 
 def is_url(path: object) -> bool:
@@ -128,11 +127,16 @@ def cut(files: Iterable[RecordFile], size: int) -> Iterator[Stretch]:
         raise ValueError("a stretch has at least one byte")
     for file in files:
         for begin in range(0, max(file.size, 1), size):
-            yield Stretch(file, begin, begin + size if begin + size < file.size else None)
+            yield Stretch(file, begin, min(begin + size, file.size))
+
+
+def source_of(file: RecordFile) -> StoreFile | Path:
+    """What `read_records` reads a file from."""
+    return open_url(file.path) if is_url(file.path) else Path(file.path)
 
 
 def open_url(url: str) -> StoreFile | Path:
-    """What `read_records` reads the file of a URL from."""
+    """The same for the URL of a file."""
     file_system, path = _file_system_of(url)
     return Path(path) if _is_local(file_system) else StoreFile(file_system, path, url)
 
