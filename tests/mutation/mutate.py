@@ -9,6 +9,7 @@ unless tests/mutation/explained.json explains why they change no result.
   tests/mutation/mutate.py --only utf8        only files whose name matches
   tests/mutation/mutate.py --list             only list the mutations
   tests/mutation/mutate.py --again            the mutations that survived the last run
+  tests/mutation/mutate.py --check            only check the tables below and explained.json
 
 Exits with 1 if a mutation survived that is not explained. Results: build/mutation/results.jsonl.
 """
@@ -88,12 +89,32 @@ TESTS = {
                              "position_test", "q_matrix_test", "rectangle_test",
                              "undulation_memento_test", "record_rules_test", "pair_rules_test",
                              "layout_test"],
+    "surveydata/c_interface/": ["c_interface_area_test", "c_interface_columns_test",
+                                "c_interface_measurement_test", "c_interface_reader_test",
+                                "c_interface_texts_test", "c_interface_values_test",
+                                "c_interface_faults_test"],
+    "surveydata/c_interface/arrow_stream": ["arrow_stream_test"],
     "surveydata/gnss/": ["gps_ant_height_test", "gps_dops_test", "gps_meas_data_test",
                          "gps_ref_station_data_test",
                          "gps_record_file_test", "record_samples_test", "gps_record_index_test",
                          "record_faults_test", "pair_rules_test", "record_frame_test"],
+    "surveydata/gnss/file_access": ["posix_files_test", "record_faults_test",
+                                    "gps_record_file_test", "gps_record_writer_test"],
+    "surveydata/gnss/gps_record_columns": ["gps_record_columns_test"],
     "surveydata/gnss/gps_record_index": ["gps_record_index_test", "record_samples_test",
                                          "record_faults_test"],
+    "surveydata/gnss/gps_record_outcome": ["gps_record_reader_test", "gps_record_writer_test"],
+    "surveydata/gnss/gps_record_reader": ["gps_record_reader_test", "record_faults_test",
+                                          "gps_record_reader_property_test"],
+    "surveydata/gnss/gps_record_writer": ["gps_record_writer_test", "record_faults_test",
+                                          "posix_files_test"],
+    "surveydata/gnss/gps_time": ["gps_time_test"],
+    "surveydata/gnss/record_damage": ["gps_record_reader_test", "gps_record_reader_property_test"],
+    "surveydata/gnss/record_source": ["gps_record_reader_test", "gps_record_index_test",
+                                      "record_faults_test"],
+    "surveydata/gnss/record_walk": ["gps_record_index_test", "gps_record_reader_test",
+                                    "record_walk_test", "gps_record_reader_property_test"],
+    "surveydata/gnss/text_column": ["gps_record_columns_test"],
     "surveydata/gnss/frame_": ["record_samples_test", "gps_record_file_test",
                                "record_frame_test", "record_encode_test"],
     "surveydata/gnss/record_encode": ["record_encode_test"],
@@ -123,6 +144,20 @@ TESTS = {
 
 def tests_for(file):
     return TESTS[max((rule for rule in TESTS if file.startswith(rule)), key=len)]
+
+
+def stale_entries():
+    """What the tables of tests and of explanations name and is not there."""
+    built = {path.stem for path in PROJECT.glob("tests/**/*") if path.suffix in (".cpp", ".c")}
+    for file, tests in TESTS.items():
+        if not any(PROJECT.glob(file + "*")):
+            yield f"mutate.py: there is no file {file}*"
+        yield from (f"mutate.py: there is no test {name}" for name in names_of(tests)
+                    if name not in built)
+    known = {(found["file"], found["before"], found["after"]) for found in candidates(None)}
+    for entry in json.loads(EXPLAINED.read_text()):
+        if (entry["file"], entry["before"], entry["after"]) not in known:
+            yield f"explained.json: {entry['file']} has no mutation {entry['after']}"
 
 
 def mutations_of_line(line):
@@ -266,7 +301,15 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--again", action="store_true", help="those that survived the last run")
+    parser.add_argument("--check", action="store_true", help="only check the tables")
     arguments = parser.parse_args()
+
+    if arguments.check:
+        stale = list(stale_entries())
+        stale += sorted({f"mutate.py: no tests for {mutation['file']}" for mutation in candidates(None)
+                         if not any(map(mutation["file"].startswith, TESTS))})
+        print(*stale, sep="\n", end="\n" if stale else "")
+        return 1 if stale else 0
 
     chosen = choose(candidates(arguments.only), arguments.count, arguments.seed)
     if arguments.again:
