@@ -330,11 +330,11 @@ TEST(RecordCommands, OpenTheFileOnce) {
 }
 #endif
 
-// A file that is larger than the memory that the program may take.
+// A file that is larger than the memory that the program may take: with one job, and with several
+// that keep what they have written until its turn.
 TEST(RecordExport, TakesAFixedAmountOfMemory) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
-  constexpr std::size_t kFileSize = std::size_t{40} << 20;
-  constexpr long kMemory = 32L << 10;  // KiB
+  constexpr std::size_t kFileSize = std::size_t{80} << 20;
   const TempFolderC folder;
   const std::string file = folder / "large.rec";
   const std::string sample = ReadText(DataPath("valley_drive.rec"));
@@ -342,19 +342,27 @@ TEST(RecordExport, TakesAFixedAmountOfMemory) {
   for (std::size_t size = 0; size < kFileSize; size += sample.size()) out << sample;
   out.close();
 
+  const struct {
+    const char* jobs;
+    long memory;  // KiB
+  } cases[] = {{"1", 32L << 10}, {"2", 64L << 10}};
   const std::string program = ProgramPath();
-  const pid_t child = fork();
-  if (child == 0) {
-    const int null = open("/dev/null", O_WRONLY);
-    dup2(null, STDOUT_FILENO);
-    execl(program.c_str(), program.c_str(), "record", "export", file.c_str(), nullptr);
-    _exit(127);
+  for (const auto& [jobs, memory] : cases) {
+    SCOPED_TRACE(jobs);
+    const pid_t child = fork();
+    if (child == 0) {
+      const int null = open("/dev/null", O_WRONLY);
+      dup2(null, STDOUT_FILENO);
+      execl(program.c_str(), program.c_str(), "record", "export", file.c_str(), "--jobs", jobs,
+            nullptr);
+      _exit(127);
+    }
+    int status = 0;
+    rusage usage{};
+    ASSERT_EQ(wait4(child, &status, 0, &usage), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_LT(usage.ru_maxrss, memory);
   }
-  int status = 0;
-  rusage usage{};
-  ASSERT_EQ(wait4(child, &status, 0, &usage), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  EXPECT_LT(usage.ru_maxrss, kMemory);
 }
 
 TEST(RecordPlot, EscapesNamesOfAnyBytes) {

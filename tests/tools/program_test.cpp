@@ -29,7 +29,6 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "nonsense"},
       {"record", "list"},
       {"record", "list", file, "--nonsense"},
-      {"record", "list", file, "another"},
       {"record", "show", file},
       {"record", "show", file, "--offset"},
       {"record", "show", file, "--offset", ""},

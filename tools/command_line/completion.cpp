@@ -92,6 +92,12 @@ std::string FilePattern(const CommandOption& option) {
   return option.IsFile() ? fmt::format("*{}", option.Extension()) : std::string();
 }
 
+// Whether the last argument is any number of files.
+bool EndsInFiles(const Command& command) {
+  return !command.arguments.empty() && command.arguments.back().isRepeatable &&
+         command.arguments.back().IsFile();
+}
+
 std::string ZshFunction(const Command& command) {
   return fmt::format("_{}", Replaced(command.path, " ", "_"));
 }
@@ -171,15 +177,16 @@ std::string BashCompletion(const Command& top) {
       files.push_back(Quoted(FilePattern(argument)));
     }
     Append(commands,
-           "      {})\n        words={}\n        options={}\n        arguments=({})\n"
+           "      {})\n        words={}\n        options={}\n        arguments=({})\n{}"
            "        ;;\n",
            Quoted(command->path), Quoted(fmt::format("{}", fmt::join(CommandNames(*command), " "))),
-           Quoted(fmt::format("{}", fmt::join(OptionNames(*command), " "))), fmt::join(files, " "));
+           Quoted(fmt::format("{}", fmt::join(OptionNames(*command), " "))), fmt::join(files, " "),
+           EndsInFiles(*command) ? "        files_go_on=1\n" : "");
   }
   return fmt::format(R"(# Completes the commands of {0} in bash. Made from the program.
 _{0}() {{
   local command={0} cur=${{COMP_WORDS[COMP_CWORD]}} word='' given=0 i
-  local words='' options='' files='' arguments=()
+  local words='' options='' files='' arguments=() files_go_on=0
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; ++i)); do
     word=${{COMP_WORDS[i]}}
@@ -204,6 +211,9 @@ _{0}() {{
   else
     case "$command" in
 {4}    esac
+    if ((files_go_on && given >= ${{#arguments[@]}})); then
+      given=$((${{#arguments[@]}} - 1))
+    fi
     if [[ $cur != -* && -z $words && given -lt ${{#arguments[@]}} ]]; then
       files=${{arguments[given]}}
     else
@@ -336,8 +346,10 @@ complete -c {0} -f
           argument.Extension().empty()
               ? "-F"
               : fmt::format("-k -a '(__fish_complete_suffix {})'", argument.Extension());
-      Append(out, "complete -c {0} -n '__{0}_argument {1} {2}' {3}\n", top.name, command->path, i,
-             files);
+      const std::string place = argument.isRepeatable
+                                    ? fmt::format("is {}", command->path)
+                                    : fmt::format("argument {} {}", command->path, i);
+      Append(out, "complete -c {0} -n '__{0}_{1}' {2}\n", top.name, place, files);
     }
   }
   return out;

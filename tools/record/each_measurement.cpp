@@ -1,19 +1,21 @@
-#include <cstdint>
-
 #include <fmt/format.h>
 
-#include <command_line/message.h>
 #include <record/each_measurement.h>
 
 namespace Tool {
 
-ExitCode ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
-                            const std::function<void(const DecodedRecord&)>& visit) {
-  std::uint64_t measurements = 0;
-  std::uint64_t badFrames = 0;
+void MeasurementCounts::Add(const MeasurementCounts& more) {
+  taken += more.taken;
+  badFrames += more.badFrames;
+}
+
+MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
+                                     PieceOutputC& output, const std::string& prefix,
+                                     const std::function<void(const DecodedRecord&)>& visit) {
+  MeasurementCounts counts;
   walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
     // Chance bytes in a gap of a healthy file look like this one.
-    if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++badFrames;
+    if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++counts.badFrames;
   });
   RecordSieveC sieve(filter);
   SDI::GPSRecordEntry entry;
@@ -22,22 +24,27 @@ ExitCode ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
     const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
     if (record.IsDone()) {
       if (!sieve.Takes(record)) continue;
-      ++measurements;
+      ++counts.taken;
       visit(record);
       continue;
     }
-    ++badFrames;
-    walk.HideProgress();
-    Tell(fmt::format("the frame at {} is left out: its blocks do not fit", entry.offset));
+    ++counts.badFrames;
+    output.Tell(
+        fmt::format("{}the frame at {} is left out: its blocks do not fit", prefix, entry.offset));
   }
   walk.SetReportDamaged(nullptr);
-  walk.HideProgress();
-  if (badFrames > 0) {
-    Tell(fmt::format("{} bad frame{} left out; surveydata record list shows {}", badFrames,
-                     badFrames == 1 ? " is" : "s are", badFrames == 1 ? "it" : "them"));
+  return counts;
+}
+
+ExitCode TellAbout(const MeasurementCounts& counts, const RecordFilter& filter,
+                   const RecordFile& file, const std::string& prefix, PieceOutputC& output) {
+  if (counts.badFrames > 0) {
+    output.Tell(fmt::format("{}{} bad frame{} left out; surveydata record list shows {}", prefix,
+                            counts.badFrames, counts.badFrames == 1 ? " is" : "s are",
+                            counts.badFrames == 1 ? "it" : "them"));
   }
-  if (measurements == 0) Tell(filter.NoneIn(walk.GetName()));
-  return badFrames > 0 || measurements == 0 ? ExitCode::kFinding : ExitCode::kDone;
+  if (counts.taken == 0) output.Tell(filter.NoneIn(file.Title()));
+  return counts.badFrames > 0 || counts.taken == 0 ? ExitCode::kFinding : ExitCode::kDone;
 }
 
 }  // namespace Tool

@@ -1,21 +1,38 @@
 #ifndef SURVEYDATA_TOOLS_RECORD_EACH_MEASUREMENT_H_
 #define SURVEYDATA_TOOLS_RECORD_EACH_MEASUREMENT_H_
 
+#include <cstdint>
 #include <functional>
+#include <string>
 
 #include <command_line/exit_code.h>
 #include <record/decoded_record.h>
+#include <record/piece_output.h>
+#include <record/record_files.h>
 #include <record/record_filter.h>
 #include <record/record_walk.h>
 
 namespace Tool {
 
-/// Reads the measurements that are left in `walk` and visits those that `filter` takes. Bad frames
-/// are left out, counted on standard error, and make the answer `kFinding`; so does a file without
-/// a measurement to visit. Headers in a gap whose frame would run into the next record are passed
-/// over: chance bytes look like them.
-ExitCode ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
-                            const std::function<void(const DecodedRecord&)>& visit);
+/// What reading measurements came to.
+struct MeasurementCounts {
+  std::uint64_t taken = 0;
+  std::uint64_t badFrames = 0;
+
+  void Add(const MeasurementCounts& more);
+};
+
+/// Reads the measurements of `walk` and visits those that `filter` takes. Bad frames are left out
+/// and counted; each whose blocks do not fit gives a message that begins with `prefix`. Headers in
+/// a gap whose frame would run into the next record are passed over: chance bytes look like them.
+MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
+                                     PieceOutputC& output, const std::string& prefix,
+                                     const std::function<void(const DecodedRecord&)>& visit);
+
+/// Tells about the bad frames of a whole file, and about a file without a measurement to visit;
+/// both make the answer `kFinding`.
+ExitCode TellAbout(const MeasurementCounts& counts, const RecordFilter& filter,
+                   const RecordFile& file, const std::string& prefix, PieceOutputC& output);
 
 }  // namespace Tool
 

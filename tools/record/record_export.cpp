@@ -1,14 +1,15 @@
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <variant>
+#include <vector>
 
 #include <surveydata/gnss/gps_time.h>
 
 #include <command_line/common_options.h>
+#include <command_line/text.h>
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -19,21 +20,23 @@
 #include <record/record_columns.h>
 #include <record/record_commands.h>
 #include <record/record_filter.h>
-#include <record/record_walk.h>
+#include <record/record_pass.h>
 
 namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
     "Write every measurement with all its fields, as JSON Lines or as a CSV table, whose columns\n"
-    "surveydata record columns lists; what is absent is an empty cell.\n"
+    "surveydata record columns lists; what is absent is an empty cell. Of several files, or a "
+    "folder,\n"
+    "both begin with the name of the file.\n"
     "Bad frames are left out, counted on standard error, and give the exit code 1; so does a file\n"
     "without a measurement to write. Other kinds of records and gaps are passed over, with chance "
     "bytes in\n"
     "a gap that look like a header whose frame runs into the next record.";
 
 struct Options {
-  std::string file;
+  RecordFileOptions files;
   std::string output;
   bool isCsv = false;
   RecordColumns columns = AllRecordColumns();
@@ -41,23 +44,75 @@ struct Options {
   RecordFilter filter;
 };
 
-// Writes the table, and notes when times in UTC are not certain.
-class CsvTableC {
+// What comes of a piece.
+struct Export {
+  PieceOutputC output;
+  MeasurementCounts counts;
+  bool hasTimesAfterExpiry = false;
+};
+
+bool IsAfterExpiry(const SDI::GPSMeasDataImplC& measurement) {
+  Vorlin::TimeC extra;
+  const bool hasExtra = measurement.GetExtraTime(extra.week, extra.timeOfWeek);
+  return SDI::IsAfterLeapSecondExpiry(measurement.GetTimeA()) ||
+         (hasExtra && SDI::IsAfterLeapSecondExpiry(extra));
+}
+
+class ExportPassC : public RecordPassI<Export> {
  public:
-  CsvTableC(OutputC& out, const Options& options)
-      : out_(out), columns_(options.columns), formulas_(options.formulas) {
-    isInUTC_ = std::ranges::any_of(columns_, [](const SDI::GPSColumn* column) {
-      return std::string_view(column->name).ends_with("_utc");
-    });
-    CsvWriterC line(out.GetBuffer(), formulas_);
-    for (const SDI::GPSColumn* const column : columns_) line.Name(column->name);
+  ExportPassC(const Options& options, const std::vector<RecordFile>& files)
+      : options_(options), files_(files), hasFileColumn_(options.files.AreMany()) {
+    isInUTC_ = options.isCsv && std::ranges::any_of(options.columns, [](const auto* column) {
+                 return std::string_view(column->name).ends_with("_utc");
+               });
+  }
+
+  void WriteHeading(OutputC& out) const {
+    if (!options_.isCsv) return;
+    CsvWriterC line(out.GetBuffer(), options_.formulas);
+    if (hasFileColumn_) line.Name("file");
+    for (const SDI::GPSColumn* const column : options_.columns) line.Name(column->name);
     line.EndLine();
   }
 
-  void Write(const DecodedRecord& record) {
-    CsvWriterC line(out_.GetBuffer(), formulas_);
+  void Read(RecordWalkC& walk, Export& result) const override {
+    const RecordFile& file = files_[walk.GetPiece().file];
+    const std::string name = hasFileColumn_ ? ToUtf8(file.Title()) : std::string();
+    result.counts = ForEachMeasurement(
+        walk, options_.filter, result.output, Prefix(file), [&](const DecodedRecord& record) {
+          if (options_.isCsv) {
+            WriteRow(name, record, result.output.GetBuffer());
+            result.hasTimesAfterExpiry |= isInUTC_ && IsAfterExpiry(record.measurement);
+          } else {
+            WriteJson(name, record, result.output.GetBuffer());
+          }
+          result.output.FlushIfFull();
+        });
+  }
+
+  void Take(const RecordPiece& piece, Export& result, PieceOutputC& direct) override {
+    result.output.PutTo(direct);
+    if (piece.isFirst) counts_ = {};
+    counts_.Add(result.counts);
+    hasTimesAfterExpiry_ |= result.hasTimesAfterExpiry;
+  }
+
+  ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) override {
+    return TellAbout(counts_, options_.filter, file, Prefix(file), direct);
+  }
+
+  bool HasTimesAfterExpiry() const { return hasTimesAfterExpiry_; }
+
+ private:
+  std::string Prefix(const RecordFile& file) const {
+    return hasFileColumn_ ? file.Title() + ": " : std::string();
+  }
+
+  void WriteRow(std::string_view file, const DecodedRecord& record, fmt::memory_buffer& out) const {
+    CsvWriterC line(out, options_.formulas);
+    if (hasFileColumn_) line.Value(file);
     SDI::GPSColumnValueC value;
-    for (const SDI::GPSColumn* const column : columns_) {
+    for (const SDI::GPSColumn* const column : options_.columns) {
       AskRecordColumn(*column, record, value);
       std::visit(
           [&line](const auto& held) {
@@ -70,49 +125,36 @@ class CsvTableC {
           value.Get());
     }
     line.EndLine();
-    hasTimesAfterExpiry_ |= isInUTC_ && IsAfterExpiry(record.measurement);
   }
 
-  void TellAboutLeapSeconds() const {
-    if (hasTimesAfterExpiry_) Tool::TellAboutLeapSeconds();
+  void WriteJson(std::string_view file, const DecodedRecord& record,
+                 fmt::memory_buffer& out) const {
+    JsonWriterC line(out);
+    if (hasFileColumn_) line.NamedField("file", file);
+    DescribeRecord(record, line);
+    line.EndLine();
   }
 
- private:
-  static bool IsAfterExpiry(const SDI::GPSMeasDataImplC& measurement) {
-    Vorlin::TimeC extra;
-    const bool hasExtra = measurement.GetExtraTime(extra.week, extra.timeOfWeek);
-    return SDI::IsAfterLeapSecondExpiry(measurement.GetTimeA()) ||
-           (hasExtra && SDI::IsAfterLeapSecondExpiry(extra));
-  }
-
-  OutputC& out_;
-  const RecordColumns& columns_;
-  Formulas formulas_;
+  const Options& options_;
+  const std::vector<RecordFile>& files_;
+  bool hasFileColumn_;
   bool isInUTC_ = false;
+  MeasurementCounts counts_;  // of the file
   bool hasTimesAfterExpiry_ = false;
 };
 
-void WriteJson(OutputC& out, const DecodedRecord& record) {
-  JsonWriterC line(out.GetBuffer());
-  DescribeRecord(record, line);
-  line.EndLine();
-}
-
 ExitCode Run(const Options& options) {
-  RecordWalkC walk(options.file, options.output.empty());
-  OutputC out(options.output, options.file);
-  std::optional<CsvTableC> table;
-  if (options.isCsv) table.emplace(out, options);
-  const ExitCode result =
-      ForEachMeasurement(walk, options.filter, [&](const DecodedRecord& record) {
-        if (table) {
-          table->Write(record);
-        } else {
-          WriteJson(out, record);
-        }
-        out.FlushIfFull();
-      });
-  if (table) table->TellAboutLeapSeconds();
+  const std::vector<RecordFile> files = FindRecordFiles(options.files, options.output);
+  OutputC out(options.output);
+  ExportPassC pass(options, files);
+  pass.WriteHeading(out);
+  const ExitCode result = RunPass(files,
+                                  {.jobs = options.files.jobs,
+                                   .mayCut = options.filter.every == 1,
+                                   .out = &out,
+                                   .hasRows = options.output.empty()},
+                                  pass);
+  if (pass.HasTimesAfterExpiry()) TellAboutLeapSeconds();
   out.Close();
   return result;
 }
@@ -126,8 +168,8 @@ Command RecordExportCommand() {
   command.description = kDescription;
   command.footer =
       "Examples:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv\n"
-      "  surveydata record export valley_drive.rec --where \"pdop < 4 and used >= 6\"";
-  command.arguments = {FileArgument(options->file)};
+      "  surveydata record export valley_drive.rec --where \"pdop < 4 and used >= 6\"\n"
+      "  surveydata record export --recursive . --csv --columns time_gps,pdop";
   command.options = {{.names = {"--csv"},
                       .description = "CSV with a header row, quoted as RFC 4180 has it",
                       .flag = &options->isCsv},
@@ -137,6 +179,7 @@ Command RecordExportCommand() {
                                   "The file to write, - for standard output, the default", "OUT")};
   command.options[1].needs = {"--csv"};
   command.options[2].needs = {"--csv"};
+  AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;

@@ -5,26 +5,27 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include <command_line/message.h>
 #include <command_line/text.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
 #include <output/output.h>
+#include <platform/format.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/record_commands.h>
 #include <record/record_filter.h>
-#include <record/record_walk.h>
+#include <record/record_pass.h>
 
 namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "List every record of a file with time, dilutions of precision, satellites and name.\n"
+    "List every record of files with time, dilutions of precision, satellites and name.\n"
     "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no "
     "record,\n"
     "headers of measurement frames among them, and frames whose blocks do not fit. So does a file\n"
@@ -33,7 +34,7 @@ constexpr const char* kDescription =
     "the same exit code.";
 
 struct Options {
-  std::string file;
+  RecordFileOptions files;
   bool isJson = false;
   RecordFilter filter;
 };
@@ -64,7 +65,7 @@ Summary Summarise(const DecodedRecord& record) {
           record.Name()};
 }
 
-// The stretches of a file in the form that the user asked for.
+// The lines of a file in the form that the user asked for.
 class ListI {
  public:
   ListI() = default;
@@ -72,6 +73,7 @@ class ListI {
   ListI& operator=(const ListI&) = delete;
   virtual ~ListI() = default;
 
+  virtual void Heading(const RecordFile& /*file*/, bool /*isNext*/) {}
   virtual void Measurement(const DecodedRecord& record) = 0;
   virtual void Other(const SDI::GPSRecordEntry& entry) = 0;
   virtual void Gap(const SDI::GPSRecordEntry& entry) = 0;
@@ -80,10 +82,14 @@ class ListI {
 
 class TextListC : public ListI {
  public:
-  explicit TextListC(OutputC& out) : out_(out) {
-    out.Print("{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>12} {:>5} {:>5} {:>5} {:>5}  {:>9}  {}\n",
-              "offset", "kind", "length", "GPS time", "week", "time of week", "HDOP", "VDOP",
-              "TDOP", "PDOP", "used/view", "name");
+  // With the name of each file before its heading if there may be several.
+  TextListC(PieceOutputC& out, bool areMany) : out_(out), areMany_(areMany) {}
+
+  void Heading(const RecordFile& file, bool isNext) override {
+    if (areMany_) Print("{}{}\n", isNext ? "\n" : "", ToVisible(file.Title()));
+    Print("{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>12} {:>5} {:>5} {:>5} {:>5}  {:>9}  {}\n",
+          "offset", "kind", "length", "GPS time", "week", "time of week", "HDOP", "VDOP", "TDOP",
+          "PDOP", "used/view", "name");
   }
 
   void Measurement(const DecodedRecord& record) override {
@@ -99,27 +105,34 @@ class TextListC : public ListI {
         record.offset, "measurement", record.size, GpsDateTime(GpsMilliseconds(summary.time)),
         summary.time.week, summary.time.timeOfWeek / 1000.0, told(summary.hdop), told(summary.vdop),
         told(summary.tdop), told(summary.pdop), satellites, ToVisible(summary.name));
-    out_.Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
+    Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
   }
   void Other(const SDI::GPSRecordEntry& entry) override {
-    out_.Print("{:>10}  {:<11} {:>6}\n", entry.offset, fmt::format("type {}", entry.type),
-               entry.size);
+    Print("{:>10}  {:<11} {:>6}\n", entry.offset, fmt::format("type {}", entry.type), entry.size);
   }
   void Gap(const SDI::GPSRecordEntry& entry) override {
-    out_.Print("{:>10}  {:<11} {:>6}  bytes that belong to no record\n", entry.offset, "GAP",
-               entry.size);
+    Print("{:>10}  {:<11} {:>6}  bytes that belong to no record\n", entry.offset, "GAP",
+          entry.size);
   }
   void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) override {
-    out_.Print("{:>10}  {:<11} {:>6}  {}\n", offset, "BAD FRAME", size, reason);
+    Print("{:>10}  {:<11} {:>6}  {}\n", offset, "BAD FRAME", size, reason);
   }
 
  private:
-  OutputC& out_;
+  template <class... Args>
+  void Print(fmt::format_string<Args...> format, Args&&... args) {
+    Append(out_.GetBuffer(), format, std::forward<Args>(args)...);
+    out_.FlushIfFull();
+  }
+
+  PieceOutputC& out_;
+  bool areMany_;
 };
 
 class JsonListC : public ListI {
  public:
-  explicit JsonListC(OutputC& out) : out_(out) {}
+  // Each line begins with the name of the file if there is one.
+  JsonListC(PieceOutputC& out, std::string file) : out_(out), file_(std::move(file)) {}
 
   void Measurement(const DecodedRecord& record) override {
     const Summary summary = Summarise(record);
@@ -156,6 +169,7 @@ class JsonListC : public ListI {
   }
   JsonWriterC Begin(std::uint64_t offset, std::uint64_t size, std::string_view kind) {
     JsonWriterC line(out_.GetBuffer());
+    if (!file_.empty()) line.NamedField("file", file_);
     line.Field("offset", offset);
     line.Field("size", size);
     line.Field("kind", kind);
@@ -166,7 +180,8 @@ class JsonListC : public ListI {
     out_.FlushIfFull();
   }
 
-  OutputC& out_;
+  PieceOutputC& out_;
+  std::string file_;
 };
 
 // "1 gap", "2 gaps".
@@ -174,63 +189,191 @@ std::string Counted(std::uint64_t count, std::string_view thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
-ExitCode Run(const Options& options) {
-  RecordWalkC walk(options.file, true);
-  OutputC out;
-  std::unique_ptr<ListI> list;
-  if (options.isJson) {
-    list = std::make_unique<JsonListC>(out);
-  } else {
-    list = std::make_unique<TextListC>(out);
+struct Counts {
+  std::uint64_t measurements = 0, others = 0, gaps = 0, gapBytes = 0, badFrames = 0;
+
+  void Add(const Counts& more) {
+    measurements += more.measurements;
+    others += more.others;
+    gaps += more.gaps;
+    gapBytes += more.gapBytes;
+    badFrames += more.badFrames;
+  }
+};
+
+// A gap, and the damaged headers in it.
+struct Gap {
+  SDI::GPSRecordEntry entry;
+  std::vector<SDI::GPSDamagedHeader> headers;
+};
+
+// Lists gaps and bad frames. The walk gives the bad frames of a gap before the gap, the list shows
+// them after it. There may be any number: when these are full, they are shown at once.
+class FaultListC {
+ public:
+  // Without a list they are counted. `held` are those of a gap that has not ended.
+  FaultListC(ListI* list, Counts& counts, std::vector<SDI::GPSDamagedHeader>& held)
+      : list_(list), counts_(counts), held_(held) {}
+
+  void Header(const SDI::GPSDamagedHeader& header) {
+    if (held_.size() == kMostHeld) ListHeld();
+    held_.push_back(header);
+  }
+  void EndGap(const SDI::GPSRecordEntry& entry) {
+    ++counts_.gaps;
+    counts_.gapBytes += entry.size;
+    if (list_ != nullptr) list_->Gap(entry);
+    ListHeld();
+  }
+  void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) {
+    ++counts_.badFrames;
+    if (list_ != nullptr) list_->BadFrame(offset, size, reason);
   }
 
-  RecordSieveC sieve(options.filter);
-  const bool isListingAll = options.filter.TakesAll();
-  std::uint64_t measurements = 0, others = 0, gaps = 0, gapBytes = 0, badFrames = 0;
-  const auto reportBad = [&](std::uint64_t offset, std::uint64_t size, std::string_view reason) {
-    ++badFrames;
-    if (isListingAll) list->BadFrame(offset, size, reason);
-  };
-  // The walk gives the bad frames of a gap before the gap, the list shows them after it. There may
-  // be any number: when these are full, they are shown at once.
-  constexpr std::size_t kMostHeld = 10'000;
-  std::vector<SDI::GPSDamagedHeader> held;
-  const auto listHeld = [&] {
-    for (const auto& header : held) reportBad(header.offset, header.size, TextOf(header.damage));
-    held.clear();
-  };
-  walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
-    if (held.size() == kMostHeld) listHeld();
-    held.push_back(header);
-  });
-  SDI::GPSRecordEntry entry;
-  while (walk.Next(entry)) {
-    if (entry.isGap) {
-      ++gaps;
-      gapBytes += entry.size;
-      if (isListingAll) list->Gap(entry);
-      listHeld();
-    } else if (!entry.IsMeasurement()) {
-      ++others;
-      if (isListingAll) list->Other(entry);
-    } else if (const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
-               record.IsDone()) {
-      if (!sieve.Takes(record)) continue;
-      ++measurements;
-      list->Measurement(record);
-    } else {
-      reportBad(entry.offset, entry.size, "right checksum, but its blocks do not fit");
+ private:
+  static constexpr std::size_t kMostHeld = 10'000;
+
+  void ListHeld() {
+    for (const auto& header : held_) BadFrame(header.offset, header.size, TextOf(header.damage));
+    held_.clear();
+  }
+
+  ListI* list_;
+  Counts& counts_;
+  std::vector<SDI::GPSDamagedHeader>& held_;
+};
+
+// What comes of a piece. The stretches of a file cut its gaps.
+struct ListedPiece {
+  PieceOutputC output;
+  Counts counts;
+  std::optional<Gap> first;  // reaches to the piece before, or to the one after, too
+  std::optional<Gap> last;   // reaches to the piece after
+};
+
+class ListPassC : public RecordPassI<ListedPiece> {
+ public:
+  ListPassC(const Options& options, const std::vector<RecordFile>& files)
+      : options_(options), files_(files), areMany_(options.files.AreMany()) {}
+
+  void Read(RecordWalkC& walk, ListedPiece& result) const override {
+    const RecordPiece& piece = walk.GetPiece();
+    const auto list = ListOf(files_[piece.file], result.output);
+    ListI* const all = options_.filter.TakesAll() ? list.get() : nullptr;
+    std::vector<SDI::GPSDamagedHeader> held;
+    FaultListC faults(all, result.counts, held);
+    std::vector<SDI::GPSDamagedHeader> headers;  // of a gap of a stretch, which may be cut
+    walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
+      if (piece.IsWhole()) {
+        faults.Header(header);
+      } else {
+        headers.push_back(header);
+      }
+    });
+    if (piece.isFirst) list->Heading(files_[piece.file], piece.file > 0);
+    RecordSieveC sieve(options_.filter);
+    SDI::GPSRecordEntry entry;
+    while (walk.Next(entry)) {
+      if (entry.isGap) {
+        const bool isCutBefore = !piece.isFirst && entry.offset == piece.stretch.begin;
+        const bool isCutAfter = !piece.isLast && entry.offset + entry.size == piece.stretch.end;
+        if (isCutBefore) {
+          result.first = Gap{entry, std::move(headers)};
+        } else if (isCutAfter) {
+          result.last = Gap{entry, std::move(headers)};
+        } else {
+          for (const SDI::GPSDamagedHeader& header : headers) faults.Header(header);
+          faults.EndGap(entry);
+        }
+        headers.clear();
+      } else if (!entry.IsMeasurement()) {
+        ++result.counts.others;
+        if (all != nullptr) all->Other(entry);
+      } else if (const DecodedRecord record = Decode(entry.offset, walk.GetBytes());
+                 !record.IsDone()) {
+        faults.BadFrame(entry.offset, entry.size, "right checksum, but its blocks do not fit");
+      } else if (sieve.Takes(record)) {
+        ++result.counts.measurements;
+        list->Measurement(record);
+      }
     }
+    walk.SetReportDamaged(nullptr);
   }
-  if (!options.isJson) {
-    out.Print("{}, {}, {} ({}), {}\n", Counted(measurements, "measurement"),
-              Counted(others, "other record"), Counted(gaps, "gap"), Counted(gapBytes, "byte"),
-              Counted(badFrames, "bad frame"));
+
+  void Take(const RecordPiece& piece, ListedPiece& result, PieceOutputC& direct) override {
+    if (piece.isFirst) {
+      counts_ = {};
+      open_.reset();
+    }
+    if (result.first) Open(piece, *result.first, direct);
+    const bool isAllGap =
+        result.first && result.first->entry.size == piece.stretch.end - piece.stretch.begin;
+    if (!isAllGap || piece.isLast) Close(piece, direct);
+    result.output.PutTo(direct);
+    counts_.Add(result.counts);
+    if (result.last) Open(piece, *result.last, direct);
   }
+
+  ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) override {
+    if (!options_.isJson) {
+      Append(direct.GetBuffer(), "{}, {}, {} ({}), {}\n",
+             Counted(counts_.measurements, "measurement"), Counted(counts_.others, "other record"),
+             Counted(counts_.gaps, "gap"), Counted(counts_.gapBytes, "byte"),
+             Counted(counts_.badFrames, "bad frame"));
+      direct.FlushIfFull();
+    }
+    if (counts_.measurements == 0) direct.Tell(options_.filter.NoneIn(file.Title()));
+    const bool isHealthy = counts_.gaps + counts_.badFrames == 0 && counts_.measurements > 0;
+    return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
+  }
+
+ private:
+  std::unique_ptr<ListI> ListOf(const RecordFile& file, PieceOutputC& out) const {
+    if (!options_.isJson) return std::make_unique<TextListC>(out, areMany_);
+    return std::make_unique<JsonListC>(out, areMany_ ? ToUtf8(file.Title()) : std::string());
+  }
+
+  void Open(const RecordPiece& piece, const Gap& gap, PieceOutputC& direct) {
+    if (open_) {
+      open_->entry.size += gap.entry.size;
+    } else {
+      open_ = Gap{gap.entry, {}};
+    }
+    InOpen(piece, direct, [&](FaultListC& faults) {
+      for (const SDI::GPSDamagedHeader& header : gap.headers) faults.Header(header);
+    });
+  }
+  void Close(const RecordPiece& piece, PieceOutputC& direct) {
+    if (!open_) return;
+    InOpen(piece, direct, [&](FaultListC& faults) { faults.EndGap(open_->entry); });
+    open_.reset();
+  }
+  template <class Do>
+  void InOpen(const RecordPiece& piece, PieceOutputC& direct, const Do& what) {
+    const auto list = ListOf(files_[piece.file], direct);
+    FaultListC faults(options_.filter.TakesAll() ? list.get() : nullptr, counts_, open_->headers);
+    what(faults);
+  }
+
+  const Options& options_;
+  const std::vector<RecordFile>& files_;
+  bool areMany_;
+  Counts counts_;            // of the file
+  std::optional<Gap> open_;  // may go on in the next piece
+};
+
+ExitCode Run(const Options& options) {
+  const std::vector<RecordFile> files = FindRecordFiles(options.files);
+  OutputC out;
+  ListPassC pass(options, files);
+  const ExitCode result = RunPass(files,
+                                  {.jobs = options.files.jobs,
+                                   .mayCut = options.filter.every == 1,
+                                   .out = &out,
+                                   .hasRows = true},
+                                  pass);
   out.Close();
-  if (measurements == 0) Tell(options.filter.NoneIn(walk.GetName()));
-  const bool isHealthy = gaps + badFrames == 0 && measurements > 0;
-  return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
+  return result;
 }
 
 }  // namespace
@@ -243,10 +386,10 @@ Command RecordListCommand() {
   command.footer =
       "Times are GPS times, without leap seconds.\n\n"
       "Example:\n  surveydata record list valley_drive.rec";
-  command.arguments = {FileArgument(options->file)};
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object per line",
                       .flag = &options->isJson}};
+  AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -14,19 +15,20 @@
 #include <record/each_measurement.h>
 #include <record/record_commands.h>
 #include <record/record_filter.h>
-#include <record/record_walk.h>
+#include <record/record_pass.h>
 #include <record/satellite_series.h>
 
 namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Draw dilutions of precision and satellites over time as an SVG picture. Lines are broken\n"
+    "Draw dilutions of precision and satellites over time as an SVG picture, one for all files. "
+    "Lines are broken\n"
     "where time steps by more than three times the median step. Bad frames are left out, counted\n"
     "on standard error, and give the exit code 1, as in export.";
 
 struct Options {
-  std::string file;
+  RecordFileOptions files;
   PictureOutput output;
   RecordFilter filter;
 };
@@ -38,11 +40,11 @@ std::string Moment(double seconds) {
   return GpsDate(milliseconds) + ' ' + GpsTimeOfDay(milliseconds);
 }
 
-Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
+Chart ToChart(const SatelliteSeriesC& series, const std::string& title) {
   const double first = series.GetFirstTime();
   const double last = series.GetLastTime();
   // Colours that people with any colour vision tell apart, in shades that differ as well.
-  return {.title = IsStandardInput(file) ? "standard input" : ToPath(file).filename().string(),
+  return {.title = title,
           .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),
                                   Moment(first), Moment(last)),
           .timeLabel =
@@ -60,15 +62,68 @@ Chart ToChart(const SatelliteSeriesC& series, const std::string& file) {
                        {"used", "#0072b2", 1.6, series.GetRuns(SatelliteSeriesC::kUsed)}}}}};
 }
 
+std::string TitleOf(const std::vector<RecordFile>& files) {
+  if (files.size() > 1) return fmt::format("{} files", files.size());
+  const std::string& name = files.front().name;
+  return IsStandardInput(name) ? files.front().Title() : ToPath(name).filename().string();
+}
+
+// What comes of a piece.
+struct Samples {
+  PieceOutputC output;
+  MeasurementCounts counts;
+  std::vector<SatelliteSeriesC::Sample> samples;  // that are kept with the output
+};
+
+class PlotPassC : public RecordPassI<Samples> {
+ public:
+  PlotPassC(const Options& options, const std::vector<RecordFile>& files)
+      : options_(options), files_(files) {}
+
+  void Read(RecordWalkC& walk, Samples& result) const override {
+    result.counts =
+        ForEachMeasurement(walk, options_.filter, result.output,
+                           Prefix(files_[walk.GetPiece().file]), [&](const DecodedRecord& record) {
+                             const auto sample = SatelliteSeriesC::ToSample(record);
+                             if (result.output.IsKept()) {
+                               result.samples.push_back(sample);
+                             } else {
+                               series_.Add(sample);
+                             }
+                           });
+  }
+  void Take(const RecordPiece& piece, Samples& result, PieceOutputC& direct) override {
+    result.output.PutTo(direct);
+    for (const SatelliteSeriesC::Sample& sample : result.samples) series_.Add(sample);
+    if (piece.isFirst) counts_ = {};
+    counts_.Add(result.counts);
+  }
+  ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) override {
+    return TellAbout(counts_, options_.filter, file, Prefix(file), direct);
+  }
+
+  const SatelliteSeriesC& GetSeries() const { return series_; }
+
+ private:
+  std::string Prefix(const RecordFile& file) const {
+    return options_.files.AreMany() ? file.Title() + ": " : std::string();
+  }
+
+  const Options& options_;
+  const std::vector<RecordFile>& files_;
+  MeasurementCounts counts_;         // of the file
+  mutable SatelliteSeriesC series_;  // changed by `Read` only when one thread reads everything
+};
+
 ExitCode Run(const Options& options) {
-  options.output.Require(options.file);
-  SatelliteSeriesC series;
-  RecordWalkC walk(options.file);
-  const ExitCode result = ForEachMeasurement(
-      walk, options.filter, [&](const DecodedRecord& record) { series.Add(record); });
-  if (series.GetRecordCount() == 0) return result;
-  const std::string svg = DrawChart(ToChart(series, options.file));
-  OutputC out(options.output.file, options.file);
+  for (const std::string& name : options.files.names) options.output.Require(name);
+  const std::vector<RecordFile> files = FindRecordFiles(options.files, options.output.file);
+  PlotPassC pass(options, files);
+  const ExitCode result =
+      RunPass(files, {.jobs = options.files.jobs, .mayCut = options.filter.every == 1}, pass);
+  if (pass.GetSeries().GetRecordCount() == 0) return result;
+  const std::string svg = DrawChart(ToChart(pass.GetSeries(), TitleOf(files)));
+  OutputC out(options.output.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();
   return result;
@@ -82,8 +137,8 @@ Command RecordPlotCommand() {
   command.name = "plot";
   command.description = kDescription;
   command.footer = "Example:\n  surveydata record plot valley_drive.rec -o valley_drive.svg";
-  command.arguments = {FileArgument(options->file)};
   command.options = {PictureOption(options->output)};
+  AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;

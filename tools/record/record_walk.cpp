@@ -1,15 +1,31 @@
+#include <fmt/format.h>
+
+#include <platform/file_error.h>
 #include <record/record_input.h>
 #include <record/record_walk.h>
 
 namespace Tool {
 
-RecordWalkC::RecordWalkC(const std::string& file, bool hasRows)
-    : input_(file), reader_(ReadRecords(input_)), progress_(input_.GetSize(), hasRows) {}
+RecordWalkC::RecordWalkC(const RecordFile& file, const RecordPiece& piece,
+                         std::function<void(std::uint64_t)> reportProgress)
+    : piece_(piece),
+      input_(piece.IsWhole() && file.opened ? file.opened
+                                            : std::make_shared<InputFileC>(file.name)),
+      reader_(ReadRecords(*input_, piece.stretch)) {
+  if (!piece.IsWhole() && input_->GetSize() != file.size) {
+    throw FileErrorC(fmt::format("cannot read {}: it has been changed meanwhile", file.name));
+  }
+  reader_.SetReportProgress(
+      [last = piece.stretch.begin, report = std::move(reportProgress)](std::uint64_t at) mutable {
+        if (at <= last) return;  // it looks back from its stretch
+        report(at - last);
+        last = at;
+      });
+}
 
 bool RecordWalkC::Next(SDI::GPSRecordEntry& entry) {
   const bool isFound = reader_.NextEntry(entry);
-  if (reader_.GetState() != SDI::GPSReaderState::kOpen) input_.Fail();
-  if (isFound) progress_.Update(entry.offset);
+  if (reader_.GetState() != SDI::GPSReaderState::kOpen) input_->Fail();
   return isFound;
 }
 

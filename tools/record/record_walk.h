@@ -2,40 +2,39 @@
 #define SURVEYDATA_TOOLS_RECORD_RECORD_WALK_H_
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <span>
-#include <string>
 #include <utility>
 
 #include <surveydata/gnss/gps_record_reader.h>
 
-#include <command_line/progress.h>
 #include <platform/input_file.h>
+#include <record/record_files.h>
 
 namespace Tool {
 
-/// Walks a record file, a pipe or standard input with a progress bar. Throws `FileErrorC` where it
-/// cannot be read.
+/// Walks a piece of a record file, a pipe or standard input. Throws `FileErrorC` where it cannot be
+/// read, and when a file that is read in stretches has another size than at first.
 class RecordWalkC {
  public:
-  /// `hasRows`: as in `ProgressC`.
-  explicit RecordWalkC(const std::string& file, bool hasRows = false);
+  /// Calls `reportProgress` about every mebibyte, with the bytes since the last call.
+  RecordWalkC(const RecordFile& file, const RecordPiece& piece,
+              std::function<void(std::uint64_t)> reportProgress);
 
-  /// For messages.
-  const std::string& GetName() const { return input_.GetName(); }
+  const RecordPiece& GetPiece() const { return piece_; }
   /// As in `GPSRecordReaderC`: before the record that ends a gap, or the gap, is given.
   void SetReportDamaged(SDI::GPSRecordReaderC::ReportDamaged report) {
     reader_.SetReportDamaged(std::move(report));
   }
   bool Next(SDI::GPSRecordEntry& entry);
-  /// Before a message.
-  void HideProgress() { progress_.Wipe(); }
   /// The bytes of the record that `Next` gave last.
   std::span<const std::uint8_t> GetBytes() const { return reader_.GetBytes(); }
 
  private:
-  InputFileC input_;
+  RecordPiece piece_;
+  std::shared_ptr<InputFileC> input_;
   SDI::GPSRecordReaderC reader_;
-  ProgressC progress_;
 };
 
 }  // namespace Tool

@@ -13,25 +13,30 @@ constexpr std::int64_t kGapSteps = 3;
 
 }  // namespace
 
-void SatelliteSeriesC::Add(const DecodedRecord& record) {
+SatelliteSeriesC::Sample SatelliteSeriesC::ToSample(const DecodedRecord& record) {
   using ImplC = SDI::GPSMeasDataImplC;
   const ImplC& measurement = record.measurement;
-  const std::int64_t time = GpsMilliseconds(measurement.GetTimeA());
-  Group group{time, time, {}};
-  const auto set = [&group, time](Value value, double number) {
-    if (number < 0) return;  // not available
-    const auto single = static_cast<float>(number);
-    group.values[value] = {single, single, time, time, time, time, false};
-  };
+  Sample sample{.time = GpsMilliseconds(measurement.GetTimeA())};
+  sample.values.fill(-1);
   if ((measurement.GetSetMask() & ImplC::kHasDOPs) != 0) {
     const SDI::GPSDOPsImplC& dops = measurement.GetDOPs();
-    set(kHDOP, dops.GetHDOP());
-    set(kVDOP, dops.GetVDOP());
-    set(kPDOP, dops.GetPDOP());
+    sample.values[kHDOP] = static_cast<float>(dops.GetHDOP());
+    sample.values[kVDOP] = static_cast<float>(dops.GetVDOP());
+    sample.values[kPDOP] = static_cast<float>(dops.GetPDOP());
   }
   if (const OptionalPair pair = AskPair(measurement, &ImplC::GetTotalPair)) {
-    set(kInView, (*pair)[0]);
-    set(kUsed, (*pair)[1]);
+    sample.values[kInView] = (*pair)[0];
+    sample.values[kUsed] = (*pair)[1];
+  }
+  return sample;
+}
+
+void SatelliteSeriesC::Add(const Sample& sample) {
+  const std::int64_t time = sample.time;
+  Group group{time, time, {}};
+  for (std::size_t i = 0; i < kValueCount; ++i) {
+    const float value = sample.values[i];
+    if (value >= 0) group.values[i] = {value, value, time, time, time, time, false};
   }
   groups_.push_back(group);
   ++records_;

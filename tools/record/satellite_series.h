@@ -18,7 +18,15 @@ class SatelliteSeriesC {
  public:
   enum Value : std::size_t { kHDOP, kVDOP, kPDOP, kUsed, kInView, kValueCount };
 
-  void Add(const DecodedRecord& record);
+  /// What a picture needs of a record.
+  struct Sample {
+    std::int64_t time = 0;                       ///< Of time A, in milliseconds of GPS time.
+    std::array<float, kValueCount> values = {};  ///< Negative when not available.
+  };
+  static Sample ToSample(const DecodedRecord& record);
+
+  void Add(const Sample& sample);
+  void Add(const DecodedRecord& record) { Add(ToSample(record)); }
 
   std::uint64_t GetRecordCount() const { return records_; }
   /// Seconds from the start of GPS time. There is at least one record.

@@ -194,9 +194,10 @@ const std::vector<Question>& Questions() {
       {{"record", ""}, {"list", "show", "export", "columns", "set", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
       {{"record", "list", "--"},
-       {"--help", "--json", "--from", "--to", "--name", "--where", "--every"}},
+       {"--help", "--json", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
+        "--every"}},
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
-      {{"record", "list", "area", "--j"}, {"--json"}},  // a file with the name of a command
+      {{"record", "list", "area", "--js"}, {"--json"}},  // a file with the name of a command
       {{"record", "set", "--name", "list", "--num"}, {"--number"}},
       {{"area", "contains", "a.json", "--"},
        {"--help", "--csv", "--columns", "--separator", "--no-header", "--format", "--json",
@@ -206,6 +207,7 @@ const std::vector<Question>& Questions() {
       {{"area", "info", ""}, {"a.json", "folder"}, true},
       {{"area", "outline", "--default-distance", "7", ""}, {"a.json", "folder"}, true},
       {{"record", "list", "c"}, {"c.rec"}, true},
+      {{"record", "list", "a.json", "b.svg", "c"}, {"c.rec"}, true},
       {{"record", "plot", "c.rec", "--output", ""}, {"b.svg", "folder"}, true},
       {{"record", "plot", "c.rec", "-o", ""}, {"b.svg", "folder"}, true},
       {{"record", "export", "-o", "c"}, {"c.rec"}, true},
@@ -271,9 +273,8 @@ TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
   EXPECT_EQ(ask({"record", "plot", "--output", "=", "b.svg", "c"}),
             (std::set<std::string>{"c.rec"}));
   EXPECT_EQ(ask({"--v"}), (std::set<std::string>{"--version"}));
-  EXPECT_EQ(ask({"record", "list", "c.rec", ""}),
-            (std::set<std::string>{"-h", "--help", "--json", "--from", "--to", "--name", "--where",
-                                   "--every"}));
+  EXPECT_EQ(ask({"record", "columns", "c.rec", ""}),
+            (std::set<std::string>{"-h", "--help", "--json"}));
 }
 
 TEST_F(ZshCompletion, OffersCommandsOptionsAndFiles) {

@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include <command_line/exit_code.h>
+#include <command_line/text.h>
+#include <platform/file_error.h>
+#include <platform/input_file.h>
+#include <platform/platform.h>
+#include <record/record_files.h>
+
+namespace Tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The walk looks back 128 KiB, which takes little time beside decoding and writing; what is written
+// of it, some five times as much, fits in memory several times.
+constexpr std::uint64_t kStretch = std::uint64_t{1} << 20;
+
+bool IsFolder(const std::string& name) {
+  std::error_code ignored;
+  return !IsStandardInput(name) && fs::is_directory(ToPath(name), ignored);
+}
+
+std::string ToName(const fs::path& path) {
+  const std::u8string name = path.u8string();
+  return {name.begin(), name.end()};
+}
+
+bool IsRecordFile(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  std::string extension = ToName(entry.path().extension());
+  std::ranges::transform(extension, extension.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension == ".rec" && entry.is_regular_file(ignored);
+}
+
+template <class Iterator>
+std::vector<std::string> RecordFilesOf(const std::string& folder, Iterator entries) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (; entries != Iterator(); entries.increment(error)) {
+    if (error) break;
+    if (IsRecordFile(*entries)) names.push_back(ToName(entries->path()));
+  }
+  if (error) {
+    throw ToolErrorC(ExitCode::kFileError,
+                     fmt::format("cannot read {}: {}", folder, error.message()));
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+std::vector<std::string> FilesOfFolder(const std::string& folder, bool isRecursive) {
+  const fs::path path = ToPath(folder);
+  const std::vector<std::string> names =
+      isRecursive ? RecordFilesOf(folder, fs::recursive_directory_iterator(path))
+                  : RecordFilesOf(folder, fs::directory_iterator(path));
+  if (names.empty()) {
+    throw ToolErrorC(ExitCode::kFileError,
+                     fmt::format("cannot read {}: it is a folder without a file *.rec{}", folder,
+                                 isRecursive ? "" : "; --recursive looks into those below"));
+  }
+  return names;
+}
+
+RecordFile Look(const std::string& name) {
+  RecordFile file{.name = name};
+  std::error_code error;
+  // A pipe is opened once, when its turn comes.
+  const bool isThere = IsStandardInput(name) || fs::exists(fs::status(ToPath(name), error));
+  if (isThere && !IsStandardInput(name) && !fs::is_regular_file(ToPath(name), error)) return file;
+  try {
+    file.opened = std::make_shared<InputFileC>(name);
+    // Standard input has one position, and is read by one reader.
+    if (!IsStandardInput(name)) file.size = file.opened->GetSize();
+  } catch (const FileErrorC& fault) {
+    file.fault = fault.what();
+  }
+  return file;
+}
+
+unsigned ParseJobs(const std::string& text) {
+  const auto jobs = ToNumber<unsigned>(text);
+  if (!jobs || *jobs == 0 || *jobs > 1024) throw ValueErrorC("not a whole number from 1 to 1024");
+  return *jobs;
+}
+
+}  // namespace
+
+bool RecordFileOptions::AreMany() const {
+  return names.size() > 1 || std::ranges::any_of(names, IsFolder);
+}
+
+std::string RecordFile::Title() const { return IsStandardInput(name) ? "standard input" : name; }
+
+void AddFileOptions(Command& command, RecordFileOptions& options) {
+  command.arguments.push_back(
+      {.names = {"FILE"},
+       .value = "TEXT",
+       .description = "Record files, - for standard input, and folders, of which the files *.rec "
+                      "are read",
+       .take =
+           [&options](const std::string& name) {
+             if (IsStandardInput(name) && std::ranges::any_of(options.names, IsStandardInput)) {
+               throw ValueErrorC("standard input is read once");
+             }
+             options.names.push_back(name);
+           },
+       .isRequired = true,
+       .isRepeatable = true});
+  command.options.push_back({.names = {"-r", "--recursive"},
+                             .description = "Read the folders below a folder, too",
+                             .flag = &options.isRecursive});
+  command.options.push_back(
+      {.names = {"-j", "--jobs"},
+       .value = "N",
+       .description = "Work in N threads, as many as there are processors by default: the output "
+                      "is the same",
+       .take = [&options](const std::string& text) { options.jobs = ParseJobs(text); }});
+}
+
+std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
+                                        const std::string& output) {
+  std::vector<RecordFile> files;
+  for (const std::string& name : options.names) {
+    if (!IsFolder(name)) {
+      files.push_back(Look(name));
+      if (options.AreMany()) files.back().opened.reset();  // there may be more than can be open
+      continue;
+    }
+    for (const std::string& below : FilesOfFolder(name, options.isRecursive)) {
+      files.push_back(Look(below));
+      files.back().opened.reset();
+    }
+  }
+  if (!options.AreMany() && !files.front().fault.empty()) {
+    throw ToolErrorC(ExitCode::kFileError, files.front().fault);
+  }
+  for (const RecordFile& file : files) {
+    if (!output.empty() && IsSameRegularFile(output, file.name)) {
+      throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is the input itself", output));
+    }
+  }
+  return files;
+}
+
+std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, bool inStretches) {
+  std::vector<RecordPiece> pieces;
+  for (std::size_t file = 0; file < files.size(); ++file) {
+    const std::uint64_t size = files[file].size;
+    if (!inStretches || size <= kStretch) {
+      pieces.push_back({.file = file});
+      continue;
+    }
+    for (std::uint64_t begin = 0; begin < size; begin += kStretch) {
+      const bool isLast = size - begin <= kStretch;
+      pieces.push_back({file, {begin, isLast ? size : begin + kStretch}, begin == 0, isLast});
+    }
+  }
+  return pieces;
+}
+
+}  // namespace Tool

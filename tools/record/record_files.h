@@ -1,0 +1,67 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_RECORD_FILES_H_
+#define SURVEYDATA_TOOLS_RECORD_RECORD_FILES_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <surveydata/gnss/gps_record_reader.h>
+
+#include <command_line/command.h>
+#include <platform/input_file.h>
+
+namespace Tool {
+
+/// The files that a command is to read, as the user gave them.
+struct RecordFileOptions {
+  std::vector<std::string> names;  ///< Of files and folders.
+  bool isRecursive = false;
+  unsigned jobs = 0;  ///< 0: one for each processor.
+
+  /// Whether these can be more than one file: several names, or a folder. Tables then have a column
+  /// with the file.
+  bool AreMany() const;
+};
+
+/// Gives a command the argument FILE..., --recursive and --jobs. `options` must outlive the
+/// parsing.
+void AddFileOptions(Command& command, RecordFileOptions& options);
+
+/// A file to read.
+struct RecordFile {
+  std::string name;
+  std::uint64_t size = 0;  ///< 0 when it is not known, and then it is not cut.
+  std::string fault = {};  ///< Why it cannot be read; empty if it can.
+
+  /// The only file of a command, which is opened once if it is read as a whole; else null.
+  std::shared_ptr<InputFileC> opened = {};
+
+  /// For messages: "standard input" for "-".
+  std::string Title() const;
+};
+
+/// The files, and the files of folders whose names end in .rec, in the order of their paths; with
+/// --recursive also those of folders below, but not through symbolic links.
+///
+/// \throw ToolErrorC  when the only file cannot be read, a folder holds none, or one of them is
+///                    `output`
+std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
+                                        const std::string& output = {});
+
+/// A file, or a stretch of it.
+struct RecordPiece {
+  std::size_t file = 0;  ///< The place of its file among the files.
+  SDI::GPSRecordStretch stretch = {};
+  bool isFirst = true;  ///< Of its file.
+  bool isLast = true;
+
+  bool IsWhole() const { return isFirst && isLast; }
+};
+
+/// The pieces of the files in their order: each file as a whole, or in stretches of a mebibyte.
+std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, bool inStretches);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_RECORD_FILES_H_

@@ -1,0 +1,122 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_RECORD_PASS_H_
+#define SURVEYDATA_TOOLS_RECORD_RECORD_PASS_H_
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <command_line/exit_code.h>
+#include <command_line/progress.h>
+#include <output/output.h>
+#include <platform/file_error.h>
+#include <record/ordered_jobs.h>
+#include <record/piece_output.h>
+#include <record/record_files.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+
+/// What a command does with the pieces of its files. `Result` is what it finds in a piece; its
+/// member `output` has the lines and messages of the piece.
+template <class Result>
+class RecordPassI {
+ public:
+  RecordPassI() = default;
+  RecordPassI(const RecordPassI&) = delete;
+  RecordPassI& operator=(const RecordPassI&) = delete;
+  virtual ~RecordPassI() = default;
+
+  /// Reads a piece. Called in any order, from several threads at once.
+  virtual void Read(RecordWalkC& walk, Result& result) const = 0;
+  /// Takes the results in the order of the pieces. The output of a piece is still to be put to
+  /// `direct`. After the end of a file that cannot be read the first piece of the next one comes.
+  virtual void Take(const RecordPiece& piece, Result& result, PieceOutputC& direct) = 0;
+  /// After the last piece of a file. `kFinding` when there is something wrong with it.
+  virtual ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) = 0;
+};
+
+struct PassOptions {
+  unsigned jobs = 0;       ///< 0: one for each processor.
+  bool mayCut = true;      ///< Whether files may be read in stretches.
+  OutputC* out = nullptr;  ///< Null when nothing is written meanwhile.
+  bool hasRows = false;    ///< As in `ProgressC`.
+};
+
+/// Reads all files, with a progress bar, and gives the worst exit code of one of them. A file that
+/// cannot be read is told about, and the others are read all the same. What is written does not
+/// depend on the number of jobs. The memory that it takes depends on
+/// their number, not on the size of the files.
+template <class Result>
+ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& options,
+                 RecordPassI<Result>& pass) {
+  const unsigned jobs =
+      options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+  const std::vector<RecordPiece> pieces = CutIntoPieces(files, options.mayCut && jobs > 1);
+  std::uint64_t total = 0;
+  for (const RecordFile& file : files) total += file.size;
+  ProgressC progress(total, options.hasRows);
+  std::atomic<std::uint64_t> done = 0;
+  PieceOutputC direct(options.out, progress);
+
+  ExitCode worst = ExitCode::kDone;
+  std::optional<std::size_t> failed;  // the last file that cannot be read
+  const auto take = [&](const RecordPiece& piece, Result& result, const std::string& fault) {
+    if (failed == piece.file) return;
+    pass.Take(piece, result, direct);
+    if (!fault.empty()) {
+      direct.Tell(fault);
+      failed = piece.file;
+      worst = std::max(worst, ExitCode::kFileError);
+    } else if (piece.isLast) {
+      worst = std::max(worst, pass.EndFile(files[piece.file], direct));
+    }
+  };
+  // The answer is why the piece cannot be read.
+  const auto read = [&](const RecordPiece& piece, Result& result, const auto& report) {
+    const RecordFile& file = files[piece.file];
+    if (!file.fault.empty()) return file.fault;
+    try {
+      RecordWalkC walk(file, piece, report);
+      pass.Read(walk, result);
+    } catch (const FileErrorC& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+
+  const unsigned threads = static_cast<unsigned>(std::min<std::size_t>(jobs, pieces.size()));
+  if (threads == 1) {
+    const auto report = [&](std::uint64_t bytes) { progress.Update(done += bytes); };
+    for (const RecordPiece& piece : pieces) {
+      Result result;
+      result.output = PieceOutputC(options.out, progress);
+      const std::string fault = read(piece, result, report);
+      take(piece, result, fault);
+    }
+    return worst;
+  }
+
+  struct Kept {
+    Result result;
+    std::string fault;
+  };
+  OrderedJobsC<Kept> work(pieces.size(), threads, [&](std::size_t i) {
+    Kept kept;
+    kept.fault = read(pieces[i], kept.result, [&](std::uint64_t bytes) { done += bytes; });
+    return kept;
+  });
+  for (const RecordPiece& piece : pieces) {
+    Kept kept = work.Take([&] { progress.Update(done); });
+    take(piece, kept.result, kept.fault);
+  }
+  return worst;
+}
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_RECORD_PASS_H_
