@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -31,8 +32,11 @@ constexpr double kTurns[] = {0.0, TWO_PI};
 
 bool IsInTurn(double x) { return x >= 0.0 && x <= TWO_PI; }
 
+// Whether both are in [0, 2 pi]; false for -0.0. Doubles that are not negative have the order of
+// their bits, and the bits of all others, NaN included, are greater.
 bool AreInTurn(double hz, double v) {
-  return (hz >= 0.0) & (hz <= TWO_PI) & (v >= 0.0) & (v <= TWO_PI);
+  return std::max(std::bit_cast<std::uint64_t>(hz), std::bit_cast<std::uint64_t>(v)) <=
+         std::bit_cast<std::uint64_t>(TWO_PI);
 }
 
 // For a in (-2 pi, 2 pi] what `NormalizeAngle` returns, without a branch that depends on a.
@@ -174,7 +178,10 @@ void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<c
     std::uint32_t bits = DecidedRasterC::kUndecidedBit;
     if (AreInTurn(hz[i], v[i])) bits = raster_->FindBits(hz[i], v[i]);
     verdicts[i] = static_cast<std::uint8_t>(bits);
-    inside[i] = bits == static_cast<std::uint32_t>(Verdict::kInside);
+  }
+  // In a loop of its own, which the compiler vectorizes.
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    inside[i] = verdicts[i] == static_cast<std::uint8_t>(Verdict::kInside);
   }
   // Eight at a time, most of which are decided.
   constexpr std::uint64_t kAnyUndecided = 0x0101010101010101U * DecidedRasterC::kUndecidedBit;
