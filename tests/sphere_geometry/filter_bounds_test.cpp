@@ -221,6 +221,51 @@ TEST_F(FilterBounds, SidesOfArcs) {
   Expect("needed of kListingMargin", kRoundingMargin, leastListed);
 }
 
+// Arcs as steep as a list in order has them. The error of t, and a direction that is just clear of
+// its neighbour on the list: the arc beyond the neighbour, there as near as can be and off by the
+// most that it may be, still has its crossing on the same side. Measured: what the comparison
+// needs, of the smallest difference.
+TEST_F(FilterBounds, ArcsInOrder) {
+  constexpr double kSteepest = kOrderError / kCurveError;
+  double used = 0.0;
+  double least = 1.0;
+  int nearlySteepest = 0;
+  for (int i = 0; i < 40'000; ++i) {
+    const AnglePointC p{Uniform(0.0, TWO_PI - 0.1), Uniform(0.01, 3.13)};
+    const AnglePointC q{p.Hz + Scaled(1e-5, 1e-2), Uniform(0.01, 3.13)};
+    Arc arc;
+    if (!MakeArc(p, q, arc)) continue;
+    const double scale = std::fabs(arc.a) + std::fabs(arc.b);
+    const double error = kCurveError * scale;  // the test that an edge must pass
+    if (error > kOrderError) continue;
+    nearlySteepest += scale > kSteepest / 2.0;
+    const double h = Uniform(p.Hz, q.Hz);
+    const CosSin quick = QuickCosSin(h);
+    const double ofFilter = arc.a * quick.cosine + arc.b * quick.sine;
+    const double across = arc.normal.X() * std::cos(h) + arc.normal.Y() * std::sin(h);
+    const Exact t =
+        -(Exact(arc.normal.X()) * cos(Exact(h)) + Exact(arc.normal.Y()) * sin(Exact(h))) /
+        Exact(arc.normal.Z());
+    const Exact off = abs(Exact(ofFilter) - t) + abs(Exact(-across) / Exact(arc.normal.Z()) - t);
+    used = std::max(used, off.convert_to<double>());
+
+    const double side = OneIn(2) ? 1.0 : -1.0;
+    const double margin =
+        InTangent(kDirectionMargin, ofFilter) + error * (1.0 + ofFilter * ofFilter);
+    const double v = std::atan2(1.0, ofFilter - side * margin * Uniform(1.0, 1.001));
+    const CosSin at = QuickCosSin(v);
+    const double gap = ofFilter * at.sine - at.cosine;
+    if (!(std::fabs(gap) * at.sine > kDirectionMargin + error)) continue;
+    const Exact beyond = t - side * Exact(kOrderError);
+    const Exact apart = side * (Exact(v) - atan2(Exact(1), beyond));
+    least = std::min(least, apart.convert_to<double>());
+  }
+  EXPECT_GT(nearlySteepest, 300);
+  Expect("kOrderError", used, kOrderError);
+  ASSERT_GT(least, 0.0) << "the arc beyond is on the other side";
+  Expect("needed beside kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
+}
+
 // Two crossings on arcs as steep as there are, apart by the least that the filter calls apart.
 TEST_F(FilterBounds, CrossingsApart) {
   double least = 1.0;

@@ -27,6 +27,7 @@ struct SolidAngle {
 
 /// The solid angle of the directions that the library calls inside, but for the boundary band: by
 /// formula, for polygons from their arcs.
+/// \cost for a polygon that of `IntegratePolygon`.
 SolidAngle MeasureSolidAngle(const AreaFile& file, const AreaBounds& bounds);
 
 struct DirectionCount {
