@@ -79,6 +79,27 @@ TEST(PreparedSphereArea, DirectionsAreWrappedFirst) {
   }
 }
 
+// A block of a batch takes the fast path for doubles in [0, 2 pi] alone; here each kind has both
+// its neighbours in the block.
+TEST(PreparedSphereArea, ABatchAnswersAnyDouble) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const double values[] = {
+      0.0,          -0.0,       1.5,          -1.5,         TWO_PI, std::nextafter(TWO_PI, 7.0),
+      1.5 + TWO_PI, -5e-324,    5e-324,       100.0,        101.0,  -1e300,
+      kInfinity,    -kInfinity, std::nan(""), -std::nan("")};
+  std::vector<AnglePointC> probes;
+  for (const double hz : values) {
+    for (const double v : values) {
+      probes.push_back({hz, v});
+      probes.push_back({1.5, 1.5});
+    }
+  }
+  ExpectSameAnswers(MakeArea(kSquare), probes);
+  // It contains Hz 0, and the zenith.
+  ExpectSameAnswers(MakeArea({{6.0, 1.0}, {1.0, 1.0}, {1.0, 2.0}, {6.0, 2.0}}), probes);
+  ExpectSameAnswers(MakeArea({{0.0, 1.0}, {2.0, 1.0}, {4.0, 1.2}}), probes);
+}
+
 TEST(PreparedSphereArea, HzAtTheEndsOfTheTurn) {
   // The frame begins at Hz 0, or just before it.
   for (const double begin : {0.0, 1e-12, 1e-9, TWO_PI - 1e-12, 6.0}) {

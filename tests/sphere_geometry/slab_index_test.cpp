@@ -170,7 +170,6 @@ TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
   EXPECT_GT(merged, 50);
 }
 
-// Non-adjacent edges that cross, as those of a ring around the zenith may.
 // The same of edges that lead through columns, on a list in order.
 TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   std::vector<AnglePointC> points;
@@ -232,6 +231,7 @@ TEST(SlabIndex, DecidesACombAtAnAngle) {
   EXPECT_GT(inside, kProbes / 4);
 }
 
+// Non-adjacent edges that cross, as those of a ring around the zenith may.
 TEST(SlabIndex, LeavesTheHzOfACrossingOfEdgesToTheRules) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 8; ++i) points.push_back({TWO_PI * i / 8, 1.5});
