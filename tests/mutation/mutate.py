@@ -140,6 +140,8 @@ TESTS = {
     "surveydata/scanning/explain_direction": ["area_explanation_test"],
     "surveydata/sphere_geometry/boundary_distance": ["boundary_distance_test",
                                                      "area_explanation_test"],
+    "surveydata/sphere_geometry/close_crossings": ["close_crossings_test", "slab_index_test",
+                                                   "prepared_area_long_run 1000000 20260101 80"],
     "surveydata/sphere_geometry/column_order": ["column_order_test", "slab_index_test",
                                                 "prepared_area_long_run 1000000 20260101 80"],
     "surveydata/sphere_geometry/edge_sweep": ["side_of_line_test", "ring_crossings_test"],
