@@ -127,7 +127,8 @@ Command RecordColumnsCommand() {
   command.name = "columns";
   command.description = kDescription;
   command.footer =
-      "Example:\n  surveydata record export valley_drive.rec --csv --columns time_utc,hdop,vdop";
+      "surveydata record export --csv --columns chooses some of them.\n\n"
+      "Example:\n  surveydata record columns";
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object per column",
                       .flag = isJson.get()}};

@@ -44,10 +44,11 @@ CommandOption OffsetOption(FrameOffset& offset) {
 Command RecordCommands() {
   Command command;
   command.name = "record";
-  command.description = "Inspect, export, patch and draw record files";
+  command.description = "Inspect, check, export, patch and draw record files";
   command.footer = "Example:\n  surveydata record list --help";
-  command.commands = {RecordListCommand(),    RecordShowCommand(), RecordExportCommand(),
-                      RecordColumnsCommand(), RecordSetCommand(),  RecordPlotCommand()};
+  command.commands = {RecordListCommand(),    RecordShowCommand(),  RecordExportCommand(),
+                      RecordColumnsCommand(), RecordCheckCommand(), RecordSetCommand(),
+                      RecordPlotCommand()};
   return command;
 }
 

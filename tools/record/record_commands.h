@@ -22,6 +22,7 @@ Command RecordListCommand();
 Command RecordShowCommand();
 Command RecordExportCommand();
 Command RecordColumnsCommand();
+Command RecordCheckCommand();
 Command RecordSetCommand();
 Command RecordPlotCommand();
 

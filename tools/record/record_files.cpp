@@ -17,10 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The walk looks back 128 KiB, which takes little time beside decoding and writing; what is written
-// of it, some five times as much, fits in memory several times.
-constexpr std::uint64_t kStretch = std::uint64_t{1} << 20;
-
 bool IsFolder(const std::string& name) {
   std::error_code ignored;
   return !IsStandardInput(name) && fs::is_directory(ToPath(name), ignored);
@@ -149,17 +145,18 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
   return files;
 }
 
-std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, bool inStretches) {
+std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files,
+                                       std::uint64_t stretch) {
   std::vector<RecordPiece> pieces;
   for (std::size_t file = 0; file < files.size(); ++file) {
     const std::uint64_t size = files[file].size;
-    if (!inStretches || size <= kStretch) {
+    if (stretch == 0 || size <= stretch) {
       pieces.push_back({.file = file});
       continue;
     }
-    for (std::uint64_t begin = 0; begin < size; begin += kStretch) {
-      const bool isLast = size - begin <= kStretch;
-      pieces.push_back({file, {begin, isLast ? size : begin + kStretch}, begin == 0, isLast});
+    for (std::uint64_t begin = 0; begin < size; begin += stretch) {
+      const bool isLast = size - begin <= stretch;
+      pieces.push_back({file, {begin, isLast ? size : begin + stretch}, begin == 0, isLast});
     }
   }
   return pieces;

@@ -59,8 +59,9 @@ struct RecordPiece {
   bool IsWhole() const { return isFirst && isLast; }
 };
 
-/// The pieces of the files in their order: each file as a whole, or in stretches of a mebibyte.
-std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, bool inStretches);
+/// The pieces of the files in their order: each file in stretches of this size, or, for 0, as a
+/// whole.
+std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, std::uint64_t stretch);
 
 }  // namespace Tool
 

@@ -38,13 +38,19 @@ class RecordPassI {
   virtual void Take(const RecordPiece& piece, Result& result, PieceOutputC& direct) = 0;
   /// After the last piece of a file. `kFinding` when there is something wrong with it.
   virtual ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) = 0;
+  /// Instead of that, for a file that cannot be read.
+  virtual void FailFile(const RecordFile& /*file*/, const std::string& /*reason*/,
+                        PieceOutputC& /*direct*/) {}
 };
 
+/// The walk of a stretch looks back 128 KiB, which takes little time beside decoding and writing a
+/// mebibyte; what is written of that, some five times as much, fits in memory several times.
 struct PassOptions {
-  unsigned jobs = 0;       ///< 0: one for each processor.
-  bool mayCut = true;      ///< Whether files may be read in stretches.
-  OutputC* out = nullptr;  ///< Null when nothing is written meanwhile.
-  bool hasRows = false;    ///< As in `ProgressC`.
+  unsigned jobs = 0;                               ///< 0: one for each processor.
+  bool mayCut = true;                              ///< Whether files may be read in stretches.
+  std::uint64_t stretch = std::uint64_t{1} << 20;  ///< The size of one, in bytes.
+  OutputC* out = nullptr;                          ///< Null when nothing is written meanwhile.
+  bool hasRows = false;                            ///< As in `ProgressC`.
 };
 
 /// Reads all files, with a progress bar, and gives the worst exit code of one of them. A file that
@@ -56,7 +62,8 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
                  RecordPassI<Result>& pass) {
   const unsigned jobs =
       options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-  const std::vector<RecordPiece> pieces = CutIntoPieces(files, options.mayCut && jobs > 1);
+  const std::vector<RecordPiece> pieces =
+      CutIntoPieces(files, options.mayCut && jobs > 1 ? options.stretch : 0);
   std::uint64_t total = 0;
   for (const RecordFile& file : files) total += file.size;
   ProgressC progress(total, options.hasRows);
@@ -70,6 +77,7 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
     pass.Take(piece, result, direct);
     if (!fault.empty()) {
       direct.Tell(fault);
+      pass.FailFile(files[piece.file], fault, direct);
       failed = piece.file;
       worst = std::max(worst, ExitCode::kFileError);
     } else if (piece.isLast) {

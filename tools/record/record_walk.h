@@ -28,6 +28,8 @@ class RecordWalkC {
     reader_.SetReportDamaged(std::move(report));
   }
   bool Next(SDI::GPSRecordEntry& entry);
+  /// The measurement that `Next` gave last, decoded when this is called.
+  const SDI::GPSRecordC& GetRecord() const { return reader_.GetRecord(); }
   /// The bytes of the record that `Next` gave last.
   std::span<const std::uint8_t> GetBytes() const { return reader_.GetBytes(); }
 
