@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/scanning/prepared_area.h>
 #include <surveydata/sphere_geometry/angles.h>
 
 #include <area/angle_unit.h>
@@ -73,20 +72,25 @@ bool IsInsideDrawn(const AreaPicture& picture) {
   return picture.faults.empty() || picture.file.Sphere().GetPoints().size() <= kManyCorners;
 }
 
-std::optional<std::vector<InsideStrip>> FindInsideStrips(const AreaPicture& picture,
-                                                         const AngleWindow& window) {
-  if (IsSlow(picture)) return {};
-  return FindInside(*picture.file.area, window, kRows, kMostInsideRuns);
+InsideDrawingC::InsideDrawingC(const AreaPicture& picture) : picture_(picture) {
+  using Questions = SDI::PreparedAreaC::Questions;
+  if (!IsInsideDrawn(picture)) return;
+  prepared_.emplace(*picture.file.area, IsSlow(picture) ? Questions::kFew : Questions::kMany);
 }
 
-void DrawInsideRaster(SvgC& svg, const AreaPicture& picture, SvgPoint corner, double width,
-                      double height, const std::function<AnglePointC(SvgPoint)>& directionAt) {
-  if (!IsInsideDrawn(picture)) return;
-  const SDI::PreparedAreaC prepared(*picture.file.area);
-  RasterC raster(corner, width, height, IsSlow(picture) ? kSlowCell : 1);
+std::optional<std::vector<InsideStrip>> InsideDrawingC::FindStrips(
+    const AngleWindow& window) const {
+  if (!prepared_ || IsSlow(picture_)) return {};
+  return FindInside(*picture_.file.area, *prepared_, window, kRows, kMostInsideRuns);
+}
+
+void InsideDrawingC::DrawRaster(SvgC& svg, SvgPoint corner, double width, double height,
+                                const std::function<AnglePointC(SvgPoint)>& directionAt) const {
+  if (!prepared_) return;
+  RasterC raster(corner, width, height, IsSlow(picture_) ? kSlowCell : 1);
   raster.ForEachCell([&](SvgPoint centre, std::uint8_t& mark) {
     const AnglePointC direction = directionAt(centre);
-    mark = direction.V <= GMAT::TWO_PI && prepared.Contains(direction.Hz, direction.V) ? 1 : 0;
+    mark = direction.V <= GMAT::TWO_PI && prepared_->Contains(direction.Hz, direction.V) ? 1 : 0;
   });
   raster.Draw(svg, kInsideFill, kMostRasterRuns);
 }

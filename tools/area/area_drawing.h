@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <vector>
 
+#include <surveydata/scanning/prepared_area.h>
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 #include <area/area_curves.h>
@@ -60,14 +62,23 @@ void DrawProbe(SvgC& svg, SvgPoint at, bool isInside);
 /// False for a ring of many corners that is not valid: each answer would need all edges.
 bool IsInsideDrawn(const AreaPicture& picture);
 
-/// What the library calls inside, as strips of exact runs; empty where that is too much for the
-/// picture or, of a large ring that is not valid, takes too long: then draw a raster.
-std::optional<std::vector<InsideStrip>> FindInsideStrips(const AreaPicture& picture,
-                                                         const AngleWindow& window);
+/// What the library calls inside, for both panels of a picture: the area is prepared once.
+class InsideDrawingC {
+ public:
+  explicit InsideDrawingC(const AreaPicture& picture);
 
-/// The same as a raster of a rectangle of the page.
-void DrawInsideRaster(SvgC& svg, const AreaPicture& picture, SvgPoint corner, double width,
-                      double height, const std::function<GMAT::AnglePointC(SvgPoint)>& directionAt);
+  /// As strips of exact runs; empty where that is too much for the picture or, of a large ring that
+  /// is not valid, takes too long: then draw a raster.
+  std::optional<std::vector<InsideStrip>> FindStrips(const AngleWindow& window) const;
+
+  /// The same as a raster of a rectangle of the page.
+  void DrawRaster(SvgC& svg, SvgPoint corner, double width, double height,
+                  const std::function<GMAT::AnglePointC(SvgPoint)>& directionAt) const;
+
+ private:
+  const AreaPicture& picture_;
+  std::optional<SDI::PreparedAreaC> prepared_;  // where the inside is drawn
+};
 
 /// Dots at the corners, with their angles as titles, and their numbers on the outer side of the
 /// turn that the ring makes there. `show` gives a corner in the frame of `map`.

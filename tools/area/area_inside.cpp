@@ -6,8 +6,6 @@
 #include <span>
 #include <utility>
 
-#include <surveydata/scanning/prepared_area.h>
-
 #include <area/area_inside.h>
 
 namespace Tool {
@@ -20,8 +18,9 @@ constexpr std::uint16_t kManyPoints = 10'000;
 // The runs of all rows, from left to right.
 class RowScanC {
  public:
-  RowScanC(const SDI::ScanAreaC& area, const AngleWindow& window, std::size_t rows)
-      : area_(area, SDI::PreparedAreaC::Questions::kMany),
+  RowScanC(const SDI::ScanAreaC& area, const SDI::PreparedAreaC& prepared,
+           const AngleWindow& window, std::size_t rows)
+      : area_(prepared),
         window_(window),
         halvings_(area.GetPointCount() > kManyPoints ? 10 : 20),
         rows_(rows),
@@ -75,7 +74,7 @@ class RowScanC {
     return (before + after) / 2;
   }
 
-  SDI::PreparedAreaC area_;
+  const SDI::PreparedAreaC& area_;
   AngleWindow window_;
   int halvings_;  // of a column, to far less than a picture shows
   std::size_t rows_;
@@ -89,13 +88,15 @@ bool Overlap(const InsideRun& a, const InsideRun& b) { return a.from < b.to && b
 
 std::vector<InsideStrip> FindInside(const SDI::ScanAreaC& area, const AngleWindow& window,
                                     int rows) {
-  return *FindInside(area, window, rows, std::numeric_limits<std::size_t>::max());
+  const SDI::PreparedAreaC prepared(area, SDI::PreparedAreaC::Questions::kMany);
+  return *FindInside(area, prepared, window, rows, std::numeric_limits<std::size_t>::max());
 }
 
 std::optional<std::vector<InsideStrip>> FindInside(const SDI::ScanAreaC& area,
+                                                   const SDI::PreparedAreaC& prepared,
                                                    const AngleWindow& window, int rows,
                                                    std::size_t mostRuns) {
-  const RowScanC scan(area, window, static_cast<std::size_t>(rows));
+  const RowScanC scan(area, prepared, window, static_cast<std::size_t>(rows));
   if (scan.CountRuns() > mostRuns) return {};
   const double height = (window.vMax - window.vMin) / rows;
   std::vector<InsideStrip> done;

@@ -142,8 +142,9 @@ std::string DrawArea(const AreaPicture& picture) {
     labels.Place({kPlaneLeft, kNotesTop}, FittedText(notes, kRoom, kNotes), kNotes);
   }
   DrawLegend(svg, labels, picture, edges, bounds.has_value());
-  DrawPlanePanel(svg, labels, picture, edges, bounds);
-  DrawPolarPanel(svg, labels, picture, edges, bounds);
+  const InsideDrawingC inside(picture);
+  DrawPlanePanel(svg, labels, picture, inside, edges, bounds);
+  DrawPolarPanel(svg, labels, picture, inside, edges, bounds);
   return std::move(svg).Finish();
 }
 

@@ -40,10 +40,12 @@ std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wa
 
 class PlanePanelC {
  public:
-  PlanePanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture)
+  PlanePanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+              const InsideDrawingC& inside)
       : svg_(svg),
         labels_(labels),
         picture_(picture),
+        inside_(inside),
         map_(picture.window),
         window_(picture.window) {}
 
@@ -65,10 +67,10 @@ class PlanePanelC {
   SvgPoint At(const AnglePointC& p) const { return map_.At(p); }
 
   void DrawInside() {
-    const auto strips = FindInsideStrips(picture_, window_);
+    const auto strips = inside_.FindStrips(window_);
     if (!strips) {
-      return DrawInsideRaster(svg_, picture_, {kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight,
-                              [&](SvgPoint p) { return map_.DirectionAt(p); });
+      return inside_.DrawRaster(svg_, {kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight,
+                                [&](SvgPoint p) { return map_.DirectionAt(p); });
     }
     std::vector<SvgPoint> points;
     for (const InsideStrip& strip : *strips) {
@@ -161,6 +163,7 @@ class PlanePanelC {
   SvgC& svg_;
   LabelPlacerC& labels_;
   const AreaPicture& picture_;
+  const InsideDrawingC& inside_;
   PlaneMapC map_;
   AngleWindow window_;
 };
@@ -168,8 +171,9 @@ class PlanePanelC {
 }  // namespace
 
 void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
-                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds) {
-  PlanePanelC(svg, labels, picture).Draw(edges, bounds);
+                    const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
+                    const std::optional<AreaBounds>& bounds) {
+  PlanePanelC(svg, labels, picture, inside).Draw(edges, bounds);
 }
 
 }  // namespace Tool

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <area/area_curves.h>
+#include <area/area_drawing.h>
 #include <area/area_measure.h>
 #include <area/area_picture.h>
 #include <output/label_placer.h>
@@ -14,7 +15,8 @@ namespace Tool {
 
 /// The area in the plane of Hz and V, with axes in the unit of the file.
 void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
-                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds);
+                    const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
+                    const std::optional<AreaBounds>& bounds);
 
 }  // namespace Tool
 

@@ -21,8 +21,9 @@ constexpr double kRadius = kPolarRadius;
 
 class PolarPanelC {
  public:
-  PolarPanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture)
-      : svg_(svg), labels_(labels), picture_(picture) {}
+  PolarPanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+              const InsideDrawingC& inside)
+      : svg_(svg), labels_(labels), picture_(picture), inside_(inside) {}
 
   void Draw(const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds) {
     DrawInside();
@@ -44,14 +45,14 @@ class PolarPanelC {
 
  private:
   void DrawInside() {
-    const auto strips = FindInsideStrips(picture_, kWholeSphere);
+    const auto strips = inside_.FindStrips(kWholeSphere);
     if (!strips) {
-      return DrawInsideRaster(svg_, picture_, {kPole.x - kRadius, kPole.y - kRadius}, 2 * kRadius,
-                              2 * kRadius, [](SvgPoint p) {
-                                AnglePointC direction = PolarDirectionAt(p);
-                                if (direction.V > GMAT::PI) direction.V = 2 * GMAT::TWO_PI;
-                                return direction;
-                              });
+      return inside_.DrawRaster(svg_, {kPole.x - kRadius, kPole.y - kRadius}, 2 * kRadius,
+                                2 * kRadius, [](SvgPoint p) {
+                                  AnglePointC direction = PolarDirectionAt(p);
+                                  if (direction.V > GMAT::PI) direction.V = 2 * GMAT::TWO_PI;
+                                  return direction;
+                                });
     }
     std::vector<SvgPoint> points;
     const auto append = [&](const AnglePointC& from, const AnglePointC& to) {
@@ -104,13 +105,15 @@ class PolarPanelC {
   SvgC& svg_;
   LabelPlacerC& labels_;
   const AreaPicture& picture_;
+  const InsideDrawingC& inside_;
 };
 
 }  // namespace
 
 void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
-                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds) {
-  PolarPanelC(svg, labels, picture).Draw(edges, bounds);
+                    const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
+                    const std::optional<AreaBounds>& bounds) {
+  PolarPanelC(svg, labels, picture, inside).Draw(edges, bounds);
 }
 
 }  // namespace Tool

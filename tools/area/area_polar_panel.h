@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <area/area_curves.h>
+#include <area/area_drawing.h>
 #include <area/area_measure.h>
 #include <area/area_picture.h>
 #include <output/label_placer.h>
@@ -15,7 +16,8 @@ namespace Tool {
 /// The area as seen from the zenith: the distance from the middle is V, north (Hz 0) is up, Hz goes
 /// clockwise.
 void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
-                    const std::vector<EdgeCurve>& edges, const std::optional<AreaBounds>& bounds);
+                    const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
+                    const std::optional<AreaBounds>& bounds);
 
 }  // namespace Tool
 
