@@ -14,6 +14,7 @@
 #include <surveydata/object_model/compare.h>
 #include <surveydata/total_station/tps_meas_data.h>
 
+#include "benchmarks/create.h"
 #include "benchmarks/pimpl_peer.h"
 
 namespace {
@@ -44,15 +45,11 @@ void BM_Set(benchmark::State& state) {
 BENCHMARK_TEMPLATE(BM_Set, SDI::CoordinatePointC);
 BENCHMARK_TEMPLATE(BM_Set, Peer::PointC);
 
-// A pair is created and destroyed, beside an object with a block of the size of its implementation,
-// which is made in another shared library, too.
+// Creates and destroys a pair. The peer is an object with a block of the size of the
+// implementation, also created in a shared library.
 template <class Object>
 void BM_Create(benchmark::State& state) {
-  for (auto _ : state) {
-    auto* object = new Object;
-    benchmark::DoNotOptimize(object);
-    delete object;
-  }
+  Benchmarks::Create<Object>(state);
 }
 template <class Public, class Impl>
 using PeerOf = std::enable_if_t<sizeof(Public) == 2 * sizeof(void*), Peer::BlockC<sizeof(Impl)>>;

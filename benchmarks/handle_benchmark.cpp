@@ -8,6 +8,7 @@
 #include <surveydata/object_model/handle.h>
 #include <surveydata/scanning/scan_polygon_area.h>
 
+#include "benchmarks/create.h"
 #include "benchmarks/pimpl_peer.h"
 
 namespace {
@@ -40,15 +41,11 @@ BENCHMARK_CAPTURE(BM_Get, point, SDI::CoordinatePointC(1.0, 2.0, 3.0),
                   &SDI::CoordinatePointC::GetX);
 BENCHMARK_CAPTURE(BM_Get, area, SDI::ScanPolygonAreaC(), &SDI::ScanAreaC::GetHzStep);
 
-// An object that is made, beside one with a block of the size of its implementation; both are made
-// in a shared library.
+// Creates and destroys an object. The peer is an object with a block of the size of the
+// implementation; both are created in a shared library.
 template <class Object>
 void BM_Create(benchmark::State& state) {
-  for (auto _ : state) {
-    auto* object = new Object;
-    benchmark::DoNotOptimize(object);
-    delete object;
-  }
+  Benchmarks::Create<Object>(state);
 }
 template <class Object>
 void BM_Copy(benchmark::State& state) {

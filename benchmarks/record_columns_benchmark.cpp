@@ -1,4 +1,4 @@
-// The measurements of a file as columns, beside walking and decoding alone.
+// The measurements of a file as columns, compared with walking and decoding alone.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ using Benchmarks::SetRates;
 
 constexpr std::size_t kRows = 65536;
 
-// Which columns: all, those that are no texts, or a few that somebody plots.
+// All columns, those that are not texts, or a few for a plot.
 enum class Choice { kAll, kNumbers, kFew };
 
 std::vector<const SDI::GPSColumn*> ColumnsOf(Choice choice) {
@@ -39,21 +39,10 @@ std::vector<const SDI::GPSColumn*> ColumnsOf(Choice choice) {
   return columns;
 }
 
-void BM_WalkAndDecode(benchmark::State& state) {
-  const SamplesC& samples = SamplesC::Get();
-  std::size_t count = 0;
-  for (auto _ : state) {
-    count = 0;
-    for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(samples.Name().c_str())) {
-      if (!record.IsDone()) state.SkipWithError("a frame is bad");
-      ++count;
-    }
-  }
-  SetRates(state, count);
-}
+void BM_WalkAndDecode(benchmark::State& state) { Benchmarks::ReadSamples(state); }
 BENCHMARK(BM_WalkAndDecode)->Unit(benchmark::kMillisecond);
 
-// The memory of a batch, which is used again and again.
+// The memory of a batch, which is reused for each batch.
 class BatchC {
  public:
   explicit BatchC(const std::vector<const SDI::GPSColumn*>& columns) {

@@ -17,23 +17,12 @@ namespace {
 using Benchmarks::SamplesC;
 using Benchmarks::SetRates;
 
-void BM_ReadSamples(benchmark::State& state) {
-  const SamplesC& samples = SamplesC::Get();
-  std::size_t count = 0;
-  for (auto _ : state) {
-    count = 0;
-    for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(samples.Name().c_str())) {
-      if (!record.IsDone()) state.SkipWithError("a frame is bad");
-      ++count;
-    }
-  }
-  SetRates(state, count);
-}
+void BM_ReadSamples(benchmark::State& state) { Benchmarks::ReadSamples(state); }
 BENCHMARK(BM_ReadSamples)->Unit(benchmark::kMillisecond);
 
-// What the reader adds to: the same bytes by `fread` in blocks of the same size, and the same
-// frames decoded, whose places are known beforehand. `isFresh`: each in fresh data, as the reader
-// gives it.
+// The peer of the reader: the same bytes by `fread` in blocks of the same size, and the same frames
+// decoded at offsets that are known in advance. With `isFresh` each goes into fresh data, as in the
+// reader.
 void ReadSamplesBare(benchmark::State& state, bool isFresh) {
   const SamplesC& samples = SamplesC::Get();
   const std::size_t perBlock = 256 * 1024 / samples.Once().size();

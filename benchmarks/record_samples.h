@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include <surveydata/gnss/gps_record_index.h>
+#include <surveydata/gnss/gps_record_reader.h>
 
 #include "tests/support/frame_builder.h"
 #include "tests/support/temp_file.h"
@@ -20,7 +21,7 @@ namespace Benchmarks {
 
 using TestSupport::ByteVector;
 
-/// 208 MB: a sample, over and over.
+/// 208 MB: many copies of a sample.
 class SamplesC {
  public:
   static const SamplesC& Get() {
@@ -31,7 +32,7 @@ class SamplesC {
   const ByteVector& Once() const { return once_; }
   std::string Name() const { return file_.Path().string(); }
   std::size_t Size() const { return once_.size() * kTimes; }
-  /// The measurements of one sample, as offset and size.
+  /// The measurements of one copy.
   const std::vector<SDI::GPSRecordEntry>& Frames() const { return frames_; }
   std::size_t Count() const { return frames_.size() * kTimes; }
 
@@ -54,11 +55,26 @@ class SamplesC {
   std::vector<SDI::GPSRecordEntry> frames_;
 };
 
+/// Sets the rates of a benchmark that has read `count` measurements of the file in each iteration.
 inline void SetRates(benchmark::State& state, std::size_t count) {
   const SamplesC& samples = SamplesC::Get();
   if (count != samples.Count()) state.SkipWithError("not all measurements");
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(samples.Size()));
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(samples.Count()));
+}
+
+/// The benchmark of reading the file with `GPSRecordReaderC`.
+inline void ReadSamples(benchmark::State& state) {
+  const SamplesC& samples = SamplesC::Get();
+  std::size_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(samples.Name().c_str())) {
+      if (!record.IsDone()) state.SkipWithError("a frame is bad");
+      ++count;
+    }
+  }
+  SetRates(state, count);
 }
 
 }  // namespace Benchmarks

@@ -419,15 +419,15 @@ struct List {
 };
 
 /// A flag. Reading stores any value other than 0 as 1.
-template <Field field, RecordField recordField, auto Get, auto Set>
+template <RecordField field, auto Get, auto Set>
 struct Flag {
-  static constexpr RecordField kField = recordField;
+  static constexpr RecordField kField = field;
 
   std::uint8_t flag = 0;
 
   template <class Cursor>
   constexpr void Walk(Cursor& cursor) {
-    cursor.Number(field, flag);
+    cursor.Number(Field::kFlag, flag);
   }
   void Store(const Target& out) const { (out.measurement.*Set)(flag != 0 ? 1 : 0); }
   bool Load(Source& from) {
@@ -438,15 +438,15 @@ struct Flag {
 };
 
 /// A number. The frame may hold fewer bits of it than the measurement.
-template <class Value, Field field, RecordField recordField, auto Get, auto Set>
+template <class Value, RecordField field, auto Get, auto Set>
 struct Number {
-  static constexpr RecordField kField = recordField;
+  static constexpr RecordField kField = field;
 
   Value value = 0;
 
   template <class Cursor>
   constexpr void Walk(Cursor& cursor) {
-    cursor.Number(field, value);
+    cursor.Number(Field::kValue, value);
   }
   void Store(const Target& out) const { (out.measurement.*Set)(value); }
   bool Load(Source& from) {
@@ -458,23 +458,23 @@ struct Number {
 };
 
 /// A number with a presence bit.
-template <class Value, Field field, RecordField recordField, auto Has, auto Get, auto Set>
-struct OptionalNumber : Number<Value, field, recordField, Get, Set> {
+template <class Value, RecordField field, auto Has, auto Get, auto Set>
+struct OptionalNumber : Number<Value, field, Get, Set> {
   bool Load(Source& from) {
-    Number<Value, field, recordField, Get, Set>::Load(from);
+    Number<Value, field, Get, Set>::Load(from);
     return (from.measurement.*Has)();
   }
 };
 
-template <std::size_t units, Field field, RecordField recordField, auto Get, auto Set>
+template <std::size_t units, RecordField field, auto Get, auto Set>
 struct Text {
-  static constexpr RecordField kField = recordField;
+  static constexpr RecordField kField = field;
 
   char16_t text[units];
 
   template <class Cursor>
   constexpr void Walk(Cursor& cursor) {
-    cursor.Text(field, text);
+    cursor.Text(Field::kText, text);
   }
   void Store(const Target& out) const { (out.measurement.*Set)(text); }
   bool Load(Source& from) {
@@ -528,30 +528,21 @@ using Blocks1 = Table<
 /// In flags word 1: flags word 2 follows.
 inline constexpr std::uint16_t kMore = 0x2000;
 
-using FlagA = Flag<Field::kFlagA, RecordField::kFlagA, &Meas::GetFlagA, &Meas::SetFlagA>;
-using FlagE = Flag<Field::kFlagE, RecordField::kFlagE, &Meas::GetFlagE, &Meas::SetFlagE>;
-using ValueB =
-    Number<std::uint8_t, Field::kValueB, RecordField::kValueB, &Meas::GetValueB, &Meas::SetValueB>;
-using ValueC =
-    Number<std::uint8_t, Field::kValueC, RecordField::kValueC, &Meas::GetValueC, &Meas::SetValueC>;
-using ValueD =
-    Number<std::int32_t, Field::kValueD, RecordField::kValueD, &Meas::GetValueD, &Meas::SetValueD>;
-using ValueF =
-    Number<std::uint8_t, Field::kValueF, RecordField::kValueF, &Meas::GetValueF, &Meas::SetValueF>;
-using ValueG =
-    Number<std::int32_t, Field::kValueG, RecordField::kValueG, &Meas::GetValueG, &Meas::SetValueG>;
-using ValueH = OptionalNumber<std::uint16_t, Field::kValueH, RecordField::kValueH, &Meas::HasValueH,
+using FlagA = Flag<RecordField::kFlagA, &Meas::GetFlagA, &Meas::SetFlagA>;
+using FlagE = Flag<RecordField::kFlagE, &Meas::GetFlagE, &Meas::SetFlagE>;
+using ValueB = Number<std::uint8_t, RecordField::kValueB, &Meas::GetValueB, &Meas::SetValueB>;
+using ValueC = Number<std::uint8_t, RecordField::kValueC, &Meas::GetValueC, &Meas::SetValueC>;
+using ValueD = Number<std::int32_t, RecordField::kValueD, &Meas::GetValueD, &Meas::SetValueD>;
+using ValueF = Number<std::uint8_t, RecordField::kValueF, &Meas::GetValueF, &Meas::SetValueF>;
+using ValueG = Number<std::int32_t, RecordField::kValueG, &Meas::GetValueG, &Meas::SetValueG>;
+using ValueH = OptionalNumber<std::uint16_t, RecordField::kValueH, &Meas::HasValueH,
                               &Meas::GetValueH, &Meas::SetValueH>;
-using ValueI = OptionalNumber<std::uint16_t, Field::kValueI, RecordField::kValueI, &Meas::HasValueI,
+using ValueI = OptionalNumber<std::uint16_t, RecordField::kValueI, &Meas::HasValueI,
                               &Meas::GetValueI, &Meas::SetValueI>;
-using TextA =
-    Text<Meas::kTextUnits, Field::kTextA, RecordField::kTextA, &Meas::GetTextA, &Meas::SetTextA>;
-using TextB =
-    Text<Meas::kTextUnits, Field::kTextB, RecordField::kTextB, &Meas::GetTextB, &Meas::SetTextB>;
-using TextC =
-    Text<Meas::kTextUnits, Field::kTextC, RecordField::kTextC, &Meas::GetTextC, &Meas::SetTextC>;
-using TextD =
-    Text<Meas::kTextDUnits, Field::kTextD, RecordField::kTextD, &Meas::GetTextD, &Meas::SetTextD>;
+using TextA = Text<Meas::kTextUnits, RecordField::kTextA, &Meas::GetTextA, &Meas::SetTextA>;
+using TextB = Text<Meas::kTextUnits, RecordField::kTextB, &Meas::GetTextB, &Meas::SetTextB>;
+using TextC = Text<Meas::kTextUnits, RecordField::kTextC, &Meas::GetTextC, &Meas::SetTextC>;
+using TextD = Text<Meas::kTextDUnits, RecordField::kTextD, &Meas::GetTextD, &Meas::SetTextD>;
 
 /// Flags word 2.
 // clang-format off

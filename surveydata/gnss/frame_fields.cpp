@@ -46,17 +46,7 @@ constexpr const char* kFieldNames[] = {
     "flags word 2",  // more
     "flag",
     "value",
-    "value",
-    "text",
-    "text",
-    "value",
-    "text",
-    "flag",
-    "text",  // A to E, text D
-    "value",
-    "value",
-    "value",
-    "value",  // values F to I
+    "text",  // blocks of flags word 2
     "head",
     "count",
     "entry",     // list

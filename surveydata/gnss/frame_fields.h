@@ -50,19 +50,9 @@ enum class Field : std::uint8_t {
   kSystemFirst,
   kSystemSecond,
   kFlags2,
-  kFlagA,
-  kValueB,
-  kValueC,
-  kTextA,
-  kTextB,
-  kValueD,
-  kTextC,
-  kFlagE,
-  kTextD,
-  kValueF,
-  kValueG,
-  kValueH,
-  kValueI,
+  kFlag,   ///< Of the blocks flag A and flag E.
+  kValue,  ///< Of the blocks value B to value I.
+  kText,   ///< Of the blocks text A to text D.
   kListHead,
   kListCount,
   kListEntry,
