@@ -12,7 +12,7 @@
 
 namespace TestSupport {
 
-/// A read that ends with `result` and changes nothing.
+/// Expects that reading returns `result` and changes nothing.
 inline void ExpectReadChangesNothing(SDI::GPSRecordFileInfo info, std::uint32_t result) {
   SDI::GPSMeasDataImplC measurement = FilledMeasurement();
   const SDI::GPSRecordFileInfo before = info;
@@ -21,7 +21,7 @@ inline void ExpectReadChangesNothing(SDI::GPSRecordFileInfo info, std::uint32_t 
   ExpectSameInfo(info, before);
 }
 
-/// A file of which reading and writing end with `result` and change nothing.
+/// Expects that reading and writing the file return `result` and change nothing.
 inline void ExpectNoFile(const SDI::GPSRecordFileInfo& info, std::uint32_t result) {
   ExpectReadChangesNothing(info, result);
   const SDI::GPSMeasDataImplC measurement = FilledMeasurement();

@@ -15,7 +15,7 @@ using SDI::GPSAntHeightImplC;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// Both implementations store and answer alike.
+// Both implementations store and return the same values.
 template <class Impl>
 class AntHeightImpl : public testing::Test {};
 using BothImpls = testing::Types<GPSAntHeightImplC, ODM::GPSAntHeightC>;
@@ -90,7 +90,7 @@ TYPED_TEST(AntHeightImpl, VerticalHeightIsReducedInSinglePrecision) {
     float vertical;
   } cases[] = {
       {2.0F, true, 0.12F, 2.0F},
-      {0.1F, true, 0.2F, 0.1F},  // a vertical height has no use for the offset
+      {0.1F, true, 0.2F, 0.1F},  // a vertical height ignores the offset
       {-1.0F, true, 0.0F, -1.0F},
       {2.0F, false, 0.12F, std::sqrt(2.0F * 2.0F - 0.12F * 0.12F)},
       {2.0F, false, 0.0F, 2.0F},
@@ -100,7 +100,7 @@ TYPED_TEST(AntHeightImpl, VerticalHeightIsReducedInSinglePrecision) {
       {0.0F, false, 0.0F, 0.0F},
       // height * height overflows in single precision, not in double
       {1e30F, false, 0.0F, kInfinity},
-      // and vanishes
+      // height * height underflows to 0
       {1e-30F, false, 0.0F, 0.0F},
   };
   for (const auto& [height, isVertical, offset, vertical] : cases) {
@@ -205,7 +205,7 @@ TEST(AntHeight, SelfAssignmentChangesNothing) {
   ExpectHolds(antenna, 1.5F, false, 0.25F);
 }
 
-// A public object whose implementation is missing, compact or of another kind altogether.
+// A public object whose implementation is missing, compact or of an unrelated class.
 TEST(AntHeight, AnswersZeroWithoutAMatchingImplementation) {
   GPSAntHeightC missing(static_cast<GPSAntHeightImplC*>(nullptr));
   GPSAntHeightC compact(new ODM::GPSAntHeightC(1.5F, true, 0.25F));

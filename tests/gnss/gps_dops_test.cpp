@@ -12,7 +12,7 @@ using SDI::DOP_NOT_AVAILABLE;
 using SDI::GPSDOPsC;
 using SDI::GPSDOPsImplC;
 
-// Both implementations store and answer alike.
+// Both implementations store and return the same values.
 template <class Impl>
 class DOPsImpl : public testing::Test {};
 using BothImpls = testing::Types<GPSDOPsImplC, ODM::GPSDOPsC>;
@@ -155,7 +155,7 @@ TEST(DOPs, SelfAssignmentChangesNothing) {
   EXPECT_EQ(dops.GetGDOP(), 7.0);
 }
 
-// A public object whose implementation is missing, compact or of another kind altogether.
+// A public object whose implementation is missing, compact or of an unrelated class.
 TEST(DOPs, AnswersZeroWithoutAMatchingImplementation) {
   GPSDOPsC missing(static_cast<GPSDOPsImplC*>(nullptr));
   GPSDOPsC compact(new ODM::GPSDOPsC(20, 30, 60));

@@ -30,7 +30,7 @@ using TestSupport::StoredIn;
 using Bytes2 = std::pair<unsigned, unsigned>;
 constexpr Bytes2 kUntouched{0xA5, 0x5A};
 
-// The answer of a pair getter: the pair, or untouched outputs when it answers false.
+// The result of a pair getter: the pair, or unchanged outputs if it returns false.
 template <class Meas, class Getter>
 Bytes2 Asked(const Meas& meas, Getter getter, bool expected) {
   std::uint8_t first = 0xA5;
@@ -49,7 +49,7 @@ void ExpectPairs(const Meas& meas, const Bytes2* total, const Bytes2* system1,
   EXPECT_EQ(Asked(meas, &Meas::GetSystem3Pair, system3 != nullptr), expected(system3));
 }
 
-// What the full implementation, the compact one and the public class answer before anything is set.
+// The getters of both implementations and of the public class before anything is set.
 template <class Meas>
 void ExpectNothingPresent(const Meas& meas) {
   GPSAntHeightC antenna(new GPSAntHeightImplC(1.5F, false, 0.25F));
@@ -71,7 +71,7 @@ void ExpectNothingPresent(const Meas& meas) {
   EXPECT_EQ(meas.GetValue(0), 0);
 }
 
-// --- What both implementations do ---------------------------------------------------------------
+// --- Both implementations -----------------------------------------------------------------------
 
 template <class Impl>
 struct PartsOf;
@@ -158,7 +158,7 @@ TYPED_TEST(MeasDataImpl, StatusSettersRaiseTheirBitAlone) {
     EXPECT_EQ(meas.GetSetMask(), 0);
     for (const auto& other : cases) EXPECT_EQ((meas.*other.is)(), other.bit == one.bit);
     (all.*one.set)();
-    (all.*one.set)();  // raised once more, never cleared
+    (all.*one.set)();  // set again, never cleared
   }
   EXPECT_EQ(all.GetStatusMask(), 0x000F);
 }
@@ -338,7 +338,7 @@ TEST(MeasDataImpl, TellsStoredPairsWhetherTheyAreSetOrNot) {
   EXPECT_EQ(meas.GetStoredSystem3Pair(), (SDI::GPSCounterPair{6, 0}));
 }
 
-// --- Where the two implementations differ on purpose --------------------------------------------
+// --- Intended differences of the two implementations --------------------------------------------
 
 TEST(MeasDataImplDifference, LaterSystemsWithoutASatelliteUsed) {
   GPSMeasDataImplC full;
@@ -425,7 +425,7 @@ TEST(MeasDataImplFull, HoldsNothingByDefault) {
   EXPECT_FALSE(meas.HasTextD());
 }
 
-// Every setter changes what it should and nothing else.
+// Every setter changes only what it should.
 TEST(MeasDataImplFull, EverySetterChangesItsFieldAndBitsAlone) {
   GPSListBlock list{.head = 9, .count = 2, .entries = {7, 8, 6}};
   const struct {
@@ -552,7 +552,7 @@ TEST(MeasDataImplFull, ResetKeepsTimesVectorAntennaHeightAndDOPsAlone) {
   expected.horizontalOffset = before.horizontalOffset;
   expected.dops = before.dops;
   EXPECT_EQ(StoredIn(meas), expected);
-  ExpectNothingPresent(meas);  // the kept values are absent
+  ExpectNothingPresent(meas);  // the stored values are absent
   EXPECT_TRUE(meas.IsSystem1Used());
 }
 
@@ -592,7 +592,7 @@ TEST(MeasDataTexts, TakeUpToOneUnitLessThanTheirCapacity) {
       GPSMeasDataImplC meas;
       (meas.*field.set)(u"before");
       std::u16string text(length, u'x');
-      if (length > 0) text.back() = u'\xD800';  // units are units
+      if (length > 0) text.back() = u'\xD800';  // a lone surrogate is stored as any unit
       errno = 0;
       (meas.*field.set)(text.c_str());
       if (length <= field.most) {
@@ -609,7 +609,7 @@ TEST(MeasDataTexts, TakeUpToOneUnitLessThanTheirCapacity) {
   }
 }
 
-TEST(MeasDataTexts, ATooLongTextIsNotReadBehindTheCapacity) {  // the address checks are the judge
+TEST(MeasDataTexts, ATooLongTextIsNotReadBeyondTheCapacity) {  // AddressSanitizer checks it
   for (const TextField& field : kTexts) {
     GPSMeasDataImplC meas;
     const std::vector<char16_t> unterminated(field.most + 1, u'x');
@@ -661,7 +661,7 @@ TEST(MeasDataTexts, EndAtTheirFirstZero) {
 template <class Impl>
 using Changes = std::vector<std::pair<const char*, std::function<void(Impl&)>>>;
 
-// Changes of one field each, all of which `EqualFields` must see in a filled measurement.
+// Each changes one field of a filled measurement; `EqualFields` must detect it.
 template <class Impl>
 Changes<Impl> SharedChanges() {
   using AntHeight = typename PartsOf<Impl>::AntHeight;
@@ -956,7 +956,7 @@ TEST(MeasData, SettersStoreInItsImplementation) {
   meas.SetValues(values, 5);
   EXPECT_EQ(meas.GetValueCount(), 2);
   EXPECT_EQ(meas.GetValue(1), 2);
-  // An antenna height that it cannot read raises nothing.
+  // An antenna height that it cannot read sets no bit.
   GPSMeasDataC other;
   other.SetAntennaHeight(GPSAntHeightC(new ODM::GPSAntHeightC(1.5F, false, 0.25F)));
   EXPECT_EQ(other.GetImpl()->GetSetMask(), 0);
@@ -978,7 +978,7 @@ TEST(MeasData, CopyIsEqualAndIndependent) {
   EXPECT_EQ(StoredIn(*meas.GetImpl()), StoredIn(*copy.GetImpl()));
 }
 
-// A public object whose implementation is missing, compact or of another kind altogether.
+// A public object whose implementation is missing, compact or of an unrelated class.
 TEST(MeasData, AnswersZeroWithoutAMatchingImplementation) {
   auto* const compactImpl = new ODM::GPSMeasDataC;
   FillShared(*compactImpl);

@@ -61,7 +61,7 @@ Result Read(GPSColumnReaderC& batches, std::span<SDI::GPSColumnBuffer> buffers,
   return {outcome, rows};
 }
 
-// The rows of the records that are done, asked one by one.
+// The rows of the records whose outcome is `kDone`, value by value.
 Table Asked(const ByteVector& bytes, const std::vector<const GPSColumn*>& columns) {
   Table table;
   GPSRecordReaderC reader(bytes);
@@ -122,7 +122,7 @@ TEST(GPSColumns, HaveNamesInSnakeCaseByWhichTheyAreFound) {
   }
 }
 
-// What the expectations of a sample say about each column. They come from another program.
+// The expected columns of a sample, from another program.
 std::map<std::string, std::string> ExpectedOf(const json& record) {
   const json& info = record["info"];
   const json& m = record["measurement"];
@@ -447,7 +447,7 @@ TEST(GPSColumns, OfTextsAreUtf8) {
   }
 }
 
-// Every length, with the unit that is not ASCII at every place or nowhere.
+// Texts of every length, with a unit that is not ASCII at each position or nowhere.
 TEST(GPSColumns, OfTextsAreRightForEveryLength) {
   for (std::size_t length = 0; length <= 79; ++length) {
     for (std::size_t place = 0; place <= length; place += place < 20 ? 1 : 7) {

@@ -41,7 +41,7 @@ using TestSupport::TempFileC;
 using TestSupport::TempFolderC;
 using TestSupport::WellFormedFrame;
 
-// Reads over a filled measurement, as the model does; the result is the model's.
+// Reads into a filled measurement and compares with the model. Returns the model's result.
 std::uint32_t CheckRead(const ByteVector& bytes, GPSRecordFileInfo info) {
   GPSMeasDataImplC measurement = FilledMeasurement();
   StoredFields expected = StoredIn(measurement);
@@ -126,7 +126,7 @@ TEST(RecordFileRead, EveryChangeOfOneByteInAFile) {
       changed[at] = static_cast<std::uint8_t>(frame[at] + step);
       file.Write(changed);
       const std::uint32_t result = CheckRead(changed, file.Info());
-      // Nothing but a length that leads behind the file's end is no bad frame.
+      // Only a length that extends past the end of the file does not make a bad frame.
       EXPECT_TRUE(result == 2 || (result == 0 && (at == 2 || at == 3)));
       ++results[result];
     }
@@ -202,7 +202,7 @@ TEST(RecordFileOpen, AFolderIsNoFile) {
 TEST(RecordFileOpen, AFileThatCannotBeWrittenIsNoFile) {
   const TempFileC file(SmallFrame());
   fs::permissions(file.Path(), fs::perms::owner_read);
-  // Nothing is read-only to root.
+  // Root may write every file.
   if (!std::fstream(file.Path(), std::ios::in | std::ios::out)) ExpectNoFile(file.Info(), 1);
   fs::permissions(file.Path(), fs::perms::owner_all);
 }
@@ -226,7 +226,7 @@ TEST(RecordFileOpen, TextsThatFillTheirArraysEndThere) {
   const ByteVector frame = SmallFrame();
   const TempFolderC folder;
   std::string path = folder.Path().string() + "/";
-  while (path.size() + 101 < 240) {  // names have limits of their own
+  while (path.size() + 101 < 240) {  // the length of a single name is limited, too
     path += std::string(100, 'd') + "/";
     fs::create_directory(path);
   }
@@ -234,8 +234,8 @@ TEST(RecordFileOpen, TextsThatFillTheirArraysEndThere) {
   std::ofstream(path + ".sevench", std::ios::binary)
       .write(reinterpret_cast<const char*>(frame.data()),
              static_cast<std::streamsize>(frame.size()));
-  // A heap block of its own: the address checks see a read behind the last array, and the members
-  // behind `extension` and `path` hold no zero byte.
+  // A separate heap block, so that AddressSanitizer detects a read past the last array. The members
+  // after `extension` and `path` contain no zero byte.
   const auto info = std::make_unique<GPSRecordFileInfo>();
   path.copy(info->path, 240);
   std::memcpy(info->extension, "sevench", 7);
@@ -291,7 +291,7 @@ TEST(RecordFileOffsets, BehindTheEndOfTheFile) {
 
 // --- Writing ------------------------------------------------------------------------------------
 
-// Writes as the model does, and compares the whole file; the result is the model's.
+// Writes and compares the whole file with the model. Returns the model's result.
 std::uint32_t CheckWrite(const TempFileC& file, const ByteVector& bytes,
                          const GPSMeasDataImplC* measurement, GPSRecordFileInfo info) {
   file.Write(bytes);
@@ -351,7 +351,7 @@ TEST(RecordFileWrite, EveryCombinationOfTheThreeBlocks) {
   }
 }
 
-// The rules once without the model: which bytes change, and to what.
+// The rules without the model: which bytes change, and their new values.
 TEST(RecordFileWrite, ChangesKindNameNumberHeightAndChecksumAlone) {
   const ByteVector frame = FrameBuilderC()
                                .Times()
@@ -370,7 +370,7 @@ TEST(RecordFileWrite, ChangesKindNameNumberHeightAndChecksumAlone) {
   const TempFileC file(frame);
   GPSMeasDataImplC measurement;
   measurement.SetAntennaHeight(GPSAntHeightImplC(5.0F, false, 3.0F));
-  measurement.SetTimeA({1, 1});  // nothing of a measurement but its antenna height is written
+  measurement.SetTimeA({1, 1});  // only the antenna height of a measurement is written
   measurement.SetTotalPair(99, 99);
   GPSRecordFileInfo info = file.Info();
   info.number = -2;
@@ -404,7 +404,7 @@ TEST(RecordFileWrite, WithoutASetAntennaHeightZeroAndVerticalIsWritten) {
 }
 
 TEST(RecordFileWrite, WithoutAMeasurementTheFrameIsTakenToHaveTheFirstTwoBlocks) {
-  // The frame has neither: the bytes at their positions belong to a vector and more.
+  // The frame has neither block: at their positions are a vector and other bytes.
   FrameBuilderC b;
   b.Times().U16(0x0200).Fill(70, 0xEE);
   const TempFileC file(b.Frame());
@@ -438,7 +438,7 @@ TEST(RecordFileWrite, NamesOfEveryKind) {
       "cd",
       "ab\xC3"
       "cd",
-      std::string(48, 'x') + "\xC3",  // a sequence that the field's end cuts
+      std::string(48, 'x') + "\xC3",  // a sequence cut by the end of the field
       std::string("ab\0cd", 5),
       "\xED\xA0\xBD\xED\xB8\x80",  // surrogates are units like any other
       "\xC0\x80"
@@ -467,7 +467,7 @@ TEST(RecordFileWrite, NamesOfEveryKind) {
   }
 }
 
-// Frames in which the positions of the patches lie behind the frame or across its checksum.
+// Frames in which the positions of the patches are after the frame or overlap its checksum.
 TEST(RecordFileWrite, NoPatchLeavesAShortFrame) {
   std::mt19937_64 random(7);
   const TempFileC file;
@@ -493,7 +493,7 @@ TEST(RecordFileWrite, NoPatchLeavesAShortFrame) {
   }
 }
 
-// With a length of 15 the flags word is the checksum itself, with 16 half of it.
+// With a length of 15 the flags word is the checksum, with 16 half of it.
 TEST(RecordFileWrite, FramesTooShortForAFlagsWord) {
   const TempFileC file;
   const GPSMeasDataImplC measurement = FilledMeasurement();
@@ -507,7 +507,7 @@ TEST(RecordFileWrite, FramesTooShortForAFlagsWord) {
   }
 }
 
-// A frame that the file's end cuts is not patched, but written out whole.
+// A frame truncated by the end of the file is not patched, but written whole.
 TEST(RecordFileWrite, FramesThatTheEndOfTheFileCuts) {
   std::mt19937_64 random(8);
   const TempFileC file;
@@ -522,7 +522,7 @@ TEST(RecordFileWrite, FramesThatTheEndOfTheFileCuts) {
     if (size >= 9 + 5) {
       const ByteVector whole = file.Bytes();
       EXPECT_EQ(whole.size(), frame.size());
-      CheckRead(whole, info);  // the checksum is right; the zeros may or may not make blocks
+      CheckRead(whole, info);  // the checksum is correct; the zeros may or may not form blocks
     }
   }
 }

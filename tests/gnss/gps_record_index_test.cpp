@@ -26,7 +26,8 @@ using TestSupport::Piece;
 using TestSupport::TempFileC;
 using TestSupport::TempFolderC;
 
-// The entries that `index` finds in `bytes`; every record's bytes are those at its offset.
+// The entries that `index` finds in `bytes`. Checks that the bytes of each record are those at its
+// offset.
 std::vector<GPSRecordEntry> Walk(GPSRecordIndexC& index, const ByteVector& bytes) {
   EXPECT_TRUE(index.IsOpen());
   EXPECT_EQ(index.GetFileSize(), bytes.size());
@@ -48,7 +49,8 @@ std::vector<GPSRecordEntry> Walk(GPSRecordIndexC& index, const ByteVector& bytes
   return entries;
 }
 
-// The entries of a file that holds `bytes`, which are those of the bytes in memory.
+// The entries of a file with the bytes `bytes`. Checks that they equal those of the bytes in
+// memory.
 std::vector<GPSRecordEntry> WalkFile(const TempFileC& file, const ByteVector& bytes) {
   file.Write(bytes);
   GPSRecordIndexC index(file.Path().string().c_str());
@@ -185,7 +187,7 @@ TEST(RecordEntry, IsAMeasurementByItsTypeAndSize) {
   EXPECT_FALSE((GPSRecordEntry{0, 100, true, 113}).IsMeasurement());
 }
 
-// The longest records lie across every multiple of the sizes that a walk reads at once.
+// The longest records extend across every multiple of the block sizes that a walk reads.
 TEST(RecordIndex, LongRecordsAtEveryPlaceInAFileOfSeveralMegabytes) {
   ByteVector bytes;
   std::vector<GPSRecordEntry> expected;
@@ -198,7 +200,7 @@ TEST(RecordIndex, LongRecordsAtEveryPlaceInAFileOfSeveralMegabytes) {
   EXPECT_EQ(WalkFile(TempFileC(), bytes), expected);
 }
 
-// The longest record just fits behind what is walked of a piece that is read at once, or just not.
+// The longest record just fits, or just does not fit, after the part of a block that was walked.
 TEST(RecordIndex, TheLongestRecordAtTheEndOfWhatIsReadAtOnce) {
   const ByteVector longest = FrameOf(0xFFFF - 5, 1, 7);
   const TempFileC file;
@@ -222,7 +224,7 @@ TEST(RecordIndex, AGapOfManyWindowsIsOneEntry) {
   EXPECT_EQ(WalkFile(TempFileC(), bytes), expected);
 }
 
-// Every second byte begins the longest record there may be. A walk that summed up each of them
+// Every second byte begins a header of the longest record. A walk that added the bytes of each
 // would take hours.
 TEST(RecordIndex, AFileFullOfMagicsStaysQuick) {
   ByteVector bytes;

@@ -1,4 +1,4 @@
-// The stretches of any cuts join to the whole, whatever the bytes are.
+// Adjacent stretches join to the whole, for any bytes and any borders.
 
 #include <algorithm>
 #include <cstdint>
@@ -32,7 +32,7 @@ using TestSupport::FrameOf;
 using TestSupport::Piece;
 using TestSupport::TempFileC;
 
-// A function that reads `bytes` and counts how many.
+// A function that reads `bytes` and counts the bytes read.
 struct CountedC {
   const ByteVector& bytes;
   std::uint64_t count = 0;
@@ -51,7 +51,7 @@ Listed Whole(const ByteVector& bytes) {
   return List(reader);
 }
 
-// Up to 64 stretches, also empty ones and such that begin or end beyond the bytes.
+// Up to 64 stretches, including empty ones and ones that begin or end beyond the bytes.
 std::vector<GPSRecordStretch> Cuts(std::size_t size, std::mt19937_64& random) {
   std::vector<std::uint64_t> borders{0, random() % 4 != 0 ? size : size + random() % 100'000};
   std::size_t count = random() % 4 != 0 ? random() % 6 : random() % 64;
@@ -68,7 +68,7 @@ std::vector<GPSRecordStretch> Cuts(std::size_t size, std::mt19937_64& random) {
   return stretches;
 }
 
-// What the records of a reader are, decoded.
+// The decoded records of a reader.
 std::vector<std::uint64_t> Offsets(GPSRecordReaderC& reader) {
   std::vector<std::uint64_t> offsets;
   for (const GPSRecordC& record : reader) offsets.push_back(record.GetOffset());
@@ -98,7 +98,7 @@ void ExpectStretchesJoin(const ByteVector& bytes, std::mt19937_64& random) {
   ASSERT_EQ(joined.entries, whole.entries);
   ASSERT_EQ(joined.damaged, whole.damaged);
 
-  // The measurements of one of them are its entries'.
+  // The measurements of a stretch are those of its entries.
   const GPSRecordStretch& one = stretches[random() % stretches.size()];
   std::vector<std::uint64_t> expected;
   for (const auto& entry : whole.entries) {
@@ -111,7 +111,7 @@ void ExpectStretchesJoin(const ByteVector& bytes, std::mt19937_64& random) {
   ASSERT_EQ(Offsets(reader), expected);
 }
 
-// Flips bytes, cuts pieces out and doubles others.
+// Flips bytes, removes pieces and duplicates others.
 void Damage(ByteVector& bytes, std::mt19937_64& random) {
   for (std::size_t flips = random() % 40; flips > 0; --flips) {
     bytes[random() % bytes.size()] ^= static_cast<std::uint8_t>(1 + random() % 255);
@@ -141,7 +141,7 @@ TEST(ReaderStretchesProperty, OfDamagedFilesJoinToTheWhole) {
   }
 }
 
-// Walks that begin with different frames of a chain never meet, unless damage makes them.
+// Walks that begin with different frames of a chain meet only after damage.
 TEST(ReaderStretchesProperty, OfChainsJoinToTheWhole) {
   std::mt19937_64 random(20260131);
   const struct {
@@ -162,13 +162,13 @@ TEST(ReaderStretchesProperty, OfChainsJoinToTheWhole) {
   }
 }
 
-// The 100-byte frames of a chain begin every 50 bytes: at every place two walks are possible, and
-// the start of the file alone tells which it is.
+// The 100-byte frames of a chain begin every 50 bytes: at every position two walks are possible,
+// and only the start of the file determines which is correct.
 TEST(ReaderStretches, OnlyTheStartTellsTheWalkOfAChain) {
   std::mt19937_64 random(20260132);
   const ByteVector chain = ChainOf(100, 50, 400'000, random);
   for (const std::size_t shift : {0U, 50U}) {
-    // The same bytes after another start: another walk.
+    // The same bytes after a different start give a different walk.
     ByteVector bytes = shift == 0 ? ByteVector() : FrameOf(shift - 7, 1, 7);
     bytes.insert(bytes.end(), chain.begin() + static_cast<std::ptrdiff_t>(shift), chain.end());
     ASSERT_EQ(bytes.size(), chain.size());
@@ -191,8 +191,8 @@ TEST(ReaderStretches, AChainCostsReadingFromItsStart) {
   }
 }
 
-// A stretch of a real file costs its own bytes, those of the look-back, and what the last header
-// before its end asks for beyond that.
+// Reading a stretch of a real file reads its bytes, those of the look-back, and those that the last
+// header before its end needs after it.
 TEST(ReaderStretches, OfRealFilesReadFewBytesMore) {
   for (const char* const name : {"valley_drive.rec", "desert_highway.rec"}) {
     const ByteVector once = TestSupport::ReadBytes(std::string(SURVEYDATA_TEST_DATA) + name);
@@ -221,7 +221,7 @@ TEST(ReaderStretches, OfRealFilesReadFewBytesMore) {
   }
 }
 
-// Every byte of a small file as a border.
+// Every byte of a small file is used as a border.
 TEST(ReaderStretches, CutAtEveryByte) {
   std::mt19937_64 random(20260135);
   ByteVector bytes;
@@ -262,15 +262,16 @@ TEST(ReaderStretches, EmptyBackwardAndBeyondTheEnd) {
   EXPECT_FALSE(first.Next());
 }
 
-// Records of the longest kind that overlap each other: summed up each for itself, the walks that
-// may be possible would take a thousand times as long.
+// Overlapping records of the greatest length: adding the bytes of each record separately would take
+// a thousand times as long.
 TEST(ReaderStretches, MeetInLinearTime) {
   std::mt19937_64 random(20260136);
   for (const auto& [size, step] : {std::pair<std::size_t, std::size_t>{65'537, 700}, {100, 50}}) {
     const ByteVector bytes = ChainOf(size, step, 600'000, random);
     SDI::RecordWalk::WalkC walk(bytes);
     ASSERT_TRUE(walk.GoTo(500'000, 600'000));
-    // Three look-backs, the last from the start: each byte once, two blocks for each header.
+    // Three look-backs, the last from the start: each adds every byte once, and two blocks per
+    // header.
     const std::uint64_t walked = 131'074 + 262'148 + 500'000 + 3 * 65'537;
     EXPECT_LE(walk.GetSummed(),
               walked + 2 * SDI::RecordWalk::ByteSumsC::kBlock * (walked / step + 3));

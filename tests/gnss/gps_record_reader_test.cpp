@@ -109,7 +109,7 @@ void ForEachSource(const TempFileC& file, const ByteVector& bytes, Check check) 
   }
 }
 
-// What reading a frame gives by the model.
+// The result of reading a frame by the model.
 struct Expected {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;
@@ -209,7 +209,7 @@ TEST(RecordReader, ListsTheEntriesAndDamagedHeadersOfTheModelFromEverySource) {
   for (const std::size_t kind : kinds) EXPECT_GT(kind, 50U);
 }
 
-// Damage that only the next blocks of a file tell apart, as it comes to lie at their borders.
+// Damage at the borders of blocks, whose fault only the next block of the file shows.
 TEST(RecordReader, DamageAtTheBordersOfBlocks) {
   std::mt19937_64 random(20260122);
   const TempFileC file;
@@ -234,7 +234,7 @@ TEST(RecordReader, DamageAtTheBordersOfBlocks) {
   }
 }
 
-// A header that would be cut by the end of the source, though a record follows.
+// A header whose frame would extend past the end of the source, although a record follows.
 TEST(RecordReader, AHeaderThatReachesBeyondTheEndIsCutEvenBeforeARecord) {
   ByteVector bytes = FrameOf(400, 1);
   bytes.resize(100);
@@ -254,7 +254,7 @@ TEST(RecordReader, AHeaderWithoutRoomForTimesAndFlagsIsNoDamage) {
   }
 }
 
-// As many headers as there can be before it is known what is wrong with the first one.
+// The largest possible number of headers before the fault of the first one is certain.
 TEST(RecordReader, HeadersEveryFiveBytes) {
   ByteVector bytes;
   for (int i = 0; i < 3000; ++i) Append(bytes, {0x9C, 0xAE, 0xF2, 0x01, 113});
@@ -294,7 +294,7 @@ TEST(RecordReader, ARecordIsInFreshData) {
   EXPECT_TRUE(reader.GetRecord().IsDone());
   EXPECT_STREQ(reader.GetRecord().GetInfo().name, "first");
   EXPECT_TRUE(reader.GetRecord().GetMeasurement().GetImpl()->HasListBlock());
-  // What a caller changes, or asks a part for, is gone with the next record.
+  // Changes by the caller, and public objects of parts, are gone with the next record.
   GPSMeasDataImplC& impl = *reader.GetRecord().GetMeasurement().GetImpl();
   impl.SetTextB(u"changed");
   impl.SetTimeB({2200, 5});
@@ -471,7 +471,7 @@ TEST(RecordReader, AFunctionThatFailsEndsTheReading) {
   }
 }
 
-// The body of a record that could not be read whole may hold frames, which are no records.
+// The body of a record that could not be read completely may contain frames, which are not records.
 TEST(RecordReader, FramesInsideARecordThatCannotBeReadAreNotRecords) {
   const ByteVector first = FrameOf(20);
   ByteVector body;
@@ -503,7 +503,7 @@ TEST(RecordReader, FramesInsideARecordThatCannotBeReadAreNotRecords) {
   }
 }
 
-// What is wrong with the last header was not seen any more.
+// The fault of the last header is unknown.
 TEST(RecordReader, DamageIsNotMadeUpWhereReadingFailed) {
   ByteVector bytes = FrameOf(400, 1);
   bytes.resize(100);
@@ -597,7 +597,7 @@ ReaderWalks::Listed ListDespite(GPSRecordReaderC& reader, NowAndThenC& nowAndThe
 TEST(RecordReader, WhateverThrowsNothingIsLostOrGivenTwice) {
   std::mt19937_64 random(20260125);
   for (int round = 0; round < 20; ++round) {
-    // Several blocks, gaps with damaged headers across their borders.
+    // Several blocks, with gaps and damaged headers across their borders.
     ByteVector bytes;
     while (bytes.size() < 700'000) {
       Append(bytes, MixedFile(random, 20));
@@ -612,7 +612,7 @@ TEST(RecordReader, WhateverThrowsNothingIsLostOrGivenTwice) {
     GPSRecordReaderC whole(readOrThrow, bytes.size());
     const ReaderWalks::Listed expected{RecordModel::Walk(bytes), RecordModel::Damaged(bytes)};
     EXPECT_EQ(ListDespite(whole, nowAndThen), expected);
-    // A stretch settles its damaged headers after its end.
+    // A stretch determines the faults of its last damaged headers after its end.
     const std::uint64_t cut = random() % (bytes.size() + 1);
     GPSRecordReaderC first(readOrThrow, bytes.size(), {0, cut});
     ReaderWalks::Listed joined = ListDespite(first, nowAndThen);
@@ -658,8 +658,8 @@ TEST(RecordReader, TellsHowFarItHasCome) {
   EXPECT_EQ(calls, 0);
 }
 
-// Also where a stretch has to be read from the start of the source, in which nothing else is heard
-// of.
+// Also if a stretch must be read from the start of the source, during which nothing else is
+// reported.
 TEST(RecordReader, CanBeStoppedWhileItLooksBack) {
   std::mt19937_64 random(20260126);
   const ByteVector bytes = ReaderWalks::ChainOf(100, 50, 6'000'000, random);
@@ -716,7 +716,7 @@ TEST(RecordReader, OffsetsOf64Bits) {
   EXPECT_FALSE(reader.NextEntry(entry));
 }
 
-// Judged by the thread checker in its build.
+// The thread sanitizer checks this in its build.
 TEST(RecordReader, ReadersInManyThreads) {
   std::mt19937_64 random(20260124);
   ByteVector bytes;
@@ -773,7 +773,7 @@ TEST(RecordReaderDecode, DecodesAsTheModelReads) {
     StoredFields fields;
     GPSRecordFileInfo info;
     ASSERT_EQ(RecordModel::Read(frame, fields, info), 0U);
-    Append(frame, ByteVector(random() % 3, 0x9C));  // is not looked at
+    Append(frame, ByteVector(random() % 3, 0x9C));  // is ignored
     const Decoded decoded = Decode(frame);
     ASSERT_EQ(decoded.result, SDI::GPSDecodeResult());
     ASSERT_TRUE(decoded.result.IsDone());
@@ -850,7 +850,7 @@ TEST(RecordReaderDecode, NamesTheBlockThatDoesNotFit) {
     EXPECT_EQ(decoded.result, (SDI::GPSDecodeResult{GPSRecordOutcome::kBlockDoesNotFit, one.block}))
         << SDI::TextOf(one.block);
     EXPECT_FALSE(decoded.result.IsDone());
-    EXPECT_EQ(decoded.fields.timeA.week, 2200U);  // what was before it is stored
+    EXPECT_EQ(decoded.fields.timeA.week, 2200U);  // the blocks before it are stored
   }
   EXPECT_EQ(Decode(FrameOf(11)).result.block, kTimes);
   EXPECT_EQ(Decode(FrameBuilderC().Times().U16(kWord2).Frame()).result.block, kMore);

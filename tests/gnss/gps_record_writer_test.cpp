@@ -77,7 +77,7 @@ TEST(RecordWriterEncode, RefusesAFieldThatHasNoPlace) {
             (GPSEncodeResult{GPSEncodeOutcome::kNoPlace, GPSRecordField::kName, 0}));
 }
 
-// 498 bytes before the checksum: three texts fill them to the last, and one unit more is refused.
+// Three texts fill the 498 bytes before the checksum completely; one more unit is refused.
 TEST(RecordWriterEncode, RefusesTheFieldThatMakesTheFrameTooLong) {
   GPSMeasDataImplC measurement;
   measurement.SetTextA(std::u16string(79, u'a').c_str());
@@ -134,7 +134,7 @@ TEST(RecordWriterAppend, RefusesWhatIsNotWholeRecords) {
               GPSAppendOutcome::kNoRecords);
     EXPECT_EQ(file.Bytes(), before);
   }
-  // Not even an empty file is made.
+  // Not even an empty file is created.
   const TempFolderC folder;
   EXPECT_EQ(GPSRecordWriterC::Append((folder.Path() / "new.rec").string().c_str(), cut),
             GPSAppendOutcome::kNoRecords);

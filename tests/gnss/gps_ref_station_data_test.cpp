@@ -16,7 +16,7 @@ namespace {
 using SDI::GPSRefStationDataC;
 using SDI::GPSRefStationDataImplC;
 
-// A station with everything filled but the valid mask, which is `validMask`.
+// A station with all fields set, and the valid mask `validMask`.
 GPSRefStationDataC StationOf(std::uint8_t validMask) {
   GPSRefStationDataC station;
   Records::FillAll(*station.GetImpl());
@@ -133,12 +133,12 @@ TEST(GPSRefStationData, CopiesAllUnitsOfTheNameAndComparesThemUpToTheTerminator)
   EXPECT_TRUE(std::ranges::equal(assigned.GetImpl()->name, name));
 
   name[6] = u'B';
-  EXPECT_TRUE(station.IsEqual(copy)) << "behind the terminator";
+  EXPECT_TRUE(station.IsEqual(copy)) << "after the terminator";
   name[4] = u'5';
   EXPECT_FALSE(station.IsEqual(copy));
 }
 
-// Destroys the parts' public objects one after the other and notes the order.
+// Destroys the public objects of the parts one after the other and records the order.
 template <class Public>
 class NotedC : public Public {
  public:

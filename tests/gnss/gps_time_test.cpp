@@ -35,7 +35,7 @@ std::string Utc(const Vorlin::TimeC& time) {
   return SDI::FormatUTC(time, text) ? text : std::string("false, ") + text;
 }
 
-// What the published table says.
+// The published table.
 struct PublishedTable {
   std::vector<year_month_day> daysWithLeapSecond;  // since 1980
   std::string expires;

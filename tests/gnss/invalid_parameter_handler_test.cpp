@@ -1,5 +1,5 @@
-// A refused text reaches the invalid-parameter handler of the Windows runtime. msvcrt keeps one for
-// each module, so the library is a part of this program.
+// A refused text reaches the invalid-parameter handler of the Windows runtime. msvcrt has one
+// per module, so the library is linked into this program.
 
 #include <cerrno>
 #include <cstdint>

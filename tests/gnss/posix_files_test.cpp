@@ -1,4 +1,4 @@
-// Record files of kinds, and with names, that there are on POSIX systems.
+// Kinds and names of record files that exist only on POSIX systems.
 
 #include <csignal>
 #include <cstddef>
@@ -62,7 +62,7 @@ TEST(RecordFileRead, EveryWayOutClosesTheFile) {
   }
 }
 
-// It can be read but, by nobody at all, be opened for writing.
+// A file that can be read, but that not even root can open for writing.
 TEST(RecordFileOpen, ARunningProgramIsNoFile) {
   const TempFolderC folder;
   fs::create_symlink(fs::read_symlink("/proc/self/exe"), folder.Path() / "running.rec");
@@ -166,14 +166,14 @@ TEST(RecordReader, AFileThatMustNotBeRead) {
   fs::permissions(file.Path().parent_path(), fs::perms::all);
   fs::permissions(file.Path(), fs::perms::none);
   const uid_t user = geteuid();
-  ASSERT_EQ(seteuid(user != 0 ? user : 65534), 0);  // nothing is forbidden to the superuser
+  ASSERT_EQ(seteuid(user != 0 ? user : 65534), 0);  // the superuser has all permissions
   const SDI::GPSRecordReaderC reader(file.Path().c_str());
   ASSERT_EQ(seteuid(user), 0);
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kNoPermission);
 }
 
 TEST(RecordReader, AFileWithoutASizeIsRead) {
-  // Its size is said to be 0.
+  // The system reports its size as 0.
   SDI::GPSRecordReaderC reader("/proc/self/maps");
   EXPECT_EQ(reader.GetSize(), 0U);
   GPSRecordEntry entry;
@@ -209,14 +209,14 @@ TEST(RecordWriter, APipeIsNoFileToAppendTo) {
   close(reader);
 }
 
-// The device answers every write as a full disk does.
+// Every write to the device fails as on a full disk.
 TEST(RecordWriter, AFullDevice) {
   EXPECT_EQ(SDI::GPSRecordWriterC::Append("/dev/full", FrameOf(20)),
-            SDI::GPSAppendOutcome::kLeftOver);  // a device cannot be cut back
+            SDI::GPSAppendOutcome::kLeftOver);  // a device cannot be truncated
 }
 
-// The first sequence of the last bytes would need the byte behind the array, which is the first of
-// the extension.
+// The sequence at the end of the array would need the byte after it, which is the first of the
+// extension.
 TEST(RecordFileWrite, TheByteBehindTheNameIsNotRead) {
   const TempFileC file(FrameBuilderC().Times().U16(2).Fill(38, 2).Frame(), "file.\xA9");
   SDI::GPSRecordFileInfo info = file.Info();

@@ -16,7 +16,7 @@
 #include "tests/support/frame_builder.h"
 
 /// \file
-/// What the tests of the reader share: everything that a reader gives, and files to read.
+/// Shared by the tests of the reader: all output of a reader, and files to read.
 
 namespace SDI {
 inline void PrintTo(const GPSRecordEntry& entry, std::ostream* out) {
@@ -33,7 +33,7 @@ namespace ReaderWalks {
 
 using TestSupport::ByteVector;
 
-/// What a reader gives in its order: entries, and damaged headers.
+/// The output of a reader, in order: entries and damaged headers.
 struct Listed {
   std::vector<SDI::GPSRecordEntry> entries;
   std::vector<SDI::GPSDamagedHeader> damaged;
@@ -46,7 +46,7 @@ inline Listed List(SDI::GPSRecordReaderC& reader) {
   reader.SetReportDamaged(
       [&](const SDI::GPSDamagedHeader& header) { listed.damaged.push_back(header); });
   for (SDI::GPSRecordEntry entry; reader.NextEntry(entry);) {
-    // A header is reported before the gap that it lies in, or the record after that, is given.
+    // A header is reported before the gap that contains it and the record after that gap.
     if (!listed.damaged.empty()) {
       EXPECT_LT(listed.damaged.back().offset, entry.offset + entry.size);
     }
@@ -56,7 +56,7 @@ inline Listed List(SDI::GPSRecordReaderC& reader) {
   return listed;
 }
 
-/// Stretches put together: gaps that touch at a border are one.
+/// Joins the output of stretches: gaps that touch at a border become one.
 inline void Join(Listed& whole, const Listed& part) {
   bool isFirst = true;
   for (const SDI::GPSRecordEntry& entry : part.entries) {
@@ -73,8 +73,8 @@ inline void Join(Listed& whole, const Listed& part) {
   whole.damaged.insert(whole.damaged.end(), part.damaged.begin(), part.damaged.end());
 }
 
-/// Frames of `size` bytes that begin every `step` bytes: the checksum of each lies in the next
-/// ones, and the walks that begin with different ones never meet.
+/// Overlapping frames of `size` bytes, one every `step` bytes: the checksum of each is inside the
+/// next ones, and walks that begin with different frames never meet.
 inline ByteVector ChainOf(std::size_t size, std::size_t step, std::size_t bytes,
                           std::mt19937_64& random) {
   ByteVector chain;

@@ -36,7 +36,7 @@ using TestSupport::ExpectRoundTrip;
 using TestSupport::FrameBuilderC;
 using TestSupport::WellFormedFrame;
 
-// --- Frames that can be read --------------------------------------------------------------------
+// --- Readable frames ----------------------------------------------------------------------------
 
 TEST(RecordEncode, EveryFrameOfTheSamples) {
   for (const std::string name : {"valley_drive", "desert_highway"}) {
@@ -63,7 +63,7 @@ TEST(RecordEncode, EveryFlagsWordOfWellFormedFrames) {
   }
 }
 
-// Bytes that are left between the last block and the checksum are not needed.
+// Bytes between the last block and the checksum are not needed.
 TEST(RecordEncode, TheLongestFrame) {
   FrameBuilderC b;
   b.Times().U16(0x2000).U16(0x0058);
@@ -280,7 +280,7 @@ TEST(RecordEncode, WhatAFrameNeverGivesIsRefused) {
     return [count](Record& r) { r.measurement.SetListBlock(ListOf(count)); };
   };
   const struct {
-    RecordField field;  // kNone: just within the limit
+    RecordField field;  // kNone: exactly at the limit
     const char* text;
     std::function<void(Record&)> set;
   } cases[] = {
@@ -359,7 +359,7 @@ TEST(RecordEncode, TheFirstFieldInTheOrderOfTheFrameIsNamed) {
   EXPECT_EQ(EncodedOf(measurement, {}).refusal.field, RecordField::kTimeBWeek);
 }
 
-// Texts and flag A that leave `left` bytes up to a length of 498.
+// Texts and flag A with `left` bytes to spare before a length of 498.
 void Fill(GPSMeasDataImplC& measurement, std::size_t left) {
   std::size_t bytes = 498 - Begun(0x2000).Payload().size() - 5 - 2 - left;
   if (bytes % 2 != 0) {
@@ -427,7 +427,7 @@ TEST(RecordEncode, AThirdLongTextIsTooLongByOneByte) {
   EXPECT_EQ(EncodedOf(measurement, {}).bytes.size(), 499U);
 }
 
-// --- Anything that setters can make -------------------------------------------------------------
+// --- Any measurement that setters can produce ---------------------------------------------------
 
 // Calls setters at random, with values around the limits of the frame.
 Record RandomRecord(std::mt19937_64& random) {
@@ -495,7 +495,7 @@ Record RandomRecord(std::mt19937_64& random) {
   return r;
 }
 
-// What is not refused reads back; nothing is written out of it that is refused.
+// A measurement that is not refused reads back, and a refused one gives no frame.
 TEST(RecordEncode, RandomRecordsReadBackOrAreRefused) {
   std::mt19937_64 random(5);
   unsigned encoded = 0;

@@ -20,8 +20,8 @@
 #include "tests/support/same_info.h"
 #include "tests/support/temp_file.h"
 
-// What a record file cannot be made to do on its own: every call of the C runtime's file functions
-// fails once.
+// Failures that files cannot produce in a test: each call of a file function of the C runtime fails
+// once.
 
 namespace {
 
@@ -54,7 +54,7 @@ class RecordFaults : public testing::Test {
     EXPECT_EQ(Descriptors(), descriptors_);
   }
 
-  // Runs `operation` with a file call that fails; neither memory nor a handle is left.
+  // Runs `operation` with a failing file call, and checks that no memory and no handle leaks.
   std::uint32_t RunWithFault(std::size_t call, Extent extent,
                              const std::function<std::uint32_t()>& operation) {
     const std::size_t taken = Faults::Allocations();
@@ -64,7 +64,7 @@ class RecordFaults : public testing::Test {
     const std::size_t calls = Faults::FileCalls().size();
     Faults::FailNoFileCall();
     EXPECT_EQ(Faults::Allocations() - taken, Faults::Releases() - released);
-    EXPECT_GT(calls, call);  // the one that fails was reached
+    EXPECT_GT(calls, call);  // the failing call was reached
     EXPECT_EQ(Faults::OpenFiles(), openFiles_);
     EXPECT_EQ(Descriptors(), descriptors_);
     return result;
@@ -93,7 +93,7 @@ TEST_F(RecordFaults, TheCallsOfAReadAndOfAWrite) {
 }
 
 TEST_F(RecordFaults, EveryCallOfAReadFails) {
-  // A read that falls short is a file that ends there, and a close is not asked for its result.
+  // A short read means that the file ends there; the result of closing is ignored.
   const std::uint32_t results[] = {1, 2, 0, 0, 0};
   for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
     for (std::size_t call = 0; call < kReadCalls.size(); ++call) {
@@ -117,7 +117,7 @@ TEST_F(RecordFaults, EveryCallOfAReadFails) {
 }
 
 TEST_F(RecordFaults, EveryCallOfAWriteFails) {
-  // The second read decides what is patched, not whether; the write itself is not checked.
+  // The second read determines what is patched, not whether; the write itself is not checked.
   const std::uint32_t results[] = {1, 2, 1, 0, 1, 0, 0};
   const auto stored = StoredIn(measurement_);
   ByteVector patched = before_;
@@ -138,7 +138,7 @@ TEST_F(RecordFaults, EveryCallOfAWriteFails) {
 
       ByteVector expected = before_;
       if (call == 3) {
-        // As if the file ended where the read did: whole, zeros behind the cut.
+        // As if the file ended where the read did: written whole, with zeros for the missing bytes.
         ByteVector cut = before_;
         cut.resize(5 + (extent == Extent::kHalf ? (before_.size() - 5) / 2 : 0));
         ASSERT_EQ(RecordModel::Write(cut, &stored, info_), 0U);
@@ -207,7 +207,7 @@ TEST_F(RecordFaults, EveryCallOfAWalkFails) {
     // To the end, and back.
     const bool isSeekBack = call == 3;
     EXPECT_EQ(walked.hasFailed, isSeekBack || calls[call] == "fread");
-    // Without its size the file is walked all the same.
+    // The file is walked even if its size is unknown.
     const bool isUnmeasured = !isSeekBack && (calls[call] == "fseeko" || calls[call] == "ftello");
     EXPECT_EQ(walked.fileSize, walked.isOpen && !isUnmeasured ? before_.size() : 0U);
     const bool isWalked = isUnmeasured || calls[call] == "fclose";
@@ -243,7 +243,7 @@ TEST_F(RecordFaults, EveryReadOfALongWalkFails) {
       Faults::FailNoFileCall();
       EXPECT_TRUE(walked.hasFailed);
       EXPECT_EQ(Faults::OpenFiles(), openFiles_);
-      // What was read is walked, once and whole.
+      // The bytes that were read are walked completely, once.
       ByteVector read = bytes;
       read.resize(
           walked.entries.empty() ? 0 : walked.entries.back().offset + walked.entries.back().size);
@@ -293,7 +293,7 @@ TEST_F(RecordFaults, EveryCallOfAReaderFails) {
     Faults::FailNoFileCall();
     EXPECT_EQ(Faults::OpenFiles(), openFiles_);
     EXPECT_EQ(read.state, states[call]);
-    // Without its size the file is read all the same.
+    // The file is read even if its size is unknown.
     EXPECT_EQ(read.size, call == 0 || call == 1 || call == 2 ? 0U : before_.size());
     EXPECT_EQ(read.entries,
               read.state == kOpen ? whole.entries : std::vector<SDI::GPSRecordEntry>());
@@ -320,7 +320,7 @@ TEST_F(RecordFaults, EveryReadOfAStretchFails) {
       // The records that were read are those of the stretch, up to where reading failed.
       std::size_t same = 0;
       for (const auto& entry : read.entries) {
-        if (entry.isGap) continue;  // what is left of a record
+        if (entry.isGap) continue;  // the rest of a record
         EXPECT_EQ(entry, whole.entries.at(same++));
       }
       EXPECT_LE(same, whole.entries.size());
@@ -342,7 +342,7 @@ TEST_F(RecordFaults, ReadingRecordsTakesNoMemory) {
   ByteVector bytes;
   while (bytes.size() < 700'000) {
     TestSupport::Append(bytes, TestSupport::WellFormedFrame(0x33FF, 0x3FFF, random_));
-    TestSupport::Append(bytes, {0x9C, 0xAE, 0xFF, 0xFF, 113});  // makes sums necessary
+    TestSupport::Append(bytes, {0x9C, 0xAE, 0xFF, 0xFF, 113});  // makes the walk add bytes
   }
   file_.Write(bytes);
   for (const SDI::GPSRecordStretch& stretch :
@@ -387,7 +387,7 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
       Faults::FailNoFileCall();
       EXPECT_EQ(Faults::OpenFiles(), openFiles_);
       EXPECT_EQ(Descriptors(), descriptors_);
-      // As it was, whatever failed; all was written before the close.
+      // Unchanged after every failure, except that of the close: all was written before.
       EXPECT_EQ(file_.Bytes(), calls[call] == "fclose" ? after : before_);
       file_.Write(before_);
       EXPECT_EQ(append(), kDone);  // the next one works
@@ -396,7 +396,7 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
   }
 }
 
-// The one case in which something stays: what was in the file before is untouched even then.
+// The only case in which bytes remain. Even then the previous contents are unchanged.
 TEST_F(RecordFaults, AnAppendThatCannotBeCutBackSaysSo) {
   const ByteVector records = TestSupport::FrameOf(200, 1);
   Faults::FailFileCall(3, Extent::kHalf, 4);

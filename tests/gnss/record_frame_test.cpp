@@ -41,9 +41,9 @@ using TestSupport::StoredFields;
 using TestSupport::StoredIn;
 using TestSupport::WellFormedFrame;
 
-// --- Decoding against the literal model ---------------------------------------------------------
+// --- Decoding compared with the literal model ---------------------------------------------------
 
-// An info in which no field has its default, and whose texts end nowhere.
+// An info in which every field differs from its default, with unterminated texts.
 GPSRecordFileInfo FilledInfo() {
   GPSRecordFileInfo info;
   info.number = -4711;
@@ -54,10 +54,10 @@ GPSRecordFileInfo FilledInfo() {
   return info;
 }
 
-// Decodes frames over a measurement and an info that hold something already, as the model does.
+// Decodes frames into a filled measurement and info, and compares with the model.
 class Decoding : public testing::Test {
  protected:
-  // What the model makes of bytes that begin with a frame. Bytes that end before it does are no
+  // The model's result for bytes that begin with a frame. Bytes that end before the frame are not a
   // frame in memory.
   std::uint32_t Model(const ByteVector& bytes) {
     expected_ = filled_;
@@ -67,12 +67,12 @@ class Decoding : public testing::Test {
     return isCut ? 2 : RecordModel::Read(bytes, expected_, expectedInfo_);
   }
 
-  // Whether the library makes the same of them; the result is the model's.
+  // Compares the library with the model. Returns the model's result.
   std::uint32_t Check(const ByteVector& bytes) {
     const std::uint32_t result = Model(bytes);
     measurement_ = filledMeasurement_;
     GPSRecordFileInfo info = filledInfo_;
-    // A block of its own, so that the address checks see every byte behind the frame.
+    // A separate heap block, so that AddressSanitizer detects every read past the frame.
     const std::vector<std::uint8_t> exact(bytes);
     EXPECT_EQ(Decode(exact, measurement_, info).IsDone(), result == 0);
     if (StoredIn(measurement_) != expected_) {
@@ -107,13 +107,14 @@ TEST_F(Decoding, EveryFlagsWord2OfWellFormedFrames) {
   }
 }
 
-// The same bytes under every flags word: most announce more than there is, or counts too large.
+// The same bytes with every flags word: most announce more bytes than there are, or too large
+// counts.
 TEST_F(Decoding, EveryFlagsWordOverTheSameBytes) {
   unsigned results[3] = {};
   for (const std::size_t size : {3U, 40U, 120U, 300U}) {
     FrameBuilderC b;
     b.Times().U16(0);
-    for (std::size_t i = 0; i < size; ++i) {  // mostly small, so that counts are possible
+    for (std::size_t i = 0; i < size; ++i) {  // mostly small, so that counts are valid
       b.U8(static_cast<unsigned>(random_() % (random_() % 4 != 0 ? 3 : 256)));
     }
     ByteVector frame = b.Frame();
@@ -175,7 +176,7 @@ TEST_F(Decoding, EveryChangeOfOneByteWithARightChecksum) {
   EXPECT_GT(results[2], 1'000U);
 }
 
-// A frame that ends within any block: the blocks before it are stored, it and the later ones not.
+// A frame that ends inside any block: only the blocks before it are stored.
 TEST_F(Decoding, EveryLengthOfAFrameCutShort) {
   for (int round = 0; round < 20; ++round) {
     const ByteVector whole = FrameWithEverything(random_);
@@ -210,7 +211,7 @@ TEST_F(Decoding, BytesBetweenTheLastBlockAndTheChecksumAreIgnored) {
   EXPECT_EQ(expected_.totalPair, (SDI::GPSCounterPair{1, 2}));
 }
 
-// Every length that a header can announce, with a right checksum wherever one fits.
+// Every length that a header can have, with a correct checksum if there is room for one.
 TEST_F(Decoding, EveryLength) {
   for (unsigned length = 0; length <= 0xFFFF && !HasFailure(); length += length < 600 ? 1 : 7919) {
     SCOPED_TRACE(length);
@@ -285,7 +286,7 @@ TEST_F(Decoding, EveryByteOfTheFileFlags) {
       }
     }
   }
-  // Once against what the format says, without the model.
+  // Compared with the format, without the model.
   ASSERT_EQ(Check(FrameBuilderC().Times().U16(1).Fill(6, 0).U8(0).U8(6).U32(0x4000).Frame()), 0U);
   EXPECT_EQ(measurement_.GetStatusMask() & 0x0F, 0x0B | (filled_.statusMask & 0x0F));
   EXPECT_EQ(expectedInfo_.flags, 0x8000'0001);
@@ -352,7 +353,7 @@ TEST_F(Decoding, EveryLengthOfEachText) {
                                    : bit == 0x0040 ? stored.textC
                                                    : stored.textD;
       EXPECT_EQ(text, std::u16string(std::min(length, most - 1), u'\xFEDC'));
-      // Without a terminator within the limit exactly the limit is consumed.
+      // Without a terminator, exactly the maximum is consumed.
       const unsigned next = length < most ? 0x4321U : length > most ? 0xFEDCU : 0U;
       EXPECT_EQ(stored.valueI, next);
     }
@@ -407,7 +408,7 @@ TEST_F(Decoding, UnitsOfANameThatDoNotFitAreSkipped) {
   const std::string fifteen = sixteen.substr(3);
   EXPECT_EQ(decode(std::u16string(15, u'\u20ac') + u"\u00e9"),
             fifteen + "\xC3\xA9" + std::string(1, '\0') + "#");
-  // Without a zero among the units the field keeps what stands behind the name.
+  // Without a zero among the units, the field keeps its bytes after the name.
   EXPECT_EQ(decode(std::u16string(17, u'x')), std::string(17, 'x') + std::string(32, '#'));
   EXPECT_EQ(decode(u""), std::string(1, '\0') + std::string(48, '#'));
 }
@@ -520,7 +521,7 @@ TEST_F(Decoding, NamesTheBlockThatDoesNotFit) {
 
 // --- Patches ------------------------------------------------------------------------------------
 
-// Where the fields of an update lie, as the format's description says; no size where the flags do
+// The positions of the fields of an update according to the format; the size is 0 if the flags do
 // not announce them.
 struct Place {
   std::size_t at = 0;
@@ -537,7 +538,7 @@ Place PlaceOf(Field field, unsigned flags) {
   return {};
 }
 
-// Each set of fields, in frames with each set of blocks, some too short for what their flags say.
+// Each set of fields, in frames with each set of blocks; some are too short for their flags.
 TEST(RecordPatch, ChangesTheListedFieldsAndNothingElse) {
   std::mt19937_64 random(6);
   const GPSMeasDataImplC measurement = FilledMeasurement();
@@ -553,7 +554,7 @@ TEST(RecordPatch, ChangesTheListedFieldsAndNothingElse) {
         ByteVector before(frame.begin(), frame.end());
         RecordModel::PutU16(before, 15, flags);
         std::copy(before.begin(), before.end(), frame.begin());
-        // The model updates every field of a good frame; here is one of the same bytes.
+        // The model updates only good frames, so it gets a good one with the same bytes.
         ByteVector all = before;
         const ByteVector header = {0x9C, 0xAE, 0xF2, 0x01, 113};
         std::copy(header.begin(), header.end(), all.begin());
@@ -608,7 +609,7 @@ TEST(RecordChecksum, OfSumsThatAreAMultipleOf65536IsZero) {
 
 // --- Frame builder ------------------------------------------------------------------------------
 
-// The builder's rules, literally, on bytes that hold something already.
+// The builder's rules, literally, on a buffer that is not zeroed.
 std::size_t ModelBuild(ByteVector& buffer, unsigned type, int subType, std::size_t payload) {
   std::size_t size = payload + 7;
   if (subType >= 1) ++size;
@@ -721,21 +722,21 @@ TEST(RecordEncodeName, SkippedUnitsCount) {
   EXPECT_EQ(EncodeName(u"a\u20ac\u20ac", 3, field, 4), 7);
   EXPECT_EQ(std::string(field, 4), "a\xE2\x82\xAC");
   EXPECT_EQ(EncodeName(u"ab\u20ac", 3, field, 4), 5);
-  EXPECT_EQ(std::string(field, 4), "ab\x82\xAC");  // skipped, and what stood there stays
+  EXPECT_EQ(std::string(field, 4), "ab\x82\xAC");  // skipped; the bytes there stay
 }
 
 void ExpectDecodedAsTheModelDoes(const std::string& bytes, std::size_t capacity) {
-  // A block of its own, so that the address checks see a read behind the limit.
+  // A separate heap block, so that AddressSanitizer detects a read past the limit.
   const std::vector<char> exact(bytes.begin(), bytes.end());
   std::vector<char16_t> units(capacity, u'#');
   auto [expected, result] = RecordModel::DecodeName(exact.data(), exact.size(), capacity);
   ASSERT_EQ(DecodeName(exact.data(), exact.size(), units.data(), capacity), result);
-  expected.resize(capacity);  // what is not decoded is cleared
+  expected.resize(capacity);  // the rest is cleared
   ASSERT_EQ(std::vector<unsigned>(units.begin(), units.end()), expected);
 }
 
 TEST(RecordDecodeName, EverySequenceOfThreeBytes) {
-  for (unsigned lead = 0; lead < 256; ++lead) {  // and of fewer
+  for (unsigned lead = 0; lead < 256; ++lead) {  // including shorter sequences
     for (unsigned second = 0; second < 256; second += second < 0x7E ? 9 : 1) {
       for (unsigned third = 0; third < 256; third += third < 0x7E ? 21 : 7) {
         const std::string bytes = {static_cast<char>(lead), static_cast<char>(second),

@@ -19,8 +19,8 @@
 #include "tests/support/frame_builder.h"
 
 /// \file
-/// A record file read, written and walked by plain byte arithmetic, as slowly and literally as the
-/// format describes it. It shares nothing with the library but the plain structures of its answers.
+/// Reads, writes and walks record files with plain byte arithmetic, following the description of
+/// the format literally. It shares only the result structures with the library.
 
 namespace RecordModel {
 
@@ -58,7 +58,7 @@ inline std::string Encoded(unsigned u) {
   return {c(0xE0 | u >> 12), c(0x80 | (u >> 6 & 0x3F)), c(0x80 | (u & 0x3F))};
 }
 
-// What the encoder leaves in a field of `capacity` bytes, and the count that it answers.
+// The bytes that the encoder leaves in a field of `capacity` bytes, and the count that it returns.
 inline int EncodeName(const std::vector<unsigned>& units, char* field, std::size_t capacity) {
   if (units.size() + 1 > capacity) return -1;
   std::size_t written = 0;
@@ -119,7 +119,7 @@ inline DecodedName DecodeName(const char* name, std::size_t limit, std::size_t c
   return d;
 }
 
-// Parses a frame whose header and checksum are right.
+// Parses a frame whose header and checksum are correct.
 inline std::uint32_t Parse(const ByteVector& f, std::size_t length, StoredFields& m,
                            SDI::GPSRecordFileInfo& info) {
   std::size_t at = 5;
@@ -245,7 +245,7 @@ inline std::uint32_t Parse(const ByteVector& f, std::size_t length, StoredFields
   const unsigned flags2 = U16(f, at);
   at += 2;
 
-  // A text of at most `most` units, the last of which is replaced by the terminator.
+  // A text of at most `most` units. The terminator replaces the last one.
   const auto text = [&](std::size_t most, std::u16string& to) {
     std::u16string units;
     for (std::size_t i = 0; i < most; ++i) {
@@ -325,7 +325,7 @@ inline bool HasMeasurementHeader(const ByteVector& file, std::size_t offset) {
   return U16(file, offset) == 44700 && file.at(offset + 4) == 113 && length < 499 && length >= 5;
 }
 
-/// Reads the frame at `info.offset` of a file that holds `file`.
+/// Reads the frame at `info.offset` of a file with the bytes `file`.
 inline std::uint32_t Read(const ByteVector& file, StoredFields& m, SDI::GPSRecordFileInfo& info) {
   const std::size_t offset = info.offset;
   if (offset + 5 > file.size()) return 0;
@@ -338,7 +338,7 @@ inline std::uint32_t Read(const ByteVector& file, StoredFields& m, SDI::GPSRecor
   return Parse(frame, length, m, info);
 }
 
-/// Patches the frame at `info.offset` of a file that holds `file`; `m` may be null.
+/// Patches the frame at `info.offset` of a file with the bytes `file`; `m` may be null.
 inline std::uint32_t Write(ByteVector& file, const StoredFields* m,
                            const SDI::GPSRecordFileInfo& info) {
   const std::size_t offset = info.offset;
@@ -381,7 +381,7 @@ inline std::uint32_t Write(ByteVector& file, const StoredFields* m,
   return 0;
 }
 
-/// Walks a file that holds `file`.
+/// Walks a file with the bytes `file`.
 inline std::vector<SDI::GPSRecordEntry> Walk(const ByteVector& file) {
   std::vector<SDI::GPSRecordEntry> entries;
   std::size_t gap = 0;

@@ -9,7 +9,7 @@
 
 namespace TestSupport {
 
-/// Something that may lie in a record file, harmless or mean.
+/// Bytes that may occur in a record file, harmless or hostile.
 inline ByteVector Piece(std::mt19937_64& random, std::size_t longest) {
   const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
   const auto type = [&] { return below(2) != 0 ? 113U : static_cast<unsigned>(below(256)); };
@@ -37,7 +37,7 @@ inline ByteVector Piece(std::mt19937_64& random, std::size_t longest) {
       }
       return b.Frame(type());
     }
-    case 4: {  // the same, with a wrong checksum: what is inside stands
+    case 4: {  // the same with a wrong checksum: the records inside are found
       FrameBuilderC b;
       for (const std::uint8_t byte : frame(below(30))) b.U8(byte);
       ByteVector bytes = b.Frame(type());
@@ -49,7 +49,7 @@ inline ByteVector Piece(std::mt19937_64& random, std::size_t longest) {
       for (std::size_t i = below(10); i > 0; --i) Append(bytes, {0x9C, 0xAE});
       return bytes;
     }
-    case 6: {  // a header alone, of any length
+    case 6: {  // only a header, of any length
       ByteVector bytes{0x9C, 0xAE};
       Append(bytes, FrameBuilderC().Noise(3, random).Payload());
       return bytes;

@@ -40,8 +40,8 @@ std::vector<json> LoadExpectations(const std::string& name) {
 
 json PairOf(const SDI::GPSCounterPair& pair) { return {pair.first, pair.second}; }
 
-// The units of a text as the expectation's JSON strings hold them. Every unit of the samples
-// outside the surrogates stands for itself.
+// The units of a text as in the JSON strings of the expectations. In the samples every unit other
+// than surrogates is a character.
 std::string Utf8Of(const std::u16string& text) {
   std::string bytes;
   for (const char16_t u : text) {
@@ -174,7 +174,7 @@ TEST_P(RecordSamples, EveryFrameGivesExactlyItsExpectation) {
     SCOPED_TRACE(expected["offset"]);
     ASSERT_EQ(expected["offset"], index["frames"][i]["offset"]);
     ASSERT_EQ(expected["size"], index["frames"][i]["size"]);
-    expected.erase("size");  // the index is held against the walk
+    expected.erase("size");  // the index is compared with the walk
     json& antenna = expected["measurement"]["antennaHeight"];
     ToSinglePrecision(antenna["height"]);
     ToSinglePrecision(antenna["horizontalOffset"]);

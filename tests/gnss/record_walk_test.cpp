@@ -19,7 +19,7 @@ using TestSupport::ByteVector;
 using TestSupport::FrameBuilderC;
 using TestSupport::FrameOf;
 
-// The bytes that walking `bytes` sums up, and the records that it finds.
+// The number of bytes that walking `bytes` adds, and of records that it finds.
 struct Walked {
   std::uint64_t summed = 0;
   std::uint64_t records = 0;
@@ -37,8 +37,8 @@ Walked Walk(const ByteVector& bytes) {
   return walked;
 }
 
-// Headers of long records, close together: a walk that added up the bytes of each would add up
-// 65535 for every 5.
+// Headers of long records, close together: a walk that added the bytes of each would add 65535
+// bytes for every 5.
 TEST(RecordWalk, AddsUpFewBytesWhateverTheyAre) {
   std::mt19937_64 random(20260110);
   for (const unsigned length : {5U, 60U, 498U, 5'000U, 65'530U, 65'535U}) {
@@ -59,7 +59,8 @@ TEST(RecordWalk, AddsUpFewBytesWhateverTheyAre) {
           Append(bytes, FrameOf(random() % 600, static_cast<unsigned>(random() % 0x9C)));
         }
       }
-      // Short records at once, as many in vain, all of them in blocks, and two of these a header.
+      // Short records directly, as many bytes again for false headers, all bytes in blocks, and two
+      // blocks per header.
       EXPECT_LE(Walk(bytes).summed, 3 * bytes.size() + 2 * ByteSumsC::kBlock * headers);
     }
   }
@@ -85,7 +86,7 @@ TEST(RecordWalk, SumsAreThoseOfTheBytes) {
   for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
   for (int round = 0; round < 20; ++round) {
     ByteSumsC sums;
-    // Forward by little and by much, over short and long stretches; from the top sums are 255.
+    // Small and large steps, short and long ranges; the largest bytes give the largest sums.
     if (round == 10) std::fill(bytes.begin(), bytes.end(), std::uint8_t{255});
     const std::uint64_t offset = round % 2 == 0 ? 0 : (std::uint64_t{1} << 40) - 3;
     for (std::size_t from = random() % 100; from + 65'537 < bytes.size();

@@ -16,11 +16,11 @@
 #include "tests/support/same_info.h"
 
 /// \file
-/// What encoding must give back.
+/// The properties of encoding.
 
 namespace TestSupport {
 
-/// A frame of a record file as bytes, with the refusal where there is none.
+/// A frame as bytes, or the refusal.
 struct EncodedBytes {
   ByteVector bytes;
   SDI::RecordFrame::Refusal refusal;
@@ -29,12 +29,12 @@ struct EncodedBytes {
 inline EncodedBytes EncodedOf(const SDI::GPSMeasDataImplC& measurement,
                               const SDI::GPSRecordFileInfo& info) {
   std::array<std::uint8_t, 500> buffer;
-  buffer.fill(0xEE);  // what is left of it would be noticed
+  buffer.fill(0xEE);  // bytes that are not written would be noticed
   const auto [size, refusal] = SDI::RecordFrame::Encode(measurement, info, buffer);
   return {ByteVector(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(size)), refusal};
 }
 
-/// What a frame holds of `stored`: fields that are not present have their defaults there.
+/// The part of `stored` that a frame can hold: fields that are not present have their defaults.
 inline StoredFields PresentOf(StoredFields stored) {
   const StoredFields none;
   if ((stored.setMask & 0x0002) == 0) {
@@ -50,15 +50,15 @@ inline StoredFields PresentOf(StoredFields stored) {
   return stored;
 }
 
-/// Reads a frame into a new measurement and a zeroed info, as the format's description says.
-/// \return whether it is a good one.
+/// Reads a frame into a new measurement and a zeroed info, by the model.
+/// \return whether the frame is good.
 inline bool ReadAnew(const ByteVector& frame, StoredFields& stored, SDI::GPSRecordFileInfo& info) {
   stored = {};
   info = {};
   return frame.size() >= 5 && RecordModel::Read(frame, stored, info) == 0;
 }
 
-/// Expects that `bytes` is a frame whose reading gives what `measurement` and `info` hold.
+/// Expects that `bytes` is a frame that reads as the contents of `measurement` and `info`.
 inline void ExpectReadsBack(const ByteVector& bytes, const SDI::GPSMeasDataImplC& measurement,
                             const SDI::GPSRecordFileInfo& info) {
   StoredFields stored;
@@ -85,7 +85,8 @@ inline void ExpectReadsBack(const ByteVector& bytes, const SDI::GPSMeasDataImplC
   EXPECT_EQ(EncodedOf(again, byLibrary).bytes, bytes);
 }
 
-/// Expects that a frame which can be read is encoded to one that reads the same and is no longer.
+/// Expects that the contents of a readable frame are encoded to a frame that reads the same and is
+/// not longer.
 inline void ExpectRoundTrip(const ByteVector& frame) {
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info;

@@ -14,8 +14,8 @@
 
 namespace TestSupport {
 
-// An explicit instantiation may name private members: the way to values whose presence bit is
-// clear, which no getter gives.
+// An explicit instantiation may name private members. It gives access to values whose presence bit
+// is clear, which no getter returns.
 template <class Tag, auto Member>
 struct Opener {
   friend constexpr auto Opened(Tag) { return Member; }
@@ -150,7 +150,7 @@ inline void PrintTo(const StoredFields& s, std::ostream* out) {
   *out << '\n';
 }
 
-/// A measurement in which no field has its default.
+/// A measurement in which every field differs from its default.
 inline SDI::GPSMeasDataImplC FilledMeasurement() {
   SDI::GPSMeasDataImplC m;
   m.SetTimeA({1111, 222222});

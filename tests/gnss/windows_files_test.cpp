@@ -17,7 +17,7 @@ using TestSupport::ByteVector;
 using TestSupport::FrameBuilderC;
 using TestSupport::TempFileC;
 
-// A file that is open cannot be removed.
+// An open file cannot be removed.
 TEST(RecordFileRead, EveryWayOutClosesTheFile) {
   SDI::GPSMeasDataImplC measurement;
   for (const ByteVector& bytes :
