@@ -10,13 +10,13 @@
 
 /// \file
 /// Valid rings of `n` corners in which many edges share a range of Hz and many a range of V, so
-/// that comparing bounding boxes takes n^2 steps. All lie some 1 rad around (pi / 2, pi / 2).
+/// that comparing bounding boxes takes n^2 steps. All are within about 1 rad of (pi / 2, pi / 2).
 
 namespace HostileRings {
 
 inline constexpr double kDegree = 3.141592653589793 / 180.0;
 
-/// The point (x, y), in degrees around the middle of the rings, turned by `angle` degrees.
+/// The point (x, y), in degrees from the centre of the rings, rotated by `angle` degrees.
 inline Direction At(double x, double y, double angle = 0.0) {
   const double c = std::cos(angle * kDegree);
   const double s = std::sin(angle * kDegree);
@@ -58,7 +58,7 @@ inline std::vector<Direction> TwoCombs(std::size_t n) {
   return ring;
 }
 
-/// A corridor that winds around its middle and back.
+/// A spiral corridor.
 inline std::vector<Direction> Spiral(std::size_t n) {
   const double turns = std::max(4.0, std::sqrt(static_cast<double>(n)) / 2.0);
   const std::size_t half = n / 2;

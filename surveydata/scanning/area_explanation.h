@@ -17,13 +17,13 @@ struct AreaExplanation {
   /// The rule that decided, the first in this order that applies.
   enum class Rule {
     kOutOfRange,    ///< An angle is NaN or beyond 100 rad: outside.
-    kDome,          ///< Inside where V, brought into [0, 2 pi], is at most 0.8 pi.
+    kDome,          ///< Inside if V, wrapped into [0, 2 pi], is at most 0.8 pi.
     kNotValid,      ///< The area is not valid: outside.
     kBand,          ///< Within half of 0.001 gon of an edge, where its band lies: inside.
-    kNoSearchLine,  ///< The bounds reach from pole to pole, or are a point: outside.
+    kNoSearchLine,  ///< The bounds extend from pole to pole, or are a point: outside.
     kNoCrossing,    ///< The meridian crosses no edge: outside.
-    kNothingAbove,  ///< All crossings are below and the area is not around the zenith: outside.
-    kParity         ///< Inside where the number of crossings that count is odd.
+    kNothingAbove,  ///< All crossings are below, and the zenith is not inside: outside.
+    kParity         ///< Inside if the number of crossings that count is odd.
   };
 
   /// Where the meridian of the direction crosses an edge.
@@ -38,7 +38,7 @@ struct AreaExplanation {
 
   bool isInside = false;  ///< The answer of `Contains`.
   Rule rule = Rule::kNotValid;
-  double hz = 0.0;  ///< The direction in [0, 2 pi]; as given where it is out of range.
+  double hz = 0.0;  ///< The direction in [0, 2 pi]; as given if it is out of range.
   double v = 0.0;   ///< Likewise.
 
   /// By ascending V; empty for a dome and an area that is not valid.
@@ -50,11 +50,11 @@ struct AreaExplanation {
   /// The edge that is nearest on the sphere and the angle to its nearest point, within 1e-12; none
   /// and the largest finite double for an area that is not valid and a direction out of range.
   ///
-  /// The boundary is made of the shorter arcs of great circles between the corners of a polygon,
-  /// the closing one included; of an edge that has no arc of its own (ends equal, antipodal or both
-  /// at a pole, to 10 digits), its ends. That of a rectangle is two parts of meridians and two of
-  /// circles of latitude; that of a dome its limit. The boundary band is not part of it, because
-  /// it lies elsewhere, nor is the limit at which a ring around the zenith ends. V beyond pi is the
+  /// The boundary of a polygon consists of the shorter arcs of great circles between its corners,
+  /// including the closing edge; an edge that defines no arc (ends equal, antipodal or both at a
+  /// pole, to 10 digits) contributes its ends. That of a rectangle is two parts of meridians and
+  /// two of circles of latitude; that of a dome its limit. It includes neither the boundary band,
+  /// which is elsewhere, nor the limit at which a ring around the zenith ends. V beyond pi is the
   /// same direction in the second face.
   /// @{
   std::size_t nearestEdge = kNoEdge;

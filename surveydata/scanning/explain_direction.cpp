@@ -11,7 +11,7 @@ namespace {
 
 using Rule = AreaExplanation::Rule;
 
-// The direction, wrapped; out of range when that is refused.
+// The wrapped direction; out of range if wrapping fails.
 AreaExplanation Begin(double hz, double v) {
   AreaExplanation why;
   why.hz = hz;
@@ -24,7 +24,7 @@ AreaExplanation Begin(double hz, double v) {
   return why;
 }
 
-// What the meridian of the direction crosses, and whether the direction is inside by that.
+// The crossings of the direction's meridian, and whether they put the direction inside.
 void FollowMeridian(const GMAT::AreaFrame& frame, AreaExplanation& why, bool isDecided) {
   const GMAT::SearchMeridianC meridian(frame, GMAT::NormalizeAngle(why.hz - frame.hzOrigin));
   std::vector<double> crossings;

@@ -38,8 +38,8 @@ class SURVEYDATA_API ScanDefinitionImplC : public API::ImplC<ScanDefinitionImplC
 
 /// The base of the scan areas, through which a scan holds its area without knowing its kind.
 ///
-/// Scan definitions cannot be copied: they are passed by pointer or reference, and copies are made
-/// of their implementations.
+/// Scan definitions cannot be copied. Pass them by pointer or reference, and copy their
+/// implementations.
 class SURVEYDATA_API ScanDefinitionC : public API::BaseC, private boost::noncopyable {
  public:
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.

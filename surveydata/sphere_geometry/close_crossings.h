@@ -12,8 +12,8 @@
 #include <surveydata/sphere_geometry/ring_curves.h>
 
 /// \file
-/// The Hz at which it is open whether an edge counts, or where two crossings may be so close that
-/// the rules count them as one.
+/// The Hz at which it is uncertain whether an edge counts, or at which two crossings may be so
+/// close that the rules count them as one.
 
 namespace GMAT {
 
@@ -25,7 +25,7 @@ void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring, HzInt
 /// them come close to each other.
 class CurveComparisonC {
  public:
-  /// \param edgeCount  tells which edges are adjacent: their corner is looked at elsewhere.
+  /// \param edgeCount  determines which edges are adjacent: their corner is handled elsewhere.
   CurveComparisonC(const std::vector<ArcCurve>& curves, std::size_t edgeCount,
                    HzIntervalsC& intervals);
 

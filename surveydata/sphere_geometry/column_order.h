@@ -10,8 +10,8 @@
 namespace GMAT {
 
 /// For each column of a plane, the curves that lead through it from border to border, in their
-/// order from below. One binary search finds the curves next to a point, however many there are:
-/// long curves side by side, none of which crosses another, which rows of cells cannot part.
+/// order from below. One binary search finds the curves next to a point among any number of them.
+/// For long curves side by side that do not cross each other, which rows of cells cannot separate.
 class ColumnOrderC {
  public:
   struct Item {
@@ -36,8 +36,8 @@ class ColumnOrderC {
 
   enum class Relation {
     kApart,
-    kClose,       ///< In order, but for a part of the column that the caller takes care of.
-    kOutOfOrder,  ///< They may change places.
+    kClose,       ///< In order, except in a part of the column that the caller handles.
+    kOutOfOrder,  ///< They may be exchanged.
   };
 
   bool IsEmpty() const { return items_.empty(); }
@@ -82,8 +82,8 @@ class ColumnOrderC {
     return {items_.data() + begins_[column], items_.data() + begins_[column + 1]};
   }
 
-  /// The number of curves of a column that are below, by a function of the item. Without a branch
-  /// that depends on the curves.
+  /// The number of curves of a column that are below, by a function of the item. No branch depends
+  /// on the curves.
   template <class IsBelow>
   static std::size_t CountBelow(std::span<const Item> items, IsBelow isBelow) {
     std::size_t below = 0;
@@ -98,7 +98,7 @@ class ColumnOrderC {
   }
 
  private:
-  // The curves known from the column before keep their order, unless they change places.
+  // Curves from the previous column keep their order, unless they are exchanged.
   static void Sort(std::vector<Crossing>& open, std::vector<Crossing>::iterator fresh) {
     const auto isLower = [](const Crossing& a, const Crossing& b) {
       return a.left + a.right < b.left + b.right;

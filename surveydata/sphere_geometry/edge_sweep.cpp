@@ -22,10 +22,10 @@ double Snapped(double angle) { return std::floor(angle / kPlaneGrid + 0.5) * kPl
 // How far the rounding moves an edge.
 constexpr double kMoved = 0.71 * kPlaneGrid;
 
-// The distance, along the axes, within which edges are asked for. An edge that is not steep and
-// passes an end of another one at a distance d passes above or below it by at most sqrt(2) d, or
-// has an end that near. The rest covers the rounding of heights, some units in the last place of
-// 2048.
+// The distance, along the axes, within which pairs of edges are compared. An edge that is not steep
+// and passes an end of another one at a distance d passes above or below it by at most sqrt(2) d,
+// or has an end within that distance. The rest covers the rounding of heights, some units in the
+// last place of 2048.
 constexpr double kNear = 2e-9;
 static_assert(1.4143 * (kCrossingReach + 2.0 * kMoved) + 1e-11 < kNear);
 
@@ -43,7 +43,7 @@ struct Segment {
 };
 
 // The order on the sweep line. Two segments that it crosses are compared where the later one
-// begins; when that is on the other one, by where they go.
+// begins; if that point is on the other one, by their directions.
 struct IsBelow {
   using is_transparent = void;
 
@@ -64,13 +64,13 @@ struct IsBelow {
   }
 };
 
-// Whether they cross at a point that is an end of neither, so that they change places there.
+// Whether they cross at a point that is an end of neither, so that their order changes there.
 bool CrossInside(const Segment& s, const Segment& t) {
   return SideOfLine(s.left, s.right, t.left) * SideOfLine(s.left, s.right, t.right) < 0 &&
          SideOfLine(t.left, t.right, s.left) * SideOfLine(t.left, t.right, s.right) < 0;
 }
 
-// The edges of a ring and the question asked of their pairs. Corner i begins edge i and ends edge
+// The edges of a ring and the test for their pairs. Corner i begins edge i and ends edge
 // i - 1; the last corner ends the last edge.
 class RingC {
  public:
@@ -84,7 +84,7 @@ class RingC {
     for (Point& corner : corners_) std::swap(corner.x, corner.y);
   }
 
-  // `action(edge, its other end)` for the edges at a corner, until it answers true.
+  // Calls `action(edge, its other end)` for the edges at a corner, until it returns true.
   template <class Action>
   bool AnyEdgeAt(std::size_t corner, Action action) const {
     return (corner > 0 && TakesPart(corner - 1) && action(corner - 1, corners_[corner - 1])) ||
@@ -115,7 +115,7 @@ class RingC {
   const std::vector<bool>& leftOut_;
 };
 
-// Whether a pair of edges crosses that have ends near each other.
+// Whether any two edges with ends near each other cross.
 bool CrossNearCorners(const RingC& ring) {
   const std::vector<Point>& corners = ring.GetCorners();
   const std::vector<std::size_t> order = ring.SortCorners();
@@ -142,8 +142,8 @@ class SweepC {
  public:
   explicit SweepC(const RingC& ring) : ring_(ring), places_(ring.CountEdges()) {}
 
-  // Whether a pair of edges crosses that change places, or one of which passes an end of the other
-  // nearby and is not steep. `keepPlaces` tells that no edges change places.
+  // Whether any two edges cross whose order changes, or of which one is not steep and passes near
+  // an end of the other. `keepPlaces` means that no edges change their order.
   SweepResult FindCrossing(bool keepPlaces) {
     keepPlaces_ = keepPlaces;
     const std::vector<Point>& corners = ring_.GetCorners();
@@ -152,8 +152,8 @@ class SweepC {
       const Point& at = corners[*begin];
       const auto end = std::find_if(begin, order.end(),
                                     [&](std::size_t corner) { return corners[corner] != at; });
-      // Edges begin where all that end are gone: what meets in a point and parts again there has no
-      // order.
+      // Remove the edges that end at a point before those that begin there are inserted: edges that
+      // only meet in a point have no order.
       const std::span<const std::size_t> here(&*begin, static_cast<std::size_t>(end - begin));
       for (const std::size_t corner : here) RemoveEdgesEndingAt(corner);
       if (ArePlacesLost()) return AskForExchange();

@@ -17,10 +17,10 @@
 
 namespace GMAT {
 
-/// How far a sinusoid a cos(x) + b sin(x) swings.
+/// The amplitude of the sinusoid a cos(x) + b sin(x).
 inline double Swing(double a, double b) { return std::sqrt(a * a + b * b); }
 
-/// How far t of an arc may leave the range of its values at two Hz that are `span` apart.
+/// By how much t of an arc may exceed the range of its values at two Hz that are `span` apart.
 inline double BulgeOf(double t1, double t2, double span) {
   return kBulge * std::max(std::fabs(t1), std::fabs(t2)) * span * span;
 }
@@ -39,7 +39,7 @@ struct ArcCurve {
   double b = 0.0;
   double low = 0.0;
   double high = 0.0;
-  float error = 0.0F;  ///< What t may be off by rounding, in the filter and in the rules.
+  float error = 0.0F;  ///< The rounding error of t, in the filter and in the rules.
   std::uint32_t edge : 30 = 0;
   std::uint32_t kind : 2 = kArc;
 
@@ -82,9 +82,9 @@ struct RingCurves {
 /// The curves of a polygon whose points are all in range.
 RingCurves BuildRingCurves(const AreaFrame& frame);
 
-/// What t, and V, may leave the range of their values at the ends of a part of the curve, for the
-/// part to be listed in all cells whose directions it is not clear of. The derivative of V is at
-/// most 1.
+/// By how much t, and V, may exceed the range of their values at the ends of a part of the curve,
+/// so that the part is listed in all cells with directions that it is not clear of. The derivative
+/// of V is at most 1.
 inline double SlackOf(const ArcCurve& curve, double t1, double t2, double span) {
   return BulgeOf(t1, t2, span) + static_cast<double>(curve.error);
 }
@@ -104,7 +104,7 @@ class LineEndsC {
   bool AllCount(const TangentRange& t) const { return t.high < top_ && t.low > bottom_; }
   /// Whether all crossings with an edge that is not at a pole count.
   bool AllCount(const ArcCurve& curve, const RingEdge& edge) const;
-  /// Whether none counts. Where a ring does not enclose the zenith, nothing is known to.
+  /// Whether no crossing counts. Never true if the ring does not enclose the zenith.
   bool NoneCounts(const TangentRange& t) const { return t.low > above_ || t.high < below_; }
 
  private:

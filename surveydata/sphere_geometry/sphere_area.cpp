@@ -89,7 +89,7 @@ bool SphereAreaC::Contains(const double& hz, const double& v) const {
   if (!BuildFrame(points_, frame)) return false;
   const AnglePointC bandProbe = BandProbe(probeHz, probeV, frame.hzOrigin);
   const double h = NormalizeAngle(probeHz - frame.hzOrigin);
-  // The direction is inside if the area is valid: the most expensive question comes last.
+  // The direction is inside if the area is valid: the most expensive check comes last.
   return (FindEdgeInBand(frame, EdgesWithBand(frame), bandProbe) ||
           IsInsideByCrossings(frame, AllEdges(frame), h, probeV)) &&
          (frame.enclosesZenith || IsRingValid(points_, frame.edges));

@@ -29,7 +29,7 @@ using SDI::ScanRectangularAreaC;
 
 static_assert(sizeof(ScanC) == sizeof(API::BaseC));
 
-// What both sides return.
+// The results of both sides.
 template <class Scan>
 constexpr bool ReturnsItsTypes() {
   using std::is_same_v;
@@ -150,7 +150,8 @@ TEST(Scan, SetAreaStoresACopy) {
   EXPECT_NE(dynamic_cast<ScanRectangularAreaC*>(scan.SetArea(&rectangle)), nullptr);
 }
 
-// An area whose end is counted; a scan makes none, so it takes the place of what the scan made.
+// An area that counts its destruction. A scan does not create such areas, so it replaces the one
+// that the scan created.
 class CountedAreaC : public ScanDomeAreaImplC {
  public:
   explicit CountedAreaC(int& ends) : ends_(ends) {}
@@ -255,7 +256,7 @@ TEST(Scan, AnAreaOfAnUnknownKindLeavesNone) {
   const ScanDefinitionC unknown(new ScanDefinitionImplC(7));
   EXPECT_EQ(scan.SetArea(&unknown), nullptr);
   EXPECT_EQ(scan.GetArea(), nullptr);
-  // A code that does not fit its class gives none either.
+  // A code that does not match its class gives none, either.
   scan.CreateArea(3);
   ScanDefinitionImplC liar(1);
   EXPECT_EQ(scan.GetImpl()->SetArea(&liar), nullptr);

@@ -11,7 +11,7 @@
 namespace GMAT {
 namespace {
 
-// A ring of straight edges, listed in a grid as arcs are.
+// A ring of straight edges in a grid.
 struct Point {
   double x;
   double y;
@@ -41,7 +41,7 @@ class Ring {
 
   const CellGridC& GetGrid() const { return grid_; }
 
-  // By all edges.
+  // Counted over all edges.
   bool IsOddBelow(Point p) const {
     bool isOdd = false;
     for (std::size_t i = 0; i < points_.size(); ++i) {
@@ -51,7 +51,8 @@ class Ring {
     return isOdd;
   }
 
-  // By the cell, as `CellGridC::Item` says. A ring that is left open has an odd number above all.
+  // Counted with the cell, as `CellGridC::Item` describes. An open ring has an odd number above
+  // all.
   bool IsOddBelowByCell(Point p) const {
     const CellGridC::Cell cell = grid_.Find(p.x, p.y);
     bool isOdd = cell.isOddBelow;
@@ -84,7 +85,7 @@ class CellGrid : public testing::Test {
   double Uniform(double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(random_);
   }
-  // Points anywhere: many edges cross.
+  // Random points: many edges cross.
   std::vector<Point> Scattered(std::size_t n, double width) {
     std::vector<Point> points;
     for (std::size_t i = 0; i < n; ++i) points.push_back({Uniform(0.0, width), Uniform(-3.0, 3.0)});

@@ -1,4 +1,4 @@
-// Every answer of a sphere area equals that of the rules written down step by step, bit for bit.
+// Every answer of a sphere area equals that of the step-by-step rules, bit for bit.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -21,7 +21,7 @@ using CompareAreas::CompareProbe;
 using CompareAreas::CompareRing;
 using CompareAreas::Tally;
 
-// SURVEYDATA_SPHERE_AREA_CASES asks for another number of cases.
+// SURVEYDATA_SPHERE_AREA_CASES sets another number of cases.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr std::uint64_t kDefaultCases = 100'000;
 #else
@@ -70,7 +70,7 @@ TEST(SphereAreaProperty, EveryAnswerEqualsTheLiteralRulesBitForBit) {
       ++tally.cases;
     }
   }
-  // The cases must reach what they are made for.
+  // The cases must cover what they are made for.
   EXPECT_GT(tally.valid, tally.cases / 60);
   EXPECT_GT(tally.zenith, tally.cases / 200);
   EXPECT_GT(tally.inside, tally.cases / 20);
