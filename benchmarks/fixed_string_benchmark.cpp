@@ -1,5 +1,5 @@
-// Conversion between UTF-16 and UTF-8, beside ICU's functions for the same task. A text fills its
-// capacity.
+// Conversion between UTF-16 and UTF-8, compared with the corresponding functions of ICU. Each text
+// fills its capacity.
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
-# Runs TEST with ARGUMENTS in the virtual environment FOLDER, which is made of REQUIREMENTS, from PyPI,
-# unless it is there. Where PyPI cannot be reached the test is skipped, except in continuous
-# integration (the environment variable CI).
+# Runs TEST with ARGUMENTS in the virtual environment FOLDER, which is created from REQUIREMENTS and PyPI
+# if it does not exist. If PyPI cannot be reached, the test is skipped, except in continuous integration
+# (the environment variable CI).
 cmake_minimum_required(VERSION 3.25)
 
 set(installed "")

@@ -1,4 +1,4 @@
-// Why a direction is inside or outside: the reasons against the answers of areas and of the rules.
+// Why a direction is inside or outside: compares the reasons with the answers of areas and rules.
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -62,7 +62,7 @@ void ExpectSame(const AreaExplanation& a, const AreaExplanation& b) {
   }
 }
 
-// What the reasons must be, by the rules written down step by step.
+// The expected reasons, by the step-by-step rules.
 Rule RuleOf(const literal::SphereArea& rules, const AnglePointC& probe, AreaExplanation& expected) {
   if (!literal::WrapIntoRange(&expected.hz, 0.0, TWO_PI) ||
       !literal::WrapIntoRange(&expected.v, 0.0, TWO_PI)) {
@@ -174,7 +174,7 @@ TEST(AreaExplanation, NamesTheCrossedEdges) {
 }
 
 TEST(AreaExplanation, NamesTheEdgeOfTheBand) {
-  ScanPolygonAreaC area;  // it begins at Hz 0, where the band lies along the chords
+  ScanPolygonAreaC area;  // begins at Hz 0, so its band is along the chords
   Fill(area, {{0.0, 1.0}, {1.0, 1.1}, {1.0, 2.0}, {0.0, 2.0}});
   const AreaExplanation why = area.Explain(1.0 + 5e-6, 1.5);
   EXPECT_EQ(why.rule, Rule::kBand);

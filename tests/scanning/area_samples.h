@@ -37,7 +37,7 @@ inline SDI::ScanPolygonAreaC* MakePolygon(
   return area;
 }
 
-// An implementation that says which of its virtual functions run, in their order.
+// An implementation that records the calls of its virtual functions, in order.
 template <class Impl>
 class LoggedC : public Impl {
  public:

@@ -22,7 +22,7 @@ static_assert(std::is_same_v<decltype(&ScanDefPointC::operator!=),
 static_assert(std::is_same_v<decltype(&ScanDefPointImplC::operator!=),
                              bool (ScanDefPointImplC::*)(const ScanDefPointImplC&) const>);
 
-// What both sides return.
+// The results of both sides.
 template <class Point>
 constexpr bool ReturnsItsTypes() {
   using std::is_same_v;

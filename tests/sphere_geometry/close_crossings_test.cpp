@@ -1,4 +1,4 @@
-// Where the rules may count two crossings as one: outside of the intervals they never do.
+// The rules count two crossings as one only inside the intervals.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -31,7 +31,7 @@ struct Indexed {
   RingCurves ring;
 };
 
-// Where two edges meet, or would if they went on; or a corner.
+// Where two edges, or their continuations, meet; or a corner.
 double SomeHz(RingGenerator& random, const RingCurves& ring) {
   const std::size_t n = ring.curves.size();
   const ArcCurve& one = ring.curves[random.Below(n)];
@@ -51,7 +51,7 @@ TEST(CloseCrossings, OutsideOfTheIntervalsNoTwoCrossingsCountAsOne) {
   int asOne = 0;
   for (int i = 0; i < 3000; ++i) {
     const Indexed area(i % 20 == 0 ? random.CrowdedRing() : random.Ring(40, false));
-    // At a pole all crossings are one.
+    // All crossings at a pole count as one.
     if (!area.isArea || !area.ring.poleEdges.empty()) continue;
     const SlabIndexC inCells(area.frame, area.ring, 1e9);
     const SlabIndexC inOrder(area.frame, area.ring, 0.0);
@@ -80,7 +80,7 @@ TEST(CloseCrossings, OutsideOfTheIntervalsNoTwoCrossingsCountAsOne) {
   EXPECT_GT(asOne, 1000);
 }
 
-// The two edges of a needle part by 1e-4: for 1e-6 rad from their corner on they agree to 10
+// The two edges of a needle diverge at 1e-4: within 1e-6 rad of their corner they are equal to 10
 // digits.
 TEST(CloseCrossings, TheEdgesOfANeedleAreCloseNextToItsCorner) {
   const Indexed area({{0.5, 1.5}, {1.5, 1.5}, {1.5, 1.5 + 1e-4}});

@@ -32,13 +32,13 @@ class FilterBounds : public testing::Test {
   double Uniform(double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(random_);
   }
-  // Of any order of magnitude between two.
+  // Any order of magnitude between two.
   double Scaled(double low, double high) {
     return std::exp(Uniform(std::log(low), std::log(high)));
   }
   bool OneIn(std::uint64_t n) { return random_() % n == 0; }
 
-  // Expects `used` to stay within `bound`, and reports the part of it.
+  // Expects `used` to be within `bound`, and reports the fraction.
   static void Expect(const std::string& name, double used, double bound) {
     EXPECT_LE(used, bound) << name;
     EXPECT_GT(used, 0.0) << name << ": nothing was measured";
@@ -64,7 +64,7 @@ TEST_F(FilterBounds, ComparisonsToTenDigits) {
   Expect("kDigitsReach", used, kDigitsReach);
 }
 
-// The full turns of a frame: what they are off, and what moving an angle by them rounds.
+// The full turns of a frame: their error, and the rounding when an angle is moved by them.
 TEST_F(FilterBounds, TurnsOfAFrame) {
   double used = 0.0;
   for (int i = 0; i < 100'000; ++i) {
@@ -78,7 +78,7 @@ TEST_F(FilterBounds, TurnsOfAFrame) {
   Expect("kRoundingMargin/4", used + kDigitsReach, kRoundingMargin / 4.0);
 }
 
-// Probes at the end of the tolerance beside edges of all lengths.
+// Probes at the limit of the tolerance beside edges of all lengths.
 TEST_F(FilterBounds, ReachOfTheBand) {
   double used = 0.0;
   for (int i = 0; i < 200'000; ++i) {
@@ -101,7 +101,8 @@ TEST_F(FilterBounds, ReachOfTheBand) {
   Expect("kBandReach", used, kBandReach);
 }
 
-// The distance from the line of a strip, against what the strip adds to the reach of the band.
+// The distance from the line of a strip, compared with what the strip adds to the reach of the
+// band.
 TEST_F(FilterBounds, LinesOfStrips) {
   double used = 0.0;
   for (int i = 0; i < 20'000; ++i) {
@@ -124,7 +125,7 @@ TEST_F(FilterBounds, QuickCosineAndSine) {
   double used = 0.0;
   for (int i = 0; i < 40'000; ++i) {
     double x = Uniform(0.0, TWO_PI);
-    // Beside the middle between two entries of the table, beside an entry.
+    // Near the middle between two entries of the table, and near an entry.
     if (OneIn(3)) x = (static_cast<double>(random_() % 512) / 2.0) * TrigTableC::kStep;
     if (OneIn(3)) x = std::nextafter(x, OneIn(2) ? 0.0 : TWO_PI);
     x = std::clamp(x, 0.0, TWO_PI);
@@ -168,7 +169,7 @@ bool MakeArc(const AnglePointC& p, const AnglePointC& q, Arc& arc) {
   return true;
 }
 
-// t of the filter and t of the rules, each against t of the normal that both have computed.
+// t of the filter and t of the rules, each compared with t of the normal that both compute.
 TEST_F(FilterBounds, CurvesOfArcs) {
   double used = 0.0;
   int steep = 0;
@@ -177,7 +178,7 @@ TEST_F(FilterBounds, CurvesOfArcs) {
     const double span = OneIn(2) ? Scaled(1e-9, 3.0) : Uniform(0.0, 3.0);
     Arc arc;
     if (!MakeArc(p, {p.Hz + span, Uniform(0.01, 3.13)}, arc)) continue;
-    // Where the two products cancel, or anywhere.
+    // Where the two products cancel, or at random.
     double h = OneIn(2) ? std::atan2(-arc.a, arc.b) : Uniform(0.0, TWO_PI);
     if (h < 0.0) h += PI;
     const CosSin quick = QuickCosSin(h);
@@ -195,8 +196,9 @@ TEST_F(FilterBounds, CurvesOfArcs) {
   Expect("kCurveError", used, kCurveError);
 }
 
-// Where the filter says on which side of an arc a direction lies, V differs by more than what the
-// comparison with the crossing needs. Measured: that need, of the smallest difference.
+// If the filter decides on which side of an arc a direction is, V differs by more than the
+// comparison with the crossing requires. Measures this requirement as a fraction of the smallest
+// difference.
 TEST_F(FilterBounds, SidesOfArcs) {
   double least = 1.0;
   double leastListed = 1.0;
@@ -221,10 +223,10 @@ TEST_F(FilterBounds, SidesOfArcs) {
   Expect("needed of kListingMargin", kRoundingMargin, leastListed);
 }
 
-// Arcs as steep as a list in order has them. The error of t, and a direction that is just clear of
-// its neighbour on the list: the arc beyond the neighbour, there as near as can be and off by the
-// most that it may be, still has its crossing on the same side. Measured: what the comparison
-// needs, of the smallest difference.
+// Arcs as steep as in ordered lists. Tests the error of t, and a direction that is just clear of
+// its neighbour on the list: the arc beyond the neighbour, as near as possible and with the largest
+// error, still has its crossing on the same side. Measures the requirement of the comparison as a
+// fraction of the smallest difference.
 TEST_F(FilterBounds, ArcsInOrder) {
   constexpr double kSteepest = kOrderError / kCurveError;
   double used = 0.0;
@@ -266,7 +268,8 @@ TEST_F(FilterBounds, ArcsInOrder) {
   Expect("needed beside kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
 }
 
-// Two crossings on arcs as steep as there are, apart by the least that the filter calls apart.
+// Two crossings on arcs of the greatest steepness, at the smallest distance that the filter
+// accepts.
 TEST_F(FilterBounds, CrossingsApart) {
   double least = 1.0;
   for (int i = 0; i < 200'000; ++i) {
@@ -282,8 +285,8 @@ TEST_F(FilterBounds, CrossingsApart) {
   Expect("needed of kCrossingsApart", 1e-10, least);
 }
 
-// The extreme of a sinusoid within a span against its ends; symmetric about the extreme it is the
-// most.
+// The extreme of a sinusoid within a span, compared with its ends. The difference is largest if the
+// span is symmetric about the extreme.
 TEST_F(FilterBounds, BulgeOfSinusoids) {
   double used = 0.0;
   for (int i = 0; i < 10'000; ++i) {
@@ -313,11 +316,11 @@ TEST_F(FilterBounds, ReachAroundAZero) {
     const double x = OneIn(2) ? kShortReach : Scaled(1e-12, kShortReach);
     used = std::max(used, (asin(Exact(x)) / Exact(x)).convert_to<double>());
   }
-  // The quotient and the swing are rounded by 8 u.
+  // The quotient and the amplitude are rounded by 8 u.
   Expect("kZeroReach", used * (1.0 + 8.0 * kUnitRoundoff), kZeroReach);
 }
 
-// The vertex of the rules, which the ends of the search line follow, on arcs along the equator.
+// The vertex of the rules, which determines the ends of the search line, on arcs along the equator.
 TEST_F(FilterBounds, VerticesAlongTheEquator) {
   double used = 0.0;
   for (int i = 0; i < 10'000; ++i) {
@@ -352,7 +355,7 @@ TEST_F(FilterBounds, CrossingsWithSidesOfRectangles) {
   Expect("kBetweenSteps", used + TWO_PI * 2.0 * kUnitRoundoff, kBetweenSteps * 1e-10);
 }
 
-// The Hz of the raster, in units of a turn, against the Hz of the rules.
+// The Hz of the raster, in units of a turn, compared with the Hz of the rules.
 TEST_F(FilterBounds, HzOfTheRaster) {
   double used = 0.0;
   for (int i = 0; i < 200'000; ++i) {

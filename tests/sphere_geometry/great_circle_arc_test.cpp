@@ -51,7 +51,7 @@ TEST(GreatCircleArc, CourseTurnsFromNorthOverEast) {
   EXPECT_NEAR(Arc(from, {1.001, HALF_PI + 0.001}).GetCourse(), 3.0 * PI / 4.0, 1e-6);
   EXPECT_NEAR(Arc(from, {0.999, HALF_PI + 0.001}).GetCourse(), 5.0 * PI / 4.0, 1e-6);
   EXPECT_NEAR(Arc(from, {0.999, HALF_PI - 0.001}).GetCourse(), 7.0 * PI / 4.0, 1e-6);
-  // Due south the arc tangent gives minus zero, which is not below zero.
+  // Due south the arc tangent returns -0.0, which is not less than 0.
   EXPECT_EQ(Arc(from, {1.0, 2.0}).GetCourse(), 0.0);
 }
 
@@ -65,7 +65,7 @@ TEST(GreatCircleArc, VertexIsTheHighestPointOfTheCircle) {
   ASSERT_TRUE(Arc({1.0, PI - 0.8}, {2.0, PI - 0.8}).GetVertex(lat, lon));
   EXPECT_NEAR(lon, 1.5, 1e-14);
   EXPECT_NEAR(lat, -std::atan(std::tan(HALF_PI - 0.8) / std::cos(0.5)), 1e-14);
-  // From the equator it is the northern one, wherever the arc leads.
+  // For an arc from the equator it is the northern one in any direction.
   ASSERT_TRUE(Arc({1.0, HALF_PI}, {2.0, 1.8}).GetVertex(lat, lon));
   EXPECT_GT(lat, 0.0);
   // The longitude is not normalised.
@@ -147,7 +147,7 @@ TEST(ArcEdge, APoleLiesOnEveryArcThatEndsThereOrPassesOver) {
   EXPECT_FALSE(over.Holds(-HALF_PI, 1.0));
   EXPECT_TRUE(from.Holds(HALF_PI, 5.0));
   EXPECT_TRUE(to.Holds(-HALF_PI, 5.0));
-  // Beside the pole the half plane counts: that of the end that is not at the pole.
+  // Near the pole, the half plane of the end that is not at the pole counts.
   EXPECT_TRUE(from.Holds(1.3, 2.0));
   EXPECT_FALSE(from.Holds(1.3, 1.0));
   EXPECT_FALSE(from.Holds(0.5, 2.0)) << "below the end";
@@ -247,7 +247,7 @@ TEST(ArcEdge, ArcsCrossWhereBothHoldThePoint) {
   EXPECT_FALSE(
       FindSphericalCrossing(edge({1.0, 1.0}, {1.0, 1.0}), edge({1.0, 1.5}, {2.0, 1.0}), at))
       << "no arc";
-  // The great circles meet within one of them alone.
+  // The great circles intersect within only one of the arcs.
   EXPECT_FALSE(
       FindSphericalCrossing(edge({1.0, 1.0}, {2.0, 1.5}), edge({2.5, 1.2}, {2.6, 2.2}), at));
   EXPECT_FALSE(
@@ -275,7 +275,7 @@ TEST(PlanarEdges, CrossWithinTheSpansOfBoth) {
       << "parallel";
   // Lines that are nearly parallel still cross.
   EXPECT_TRUE(FindPlanarCrossing({0.0, 0.0}, {2.0, 1e-9}, {0.0, 1e-9}, {2.0, 0.0}, at));
-  // In the span of one edge alone, where Hz or V of the other edge decides nothing.
+  // In the span of only one edge; Hz or V of the other edge is not compared.
   EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {0.0, 2.0}, {2.0, 2.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({0.0, 2.0}, {2.0, 2.0}, {1.0, 0.0}, {1.0, 1.0}, at));
   EXPECT_FALSE(FindPlanarCrossing({1.0, 0.0}, {1.0, 1.0}, {2.0, 0.5}, {3.0, 0.5}, at));

@@ -1,6 +1,6 @@
-// Writes tests/data/geometry_cases.txt to standard output: questions that it makes up, with what
-// this build answers. With a file of cases as argument, their questions are answered anew; with two
-// numbers, questions are made up of each seed from the first to the last.
+// Writes tests/data/geometry_cases.txt to standard output: generated queries with the results of
+// this build. With a file of cases as argument, it evaluates their queries again; with two numbers,
+// it generates queries from each seed between the first and the last.
 
 #include <cstdio>
 #include <cstdlib>

@@ -14,7 +14,7 @@ using Tool::RasterC;
 
 constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
 
-// What a raster adds to a picture.
+// The elements that a raster adds to a picture.
 std::string Drawn(const RasterC& raster, std::size_t mostRuns = kAny) {
   Tool::SvgC svg(100, 100, "");
   const std::size_t before = svg.GetSize();
