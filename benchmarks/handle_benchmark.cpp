@@ -1,5 +1,5 @@
-// What the pair of a public object and its implementation costs, beside the bare language features
-// that it is made of.
+// The cost of a pair of a public object and its implementation, compared with the language features
+// that it uses.
 
 #include <benchmark/benchmark.h>
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-// The checked downcast that every accessor makes, beside the plain `dynamic_cast`.
+// The checked downcast of every accessor, compared with the plain `dynamic_cast`.
 template <class Cast>
 void BM_Downcast(benchmark::State& state, Cast cast) {
   const SDI::CoordinatePointC point(1.0, 2.0, 3.0);
@@ -30,7 +30,8 @@ BENCHMARK_CAPTURE(BM_Downcast, dynamic, [](API::ImplObjectC* impl) {
   return dynamic_cast<ODM::CoordinatePointC*>(impl);
 });
 
-// An accessor of an area, whose implementation is of one of three classes, beside that of a point.
+// An accessor of an area, whose implementation has one of three classes, compared with that of a
+// point.
 void BM_Get(benchmark::State& state, const auto& object, auto get) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(&object);

@@ -1,4 +1,4 @@
-// Reading records: from a file beside the bare calls of the C runtime that it takes, from memory,
+// Reading records: from a file, compared with the same calls of the C runtime alone; from memory;
 // and the walk over a whole file.
 
 #include <array>
@@ -25,7 +25,7 @@ using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FrameBuilderC;
 
-// Every block, and texts as long as 500 bytes allow.
+// A frame with every block, and the longest texts that fit 500 bytes.
 ByteVector FrameOfEverything() {
   FrameBuilderC b;
   b.Times().U16(0x33FF);
@@ -43,7 +43,7 @@ ByteVector FrameOfEverything() {
   b.U16(0x3FFF).U8(1).U8(2).U8(3);                                // flag A, values B and C
   b.Units(std::u16string(79, u'a')).U16(0);                       // text A
   b.Units(std::u16string(68, u'b')).U16(0).I32(4);                // text B, value D
-  b.U16(0).U8(1).U16(0).U8(1).I32(5).U16(6).U16(7).U16(1).U8(0);  // what is left
+  b.U16(0).U8(1).U16(0).U8(1).I32(5).U16(6).U16(7).U16(1).U8(0);  // the other blocks
   return b.Frame();
 }
 
@@ -83,7 +83,7 @@ void BM_Encode(benchmark::State& state, const ByteVector& frame) {
 BENCHMARK_CAPTURE(BM_Encode, everything, FrameOfEverything());
 BENCHMARK_CAPTURE(BM_Encode, texts, FrameOfTexts());
 
-// A file of 200 frames; every read goes to another one.
+// A file of 200 frames; consecutive reads read different ones.
 class FramesOnDiskC {
  public:
   explicit FramesOnDiskC(const ByteVector& frame) : size_(frame.size()), file_(Repeated(frame)) {}
@@ -158,7 +158,7 @@ void BM_WalkFile(benchmark::State& state) {
 }
 BENCHMARK(BM_WalkFile)->Unit(benchmark::kMillisecond);
 
-// The same bytes read and not looked at.
+// Reads the same bytes without using them.
 void BM_WalkFileBare(benchmark::State& state) {
   const ByteVector bytes(32'000'000, 0x11);
   const TestSupport::TempFileC file(bytes);
@@ -174,7 +174,7 @@ void BM_WalkFileBare(benchmark::State& state) {
 }
 BENCHMARK(BM_WalkFileBare)->Unit(benchmark::kMillisecond);
 
-// The public function beside the one that it is made of.
+// The public function, compared with the internal one that it calls.
 void BM_DecodePublic(benchmark::State& state, const ByteVector& frame) {
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info;

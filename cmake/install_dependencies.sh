@@ -56,10 +56,10 @@ m32_packages=(g++-multilib googletest)
 # Additional packages for the preset `tidy`.
 tidy_packages=(clang clang-tidy cppcheck)
 
-# What the Python package needs besides; what it needs of PyPI is in python/requirements-test.txt.
+# Additional packages for the Python package. Those from PyPI are in python/requirements-test.txt.
 python_packages=(python3-dev python3-venv)
 
-# What the page for the browser needs besides; what it needs of npm is in web/package-lock.json. Where
-# Node.js is not Debian's, npm comes with it.
+# Additional packages for the page for the browser. Those from npm are in web/package-lock.json. A Node.js
+# that is not Debian's includes npm.
 page_packages=(chromium emscripten)
 command -v npm >/dev/null 2>&1 || page_packages+=(nodejs npm)

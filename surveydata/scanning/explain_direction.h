@@ -9,7 +9,7 @@
 
 namespace SDI {
 
-/// Asks the rules of `GMAT::SphereAreaC::Contains`, one after the other.
+/// Applies the rules of `GMAT::SphereAreaC::Contains`, one after the other.
 /// \param frame  null for an area that is not valid (and not around the zenith).
 AreaExplanation ExplainDirection(const GMAT::AreaFrame* frame, double hz, double v);
 

@@ -14,33 +14,34 @@ class PreparedSphereAreaC;
 
 namespace SDI {
 
-/// A scan area made ready for many questions: which of these directions does it contain?
+/// A scan area prepared for many queries of `Contains`.
 ///
-/// It never changes, and keeps nothing of the area it was made from. Copies share the same data,
-/// and several threads may ask at once. Every answer equals that of `ScanAreaC::Contains`.
+/// It never changes and is independent of the area it was made from. Copies share the same data,
+/// and several threads may use it concurrently. Every answer equals that of `ScanAreaC::Contains`.
 class SURVEYDATA_API PreparedAreaC {
  public:
-  /// How many questions to prepare for: makes no difference to the answers.
+  /// How many queries to prepare for. The answers do not depend on it.
   enum class Questions {
     kFew,  ///< Quick to prepare.
     kMany  ///< Adds a raster of decided cells: up to 512 KB, and up to a millisecond for rings of a
-           ///< thousand points. Worth it for some ten thousand directions or more.
+           ///< thousand points. Use it for about ten thousand directions or more.
   };
 
-  /// Prepares for few questions.
-  /// \cost n log n for n points, or more where `ScanAreaC::IsAreaValid` costs more.
+  /// Prepares for few queries.
+  /// \cost n log n for n points, or that of `ScanAreaC::IsAreaValid` if it is higher.
   explicit PreparedAreaC(const ScanAreaC& area);
   PreparedAreaC(const ScanAreaC& area, Questions questions);
   PreparedAreaC(const PreparedAreaC& other);
   PreparedAreaC& operator=(const PreparedAreaC& other);
   ~PreparedAreaC();
 
-  /// Whether a direction lies inside or in the boundary band, which does not lie along the boundary
-  /// (`ScanAreaC::Contains`); angles in rad.
-  /// \cost grows with the number of edges near the direction, not with that of all.
+  /// Whether a direction is inside or in the boundary band, which is displaced from the boundary
+  /// (`ScanAreaC::Contains`). Angles in rad.
+  /// \cost depends on the number of edges near the direction, not on that of all edges.
   bool Contains(double hz, double v) const;
 
-  /// Answers for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the three.
+  /// Stores the answer for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the
+  /// three.
   void Contains(std::span<const double> hz, std::span<const double> v,
                 std::span<bool> inside) const;
 

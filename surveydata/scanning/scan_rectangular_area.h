@@ -29,7 +29,7 @@ class SURVEYDATA_API ScanRectangularAreaImplC
   bool GetCorners(ScanDefPointC& a, ScanDefPointC& b) const;
 };
 
-/// The directions between two opposite corners, with straight edges in the (Hz, V) plane. When the
+/// The directions between two opposite corners, with straight edges in the (Hz, V) plane. If the
 /// first corner has the larger Hz, the area crosses Hz 0.
 class SURVEYDATA_API ScanRectangularAreaC
     : public API::HandleC<ScanRectangularAreaImplC, ScanAreaC> {
@@ -40,7 +40,7 @@ class SURVEYDATA_API ScanRectangularAreaC
 
   /// Replaces all points by these two.
   void SetCorners(const ScanDefPointC& a, const ScanDefPointC& b);
-  /// False, with both points untouched, when the area is not valid.
+  /// False, with both points unchanged, if the area is not valid.
   bool GetCorners(ScanDefPointC& a, ScanDefPointC& b) const;
 };
 

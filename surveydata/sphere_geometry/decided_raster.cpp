@@ -12,9 +12,9 @@ namespace {
 
 constexpr auto kOutside = static_cast<std::uint8_t>(Verdict::kOutside);
 constexpr auto kAsk = static_cast<std::uint8_t>(Verdict::kUndecided);
-constexpr std::uint8_t kOpen = 255;  // not touched by anything, to be decided
+constexpr std::uint8_t kOpen = 255;  // not marked, to be decided
 
-// Brought into [0, 2 pi) from a few turns away.
+// Wraps an angle a few turns away into [0, 2 pi).
 double InTurn(double x) {
   const double turned = x - TWO_PI * std::floor(x / TWO_PI);
   return turned >= 0.0 && turned < TWO_PI ? turned : 0.0;
@@ -22,7 +22,7 @@ double InTurn(double x) {
 
 }  // namespace
 
-/// Marks the cells that edges and bands come into, then decides the others.
+/// Marks the cells that edges and bands enter, then decides the others.
 class DecidedRasterC::BuilderC {
  public:
   BuilderC(DecidedRasterC& raster, const AreaFrame& frame, const RingCurves& ring,
@@ -77,7 +77,7 @@ class DecidedRasterC::BuilderC {
       raster_.band_ = Block(ToTurnUnits(bandStart), bandWidth, kBandColumns);
       columns += kBandColumns;
     }
-    // And one for all that lies beyond.
+    // And one column for everything beyond.
     raster_.cells_.assign((columns + 1) * kStride, kOutside);
     for (std::size_t column = 0; column < kRingColumns; ++column) {
       std::uint8_t* const cells = CellsOf(column);

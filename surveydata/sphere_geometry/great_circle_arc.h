@@ -7,8 +7,7 @@ namespace GMAT {
 
 /// The shorter arc of the great circle through two points.
 ///
-/// Not valid when the ends are equal, antipodal, or both at a pole (either one): these have no arc
-/// of their own.
+/// Not valid if the ends are equal, antipodal, or both at poles, because these define no arc.
 class GreatCircleArcC {
  public:
   GreatCircleArcC(const SpherePointC& start, const SpherePointC& end);
@@ -17,11 +16,11 @@ class GreatCircleArcC {
   const SpherePointC& GetEnd() const { return end_; }
   bool IsValid() const { return valid_; }
   /// Whether the arc runs along a meridian: equal or opposite longitudes, or an end at a pole.
-  /// Longitudes are compared as they stand, `end` + pi alone is normalised.
+  /// Longitudes are compared as given; only `end` + pi is normalised.
   bool IsMeridian() const { return meridian_; }
-  /// Whether both ends lie on the equator.
+  /// Whether both ends are on the equator.
   bool IsEquator() const { return equator_; }
-  /// Whether the ends lie on opposite meridians, whatever the turn of their longitudes.
+  /// Whether the ends are on opposite meridians, with longitudes on any turn.
   bool IsOpposite() const { return opposite_; }
 
   /// The course at the start towards the end, from north over east, in [0, 2 pi).
@@ -29,11 +28,11 @@ class GreatCircleArcC {
   ///         the half turn that the sign of d asks for.
   double GetCourse() const;
 
-  /// The point of the arc's great circle that lies nearest a pole.
+  /// The point of the arc's great circle nearest a pole.
   ///
   /// \param latitude, longitude  set on success to the vertex in the hemisphere of the start; the
   ///                             longitude is not normalised.
-  /// \return false, with both untouched, when the arc is not valid.
+  /// \return false, with both unchanged, if the arc is not valid.
   /// \accuracy for the course as computed, latitude within `kVertexAccuracy`: arcs along the
   ///           equator are the worst, where the arc cosine is steepest.
   /// \source Clairaut's relation, cos(latV) = |sin c cos latS|; Napier's rule in the right triangle
@@ -41,8 +40,8 @@ class GreatCircleArcC {
   bool GetVertex(double& latitude, double& longitude) const;
 
   /// The longitudes, in [0, 2 pi), at which the whole great circle crosses the circle of latitude
-  /// `latitude`; NaN where it does not.
-  /// \return false, with both untouched, when the arc is not valid or lies on the equator.
+  /// `latitude`; NaN if it does not.
+  /// \return false, with both unchanged, if the arc is not valid or is on the equator.
   /// \source cos(lon - lonV) = tan(latitude) / tan(latV), from the vertex and from its antipode.
   bool GetLatitudeCrossings(double latitude, double& longitude1, double& longitude2) const;
 
@@ -55,8 +54,8 @@ class GreatCircleArcC {
   bool opposite_ = false;
 };
 
-/// What the vertex of an arc may be off in latitude, rad: the square root of twice the rounding of
-/// a cosine near 1.
+/// The largest error of a vertex in latitude, in rad: the square root of twice the rounding of a
+/// cosine near 1.
 inline constexpr double kVertexAccuracy = 2.2e-8;
 
 }  // namespace GMAT

@@ -19,7 +19,7 @@ namespace {
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kPi = 3.141592653589793;
 
-// `count` directions of every kind, and those that are none.
+// `count` directions of every kind, including invalid ones.
 void MakeProbes(int count, std::vector<double>& hz, std::vector<double>& v) {
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> anyHz(-7.0, 14.0);
@@ -39,7 +39,7 @@ void MakeProbes(int count, std::vector<double>& hz, std::vector<double>& v) {
   }
 }
 
-// The number of directions inside, after both forms were compared with the area.
+// The number of directions inside. Compares both forms of `Contains` with the area.
 std::size_t CountInside(const ScanAreaC& area, int probes = 5000) {
   std::vector<double> hz;
   std::vector<double> v;
@@ -152,7 +152,7 @@ void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
       add(star, hz + r * std::cos(angle), 1.4 + r * std::sin(angle));
     }
   }
-  // Long arcs, bulging in the middle, back and forth, and a return path beside them.
+  // Long arcs back and forth, bulging in the middle, and a return path beside them.
   for (const double hz : {0.2, 5.0}) {
     ScanPolygonAreaC& fan = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
     for (int i = 0; i <= 60; ++i) add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);
@@ -217,7 +217,7 @@ TEST(PreparedArea, AnswersAsTheAreaDoesOnTheMeridiansOfItsCorners) {
   }
 }
 
-// More edges side by side than are compared with each other.
+// More adjacent edges than are compared with each other.
 TEST(PreparedArea, AThousandEdgesNextToEachOther) {
   ScanPolygonAreaC area;
   for (int i = 0; i <= 1200; ++i) {

@@ -17,7 +17,7 @@ TEST(AreaProbe, TheBandIsAskedAtHzPlusTheOriginInTheFirstTurn) {
   EXPECT_EQ(BandProbe(1.0, 0.5, 2.0), (AnglePointC{3.0, 0.5}));
   EXPECT_EQ(BandProbe(4.0, 0.5, 3.0), (AnglePointC{7.0 - TWO_PI, 0.5}));
   EXPECT_EQ(BandProbe(0.0, 9.0, 0.0), (AnglePointC{0.0, 9.0})) << "V stays";
-  // A full turn to ten digits is not brought back to 0.
+  // A full turn to ten digits is not wrapped to 0.
   EXPECT_EQ(BandProbe(TWO_PI, 0.5, 0.0).Hz, TWO_PI);
   EXPECT_EQ(BandProbe(TWO_PI + 9e-11, 0.5, 0.0).Hz, TWO_PI + 9e-11);
   EXPECT_NEAR(BandProbe(TWO_PI + 2e-10, 0.5, 0.0).Hz, 2e-10, 1e-15);
@@ -80,7 +80,7 @@ TEST(AreaProbe, CrossingsThatAgreeToTenDigitsCountAsOne) {
   EXPECT_TRUE(IsInside({0.5, 2.0, 2.0 + 0.9e-10}, 1.0));
   EXPECT_FALSE(IsInside({0.5, 2.0, 2.0 + 2e-10}, 1.0));
   EXPECT_FALSE(IsInside({0.5, 2.0, 3.0, 2.0}, 1.0)) << "in whatever order they come";
-  // Each is compared with the next one alone.
+  // Each is compared only with the next one.
   EXPECT_TRUE(IsInside({0.5, 2.0, 2.0 + 0.9e-10, 2.0 + 1.8e-10}, 1.0));
   EXPECT_TRUE(IsInside({1.0 - 0.5e-10, 1.0 + 0.5e-10, 2.0}, 1.0 - 0.4e-10)) << "both lie above";
 }

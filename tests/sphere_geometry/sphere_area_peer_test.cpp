@@ -1,5 +1,5 @@
-// The same questions put to other libraries: S2 on the sphere for polygons, Boost.Geometry in the
-// plane for rectangles, and on the sphere as a second opinion.
+// Compares the answers with other libraries: S2 on the sphere for polygons, Boost.Geometry in the
+// plane for rectangles, and on the sphere as a second reference.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -59,7 +59,7 @@ std::vector<AnglePointC> StarRing(Random& random, AnglePointC centre, double rad
   return ring;
 }
 
-// Around the zenith, once.
+// A ring that winds once around the zenith.
 std::vector<AnglePointC> ZenithRing(Random& random) {
   const std::size_t n = 6 + random.Below(20);
   std::vector<AnglePointC> ring;
@@ -81,7 +81,7 @@ double DistanceOnSphere(const std::vector<AnglePointC>& ring, AnglePointC probe)
   return least;
 }
 
-// The rules of docs/sphere_areas.md by which a direction may be answered against the truth.
+// The rules of docs/sphere_areas.md by which an answer may differ from spherical geometry.
 enum class Exception { kNone, kNearBoundary, kBand, kBelowLimit, kCornerMeridian };
 
 Exception WhyDifferent(const SphereAreaC& area, AnglePointC probe) {
@@ -106,7 +106,7 @@ Exception WhyDifferent(const SphereAreaC& area, AnglePointC probe) {
   return Exception::kNone;
 }
 
-// Asks both for `count` directions around and returns how often they differ; every difference must
+// Queries both for `count` directions and returns how often they differ. Every difference must
 // follow from a rule.
 int CompareWithS2(Random& random, const std::vector<AnglePointC>& ring, AnglePointC centre,
                   double radius, int count, std::size_t& inside) {
@@ -160,7 +160,7 @@ TEST(SphereAreaPeer, AroundTheZenithToo) {
   EXPECT_GT(inside, kRings * kProbes / 6u);
 }
 
-// Away from a ring's poles a second opinion agrees with both.
+// Away from the poles of a ring a second reference agrees with both.
 TEST(SphereAreaPeer, BoostAgreesOnTheSphere) {
   Random random;
   int compared = 0;
