@@ -100,13 +100,16 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
       {{}, "a command is missing: surveydata has record, area"},
       {{"foo"}, "there is no command 'foo': surveydata has record, area"},
       {{"records", "list", "a.rec"}, "there is no command 'records': surveydata has record, area"},
-      {{"record"}, "a command is missing: record has list, show, export, columns, check, set, plot"},
+      {{"record"},
+       "a command is missing: record has list, show, export, columns, check, set, cut, join, plot"},
       {{"record", "lst"},
-       "there is no command 'lst': record has list, show, export, columns, check, set, plot"},
+       "there is no command 'lst': record has list, show, export, columns, check, set, cut, join, "
+       "plot"},
       {{"record", "--json", "lst", "a.rec"},
-       "there is no command 'lst': record has list, show, export, columns, check, set, plot"},
+       "there is no command 'lst': record has list, show, export, columns, check, set, cut, join, "
+       "plot"},
       {{"record", "--json"},
-       "a command is missing: record has list, show, export, columns, check, set, plot"},
+       "a command is missing: record has list, show, export, columns, check, set, cut, join, plot"},
       {{"area", "foo"}, "there is no command 'foo': area has info, outline, contains, plot"},
       {{"record", "list"}, "FILE is required"},
   };

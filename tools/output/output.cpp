@@ -24,13 +24,22 @@ OutputC::~OutputC() {
   if (file_ != nullptr && file_ != stdout) std::fclose(file_);
 }
 
+void OutputC::Write(std::string_view text) {
+  Flush();
+  WriteNow(text);
+}
+
 void OutputC::Flush() {
-  const bool isWritten = std::fwrite(buffer_.data(), 1, buffer_.size(), file_) == buffer_.size();
+  // The buffer is empty afterwards even if this fails.
+  const std::size_t size = buffer_.size();
   buffer_.clear();
-  if (!isWritten) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot write {}: {}", name_, std::strerror(errno)));
-  }
+  WriteNow({buffer_.data(), size});
+}
+
+void OutputC::WriteNow(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), file_) == text.size()) return;
+  throw ToolErrorC(ExitCode::kFileError,
+                   fmt::format("cannot write {}: {}", name_, std::strerror(errno)));
 }
 
 void OutputC::Close() {

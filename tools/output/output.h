@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -35,6 +36,9 @@ class OutputC {
     FlushIfFull();
   }
 
+  /// Writes a long text without copying it.
+  void Write(std::string_view text);
+
   /// Writes what is left. Call it at the end: only then it is known that all is written.
   void Close();
 
@@ -42,6 +46,7 @@ class OutputC {
   static constexpr std::size_t kFull = std::size_t{64} * 1024;
 
   void Flush();
+  void WriteNow(std::string_view text);
 
   std::string name_;
   std::FILE* file_;

@@ -5,6 +5,20 @@
 
 namespace Tool {
 
+BufferPoolC::Buffer BufferPoolC::Take() {
+  const std::lock_guard lock(mutex_);
+  if (free_.empty()) return std::make_unique<fmt::memory_buffer>();
+  Buffer buffer = std::move(free_.back());
+  free_.pop_back();
+  return buffer;
+}
+
+void BufferPoolC::Give(Buffer buffer) {
+  buffer->clear();
+  const std::lock_guard lock(mutex_);
+  free_.push_back(std::move(buffer));
+}
+
 void PieceOutputC::Tell(std::string message) {
   if (IsKept()) {
     messages_.push_back(std::move(message));
@@ -17,10 +31,9 @@ void PieceOutputC::Tell(std::string message) {
 void PieceOutputC::PutTo(PieceOutputC& direct) {
   for (std::string& message : messages_) direct.Tell(std::move(message));
   messages_.clear();
-  if (!IsKept() || kept_->size() == 0) return;
-  direct.GetBuffer().append(*kept_);
-  direct.FlushIfFull();
-  kept_->clear();
+  if (kept_ == nullptr) return;
+  if (kept_->size() > 0) direct.out_->Write({kept_->data(), kept_->size()});
+  pool_->Give(std::move(kept_));
 }
 
 }  // namespace Tool

@@ -6,8 +6,6 @@
 #include <record/record_commands.h>
 
 namespace Tool {
-namespace {
-
 FrameOffset ParseOffset(const std::string& text) {
   const bool isHex = text.starts_with("0x") || text.starts_with("0X");
   const std::string_view digits = std::string_view(text).substr(isHex ? 2 : 0);
@@ -21,8 +19,6 @@ FrameOffset ParseOffset(const std::string& text) {
   if (error != std::errc()) offset = std::numeric_limits<std::uint64_t>::max();
   return {offset, text};
 }
-
-}  // namespace
 
 CommandOption FileArgument(std::string& file, bool mayBeInput) {
   return {.names = {"FILE"},
@@ -48,7 +44,7 @@ Command RecordCommands() {
   command.footer = "Example:\n  surveydata record list --help";
   command.commands = {RecordListCommand(),    RecordShowCommand(),  RecordExportCommand(),
                       RecordColumnsCommand(), RecordCheckCommand(), RecordSetCommand(),
-                      RecordPlotCommand()};
+                      RecordCutCommand(),     RecordJoinCommand(),  RecordPlotCommand()};
   return command;
 }
 

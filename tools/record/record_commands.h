@@ -24,7 +24,13 @@ Command RecordExportCommand();
 Command RecordColumnsCommand();
 Command RecordCheckCommand();
 Command RecordSetCommand();
+Command RecordCutCommand();
+Command RecordJoinCommand();
 Command RecordPlotCommand();
+
+/// An offset of the command line: decimal, or hexadecimal after 0x. Throws `ValueErrorC` for any
+/// other text.
+FrameOffset ParseOffset(const std::string& text);
 
 /// The positional argument FILE; with `mayBeInput`, its help says that - is standard input.
 CommandOption FileArgument(std::string& file, bool mayBeInput = true);

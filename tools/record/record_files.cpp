@@ -94,7 +94,7 @@ bool RecordFileOptions::AreMany() const {
 
 std::string RecordFile::Title() const { return IsStandardInput(name) ? "standard input" : name; }
 
-void AddFileOptions(Command& command, RecordFileOptions& options) {
+void AddNamesOptions(Command& command, RecordFileOptions& options) {
   command.arguments.push_back(
       {.names = {"FILE"},
        .value = "TEXT",
@@ -112,6 +112,10 @@ void AddFileOptions(Command& command, RecordFileOptions& options) {
   command.options.push_back({.names = {"-r", "--recursive"},
                              .description = "Read the folders below a folder, too",
                              .flag = &options.isRecursive});
+}
+
+void AddFileOptions(Command& command, RecordFileOptions& options) {
+  AddNamesOptions(command, options);
   command.options.push_back(
       {.names = {"-j", "--jobs"},
        .value = "N",

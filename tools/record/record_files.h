@@ -24,8 +24,9 @@ struct RecordFileOptions {
   bool AreMany() const;
 };
 
-/// Gives a command the argument FILE..., --recursive and --jobs. `options` must outlive the
-/// parsing.
+/// Gives a command the argument FILE... and --recursive. `options` must outlive the parsing.
+void AddNamesOptions(Command& command, RecordFileOptions& options);
+/// The same, and --jobs.
 void AddFileOptions(Command& command, RecordFileOptions& options);
 
 /// A file to read.

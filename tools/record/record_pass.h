@@ -109,12 +109,14 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
     return worst;
   }
 
+  BufferPoolC pool;
   struct Kept {
     Result result;
     std::string fault;
   };
   OrderedJobsC<Kept> work(pieces.size(), threads, [&](std::size_t i) {
     Kept kept;
+    kept.result.output = PieceOutputC(pool);
     kept.fault = read(pieces[i], kept.result, [&](std::uint64_t bytes) { done += bytes; });
     return kept;
   });

@@ -191,7 +191,8 @@ const std::vector<Question>& Questions() {
   static const std::vector<Question> questions{
       {{""}, {"record", "area"}},
       {{"re"}, {"record"}},
-      {{"record", ""}, {"list", "show", "export", "columns", "check", "set", "plot"}},
+      {{"record", ""},
+       {"list", "show", "export", "columns", "check", "set", "cut", "join", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
       {{"record", "list", "--"},
        {"--help", "--json", "--recursive", "--jobs", "--from", "--to", "--name", "--where",

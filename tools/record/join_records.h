@@ -1,0 +1,30 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_JOIN_RECORDS_H_
+#define SURVEYDATA_TOOLS_RECORD_JOIN_RECORDS_H_
+
+#include <string>
+
+#include <surveydata/gnss/gps_record_reader.h>
+
+#include <command_line/command.h>
+#include <record/record_files.h>
+#include <record/record_filter.h>
+
+namespace Tool {
+
+/// What `record cut` and `record join` write.
+struct JoinOptions {
+  RecordFileOptions files;
+  SDI::GPSRecordStretch stretch;  ///< Of each file.
+  RecordFilter filter;
+  std::string output;
+};
+
+/// Writes the records that `KeptRecordsC` gives of each file, in the order of time A.
+ExitCode JoinRecords(const JoinOptions& options);
+
+/// The required option -o,--output for a record file.
+CommandOption RecordOutputOption(std::string& output);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_JOIN_RECORDS_H_
