@@ -98,7 +98,7 @@ TESTS = {
                          "gps_ref_station_data_test",
                          "gps_record_file_test", "record_samples_test", "gps_record_index_test",
                          "record_faults_test", "pair_rules_test", "record_frame_test"],
-    "surveydata/gnss/file_access": ["posix_files_test", "record_faults_test",
+    "surveydata/gnss/file_access": ["file_access_test", "posix_files_test", "record_faults_test",
                                     "gps_record_file_test", "gps_record_writer_test"],
     "surveydata/gnss/gps_record_columns": ["gps_record_columns_test"],
     "surveydata/gnss/gps_record_index": ["gps_record_index_test", "record_samples_test",
