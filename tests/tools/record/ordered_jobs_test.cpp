@@ -1,0 +1,68 @@
+#include <atomic>
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <record/ordered_jobs.h>
+
+namespace {
+
+const auto kIdle = [] {};
+
+TEST(OrderedJobs, GiveTheResultsInTheOrderOfThePieces) {
+  constexpr std::size_t kCount = 500;
+  for (const unsigned threads : {1U, 2U, 7U}) {
+    Tool::OrderedJobsC<std::string> jobs(kCount, threads, [](std::size_t piece) {
+      if (piece % 3 == 0) std::this_thread::yield();
+      return std::to_string(piece);
+    });
+    for (std::size_t i = 0; i < kCount; ++i) ASSERT_EQ(jobs.Take(kIdle), std::to_string(i));
+  }
+}
+
+TEST(OrderedJobs, HoldTheWorkUpWhenTheResultsAreNotTaken) {
+  constexpr std::size_t kCount = 100;
+  constexpr unsigned kThreads = 3;
+  std::atomic<std::size_t> begun = 0;
+  Tool::OrderedJobsC<std::size_t> jobs(kCount, kThreads, [&](std::size_t piece) {
+    ++begun;
+    return piece;
+  });
+  for (std::size_t i = 0; i < kCount; ++i) {
+    EXPECT_EQ(jobs.Take(kIdle), i);
+    // One more may have been taken, each thread may have one, and there is room for two.
+    EXPECT_LE(begun, i + 1 + kThreads + 2);
+  }
+  EXPECT_EQ(begun, kCount);
+}
+
+TEST(OrderedJobs, ThrowTheExceptionOfAPieceInItsTurnAndGoOn) {
+  Tool::OrderedJobsC<int> jobs(5, 2, [](std::size_t piece) {
+    if (piece == 2) throw std::runtime_error("piece 2");
+    return static_cast<int>(piece);
+  });
+  EXPECT_EQ(jobs.Take(kIdle), 0);
+  EXPECT_EQ(jobs.Take(kIdle), 1);
+  EXPECT_THROW(jobs.Take(kIdle), std::runtime_error);
+  EXPECT_EQ(jobs.Take(kIdle), 3);
+  EXPECT_EQ(jobs.Take(kIdle), 4);
+}
+
+TEST(OrderedJobs, EndWithWhatIsBegunWhenTheyAreGivenUp) {
+  constexpr std::size_t kCount = 1000;
+  std::atomic<std::size_t> begun = 0;
+  {
+    Tool::OrderedJobsC<int> jobs(kCount, 4, [&](std::size_t) {
+      ++begun;
+      return 0;
+    });
+    jobs.Take(kIdle);
+  }
+  EXPECT_GE(begun, 1U);
+  EXPECT_LE(begun, 1U + 4 + 2);
+}
+
+}  // namespace
