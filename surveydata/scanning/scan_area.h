@@ -100,39 +100,39 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
 
   /// Whether both steps are above 0 and the points make an area.
   bool IsValid() const;
-  /// Appends a point, whatever its values. False on a dome, which has none.
+  /// Appends a point with any values. False on a dome, which has none.
   bool AddPoint(const ScanDefPointC& point);
-  /// Nothing happens to an empty area.
+  /// Does nothing if the area is empty.
   void RemoveLastPoint();
   void Clear();
   /// The number of points, modulo 65536.
   std::uint16_t GetPointCount() const;
   void GetPoints(std::vector<ScanDefPointC>& points) const;
-  /// Whether the points make an area, whatever the steps.
+  /// Whether the points make an area, independently of the steps.
   bool IsAreaValid() const;
   /// The corners with their distances; a point without one takes it from the others, or
-  /// `defaultDistance` (m) where none has any. A polygon replaces `out`. A rectangle appends its
-  /// four corners, made of its first two points; with fewer points it leaves `out` alone, as a dome
-  /// does.
+  /// `defaultDistance` (m) if none has one. A polygon replaces `out`. A rectangle appends its four
+  /// corners, made from its first two points; with fewer points it does not change `out`, nor does
+  /// a dome.
   void GetOutline(std::vector<ScanDefPointC>& out, double defaultDistance) const;
 
-  /// Whether a direction lies inside the area or in its boundary band; for a dome, whether its V
-  /// lies in [0, 0.8 pi]. The steps do not matter. False beyond 100 rad.
+  /// Whether a direction is inside the area or in its boundary band; for a dome, whether its V is
+  /// in [0, 0.8 pi]. The steps do not matter. False beyond 100 rad.
   ///
-  /// The band is half of 0.001 gon wide on either side of an edge, but it does not lie along the
-  /// boundary. It is measured at Hz + `hzOrigin`, the least Hz of the area, in a frame that is
-  /// shifted by -`hzOrigin`: it lies at the Hz of the boundary less twice `hzOrigin`. It follows
-  /// the straight chords of the (Hz, V) plane, and a polygon's closing edge has none. Only where
-  /// the area begins at Hz 0 or pi is it along its own chords. docs/sphere_areas.md has a picture.
-  /// \cost that of `IsAreaValid`; `PreparedAreaC` answers many questions faster.
+  /// The band is half of 0.001 gon wide on either side of an edge, but displaced from the boundary.
+  /// It is measured at Hz + `hzOrigin`, the smallest Hz of the area, in a frame that is shifted by
+  /// -`hzOrigin`: its Hz is that of the boundary less twice `hzOrigin`. It follows the straight
+  /// chords of the (Hz, V) plane, and a polygon's closing edge has none. Only if the area begins at
+  /// Hz 0 or pi is it along its own chords. docs/sphere_areas.md has a picture.
+  /// \cost that of `IsAreaValid`; `PreparedAreaC` is faster for many queries.
   bool Contains(double hz, double v) const;
 
   /// The answer of `Contains` for the same direction, with its reasons.
   /// \cost that of `IsAreaValid`.
   AreaExplanation Explain(double hz, double v) const;
 
-  /// A bound, rad; the largest finite double when the area is not valid. `GetHzMin` exceeds
-  /// `GetHzMax` when the area crosses Hz 0. Around the zenith, `GetVMin` is the least V of the
+  /// A bound in rad; the largest finite double if the area is not valid. `GetHzMin` exceeds
+  /// `GetHzMax` if the area crosses Hz 0. Around the zenith, `GetVMin` is the smallest V of the
   /// ring, not 0.
   /// @{
   double GetHzMin() const;

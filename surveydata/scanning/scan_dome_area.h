@@ -21,8 +21,8 @@ class SURVEYDATA_API ScanDomeAreaImplC
   ~ScanDomeAreaImplC() override;
   API::BaseC* GetBase() override;
 
-  /// Whether V, wrapped into a full turn, lies above the lowest usable direction. False when an
-  /// angle is beyond 100 rad or no number.
+  /// Whether V, wrapped into a full turn, is above the lowest usable direction. False if an angle
+  /// is beyond 100 rad or NaN.
   static bool IsInDome(double hz, double v);
 
   bool IsEqual(const API::ImplObjectC& other) const override;

@@ -73,8 +73,8 @@ bool FindSphericalCrossing(const ArcEdgeC& a, const ArcEdgeC& b, AnglePointC& cr
 void FindLatitudeCrossings(const AnglePointC& a, const AnglePointC& b, double v,
                            std::vector<AnglePointC>& out);
 
-/// True only where `ArcEdgeC::CrossesMeridian` is false for the arc from `a` to `b`, whatever the
-/// V range: the arc is clear of the poles' meridians and its Hz span of `h`, whatever the turn.
+/// True only if `ArcEdgeC::CrossesMeridian` is false for the arc from `a` to `b` for every V range:
+/// the arc is clear of the poles, and its Hz span is clear of `h` on every turn.
 bool IsSurelyMissed(const AnglePointC& a, const AnglePointC& b, double h);
 
 /// `longitude` moved by full turns to within half a turn of `target`.

@@ -33,12 +33,13 @@ inline bool IsNearBox(const AnglePointC& probe, const AnglePointC& a, const Angl
   return !isApart(probe.Hz, a.Hz, b.Hz) && !isApart(probe.V, a.V, b.V);
 }
 
-/// Whether a direction at `v` is inside, given where its meridian crosses the edges: something must
-/// lie at or above it (or the zenith inside), and an odd number of crossings below. Crossings that
-/// agree to 10 digits count as one. Reorders and shortens `crossings`.
-/// \param hasOneAbove   whether the zenith is inside, or a crossing that is not in the list lies
-/// above. \param othersBelow   the number of crossings below that are not in the list and agree
-/// with none.
+/// Whether a direction at `v` is inside, given where its meridian crosses the edges: there must be
+/// a crossing at or above it (or the zenith inside), and an odd number of crossings below.
+/// Crossings that are equal to 10 digits count as one. Reorders and shortens `crossings`.
+///
+/// \param hasOneAbove  whether the zenith is inside, or a crossing that is not in the list is
+/// above. \param othersBelow  the number of crossings below that are not in the list and equal none
+/// in it.
 bool IsInsideByParity(std::vector<double>& crossings, double v, bool hasOneAbove,
                       std::size_t othersBelow = 0);
 

@@ -13,32 +13,33 @@ namespace GMAT {
 /// x, and each column into rows of equal height, in proportion to its number of curves. A cell
 /// lists the curves that enter it.
 ///
-/// Of curves that are the edges of rings a cell also knows whether an odd number lies below it.
-/// With the marks of its items that tells how many lie below any point (`Item`).
+/// If the curves are the edges of rings, a cell also stores whether an odd number of them is below
+/// it. Together with the marks of its items this gives the parity of the number below any point
+/// (`Item`).
 class CellGridC {
  public:
   static constexpr std::uint32_t kMostCurves = (1U << 29) - 1;
   static constexpr std::uint32_t kMostItems = (1U << 31) - 1;
 
-  /// What a curve does in one column. Where it has no ends, these are at `kNoEnd`, above all
-  /// heights, which are below 8.
+  /// The part of a curve in one column. Missing ends are at `kNoEnd`, above all heights, which are
+  /// below 8.
   struct Part {
     std::uint32_t curve;
     std::uint32_t column : 31;
-    std::uint32_t entersLeft : 1;  ///< Whether it comes in from the column before.
-    float low;                     ///< No point of the curve in this column lies lower ...
+    std::uint32_t entersLeft : 1;  ///< Whether it enters from the previous column.
+    float low;                     ///< No point of the curve in this column is lower ...
     float high;                    ///< ... or higher.
     float start;                   ///< The height of its beginning, with x growing.
     float end;
   };
   static constexpr float kNoEnd = 1e6F;
-  /// What heights may be off: a float of less than 8 is rounded by 2.4e-7, and twice so when it is
+  /// The error of heights: a float of less than 8 is rounded by 2.4e-7, and once more when it is
   /// widened; the rest is for the caller.
   static constexpr float kRounding = 1e-6F;
 
-  /// Left of its beginning a curve counts for nothing. Beside it, `startsBelow` counts, and once
-  /// more whether the curve lies below the point. Right of its end both marks count. The sum is odd
-  /// or even with the number of curves between the cell's lower left corner and the point.
+  /// A curve adds nothing at points left of its beginning. Within its span it adds `startsBelow`,
+  /// and 1 if it is below the point. Right of its end it adds both marks. The sum has the parity of
+  /// the number of curves between the cell's lower left corner and the point.
   struct Item {
     std::uint32_t curve : 29;
     std::uint32_t isLowest : 1;  ///< Whether no cell below has the curve; true once a column.

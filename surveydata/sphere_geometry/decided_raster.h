@@ -14,18 +14,18 @@
 namespace GMAT {
 
 /// A raster over the directions around a polygon: each cell is proven inside, proven outside, or
-/// left to be asked.
+/// undecided.
 ///
-/// A cell is decided when no edge comes into it, nor the boundary band of one, by the bounds of the
-/// slab decomposition: then all directions of the cell have the same number of edges below but for
-/// pairs, and one answer of the decomposition holds for all. Beside the cells there is a table of
-/// the Hz in which directions must be asked whatever their cell says.
+/// A cell is decided if, by the bounds of the slab decomposition, neither an edge nor the boundary
+/// band of one enters it: then the number of edges below has the same parity for all directions of
+/// the cell, and one answer of the decomposition holds for all. A separate table contains the Hz at
+/// which directions are undecided in every cell.
 ///
-/// The band lies at the Hz of the ring less twice the Hz at which the frame begins. Columns of
-/// their own cover it where it leaves the ring. What lies beyond ring and band is outside.
+/// The band is at the Hz of the ring less twice the Hz at which the frame begins. Separate columns
+/// cover it where it leaves the ring. Directions beyond ring and band are outside.
 class DecidedRasterC {
  public:
-  /// What cells and table take at most, in bytes.
+  /// The largest size of cells and table, in bytes.
   static constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
 
   /// Whether the decomposition decides anything.
@@ -38,11 +38,11 @@ class DecidedRasterC {
     return static_cast<Verdict>(std::min(FindBits(hz, v), kUndecidedBit));
   }
 
-  /// The same for many questions: `kUndecidedBit` is set, or the verdict.
+  /// The same for many queries: the verdict, or a value with `kUndecidedBit` set.
   std::uint32_t FindBits(double hz, double v) const {
     const std::uint32_t hz32 = ToTurnUnits(hz) - origin_;
     const std::uint32_t inRing = ring_.ColumnOf(hz32);
-    // All bits are set where the direction lies beyond the columns of the ring.
+    // All bits are set if the direction is beyond the columns of the ring.
     const std::uint32_t isBeyond = 0U - static_cast<std::uint32_t>(inRing >= kRingColumns);
     const std::uint32_t column = inRing + (band_.ColumnOf(hz32 - band_.start) & isBeyond);
     const std::uint32_t cell = cells_[column * kStride + RowOf(v)];

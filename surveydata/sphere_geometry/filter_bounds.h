@@ -7,15 +7,15 @@
 #include <surveydata/sphere_geometry/great_circle_arc.h>
 
 /// \file
-/// The bounds of the floating-point filters: where a computed comparison clears its bound, the
-/// rules answer the same, and need not be asked. docs/sphere_areas.md carries the argument as a
-/// whole; filter_bounds_test measures each bound against multi-precision arithmetic.
+/// The bounds of the floating-point filters: if a computed comparison clears its bound, the rules
+/// give the same answer and need not be evaluated. docs/sphere_areas.md has the whole argument;
+/// filter_bounds_test measures each bound against multi-precision arithmetic.
 ///
 /// Angles are in rad, u is the unit roundoff, s the sine of V, t = cot V = tan(latitude).
 
 namespace GMAT {
 
-/// What rounding to nearest may change, relative.
+/// The largest relative error of rounding to nearest.
 inline constexpr double kUnitRoundoff = 0x1p-53;
 
 // --- Comparisons to 10 digits ---
@@ -23,8 +23,8 @@ inline constexpr double kUnitRoundoff = 0x1p-53;
 /// Areas whose frame is wider, rad, are left to the rules: a frame this wide winds 325 times.
 inline constexpr double kWidestFrame = 2048.0;
 
-/// The farthest outside a range that `InRange`, `AtLeast` and `AtMost` accept, for operands up to
-/// `kWidestFrame`.
+/// The largest distance outside a range that `InRange`, `AtLeast` and `AtMost` accept, for operands
+/// up to `kWidestFrame`.
 ///
 /// RoundToStep computes k d for k = floor(x / d + 1/2), d = 1e-10. At x = 2048 the quotient 2.05e13
 /// is rounded by u 2.05e13 = 0.0023, the sum by half of its ulp, 0.002, k d by u 2048 = 0.0023 d,
@@ -90,7 +90,8 @@ inline constexpr double kQuickTrigError = 16.0 * kUnitRoundoff;
 /// The error of `QuickArcTangent`: that of its polynomial, 2e-8 as published.
 inline constexpr double kQuickArcTangentError = 2.1e-8;
 
-/// What t = a cos Hz + b sin Hz may differ between the filter and the rules, by |a| + |b|.
+/// The largest difference of t = a cos Hz + b sin Hz between the filter and the rules, in units of
+/// |a| + |b|.
 ///
 /// Both take a = -nx / nz and b = -ny / nz from the same computed normal n. The rules round cosine
 /// and sine by 1 u, two products, their sum and the quotient by nz: 5 u. The filter rounds a and b
@@ -103,40 +104,40 @@ inline constexpr double kPoleMargin = 1e-8;
 /// |t| is less than that of all directions that are answered.
 inline constexpr double kPoleTangent = 1.0 / kPoleMargin;
 
-/// What a difference of V is in t: the derivative, 1 / s^2 = 1 + t^2.
+/// Converts a difference of V into one of t with the derivative, 1 / s^2 = 1 + t^2.
 constexpr double InTangent(double difference, double tangent) {
   return difference * (1.0 + tangent * tangent);
 }
 
-/// What a difference in t of m (1 + t^2) is at least in V, for |t| up to `extreme`: between t and
+/// The least difference in V for one in t of m (1 + t^2), for |t| up to `extreme`: between t and
 /// t + m (1 + t^2) the derivative of V is at least 1 / (1 + t^2) / (1 + m sqrt(1 + t^2))^2.
 constexpr double LeastInV(double m, double extreme) {
   return m / ((1.0 + 1.01 * m * extreme) * (1.0 + 1.01 * m * extreme));
 }
 
-/// An arc decides on which side of it a direction lies where |t_arc - t| exceeds this times 1 +
-/// t^2, and the error of the curve. Then V differs by more than the comparison with the crossing
-/// needs, whose arc tangent and difference are rounded by 4 u.
+/// It is certain on which side of an arc a direction is if |t_arc - t| exceeds this times 1 + t^2,
+/// plus the error of the curve. Then V differs by more than the comparison with the crossing
+/// requires, whose arc tangent and difference are rounded by 4 u.
 inline constexpr double kDirectionMargin = 4.0 * kRoundingMargin;
 static_assert(LeastInV(kDirectionMargin, kPoleTangent) > kRoundingMargin + 8.0 * kUnitRoundoff);
 
-/// A cell lists the arcs that come as near to it as this. Nearer to the equator than the arc a
-/// direction is then that far from it in V; nearer to the pole |t| of both is below `kPoleTangent`.
+/// A cell lists the arcs within this distance of it. A direction nearer to the equator than the arc
+/// is then that far from it in V; nearer to the pole |t| of both is below `kPoleTangent`.
 inline constexpr double kListingMargin = 8.0 * kRoundingMargin;
 static_assert(LeastInV(kListingMargin, kPoleTangent) > kRoundingMargin + 8.0 * kUnitRoundoff);
 
-/// Arcs on a list in order have an error of no more, so that those beyond the neighbours of a
-/// direction on the list are clear of it when these are.
+/// The largest error of arcs on an ordered list: if the neighbours of a direction on the list are
+/// clear of it, so are the arcs beyond them.
 inline constexpr double kOrderError = 1e-10;
 static_assert(LeastInV(kDirectionMargin - kOrderError, kPoleTangent) >
               kRoundingMargin + 8.0 * kUnitRoundoff);
 
-/// Two arcs that are this far apart in V have crossings that the rules never take for one, which
-/// they do with those that differ by less than 1e-10.
+/// Two arcs that are this far apart in V have crossings that the rules never count as one, as they
+/// do if crossings differ by less than 1e-10.
 inline constexpr double kCrossingsApart = 1.5e-10;
 static_assert(LeastInV(kCrossingsApart, 1.0 / kSteepSine) > 1e-10 + 16.0 * kUnitRoundoff);
 
-// --- How far a sinusoid leaves what is known of it ---
+// --- The extremes of a sinusoid within a span ---
 
 /// Over a span x of Hz up to `kShortSpan`, t leaves the range of its two ends by at most
 /// kBulge x^2 max |t|: the extreme M within the span has an end within x / 2, at M cos(x / 2) or
@@ -179,24 +180,24 @@ static_assert(kLineMargin > kVertexAccuracy + 2.0 * kRoundingMargin);
 // --- The raster ---
 
 /// The raster finds a direction by its Hz in units of 2^-32 of a turn, rounded down: by less than a
-/// unit and the rounding of the quotient and of the rules' own Hz, 12 u of 2 pi. Arcs change by
-/// |a| + |b| times as much.
+/// unit and the rounding of the quotient and of the rules' Hz, 12 u of 2 pi. Arcs change by |a| +
+/// |b| times this.
 inline constexpr double kRasterSlack = 4e-9;
 static_assert(kRasterSlack > 2.0 * TWO_PI * (0x1p-32 + 12.0 * kUnitRoundoff));
 
-/// The raster begins this much before the frame, and ends as much after it, so that what counts
-/// next to a corner lies within.
+/// The raster begins this much before the frame and ends as much after it, so that it includes
+/// everything that counts next to a corner.
 inline constexpr double kRasterOverlap = 2.0 * kColumnOverlap;
 static_assert(kRasterOverlap > kColumnOverlap + 2.0 * kRasterSlack);
 
-/// What lies this far beyond the search line, or the band, is decided without the cells.
+/// Directions this far beyond the search line, or the band, are decided without the cells.
 inline constexpr double kRasterEdge = 1e-6;
 static_assert(kRasterEdge > kLineMargin + kPoleMargin);
 
 // --- Rectangles ---
 
-/// A crossing with the side of a rectangle has the Hz of the line but for 4 u of 2 pi; it is
-/// compared to 10 digits. That it counts is certain where Hz is farther than this from half a step.
+/// A crossing with the side of a rectangle has the Hz of the line to within 4 u of 2 pi; it is
+/// compared to 10 digits. It is certain to count if Hz is farther than this from half a step.
 inline constexpr double kBetweenSteps = 0.01;
 static_assert(kBetweenSteps * 1e-10 > 8.0 * kUnitRoundoff * TWO_PI);
 

@@ -16,8 +16,7 @@ inline std::uint32_t ToTurnUnits(double hz) {
   return static_cast<std::uint32_t>(static_cast<std::int64_t>(hz * (0x1p32 / TWO_PI)));
 }
 
-/// A set of closed intervals of Hz in [0, width]: where the rules must be asked whatever an index
-/// says.
+/// A set of closed intervals of Hz in [0, width], in which the rules decide instead of an index.
 class HzIntervalsC {
  public:
   struct Interval {
@@ -32,13 +31,13 @@ class HzIntervalsC {
 
   void Reserve(std::size_t count) { intervals_.reserve(count); }
   void Add(double low, double high) { intervals_.push_back({low, high}); }
-  /// Adds an interval of Hz that may reach beyond [0, 2 pi]. Where the width is a full turn, what
-  /// lies beyond one end comes in at the other.
+  /// Adds an interval of Hz that may extend beyond [0, 2 pi]. If the width is a full turn, the part
+  /// beyond one end is added at the other.
   void AddHz(double low, double high);
-  /// Sorts and joins the intervals. To be called once, after the last `Add` and before a question.
+  /// Sorts and joins the intervals. Call it once, after the last `Add` and before the first query.
   /// `mostBuckets` limits the memory of the table.
   void Build(std::uint32_t mostBuckets);
-  /// Forgets the intervals themselves; `MayContain` still answers.
+  /// Drops the intervals themselves; `MayContain` still works.
   void DropIntervals() { intervals_ = {}; }
 
   std::size_t GetTableSize() const { return hulls_.size() * kBytesPerBucket; }

@@ -17,21 +17,22 @@
 
 namespace GMAT {
 
-/// What a floating-point filter knows of a direction.
+/// The result of a floating-point filter for a direction.
 enum class Verdict : std::uint8_t { kOutside, kInside, kUndecided };
 
 /// A slab decomposition of a polygon: the even-odd rule of its crossings, with a floating-point
 /// filter.
 ///
-/// The plane of Hz and tan(latitude) is cut into columns and cells. A cell lists the curves of the
-/// edges that come into it, and knows whether an odd number of the others lies below it. Where very
-/// many edges lie side by side, those that lead through a column are not in its cells but on a list
-/// in their order (`ColumnOrderC`). Where the bounds of the rounding do not prove the answer, the
-/// rules must be asked (`filter_bounds.h`). The boundary band is not considered.
+/// The plane of Hz and tan(latitude) is divided into columns and cells. A cell lists the curves of
+/// the edges that enter it, and stores whether an odd number of the others is below it. If very
+/// many edges lie side by side, those that lead through a column are not in its cells but on an
+/// ordered list (`ColumnOrderC`). If the rounding bounds do not prove the answer, the rules must
+/// decide
+/// (`filter_bounds.h`). The boundary band is not considered.
 class SlabIndexC {
  public:
-  /// \param manySideBySide  the average number of edges on a meridian from which on lists in order
-  ///                        are made.
+  /// \param manySideBySide  the average number of edges on a meridian from which on ordered lists
+  ///                        are used.
   /// \cost n log n for n edges that are spread over the ring.
   SlabIndexC(const AreaFrame& frame, const RingCurves& ring,
              double manySideBySide = CellGridC::kManySideBySide);
@@ -39,25 +40,24 @@ class SlabIndexC {
   /// `h` is in the frame of the edges, in [0, 2 pi]; `v` is in [0, 2 pi].
   Verdict Ask(double h, double v) const;
 
-  /// True only for directions that `Ask` decides to be outside, whatever the cells. Without a
-  /// branch.
+  /// True only for directions that `Ask` decides to be outside without the cells. Has no branch.
   bool IsBeyond(double h, double v) const {
-    // Every crossing lies within the search line: all count as above, or none does.
+    // Every crossing is within the search line: all count as above, or none does.
     return (v > vEnd_) | (v < vBegin_) | ((h > hEnd_) & (h < TWO_PI - kColumnOverlap));
   }
 
-  /// The answer of the rules, for the frame of the index. Of a list in order, they are applied only
+  /// The answer of the rules, for the frame of the index. On an ordered list, they are applied only
   /// to the edges that are not clear of the direction or of another crossing.
   bool AskRules(const AreaFrame& frame, double h, double v) const;
 
-  /// Whether edges are on lists in their order.
+  /// Whether edges are on ordered lists.
   bool HasOrder() const { return !order_.IsEmpty(); }
 
   /// Whether `Ask` is undecided for every direction that is not beyond all edges.
   bool IsAlwaysUndecided() const { return isAlwaysUndecided_; }
 
-  /// The edges that the meridian `h` may cross, for the rules to look at: all next to the seam,
-  /// those of its column elsewhere.
+  /// The edges that the meridian `h` may cross, for the rules: next to the seam all edges,
+  /// elsewhere those of its column.
   std::vector<std::uint32_t> FindEdges(double h) const;
 
   /// Directions with their Hz in one of these are not decided: corners, and crossings so close that
@@ -83,7 +83,7 @@ class SlabIndexC {
   };
   static Gap GapOf(const ArcCurve& curve, const CosSin& atH, const CosSin& atV) {
     const double gap = curve.At(atH) * atV.sine - atV.cosine;
-    // And times s once more.
+    // Multiplied by s again.
     return {gap, std::fabs(gap) * atV.sine > kDirectionMargin + static_cast<double>(curve.error)};
   }
   std::size_t CountBelow(std::span<const ColumnOrderC::Item> order, const CosSin& atH,

@@ -21,13 +21,13 @@ class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure f
 /// A region of the sphere of directions, given by its corners.
 ///
 /// Two corners span a rectangle with straight edges in the (Hz, V) plane. Three or more are a
-/// closed polygon whose edges are arcs of great circles. Any points are stored, also those that
-/// make the area invalid; NaN and infinities answer false and never more.
+/// closed polygon whose edges are arcs of great circles. All points are stored, even those that
+/// make the area invalid; for NaN and infinities queries return false.
 ///
-/// Its functions are not exported: a scan area, which holds one, asks it.
+/// Its functions are not exported: scan areas, which hold one, use it.
 ///
-/// Nothing is kept between calls. Each question is answered as its comment says, bit for bit, by
-/// the cheapest path.
+/// Nothing is kept between calls. Each result is, bit for bit, the one that its comment defines,
+/// computed by the cheapest path.
 class SphereAreaC : public AreaManagerI {
  public:
   SphereAreaC() = default;
@@ -36,10 +36,10 @@ class SphereAreaC : public AreaManagerI {
   ~SphereAreaC() override;
 
   virtual void Clear();
-  /// Nothing happens to an empty area.
+  /// Does nothing if the area is empty.
   virtual void RemoveLastPoint();
   virtual std::size_t GetPointCount() const;
-  /// Appends a direction, brought into the first face (`ToFirstFace`). Always true.
+  /// Appends a direction, converted to the first face (`ToFirstFace`). Always true.
   virtual bool AddPoint(const double& hz, const double& v);
   virtual bool AddPoints(const std::vector<AnglePointC>& points);
 
@@ -56,36 +56,35 @@ class SphereAreaC : public AreaManagerI {
   ///
   /// A polygon that winds around the vertical axis encloses the zenith: its Hz bounds are a full
   /// turn that begins 1e-6 after the first point, its `vMax` is `V_LIMIT`.
-  /// \param noClamp  whether `vMin` and `vMax` stay as they are, instead of being brought into
-  ///                 [0, `V_LIMIT`].
-  /// \return whether the area encloses the zenith or is valid. The bounds are set in any case but
-  ///         that of fewer than two points.
+  /// \param noClamp  whether `vMin` and `vMax` are returned without clamping to [0, `V_LIMIT`].
+  /// \return whether the area encloses the zenith or is valid. The bounds are set unless there are
+  ///         fewer than two points.
   virtual bool GetExtents(double& hzMin, double& hzMax, double& vMin, double& vMax,
                           bool& enclosesZenith, bool noClamp) const;
 
-  /// Whether a direction lies inside or within the tolerance of the boundary.
+  /// Whether a direction is inside or within the tolerance of the boundary.
   /// \cost that of `IsValid`.
   virtual bool Contains(const double& hz, const double& v) const;
 
-  // The inner questions.
+  // The internal queries.
 
   /// The edges as pairs of points, start and end, in one continuous Hz frame whose smallest Hz is
   /// 0, which corresponds to `hzOrigin`. False with fewer than two points.
   bool BuildEdgeList(std::vector<AnglePointC>& edges, double& hzOrigin) const;
 
-  /// The distance of a direction from the nearest edge that it lies beside, measured in the plane
-  /// of (Hz, V) at Hz + `hzOrigin`; the closing edge of a polygon is left out. The largest finite
-  /// double when there is none.
+  /// The distance of a direction from the nearest edge that it is beside, measured in the plane of
+  /// (Hz, V) at Hz + `hzOrigin`, without the closing edge of a polygon. The largest finite double
+  /// if there is none.
   double DistanceToBoundary(double hz, double v) const;
 
-  /// Brings `a` and `b` into [0, `V_LIMIT`]; when `clamp` is false, fails instead. An area without
-  /// a limit accepts everything.
+  /// Clamps `a` and `b` to [0, `V_LIMIT`]; if `clamp` is false, fails instead if they are outside.
+  /// An area without a limit accepts all values.
   bool ClampV(double& a, double& b, bool clamp) const;
 
   /// Where the meridian of `probe` (`vertical`), or its circle of latitude, crosses the edges; in
   /// ascending order of V or of Hz. Hz is in the frame of the edges.
-  /// \return false when the extents fail, when the line does not form an arc (a meridian from pole
-  ///         to pole, or a single point), or when an area around the zenith is asked for a circle.
+  /// \return false if the extents fail, if the line does not form an arc (a meridian from pole to
+  ///         pole, or a single point), or for a circle of an area around the zenith.
   bool SearchLine(const AnglePointC& probe, bool vertical, std::vector<AnglePointC>& out) const;
 
   const std::vector<AnglePointC>& GetPoints() const { return points_; }
