@@ -10,6 +10,8 @@
 
 #include <fmt/format.h>
 
+#include <surveydata/gnss/gps_time.h>
+
 #include <command_line/text.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
@@ -17,6 +19,7 @@
 #include <platform/format.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
+#include <record/gps_moment.h>
 #include <record/record_commands.h>
 #include <record/record_filter.h>
 #include <record/record_pass.h>
@@ -36,6 +39,7 @@ constexpr const char* kDescription =
 struct Options {
   RecordFileOptions files;
   bool isJson = false;
+  bool isUTC = false;
   RecordFilter filter;
 };
 
@@ -65,6 +69,13 @@ Summary Summarise(const DecodedRecord& record) {
           record.Name()};
 }
 
+// Empty when the time of week is out of range.
+std::string UtcOf(const Vorlin::TimeC& time) {
+  char text[SDI::kTimeTextSize + 1];
+  SDI::FormatUTC(time, text);
+  return text;
+}
+
 // The lines of a file in the form that the user asked for.
 class ListI {
  public:
@@ -83,13 +94,14 @@ class ListI {
 class TextListC : public ListI {
  public:
   // With the name of each file before its heading if there may be several.
-  TextListC(PieceOutputC& out, bool areMany) : out_(out), areMany_(areMany) {}
+  TextListC(PieceOutputC& out, bool areMany, bool isUTC)
+      : out_(out), areMany_(areMany), isUTC_(isUTC) {}
 
   void Heading(const RecordFile& file, bool isNext) override {
     if (areMany_) Print("{}{}\n", isNext ? "\n" : "", ToVisible(file.Title()));
     Print("{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>12} {:>5} {:>5} {:>5} {:>5}  {:>9}  {}\n",
-          "offset", "kind", "length", "GPS time", "week", "time of week", "HDOP", "VDOP", "TDOP",
-          "PDOP", "used/view", "name");
+          "offset", "kind", "length", isUTC_ ? "UTC" : "GPS time", "week", "time of week", "HDOP",
+          "VDOP", "TDOP", "PDOP", "used/view", "name");
   }
 
   void Measurement(const DecodedRecord& record) override {
@@ -102,7 +114,8 @@ class TextListC : public ListI {
                                                : std::string("-");
     const std::string line = fmt::format(
         "{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>10.3f} s {:>5} {:>5} {:>5} {:>5}  {:>9}  {}",
-        record.offset, "measurement", record.size, GpsDateTime(GpsMilliseconds(summary.time)),
+        record.offset, "measurement", record.size,
+        isUTC_ ? UtcOf(summary.time) : GpsDateTime(GpsMilliseconds(summary.time)),
         summary.time.week, summary.time.timeOfWeek / 1000.0, told(summary.hdop), told(summary.vdop),
         told(summary.tdop), told(summary.pdop), satellites, ToVisible(summary.name));
     Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
@@ -127,18 +140,24 @@ class TextListC : public ListI {
 
   PieceOutputC& out_;
   bool areMany_;
+  bool isUTC_;
 };
 
 class JsonListC : public ListI {
  public:
   // Each line begins with the name of the file if there is one.
-  JsonListC(PieceOutputC& out, std::string file) : out_(out), file_(std::move(file)) {}
+  JsonListC(PieceOutputC& out, std::string file, bool isUTC)
+      : out_(out), file_(std::move(file)), isUTC_(isUTC) {}
 
   void Measurement(const DecodedRecord& record) override {
     const Summary summary = Summarise(record);
     JsonWriterC line = Begin(record.offset, record.size, "measurement");
     line.Field("time", summary.time);
     line.Field("gpsTime", std::string_view(GpsDateTime(GpsMilliseconds(summary.time))));
+    if (isUTC_) {
+      const std::string utc = UtcOf(summary.time);
+      line.Field("utc", utc.empty() ? std::nullopt : std::optional<std::string_view>(utc));
+    }
     line.Field("hdop", summary.hdop);
     line.Field("vdop", summary.vdop);
     line.Field("tdop", summary.tdop);
@@ -182,6 +201,7 @@ class JsonListC : public ListI {
 
   PieceOutputC& out_;
   std::string file_;
+  bool isUTC_;
 };
 
 // "1 gap", "2 gaps".
@@ -247,6 +267,7 @@ class FaultListC {
 struct ListedPiece {
   PieceOutputC output;
   Counts counts;
+  bool hasTimesAfterExpiry = false;
   std::optional<Gap> first;  // reaches to the piece before, or to the one after, too
   std::optional<Gap> last;   // reaches to the piece after
 };
@@ -295,6 +316,8 @@ class ListPassC : public RecordPassI<ListedPiece> {
       } else if (sieve.Takes(record)) {
         ++result.counts.measurements;
         list->Measurement(record);
+        result.hasTimesAfterExpiry |=
+            options_.isUTC && SDI::IsAfterLeapSecondExpiry(record.measurement.GetTimeA());
       }
     }
     walk.SetReportDamaged(nullptr);
@@ -311,6 +334,7 @@ class ListPassC : public RecordPassI<ListedPiece> {
     if (!isAllGap || piece.isLast) Close(piece, direct);
     result.output.PutTo(direct);
     counts_.Add(result.counts);
+    hasTimesAfterExpiry_ |= result.hasTimesAfterExpiry;
     if (result.last) Open(piece, *result.last, direct);
   }
 
@@ -327,10 +351,13 @@ class ListPassC : public RecordPassI<ListedPiece> {
     return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
   }
 
+  bool HasTimesAfterExpiry() const { return hasTimesAfterExpiry_; }
+
  private:
   std::unique_ptr<ListI> ListOf(const RecordFile& file, PieceOutputC& out) const {
-    if (!options_.isJson) return std::make_unique<TextListC>(out, areMany_);
-    return std::make_unique<JsonListC>(out, areMany_ ? ToUtf8(file.Title()) : std::string());
+    if (!options_.isJson) return std::make_unique<TextListC>(out, areMany_, options_.isUTC);
+    return std::make_unique<JsonListC>(out, areMany_ ? ToUtf8(file.Title()) : std::string(),
+                                       options_.isUTC);
   }
 
   void Open(const RecordPiece& piece, const Gap& gap, PieceOutputC& direct) {
@@ -358,6 +385,7 @@ class ListPassC : public RecordPassI<ListedPiece> {
   const Options& options_;
   const std::vector<RecordFile>& files_;
   bool areMany_;
+  bool hasTimesAfterExpiry_ = false;
   Counts counts_;            // of the file
   std::optional<Gap> open_;  // may go on in the next piece
 };
@@ -373,6 +401,7 @@ ExitCode Run(const Options& options) {
                                    .hasRows = true},
                                   pass);
   out.Close();
+  if (pass.HasTimesAfterExpiry()) TellAboutLeapSeconds();
   return result;
 }
 
@@ -384,11 +413,14 @@ Command RecordListCommand() {
   command.name = "list";
   command.description = kDescription;
   command.footer =
-      "Times are GPS times, without leap seconds.\n\n"
+      "Times are GPS times, without leap seconds, unless --utc is given.\n\n"
       "Example:\n  surveydata record list valley_drive.rec";
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object per line",
-                      .flag = &options->isJson}};
+                      .flag = &options->isJson},
+                     {.names = {"--utc"},
+                      .description = "Times in UTC: in JSON Lines besides GPS time",
+                      .flag = &options->isUTC}};
   AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };

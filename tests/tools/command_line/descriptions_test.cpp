@@ -195,7 +195,7 @@ const std::vector<Question>& Questions() {
        {"list", "show", "export", "columns", "check", "set", "cut", "join", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
       {{"record", "list", "--"},
-       {"--help", "--json", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
+       {"--help", "--json", "--utc", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
         "--every"}},
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
       {{"record", "list", "area", "--js"}, {"--json"}},  // a file with the name of a command

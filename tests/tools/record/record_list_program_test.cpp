@@ -237,4 +237,35 @@ TEST(RecordList, DoesNotTakeLongRecordsOfTheSameTypeForMeasurements) {
   EXPECT_TRUE(Lines(outcome.out).back().starts_with("0 measurements, 1 other record, "));
 }
 
+TEST(RecordList, GivesTimesInUtcOnRequest) {
+  const std::string file = DataPath("valley_drive.rec");
+  const auto firstMeasurement = [](const Outcome& outcome) {
+    for (const json& line : JsonLines(outcome.out)) {
+      if (line["kind"] == "measurement") return line;
+    }
+    return json();
+  };
+  json line = firstMeasurement(RunProgram({"record", "list", file, "--json", "--utc"}));
+  EXPECT_EQ(line["utc"], "2020-02-07T02:14:17.000");  // 18 leap seconds
+  EXPECT_EQ(line["gpsTime"], "2020-02-07T02:14:35.000");
+  line.erase("utc");
+  EXPECT_EQ(line, firstMeasurement(RunProgram({"record", "list", file, "--json"})));
+
+  std::string expected = RunProgram({"record", "list", file}).out;
+  const auto text = Lines(RunProgram({"record", "list", file, "--utc"}).out);
+  EXPECT_NE(text[0].find("  UTC  "), std::string::npos);
+  EXPECT_EQ(text[0].find("GPS time"), std::string::npos);
+  EXPECT_NE(text[3].find("  2020-02-07T02:14:17.000  2091"), std::string::npos) << text[3];
+  EXPECT_EQ(text.size(), Lines(expected).size());
+
+  const TempFolderC folder;
+  Bytes body = MakeBody(0, {});
+  body[0] = static_cast<std::uint8_t>(2600 & 0xFF);
+  body[1] = static_cast<std::uint8_t>(2600 >> 8);
+  WriteBytes(folder / "late.rec", MakeFrame(113, body));
+  EXPECT_TRUE(RunProgram({"record", "list", folder / "late.rec", "--utc"})
+                  .err.starts_with("surveydata: times in UTC from 2027-06-28 on"));
+  EXPECT_EQ(RunProgram({"record", "list", folder / "late.rec"}).err, "");
+}
+
 }  // namespace
