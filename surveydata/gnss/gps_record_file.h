@@ -49,9 +49,8 @@ class SURVEYDATA_API GPSRecordFileC {
   /// A frame truncated by the end of the file is written whole, with zeros for the missing bytes.
   ///
   /// \return 0 if written (the write itself is not checked); 1 if `info` is null, the file cannot
-  /// be
-  ///         opened, ends within the first five bytes of the frame, or seeking before the write
-  ///         fails; 2 if seeking before reading fails or there is no measurement frame with a
+  ///         be opened, it ends within the first five bytes of the frame, or seeking before the
+  ///         write fails; 2 if seeking before reading fails or there is no measurement frame with a
   ///         correct checksum at the offset. The file is unchanged after 1 and 2.
   static std::uint32_t WriteGPSMeasData(const GPSMeasDataImplC* measurement,
                                         GPSRecordFileInfo* info);

@@ -139,9 +139,9 @@ inline constexpr int kNoSubType = -1;
 std::size_t Build(std::span<std::uint8_t> buffer, std::uint8_t type, int subType,
                   std::size_t payload);
 
-/// Writes `count` units, up to their first 0, as UTF-8. Without a 0 among them no 0 byte is
-/// written. \return the bytes that the whole text needs (a unit that does not fit is skipped but
-/// counted);
+/// Writes `count` units, up to their first 0, as UTF-8, and a 0 byte only if there is a 0 unit.
+///
+/// \return the bytes that the whole text needs (a unit that does not fit is skipped but counted);
 ///         -1, with nothing written, if `count` + 1 exceeds `capacity` or `dst` is null.
 int EncodeName(const char16_t* units, std::size_t count, char* dst, std::size_t capacity);
 

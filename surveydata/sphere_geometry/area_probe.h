@@ -37,9 +37,8 @@ inline bool IsNearBox(const AnglePointC& probe, const AnglePointC& a, const Angl
 /// a crossing at or above it (or the zenith inside), and an odd number of crossings below.
 /// Crossings that are equal to 10 digits count as one. Reorders and shortens `crossings`.
 ///
-/// \param hasOneAbove  whether the zenith is inside, or a crossing that is not in the list is
-/// above. \param othersBelow  the number of crossings below that are not in the list and equal none
-/// in it.
+/// \param hasOneAbove  whether the zenith is inside or another crossing is above.
+/// \param othersBelow  the number of other crossings below, none equal to one in the list.
 bool IsInsideByParity(std::vector<double>& crossings, double v, bool hasOneAbove,
                       std::size_t othersBelow = 0);
 

@@ -30,8 +30,7 @@ struct ExactSum {
 /// The quarter turns are taken off here. A C library may do so with pi of 66 bits, whose sine of an
 /// angle 1e-10 away from pi is right to 11 digits only.
 /// \source W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980: pi / 2 in
-/// parts
-///         of 41 bits, which are multiplied without rounding by up to 2^12 quarter turns.
+///         parts of 41 bits, which are multiplied without rounding by up to 2^12 quarter turns.
 CosSin AccurateCosSin(const ExactSum& angle) {
   constexpr double kMostQuarters = 0x1p12;
   constexpr double kQuarter1 = 0x1.921fb54442p+0;

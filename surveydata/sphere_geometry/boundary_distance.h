@@ -13,18 +13,16 @@ namespace GMAT {
 
 /// The angle between two directions.
 /// \accuracy within 1e-15 rad and the rounding of the difference of the Hz.
-/// \source sin^2(d/2) = sin^2((v-V)/2) cos^2(l/2) + sin^2((v+V)/2) sin^2(l/2) for Hz that differ by
-/// l;
-///         the cosine likewise. Nothing cancels.
+/// \source sin^2(d/2) = sin^2((v-V)/2) cos^2(l/2) + sin^2((v+V)/2) sin^2(l/2) for Hz that differ
+///         by l; the cosine likewise. Nothing cancels.
 double DistanceToPoint(const AnglePointC& direction, const AnglePointC& point);
 
 /// The angle between a direction and the nearest point of the shorter arc of the great circle from
 /// `a` to `b`; without an arc of its own (`GreatCircleArcC::IsValid`), of its ends.
 /// \accuracy within 1e-12 rad for Hz up to 2048, however near the ends are or how nearly antipodal.
 /// \source With Hz measured from the middle of the ends, and half of their difference l / 2, a x b
-/// is
-///         (-sin(l/2) sin(V1 + V2), cos(l/2) sin(V2 - V1), sin V1 sin V2 sin l): products of sines
-///         of sums, which are taken without rounding.
+///         is (-sin(l/2) sin(V1 + V2), cos(l/2) sin(V2 - V1), sin V1 sin V2 sin l): products of
+///         sines of sums, which are taken without rounding.
 double DistanceToArc(const AnglePointC& direction, const AnglePointC& a, const AnglePointC& b);
 
 /// The angle between a direction and the nearest point of the meridian `hz` between two V.

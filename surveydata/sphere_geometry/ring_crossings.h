@@ -20,9 +20,9 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges);
 /// the edges in their order on a sweep line (`SweepInOrder`). If two chords cross where their arcs
 /// do not, that order is lost, and the boxes are compared after all.
 /// \cost O(n log n), and one comparison for every pair of edges within 2e-9 of each other. If
-/// chords
-///       cross and their arcs do not, or the frame is wider than `kWidestFrame`: one comparison for
-///       every pair of edges that share a range of Hz, or of V if these are fewer, n^2 at worst.
+///       chords cross and their arcs do not, or the frame is wider than `kWidestFrame`: one
+///       comparison for every pair of edges that share a range of Hz, or of V if these are fewer,
+///       n^2 at worst.
 bool CrossesItself(const std::vector<AnglePointC>& edges);
 
 /// Two edges that cross, `first` < `second`, and where their arcs do, in the frame of the edges.
