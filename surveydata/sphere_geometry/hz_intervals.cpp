@@ -26,7 +26,9 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
   constexpr std::size_t kBucketsPerInterval = 4;
   const std::uint64_t buckets =
       std::clamp<std::uint64_t>(kept * kBucketsPerInterval, 1, mostBuckets);
-  lastUnit_ = static_cast<std::uint32_t>(std::min(width_ / TWO_PI * 0x1p32, 0x1p32 - 1.0));
+  // The product of `ToTurnUnits`, so that no Hz up to the width has more units, whatever it rounds
+  // to.
+  lastUnit_ = static_cast<std::uint32_t>(std::min(width_ * (0x1p32 / TWO_PI), 0x1p32 - 1.0));
   bucketsPerUnit_ = (buckets << kFraction) / (std::uint64_t{lastUnit_} + 1);
   hulls_.assign(static_cast<std::size_t>(buckets), Hull{});
   for (const Interval& interval : intervals_) {

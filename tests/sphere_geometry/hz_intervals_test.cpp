@@ -80,6 +80,24 @@ TEST(HzIntervals, OnAFullTurnWhatLiesBeyondOneEndComesInAtTheOther) {
   EXPECT_FALSE(narrow.Contains(0.95));
 }
 
+// A width that is a whole number of units but for the rounding of a quotient or a product, and
+// others.
+TEST(HzIntervals, AnIntervalUpToTheWidthContainsTheWidth) {
+  std::mt19937_64 random(5);
+  for (int i = 0; i < 20000; ++i) {
+    const auto units = static_cast<double>(random() >> 32);
+    double width = (units + 1.0) * (TWO_PI / 0x1p32);
+    if (i == 0) width = 0x1.35e6a3a7ed268p+1;
+    for (double hz : {width, std::nextafter(width, 0.0)}) {
+      HzIntervalsC set(hz);
+      set.Add(hz - 1e-9, hz + 1e-9);
+      set.Build(16);
+      if (hz == TWO_PI) continue;  // has the units of 0
+      ASSERT_TRUE(set.Contains(hz)) << std::hexfloat << hz;
+    }
+  }
+}
+
 TEST(HzIntervals, WithoutAnyNothingIsContained) {
   HzIntervalsC set(1.0);
   set.Build(64);
