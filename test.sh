@@ -21,7 +21,8 @@ usage: ./test.sh [PART]
   --valgrind      run a selection of the tests under valgrind
   --page          build the page for the browser and test it in Chromium
   --python        build, install and test the Python package, in build/python
-  --engines       test the Python package with the engines for archives, in build/engines
+  --engines       test the Python package with the engines for archives, in build/engines;
+                  --engines --measure takes the figures of docs/scale.md instead
 END
   exit 2
 }
@@ -68,6 +69,8 @@ part=${1:-}
 seconds=${2:-}
 if [ "$part" = --fuzz ]; then
   [[ "$seconds" =~ ^[1-9][0-9]*$ ]] && [ $# -eq 2 ] || usage
+elif [ "$part" = --engines ]; then
+  [ $# -eq 1 ] || [[ "${2:-}" = --measure && $# -eq 2 ]] || usage
 else
   [ $# -le 1 ] || usage
 fi
@@ -109,8 +112,8 @@ case "$part" in
     python/test_package.sh
     ;;
   --engines)
-    install_dependencies "${build_packages[@]}" "${python_packages[@]}"
-    python/test_engines.sh
+    install_dependencies "${build_packages[@]}" "${python_packages[@]}" "${engine_packages[@]}"
+    python/test_engines.sh "${@:2}"
     ;;
   --page)
     install_dependencies "${build_packages[@]}" "${test_packages[@]}" "${page_packages[@]}"

@@ -59,6 +59,10 @@ tidy_packages=(clang clang-tidy cppcheck)
 # Additional packages for the Python package. Those from PyPI are in python/requirements-test.txt.
 python_packages=(python3-dev python3-venv)
 
+# Additional packages for the engines for archives. Those from PyPI are in python/requirements-engines.txt
+# and python/requirements-spark.txt.
+engine_packages=(openjdk-17-jre-headless)
+
 # Additional packages for the page for the browser. Those from npm are in web/package-lock.json. A Node.js
 # that is not Debian's includes npm.
 page_packages=(chromium emscripten)
