@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Mutation testing: do the tests detect small mistakes in the library?
+"""Mutation testing: do the tests detect small mistakes in the library and the program?
 
-Copies the project to build/mutation, applies one small mutation at a time to the library, builds the
-tests that are relevant for its file and runs them until one fails. Surviving mutations are reported,
-unless tests/mutation/explained.json explains why they change no result.
+Copies the project to build/mutation, applies one small mutation at a time, builds the tests that are
+relevant for its file and runs them until one fails. Surviving mutations are reported, unless
+tests/mutation/explained.json explains why they change no result.
 
   tests/mutation/mutate.py                    200 mutations, distributed over the files by size
-  tests/mutation/mutate.py --only utf8        only files whose name matches
+  tests/mutation/mutate.py --only ^tools/     only files whose name matches, here those of the program
   tests/mutation/mutate.py --list             only list the mutations
   tests/mutation/mutate.py --again            the mutations that survived the last run
   tests/mutation/mutate.py --check            only check the tables below and explained.json
@@ -153,6 +153,32 @@ TESTS = {
     "surveydata/total_station/": ["tps_setup_data_test", "tps_meas_data_test",
                                   "tps_correction_data_test", "tps_calibration_data_test",
                                   "record_rules_test", "pair_rules_test"],
+    "tools/": ["program_test", "posix_program_test", "descriptions_test"],
+    "tools/area/": ["area_parts_test", "area_program_test"],
+    "tools/area/direction_reader": ["direction_reader_test", "area_program_test"],
+    "tools/command_line/": ["descriptions_test", "program_test", "posix_program_test",
+                            "record_set_steps_test"],
+    "tools/command_line/suggestion": ["suggestion_test", "program_test"],
+    "tools/command_line/text": ["text_test", "area_program_test", "record_show_program_test"],
+    "tools/output/": ["program_test", "posix_program_test", "record_export_program_test",
+                      "area_program_test"],
+    "tools/output/chart": ["chart_test", "record_plot_program_test"],
+    "tools/output/csv": ["csv_cell_test", "record_export_program_test", "area_program_test"],
+    "tools/output/gps_time": ["gps_time_text_test", "record_list_program_test"],
+    "tools/output/label_placer": ["label_placer_test", "area_program_test"],
+    "tools/output/raster": ["raster_test", "area_program_test"],
+    "tools/output/replace_file": ["record_set_posix_test", "record_set_steps_test"],
+    "tools/output/svg": ["svg_test", "area_program_test", "record_plot_program_test"],
+    "tools/platform/": ["program_test", "posix_program_test", "input_file_program_test"],
+    "tools/platform/file_": ["record_set_posix_test", "record_set_steps_test"],
+    "tools/record/": ["record_filter_test", "record_list_program_test", "record_show_program_test",
+                      "record_export_program_test", "record_plot_program_test",
+                      "record_set_program_test", "posix_program_test"],
+    "tools/record/explain_frame": ["explain_frame_test", "record_show_program_test"],
+    "tools/record/find_frame": ["record_set_program_test", "record_show_program_test"],
+    "tools/record/patch_frame": ["record_set_program_test"],
+    "tools/record/record_set": ["record_set_program_test", "record_set_posix_test"],
+    "tools/record/satellite_series": ["satellite_series_test", "record_plot_program_test"],
 }
 
 
@@ -198,6 +224,8 @@ def candidates(only):
     files += [PROJECT / "surveydata/object_model/handle.h", PROJECT / "surveydata/gnss/record_frame.h"]
     files += sorted(PROJECT.glob("surveydata/gnss/frame_*.h"))
     files += sorted(PROJECT.glob("surveydata/sphere_geometry/*.h"))
+    files += [path for path in sorted(PROJECT.glob("tools/**/*.cpp"))
+              if not path.stem.endswith("_windows") and path.stem != "describe_commands"]
     found = []
     for path in files:
         name = str(path.relative_to(PROJECT))
@@ -255,7 +283,7 @@ def prepare(all_tests, jobs):
             shutil.copy(source, target)
     configure = ["cmake", "-G", "Ninja", "-S", SOURCE, "-B", BUILD, "-D", "CMAKE_BUILD_TYPE=Debug",
                  "-D", "CMAKE_CXX_FLAGS_DEBUG=-O1 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong",
-                 "-D", "SURVEYDATA_BUILD_TOOLS=OFF", "-D", "SURVEYDATA_BUILD_BENCHMARKS=OFF",
+                 "-D", "SURVEYDATA_BUILD_TOOLS=ON", "-D", "SURVEYDATA_BUILD_BENCHMARKS=OFF",
                  "-D", "SURVEYDATA_BUILD_EXAMPLES=OFF"]
     for command in (configure, ["cmake", "--build", BUILD, "-j", str(jobs), "--target",
                                 *names_of(all_tests)]):
