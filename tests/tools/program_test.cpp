@@ -64,6 +64,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       // Standard input is read once, and cannot be changed.
       {"record", "set", "-", "--offset", "960", "--number", "5"},
       {"record", "set", "-", "--offset", "960", "--number", "5", "--dry-run"},
+      {"record", "set", "/dev/stdin", "--offset", "960", "--number", "5"},
+      {"record", "set", "/dev/stdin", "--offset", "960", "--number", "5", "--dry-run"},
       {"area", "contains", "-"},
       {"area", "contains", "-", "--csv", "-"},
       {"area", "contains", "/dev/stdin", "--csv", "-"},
@@ -112,6 +114,56 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
        "a command is missing: record has list, show, export, columns, check, set, cut, join, plot"},
       {{"area", "foo"}, "there is no command 'foo': area has info, outline, contains, plot"},
       {{"record", "list"}, "FILE is required"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    SCOPED_TRACE(Joined(arguments));
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err,
+              "surveydata: " + std::string(message) + "\nRun with --help for more information.\n");
+  }
+}
+
+// Each message names the word that is wrong and, where it is known, what is right.
+TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
+  const std::string area = DataPath("areas/facade.json");
+  const struct {
+    std::vector<std::string> arguments;
+    const char* message;
+  } cases[] = {
+      {{"-v"}, "surveydata has no option '-v'; did you mean --version?"},
+      {{"--verison"}, "surveydata has no option '--verison'; did you mean --version?"},
+      {{"record", "list", "--jsn", "a.rec"},
+       "surveydata record list has no option '--jsn'; did you mean --json?"},
+      {{"record", "list", "--jsn"},
+       "surveydata record list has no option '--jsn'; did you mean --json?"},
+      {{"record", "list", "-n", "3", "a.rec"}, "surveydata record list has no option '-n'"},
+      {{"area", "contains", area, "--seperator=tab"},
+       "surveydata area contains has no option '--seperator'; did you mean --separator?"},
+      {{"--json", "area", "info", area},
+       "surveydata has no option '--json'; it belongs after 'surveydata area info'"},
+      {{"record", "list", "a.rec", "b.rec"},
+       "'b.rec' is one argument too many: surveydata record list takes one FILE"},
+      {{"area", "info", area, "b.json"},
+       "'b.json' is one argument too many: surveydata area info takes one AREA"},
+      {{"record", "columns", "a.rec"},
+       "'a.rec' is one argument too many: surveydata record columns takes none"},
+      {{"help"}, "there is no command 'help': surveydata has record, area"},
+      {{"record", "help", "list"},
+       "there is no command 'help': record has list, show, export, columns, set, plot"},
+      {{"area", "contains", area, "1,2", "--csv", "d.csv"},
+       "DIRECTION and --csv exclude each other: give one of them"},
+      {{"area", "contains", area, "1,2", "--format", "csv", "--json"},
+       "--format and --json exclude each other: give one of them"},
+      {{"record", "set", "a.rec", "--offset", "960", "--slant"},
+       "--slant needs --antenna-height beside it"},
+      {{"area", "plot", area, "-o", "a.svg", "--columns", "1,2"},
+       "--columns needs --csv beside it"},
+      {{"record", "show", "a.rec", "--offset"}, "--offset needs a value, N"},
+      {{"area", "contains", area, "--csv"}, "--csv needs a value, FILE"},
+      {{"record", "show", "a.rec"}, "--offset is required"},
+      {{"area", "contains"}, "AREA is required"},
   };
   for (const auto& [arguments, message] : cases) {
     SCOPED_TRACE(Joined(arguments));

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cstddef>
 #include <sstream>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -8,6 +11,7 @@
 
 #include <command_line/exit_code.h>
 #include <command_line/parser.h>
+#include <command_line/suggestion.h>
 
 // The only file that includes CLI11, which takes seconds to compile.
 
@@ -75,25 +79,111 @@ void AddContents(CLI::App& app, const Command& command, const Command*& chosen) 
   }
 }
 
-// What is wrong. When a command is missing, names the word that was given instead and the commands
-// that exist.
-std::string Explain(const CLI::App* top, const CLI::Error& error) {
-  const CLI::App* app = top;
-  while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
-  const bool needsCommand = app->get_require_subcommand_min() > 0;
-  if (!needsCommand || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) {
-    return error.what();
+// The commands of the command line, as far as they are known: the program, its command, and so on.
+std::vector<const CLI::App*> Chain(const CLI::App* top) {
+  std::vector<const CLI::App*> chain = {top};
+  while (!chain.back()->get_subcommands().empty()) {
+    chain.push_back(chain.back()->get_subcommands().front());
   }
+  return chain;
+}
+
+std::string PathOf(const CLI::App& app) {
+  return (app.get_parent() == nullptr ? "" : PathOf(*app.get_parent()) + " ") + app.get_name();
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app) {
   std::vector<std::string> names;
-  for (const CLI::App* const command : app->get_subcommands({})) {
+  for (const CLI::App* const command : app.get_subcommands({})) {
     names.push_back(command->get_name());
   }
-  const std::vector<std::string> given = app->remaining();
-  const auto wrong = std::find_if(given.begin(), given.end(),
-                                  [](const std::string& word) { return !word.starts_with('-'); });
-  const std::string what = wrong != given.end() ? fmt::format("there is no command '{}'", *wrong)
-                                                : std::string("a command is missing");
-  return fmt::format("{}: {} has {}", what, app->get_name(), fmt::join(names, ", "));
+  return names;
+}
+
+// With their dashes.
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_snames()) names.push_back("-" + name);
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+std::string ExplainOption(const CLI::App& app, const CLI::App& last, const std::string& word) {
+  const std::string name = word.substr(0, word.find('='));
+  const std::string what = fmt::format("{} has no option '{}'", PathOf(app), name);
+  const std::vector<std::string> names = OptionNames(last);
+  if (&app != &last && std::find(names.begin(), names.end(), name) != names.end()) {
+    return fmt::format("{}; it belongs after '{}'", what, PathOf(last));
+  }
+  const std::string nearest = Nearest(name, names);
+  return nearest.empty() ? what : fmt::format("{}; did you mean {}?", what, nearest);
+}
+
+std::string ExplainArgument(const CLI::App& app, const std::string& word) {
+  std::vector<std::string> arguments;
+  for (const CLI::Option* const option : app.get_options()) {
+    if (option->get_positional()) arguments.push_back(option->get_name(true));
+  }
+  return fmt::format(
+      "'{}' is one argument too many: {} takes {}", word, PathOf(app),
+      arguments.empty() ? "none" : fmt::format("one {}", fmt::join(arguments, ", one ")));
+}
+
+std::string ExplainCommand(const CLI::App& app, const std::string& what) {
+  return fmt::format("{}: {} has {}", what, app.get_name(), fmt::join(CommandNames(app), ", "));
+}
+
+// The word that no command, option or argument takes; empty if there is none.
+std::string ExplainWord(const std::vector<const CLI::App*>& chain) {
+  for (const CLI::App* const app : chain) {
+    const std::vector<std::string> words = app->remaining();
+    const auto isOption = [](const std::string& word) {
+      return word.size() > 1 && word.front() == '-';
+    };
+    const auto word = std::find_if_not(words.begin(), words.end(), isOption);
+    if (word != words.end() && !CommandNames(*app).empty()) {
+      return ExplainCommand(*app, fmt::format("there is no command '{}'", *word));
+    }
+    const auto option = std::find_if(words.begin(), words.end(), isOption);
+    if (option != words.end()) return ExplainOption(*app, *chain.back(), *option);
+    if (word != words.end()) return ExplainArgument(*app, *word);
+  }
+  return {};
+}
+
+// What is wrong, as a sentence that names the words of the command line.
+std::string Explain(const CLI::App* top, const CLI::Error& error) {
+  const std::vector<const CLI::App*> chain = Chain(top);
+  const std::string text = error.what();
+  const auto parts = [&text](std::string_view between) {
+    const std::size_t at = text.find(between);
+    return std::pair{text.substr(0, at), text.substr(std::min(at + between.size(), text.size()))};
+  };
+  const bool isRequired = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+  if (isRequired || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    const std::string word = ExplainWord(chain);
+    if (!word.empty()) return word;
+    if (chain.back()->get_require_subcommand_min() > 0) {
+      return ExplainCommand(*chain.back(), "a command is missing");
+    }
+  }
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    const auto [one, other] = parts(" excludes ");
+    return fmt::format("{} and {} exclude each other: give one of them", one, other);
+  }
+  if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+    const auto [one, other] = parts(" requires ");
+    return fmt::format("{} needs {} beside it", one, other);
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    const std::string name = parts(":").first;
+    const CLI::Option* const option = chain.back()->get_option_no_throw(name);
+    if (option != nullptr)
+      return fmt::format("{} needs a value, {}", name, option->get_type_name());
+  }
+  return text;
 }
 
 }  // namespace

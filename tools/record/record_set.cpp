@@ -17,6 +17,7 @@
 #include <command_line/text.h>
 #include <output/output.h>
 #include <output/replace_file.h>
+#include <platform/input_file.h>
 #include <record/decoded_record.h>
 #include <record/find_frame.h>
 #include <record/patch_frame.h>
@@ -117,7 +118,7 @@ std::vector<std::uint8_t> FindFrameIn(const Options& options,
 
 ExitCode Run(const Options& options) {
   const FrameChanges& changes = options.changes;
-  if (options.file == "-") {
+  if (IsStandardInput(options.file)) {
     throw ToolErrorC(ExitCode::kUsage, "standard input cannot be changed; name a file");
   }
   if (!changes.name && !changes.number && !changes.antennaHeight) {

@@ -1,0 +1,17 @@
+#ifndef SURVEYDATA_TOOLS_COMMAND_LINE_SUGGESTION_H_
+#define SURVEYDATA_TOOLS_COMMAND_LINE_SUGGESTION_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tool {
+
+/// The one of `names` that a mistyped word probably means: the only one that begins with the word,
+/// for "-v" the only long option that begins with that letter, or the only nearest one, with at
+/// most two wrong, missing or additional characters, fewer than half of the word. Empty if none is.
+std::string Nearest(std::string_view word, const std::vector<std::string>& names);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_COMMAND_LINE_SUGGESTION_H_
