@@ -60,7 +60,7 @@ show "The area of a facade scan: its validity, bounds and solid angle." \
 show "Which directions lie inside." \
      "surveydata area contains facade.json 57,92 90,85" 1
 show "The area as a picture." \
-     "surveydata area plot facade.json -o facade.svg --probe 57,92 --probe 90,85"
+     "surveydata area plot facade.json -o facade.svg --window 10,50,110,120 --probe 57,92 --probe 90,85"
 
 printf '\nThe pictures: %s\n              %s\n              %s\n' \
   "$PWD/valley_drive.svg" "$PWD/desert_highway.svg" "$PWD/facade.svg"
