@@ -11,12 +11,12 @@ Command MakeCommands() {
   top.footer =
       "Exit codes:\n"
       "  0  done\n"
-      "  1  a finding of what was asked: a gap, a bad frame or no measurement in a record file,\n"
+      "  1  a finding: a gap, a bad frame or no measurement in a record file,\n"
       "     no measurement frame at an offset, an area that is not valid (area info),\n"
-      "     a direction outside\n"
+      "     a direction outside, no direction at all\n"
       "  2  wrong usage\n"
       "  3  a file cannot be read or written, or there is not enough memory\n"
-      "  4  cannot be asked: the area is not valid (area contains, outline, plot)\n\n"
+      "  4  no answer, because the area is not valid (area contains, outline, plot)\n\n"
       "Example:\n  surveydata record --help";
   top.options = {{.names = {"--version"},
                   .description = "Print the version of the program and exit",

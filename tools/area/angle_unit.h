@@ -20,15 +20,15 @@ double HalfTurn(AngleUnit unit);
 
 double ToRadians(double angle, AngleUnit unit);
 
-/// The angle in the unit; in degrees and gon rounded to 1e-11, so that an angle that went through
-/// radians comes back as it was given.
+/// The angle in the unit; in degrees and gon rounded to 1e-11, so that an angle that was
+/// converted to radians comes back as it was given.
 double FromRadians(double radians, AngleUnit unit);
 
-/// The digits behind the point with which people read angles: a tenth of a microradian.
+/// The number of decimals of an angle for people: a tenth of a microradian.
 int UnitDecimals(AngleUnit unit);
 
-/// An angle given in the unit, for people: with these digits, or with six in all where it is so
-/// large that nobody would read them.
+/// An angle given in the unit, for people: with these decimals, or with six significant digits if
+/// it is very large.
 std::string AngleText(double angle, AngleUnit unit);
 /// The same for a step, which is never shown as 0 unless it is.
 std::string StepText(double step, AngleUnit unit);

@@ -19,12 +19,12 @@ CommandOption AreaArgument(std::string& file) {
 }
 
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
-  constexpr std::size_t kMostTold = 8;
-  const std::size_t told = std::min(faults.size(), kMostTold);
-  for (std::size_t i = 0; i < told; ++i) Tell("the area is not valid: " + faults[i].text);
-  if (told < faults.size()) {
-    Tell(
-        fmt::format("the area is not valid: {} more reasons, see area info", faults.size() - told));
+  constexpr std::size_t kMostReported = 8;
+  const std::size_t reported = std::min(faults.size(), kMostReported);
+  for (std::size_t i = 0; i < reported; ++i) Tell("the area is not valid: " + faults[i].text);
+  if (reported < faults.size()) {
+    Tell(fmt::format("the area is not valid: {} more reasons, see area info",
+                     faults.size() - reported));
   }
   return faults.empty() ? ExitCode::kDone : ExitCode::kCannotBeAsked;
 }

@@ -33,7 +33,7 @@ inline constexpr double kPageHeight = 550;
 /// so many, edges are too short to be halved, and are drawn in one line.
 inline constexpr std::size_t kManyCorners = 2000;
 
-/// Colours that can be told apart with any colour vision; their shades differ as well.
+/// Colours that can be distinguished with any colour vision; their shades differ as well.
 /// @{
 inline constexpr std::string_view kInsideFill = "#cfe3f3";
 inline constexpr std::string_view kQuiet = "#555555";

@@ -19,7 +19,7 @@
 namespace Tool {
 namespace {
 
-// More than this is told as this.
+// Larger counts are given as this.
 constexpr double kMostDirections = 1e18;
 
 constexpr const char* kDescription =
@@ -32,8 +32,8 @@ struct Options {
   bool isJson = false;
 };
 
-// What there is to tell of an area. The bounds need points that make an area, the directions steps
-// as well.
+// What is known of an area. The bounds need points that make an area; the directions also need
+// steps.
 struct AreaReport {
   AreaFile file;
   std::vector<AreaFault> faults;

@@ -11,8 +11,8 @@
 
 namespace Tool {
 
-/// Directions with their answers, for a picture, in a fixed amount of memory: more of them than can
-/// be told apart are marks on a raster.
+/// Directions with their answers, for a picture, in a fixed amount of memory: if there are too
+/// many to be distinguished, they are marks on a raster.
 class AreaProbesC {
  public:
   explicit AreaProbesC(const AngleWindow& window);

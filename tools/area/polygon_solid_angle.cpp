@@ -226,7 +226,7 @@ class MeridianSweepC {
   }
   double TangentHere(const Arc& arc) const { return arc.a * cosine_ + arc.b * sine_; }
 
-  // Where they meet, the end of their common way tells which is below.
+  // If they meet here, the order at the end of their common stretch decides.
   bool IsArcBelow(const Arc& p, const Arc& q) const {
     const double s = TangentHere(p);
     const double t = TangentHere(q);
@@ -309,7 +309,7 @@ class MeridianSweepC {
     state.sign = sign;
   }
 
-  // Plans what will happen to an arc and the one below, and tells whether they count as one now.
+  // Plans what will happen to an arc and the one below. Returns whether they count as one now.
   bool MeetBelow(Order::iterator place) {
     if (place == order_.begin()) return false;
     const std::size_t below = std::prev(place)->arc;

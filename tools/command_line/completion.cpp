@@ -288,7 +288,7 @@ std::string FishCompletion(const Command& top) {
   std::string out =
       fmt::format(R"(# Completes the commands of {0} in fish. Made from the program.
 
-# The command that stands before the cursor, and how many arguments it has been given.
+# The command before the cursor, and the number of its arguments so far.
 function __{0}_state
     set -l command {0}
     set -l given 0
@@ -341,7 +341,7 @@ complete -c {0} -f
     for (std::size_t i = 0; i < command->arguments.size(); ++i) {
       const CommandOption& argument = command->arguments[i];
       if (!argument.IsFile()) continue;
-      // Files with the right extension come first, others behind them.
+      // Files with the right extension come first, then the others.
       const std::string files =
           argument.Extension().empty()
               ? "-F"

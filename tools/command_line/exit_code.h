@@ -9,7 +9,7 @@ namespace Tool {
 /// The exit codes of the program.
 enum class ExitCode : int {
   kDone = 0,
-  kFinding = 1,        ///< A finding of what was asked: a gap, a bad frame, a direction outside.
+  kFinding = 1,        ///< A finding, such as a gap, a bad frame or a direction outside.
   kUsage = 2,          ///< The command line is wrong.
   kFileError = 3,      ///< A file cannot be read or written.
   kCannotBeAsked = 4,  ///< The question has no answer: the area is not valid.

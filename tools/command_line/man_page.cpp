@@ -88,11 +88,11 @@ class PageC {
  public:
   void Macro(std::string_view name, std::string_view text = {}) {
     Line(fmt::format(".{}{}{}", name, text.empty() ? "" : " ", text));
-    isBehindHeading_ = name == "SH" || name == "SS";
+    isAfterHeading_ = name == "SH" || name == "SS";
   }
   void Line(std::string_view text) {
     Append(page_, "{}\n", text);
-    isBehindHeading_ = false;
+    isAfterHeading_ = false;
   }
 
   // Lines that begin with blanks keep their form, the others are filled.
@@ -102,7 +102,7 @@ class PageC {
       const std::string_view line = text.substr(0, text.find('\n'));
       text.remove_prefix(std::min(line.size() + 1, text.size()));
       const bool isFormLine = line.starts_with("  ");
-      if (isFormLine && !isForm && !isBehindHeading_) Macro("PP");
+      if (isFormLine && !isForm && !isAfterHeading_) Macro("PP");
       if (isFormLine != isForm) Macro(isFormLine ? "EX" : "EE\n.PP");
       isForm = isFormLine;
       if (!line.empty()) {
@@ -138,7 +138,7 @@ class PageC {
   }
 
   std::string page_;
-  bool isBehindHeading_ = false;
+  bool isAfterHeading_ = false;
 };
 
 // A paragraph that begins with a title, "Exit codes: ...", is a section; others go on with the

@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-/// The manual page of a program in the language of man(7). `date` and `version` stand in its
+/// The manual page of a program in the language of man(7). `date` and `version` are in its
 /// footer.
 std::string ManPage(const Command& top, const std::string& date, const std::string& version);
 

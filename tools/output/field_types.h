@@ -36,7 +36,7 @@ struct Metres {
   double value;
 };
 
-/// Bytes, told in hexadecimal.
+/// Bytes, written in hexadecimal.
 struct HexBytes {
   std::string_view bytes;
 };

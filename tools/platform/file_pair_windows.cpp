@@ -69,11 +69,11 @@ std::optional<std::size_t> ReadAt(HANDLE file, std::uint64_t offset,
   return done;
 }
 
-// Without the mark of a path that is taken as it stands.
+// Without the prefix of a path that Windows takes literally.
 std::string ForMessages(const std::filesystem::path& path) {
-  constexpr std::wstring_view kAsItStands = L"\\\\?\\";
+  constexpr std::wstring_view kLiteral = L"\\\\?\\";
   const std::wstring& name = path.native();
-  return name.starts_with(kAsItStands) ? path.string().substr(kAsItStands.size()) : path.string();
+  return name.starts_with(kLiteral) ? path.string().substr(kLiteral.size()) : path.string();
 }
 
 // Where an open file is, whatever links led there. Empty on failure.
@@ -104,8 +104,8 @@ struct OriginalFileC::Platform {
 OriginalFileC::OriginalFileC(const std::string& file)
     : name_(file), platform_(std::make_unique<Platform>()) {
   Platform& own = *platform_;
-  // The lock: as long as the file is open here, nobody else opens it to write, renames or deletes
-  // it.
+  // The lock: as long as the file is open here, no other program can open it to write, rename or
+  // delete it.
   const auto openFor = [&](DWORD access) {
     own.file = HandleC(CreateFileW(ToPath(file).c_str(), access, FILE_SHARE_READ, nullptr,
                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -261,8 +261,8 @@ void CopiedFileC::Flush() {
   }
 }
 
-// Only a file that nobody has open is replaced. Whoever opens it between the closing here and the
-// replacing makes that fail.
+// Only a file that no program has open can be replaced: this fails if another one opens it after it
+// is closed here.
 void CopiedFileC::TakePlace() {
   platform_->file.Close();
   original_.platform_->file.Close();
@@ -273,7 +273,7 @@ void CopiedFileC::TakePlace() {
   platform_->isThere = false;
 }
 
-// Windows calls the handler in a thread of its own, and with nothing to tell who installed it.
+// Windows calls the handler in a separate thread, without an argument of the program.
 struct HeldSignalsC::Platform {
   static BOOL WINAPI Hold(DWORD kind) {
     isPending = true;

@@ -22,7 +22,7 @@ HANDLE HandleOf(StandardStream stream) {
   return INVALID_HANDLE_VALUE;
 }
 
-UINT codePageBefore;  // the console stays behind when the program has ended
+UINT codePageBefore;  // the console outlives the program
 
 }  // namespace
 

@@ -182,7 +182,7 @@ TEST(Descriptions, TellExclusionsOnBothSides) {
 
 // What a shell offers at the end of a command line.
 struct Question {
-  std::vector<std::string> words;  // behind the program's name; the last one is completed
+  std::vector<std::string> words;  // after the program's name; the last one is completed
   std::set<std::string> answer;
   bool isFile = false;
 };
