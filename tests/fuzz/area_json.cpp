@@ -179,7 +179,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto faults = Tool::FindAreaFaults(file);
     EXPECT_EQ(faults.empty(), file.area->IsValid());
     const auto bounds = Tool::MeasureBounds(file);
-    EXPECT_EQ(bounds.has_value(), file.area->IsAreaValid());
+    const double hzStep = file.area->GetHzStep();
+    const double vStep = file.area->GetVStep();
+    file.area->SetHzStep(1.0);
+    file.area->SetVStep(1.0);
+    EXPECT_EQ(bounds.has_value(), file.area->IsValid());
+    file.area->SetHzStep(hzStep);
+    file.area->SetVStep(vStep);
     std::vector<SDI::ScanDefPointC> outline;
     file.area->GetOutline(outline, 10.0);
     if (points > kMostDrawnPoints || size % kRarelyDrawn != 0) return 0;

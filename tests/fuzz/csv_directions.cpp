@@ -181,22 +181,59 @@ class TableParserC {
     return true;
   }
 
-  bool TakeHeading(const Cells& cells) {
-    std::set<std::string> names;
-    bool hasHz = false;
-    bool hasV = false;
+  // Whether a cell is `name` with a unit after it; of its unit, whether the area has it.
+  static bool IsWithUnit(const std::string& cell, const std::string& name, bool& isRightUnit) {
+    for (const std::string brackets : {"[]", "()"}) {
+      const std::size_t open = cell.find(brackets[0]);
+      if (cell.empty() || cell.back() != brackets[1] || open == std::string::npos || open == 0) {
+        continue;
+      }
+      if (LowerCase(Trimmed(cell.substr(0, open))) != name) return false;
+      const std::string unit = Trimmed(cell.substr(open + 1, cell.size() - open - 2));
+      isRightUnit = LowerCase(unit) == "gon";
+      return true;
+    }
+    return false;
+  }
+
+  // The column with this name, or else the only one with this name and a unit.
+  static std::optional<std::size_t> Find(const Cells& cells, const std::string& name) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      const std::string name = LowerCase(cells[i]);
-      if (!name.empty() && !names.insert(name).second) return false;
-      if (name == "hz") {
-        hasHz = true;
-        hz_ = i;
-      } else if (name == "v") {
-        hasV = true;
-        v_ = i;
+      if (LowerCase(cells[i]) == name) return i;
+    }
+    std::optional<std::size_t> found;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      bool isRightUnit = false;
+      if (!IsWithUnit(cells[i], name, isRightUnit)) continue;
+      if (found || !isRightUnit) return {};
+      found = i;
+    }
+    return found;
+  }
+
+  bool TakeHeading(const Cells& given) {
+    Cells cells;
+    for (const std::string& cell : given) {
+      const bool isUnit = separator_ == ' ' && !cells.empty() && !cell.empty() &&
+                          ((cell.front() == '[' && cell.back() == ']') ||
+                           (cell.front() == '(' && cell.back() == ')'));
+      if (isUnit) {
+        cells.back() += " " + cell;
+      } else {
+        cells.push_back(cell);
       }
     }
-    return hasHz && hasV;
+    columns_ = cells.size();
+    std::set<std::string> names;
+    for (const std::string& cell : cells) {
+      if (!cell.empty() && !names.insert(LowerCase(cell)).second) return false;
+    }
+    const auto hz = Find(cells, "hz");
+    const auto v = Find(cells, "v");
+    if (!hz || !v) return false;
+    hz_ = *hz;
+    v_ = *v;
+    return true;
   }
 
   Table table_;
@@ -218,7 +255,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (g_isAtTheLimits) return 0;
   std::size_t count = 0;
   try {
-    Tool::DirectionReaderC reader(memory.Path());
+    Tool::DirectionReaderC reader(memory.Path(), {.unit = Tool::AngleUnit::kGon});
     for (Tool::Direction direction{}; reader.Next(direction); ++count) {
       if (count == expected.rows.size()) {
         ADD_FAILURE() << "more directions than the file has";

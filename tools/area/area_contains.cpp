@@ -28,16 +28,17 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Report whether each direction lies inside an area. A direction outside gives the exit code "
-    "1,\n"
-    "an area that is not valid the exit code 4 and no answers.\n\n"
+    "Report whether each direction lies inside an area. A direction outside, or none at all, "
+    "gives\n"
+    "the exit code 1; an area that is not valid gives the exit code 4 and no answers.\n\n"
     "Directions come from the command line, or from a table with one in each line, in the unit of\n"
-    "the area file. A heading names the columns, hz and v and any others, in any order; without a\n"
-    "heading there are two, Hz and V. Commas, semicolons, tabs or blanks separate them. Other\n"
-    "columns go to the output. A line that is not a direction is an error. Empty lines and lines\n"
-    "that begin with # are passed over; the latter not where the first column holds something "
-    "else\n"
-    "than Hz or V.\n\n"
+    "the area file. A heading names the columns, hz and v and any others, in any order; it may "
+    "name\n"
+    "that unit too, as in Hz [gon]. Without a heading there are two columns, Hz and V. Commas,\n"
+    "semicolons, tabs or blanks separate them. Other columns go to the output. A line that is not "
+    "a\n"
+    "direction is an error. Empty lines are skipped, and so are lines that begin with #, if the\n"
+    "first column is Hz or V.\n\n"
     "A direction in the boundary band is inside. The band reaches 0.0005 gon to both sides of "
     "lines\n"
     "that are displaced from the boundary: they have its Hz less twice the least Hz of the area,\n"
@@ -104,6 +105,9 @@ class AnswerC {
     out_.Close();
     return outside_ == 0;
   }
+
+  /// Whether there was no direction at all.
+  bool IsEmpty() const { return inside_ + outside_ == 0; }
 
  private:
   static constexpr std::size_t kBlock = 4096;
@@ -217,11 +221,15 @@ ExitCode Run(const Options& options) {
   if (validity != ExitCode::kDone) return validity;
   const auto answer = std::make_unique<AnswerC>(file, options.isJson ? Form::kJson : options.form,
                                                 options.formulas);
+  std::string input;
   if (directions.empty()) {
     if (options.csv.empty() && IsTerminal(StandardStream::kInput)) {
       Tell(fmt::format("type directions, one in each line: Hz and V; {} ends them", kEndOfInput));
     }
-    DirectionReaderC reader(options.Input(), options.format);
+    DirectionFormat format = options.format;
+    format.unit = file.unit;
+    DirectionReaderC reader(options.Input(), format);
+    input = reader.GetName();
     answer->Begin(reader);
     for (Direction direction{}; reader.Next(direction);) {
       answer->Add(direction, reader.GetCells());
@@ -230,7 +238,9 @@ ExitCode Run(const Options& options) {
     answer->Begin();
     for (const Direction& direction : directions) answer->Add(direction);
   }
-  return answer->Close() ? ExitCode::kDone : ExitCode::kFinding;
+  const bool areAllInside = answer->Close();
+  if (answer->IsEmpty()) Tell(fmt::format("{}: there is no direction", input));
+  return areAllInside && !answer->IsEmpty() ? ExitCode::kDone : ExitCode::kFinding;
 }
 
 }  // namespace

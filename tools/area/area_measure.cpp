@@ -54,12 +54,22 @@ double CountSteps(double length, double step, bool isTurn) {
                 : std::floor(length / step + kSlack) + 1;
 }
 
+// What a polygon demands of its points beyond what their ring on the sphere demands: two points
+// alone would make a rectangle there.
+bool AreNoPolygon(const SDI::ScanAreaC& area) {
+  if (area.GetType() != SDI::kPolygonArea) return false;
+  std::vector<SDI::ScanDefPointC> points;
+  area.GetPoints(points);
+  return points.size() < 3 || std::adjacent_find(points.begin(), points.end()) != points.end() ||
+         points.front() == points.back();
+}
+
 }  // namespace
 
 std::optional<AreaBounds> MeasureBounds(const AreaFile& file) {
   SDI::ScanDefPointC low;
   SDI::ScanDefPointC high;
-  if (!file.area->GetBoundingPoints(low, high, false)) return {};
+  if (AreNoPolygon(*file.area) || !file.area->GetBoundingPoints(low, high, false)) return {};
   AreaBounds bounds{low.GetHz(), high.GetHz(), low.GetV(), high.GetV(), true};
   if (file.area->GetType() != SDI::kDomeArea) {
     AreaBounds ignored = bounds;

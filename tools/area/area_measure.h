@@ -16,7 +16,7 @@ struct AreaBounds {
   bool enclosesZenith;
 };
 
-/// Nothing when the points make no area.
+/// Nothing when the points make no area of their kind, whatever the steps are.
 std::optional<AreaBounds> MeasureBounds(const AreaFile& file);
 
 struct SolidAngle {

@@ -79,7 +79,8 @@ void DrawLegend(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
   for (const bool isInside : {true, false}) {
     const std::uint64_t count = picture.probes.GetCount(isInside);
     if (count > 0) {
-      legend.Probe(isInside, fmt::format("asked: {} ({})", isInside ? "inside" : "outside", count));
+      legend.Probe(isInside, fmt::format("{} direction{} {}", count, count == 1 ? "" : "s",
+                                         isInside ? "inside" : "outside"));
     }
   }
 }

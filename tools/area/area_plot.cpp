@@ -70,7 +70,9 @@ ExitCode Run(const Options& options) {
   };
   for (const std::string& probe : options.probes) ask(RequireDirection(probe));
   if (!options.csv.empty()) {
-    DirectionReaderC reader(options.csv, options.format);
+    DirectionFormat format = options.format;
+    format.unit = file.unit;
+    DirectionReaderC reader(options.csv, format);
     for (Direction direction{}; reader.Next(direction);) ask(direction);
   }
 

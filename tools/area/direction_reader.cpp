@@ -3,6 +3,7 @@
 #include <cmath>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -54,6 +55,22 @@ bool TakeSeparator(std::string_view& text) {
     takeBlanks();
   }
   return text.size() != before;
+}
+
+// A column of a heading: "Hz [gon]" has the name Hz and the unit gon.
+struct ColumnName {
+  std::string name;                 // in lower case
+  std::optional<std::string> unit;  // what the brackets hold
+};
+
+ColumnName ParseColumnName(std::string_view text) {
+  for (const auto& [open, close] : {std::pair{'[', ']'}, std::pair{'(', ')'}}) {
+    const std::size_t bracket = text.find(open);
+    if (bracket == 0 || bracket == std::string_view::npos || text.back() != close) continue;
+    return {LowerCase(Trimmed(text.substr(0, bracket))),
+            std::string(Trimmed(text.substr(bracket + 1, text.size() - bracket - 2)))};
+  }
+  return {LowerCase(text), {}};
 }
 
 const char* NameOf(char separator) {
@@ -218,20 +235,58 @@ void DirectionReaderC::TakeFirstLine(std::string_view text) {
       }
     }
   }
+  if (separator_ == kAnyBlanks) JoinUnits();
   heading_ = cells_;
+  columnCount_ = cells_.size();
   std::set<std::string> names;
-  for (const std::string& name : heading_) {
-    if (!name.empty() && !names.insert(LowerCase(name)).second) {
-      Refuse(fmt::format("has two columns {}", name));
+  std::set<std::string> namesWithoutUnit;
+  for (const std::string& cell : heading_) {
+    namesWithoutUnit.insert(ParseColumnName(cell).name);
+    if (!cell.empty() && !names.insert(LowerCase(cell)).second) {
+      Refuse(fmt::format("has two columns {}", cell));
     }
   }
   if (format_.columns) {
     place(*format_.columns);
-  } else if (names.contains("hz") && names.contains("v")) {
+  } else if (namesWithoutUnit.contains("hz") && namesWithoutUnit.contains("v")) {
     place({"hz", "v"});
   } else {
     Refuse(fmt::format("is neither a direction, two numbers, nor a heading with hz and v: {}",
                        text.substr(0, 60)));
+  }
+  RequireUnit(heading_[hzColumn_]);
+  RequireUnit(heading_[vColumn_]);
+}
+
+// Between blanks, a unit in brackets is a cell of its own: it belongs to the name before it.
+void DirectionReaderC::JoinUnits() {
+  std::vector<std::string> joined;
+  for (const std::string& cell : cells_) {
+    const bool isUnit = (cell.starts_with('[') && cell.ends_with(']')) ||
+                        (cell.starts_with('(') && cell.ends_with(')'));
+    if (isUnit && !joined.empty()) {
+      joined.back() += " " + cell;
+    } else {
+      joined.push_back(cell);
+    }
+  }
+  cells_ = std::move(joined);
+}
+
+// The directions are in the unit of the format, whatever a heading says: another one is refused.
+void DirectionReaderC::RequireUnit(const std::string& name) const {
+  const auto given = ParseColumnName(name).unit;
+  if (!given) return;
+  const auto unit = FindUnit(LowerCase(*given));
+  if (!unit) {
+    Refuse(
+        fmt::format("has the column {}, whose unit is none of rad, deg, gon: write one of them "
+                    "in the brackets, or the name alone",
+                    name));
+  }
+  if (format_.unit && unit != format_.unit) {
+    Refuse(fmt::format("has the column {}, but the directions are in {}, the unit of the area file",
+                       name, UnitName(*format_.unit)));
   }
 }
 
@@ -251,11 +306,18 @@ char DirectionReaderC::FindSeparator(std::string_view text) const {
   return found.empty() ? kAnyBlanks : found.front();
 }
 
-// A column by its name, or else by its number.
+// A column by its name, with or without its unit, or else by its number.
 std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
   for (std::size_t i = 0; i < heading_.size(); ++i) {
     if (LowerCase(heading_[i]) == LowerCase(wanted)) return i;
   }
+  std::optional<std::size_t> found;
+  for (std::size_t i = 0; i < heading_.size(); ++i) {
+    if (ParseColumnName(heading_[i]).name != LowerCase(wanted)) continue;
+    if (found) Refuse(fmt::format("has two columns {}", wanted));
+    found = i;
+  }
+  if (found) return *found;
   const auto number = ToNumber<std::size_t>(wanted);
   if (!number || *number < 1 || *number > columnCount_) {
     Refuse(fmt::format("has no column {}", wanted));

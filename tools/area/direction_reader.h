@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include <area/angle_unit.h>
 #include <command_line/command.h>
 #include <platform/input_file.h>
 
@@ -33,6 +34,8 @@ struct DirectionFormat {
   /// ',', ';', a tab, or a space for any run of blanks. By default that of the first line.
   std::optional<char> separator = {};
   bool hasNoHeading = false;
+  /// The unit of the directions. A heading may name it, as in "Hz [gon]", but no other one.
+  std::optional<AngleUnit> unit = {};
 };
 
 /// --columns, --separator and --no-header, without what they need or exclude.
@@ -42,9 +45,9 @@ std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
 ///
 /// The first line is a heading that names the columns, or the first direction. Without a heading
 /// there are two columns, Hz and V, unless the format names others. All lines have as many cells as
-/// the first one. Cells may be quoted as in RFC 4180. Empty lines are passed over, and so are lines
-/// that begin with '#', unless the first column holds something else than Hz or V. What is not
-/// clear is an error: nothing is guessed.
+/// the first one. Cells may be quoted as in RFC 4180. A heading may name the unit of Hz and V in
+/// brackets. Empty lines are skipped, and so are lines that begin with '#', if
+/// the first column is Hz or V. What is not clear is an error: nothing is guessed.
 class DirectionReaderC {
  public:
   /// Reads up to the first direction; "-" is standard input.
@@ -56,6 +59,8 @@ class DirectionReaderC {
   /// \throw FileErrorC  when the file cannot be read.
   bool Next(Direction& direction);
 
+  /// For messages, as `InputFileC::GetName`.
+  const std::string& GetName() const { return input_.GetName(); }
   /// The names of the columns as the heading has them; empty without a heading.
   const std::vector<std::string>& GetHeading() const { return heading_; }
   /// The cells of the direction that `Next` gave last, without quotes and blanks around them.
@@ -70,6 +75,8 @@ class DirectionReaderC {
   void Split(std::string_view text);
   char FindSeparator(std::string_view text) const;
   void TakeFirstLine(std::string_view text);
+  void JoinUnits();
+  void RequireUnit(const std::string& name) const;
   std::size_t FindColumn(const std::string& wanted) const;
   std::optional<double> NumberAt(std::size_t column) const;
   bool MayBeginWithComment() const;

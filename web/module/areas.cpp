@@ -472,7 +472,7 @@ SURVEYDATA_PAGE std::int32_t page_area_directions(const char* text, std::uint32_
     constexpr double kMost = 20'000;
     const Area& opened = Opened();
     Page::SetFile(std::string(text, size));
-    Tool::DirectionReaderC reader(Page::kFileName);
+    Tool::DirectionReaderC reader(Page::kFileName, {.unit = opened.file.unit});
     std::vector<double> answers = {0, 0};
     for (Tool::Direction given{}; reader.Next(given);) {
       const AnglePointC direction{Tool::ToRadians(given.hz, opened.file.unit),

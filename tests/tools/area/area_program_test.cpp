@@ -124,6 +124,29 @@ TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
   EXPECT_TRUE(info["directions"].is_null());
 }
 
+// The library has bounds for two points of a polygon, whose ring on the sphere is that of a
+// rectangle, but the area is none.
+TEST(AreaInfo, TellsNoBoundsOfPointsThatAreNoPolygon) {
+  const TempFolderC folder;
+  for (const char* const points :
+       {"[10, 20], [30, 50]", "[10, 20], [30, 50], [30.00000000000001, 50], [20, 60]",
+        "[10, 20], [30, 50], [20, 60], [10.00000000000001, 20]"}) {
+    SCOPED_TRACE(points);
+    const std::string file =
+        Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1,
+            "points": [)" + std::string(points) +
+                            "]}");
+    const Outcome outcome = Area("info", file);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_NE(outcome.out.find("valid         no\n"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find("bounds"), std::string::npos) << outcome.out;
+    const json info = json::parse(Area("info", file, {"--json"}).out);
+    EXPECT_EQ(info["faults"].size(), 1u);
+    EXPECT_TRUE(info["bounds"].is_null());
+    EXPECT_TRUE(info["solidAngle"].is_null());
+  }
+}
+
 TEST(AreaFile, IsRefusedWithThePlaceAndTheReason) {
   const std::string head = R"({"kind": "polygon", "unit": "deg", "hzStep": 1, "vStep": 1, )";
   const struct {
@@ -387,6 +410,78 @@ TEST(AreaContains, WritesCsvWithoutOtherColumns) {
       "hz,v,inside\r\n");
 }
 
+// Each statement of the help, asked of an area from Hz 100 to 160 deg, V 60 to 110.
+TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
+  std::string help = RunProgram({"area", "contains", "--help"}).out;
+  std::replace(help.begin(), help.end(), '\n', ' ');
+  const std::string area = DataPath("../../docs/pictures/boundary_band.json");
+  const struct {
+    const char* statement;
+    std::vector<std::string> inside;
+    std::vector<std::string> outside;
+  } cases[] = {
+      {"A direction in the boundary band is inside. The band reaches 0.0005 gon to both sides of "
+       "lines that are displaced from the boundary: they have its Hz less twice the least Hz of "
+       "the area,",
+       {"320,85", "319.99956,85", "320.00044,85"},
+       {"319.9995,85", "320.0005,85", "290,85"}},
+      {"and are straight in Hz and V where the boundary follows arcs.",
+       {"290,60", "290,60.0004", "290,110"},
+       {"290,56.5", "290,112.5"}},
+      {"The closing edge of a polygon has no band.", {}, {"260,70", "260,85", "260,100"}}};
+  for (const auto& [statement, inside, outside] : cases) {
+    EXPECT_NE(help.find(statement), std::string::npos) << statement;
+    for (const std::string& direction : inside) {
+      EXPECT_EQ(Area("contains", area, {direction}).exitCode, 0) << direction;
+    }
+    for (const std::string& direction : outside) {
+      EXPECT_EQ(Area("contains", area, {direction}).exitCode, 1) << direction;
+    }
+  }
+}
+
+// As a record file without a measurement: whoever asks expects an answer.
+TEST(AreaContains, EndsWithOneForATableWithoutADirection) {
+  const TempFolderC folder;
+  const std::string file = folder / "empty.csv";
+  const std::string heading = "        Hz [deg]           V [deg]  answer\n";
+  for (const char* const text : {"", "hz,v\n", "\n# nothing\n"}) {
+    SCOPED_TRACE(text);
+    WriteBytes(file, Bytes(text, text + std::string_view(text).size()));
+    const struct {
+      const char* form;
+      std::string out;
+    } cases[] = {{"text", heading + "0 directions: 0 inside, 0 outside\n"},
+                 {"csv", "hz,v,inside\r\n"},
+                 {"json", ""}};
+    for (const auto& [form, out] : cases) {
+      const Outcome outcome =
+          Area("contains", AreaPath("doorway"), {"--csv", file, "--format", form});
+      EXPECT_EQ(outcome.exitCode, 1);
+      EXPECT_EQ(outcome.out, out);
+      EXPECT_EQ(outcome.err, "surveydata: " + file + ": there is no direction\n");
+    }
+  }
+}
+
+TEST(AreaContains, TakesTheUnitInAHeadingOnlyIfItIsThatOfTheArea) {
+  const TempFolderC folder;
+  const std::string file = folder / "d.csv";
+  const auto ask = [&](const std::string& text) {
+    WriteBytes(file, Bytes(text.begin(), text.end()));
+    return Area("contains", AreaPath("doorway"), {"--csv", file, "--format", "csv"});
+  };
+  EXPECT_EQ(ask("Hz [deg],V [deg]\n0,90\n").out, "Hz [deg],V [deg],inside\r\n0,90,true\r\n");
+  const Outcome other = ask("Hz [gon],V [gon]\n0,100\n");
+  EXPECT_EQ(other.exitCode, 3);
+  EXPECT_EQ(other.out, "");
+  EXPECT_EQ(other.err, "surveydata: " + file +
+                           ": line 1 has the column Hz [gon], but the directions are in deg, the "
+                           "unit of the area file\n");
+  EXPECT_EQ(Area("plot", AreaPath("doorway"), {"-o", folder / "out.svg", "--csv", file}).err,
+            other.err);
+}
+
 // Columns without a heading have numbers for names.
 TEST(AreaContains, TakesTheColumnsThatAreNamed) {
   const TempFolderC folder;
@@ -548,8 +643,8 @@ TEST(AreaPlot, MarksProbesByTheirAnswer) {
        {"-o", folder / "out.svg", "--probe", "0,90", "--probe", "-5,90", "--probe", "20,90",
         "--csv", folder / "d.csv"});
   const ptree svg = ParseXml(ReadText(folder / "out.svg"));
-  EXPECT_TRUE(HasText(svg, "asked: inside (3)"));
-  EXPECT_TRUE(HasText(svg, "asked: outside (1)"));
+  EXPECT_TRUE(HasText(svg, "3 directions inside"));
+  EXPECT_TRUE(HasText(svg, "1 direction outside"));
   // In both panels and in the legend; a cross has two lines.
   EXPECT_EQ(Count(svg, "circle", "fill", "#117733"), 7u);
   EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 6u);
@@ -729,7 +824,7 @@ TEST(AreaPlot, DrawsManyDirectionsWhereTheyAre) {
                 .exitCode,
             0);
   const ptree svg = ParseXml(ReadText(folder / "out.svg"));
-  EXPECT_TRUE(HasText(svg, "asked: outside (600)"));
+  EXPECT_TRUE(HasText(svg, "600 directions outside"));
   // Hz 90 to 96 is a quarter of 600 pixels from the left and 10 wide; V 90 in the middle of 300.
   EXPECT_EQ(Count(svg, "path", "d", "M226 263h10"), 1u);
   EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 2u);  // in the legend

@@ -101,6 +101,51 @@ TEST_F(DirectionReaderTest, FindsHzAndVInAHeadingOfAnyOrderAndCase) {
   }
 }
 
+// The unit of the directions is that of the area, which a heading may say, but not change.
+TEST_F(DirectionReaderTest, TakesAHeadingThatNamesTheUnit) {
+  const DirectionFormat gon = {.unit = Tool::AngleUnit::kGon};
+  for (const char* const text :
+       {"Hz [gon],V [gon]\n1,2\n", "hz[gon];v [ GON ]\n1;2\n", "id,V (gon),Hz (gon)\nP1,2,1\n",
+        "Hz [gon]  V [gon]  answer\n1  2  inside\n", "hz\tV [gon]\n1\t2\n",
+        "hz,v,Hz [deg]\n1,2,9\n", "Hz [gon],v,V [left]\n1,2,9\n"}) {
+    EXPECT_EQ(Read(text, gon), (Pairs{{1, 2}})) << text;
+    EXPECT_EQ(fault_, "") << text;
+  }
+  EXPECT_EQ(Read("Hz [gon],V [gon]\n1,2\n", {.columns = {{"hz", "V [gon]"}}, .unit = gon.unit}),
+            (Pairs{{1, 2}}));
+  EXPECT_EQ(Read("Hz [deg],V [deg],Hz [gon],V [gon]\n8,9,1,2\n",
+                 {.columns = {{"hz [gon]", "v [gon]"}}, .unit = gon.unit}),
+            (Pairs{{1, 2}}));
+  EXPECT_EQ(fault_, "");
+
+  const std::string other = ", but the directions are in gon, the unit of the area file";
+  const std::string unknown =
+      ", whose unit is none of rad, deg, gon: write one of them in the brackets, or the name alone";
+  const struct {
+    const char* text;
+    std::string fault;
+    DirectionFormat format;
+  } cases[] = {
+      {"Hz [deg],V [deg]\n1,2\n", "line 1 has the column Hz [deg]" + other, gon},
+      {"Hz [gon],V [rad]\n1,2\n", "line 1 has the column V [rad]" + other, gon},
+      {"Hz [grad],V [gon]\n1,2\n", "line 1 has the column Hz [grad]" + unknown, gon},
+      {"hz,V []\n1,2\n", "line 1 has the column V []" + unknown, gon},
+      {"Hz [gon],V [gon],Hz [deg]\n1,2,3\n", "line 1 has two columns hz", gon},
+      {"az [deg],v\n1,2\n",
+       "line 1 has the column az [deg]" + other,
+       {.columns = {{"az", "v"}}, .unit = gon.unit}},
+      {"az [deg],v\n1,2\n",
+       "line 1 has the column az [deg]" + other,
+       {.columns = {{"1", "2"}}, .unit = gon.unit}},
+      {"[gon],v\n1,2\n",
+       "line 1 is neither a direction, two numbers, nor a heading with hz and v: [gon],v", gon},
+  };
+  for (const auto& [text, fault, format] : cases) {
+    Read(text, format);
+    EXPECT_EQ(fault_, fault) << text;
+  }
+}
+
 TEST_F(DirectionReaderTest, KeepsTheCellsOfAllColumns) {
   Read("id;hz;v;remark\n\"P;1\";1;2;\"say \"\"x\"\"\"\n#2; 3 ; 4 ; a b \n");
   EXPECT_EQ(cells_, (std::vector<Names>{{"P;1", "1", "2", "say \"x\""}, {"#2", "3", "4", "a b"}}));
