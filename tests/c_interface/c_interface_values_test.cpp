@@ -14,10 +14,10 @@
 
 #include <surveydata/surveydata.h>
 
-#include "ring_generator.h"
 #include "tests/c_interface/same_measurement.h"
 #include "tests/gnss/record_pieces.h"
 #include "tests/support/frame_builder.h"
+#include "tests/support/ring_generator.h"
 
 namespace {
 

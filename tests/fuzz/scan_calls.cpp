@@ -19,8 +19,8 @@
 #include <surveydata/scanning/scan_polygon_area.h>
 #include <surveydata/scanning/scan_rectangular_area.h>
 
-#include "literal_sphere_area.h"
 #include "tests/fuzz/fuzz_input.h"
+#include "tests/support/literal_sphere_area.h"
 
 namespace {
 
