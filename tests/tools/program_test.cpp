@@ -138,7 +138,7 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
        "surveydata record list has no option '--jsn'; did you mean --json?"},
       {{"record", "list", "--jsn"},
        "surveydata record list has no option '--jsn'; did you mean --json?"},
-      {{"record", "list", "-n", "3", "a.rec"}, "surveydata record list has no option '-n'"},
+      {{"record", "list", "-z", "3", "a.rec"}, "surveydata record list has no option '-z'"},
       {{"area", "contains", area, "--seperator=tab"},
        "surveydata area contains has no option '--seperator'; did you mean --separator?"},
       {{"--json", "area", "info", area},

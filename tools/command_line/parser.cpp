@@ -147,7 +147,12 @@ std::string ExplainWord(const std::vector<const CLI::App*>& chain) {
       return ExplainCommand(*app, fmt::format("there is no command '{}'", *word));
     }
     const auto option = std::find_if(words.begin(), words.end(), isOption);
-    if (option != words.end()) return ExplainOption(*app, *chain.back(), *option);
+    if (option != words.end()) {
+      // Before a command, an option is wrong only if it looks like one of these.
+      const bool isCommandMissing = app == chain.back() && !CommandNames(*app).empty();
+      if (isCommandMissing && Nearest(*option, OptionNames(*app)).empty()) return {};
+      return ExplainOption(*app, *chain.back(), *option);
+    }
     if (word != words.end()) return ExplainArgument(*app, *word);
   }
   return {};

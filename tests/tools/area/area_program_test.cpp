@@ -360,8 +360,9 @@ TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
     EXPECT_EQ(outcome.err, "");
   }
   const Outcome none = RunProgram(area);
-  EXPECT_EQ(none.exitCode, 0);
+  EXPECT_EQ(none.exitCode, 1);
   EXPECT_EQ(none.out, "");
+  EXPECT_EQ(none.err, "surveydata: standard input: there is no direction\n");
 }
 
 // Point names and remarks go with their directions, whatever the order of the columns.
