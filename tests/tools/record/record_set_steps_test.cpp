@@ -162,7 +162,7 @@ TEST_P(RecordSetSteps, AnyCallThatFailsLeavesTheOldFileOrTheNewOneAndSaysSo) {
   EXPECT_GE(failures, 20);
 }
 
-TEST_P(RecordSetSteps, GoesOnBehindAReadOrAWriteThatFallsShort) {
+TEST_P(RecordSetSteps, GoesOnAfterAReadOrAWriteThatFallsShort) {
   const std::vector<std::string> calls = Calls();
   for (std::size_t step = 0; step < calls.size(); ++step) {
     if (calls[step] != "pread" && calls[step] != "pwrite") continue;
