@@ -222,11 +222,11 @@ TEST(RecordCommands, ReadAPipeAsAFile) {
     };
     const Outcome expected = run("", file);
     std::vector<Outcome> outcomes = {
-        run("rm -f pipe; mkfifo pipe; { sleep 0.1; cat " + file + "; } > pipe & ", "pipe"),
-        run("cat " + file + " | ", "/dev/stdin"), run("", "/dev/stdin", " < " + file)};
-    if (command.find(" set ") == std::string::npos) {
-      outcomes.push_back(run("cat " + file + " | ", "-"));
-      outcomes.push_back(run("", "-", " < " + file));
+        run("rm -f pipe; mkfifo pipe; { sleep 0.1; cat " + file + "; } > pipe & ", "pipe")};
+    for (const char* const input : {"-", "/dev/stdin"}) {
+      if (command.find(" set ") != std::string::npos) continue;  // standard input cannot be changed
+      outcomes.push_back(run("cat " + file + " | ", input));
+      outcomes.push_back(run("", input, " < " + file));
     }
     for (const Outcome& outcome : outcomes) {
       EXPECT_EQ(outcome.exitCode, expected.exitCode);
