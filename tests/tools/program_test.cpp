@@ -13,6 +13,10 @@ std::string Joined(const std::vector<std::string>& words) {
   return text;
 }
 
+const std::string kRecordCommands =
+    "record has list, show, export, columns, check, set, cut, join, plot";
+const std::string kAreaCommands = "area has info, outline, contains, plot";
+
 TEST(Program, TellsItsVersion) {
   const Outcome outcome = RunProgram({"--version"});
   EXPECT_EQ(outcome.exitCode, 0);
@@ -97,22 +101,16 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
 TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
   const struct {
     std::vector<std::string> arguments;
-    const char* message;
+    std::string message;
   } cases[] = {
       {{}, "a command is missing: surveydata has record, area"},
       {{"foo"}, "there is no command 'foo': surveydata has record, area"},
       {{"records", "list", "a.rec"}, "there is no command 'records': surveydata has record, area"},
-      {{"record"},
-       "a command is missing: record has list, show, export, columns, check, set, cut, join, plot"},
-      {{"record", "lst"},
-       "there is no command 'lst': record has list, show, export, columns, check, set, cut, join, "
-       "plot"},
-      {{"record", "--json", "lst", "a.rec"},
-       "there is no command 'lst': record has list, show, export, columns, check, set, cut, join, "
-       "plot"},
-      {{"record", "--json"},
-       "a command is missing: record has list, show, export, columns, check, set, cut, join, plot"},
-      {{"area", "foo"}, "there is no command 'foo': area has info, outline, contains, plot"},
+      {{"record"}, "a command is missing: " + kRecordCommands},
+      {{"record", "lst"}, "there is no command 'lst': " + kRecordCommands},
+      {{"record", "--json", "lst", "a.rec"}, "there is no command 'lst': " + kRecordCommands},
+      {{"record", "--json"}, "a command is missing: " + kRecordCommands},
+      {{"area", "foo"}, "there is no command 'foo': " + kAreaCommands},
       {{"record", "list"}, "FILE is required"},
   };
   for (const auto& [arguments, message] : cases) {
@@ -120,8 +118,7 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
     const Outcome outcome = RunProgram(arguments);
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err,
-              "surveydata: " + std::string(message) + "\nRun with --help for more information.\n");
+    EXPECT_EQ(outcome.err, "surveydata: " + message + "\nRun with --help for more information.\n");
   }
 }
 
@@ -130,7 +127,7 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
   const std::string area = DataPath("areas/facade.json");
   const struct {
     std::vector<std::string> arguments;
-    const char* message;
+    std::string message;
   } cases[] = {
       {{"-v"}, "surveydata has no option '-v'; did you mean --version?"},
       {{"--verison"}, "surveydata has no option '--verison'; did you mean --version?"},
@@ -143,15 +140,14 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
        "surveydata area contains has no option '--seperator'; did you mean --separator?"},
       {{"--json", "area", "info", area},
        "surveydata has no option '--json'; it belongs after 'surveydata area info'"},
-      {{"record", "list", "a.rec", "b.rec"},
-       "'b.rec' is one argument too many: surveydata record list takes one FILE"},
+      {{"record", "show", "a.rec", "b.rec"},
+       "'b.rec' is one argument too many: surveydata record show takes one FILE"},
       {{"area", "info", area, "b.json"},
        "'b.json' is one argument too many: surveydata area info takes one AREA"},
       {{"record", "columns", "a.rec"},
        "'a.rec' is one argument too many: surveydata record columns takes none"},
       {{"help"}, "there is no command 'help': surveydata has record, area"},
-      {{"record", "help", "list"},
-       "there is no command 'help': record has list, show, export, columns, set, plot"},
+      {{"record", "help", "list"}, "there is no command 'help': " + kRecordCommands},
       {{"area", "contains", area, "1,2", "--csv", "d.csv"},
        "DIRECTION and --csv exclude each other: give one of them"},
       {{"area", "contains", area, "1,2", "--format", "csv", "--json"},
@@ -170,8 +166,7 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
     const Outcome outcome = RunProgram(arguments);
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err,
-              "surveydata: " + std::string(message) + "\nRun with --help for more information.\n");
+    EXPECT_EQ(outcome.err, "surveydata: " + message + "\nRun with --help for more information.\n");
   }
 }
 
