@@ -298,6 +298,21 @@ TEST_P(RecordSetSignals, LocksTheFileThatItsNameLeadsTo) {
   ExpectNoCopyBehind();
 }
 
+// After the copy was compared with the file, only its size tells that the file was appended to.
+TEST_P(RecordSetSignals, RefusesAFileThatGrowsAtTheLastMomentWithTheTimeSetBack) {
+  const std::vector<std::string> calls = Calls();
+  const auto count = std::count(calls.begin(), calls.end(), "stat");
+  Bytes grown = before_;
+  grown.push_back('x');
+  const Outcome outcome = SetAndRun("stop stat " + std::to_string(count - 1),
+                                    "cp -p sample.rec old; printf x >>sample.rec; "
+                                    "touch -r old sample.rec; rm old");
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("the file changed meanwhile"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(ReadBytes(file_) == grown);
+  ExpectNoCopyBehind();
+}
+
 TEST_P(RecordSetSignals, ThatComeLaterLetItBeReplacedFirst) {
   for (const char* const step : {"rename 0", "fsync 1"}) {
     SCOPED_TRACE(step);
