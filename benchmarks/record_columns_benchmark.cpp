@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -19,6 +20,7 @@ using Benchmarks::SamplesC;
 using Benchmarks::SetRates;
 
 constexpr std::size_t kRows = 65536;
+constexpr std::size_t kBlock = 16;  // of rows that are read together
 
 // All columns, those that are not texts, or a few for a plot.
 enum class Choice { kAll, kNumbers, kFew };
@@ -70,6 +72,25 @@ class BatchC {
   std::vector<std::vector<std::uint64_t>> blocks_;
 };
 
+// The bytes of so many values of a type that is neither text nor list.
+std::size_t BytesOf(SDI::GPSColumnType type, std::size_t rows) {
+  switch (type) {
+    using enum SDI::GPSColumnType;
+    case kBool:
+      return rows / 8;
+    case kUInt8:
+      return rows;
+    case kUInt16:
+      return rows * sizeof(std::uint16_t);
+    case kUInt32:
+    case kInt32:
+    case kFloat32:
+      return rows * sizeof(std::uint32_t);
+    default:
+      return rows * sizeof(std::uint64_t);
+  }
+}
+
 void BM_Columns(benchmark::State& state, Choice choice) {
   const SamplesC& samples = SamplesC::Get();
   BatchC batch(ColumnsOf(choice));
@@ -86,6 +107,49 @@ void BM_Columns(benchmark::State& state, Choice choice) {
 BENCHMARK_CAPTURE(BM_Columns, all, Choice::kAll)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, numbers, Choice::kNumbers)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, few, Choice::kFew)->Unit(benchmark::kMillisecond);
+
+// What no reader of columns is faster than: walking and decoding, and writing as many bytes as all
+// columns take to as many places.
+void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
+  const SamplesC& samples = SamplesC::Get();
+  BatchC batch(ColumnsOf(Choice::kAll));
+  std::vector<std::size_t> sizes;  // of a full batch
+  {
+    SDI::GPSRecordReaderC reader(samples.Name().c_str());
+    SDI::GPSColumnReaderC columns(reader);
+    std::size_t rows = 0;
+    columns.Read(batch.Get(), kRows, rows);
+    for (const SDI::GPSColumnBuffer& buffer : batch.Get()) {
+      const std::size_t unit =
+          buffer.column->type == SDI::GPSColumnType::kUInt16List ? sizeof(std::uint16_t) : 1;
+      sizes.push_back(buffer.column->largest != 0
+                          ? static_cast<std::size_t>(buffer.offsets[rows]) * unit
+                          : BytesOf(buffer.column->type, kRows));
+    }
+  }
+  std::size_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(samples.Name().c_str())) {
+      if (!record.IsDone()) state.SkipWithError("a frame is bad");
+      // Sixteen rows of each column at a time, as they are read.
+      if (++count % kBlock != 0) continue;
+      const std::size_t block = count / kBlock % (kRows / kBlock);
+      for (std::size_t i = 0; i < sizes.size(); ++i) {
+        const SDI::GPSColumnBuffer& buffer = batch.Get()[i];
+        const std::size_t size = sizes[i] * kBlock / kRows;
+        std::memset(static_cast<char*>(buffer.values) + block * size, 1, size);
+        if (buffer.offsets != nullptr) {
+          std::memset(buffer.offsets + block * kBlock, 1, kBlock * sizeof(std::int64_t));
+        }
+        std::memset(buffer.validity + block * kBlock / 8, 1, kBlock / 8);
+      }
+    }
+    benchmark::ClobberMemory();
+  }
+  SetRates(state, count);
+}
+BENCHMARK(BM_WalkDecodeAndWriteBytes)->Unit(benchmark::kMillisecond);
 
 // The same buffers by the function of the C interface.
 void BM_ColumnsInC(benchmark::State& state, Choice choice) {
