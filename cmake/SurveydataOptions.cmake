@@ -14,6 +14,8 @@ option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, with g++"
   ${SURVEYDATA_CAN_LTO})
+set(SURVEYDATA_PAGE "" CACHE FILEPATH
+  "The page for the browser, which `./test.sh --page` builds; installed with the program")
 set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined")
 option(SURVEYDATA_COVERAGE "Instrument the build for coverage" OFF)
 

@@ -1,3 +1,5 @@
+#include <view/view_command.h>
+
 #include <area/area_commands.h>
 #include <commands.h>
 #include <record/record_commands.h>
@@ -15,13 +17,14 @@ Command MakeCommands() {
       "     no measurement frame at an offset, an area that is not valid (area info),\n"
       "     a direction outside, no direction at all\n"
       "  2  wrong usage\n"
-      "  3  a file cannot be read or written, or there is not enough memory\n"
+      "  3  a file cannot be read or written, a browser cannot be started, or there is not enough\n"
+      "     memory\n"
       "  4  no answer, because the area is not valid (area contains, outline, plot)\n\n"
       "Example:\n  surveydata record --help";
   top.options = {{.names = {"--version"},
                   .description = "Print the version of the program and exit",
                   .text = "surveydata " SURVEYDATA_VERSION}};
-  top.commands = {RecordCommands(), AreaCommands()};
+  top.commands = {RecordCommands(), AreaCommands(), ViewCommand()};
   AddPathsAndHelp(top);
   return top;
 }

@@ -33,24 +33,27 @@ async function script(file, define) {
 
 const hash = (text) => `'sha256-${createHash("sha256").update(text).digest("base64")}'`;
 
-/** Characters that HTML leaves as they are. */
-const ALPHABET = Array.from({ length: 94 }, (_, i) => String.fromCharCode(33 + i))
-  .filter((character) => !`"'&<>\\\`$%`.includes(character))
-  .slice(0, 85)
-  .join("");
+/** Characters of seven bits that HTML changes or takes for markup. */
+const TAKEN = ["\0", "\r", "&", "<"].map((character) => character.charCodeAt(0));
 
-/** Five characters for each four bytes: a sixteenth less than base64. */
+/**
+ * Seven bits for each character of one byte; for each of two bytes, from U+0100 on, a taken
+ * character and the seven bits after it: a tenth less than base85.
+ */
 function encoded(bytes) {
-  const padded = Buffer.concat([bytes, Buffer.alloc((4 - (bytes.length % 4)) % 4)]);
+  const sevens = [];
+  let bits = 0;
+  let count = 0;
+  for (const byte of bytes) {
+    bits = (bits << 8) | byte;
+    for (count += 8; count >= 7; count -= 7) sevens.push((bits >> (count - 7)) & 127);
+    bits &= (1 << count) - 1;
+  }
+  sevens.push((bits << (7 - count)) & 127);
   let text = "";
-  for (let at = 0; at < padded.length; at += 4) {
-    let word = padded.readUInt32BE(at);
-    let five = "";
-    for (let i = 0; i < 5; ++i) {
-      five = ALPHABET[word % 85] + five;
-      word = Math.floor(word / 85);
-    }
-    text += five;
+  for (let i = 0; i < sevens.length; ++i) {
+    const taken = TAKEN.indexOf(sevens[i]);
+    text += String.fromCharCode(taken < 0 ? sevens[i] : 256 + taken * 128 + (sevens[++i] ?? 0));
   }
   return text;
 }
@@ -58,7 +61,7 @@ function encoded(bytes) {
 const worker = await script("worker.ts", {});
 const main = await script("main.ts", {
   WORKER_SOURCE: JSON.stringify(worker),
-  ALPHABET: JSON.stringify(ALPHABET),
+  TAKEN: JSON.stringify(TAKEN),
 });
 const style = (
   await build({ entryPoints: [join(source, "page.css")], minify: true, write: false })
@@ -92,5 +95,5 @@ if (Buffer.byteLength(html) > MOST_BYTES) {
 }
 writeFileSync(page, html);
 console.log(
-  `${page}: ${Buffer.byteLength(html)} bytes (module ${parts.MODULE.length}, scripts ${main.length})`,
+  `${page}: ${Buffer.byteLength(html)} bytes (module ${Buffer.byteLength(parts.MODULE)}, scripts ${main.length})`,
 );

@@ -19,25 +19,28 @@ set(library_outside "^boost/(endian|numeric|core/noncopyable|noncopyable)")
 
 # The program: the other layers and the subsystems of the library that each layer may include.
 # Layers are folders; `top` is the files in no folder, `main` and the list of commands.
-set(layers platform command_line output record area top)
+set(layers platform command_line output record area view top)
 set(layer_platform_may "")
 set(layer_command_line_may platform)
 set(layer_output_may platform command_line)
 set(layer_record_may platform command_line output)
 set(layer_area_may platform command_line output)
-set(layer_top_may platform command_line output record area)
+set(layer_view_may platform command_line output)
+set(layer_top_may platform command_line output record area view)
 set(layer_platform_uses "")
 set(layer_command_line_uses "")
 set(layer_output_uses platform)  # the time
 set(layer_record_uses gnss platform)
 set(layer_area_uses scanning sphere_geometry)
+set(layer_view_uses "")
 set(layer_top_uses "")
 # The other headers that they may include: only `platform` uses the operating system.
-set(layer_platform_outside "^(sys/[a-z]+|fcntl|unistd|windows|aclapi|io|fmt/format(-inl)?)\\.h$")
+set(layer_platform_outside "^(sys/[a-z]+|fcntl|unistd|spawn|mach-o/dyld|windows|aclapi|io|shellapi|fmt/format(-inl)?)\\.h$")
 set(layer_command_line_outside "^(CLI/CLI\\.hpp|fmt/format\\.h)$")
 set(layer_output_outside "^fmt/(compile|format)\\.h$")
 set(layer_record_outside "^fmt/format\\.h$")
 set(layer_area_outside "^(fmt/(compile|format)\\.h|nlohmann/json\\.hpp)$")
+set(layer_view_outside "^(fmt/format\\.h|boost/archive/iterators/[a-z0-9_]+\\.hpp)$")
 set(layer_top_outside "^fmt/format\\.h$")
 
 set(standard "^[a-z_0-9]+$")

@@ -170,6 +170,7 @@ TESTS = {
     "tools/output/replace_file": ["record_set_posix_test", "record_set_steps_test"],
     "tools/output/svg": ["svg_test", "area_program_test", "record_plot_program_test"],
     "tools/platform/": ["program_test", "posix_program_test", "input_file_program_test"],
+    "tools/platform/browser": ["view_command_posix_test"],
     "tools/platform/file_": ["record_set_posix_test", "record_set_steps_test"],
     "tools/record/": ["record_filter_test", "record_list_program_test", "record_show_program_test",
                       "record_export_program_test", "record_plot_program_test",
@@ -179,6 +180,7 @@ TESTS = {
     "tools/record/patch_frame": ["record_set_program_test"],
     "tools/record/record_set": ["record_set_program_test", "record_set_posix_test"],
     "tools/record/satellite_series": ["satellite_series_test", "record_plot_program_test"],
+    "tools/view/": ["view_command_test", "view_command_posix_test"],
 }
 
 

@@ -151,11 +151,17 @@ run(0 env -i ${root}/usr/bin/surveydata record show ${DATA} --offset 960)
 if(NOT output MATCHES "Süd-Ø1")
   message(FATAL_ERROR "the record is shown as ${output}")
 endif()
+# The page that the release was given.
+run(0 env -i ${root}/usr/bin/surveydata view ${DATA} -o -)
+if(NOT output MATCHES "^<!doctype html>\n<template id=\"file\" data-name=\"valley_drive.rec\">[A-Za-z0-9+/=]+</template>\n$")
+  message(FATAL_ERROR "surveydata view does not embed the file into the installed page: ${output}")
+endif()
 foreach(file
     usr/share/man/man1/surveydata.1.gz
     usr/share/bash-completion/completions/surveydata
     usr/share/zsh/vendor-completions/_surveydata
     usr/share/fish/vendor_completions.d/surveydata.fish
+    usr/share/surveydata/surveydata.html
     usr/share/surveydata/surveydata.natvis
     usr/share/doc/${runtime}/copyright
     usr/share/doc/${runtime}/changelog.Debian.gz)

@@ -1,5 +1,6 @@
 # Installs only the program from the build BUILD_DIR, moves the tree to PREFIX, and runs it there
-# with an empty environment and without the library. DATA is a record file.
+# with an empty environment and without the library. DATA is a record file. PAGE is the page that the
+# build installs, if any.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${PREFIX} ${PREFIX}.first)
@@ -15,6 +16,9 @@ set(expected
   share/fish/vendor_completions.d/surveydata.fish
   share/man/man1/surveydata.1
   share/zsh/site-functions/_surveydata)
+if(PAGE)
+  list(APPEND expected share/surveydata/surveydata.html)
+endif()
 list(SORT installed)
 list(SORT expected)
 if(NOT installed STREQUAL expected)

@@ -1,10 +1,11 @@
-# Builds a release of the library and the program in BUILD_DIR.
+# Builds a release of the library and the program in BUILD_DIR. PAGE is installed as the page.
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(
   COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${SOURCE_DIR} -B ${BUILD_DIR}
     -D CMAKE_CXX_COMPILER=${CXX} -D CMAKE_BUILD_TYPE=Release -D CMAKE_INSTALL_PREFIX=/usr
     -D SURVEYDATA_WARNINGS_AS_ERRORS=ON -D SURVEYDATA_BUILD_TOOLS=${TOOLS}
+    -D SURVEYDATA_PAGE=${PAGE}
     -D SURVEYDATA_BUILD_TESTS=OFF -D SURVEYDATA_BUILD_EXAMPLES=OFF
     -D SURVEYDATA_BUILD_BENCHMARKS=OFF
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

@@ -24,6 +24,7 @@ set(ENV{TZ} Pacific/Kiritimati)  # a time zone with another date
 execute_process(
   COMMAND ${CMAKE_COMMAND} -D SOURCE_DIR=${elsewhere}/sources -D BUILD_DIR=${elsewhere}/build
           -D GENERATOR=${GENERATOR} -D CXX=${CXX} -D TOOLS=${TOOLS} -D JOBS=${JOBS}
+          -D PAGE=${PAGE}
           -P ${CMAKE_CURRENT_LIST_DIR}/release.cmake
   COMMAND_ERROR_IS_FATAL ANY)
 

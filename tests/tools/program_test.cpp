@@ -103,9 +103,10 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
     std::vector<std::string> arguments;
     std::string message;
   } cases[] = {
-      {{}, "a command is missing: surveydata has record, area"},
-      {{"foo"}, "there is no command 'foo': surveydata has record, area"},
-      {{"records", "list", "a.rec"}, "there is no command 'records': surveydata has record, area"},
+      {{}, "a command is missing: surveydata has record, area, view"},
+      {{"foo"}, "there is no command 'foo': surveydata has record, area, view"},
+      {{"records", "list", "a.rec"},
+       "there is no command 'records': surveydata has record, area, view"},
       {{"record"}, "a command is missing: " + kRecordCommands},
       {{"record", "lst"}, "there is no command 'lst': " + kRecordCommands},
       {{"record", "--json", "lst", "a.rec"}, "there is no command 'lst': " + kRecordCommands},
@@ -146,7 +147,7 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
        "'b.json' is one argument too many: surveydata area info takes one AREA"},
       {{"record", "columns", "a.rec"},
        "'a.rec' is one argument too many: surveydata record columns takes none"},
-      {{"help"}, "there is no command 'help': surveydata has record, area"},
+      {{"help"}, "there is no command 'help': surveydata has record, area, view"},
       {{"record", "help", "list"}, "there is no command 'help': " + kRecordCommands},
       {{"area", "contains", area, "1,2", "--csv", "d.csv"},
        "DIRECTION and --csv exclude each other: give one of them"},

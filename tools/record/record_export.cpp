@@ -2,8 +2,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <variant>
 #include <vector>
 
 #include <surveydata/gnss/gps_time.h>
@@ -13,6 +11,7 @@
 #include <output/csv_writer.h>
 #include <output/json_writer.h>
 #include <output/output.h>
+#include <record/csv_table.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/each_measurement.h>
@@ -71,7 +70,7 @@ class ExportPassC : public RecordPassI<Export> {
     if (!options_.isCsv) return;
     CsvWriterC line(out.GetBuffer(), options_.formulas);
     if (hasFileColumn_) line.Name("file");
-    for (const SDI::GPSColumn* const column : options_.columns) line.Name(column->name);
+    WriteNames(options_.columns, line);
     line.EndLine();
   }
 
@@ -111,19 +110,7 @@ class ExportPassC : public RecordPassI<Export> {
   void WriteRow(std::string_view file, const DecodedRecord& record, fmt::memory_buffer& out) const {
     CsvWriterC line(out, options_.formulas);
     if (hasFileColumn_) line.Value(file);
-    SDI::GPSColumnValueC value;
-    for (const SDI::GPSColumn* const column : options_.columns) {
-      AskRecordColumn(*column, record, value);
-      std::visit(
-          [&line](const auto& held) {
-            if constexpr (std::is_same_v<decltype(held), const std::monostate&>) {
-              line.Empty();
-            } else {
-              line.Value(held);
-            }
-          },
-          value.Get());
-    }
+    WriteValues(record, options_.columns, line);
     line.EndLine();
   }
 

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,12 +14,14 @@
 #include <module/results.h>
 
 #include <surveydata/c_interface/surveydata.h>
+#include <surveydata/gnss/gps_record_columns.h>
 
 #include <command_line/text.h>
 #include <output/chart.h>
 #include <output/csv_writer.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
+#include <record/csv_table.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
 #include <record/satellite_series.h>
@@ -50,10 +54,69 @@ struct Row {
   double size;
   double time;  // ms from the start of GPS time; of measurements
   std::uint8_t kind;
-  std::uint8_t detail;  // the type of another record, or the damage of a header
-  std::array<std::uint8_t, 6> reserved;
+  std::uint8_t detail;    // the type of another record, or the damage of a header
+  std::uint16_t plotted;  // of measurements: what is plotted of it, see `PlottedC`
+  std::uint32_t reserved;
 };
 static_assert(sizeof(Row) == 32);
+
+// What is plotted of the measurements of a file. Few combinations of a step in time with dilutions
+// and satellites occur in one file, however many records it has, so that a number of 16 bits stands
+// for all that is plotted of a record.
+class PlottedC {
+ public:
+  // The first number, which says that the record is not kept here, as there were too many.
+  static constexpr std::uint16_t kNotKept = 0;
+  // The scripts have the other numbers of 16 bits for what is not a measurement.
+  static constexpr std::size_t kMost = 65'000;
+
+  std::uint16_t Add(const Tool::SatelliteSeriesC::Sample& sample) {
+    Plotted plotted{static_cast<double>(isFirst_ ? 0 : sample.time - before_)};
+    std::copy(sample.values.begin(), sample.values.end(), plotted.begin() + 1);
+    isFirst_ = false;
+    before_ = sample.time;
+    if (last_ != kNotKept && plotted == all_[last_ - std::size_t{1}]) return last_;
+    std::size_t slot = HashOf(plotted);
+    while (slots_[slot] != kNotKept && plotted != all_[slots_[slot] - std::size_t{1}]) {
+      slot = (slot + 1) % kSlots;
+    }
+    if (slots_[slot] == kNotKept) {
+      if (all_.size() == kMost) return last_ = kNotKept;
+      all_.push_back(plotted);
+      slots_[slot] = static_cast<std::uint16_t>(all_.size());
+    }
+    return last_ = slots_[slot];
+  }
+  // Those from number `first` on: the step in time since the measurement before (ms), and values.
+  std::span<const char> From(std::size_t first) const {
+    const auto part = std::span(all_).subspan(std::min(first - 1, all_.size()));
+    return {reinterpret_cast<const char*>(part.data()), part.size_bytes()};
+  }
+
+ private:
+  using Plotted = std::array<double, 1 + Tool::SatelliteSeriesC::kValueCount>;
+
+  // A table with linear probing, at most half full.
+  static constexpr std::size_t kSlots = std::size_t{1} << 17;
+  static_assert(2 * kMost <= kSlots);
+
+  static std::size_t HashOf(const Plotted& plotted) {
+    std::uint64_t hash = 0;
+    for (const double value : plotted) {
+      std::uint64_t bits = 0;
+      std::memcpy(&bits, &value, sizeof(bits));
+      hash = (hash ^ bits) * 0x9E3779B97F4A7C15;
+      hash ^= hash >> 32;
+    }
+    return static_cast<std::size_t>(hash % kSlots);
+  }
+
+  std::vector<std::uint16_t> slots_ = std::vector<std::uint16_t>(kSlots, kNotKept);
+  std::vector<Plotted> all_;
+  std::int64_t before_ = 0;
+  std::uint16_t last_ = kNotKept;
+  bool isFirst_ = true;
+};
 
 // The walk of one file. Damaged headers come before the gap that they lie in, and are listed after
 // it, as the program does; when there are too many to be held, they are listed at once.
@@ -76,6 +139,7 @@ class WalkC {
 
   surveydata_status GetState() const { return state_; }
   Tool::SatelliteSeriesC& GetSeries() { return series_; }
+  const PlottedC& GetPlotted() const { return plotted_; }
 
   std::span<const Row> Next(std::size_t most) {
     rows_.clear();
@@ -103,18 +167,22 @@ class WalkC {
             static_cast<std::uint8_t>(entry_.kind),
             static_cast<std::uint8_t>(
                 entry_.kind == SURVEYDATA_DAMAGED_HEADER ? entry_.damage : entry_.record_type),
-            {}};
+            PlottedC::kNotKept,
+            0};
     if (entry_.kind == SURVEYDATA_DAMAGED_HEADER) {
       if (held_.size() == kMostHeld) Release();
       held_.push_back(row);
       return;
     }
     if (entry_.kind == SURVEYDATA_MEASUREMENT) {
-      const DecodedRecord record =
-          Tool::Decode(entry_.offset, {entry_.bytes, static_cast<std::size_t>(entry_.size)});
+      const DecodedRecord& record = record_;
+      Tool::DecodeChecked(entry_.offset, {entry_.bytes, static_cast<std::size_t>(entry_.size)},
+                          record_);
       if (record.IsDone()) {
-        row.time = static_cast<double>(Tool::GpsMilliseconds(record.measurement.GetTimeA()));
-        series_.Add(record);
+        const Tool::SatelliteSeriesC::Sample sample = Tool::SatelliteSeriesC::ToSample(record);
+        row.time = static_cast<double>(sample.time);
+        row.plotted = plotted_.Add(sample);
+        series_.Add(sample);
       } else {
         row.kind = kBadFrame;
       }
@@ -133,6 +201,8 @@ class WalkC {
   std::vector<Row> rows_;
   std::vector<Row> held_;
   Tool::SatelliteSeriesC series_;
+  PlottedC plotted_;
+  DecodedRecord record_;  // used again for each measurement
 };
 
 std::unique_ptr<WalkC> walk;
@@ -182,6 +252,16 @@ void WriteBytes(const std::uint8_t* frame, std::uint32_t size, JsonWriterC& out)
   out.EndArray();
 }
 
+// All columns of a table.
+const std::vector<const SDI::GPSColumn*>& Columns() {
+  static const std::vector<const SDI::GPSColumn*> columns = [] {
+    std::vector<const SDI::GPSColumn*> all;
+    for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) all.push_back(&column);
+    return all;
+  }();
+  return columns;
+}
+
 Tool::SatelliteSeriesC& SeriesOf(std::int32_t isPart) {
   return isPart != 0 ? *part : walk->GetSeries();
 }
@@ -202,6 +282,16 @@ SURVEYDATA_PAGE std::int32_t page_walk(std::uint32_t most) {
     const std::span<const Row> rows = walk->Next(most);
     Page::SetResult({reinterpret_cast<const char*>(rows.data()), rows.size_bytes()});
     return walk->GetState();
+  });
+}
+
+/// The result are what numbers from `first` on stand for in `Row::plotted`: for each six doubles,
+/// the time since the measurement before (ms) and the values of `SatelliteSeriesC`.
+SURVEYDATA_PAGE std::int32_t page_plotted(std::uint32_t first) {
+  return Page::Guarded([&] {
+    const std::span<const char> plotted = walk->GetPlotted().From(first);
+    Page::SetResult({plotted.data(), plotted.size()});
+    return 0;
   });
 }
 
@@ -285,8 +375,8 @@ SURVEYDATA_PAGE std::int32_t page_patch(const std::uint8_t* frame, std::uint32_t
 /// Appends what `surveydata record export` writes before the first record.
 SURVEYDATA_PAGE void page_export_header(std::int32_t isCsv) {
   if (isCsv == 0) return;
-  Tool::CsvWriterC line(Page::Result(), Tool::CsvWriterC::Row::kHeader);
-  Tool::DescribeRecord(DecodedRecord(), line);
+  Tool::CsvWriterC line(Page::Result(), Tool::Formulas::kEscape);
+  Tool::WriteNames(Columns(), line);
   line.EndLine();
 }
 
@@ -297,8 +387,8 @@ SURVEYDATA_PAGE void page_export(std::int32_t isCsv, double offset, const std::u
       Tool::Decode(static_cast<std::uint64_t>(offset), {frame, std::size_t{size}});
   if (!record.IsDone()) return;
   if (isCsv != 0) {
-    Tool::CsvWriterC line(Page::Result(), Tool::CsvWriterC::Row::kRecord);
-    Tool::DescribeRecord(record, line);
+    Tool::CsvWriterC line(Page::Result(), Tool::Formulas::kEscape);
+    Tool::WriteValues(record, Columns(), line);
     line.EndLine();
   } else {
     JsonWriterC line(Page::Result());
@@ -313,12 +403,20 @@ SURVEYDATA_PAGE double page_time(const std::uint8_t* frame, std::uint32_t size) 
       Tool::GpsMilliseconds(Tool::Decode(0, {frame, std::size_t{size}}).measurement.GetTimeA()));
 }
 
-/// Begins the series of a part of the file, and adds a record to it.
+/// Begins the series of a part of the file, and adds to it a record, or what is plotted of `count`
+/// records: of each the time (ms) and the values of `SatelliteSeriesC`.
 /// @{
 SURVEYDATA_PAGE void page_part_begin() { part = std::make_unique<Tool::SatelliteSeriesC>(); }
 SURVEYDATA_PAGE void page_part_add(const std::uint8_t* frame, std::uint32_t size) {
   const DecodedRecord record = Tool::Decode(0, {frame, std::size_t{size}});
   if (record.IsDone()) part->Add(record);
+}
+SURVEYDATA_PAGE void page_part_add_plotted(const double* plotted, std::uint32_t count) {
+  for (; count > 0; --count) {
+    Tool::SatelliteSeriesC::Sample sample{.time = static_cast<std::int64_t>(*plotted++)};
+    for (float& value : sample.values) value = static_cast<float>(*plotted++);
+    part->Add(sample);
+  }
 }
 /// @}
 

@@ -15,20 +15,29 @@ export interface Job<Result> {
   cancel(): void;
 }
 
-/** The alphabet of the module's text: five characters for four bytes. build.mjs writes it. */
-declare const ALPHABET: string;
+/** The characters of seven bits that the text of the module does not have: build.mjs writes it. */
+declare const TAKEN: number[];
 
 export function moduleBytes(): Uint8Array {
   const template = document.querySelector<HTMLTemplateElement>("#module")!;
   const text = template.content.textContent!;
-  const words = new DataView(new ArrayBuffer((text.length / 5) * 4));
-  const values = new Map([...ALPHABET].map((character, value) => [character, value]));
-  for (let i = 0; i < text.length; i += 5) {
-    let word = 0;
-    for (let k = i; k < i + 5; ++k) word = word * 85 + values.get(text[k]!)!;
-    words.setUint32((i / 5) * 4, word);
+  const bytes = new Uint8Array(Number(template.dataset["size"]));
+  let length = 0;
+  let bits = 0;
+  let count = 0;
+  const take = (seven: number) => {
+    bits = ((bits << 7) | seven) & 0x7fff;
+    count += 7;
+    if (count < 8) return;
+    count -= 8;
+    if (length < bytes.length) bytes[length++] = bits >> count;
+  };
+  for (let i = 0; i < text.length; ++i) {
+    const code = text.charCodeAt(i);
+    if (code >= 256) take(TAKEN[(code - 256) >> 7]!);
+    take(code & 127);
   }
-  return new Uint8Array(words.buffer, 0, Number(template.dataset["size"]));
+  return bytes;
 }
 
 export class Client {

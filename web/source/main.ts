@@ -138,10 +138,14 @@ client.onRestart = () => {
   for (const view of opened.values()) void view.restart();
 };
 
-// A file that came with the page, as data.
+// A file that came with the page, as data: `surveydata view` puts it there.
 const embedded = document.querySelector<HTMLTemplateElement>("template#file");
 if (embedded) {
-  const bytes = Uint8Array.from(atob(embedded.content.textContent ?? ""), (c) => c.charCodeAt(0));
+  const name = embedded.dataset["name"] ?? "file";
+  const text = embedded.content.textContent ?? "";
   embedded.remove();
-  void open(new File([bytes], embedded.dataset["name"] ?? "file"));
+  client.ask<Blob>("decode", text).then(
+    (bytes) => open(new File([bytes], name)),
+    (error: unknown) => say(`${name}: ${messageOf(error)}`, true),
+  );
 }

@@ -16,6 +16,8 @@ export interface Row {
   offset: number;
   size: number;
   time: number;
+  /** The number of what is plotted of a measurement; 0 when that is not kept. */
+  plotted: number;
 }
 
 export type Argument = number | string | Uint8Array | Float64Array;
@@ -143,6 +145,7 @@ export class Module {
         time: view.getFloat64(at + 16, true),
         kind: view.getUint8(at + 24),
         detail: view.getUint8(at + 25),
+        plotted: view.getUint16(at + 26, true),
       });
     }
     return rows;

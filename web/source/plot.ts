@@ -103,7 +103,7 @@ export class Plot {
         svg("rect", { x: LEFT, y: 0, width: RIGHT - LEFT, height: 1000 }))),
       ...PANELS.map((_, i) => this.drawPanel(i, timeTicks, valueTicks[i]!)),
       ...timeTicks.map((tick, i) =>
-        svg("text", { x: this.x(tick.at), y: PANELS.length * (HEIGHT + BETWEEN) + 6, class: "middle" },
+        svg("text", { x: this.x(tick.at), y: PANELS.length * (HEIGHT + BETWEEN) + 6, class: i === 0 ? "" : "middle" },
           i === 0 || tick.time === "00:00:00" ? `${tick.date} ${tick.time}` : tick.time)),
     );
     this.placeBands();

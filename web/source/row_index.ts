@@ -1,4 +1,4 @@
-// Where the rows of a file are: 4 bytes a row, whatever the file holds.
+// Where the rows of a file are, and what is plotted of them: 4 bytes a row, whatever the file holds.
 import type { Row } from "./module";
 
 export const MEASUREMENT = 1;
@@ -15,10 +15,17 @@ const CHUNK = 65_536;
 const BLOCK = 64;
 const LARGE = 0xffff;
 
+/**
+ * The code of a measurement: this, and the number of what is plotted of it. Codes below it are
+ * numbers of other kinds of rows.
+ */
+const MEASUREMENTS = 512;
+/** What is plotted of a measurement: a step in time, and five values. */
+export const PLOTTED = 6;
+
 interface Chunk {
   sizes: Uint16Array;
-  kinds: Uint8Array;
-  details: Uint8Array;
+  codes: Uint16Array;
   /** Of each block of rows: where its first row begins, and the time of its first measurement. */
   offsets: Float64Array;
   times: Float64Array;
@@ -28,7 +35,10 @@ export class RowIndex {
   count = 0;
   readonly counts = new Map<number, number>();
   gapBytes = 0;
+  /** What is plotted, by its number; nothing has the number 0. */
+  readonly plotted: Float64Array[] = [new Float64Array()];
   private readonly chunks: Chunk[] = [];
+  private readonly others: { kind: number; detail: number }[] = [];
   private readonly large = new Map<number, number>();
   private readonly damaged = new Map<number, { offset: number; size: number }>();
   private end = 0;
@@ -41,8 +51,7 @@ export class RowIndex {
     if (at === 0) {
       this.chunks.push({
         sizes: new Uint16Array(CHUNK),
-        kinds: new Uint8Array(CHUNK),
-        details: new Uint8Array(CHUNK),
+        codes: new Uint16Array(CHUNK),
         offsets: new Float64Array(CHUNK / BLOCK),
         times: new Float64Array(CHUNK / BLOCK).fill(NaN),
       });
@@ -53,8 +62,7 @@ export class RowIndex {
     if (row.kind === MEASUREMENT && Number.isNaN(chunk.times[block]!)) {
       chunk.times[block] = row.time;
     }
-    chunk.kinds[at] = row.kind;
-    chunk.details[at] = row.detail;
+    chunk.codes[at] = this.codeOf(row);
     if (row.kind === DAMAGED_HEADER) {
       this.damaged.set(this.count, { offset: row.offset, size: row.size });
     } else {
@@ -66,22 +74,45 @@ export class RowIndex {
   }
 
   kindOf(row: number): number {
-    return this.chunks[Math.floor(row / CHUNK)]!.kinds[row % CHUNK]!;
+    const code = this.chunks[Math.floor(row / CHUNK)]!.codes[row % CHUNK]!;
+    return code >= MEASUREMENTS ? MEASUREMENT : this.others[code]!.kind;
   }
 
-  get(row: number): Row {
+  get(row: number): Omit<Row, "time" | "plotted"> {
     const chunk = this.chunks[Math.floor(row / CHUNK)]!;
     const at = row % CHUNK;
-    const kind = chunk.kinds[at]!;
-    const detail = chunk.details[at]!;
+    const code = chunk.codes[at]!;
+    const { kind, detail } =
+      code >= MEASUREMENTS ? { kind: MEASUREMENT, detail: 0 } : this.others[code]!;
     const damaged = this.damaged.get(row);
-    if (damaged) return { kind, detail, ...damaged, time: NaN };
+    if (damaged) return { kind, detail, ...damaged };
     const block = Math.floor(at / BLOCK);
     let offset = chunk.offsets[block]!;
     for (let before = block * BLOCK; before < at; ++before) {
       offset += this.sizeOf(chunk, before, row - at + before);
     }
-    return { kind, detail, offset, size: this.sizeOf(chunk, at, row), time: NaN };
+    return { kind, detail, offset, size: this.sizeOf(chunk, at, row) };
+  }
+
+  /**
+   * Calls `visit` with the time (ms) of each measurement of the rows and what is plotted of it.
+   * False, and not all are visited, when that is not kept of one of them.
+   */
+  eachPlotted(from: number, to: number, visit: (time: number, plotted: Float64Array) => void): boolean {
+    let time = NaN;
+    for (let row = Math.floor(from / BLOCK) * BLOCK; row <= to; ++row) {
+      const chunk = this.chunks[Math.floor(row / CHUNK)]!;
+      const at = row % CHUNK;
+      if (at % BLOCK === 0) time = NaN;
+      const code = chunk.codes[at]!;
+      if (code < MEASUREMENTS) continue;
+      const plotted = this.plotted[code - MEASUREMENTS];
+      if (plotted?.length !== PLOTTED) return false;
+      // Of a block, the time of its first measurement is known.
+      time = Number.isNaN(time) ? chunk.times[Math.floor(at / BLOCK)]! : time + plotted[0]!;
+      if (row >= from) visit(time, plotted);
+    }
+    return true;
   }
 
   /** The first row of the block whose time is the last one not after `time`. */
@@ -110,6 +141,12 @@ export class RowIndex {
 
   get bytes(): number {
     return this.chunks.length * (CHUNK * 4 + (CHUNK / BLOCK) * 16);
+  }
+
+  private codeOf({ kind, detail, plotted }: Row): number {
+    if (kind === MEASUREMENT) return MEASUREMENTS + plotted;
+    const found = this.others.findIndex((other) => other.kind === kind && other.detail === detail);
+    return found >= 0 ? found : this.others.push({ kind, detail }) - 1;
   }
 
   private sizeOf(chunk: Chunk, at: number, row: number): number {

@@ -2,7 +2,7 @@
 // answers meanwhile and work can be cancelled.
 import { Module } from "./module";
 import type { Changes, ListRow, Progress, RecordDetail, Reply, Request, Summary } from "./protocol";
-import { BAD_FRAME, DAMAGED_HEADER, GAP, MEASUREMENT, OTHER, RowIndex } from "./row_index";
+import { BAD_FRAME, DAMAGED_HEADER, GAP, MEASUREMENT, OTHER, PLOTTED, RowIndex } from "./row_index";
 
 declare class FileReaderSync {
   readAsArrayBuffer(blob: Blob): ArrayBuffer;
@@ -23,6 +23,7 @@ const SLICE_BYTES = 32 << 20;
 const SLICE_ROWS = 16_384;
 const READ_SIZE = 1 << 20;
 const SERIES_COUNT = 5;
+const BASE64_SLICE = 1 << 20; // whole groups of four characters
 
 /** A record file with what the page changed in it. */
 class RecordFile {
@@ -174,6 +175,11 @@ const operations: Record<string, Operation> = {
         firstTime = Math.min(firstTime, row.time);
         lastTime = Math.max(lastTime, row.time);
       }
+      module.ask("page_plotted", opened.index.plotted.length);
+      const plotted = module.doubles();
+      for (let at = 0; at < plotted.length; at += PLOTTED) {
+        opened.index.plotted.push(plotted.subarray(at, at + PLOTTED));
+      }
       if (end > 0) report({ done: end, total: blob.size, rows: opened.index.count });
       await pause();
       if (cancelled.has(id)) break;
@@ -285,6 +291,8 @@ const operations: Record<string, Operation> = {
 
   async partOfSeries(id, report, key: number, from: number, to: number) {
     module.call("page_part_begin");
+    if (addPlotted(file(key).index, from, to)) return takeSeries(true);
+    module.call("page_part_begin");
     await eachFrame(file(key), from, to, () => cancelled.has(id), report, (address, _offset, size) => {
       module.call("page_part_add", address, size);
     });
@@ -317,6 +325,16 @@ const operations: Record<string, Operation> = {
       module.call("page_export", isCsv ? 1 : 0, offset, address, size);
     });
     return cancelled.has(id) ? null : new Blob(parts);
+  },
+
+  /** The bytes of a text in Base64. */
+  decode(_id, _report, text: string): Blob {
+    const parts: BlobPart[] = [];
+    for (let at = 0; at < text.length; at += BASE64_SLICE) {
+      const bytes = atob(text.slice(at, at + BASE64_SLICE));
+      parts.push(Uint8Array.from(bytes, (character) => character.charCodeAt(0)));
+    }
+    return new Blob(parts);
   },
 
   openArea(_id, _report, text: string, name: string) {
@@ -360,6 +378,24 @@ const operations: Record<string, Operation> = {
     }
   },
 };
+
+/** Adds what is kept of the rows to the series of a part; false when it is not kept of all. */
+function addPlotted(index: RowIndex, from: number, to: number): boolean {
+  const batch = new Float64Array(16_384 * PLOTTED);
+  let length = 0;
+  const flush = () => {
+    module.call("page_part_add_plotted", batch.subarray(0, length), length / PLOTTED);
+    length = 0;
+  };
+  const isKept = index.eachPlotted(from, to, (time, plotted) => {
+    batch.set(plotted, length);
+    batch[length] = time;
+    length += PLOTTED;
+    if (length === batch.length) flush();
+  });
+  flush();
+  return isKept;
+}
 
 function timeOf(of: RecordFile, row: number): number {
   const { kind, offset, size } = of.index.get(row);

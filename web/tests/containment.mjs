@@ -1,5 +1,5 @@
-// The directions of the comparison with native answers, and the hash of the answers: the same in
-// containment_hash.cpp.
+// The directions of the comparison with native answers: the same in containment_hash.cpp, and in the
+// test of the page.
 export const DIRECTIONS = 10_000_000;
 const BLOCK = 1_000_000;
 
@@ -19,10 +19,4 @@ export function* directions() {
     }
     yield [hz, v];
   }
-}
-
-/** FNV-1a of 32 bits. */
-export function hashed(hash, answers) {
-  for (const answer of answers) hash = Math.imul(hash ^ answer, 16777619) >>> 0;
-  return hash;
 }

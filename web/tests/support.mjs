@@ -28,9 +28,12 @@ export async function stopBrowser() {
   rmSync(folder, { recursive: true });
 }
 
-/** Opens the page from disk. `requests` and `complaints` collect what happens in it. */
+/**
+ * Opens the page, from disk unless there is a `url`. `init` runs in it before its own scripts. `requests` and `complaints`
+ * collect what happens in it.
+ */
 export async function openPage(options = {}) {
-  const { file = pageFile, ...context } = options;
+  const { file = pageFile, url = pathToFileURL(file).href, init, ...context } = options;
   const opened = await browser.newContext({
     acceptDownloads: true, viewport: { width: 1280, height: 900 }, ...context,
   });
@@ -43,7 +46,8 @@ export async function openPage(options = {}) {
   });
   page.on("pageerror", (error) => complaints.push(String(error)));
   page.on("dialog", (dialog) => void dialog.accept());
-  await page.goto(pathToFileURL(file).href);
+  if (init) await page.addInitScript(init);
+  await page.goto(url);
   return { page, requests, complaints, close: () => opened.close() };
 }
 

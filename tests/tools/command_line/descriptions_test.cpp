@@ -189,11 +189,12 @@ struct Question {
 
 const std::vector<Question>& Questions() {
   static const std::vector<Question> questions{
-      {{""}, {"record", "area"}},
+      {{""}, {"record", "area", "view"}},
       {{"re"}, {"record"}},
       {{"record", ""},
        {"list", "show", "export", "columns", "check", "set", "cut", "join", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "plot"}},
+      {{"view", "c.rec", "--"}, {"--help", "--output", "--browser", "--page"}},
       {{"record", "list", "--"},
        {"--help", "--json", "--utc", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
         "--every"}},
