@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <extension/buffer.h>
+#include <extension/data_class.h>
 #include <extension/module.h>
 #include <nanobind/nanobind.h>
 #include <nanobind/stl/optional.h>
@@ -20,6 +21,7 @@
 #include <nanobind/stl/vector.h>
 
 #include <surveydata/scanning/prepared_area.h>
+#include <surveydata/scanning/scan.h>
 #include <surveydata/scanning/scan_dome_area.h>
 #include <surveydata/scanning/scan_polygon_area.h>
 #include <surveydata/scanning/scan_rectangular_area.h>
@@ -64,13 +66,29 @@ using Triples = std::vector<std::tuple<double, double, double>>;
 // An area that never changes: any number of threads may ask it at once.
 class AreaC {
  public:
-  explicit AreaC(Tool::AreaFile file) : file_(std::move(file)) {}
+  explicit AreaC(Tool::AreaFile file)
+      : file_(std::move(file)), isValid_(file_.area->IsAreaValid()) {}
 
   const Tool::AreaFile& File() const { return file_; }
   const SDI::ScanAreaC& Area() const { return *file_.area; }
+  bool IsValid() const { return isValid_; }
+
+  // Throws for an area whose points make none, with the first reason. Steps have no part in what is
+  // inside.
+  void RequireValid() const {
+    if (isValid_) return;
+    std::string reason = "the points make no area";
+    for (const Tool::AreaFault& fault : Tool::FindAreaFaults(file_)) {
+      if (fault.rule.ends_with("StepNotPositive")) continue;
+      reason += ": " + fault.text;
+      break;
+    }
+    throw nb::value_error(reason.c_str());
+  }
 
  private:
   Tool::AreaFile file_;
+  bool isValid_;
 };
 
 class PreparedC {
@@ -111,6 +129,21 @@ std::shared_ptr<const AreaC> MakeAreaFrom(const std::string& kind, const Triples
   area.SetSettingD(settings.d);
   area.SetSettingE(settings.e);
   return std::make_shared<AreaC>(std::move(file));
+}
+
+template <class Area>
+std::unique_ptr<SDI::ScanAreaC> CopyIf(const SDI::ScanDefinitionC& area) {
+  const auto* const from = dynamic_cast<const Area*>(&area);
+  if (from == nullptr) return nullptr;
+  auto copy = std::make_unique<Area>();
+  *copy->GetImpl() = *from->GetImpl();
+  return copy;
+}
+
+std::unique_ptr<SDI::ScanAreaC> CopyOf(const SDI::ScanDefinitionC& area) {
+  if (auto copy = CopyIf<SDI::ScanRectangularAreaC>(area)) return copy;
+  if (auto copy = CopyIf<SDI::ScanPolygonAreaC>(area)) return copy;
+  return CopyIf<SDI::ScanDomeAreaC>(area);
 }
 
 Triples ToTriples(const std::vector<SDI::ScanDefPointC>& points, AngleUnit unit) {
@@ -189,6 +222,9 @@ Explanation InUnit(const AreaExplanation& from, AngleUnit unit) {
   return to;
 }
 
+// As a float of Python writes itself.
+std::string Number(double number) { return nb::repr(nb::float_(number)).c_str(); }
+
 // From 0, as the elements of arrays are counted.
 std::vector<std::size_t> FromZero(std::vector<std::size_t> places) {
   for (std::size_t& place : places) --place;
@@ -248,7 +284,15 @@ void AddAreas(nb::module_& module) {
       .def_ro("band_edge", &Explanation::bandEdge,
               "The first edge in whose band the direction lies.")
       .def_ro("nearest_edge", &Explanation::nearestEdge, "The edge that is nearest on the sphere.")
-      .def_ro("distance", &Explanation::distance, "The angle to the nearest edge.");
+      .def_ro("distance", &Explanation::distance, "The angle to the nearest edge.")
+      .def("__repr__", [](const Explanation& self) {
+        std::string text = self.isInside ? "<Explanation: inside by " : "<Explanation: outside by ";
+        text += nb::cast<std::string>(nb::cast(self.rule).attr("name"));
+        if (self.nearestEdge) {
+          text += ", " + Number(*self.distance) + " from edge " + std::to_string(*self.nearestEdge);
+        }
+        return text + ", at hz " + Number(self.hz) + ", v " + Number(self.v) + ">";
+      });
 
   nb::class_<Tool::AreaFault>(module, "Fault", "A rule that an area breaks.")
       .def_prop_ro(
@@ -339,7 +383,7 @@ void AddAreas(nb::module_& module) {
                                area.GetSettingE());
            })
       .def("is_valid", [](const AreaC& self) { return self.Area().IsValid(); })
-      .def("is_area_valid", [](const AreaC& self) { return self.Area().IsAreaValid(); })
+      .def("is_area_valid", &AreaC::IsValid)
       .def("is_equal",
            [](const AreaC& self, const AreaC& other) { return self.Area().IsEqual(other.Area()); })
       .def("faults", [](const AreaC& self) { return Tool::FindAreaFaults(self.File()); })
@@ -376,6 +420,7 @@ void AddAreas(nb::module_& module) {
           "contains",
           [](const AreaC& self, double hz, double v, const std::string& unit) {
             const AngleUnit given = ToUnit(unit);
+            self.RequireValid();
             return self.Area().Contains(Tool::ToRadians(hz, given), Tool::ToRadians(v, given));
           },
           "hz"_a, "v"_a, "unit"_a)
@@ -390,6 +435,7 @@ void AddAreas(nb::module_& module) {
       .def_static(
           "prepare",
           [](std::shared_ptr<const AreaC> self, bool many) {
+            self->RequireValid();
             const nb::gil_scoped_release unlocked;
             return std::make_unique<PreparedC>(std::move(self), many);
           },
@@ -403,6 +449,43 @@ void AddAreas(nb::module_& module) {
             return Draw(self, probes, window, given);
           },
           "probes"_a, "window"_a.none(), "unit"_a);
+
+  using SDI::ScanC;
+  const auto text = [](const char* name, auto get, auto set, std::size_t most) {
+    return MakeText<ScanC>(name, get, set, most);
+  };
+  const auto value = [](const char* name, auto get, auto set) {
+    return MakeProperty<ScanC>(name, get, set);
+  };
+  BindDataClass<ScanC>(module, "ScanCore", "A scan without its area.",
+                       text("text_1", &ScanC::GetText1, &ScanC::SetText1, 32),
+                       text("text_2", &ScanC::GetText2, &ScanC::SetText2, 32),
+                       text("text_3", &ScanC::GetText3, &ScanC::SetText3, 255),
+                       text("text_4", &ScanC::GetText4, &ScanC::SetText4, 64),
+                       value("value_1", &ScanC::GetValue1, &ScanC::SetValue1),
+                       value("value_2", &ScanC::GetValue2, &ScanC::SetValue2),
+                       value("value_3", &ScanC::GetValue3, &ScanC::SetValue3),
+                       value("value_4", &ScanC::GetValue4, &ScanC::SetValue4),
+                       value("word_1", &ScanC::GetWord1, &ScanC::SetWord1),
+                       value("word_2", &ScanC::GetWord2, &ScanC::SetWord2))
+      .def(
+          "assign", [](ScanC& self, const ScanC& other) { self = other; }, "other"_a)
+      .def("get_area",
+           [](const ScanC& self) -> std::shared_ptr<const AreaC> {
+             if (self.GetArea() == nullptr) return nullptr;
+             return std::make_shared<const AreaC>(Tool::AreaFile{
+                 .name = {}, .unit = AngleUnit::kRad, .area = CopyOf(*self.GetArea())});
+           })
+      .def(
+          "set_area",
+          [](ScanC& self, const AreaC* area) {
+            if (area != nullptr) {
+              self.SetArea(&area->Area());
+            } else {
+              self.CreateArea(0);  // no kind: none
+            }
+          },
+          "area"_a.none());
 }
 
 }  // namespace Python

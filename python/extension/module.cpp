@@ -5,5 +5,8 @@ NB_MODULE(_core, module) {
   module.doc() = "What the package surveydata has of the library. Use the package instead.";
   module.attr("VERSION") = SURVEYDATA_VERSION;
   Python::AddAreas(module);
+  Python::AddObjects(module);
+  Python::AddRecordChanges(module);
   Python::AddRecords(module);
+  Python::AddRecordPictures(module);
 }

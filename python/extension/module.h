@@ -9,7 +9,11 @@
 namespace Python {
 
 void AddAreas(nanobind::module_& module);
+void AddObjects(nanobind::module_& module);
+void AddRecordChanges(nanobind::module_& module);
 void AddRecords(nanobind::module_& module);
+/// After `AddRecords`.
+void AddRecordPictures(nanobind::module_& module);
 
 }  // namespace Python
 

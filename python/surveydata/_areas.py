@@ -1,8 +1,9 @@
 """Areas on the sphere of directions: what of a scan's surroundings it covers.
 
 Directions have two angles: Hz, the horizontal angle, and V, from the zenith (0) down to the nadir
-(half a turn). Angles are in the unit of the area, unless a call names another one: "rad", "deg"
-(360 to the turn) or "gon" (400 to the turn). Distances are in metres.
+(half a turn). Every area is made with the unit of its angles, "rad", "deg" (360 to the turn) or
+"gon" (400 to the turn); calls take and give angles in that unit, unless they name another one.
+Distances are in metres.
 """
 
 from __future__ import annotations
@@ -10,14 +11,24 @@ from __future__ import annotations
 import math
 import os
 from pathlib import Path
-from typing import TYPE_CHECKING, Any, ClassVar, Literal, NamedTuple, TypeAlias, overload
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    ClassVar,
+    Literal,
+    NamedTuple,
+    TypeAlias,
+    TypedDict,
+    overload,
+)
 
 import numpy as np
 
 from . import _core
 
 if TYPE_CHECKING:
-    from collections.abc import Callable
+    from collections.abc import Callable, Iterator
+    from typing import Unpack
 
     from numpy.typing import ArrayLike, NDArray
 
@@ -25,7 +36,50 @@ Unit: TypeAlias = Literal["rad", "deg", "gon"]
 _Number: TypeAlias = "float | np.floating[Any] | np.integer[Any]"
 _NUMBERS = (float, int, np.floating, np.integer)
 _TURN = {"rad": 2 * math.pi, "deg": 360.0, "gon": 400.0}
-_Settings: TypeAlias = tuple[int, float, float, int, int, float, int]
+
+
+class AreaOptions(TypedDict, total=False):
+    """What an area has besides its points and its unit: keywords of the constructors.
+
+    Settings and limits are of the caller's own meaning; the library keeps them.
+    """
+
+    hz_step: float
+    """The step of the scan in Hz; 0 by default, with which an area is not valid."""
+    v_step: float
+    """The step of the scan in V; likewise."""
+    name: str
+    """The title of its pictures."""
+    setting_a: int
+    """0 by default."""
+    limit_low: float
+    """-1 by default."""
+    limit_high: float
+    """-1 by default."""
+    setting_b: int
+    """4 by default."""
+    setting_c: int
+    """0 by default."""
+    setting_d: float
+    """0 by default."""
+    setting_e: int
+    """1 by default."""
+
+
+_DEFAULTS: AreaOptions = {
+    "hz_step": 0.0,
+    "v_step": 0.0,
+    "name": "",
+    "setting_a": 0,
+    "limit_low": -1.0,
+    "limit_high": -1.0,
+    "setting_b": 4,
+    "setting_c": 0,
+    "setting_d": 0.0,
+    "setting_e": 1,
+}
+_SETTINGS = tuple(_DEFAULTS)[3:]
+_LOWEST_OF_DOME = 0.8 * math.pi
 
 
 class Bounds(NamedTuple):
@@ -39,6 +93,13 @@ class Bounds(NamedTuple):
     """Of an area around the zenith the least V of its ring, not 0."""
     v_max: float
     encloses_zenith: bool
+
+
+class Directions(NamedTuple):
+    """Directions, one per element."""
+
+    hz: NDArray[np.float64]
+    v: NDArray[np.float64]
 
 
 class Outline(NamedTuple):
@@ -226,8 +287,8 @@ class Area:
 
         `hz` and `v` are two numbers, or arrays that broadcast against each other; the answer has
         their shape. Arrays of float64 and float32 are read where they lie, strided or not; others
-        are converted. False for NaN, beyond 100 rad, and for an area whose points make none. The
-        steps do not matter.
+        are converted. False for NaN and beyond 100 rad. The steps do not matter. Raises ValueError
+        with the first fault for an area whose points make none; `explain` answers for it, too.
 
         The area is prepared for each call with arrays; `prepare` does that once. Other threads run
         meanwhile.
@@ -248,15 +309,66 @@ class Area:
         """Make the area ready for many questions; the answers are the same.
 
         With `many`, the preparation also makes a raster of decided cells: up to 512 KB, and up to a
-        millisecond. It pays from some ten thousand directions on.
+        millisecond. It pays from some ten thousand directions on. Raises ValueError as `contains`
+        does.
         """
         return PreparedArea(self, many=many)
 
+    def iter_grid(self, unit: Unit | None = None) -> Iterator[Directions]:
+        """The directions of the area at its steps, in the order in which an instrument sweeps:
+        columns by ascending Hz, and V down and up in turns. Each column is one item, so that memory
+        does not depend on the steps; those without a direction inside are left out.
+
+        The first direction is that of the lowest Hz and V of the bounds: of an area around the
+        zenith and of a dome Hz 0 and V 0. Raises ValueError with the first fault for an area that
+        is not valid.
+        """
+        if not self.is_valid():
+            raise ValueError(f"the area is not valid: {self.faults()[0].text}")
+        return self._sweep(unit or self.unit)
+
+    def _sweep(self, unit: Unit) -> Iterator[Directions]:
+        bounds = self.bounds("rad")
+        assert bounds is not None
+        hz_step, v_step = self._impl.steps("rad")
+        hz_min, hz_max, v_min, v_max, encloses_zenith = bounds
+        if self.kind == "dome" or encloses_zenith:
+            hz_min, hz_max, v_min = 0.0, 2 * math.pi, 0.0
+            v_max = _LOWEST_OF_DOME if self.kind == "dome" else v_max
+        width = hz_max - hz_min if hz_max >= hz_min else hz_max - hz_min + 2 * math.pi
+        # A full turn does not end where it began; the last step may fail by rounding.
+        most = 1e-9
+        columns = math.floor(width / hz_step + most) + 1
+        if width >= 2 * math.pi - most:
+            columns = max(1, math.ceil(2 * math.pi / hz_step - most))
+        v = v_min + v_step * np.arange(math.floor((v_max - v_min) / v_step + most) + 1)
+        prepared = self.prepare(many=True)
+        scale = _TURN[unit] / (2 * math.pi)
+        is_down = True
+        for column in range(columns):
+            hz = math.fmod(hz_min + column * hz_step, 2 * math.pi)
+            inside = v[prepared.contains(np.full(v.shape, hz), v, "rad")]
+            if inside.size:
+                ordered = inside if is_down else inside[::-1]
+                yield Directions(np.full(inside.shape, hz * scale), ordered * scale)
+                is_down = not is_down
+
+    def grid(self, unit: Unit | None = None) -> Directions:
+        """All directions of `iter_grid` as two arrays."""
+        columns = list(self.iter_grid(unit))
+        if not columns:
+            return Directions(np.empty(0), np.empty(0))
+        hz, v = zip(*columns, strict=True)
+        return Directions(np.concatenate(hz), np.concatenate(v))
+
     # ----- Copies, equality, pictures
 
-    def _state(self) -> tuple[Any, ...]:
+    def _state(self) -> tuple[list[tuple[float, float, float]], str, AreaOptions]:
         core = self._impl
-        return (core.points("rad"), core.steps("rad"), core.unit, core.name, core.settings())
+        hz_step, v_step = core.steps("rad")
+        settings = dict(zip(_SETTINGS, core.settings(), strict=True))
+        options: Any = {"hz_step": hz_step, "v_step": v_step, "name": core.name, **settings}
+        return (core.points("rad"), core.unit, options)
 
     def __reduce__(self) -> tuple[Any, ...]:
         return (_restore, (type(self), *self._state()))
@@ -302,94 +414,54 @@ class Area:
         return self.svg()
 
 
-class RectangularArea(Area):
+class _PointArea(Area):
+    __slots__ = ()
+
+    def __init__(
+        self,
+        hz: ArrayLike,
+        v: ArrayLike,
+        distance: ArrayLike | None = None,
+        *,
+        unit: Unit,
+        **options: Unpack[AreaOptions],
+    ) -> None:
+        _fill(self, _triples(hz, v, distance), unit, unit, options)
+
+
+class RectangularArea(_PointArea):
     """The directions between two opposite corners, with straight edges in the plane of Hz and V.
 
-    `hz`, `v` and `distance` have two elements each. When the first corner has the larger Hz, the
-    area crosses Hz 0.
+    `hz`, `v` and `distance` have two elements each, in `unit` and metres. When the first corner has
+    the larger Hz, the area crosses Hz 0. The other keywords are those of `AreaOptions`.
     """
 
     __slots__ = ()
     _kind = "rectangle"
 
-    def __init__(
-        self,
-        hz: ArrayLike,
-        v: ArrayLike,
-        distance: ArrayLike | None = None,
-        *,
-        unit: Unit = "rad",
-        hz_step: float = 0.0,
-        v_step: float = 0.0,
-        name: str = "",
-        setting_a: int = 0,
-        limit_low: float = -1.0,
-        limit_high: float = -1.0,
-        setting_b: int = 4,
-        setting_c: int = 0,
-        setting_d: float = 0.0,
-        setting_e: int = 1,
-    ) -> None:
-        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
-        points = _triples(hz, v, distance)
-        _fill(self, points, (hz_step, v_step), unit, unit, name, settings)
 
-
-class PolygonArea(Area):
+class PolygonArea(_PointArea):
     """A polygon of three or more corners, whose edges are arcs of great circles; it closes itself.
 
-    One that winds around the vertical axis encloses the zenith.
+    One that winds around the vertical axis encloses the zenith. `hz`, `v` and `distance` are in
+    `unit` and metres. The other keywords are those of `AreaOptions`.
     """
 
     __slots__ = ()
     _kind = "polygon"
 
-    def __init__(
-        self,
-        hz: ArrayLike,
-        v: ArrayLike,
-        distance: ArrayLike | None = None,
-        *,
-        unit: Unit = "rad",
-        hz_step: float = 0.0,
-        v_step: float = 0.0,
-        name: str = "",
-        setting_a: int = 0,
-        limit_low: float = -1.0,
-        limit_high: float = -1.0,
-        setting_b: int = 4,
-        setting_c: int = 0,
-        setting_d: float = 0.0,
-        setting_e: int = 1,
-    ) -> None:
-        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
-        points = _triples(hz, v, distance)
-        _fill(self, points, (hz_step, v_step), unit, unit, name, settings)
-
 
 class DomeArea(Area):
-    """Every direction from the zenith to the lowest usable one, V = 0.8 pi. It has no points."""
+    """Every direction from the zenith to the lowest usable one, V = 0.8 pi. It has no points.
+
+    The keywords besides `unit` are those of `AreaOptions`.
+    """
 
     __slots__ = ()
     _kind = "dome"
 
-    def __init__(
-        self,
-        *,
-        unit: Unit = "rad",
-        hz_step: float = 0.0,
-        v_step: float = 0.0,
-        name: str = "",
-        setting_a: int = 0,
-        limit_low: float = -1.0,
-        limit_high: float = -1.0,
-        setting_b: int = 4,
-        setting_c: int = 0,
-        setting_d: float = 0.0,
-        setting_e: int = 1,
-    ) -> None:
-        settings = (setting_a, limit_low, limit_high, setting_b, setting_c, setting_d, setting_e)
-        _fill(self, [], (hz_step, v_step), unit, unit, name, settings)
+    def __init__(self, *, unit: Unit, **options: Unpack[AreaOptions]) -> None:
+        _fill(self, [], unit, unit, options)
 
 
 class PreparedArea:
@@ -451,25 +523,41 @@ def _triples(
 def _fill(
     area: Area,
     points: list[tuple[float, float, float]],
-    steps: tuple[float, float],
     given: str,
     unit: str,
-    name: str,
-    settings: _Settings,
+    options: AreaOptions,
 ) -> None:
-    area._impl = _core.AreaCore.make(type(area)._kind, points, steps, given, unit, name, *settings)
+    if unknown := options.keys() - _DEFAULTS.keys():
+        raise TypeError(f"{type(area).__name__} has no argument {min(unknown)!r}")
+    values: dict[str, Any] = {**_DEFAULTS, **options}
+    area._impl = _core.AreaCore.make(
+        type(area)._kind,
+        points,
+        (values["hz_step"], values["v_step"]),
+        given,
+        unit,
+        values["name"],
+        *(values[name] for name in _SETTINGS),
+    )
 
 
 def _restore(
     kind: type[Area],
     points: list[tuple[float, float, float]],
-    steps: tuple[float, float],
     unit: str,
-    name: str,
-    settings: _Settings,
+    options: AreaOptions,
 ) -> Area:
     area = object.__new__(kind)
-    _fill(area, points, steps, "rad", unit, name, settings)
+    _fill(area, points, "rad", unit, options)
+    return area
+
+
+def _area_of(core: _core.AreaCore) -> Area:
+    classes: dict[str, type[Area]] = {
+        cls._kind: cls for cls in (RectangularArea, PolygonArea, DomeArea)
+    }
+    area = object.__new__(classes[core.kind])
+    area._impl = core
     return area
 
 
@@ -481,10 +569,4 @@ def read_area(path: str | os.PathLike[str]) -> Area:
     """
     with Path(path).open("rb"):  # raises what Python raises
         pass
-    core = _core.AreaCore.read(os.fspath(path))
-    classes: dict[str, type[Area]] = {
-        cls._kind: cls for cls in (RectangularArea, PolygonArea, DomeArea)
-    }
-    area = object.__new__(classes[core.kind])
-    area._impl = core
-    return area
+    return _area_of(_core.AreaCore.read(os.fspath(path)))

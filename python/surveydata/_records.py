@@ -78,6 +78,9 @@ FIXED_WIDTH = tuple(
 )
 """The columns that NumPy holds without objects: numbers and flags."""
 
+PICTURE = ("gps_week", "time_of_week", "hdop", "vdop", "total_first", "total_second")
+"""The columns that the picture of a table shows."""
+
 
 def _bits(packed: NDArray[np.uint8], count: int) -> NDArray[np.bool_]:
     return np.unpackbits(packed, count=count, bitorder="little").view(np.bool_)
@@ -214,6 +217,28 @@ class RecordTable:
             begin += rows
         kept = [batch for batch in batches if batch.rows]
         return _table(kept, self._names, self._left_out, sources, self._times_after_expiry)
+
+    def svg(self, title: str = "") -> str:
+        """The picture of the program's `surveydata record plot`, as an SVG document: dilutions of
+        precision and satellites over time.
+
+        The title is the name of the file by default. Needs the columns of `PICTURE`; raises
+        ValueError without one of them, and for a table without rows.
+        """
+        if missing := [name for name in PICTURE if name not in self._names]:
+            raise ValueError(f"the picture needs the column {missing[0]!r}")
+        if not title:
+            sources = [source for source, _ in self._sources]
+            named = len(sources) == 1 and isinstance(sources[0], str | os.PathLike)
+            title = Path(sources[0]).name if named else f"{len(sources)} sources"
+        picture = _core.draw_records(self._batches, title)
+        if picture is None:
+            raise ValueError("there is no measurement to draw")
+        return picture
+
+    def _repr_svg_(self) -> str | None:
+        drawable = len(self) != 0 and set(PICTURE) <= set(self._names)
+        return self.svg() if drawable else None
 
     def __repr__(self) -> str:
         rows = len(self)

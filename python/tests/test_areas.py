@@ -28,29 +28,29 @@ odd_angles = st.one_of(
 
 
 def facade(**more: object) -> sd.PolygonArea:
-    return sd.PolygonArea(FACADE_HZ, FACADE_V, **more)
+    return sd.PolygonArea(FACADE_HZ, FACADE_V, **{"unit": "rad", **more})
 
 
 @st.composite
 def areas(draw: st.DrawFn) -> sd.Area:
     kind = draw(st.sampled_from(["rectangle", "polygon", "dome"]))
     if kind == "dome":
-        return sd.DomeArea()
+        return sd.DomeArea(unit="rad")
     if kind == "rectangle":
         hz = draw(st.lists(st.floats(0, 2 * math.pi), min_size=2, max_size=2))
         v = draw(st.lists(st.floats(0, math.pi), min_size=2, max_size=2))
-        return sd.RectangularArea(hz, v)
+        return sd.RectangularArea(hz, v, unit="rad")
     if draw(st.booleans()):  # star-shaped rings are valid, most others are not
         count = draw(st.integers(3, 12))
         radii = draw(st.lists(st.floats(0.05, 0.7), min_size=count, max_size=count))
         turn = 2 * math.pi / count
         hz = [3 + r * math.cos(i * turn) for i, r in enumerate(radii)]
         v = [1.5 + r * math.sin(i * turn) for i, r in enumerate(radii)]
-        return sd.PolygonArea(hz, v)
+        return sd.PolygonArea(hz, v, unit="rad")
     count = draw(st.integers(0, 7))
     hz = draw(st.lists(odd_angles, min_size=count, max_size=count))
     v = draw(st.lists(odd_angles, min_size=count, max_size=count))
-    return sd.PolygonArea(hz, v)
+    return sd.PolygonArea(hz, v, unit="rad")
 
 
 # ----- Containment
@@ -65,6 +65,16 @@ def test_arrays_are_answered_as_the_plain_rule_answers(
     area: sd.Area, directions: list[tuple[float, float]], many: bool
 ) -> None:
     hz, v = (np.array(column) for column in zip(*directions, strict=True))
+    if not area.is_area_valid():
+        assert not any(area.explain(h, w).is_inside for h, w in directions)
+        for ask in (
+            lambda: area.contains(hz, v),
+            lambda: area.contains(*directions[0]),
+            lambda: area.prepare(many=many),
+        ):
+            with pytest.raises(ValueError, match=r"the points make no area: ."):
+                ask()
+        return
     plain = [area.contains(h, w) for h, w in directions]  # one by one: not prepared
     assert area.contains(hz, v).tolist() == plain
     prepared = area.prepare(many=many)
@@ -85,13 +95,15 @@ def test_recorded_answers(data: Path) -> None:
         if words[0] == "area":
             corners = np.array([float.fromhex(word) for word in words[1:]])
             kind = sd.RectangularArea if len(corners) == 4 else sd.PolygonArea
-            area = kind(corners[0::2], corners[1::2])
+            area = kind(corners[0::2], corners[1::2], unit="rad")
         elif words[1:2] == ["contains"]:
             assert area is not None
             hz, v = (float.fromhex(word) for word in words[2:4])
             expected = float.fromhex(words[-1]) == 1
-            assert area.contains(hz, v) == expected
-            assert area.contains([hz], [v]) == [expected]
+            assert area.explain(hz, v).is_inside == expected
+            if area.is_area_valid():
+                assert area.contains(hz, v) == expected
+                assert area.contains([hz], [v]) == [expected]
             asked["contains"] += 1
         elif words[1:2] == ["valid"]:
             assert area is not None
@@ -164,7 +176,7 @@ def test_arrays_broadcast() -> None:
 
 
 def test_numbers_of_other_types_are_converted() -> None:
-    area = sd.RectangularArea([0, 3], [1, 2])
+    area = sd.RectangularArea([0, 3], [1, 2], unit="rad")
     assert area.contains([1, 2, 4], [1.5, 1.5, 1.5]).tolist() == [True, True, False]
     assert area.contains(np.array([1, 2, 4]), 1.5).tolist() == [True, True, False]
     assert area.contains(1, 1.5) is True
@@ -230,7 +242,7 @@ def test_other_threads_run_while_directions_are_answered() -> None:
     rng = np.random.default_rng(2)
     ring = np.linspace(0, 2 * math.pi, 2000, endpoint=False)
     radius = rng.uniform(0.3, 0.6, ring.size)
-    area = sd.PolygonArea(3 + radius * np.cos(ring), 1.5 + radius * np.sin(ring))
+    area = sd.PolygonArea(3 + radius * np.cos(ring), 1.5 + radius * np.sin(ring), unit="rad")
     hz, v = rng.uniform(2, 4, count), rng.uniform(0.5, 2.5, count)
     started, finished = threading.Event(), threading.Event()
     seen_before_the_end = []
@@ -249,16 +261,85 @@ def test_other_threads_run_while_directions_are_answered() -> None:
     assert len(seen_before_the_end) > 1000
 
 
+def test_an_area_that_is_none_is_not_asked() -> None:
+    bow_tie = sd.PolygonArea([0, 1, 0, 1], [1, 2, 2, 1], unit="rad")
+    with pytest.raises(ValueError, match="the points make no area: edges 1 and 3 cross"):
+        bow_tie.contains(0.5, 1.5)
+    assert bow_tie.explain(0.5, 1.5).rule == sd.Rule.NOT_VALID
+    assert (
+        repr(bow_tie.explain(0.5, 1.5)) == "<Explanation: outside by NOT_VALID, at hz 0.5, v 1.5>"
+    )
+
+
+def test_an_explanation_says_what_it_is() -> None:
+    area = sd.RectangularArea([10, 20], [80, 90], unit="deg")
+    assert repr(area.explain(15, 88)) == (
+        "<Explanation: inside by PARITY, 2.0 from edge 2, at hz 15.0, v 88.0>"
+    )
+
+
+# ----- Grids
+
+
+def test_a_grid_is_swept_in_columns() -> None:
+    area = sd.RectangularArea([350, 352], [80, 81], unit="deg", hz_step=1, v_step=0.5)
+    grid = area.grid()
+    assert grid.hz == pytest.approx([350] * 3 + [351] * 3 + [352] * 3)
+    assert grid.v == pytest.approx([80, 80.5, 81, 81, 80.5, 80, 80, 80.5, 81])
+    in_gon = area.grid("gon")
+    assert in_gon.v == pytest.approx(grid.v * 10 / 9)
+    across = sd.RectangularArea([359, 1], [80, 80.5], unit="deg", hz_step=1, v_step=0.5)
+    assert across.grid().hz == pytest.approx([359, 359, 0, 0, 1, 1])
+
+
+def test_a_grid_around_the_zenith_begins_there_and_is_one_turn() -> None:
+    dome = sd.DomeArea(unit="deg", hz_step=90, v_step=36)
+    columns = list(dome.iter_grid())
+    assert [column.hz[0] for column in columns] == [0, 90, 180, 270]
+    assert columns[0].v == pytest.approx([0, 36, 72, 108, 144])
+    cap = sd.PolygonArea([0, 90, 180, 270], [20] * 4, unit="deg", hz_step=45, v_step=5)
+    assert cap.grid().v[0] == 0
+    assert len(list(cap.iter_grid())) == 8
+
+
+@given(area=areas(), seed=st.integers(0, 1000))
+def test_a_grid_has_the_directions_inside(area: sd.Area, seed: int) -> None:
+    rng = np.random.default_rng(seed)
+    kind, points, unit, options = area.__reduce__()[1]
+    steps = {"hz_step": float(rng.uniform(0.05, 0.5)), "v_step": float(rng.uniform(0.05, 0.5))}
+    stepped = area.__reduce__()[0](kind, points, unit, {**options, **steps})
+    if not stepped.is_valid():
+        with pytest.raises(ValueError, match=r"not valid: ."):
+            stepped.grid()
+        return
+    hz, v = stepped.grid()
+    assert stepped.contains(hz, v).all()
+    assert len(set(zip(hz.tolist(), v.tolist(), strict=True))) == hz.size
+    assert sum(len(column.hz) for column in stepped.iter_grid()) == hz.size
+
+
 # ----- What an area is
+
+
+def test_the_unit_is_never_assumed() -> None:
+    for make in (
+        lambda: sd.RectangularArea([1, 2], [1, 2]),
+        lambda: sd.PolygonArea([1, 2, 3], [1, 2, 1]),
+        lambda: sd.DomeArea(),
+    ):
+        with pytest.raises(TypeError, match="required keyword-only argument: 'unit'"):
+            make()
+    with pytest.raises(TypeError, match="DomeArea has no argument 'hz_stepp'"):
+        sd.DomeArea(unit="rad", hz_stepp=1)
 
 
 def test_points_that_do_not_match_are_refused() -> None:
     with pytest.raises(ValueError, match="same length"):
-        sd.PolygonArea([1, 2, 3], [1, 2])
+        sd.PolygonArea([1, 2, 3], [1, 2], unit="rad")
     with pytest.raises(ValueError, match="one dimension"):
-        sd.PolygonArea([[1, 2]], [[1, 2]])
+        sd.PolygonArea([[1, 2]], [[1, 2]], unit="rad")
     with pytest.raises(ValueError, match="same length"):
-        sd.PolygonArea([1, 2, 3], [1, 2, 3], [5])
+        sd.PolygonArea([1, 2, 3], [1, 2, 3], [5], unit="rad")
     with pytest.raises(TypeError, match="an area is a"):
         sd.Area()
 
@@ -288,14 +369,14 @@ def test_it_is_what_it_was_made_of() -> None:
     assert (area.setting_a, area.limit_low, area.limit_high) == (1, 2, 3)
     assert (area.setting_b, area.setting_c, area.setting_d, area.setting_e) == (4, 5, 6.5, 7)
     assert repr(area) == "<PolygonArea 'wall', 3 points, steps 0.05 by 0.1 gon>"
-    assert repr(sd.DomeArea()) == "<DomeArea, steps 0 by 0 rad>"
+    assert repr(sd.DomeArea(unit="rad")) == "<DomeArea, steps 0 by 0 rad>"
     for value in ("hz", "hz_step", "unit", "setting_a"):
         with pytest.raises(AttributeError):
             setattr(area, value, 1)
 
 
 def test_defaults_are_those_of_the_library() -> None:
-    area = sd.DomeArea()
+    area = sd.DomeArea(unit="rad")
     assert (area.setting_a, area.limit_low, area.limit_high) == (0, -1, -1)
     assert (area.setting_b, area.setting_c, area.setting_d, area.setting_e) == (4, 0, 0, 1)
     assert facade().distance.tolist() == [-1] * 5
@@ -345,7 +426,9 @@ def test_equality_is_that_of_the_library() -> None:
     for other in ({"hz_step": 0.2}, {"setting_a": 7}, {"limit_low": 0.5}, {"limit_high": 2.5}):
         assert area != sd.PolygonArea([10, 20, 30], [90, 80, 95], **{**base, **other})
     assert area != sd.PolygonArea([10, 20, 31], [90, 80, 95], **base)
-    assert sd.RectangularArea([1, 2], [1, 2]) != sd.PolygonArea([1, 2], [1, 2])
+    assert sd.RectangularArea([1, 2], [1, 2], unit="rad") != sd.PolygonArea(
+        [1, 2], [1, 2], unit="rad"
+    )
     assert area != "an area"
     with pytest.raises(TypeError, match="unhashable"):
         hash(area)
@@ -360,10 +443,10 @@ def test_faults_name_the_rule_and_the_points() -> None:
     assert [fault.rule for fault in steps] == ["hzStepNotPositive", "vStepNotPositive"]
     assert not facade().is_valid()
     assert facade().is_area_valid()
-    twice = sd.PolygonArea([1, 2, 2, 1], [1, 1, 2, 1], hz_step=1, v_step=1)
+    twice = sd.PolygonArea([1, 2, 2, 1], [1, 1, 2, 1], hz_step=1, v_step=1, unit="rad")
     assert [(fault.rule, fault.points) for fault in twice.faults()] == [("equalPoints", [0, 3])]
     assert repr(twice.faults()[0]).startswith("<Fault: points 1 and 4 are equal")
-    bow_tie = sd.PolygonArea([1, 2, 1, 2], [1, 2, 2, 1], hz_step=1, v_step=1)
+    bow_tie = sd.PolygonArea([1, 2, 1, 2], [1, 2, 2, 1], hz_step=1, v_step=1, unit="rad")
     (fault,) = bow_tie.faults()
     assert (fault.rule, fault.edges, fault.points) == ("crossingEdges", [0, 2], [])
     assert "cross near" in fault.text
@@ -373,7 +456,7 @@ def test_faults_name_the_rule_and_the_points() -> None:
 def test_faults_are_empty_exactly_for_a_valid_area(area: sd.Area) -> None:
     points = area._state()[0]
     whole = sd.Area.__reduce__(area)  # the same with steps
-    again = whole[0](whole[1][0], points, (0.1, 0.1), *whole[1][3:])
+    again = whole[0](whole[1][0], points, "rad", {"hz_step": 0.1, "v_step": 0.1})
     assert again.is_valid() == (again.faults() == [])
     assert again.is_area_valid() or not again.is_valid()
     assert (again.bounds() is not None) == again.is_area_valid()
@@ -383,7 +466,7 @@ def test_bounds() -> None:
     across = sd.RectangularArea([350, 20], [80, 100], unit="deg")
     assert across.bounds() == pytest.approx((350, 20, 80, 100, False))
     around = sd.PolygonArea([0, 100, 200, 300], [40, 45, 50, 45], unit="gon")
-    assert sd.PolygonArea([1], [1]).bounds() is None
+    assert sd.PolygonArea([1], [1], unit="rad").bounds() is None
     ring = around.bounds()
     assert ring is not None
     assert ring.encloses_zenith
@@ -408,12 +491,14 @@ def test_outline() -> None:
     assert bare.hz.tolist() == FACADE_HZ
     assert bare.distance.tolist() == [3.0] * 5
     assert facade().outline(unit="gon").v == pytest.approx(np.array(FACADE_V) * 200 / math.pi)
-    assert [column.shape for column in sd.DomeArea().outline()] == [(0,)] * 3
+    assert [column.shape for column in sd.DomeArea(unit="rad").outline()] == [(0,)] * 3
 
 
 def test_solid_angle() -> None:
-    assert sd.DomeArea().solid_angle() == pytest.approx(2 * math.pi * (1 - math.cos(0.8 * math.pi)))
-    assert sd.PolygonArea([1], [1]).solid_angle() is None
+    assert sd.DomeArea(unit="rad").solid_angle() == pytest.approx(
+        2 * math.pi * (1 - math.cos(0.8 * math.pi))
+    )
+    assert sd.PolygonArea([1], [1], unit="rad").solid_angle() is None
 
 
 def test_explain_names_rule_crossings_and_the_nearest_edge() -> None:
@@ -432,7 +517,7 @@ def test_explain_names_rule_crossings_and_the_nearest_edge() -> None:
     assert area.explain(50, 85).rule == sd.Rule.NO_CROSSING
     far = area.explain(1e9, 85)
     assert (far.rule, far.nearest_edge, far.distance) == (sd.Rule.OUT_OF_RANGE, None, None)
-    assert sd.DomeArea().explain(1, 1).rule == sd.Rule.DOME
+    assert sd.DomeArea(unit="rad").explain(1, 1).rule == sd.Rule.DOME
     assert area.prepare().explain(15, 84).rule == sd.Rule.PARITY
 
 

@@ -16,7 +16,7 @@ constexpr const char* kChanged = "the file changed meanwhile";
 }  // namespace
 
 void FileReplacementC::Copy(CopiedFileC& copy, const HeldSignalsC& signals) const {
-  ProgressC progress(original_.GetSize());
+  ProgressC progress(progress_ == Progress::kShown ? original_.GetSize() : 0);
   std::vector<std::uint8_t> block(kBlock);
   copy.SetSize(original_.GetSize());
   std::uint64_t at = 0;

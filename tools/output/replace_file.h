@@ -15,9 +15,13 @@ namespace Tool {
 /// copy left.
 class FileReplacementC {
  public:
+  /// Whether long work shows a progress bar on a terminal.
+  enum class Progress { kShown, kHidden };
+
   /// Locks `file` as long as the object lives, so that what is to be changed can be read. Does not
   /// wait for another holder of the lock.
-  explicit FileReplacementC(const std::string& file) : original_(file) {}
+  explicit FileReplacementC(const std::string& file, Progress progress = Progress::kShown)
+      : original_(file), progress_(progress) {}
 
   /// The size when it was locked.
   std::uint64_t GetSize() const { return original_.GetSize(); }
@@ -40,6 +44,7 @@ class FileReplacementC {
               std::span<const std::uint8_t> bytes) const;
 
   OriginalFileC original_;
+  Progress progress_;
 };
 
 }  // namespace Tool

@@ -1,4 +1,3 @@
-#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -6,8 +5,6 @@
 #include <fmt/format.h>
 
 #include <command_line/common_options.h>
-#include <output/chart.h>
-#include <output/gps_time.h>
 #include <output/output.h>
 #include <platform/input_file.h>
 #include <platform/platform.h>
@@ -16,6 +13,7 @@
 #include <record/record_commands.h>
 #include <record/record_filter.h>
 #include <record/record_pass.h>
+#include <record/record_picture.h>
 #include <record/satellite_series.h>
 
 namespace Tool {
@@ -32,35 +30,6 @@ struct Options {
   PictureOutput output;
   RecordFilter filter;
 };
-
-std::int64_t ToMilliseconds(double seconds) { return std::llround(seconds * 1000); }
-
-std::string Moment(double seconds) {
-  const std::int64_t milliseconds = ToMilliseconds(seconds);
-  return GpsDate(milliseconds) + ' ' + GpsTimeOfDay(milliseconds);
-}
-
-Chart ToChart(const SatelliteSeriesC& series, const std::string& title) {
-  const double first = series.GetFirstTime();
-  const double last = series.GetLastTime();
-  // Colours that people with any colour vision tell apart, in shades that differ as well.
-  return {.title = title,
-          .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),
-                                  Moment(first), Moment(last)),
-          .timeLabel =
-              fmt::format("GPS time (no leap seconds), from {}", GpsDate(ToMilliseconds(first))),
-          .firstTime = first,
-          .lastTime = last,
-          .panels = {{"dilution of precision (no unit)",
-                      false,
-                      {{"PDOP", "#222222", 1.8, series.GetRuns(SatelliteSeriesC::kPDOP)},
-                       {"VDOP", "#d55e00", 1.6, series.GetRuns(SatelliteSeriesC::kVDOP)},
-                       {"HDOP", "#56b4e9", 1.6, series.GetRuns(SatelliteSeriesC::kHDOP)}}},
-                     {"satellites (number)",
-                      true,
-                      {{"in view", "#e69f00", 1.6, series.GetRuns(SatelliteSeriesC::kInView)},
-                       {"used", "#0072b2", 1.6, series.GetRuns(SatelliteSeriesC::kUsed)}}}}};
-}
 
 std::string TitleOf(const std::vector<RecordFile>& files) {
   if (files.size() > 1) return fmt::format("{} files", files.size());
@@ -122,7 +91,7 @@ ExitCode Run(const Options& options) {
   const ExitCode result =
       RunPass(files, {.jobs = options.files.jobs, .mayCut = options.filter.every == 1}, pass);
   if (pass.GetSeries().GetRecordCount() == 0) return result;
-  const std::string svg = DrawChart(ToChart(pass.GetSeries(), TitleOf(files)));
+  const std::string svg = DrawRecords(pass.GetSeries(), TitleOf(files));
   OutputC out(options.output.file);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();

@@ -1,4 +1,3 @@
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,9 +9,6 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/gnss/gps_record_file.h>
-#include <surveydata/gnss/record_frame.h>
-
 #include <command_line/message.h>
 #include <command_line/text.h>
 #include <output/output.h>
@@ -20,13 +16,12 @@
 #include <platform/input_file.h>
 #include <record/decoded_record.h>
 #include <record/find_frame.h>
+#include <record/frame_values.h>
 #include <record/patch_frame.h>
 #include <record/record_commands.h>
 
 namespace Tool {
 namespace {
-
-constexpr double kHighestAntenna = 1000.0;  // metres
 
 constexpr const char* kDescription =
     "Change the name, the number or the antenna height of one measurement frame.\n"
@@ -49,24 +44,6 @@ struct Options {
   bool isDryRun = false;
 };
 
-std::u16string ParseName(const std::string& utf8) {
-  const auto refuse = [](const std::string& why) { return ValueErrorC(why); };
-  const auto units = ToSingleUnits(utf8);
-  if (!units) {
-    throw refuse("is not UTF-8, or has a character beyond U+FFFF, which a frame cannot hold");
-  }
-  if (HasControl(*units)) throw refuse("has a control character, which a name must not have");
-  if (units->size() > SDI::RecordFrame::kNameUnits) {
-    throw refuse(fmt::format("has {} characters; a frame holds {}", units->size(),
-                             SDI::RecordFrame::kNameUnits));
-  }
-  constexpr std::size_t kBytes = sizeof(SDI::GPSRecordFileInfo::name);
-  if (utf8.size() > kBytes) {
-    throw refuse(fmt::format("needs {} bytes of UTF-8; {} are read back", utf8.size(), kBytes));
-  }
-  return *units;
-}
-
 std::int32_t ParseNumber(const std::string& text) {
   const auto number = ToNumber<std::int32_t>(text);
   if (!number) throw ValueErrorC("is not a decimal number of 32 bits");
@@ -76,11 +53,7 @@ std::int32_t ParseNumber(const std::string& text) {
 float ParseHeight(const std::string& text) {
   const auto number = ToNumber<double>(text);
   if (!number) throw ValueErrorC("is not a decimal number");
-  const double metres = *number;
-  if (!(0.0 <= metres && metres <= kHighestAntenna) || std::signbit(metres)) {
-    throw ValueErrorC(fmt::format("must be from 0 to {} metres", kHighestAntenna));
-  }
-  return static_cast<float>(metres);
+  return ToAntennaHeight(*number);
 }
 
 // One line per changed byte; the first of a field tells its new value.
@@ -159,7 +132,7 @@ Command RecordSetCommand() {
       {.names = {"--name"},
        .value = "TEXT",
        .description = "The point name: up to 17 characters, UTF-8",
-       .take = [options](const std::string& name) { options->changes.name = ParseName(name); }},
+       .take = [options](const std::string& name) { options->changes.name = ToFrameName(name); }},
       {.names = {"--number"},
        .value = "N",
        .description = "The number beside the name",

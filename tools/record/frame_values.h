@@ -1,0 +1,19 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_FRAME_VALUES_H_
+#define SURVEYDATA_TOOLS_RECORD_FRAME_VALUES_H_
+
+#include <string>
+
+/// \file
+/// What a caller may write into a frame. Throws `ValueErrorC` with the reason for anything else.
+
+namespace Tool {
+
+/// A name for people: at most 17 units, without control characters.
+std::u16string ToFrameName(const std::string& utf8);
+
+/// 0 to 1000 metres.
+float ToAntennaHeight(double metres);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_FRAME_VALUES_H_
