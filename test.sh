@@ -21,6 +21,7 @@ usage: ./test.sh [PART]
   --valgrind      run a selection of the tests under valgrind
   --page          build the page for the browser and test it in Chromium
   --python        build, install and test the Python package, in build/python
+  --python-asan   test the extension module of the package with sanitizers, in build/python/asan
   --engines       test the Python package with the engines for archives, in build/engines;
                   --engines --measure takes the figures of docs/scale.md instead
 END
@@ -114,6 +115,10 @@ case "$part" in
   --engines)
     install_dependencies "${build_packages[@]}" "${python_packages[@]}" "${engine_packages[@]}"
     python/test_engines.sh "${@:2}"
+    ;;
+  --python-asan)
+    install_dependencies "${build_packages[@]}" "${python_packages[@]}"
+    python/test_sanitized.sh
     ;;
   --page)
     install_dependencies "${build_packages[@]}" "${test_packages[@]}" "${page_packages[@]}"

@@ -3,21 +3,8 @@
 # Linux systems), installs it and checks it. Everything is in build/python.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-out=$PWD/build/python
+. python/environment.sh
 rm -rf "$out/dist" "$out/wheelhouse" "$out/clean"
-mkdir -p "$out"
-
-step() { printf '\n== %s\n' "$*"; }
-
-step "environment of the lock file"
-if ! cmp -s python/requirements-test.txt "$out/venv/requirements-test.txt"; then
-  rm -rf "$out/venv"
-  python3 -m venv "$out/venv"
-  "$out/venv/bin/pip" install --disable-pip-version-check -q --require-hashes --only-binary :all: \
-    -r python/requirements-test.txt
-  cp python/requirements-test.txt "$out/venv"
-fi
-export PATH="$out/venv/bin:$PATH"
 
 step "source distribution, and the wheel that it builds in a folder of its own"
 # From what git has alone: a checkout in use holds gigabytes of builds.
@@ -40,9 +27,16 @@ step "layout, types, stubs"
 ruff format --check python
 ruff check python
 (cd "$out" && mypy --config-file ../../pyproject.toml -p surveydata)
-(cd "$out" && mypy --config-file ../../pyproject.toml ../../python/tests/smoke.py)
+(cd "$out" && mypy --config-file ../../pyproject.toml ../../python/tests/smoke.py \
+  ../../python/examples/*.py ../../python/benchmarks/*.py)
 (cd "$out" && python -m mypy.stubtest --mypy-config-file ../../pyproject.toml \
   --ignore-disjoint-bases --allowlist ../../python/stubtest_allowlist.txt surveydata._core)
+
+step "wheels of a release"
+# The settings are read; building those wheels needs the network.
+wheels=$(cibuildwheel --print-build-identifiers --platform linux "$out/source")
+[ "$wheels" = $'cp311-manylinux_x86_64\ncp312-manylinux_x86_64' ] ||
+  { echo "other wheels than those for 3.11 and for 3.12 and later: $wheels"; exit 1; }
 
 step "tests"
 # The package that is tested is the installed one: its sources are not on the path.

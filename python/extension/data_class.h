@@ -162,13 +162,23 @@ Property<Record, Get, Set> MakeConstant(const char* name, Get get, Set set,
   return {name, get, set, description, 0, false};
 }
 
+/// \name The types of what pickles hold
+/// @{
+inline constexpr const char* kGetState = "def __getstate__(self) -> tuple[object, ...]";
+inline constexpr const char* kSetState =
+    "def __setstate__(self, state: tuple[object, ...]) -> None";
+/// @}
+
 /// What classes have that change: copies, the library's equality where there is one, and no hash.
 template <class Record>
 void BindCopies(nanobind::class_<Record>& cls) {
   namespace nb = nanobind;
   cls.def("__copy__", [](const Record& self) { return new Record(self); });
   cls.def(
-      "__deepcopy__", [](const Record& self, const nb::dict&) { return new Record(self); },
+      "__deepcopy__",
+      [](const Record& self, const nb::typed<nb::dict, int, nb::object>&) {
+        return new Record(self);
+      },
       nb::arg("memo"));
   constexpr const char* kEqual = "def __eq__(self, other: object, /) -> bool";
   if constexpr (requires(const Record& record) { record.IsEqual(record); }) {
@@ -245,7 +255,7 @@ nanobind::class_<Record> BindDataClass(nanobind::module_& module, const char* na
         (properties.Restore(record, state[i++]), ...);
         new (self) Record(record);
       },
-      nb::arg("state"));
+      nb::arg("state"), nb::sig(kSetState));
   BindCopies(cls);
   return cls;
 }

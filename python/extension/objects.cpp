@@ -462,11 +462,13 @@ void AddMeasurements(nb::module_& module) {
              return "<GPSMeasData at " + std::to_string(at.timeOfWeek) + " ms of GPS week " +
                     std::to_string(at.week) + ">";
            })
-      .def("__getstate__",
-           [](const M& self) {
-             return nb::make_tuple(ToBytes(self.Frame()), self.HeldAntennaHeight(),
-                                   self.GetValues());
-           })
+      .def(
+          "__getstate__",
+          [](const M& self) {
+            return nb::make_tuple(ToBytes(self.Frame()), self.HeldAntennaHeight(),
+                                  self.GetValues());
+          },
+          nb::sig(kGetState))
       .def(
           "__setstate__",
           [](M* self, const nb::tuple& state) {
@@ -482,7 +484,7 @@ void AddMeasurements(nb::module_& module) {
             }
             new (self) M(made);
           },
-          "state"_a);
+          "state"_a, nb::sig(kSetState));
   BindCopies(cls);
 }
 

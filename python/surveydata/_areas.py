@@ -341,12 +341,13 @@ class Area:
         columns = math.floor(width / hz_step + most) + 1
         if width >= 2 * math.pi - most:
             columns = max(1, math.ceil(2 * math.pi / hz_step - most))
-        v = v_min + v_step * np.arange(math.floor((v_max - v_min) / v_step + most) + 1)
+        rows = math.floor((v_max - v_min) / v_step + most) + 1
+        v = np.minimum(v_min + v_step * np.arange(rows, dtype=np.float64), v_max)
         prepared = self.prepare(many=True)
         scale = _TURN[unit] / (2 * math.pi)
         is_down = True
         for column in range(columns):
-            hz = math.fmod(hz_min + column * hz_step, 2 * math.pi)
+            hz = math.fmod(hz_min + min(column * hz_step, width), 2 * math.pi)
             inside = v[prepared.contains(np.full(v.shape, hz), v, "rad")]
             if inside.size:
                 ordered = inside if is_down else inside[::-1]
