@@ -17,6 +17,6 @@ cp "$out"/asan/python/_core.*.so "$package/surveydata"
 export PYTHONPATH=$package PYTHONMALLOC=malloc ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1
 # The libraries of the tests for tables are not made for sanitizers: those that need them are left out.
 LD_PRELOAD="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libubsan.so)" \
-  python -P -m pytest -q -p no:cacheprovider -o cache_dir= python/tests/test_objects.py \
+  python -P -m pytest -q python/tests/test_objects.py \
   python/tests/test_changes.py python/tests/test_areas.py \
   --deselect python/tests/test_objects.py::test_no_object_outlives_its_last_name "$@"

@@ -244,8 +244,10 @@ nanobind::class_<Record> BindDataClass(nanobind::module_& module, const char* na
   cls.def("__repr__", [name, properties...](const Record& self) {
     return Describe(name, self, properties...);
   });
-  cls.def("__getstate__",
-          [properties...](const Record& self) { return nb::make_tuple(properties.Read(self)...); });
+  cls.def(
+      "__getstate__",
+      [properties...](const Record& self) { return nb::make_tuple(properties.Read(self)...); },
+      nb::sig(kGetState));
   cls.def(
       "__setstate__",
       [properties...](Record* self, const nb::tuple& state) {

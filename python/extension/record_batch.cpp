@@ -148,16 +148,18 @@ std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
   for (std::size_t i = 0; i < buffers.size(); ++i) {
     BatchColumn& column = batch->columns[i];
     column.absent = buffers[i].absent;
-    // What is kept takes no more memory than it needs.
-    if (column.IsLong() || batch->rows < capacity) {
+    // What is kept takes little more memory than it needs: pages at the end of a block that are
+    // never written take none.
+    const bool isMostlyEmpty = batch->rows < capacity / 2;
+    if (column.IsLong() || isMostlyEmpty) {
       column.values = CopyOf(column.values, UsedBytes(column, batch->rows));
     }
-    if (column.IsLong() && batch->rows < capacity) {
+    if (column.IsLong() && isMostlyEmpty) {
       column.offsets = CopyOf(column.offsets, (batch->rows + 1) * sizeof(std::int64_t));
     }
     if (column.absent == 0) {
       column.validity = BlockC();
-    } else if (batch->rows < capacity) {
+    } else if (isMostlyEmpty) {
       column.validity = CopyOf(column.validity, BitBytes(batch->rows));
     }
   }

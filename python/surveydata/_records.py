@@ -28,6 +28,9 @@ Source: TypeAlias = Any
 """A path or URL of a file or of a folder, bytes, a binary file object, or an iterable of these."""
 
 BATCH_ROWS = 65_536
+_LARGEST_BATCH = 1 << 20
+_BYTES_OF_A_ROW = 192
+"""Of a file; only the sizes of batches depend on it."""
 
 
 class ColumnInfo(NamedTuple):
@@ -383,7 +386,12 @@ def read_records(
     for part in _each_source(source, pattern):
         rows = 0
         reader = _open(part, start, end)
-        for table in _batches(reader, part, names, where, BATCH_ROWS):
+        # A table in one batch gives its columns to NumPy without copying them.
+        size = min(reader.size, 2**64 if end is None else end) - (start or 0)
+        batch_rows = min(max(size // _BYTES_OF_A_ROW, BATCH_ROWS), _LARGEST_BATCH)
+        if where is not None or size >= 2**63:  # of a pipe
+            batch_rows = BATCH_ROWS
+        for table in _batches(reader, part, names, where, batch_rows):
             batches.extend(table._batches)
             rows += len(table)
         left_out += reader.left_out
