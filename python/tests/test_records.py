@@ -548,3 +548,48 @@ def test_append_adds_whole_records(data: Path, tmp_path: Path) -> None:
     with pytest.raises(OSError, match="open") as folder:
         sd.append(tmp_path, frames[0])
     assert folder.value.filename == str(tmp_path)
+
+
+# ----- Pictures
+
+
+def test_the_picture_of_a_table_is_the_programs(data: Path) -> None:
+    table = sd.read_records(data / "valley_drive.rec")
+    picture = (data.parents[1] / "docs" / "pictures" / "valley_drive.svg").read_text()
+    assert table.svg() == picture
+    assert table._repr_svg_() == picture
+    few = sd.read_records(data / "valley_drive.rec", sd.PICTURE)
+    assert few.svg() == picture
+    parts = sd.read_records(
+        (data / "valley_drive.rec").read_bytes(), where=lambda rows: rows["offset"] > 0
+    )
+    assert parts.svg("valley_drive.rec") == picture
+
+
+def test_what_cannot_be_drawn(data: Path) -> None:
+    table = sd.read_records(data / "valley_drive.rec", ["hdop"])
+    assert table._repr_svg_() is None
+    with pytest.raises(ValueError, match="needs the column 'gps_week'"):
+        table.svg()
+    empty = sd.read_records(b"")
+    assert empty._repr_svg_() is None
+    with pytest.raises(ValueError, match="no measurement to draw"):
+        empty.svg()
+    several = sd.read_records([data / "valley_drive.rec", data / "desert_highway.rec"])
+    assert "2 sources" in several.svg()
+
+
+def test_the_size_of_batches_does_not_change_a_table(data: Path) -> None:
+    content = (data / "valley_drive.rec").read_bytes()
+    table = sd.read_records(content * 300)  # in one batch
+    assert len(table._batches) == 1
+    assert len(table) == 300 * 414
+    values, _ = table.column("pdop")
+    assert values.base is not None
+    one, valid = sd.read_records(content).column("pdop")
+    assert values.tolist() == one.tolist() * 300
+    _, all_valid = table.column("pdop")
+    assert valid is not None
+    assert all_valid is not None
+    assert all_valid.tolist() == valid.tolist() * 300
+    pa.table(table).validate(full=True)
