@@ -163,7 +163,7 @@ class RecordTable:
             return numbers[: batch.rows]
         if kind == "bool":
             return _bits(values, batch.rows)
-        ends = batch.offsets(at).view(np.int64).tolist()
+        ends = batch.offsets(at).view(np.int64)[: batch.rows + 1].tolist()
         objects = np.empty(batch.rows, np.object_)
         valid = [True] * batch.rows
         if batch.absent(at):
