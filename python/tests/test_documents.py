@@ -26,7 +26,7 @@ def workplace(data: Path, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> Pa
 
 
 # Blocks that need a server, or what `./test.sh --engines` installs.
-ELSEWHERE = ("s3://", "archive_parquet", "surveydata.dask", "pyspark")
+ELSEWHERE = ("s3://", "archive_parquet", "surveydata.dask", "surveydata.spark")
 
 
 def blocks(document: Path) -> list[str]:
