@@ -394,11 +394,12 @@ void AddAreas(nb::module_& module) {
             const AngleUnit wanted = ToUnit(unit);
             SDI::ScanDefPointC low;
             SDI::ScanDefPointC high;
+            const std::optional<Tool::AreaBounds> bounds = Tool::MeasureBounds(self.File());
             if (!self.Area().GetBoundingPoints(low, high, true)) return {};
             return std::tuple(
                 Tool::FromRadians(low.GetHz(), wanted), Tool::FromRadians(high.GetHz(), wanted),
                 Tool::FromRadians(low.GetV(), wanted), Tool::FromRadians(high.GetV(), wanted),
-                Tool::MeasureBounds(self.File())->enclosesZenith);
+                bounds && bounds->enclosesZenith);
           },
           "unit"_a)
       .def(
