@@ -366,10 +366,10 @@ def test_schema_has_units_and_meanings(data: Path) -> None:
     schema = pa.table(sd.read_records(data / "valley_drive.rec")).schema
     for info in sd.columns():
         field = schema.field(info.name)
-        assert field.metadata == {
-            b"unit": info.unit.encode(),
-            b"description": info.description.encode(),
-        }
+        metadata = dict(field.metadata)
+        assert metadata.pop(b"description") == info.description.encode()
+        assert metadata.pop(b"unit", b"") == info.unit.encode()
+        assert (b"leap_seconds" in metadata) == info.name.endswith("_utc")
         assert field.nullable == info.can_be_absent
         kind = {"text": "large_string", "list of uint16": "large_list<item: uint16 not null>"}
         assert str(field.type).replace("float", "float") in (
@@ -377,6 +377,7 @@ def test_schema_has_units_and_meanings(data: Path) -> None:
             {"float32": "float", "float64": "double"}.get(info.type, ""),
         )
     assert schema.field("antenna_height").metadata[b"unit"] == b"m"
+    assert b"leap_seconds_expire" in schema.metadata
 
 
 def test_arrays_outlive_their_table(data: Path) -> None:
