@@ -15,6 +15,7 @@
 #include <surveydata/gnss/gps_record_reader.h>
 #include <surveydata/gnss/gps_record_writer.h>
 #include <surveydata/gnss/record_change.h>
+#include <surveydata/gnss/text_column.h>
 
 using SDI::CInterface::Guarded;
 using SDI::CInterface::HasKnownSize;
@@ -58,8 +59,6 @@ const char* UnitOf(Field field) {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xD800; }
-bool IsLowSurrogate(char32_t unit) { return (unit & 0xFC00) == 0xDC00; }
 bool IsControl(char32_t c) { return c < 0x20 || (0x7F <= c && c < 0xA0); }
 
 // Writes the value of a field for people.
@@ -67,30 +66,10 @@ class ValueWriterC {
  public:
   explicit ValueWriterC(std::span<char> to) : at_(to.data()), end_(at_ + to.size()) {}
 
-  void Append(char32_t c) {
-    if (c < 0x80) return Put(c);
-    if (c < 0x800) {
-      Put(0xC0 | c >> 6);
-    } else {
-      if (c < 0x10000) {
-        Put(0xE0 | c >> 12);
-      } else {
-        Put(0xF0 | c >> 18);
-        PutTail(c >> 12);
-      }
-      PutTail(c >> 6);
-    }
-    PutTail(c);
-  }
   void Append(std::u16string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      char32_t c = text[i];
-      if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-        c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FFu);
-      } else if (IsHighSurrogate(c) || IsLowSurrogate(c) || IsControl(c)) {
-        c = kReplacement;
-      }
-      Append(c);
+    for (std::size_t i = 0; i < text.size() && end_ - at_ >= 4;) {
+      const char32_t c = SDI::TextColumn::TakeCharacter(text.data(), text.size(), i);
+      at_ = SDI::TextColumn::PutCharacter(IsControl(c) ? kReplacement : c, at_);
     }
   }
   void AppendBits(std::uint16_t bits) {
@@ -112,7 +91,6 @@ class ValueWriterC {
   }
 
  private:
-  void PutTail(char32_t c) { Put(0x80 | (c & 0x3F)); }
   void Put(char32_t byte) {
     if (at_ != end_) *at_++ = static_cast<char>(byte);
   }

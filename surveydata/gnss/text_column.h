@@ -14,6 +14,41 @@
 
 namespace SDI::TextColumn {
 
+/// Returns the character that begins at unit `i`, and moves `i` after it. A surrogate pair is one
+/// character, an unpaired surrogate U+FFFD.
+inline char32_t TakeCharacter(const char16_t* units, std::size_t capacity, std::size_t& i) {
+  const auto isHigh = [](char16_t unit) { return (unit & 0xFC00) == 0xD800; };
+  const auto isLow = [](char16_t unit) { return (unit & 0xFC00) == 0xDC00; };
+  const char16_t unit = units[i++];
+  if (isHigh(unit) && i < capacity && isLow(units[i])) {
+    return 0x10000 + ((unit & 0x3FFU) << 10) + (units[i++] & 0x3FFU);
+  }
+  return isHigh(unit) || isLow(unit) ? char32_t{0xFFFD} : char32_t{unit};
+}
+
+/// Writes `c` as UTF-8, at most four bytes, and returns their end.
+inline char* PutCharacter(char32_t c, char* to) {
+  const auto put = [&](char32_t byte) { *to++ = static_cast<char>(byte); };
+  const auto putTail = [&](unsigned shift) { put(0x80 | (c >> shift & 0x3F)); };
+  if (c < 0x80) {
+    put(c);
+    return to;
+  }
+  if (c < 0x800) {
+    put(0xC0 | c >> 6);
+  } else {
+    if (c < 0x10000) {
+      put(0xE0 | c >> 12);
+    } else {
+      put(0xF0 | c >> 18);
+      putTail(12);
+    }
+    putTail(6);
+  }
+  putTail(0);
+  return to;
+}
+
 /// Writes the rest of a text, from unit `i` on, for any characters. The parameters and the result
 /// are those of `Write`.
 std::size_t WriteRest(const char16_t* units, std::size_t i, std::size_t capacity, char* to);
