@@ -16,8 +16,20 @@ using Offset = std::int64_t;
 
 inline constexpr std::uint64_t kMaxOffset = std::numeric_limits<Offset>::max();
 
+/// Opens a file for reading. Null on failure, and for a folder, with the reason in `errno`.
+std::FILE* OpenToRead(const char* fileName);
+
+/// A file that is open for appending: the system puts every write at its current end.
+struct Appended {
+  std::FILE* file = nullptr;  ///< Null on failure, with the reason in `errno`.
+  bool isNew = false;         ///< Whether opening has created it.
+};
+Appended OpenToAppend(const char* fileName);
+
 /// Positions the file at `offset`, which is at most `kMaxOffset`.
 bool Seek(std::FILE* file, std::uint64_t offset);
+/// Whether `Seek` has just failed because no file of the system reaches that far, from `errno`.
+bool IsBeyondAnyFile();
 /// Positions the file at its end. False for a pipe.
 bool SeekToEnd(std::FILE* file);
 /// The position; negative on failure.

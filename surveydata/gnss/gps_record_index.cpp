@@ -1,5 +1,6 @@
 #include <memory>
 
+#include <surveydata/gnss/file_access.h>
 #include <surveydata/gnss/gps_record_index.h>
 #include <surveydata/gnss/record_walk.h>
 
@@ -19,7 +20,7 @@ GPSRecordIndexC::GPSRecordIndexC(const char* fileName) {
   auto source = std::make_unique<RecordWalk::FileSourceC>();
   RecordWalk::FileSourceC& file = *source;
   window_.reset(new Window{.walk = RecordWalk::WalkC(std::move(source))});
-  if (fileName != nullptr) file_ = std::fopen(fileName, "rb");
+  if (fileName != nullptr) file_ = FileAccess::OpenToRead(fileName);
   if (file_ == nullptr) return;
   file.Open(file_);
   fileSize_ = file.GetSize();

@@ -44,15 +44,18 @@ std::span<const std::uint8_t> GPSRecordC::GetBytes() const { return data_->bytes
 
 struct GPSRecordReaderC::State {
   State(std::unique_ptr<RecordWalk::SourceI> from, const GPSRecordStretch& part)
-      : walk(std::move(from)), stretch(part) {}
+      : walk(std::move(from)), stretch(part), lookBack(MakeLookBack(part)) {}
   State(std::span<const std::uint8_t> all, const GPSRecordStretch& part)
-      : walk(all), stretch(part), size(all.size()) {}
+      : walk(all), stretch(part), lookBack(MakeLookBack(part)), size(all.size()) {}
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State() {
     if (file != nullptr) std::fclose(file);
   }
 
+  static std::unique_ptr<RecordWalk::LookBackC> MakeLookBack(const GPSRecordStretch& part) {
+    return part.IsWhole() ? nullptr : std::make_unique<RecordWalk::LookBackC>();
+  }
   bool GoToBegin();
   std::size_t FindRecord();
   void Leave();
@@ -62,6 +65,7 @@ struct GPSRecordReaderC::State {
   RecordWalk::WalkC walk;
   RecordWalk::DamageFinderC damage;
   GPSRecordStretch stretch;
+  std::unique_ptr<RecordWalk::LookBackC> lookBack;  // null for the whole
   std::uint64_t size = 0;
   std::FILE* file = nullptr;  // opened here
   GPSReaderState state = GPSReaderState::kOpen;
@@ -78,9 +82,12 @@ struct GPSRecordReaderC::State {
 bool GPSRecordReaderC::State::GoToBegin() {
   if (hasBegun) return true;
   if (state != GPSReaderState::kOpen) return false;
-  if (!stretch.IsWhole() && !walk.GoTo(stretch.begin, stretch.end)) {
-    state = GPSReaderState::kNoStretches;
-    return false;
+  if (lookBack != nullptr) {
+    if (!walk.CanGoTo()) {
+      state = GPSReaderState::kNoStretches;
+      return false;
+    }
+    walk.GoTo(stretch.begin, stretch.end, *lookBack);
   }
   walk.SetDamage(damage.IsOn() ? &damage : nullptr);  // only now: not while looking back
   next = walk.GetOffset();
@@ -134,7 +141,7 @@ GPSRecordReaderC::GPSRecordReaderC(const char* fileName, GPSRecordStretch stretc
     state_->state = GPSReaderState::kNoSuchFile;
     return;
   }
-  state_->file = std::fopen(fileName, "rb");
+  state_->file = FileAccess::OpenToRead(fileName);
   if (state_->file == nullptr) {
     state_->state = StateOf(FileAccess::GetOpenFailure());
     return;

@@ -16,35 +16,37 @@ void FileSourceC::Open(std::FILE* file) {
   if (size > 0) size_ = static_cast<std::uint64_t>(size);
 }
 
-std::size_t FileSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to) {
-  if (file_ == nullptr) return 0;
+void FileSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& count) {
+  count = 0;
+  if (file_ == nullptr) return;
+  // Systems refuse to read bytes beyond the largest offset.
+  if (offset >= FileAccess::kMaxOffset) return;
+  const std::uint64_t most = FileAccess::kMaxOffset - offset;
+  to = to.first(static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), most)));
   if (canSeek_ && position_ != offset) {
-    if (offset > FileAccess::kMaxOffset) return 0;
     if (!FileAccess::Seek(file_, offset)) {
-      Fail();
-      return 0;
+      if (!FileAccess::IsBeyondAnyFile()) Fail();
+      return;
     }
   }
-  const std::size_t count = std::fread(to.data(), 1, to.size(), file_);
+  count = std::fread(to.data(), 1, to.size(), file_);
   if (count < to.size() && std::ferror(file_) != 0) Fail();
   position_ = offset + count;
-  return count;
 }
 
-std::size_t CallbackSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to) {
-  if (offset >= size_) return 0;
+void CallbackSourceC::Read(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& count) {
+  count = 0;
+  if (offset >= size_) return;
   to = to.first(static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size_ - offset)));
-  std::size_t done = 0;
-  while (done < to.size()) {
-    const std::ptrdiff_t count = readAt_(offset + done, to.subspan(done));
-    if (count == 0) break;
-    if (count < 0 || static_cast<std::size_t>(count) > to.size() - done) {
+  while (count < to.size()) {
+    const std::ptrdiff_t got = readAt_(offset + count, to.subspan(count));
+    if (got == 0) break;
+    if (got < 0 || static_cast<std::size_t>(got) > to.size() - count) {
       Fail();
       break;
     }
-    done += static_cast<std::size_t>(count);
+    count += static_cast<std::size_t>(got);
   }
-  return done;
 }
 
 }  // namespace SDI::RecordWalk

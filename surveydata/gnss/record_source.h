@@ -23,10 +23,11 @@ class SourceI {
   SourceI& operator=(const SourceI&) = delete;
   virtual ~SourceI() = default;
 
-  /// Reads the bytes from `offset` on into `to`. Returns fewer bytes than requested if the source
-  /// ends there or reading failed. If the source cannot seek, `offset` must be that of the next
-  /// byte.
-  virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> to) = 0;
+  /// Reads the bytes from `offset` on into `to` and sets `count` to their number, also if it
+  /// throws: these bytes need not be read again. Reads fewer bytes than requested if the source
+  /// ends there, reading failed, or it throws. If the source cannot seek, `offset` must be that of
+  /// the next byte.
+  virtual void Read(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& count) = 0;
 
   virtual bool CanSeek() const = 0;
   /// 0 if unknown.
@@ -50,7 +51,7 @@ class FileSourceC final : public SourceI {
   /// Reads `stream` from its position, without seeking.
   void ReadOn(std::FILE* stream) { file_ = stream; }
 
-  std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> to) override;
+  void Read(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& count) override;
   bool CanSeek() const override { return canSeek_; }
   std::uint64_t GetSize() const override { return size_; }
 
@@ -71,7 +72,7 @@ class CallbackSourceC final : public SourceI {
 
   CallbackSourceC(ReadAt readAt, std::uint64_t size) : readAt_(std::move(readAt)), size_(size) {}
 
-  std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> to) override;
+  void Read(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& count) override;
   bool CanSeek() const override { return true; }
   std::uint64_t GetSize() const override { return size_; }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <bitset>
 #include <cstring>
 #include <utility>
 
@@ -27,7 +26,13 @@ bool WindowC::Fetch(std::size_t count) {
   const std::uint64_t wanted =
       std::max<std::uint64_t>({reach_ > at ? reach_ - at : 0, count - left, kLeast});
   const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, kCapacity - left));
-  const std::size_t got = source_->Read(at, {&buffer_[left], size});
+  std::size_t got = 0;
+  try {
+    source_->Read(at, {&buffer_[left], size}, got);
+  } catch (...) {
+    end_ += got;  // it goes on there
+    throw;
+  }
   end_ += got;
   isAtEnd_ = got < size;
   return GetLeft() >= count;
@@ -154,63 +159,85 @@ void WalkC::ReportProgress() {
   progress_(window_.GetOffset());
 }
 
-bool WalkC::GoTo(std::uint64_t begin, std::uint64_t end) {
-  if (window_.GetSource() != nullptr && !window_.GetSource()->CanSeek()) return false;
-  // Consecutive positions of the walk are at most the longest record apart, so every run of that
-  // many bytes contains one.
-  for (std::uint64_t back = 2 * kLongestRecord;; back *= 2) {
-    const std::uint64_t first = back < begin ? begin - back : 0;
-    window_.GoTo(first, end);
-    if (progress_ != nullptr) progressAt_ = first + kProgress;
-    sums_.Clear();
-    inVain_ = kNoLimit;  // records of walks that began at different positions overlap
-    if (first == 0 || MeetOne(first, begin)) break;
-  }
-  start_ = window_.GetOffset();
-  inVain_ = 0;
-  while (const std::size_t size = FindRecord(begin)) Pass(size);
-  return true;
+bool WalkC::CanGoTo() const {
+  return window_.GetSource() == nullptr || window_.GetSource()->CanSeek();
 }
 
-// Follows the walks from every position of the first run from `first` on. When they have met in one
-// position, the walk from the start of the source visits it, too, and the front is moved to it.
-// False if several positions are left at `begin`.
-bool WalkC::MeetOne(std::uint64_t first, std::uint64_t begin) {
-  // The next positions of the walks, none more than one step ahead.
-  constexpr std::size_t kRing = std::size_t{1} << 17;
-  static_assert(kRing > kLongestRecord);
-  std::bitset<kRing> ahead;
-  std::size_t count = 0;
-  for (std::uint64_t at = first;; ++at) {
-    const bool isInRun = at - first < kLongestRecord;
-    if (!isInRun && count > 1 && at >= begin) return false;
-    const auto place = static_cast<std::size_t>(at % kRing);
-    const bool isAhead = ahead[place];
-    if (!isInRun && count == 1 && isAhead) return true;
+void WalkC::GoTo(std::uint64_t begin, std::uint64_t end, LookBackC& lookBack) {
+  // Consecutive positions of the walk are at most the longest record apart, so every run of that
+  // many bytes contains one.
+  while (!lookBack.hasMet_) {
+    if (!lookBack.hasBegun_) {
+      const std::uint64_t first = lookBack.back_ < begin ? begin - lookBack.back_ : 0;
+      window_.GoTo(first, end);
+      if (progress_ != nullptr) progressAt_ = first + kProgress;
+      sums_.Clear();
+      inVain_ = kNoLimit;  // records of walks that began at different positions overlap
+      lookBack.Begin(first);
+    }
+    if (lookBack.first_ == 0 || MeetOne(begin, lookBack)) {
+      lookBack.hasMet_ = true;
+      start_ = window_.GetOffset();
+      inVain_ = 0;
+    } else {
+      lookBack.GoFurtherBack();
+    }
+  }
+  while (const std::size_t size = FindRecord(begin)) Pass(size);
+}
+
+// Follows the walks from every position of the first run. When they have met in one position, the
+// walk from the start of the source visits it, too, and the front is moved to it. False if several
+// positions are left at `begin`.
+bool WalkC::MeetOne(std::uint64_t begin, LookBackC& lookBack) {
+  for (;; window_.Advance(1)) {
+    const std::uint64_t at = window_.GetOffset();
+    const bool isInRun = at - lookBack.first_ < kLongestRecord;
+    if (!isInRun && lookBack.count_ > 1 && at >= begin) return false;
+    const bool isAhead = lookBack.IsAhead(at);
+    if (!isInRun && lookBack.count_ == 1 && isAhead) return true;
     if (at >= progressAt_) ReportProgress();
     if (!window_.Need(1)) {  // all walks meet at the end
       isLost_ = HasFailed();
       return true;
     }
-    if (isAhead) {
-      ahead[place] = false;
-      --count;
+    if (!isInRun && !isAhead) continue;
+    const bool isCandidate = *window_.GetFront() == RecordFrame::kFirstByte;
+    const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
+    if (IsUnknown()) {
+      isLost_ = true;
+      return true;
     }
-    if (isInRun || isAhead) {
-      const bool isCandidate = *window_.GetFront() == RecordFrame::kFirstByte;
-      const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
-      if (IsUnknown()) {
-        isLost_ = true;
-        return true;
-      }
-      const auto next = static_cast<std::size_t>((at + step) % kRing);
-      if (!ahead[next]) {
-        ahead[next] = true;
-        ++count;
-      }
-    }
-    window_.Advance(1);
+    // After everything that reads, because reading may throw.
+    lookBack.Step(at, at + step);
   }
+}
+
+LookBackC::LookBackC() : back_(2 * kLongestRecord) {}
+
+void LookBackC::Begin(std::uint64_t first) {
+  first_ = first;
+  ahead_.reset();
+  count_ = 0;
+  hasBegun_ = true;
+}
+
+void LookBackC::GoFurtherBack() {
+  back_ *= 2;
+  hasBegun_ = false;
+}
+
+bool LookBackC::IsAhead(std::uint64_t position) const {
+  return ahead_[static_cast<std::size_t>(position % kRing)];
+}
+
+void LookBackC::Step(std::uint64_t from, std::uint64_t to) {
+  const auto old = static_cast<std::size_t>(from % kRing);
+  if (ahead_[old]) --count_;
+  ahead_[old] = false;
+  const auto next = static_cast<std::size_t>(to % kRing);
+  if (!ahead_[next]) ++count_;
+  ahead_[next] = true;
 }
 
 // The size of the record at the front, 0 if there is none.

@@ -2,6 +2,7 @@
 #define SURVEYDATA_GNSS_RECORD_WALK_H_
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -90,6 +91,33 @@ class ByteSumsC {
   std::array<std::uint16_t, kRing> before_ = {};
 };
 
+/// The progress of `WalkC::GoTo`, which continues there after an exception, so that a source that
+/// throws often is still read to its end.
+class LookBackC {
+ public:
+  LookBackC();
+
+ private:
+  friend class WalkC;
+
+  // The next positions of the walks, none more than one step ahead.
+  static constexpr std::size_t kRing = std::size_t{1} << 17;
+  static_assert(kRing > kLongestRecord);
+
+  void Begin(std::uint64_t first);
+  void GoFurtherBack();
+  bool IsAhead(std::uint64_t position) const;
+  // Moves a walk from a position to its next one.
+  void Step(std::uint64_t from, std::uint64_t to);
+
+  std::uint64_t back_;
+  std::uint64_t first_ = 0;
+  bool hasBegun_ = false;
+  bool hasMet_ = false;
+  std::size_t count_ = 0;
+  std::bitset<kRing> ahead_;
+};
+
 /// Walks records from front to back: a record is where the magic, a length of at least 5 and a
 /// correct checksum are; the walk continues after it. Elsewhere it advances by one byte.
 ///
@@ -115,12 +143,14 @@ class WalkC {
   /// Moves the front to the end of the record there.
   void Pass(std::size_t size) { window_.Advance(size); }
 
+  /// Whether the source can seek, which `GoTo` needs.
+  bool CanGoTo() const;
   /// Moves the front to the first position at or after `begin` that the walk from the start of the
-  /// source visits, and reads no further than `end` unless a record needs it. False if the source
-  /// cannot seek.
+  /// source visits, and reads no further than `end` unless a record needs it. `lookBack` is new, or
+  /// that of a call that an exception ended, which is continued.
   ///
   /// \cost see `GPSRecordReaderC`.
-  bool GoTo(std::uint64_t begin, std::uint64_t end);
+  void GoTo(std::uint64_t begin, std::uint64_t end, LookBackC& lookBack);
 
   /// Passes the headers of frames in the gaps that `FindRecord` walks to `damage`, which must
   /// outlive this object.
@@ -144,7 +174,7 @@ class WalkC {
   void TakeDamage();
   void PassRecord();
   void PassEnd();
-  bool MeetOne(std::uint64_t first, std::uint64_t begin);
+  bool MeetOne(std::uint64_t begin, LookBackC& lookBack);
   std::size_t ToNextCandidate() const;
 
   WindowC window_;

@@ -128,6 +128,27 @@ static void test_changing_kinds(void) {
   surveydata_reader_close(reader);
 }
 
+/* Headers that were found together with one that was wanted, but are not wanted any more. */
+static void test_headers_that_are_not_wanted_any_more(void) {
+  uint8_t bytes[4 * 20];
+  surveydata_entry entry = new_entry();
+  surveydata_reader* reader;
+  unsigned i;
+  for (i = 0; i < 4; ++i) {
+    make_frame(bytes + i * 20, 20);
+    if (i < 3) bytes[i * 20 + 19] ^= 1;
+  }
+  reader = open_bytes(bytes, sizeof(bytes));
+  CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_OK);
+  CHECK(entry.kind == SURVEYDATA_DAMAGED_HEADER && entry.offset == 0);
+  CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_GAP, &entry), SURVEYDATA_OK);
+  CHECK(entry.kind == SURVEYDATA_GAP && entry.offset == 0 && entry.size == 60);
+  CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_OK);
+  CHECK(entry.kind == SURVEYDATA_MEASUREMENT && entry.offset == 60);
+  CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
+  surveydata_reader_close(reader);
+}
+
 /* More damaged headers in one gap than a reader holds. */
 static void test_many_damaged_headers(void) {
   enum { COUNT = 2000, SIZE = 20 };
@@ -415,6 +436,51 @@ static void test_sources_that_cancel(void) {
   surveydata_reader_close(reader);
 }
 
+/* A source that cancels several times in each block is read to its end. */
+static int64_t read_and_cancel(void* context, uint64_t offset, uint8_t* to, size_t count) {
+  bytes_source* const source = context;
+  if (source->calls % 2 != 0) {
+    ++source->calls;
+    return SURVEYDATA_READ_CANCELLED;
+  }
+  return read_bytes(source, offset, to, count);
+}
+
+static void test_sources_that_cancel_often(void) {
+  enum { COUNT = 2000, SIZE = 300, MOST = 1000 };
+  uint8_t* const file = malloc(COUNT * SIZE);
+  static const uint64_t begins[] = {0, 400000};
+  size_t i;
+  for (i = 0; i < COUNT; ++i) make_frame(file + i * SIZE, SIZE);
+  for (i = 0; i < 2; ++i) {
+    bytes_source bytes = {file, COUNT * SIZE, MOST, 0, 0, 0, 0, 0};
+    surveydata_source source = make_source(&bytes);
+    surveydata_reader* reader = NULL;
+    surveydata_entry entry = new_entry();
+    uint64_t at = (begins[i] + SIZE - 1) / SIZE * SIZE;
+    int cancelled = 0;
+    surveydata_status status = SURVEYDATA_OK;
+    source.read_at = read_and_cancel;
+    CHECK_STATUS(surveydata_reader_open_source(&source, begins[i], SURVEYDATA_NO_END - 1, &reader),
+                 SURVEYDATA_OK);
+    while (cancelled < 1000) {
+      status = surveydata_reader_next(reader, SURVEYDATA_MEASUREMENT, &entry);
+      if (status == SURVEYDATA_CANCELLED) {
+        ++cancelled;
+        continue;
+      }
+      if (status != SURVEYDATA_OK) break;
+      CHECK(entry.offset == at);
+      at += SIZE;
+    }
+    CHECK_STATUS(status, SURVEYDATA_END);
+    CHECK(at == COUNT * SIZE);
+    CHECK(cancelled > 100);
+    surveydata_reader_close(reader);
+  }
+  free(file);
+}
+
 static void test_bad_sources(void) {
   bytes_source bytes = {(const uint8_t*)"", 0, 1, 0, 0, 0, 0, 0};
   surveydata_source source = make_source(&bytes);
@@ -543,6 +609,7 @@ static void test_refused_questions(void) {
 int main(void) {
   test_kinds();
   test_changing_kinds();
+  test_headers_that_are_not_wanted_any_more();
   test_many_damaged_headers();
   test_stretches();
   test_limits_of_stretches();
@@ -551,6 +618,7 @@ int main(void) {
   test_sources();
   test_sources_that_fail();
   test_sources_that_cancel();
+  test_sources_that_cancel_often();
   test_bad_sources();
   test_progress();
   test_refused_questions();

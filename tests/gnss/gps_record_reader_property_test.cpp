@@ -179,6 +179,28 @@ TEST(ReaderStretches, OnlyTheStartTellsTheWalkOfAChain) {
   }
 }
 
+// The chain begins where the first look-back does. The second one comes to it with the sums of the
+// first, of which those of the beginning are written over: they must not be taken for its own.
+TEST(ReaderStretches, ALookBackKnowsNoSumsOfTheOneBefore) {
+  std::mt19937_64 random(20260137);
+  const ByteVector chain =
+      ChainOf(20'000, 10'000, 400'000, random);  // too long to be summed at once
+  for (const std::size_t after : {0U, 1U, 33U, 64U}) {
+    SCOPED_TRACE(after);
+    const std::uint64_t begin = 500'000;
+    ByteVector bytes(begin - 131'074 + after, 0x11);
+    Append(bytes, chain);
+    const Listed whole = Whole(bytes);
+    GPSRecordReaderC reader(bytes, {begin, begin + 30'000});
+    const Listed part = List(reader);
+    const auto first = std::find_if(whole.entries.begin(), whole.entries.end(),
+                                    [&](const auto& entry) { return entry.offset >= begin; });
+    ASSERT_FALSE(part.entries.empty());
+    ASSERT_NE(first, whole.entries.end());
+    EXPECT_EQ(part.entries.front(), *first);
+  }
+}
+
 TEST(ReaderStretches, AChainCostsReadingFromItsStart) {
   std::mt19937_64 random(20260133);
   const ByteVector bytes = ChainOf(100, 50, 3'000'000, random);
@@ -244,11 +266,15 @@ TEST(ReaderStretches, CutAtEveryByte) {
 }
 
 TEST(ReaderStretches, EmptyBackwardAndBeyondTheEnd) {
+  constexpr std::uint64_t kFar = std::uint64_t{1} << 63;  // further than systems seek
   const ByteVector bytes = FrameOf(20);
   for (const GPSRecordStretch& stretch :
        {GPSRecordStretch{0, 0}, GPSRecordStretch{5, 5}, GPSRecordStretch{20, 3},
         GPSRecordStretch{1, 27}, GPSRecordStretch{27, 27}, GPSRecordStretch{1'000'000, 2'000'000},
-        GPSRecordStretch{UINT64_MAX - 5, UINT64_MAX}}) {
+        GPSRecordStretch{UINT64_MAX - 5, UINT64_MAX}, GPSRecordStretch{kFar - 1, kFar},
+        GPSRecordStretch{kFar, kFar + 1}, GPSRecordStretch{kFar + 131'074, UINT64_MAX},
+        GPSRecordStretch{kFar / 2, kFar / 2 + 1}, GPSRecordStretch{kFar / 1024, UINT64_MAX - 1}}) {
+    SCOPED_TRACE(stretch.begin);
     GPSRecordReaderC reader(bytes, stretch);
     EXPECT_EQ(List(reader), Listed());
     EXPECT_EQ(reader.GetState(), GPSReaderState::kOpen);
@@ -269,7 +295,9 @@ TEST(ReaderStretches, MeetInLinearTime) {
   for (const auto& [size, step] : {std::pair<std::size_t, std::size_t>{65'537, 700}, {100, 50}}) {
     const ByteVector bytes = ChainOf(size, step, 600'000, random);
     SDI::RecordWalk::WalkC walk(bytes);
-    ASSERT_TRUE(walk.GoTo(500'000, 600'000));
+    ASSERT_TRUE(walk.CanGoTo());
+    SDI::RecordWalk::LookBackC lookBack;
+    walk.GoTo(500'000, 600'000, lookBack);
     // Three look-backs, the last from the start: each adds every byte once, and two blocks per
     // header.
     const std::uint64_t walked = 131'074 + 262'148 + 500'000 + 3 * 65'537;
