@@ -26,6 +26,19 @@ bool AreRecords(std::span<const std::uint8_t> bytes) {
   return true;
 }
 
+// Appends the records to a file that is open for that.
+GPSAppendOutcome Write(std::FILE* file, std::span<const std::uint8_t> records) {
+  // Without a buffer a write has reached the system when it returns, or has failed.
+  const bool canSeek = std::setvbuf(file, nullptr, _IONBF, 0) == 0 && FileAccess::SeekToEnd(file);
+  const FileAccess::Offset size = canSeek ? FileAccess::Tell(file) : -1;
+  if (size < 0) return GPSAppendOutcome::kCannotOpen;
+  if (std::fwrite(records.data(), 1, records.size(), file) == records.size()) {
+    return GPSAppendOutcome::kDone;
+  }
+  return FileAccess::Truncate(file, size) ? GPSAppendOutcome::kWritingFailed
+                                          : GPSAppendOutcome::kLeftOver;
+}
+
 }  // namespace
 
 static_assert(GPSRecordEntry::kLongestMeasurement == RecordFrame::kMaxSize);
@@ -48,24 +61,18 @@ GPSAppendOutcome GPSRecordWriterC::Append(const char* fileName,
                                           std::span<const std::uint8_t> records) {
   if (!AreRecords(records)) return GPSAppendOutcome::kNoRecords;
   if (fileName == nullptr) return GPSAppendOutcome::kNoSuchFile;
-  // In append mode the system puts every write at the current end of the file.
-  std::FILE* const file = std::fopen(fileName, "ab");
+  const auto [file, isNew] = FileAccess::OpenToAppend(fileName);
   if (file == nullptr) return OutcomeOf(FileAccess::GetOpenFailure());
-  // Without a buffer a write has reached the system when it returns, or has failed.
-  const bool canSeek = std::setvbuf(file, nullptr, _IONBF, 0) == 0 && FileAccess::SeekToEnd(file);
-  const FileAccess::Offset size = canSeek ? FileAccess::Tell(file) : -1;
-  if (size < 0) {
-    std::fclose(file);
-    return GPSAppendOutcome::kCannotOpen;
+  GPSAppendOutcome outcome = Write(file, records);
+  // A failure that a network drive reports only now cannot be undone in the file.
+  if (std::fclose(file) != 0 && outcome != GPSAppendOutcome::kCannotOpen) {
+    outcome = GPSAppendOutcome::kLeftOver;
   }
-  GPSAppendOutcome outcome = GPSAppendOutcome::kDone;
-  if (std::fwrite(records.data(), 1, records.size(), file) != records.size()) {
-    outcome = FileAccess::Truncate(file, size) ? GPSAppendOutcome::kWritingFailed
-                                               : GPSAppendOutcome::kLeftOver;
-  }
-  // A failure that a network drive reports only now cannot be undone.
-  if (std::fclose(file) != 0) outcome = GPSAppendOutcome::kLeftOver;
-  return outcome;
+  if (outcome == GPSAppendOutcome::kDone || !isNew) return outcome;
+  // Nothing is left with the new file.
+  const bool isRemoved = std::remove(fileName) == 0;
+  if (outcome == GPSAppendOutcome::kCannotOpen) return outcome;
+  return isRemoved ? GPSAppendOutcome::kWritingFailed : GPSAppendOutcome::kLeftOver;
 }
 
 }  // namespace SDI

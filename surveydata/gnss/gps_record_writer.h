@@ -38,7 +38,7 @@ class SURVEYDATA_API GPSRecordWriterC {
 
   /// Appends `records`, a sequence of whole records of any kind, to a file, which is created if it
   /// does not exist. Existing bytes are never overwritten: if writing fails, the file is truncated
-  /// to its previous size.
+  /// to its previous size, or removed if it is new.
   ///
   /// If the process ends during the call, the file is unchanged or ends with part of the records,
   /// which readers report as a gap. `kDone` means that the system has accepted the bytes, not that

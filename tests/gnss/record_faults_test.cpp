@@ -338,6 +338,32 @@ TEST_F(RecordFaults, AReaderWithoutMemoryLeavesNoFileOpen) {
             2U);
 }
 
+// The figures of the comments, which hold for 64-bit platforms and the standard library of g++.
+TEST_F(RecordFaults, ReadersTakeAsMuchMemoryAsTheySay) {
+  const std::string name = file_.Path().string();
+  const std::span<const std::uint8_t> memory(before_);
+  const auto bytesOf = [](auto make) {
+    const std::size_t before = Faults::AllocatedBytes();
+    make();
+    return Faults::AllocatedBytes() - before;
+  };
+  const SDI::GPSRecordStretch stretch{1, 100};
+  const struct {
+    std::size_t bytes, least, most;
+  } figures[] = {
+      {bytesOf([&] { SDI::GPSRecordReaderC(name.c_str()); }), 265'000, 275'000},
+      {bytesOf([&] { SDI::GPSRecordReaderC{memory}; }), 7'000, 9'500},
+      {bytesOf([&] { SDI::GPSRecordReaderC(name.c_str(), stretch); }), 280'000, 292'000},
+      {bytesOf([&] { SDI::GPSRecordReaderC(memory, stretch); }), 22'000, 26'500},
+      {bytesOf([&] { SDI::GPSRecordIndexC(name.c_str()); }), 265'000, 275'000},
+      {bytesOf([&] { SDI::GPSRecordIndexC{memory}; }), 4'000, 5'500},
+  };
+  for (const auto& [bytes, least, most] : figures) {
+    EXPECT_GE(bytes, least);
+    EXPECT_LE(bytes, most);
+  }
+}
+
 TEST_F(RecordFaults, ReadingRecordsTakesNoMemory) {
   ByteVector bytes;
   while (bytes.size() < 700'000) {
@@ -372,10 +398,12 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
   Faults::FailNoFileCall();
   ASSERT_EQ(append(), kDone);
   const std::vector<std::string> calls = Faults::FileCalls();
-  ASSERT_EQ(calls, (std::vector<std::string>{"fopen", "fseeko", "ftello", "fwrite", "fclose"}));
+  // The first is to make a file.
+  ASSERT_EQ(calls,
+            (std::vector<std::string>{"fopen", "fopen", "fseeko", "ftello", "fwrite", "fclose"}));
   ASSERT_EQ(file_.Bytes(), after);
-  const SDI::GPSAppendOutcome outcomes[] = {kCannotOpen, kCannotOpen, kCannotOpen, kWritingFailed,
-                                            kLeftOver};
+  const SDI::GPSAppendOutcome outcomes[] = {kCannotOpen, kCannotOpen,    kCannotOpen,
+                                            kCannotOpen, kWritingFailed, kLeftOver};
   for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
     for (std::size_t call = 0; call < calls.size(); ++call) {
       SCOPED_TRACE(testing::Message() << "call " << call << ", " << calls[call]
@@ -396,14 +424,48 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
   }
 }
 
+// A file that an append has made goes with it, even where it could not be cut back.
+TEST_F(RecordFaults, AnAppendThatFailsLeavesNoNewFile) {
+  using enum SDI::GPSAppendOutcome;
+  const TestSupport::TempFolderC folder;
+  const std::string name = (folder.Path() / "new.rec").string();
+  const ByteVector records = TestSupport::FrameOf(200, 1);
+  const auto append = [&] { return SDI::GPSRecordWriterC::Append(name.c_str(), records); };
+  Faults::FailNoFileCall();
+  ASSERT_EQ(append(), kDone);
+  const std::vector<std::string> calls = Faults::FileCalls();
+  ASSERT_EQ(calls, (std::vector<std::string>{"fopen", "fseeko", "ftello", "fwrite", "fclose"}));
+  std::filesystem::remove(name);
+  const SDI::GPSAppendOutcome outcomes[] = {kCannotOpen, kCannotOpen, kCannotOpen, kWritingFailed,
+                                            kWritingFailed};
+  for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
+    for (std::size_t call = 0; call < calls.size(); ++call) {
+      // Alone, and with the next one: `ftruncate` after `fwrite`.
+      for (const std::size_t another : {Faults::kNever, call + 1}) {
+        SCOPED_TRACE(testing::Message() << "call " << call << ", " << calls[call]
+                                        << (extent == Extent::kHalf ? ", half done" : ""));
+        Faults::FailFileCall(call, extent, another);
+        EXPECT_EQ(append(), outcomes[call]);
+        EXPECT_GT(Faults::FileCalls().size(), call);
+        Faults::FailNoFileCall();
+        EXPECT_EQ(Faults::OpenFiles(), openFiles_);
+        EXPECT_EQ(Descriptors(), descriptors_);
+        EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+      }
+    }
+  }
+  EXPECT_EQ(append(), kDone);
+  EXPECT_EQ(TestSupport::ReadBytes(name), records);
+}
+
 // The only case in which bytes remain. Even then the previous contents are unchanged.
 TEST_F(RecordFaults, AnAppendThatCannotBeCutBackSaysSo) {
   const ByteVector records = TestSupport::FrameOf(200, 1);
-  Faults::FailFileCall(3, Extent::kHalf, 4);
+  Faults::FailFileCall(4, Extent::kHalf, 5);
   EXPECT_EQ(SDI::GPSRecordWriterC::Append(file_.Path().c_str(), records),
             SDI::GPSAppendOutcome::kLeftOver);
-  EXPECT_EQ(Faults::FileCalls(), (std::vector<std::string>{"fopen", "fseeko", "ftello", "fwrite",
-                                                           "ftruncate", "fclose"}));
+  EXPECT_EQ(Faults::FileCalls(), (std::vector<std::string>{"fopen", "fopen", "fseeko", "ftello",
+                                                           "fwrite", "ftruncate", "fclose"}));
   Faults::FailNoFileCall();
   EXPECT_EQ(Faults::OpenFiles(), openFiles_);
   ByteVector expected = before_;

@@ -22,6 +22,8 @@ inline constexpr std::size_t kNever = SIZE_MAX;
 /// The number of allocations since the start of the program.
 std::size_t Allocations();
 std::size_t Releases();
+/// The bytes of all allocations since the start of the program.
+std::size_t AllocatedBytes();
 
 /// Lets `count` more allocations succeed; `kNever` means all.
 void LimitAllocations(std::size_t count);

@@ -10,11 +10,13 @@ namespace {
 std::size_t g_allocations = 0;
 std::size_t g_releases = 0;
 std::size_t g_left = kNever;
+std::size_t g_bytes = 0;
 
 void* Allocate(std::size_t size) {
   if (g_left == 0) throw std::bad_alloc();
   if (g_left != kNever) --g_left;
   ++g_allocations;
+  g_bytes += size;
   if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
   throw std::bad_alloc();
 }
@@ -29,6 +31,7 @@ void Release(void* block) {
 
 std::size_t Allocations() { return g_allocations; }
 std::size_t Releases() { return g_releases; }
+std::size_t AllocatedBytes() { return g_bytes; }
 void LimitAllocations(std::size_t count) { g_left = count; }
 
 }  // namespace Faults
