@@ -100,7 +100,8 @@ SURVEYDATA_API const char* surveydata_text(int32_t what, uint32_t value);
 // ----- Readers of record files
 
 /// Reads the records of a file, of bytes in memory, or of a callback, once, from front to back. The
-/// source is not changed. A reader takes 1 MB of memory for a source of any size.
+/// source is not changed. A reader takes 0.3 MB of memory for a file or callback, whatever its
+/// size, and 50 KB for bytes in memory.
 typedef struct surveydata_reader surveydata_reader;
 
 /// The end of a stretch that extends to the end of the source.
@@ -134,8 +135,10 @@ typedef struct surveydata_source {
 /// reads 131,074 bytes before `begin`, or more if the bytes were crafted to need that. `*reader` is
 /// set to the reader, or to null on failure.
 ///
+/// A stretch that begins at or after the end of the source is empty, however far away it is.
+///
 /// The source is a file or a named pipe. A pipe can only be read as a whole:
-/// `surveydata_reader_next` refuses any other stretch.
+/// `surveydata_reader_next` refuses any other stretch. A folder cannot be opened.
 /// \return also `SURVEYDATA_NO_SUCH_FILE`, `SURVEYDATA_NO_PERMISSION`, `SURVEYDATA_CANNOT_OPEN`.
 SURVEYDATA_API surveydata_status surveydata_reader_open_file(const char* file_name, uint64_t begin,
                                                              uint64_t end,
@@ -311,8 +314,21 @@ typedef struct surveydata_measurement {
 SURVEYDATA_API surveydata_status surveydata_decode(const uint8_t* frame, size_t size,
                                                    surveydata_measurement* measurement);
 
-/// Creates the shortest frame that decodes to this measurement. A field with a presence bit is left
-/// out if the bit is not set.
+/// Creates the shortest frame that decodes to this measurement.
+///
+/// Left out are fields whose presence bit, or bit of the status mask, is not set (but not the pairs
+/// of the systems 2 and 3 with a second value of 0, which frames hold without it); the extra time
+/// if its count is 0, the values if theirs is 0, list entries after the count, and what follows the
+/// first zero of the name or of a text. `block` is not read.
+///
+/// Refused with `SURVEYDATA_NO_PLACE` are values that decoding never returns: an extra time count
+/// above 1, a value count other than 0 and 2, a list count above 31, a week of time B, status bit
+/// 2, a status bit or flags without exactly one of the flags 0x1 and 0x2, a name of more than 49
+/// bytes or 17 UTF-16 units or not in the shortest UTF-8, a text without a zero unit, a horizontal
+/// offset of the antenna, a component of the vector that is not exactly a `float`, a pair of system
+/// 2 or 3 that is present with a second value of 0 or absent with another one, `flag_a` and
+/// `flag_e` above 1, `value_b` and `value_c` above 255, a presence bit of value C without a value,
+/// or a bit of a system without `SURVEYDATA_HAS_SYSTEMS` and the reverse.
 ///
 /// \param capacity       size of `frame` in bytes, at least 500.
 /// \param size           set to the size of the frame, or to 0 if a field is refused.
@@ -393,7 +409,8 @@ SURVEYDATA_API surveydata_status surveydata_fields(const uint8_t* frame, size_t 
 
 /// Appends `records`, consecutive whole records of any type, to a file, which is created if it does
 /// not exist. Existing content is never overwritten; when writing fails, the file is truncated to
-/// its previous size. Only one writer may append at a time. `records` may be null if `size` is 0.
+/// its previous size, or removed if it is new. Only one writer may append at a time. `records` may
+/// be null if `size` is 0.
 ///
 /// \return also `SURVEYDATA_NO_RECORDS`, with the file unchanged; `SURVEYDATA_NO_SUCH_FILE`,
 ///         `SURVEYDATA_NO_PERMISSION`, `SURVEYDATA_CANNOT_OPEN`, `SURVEYDATA_WRITING_FAILED`,

@@ -149,6 +149,33 @@ TEST(CInterfaceFaults, ReadingTakesNoMemory) {
   surveydata_reader_close(reader);
 }
 
+// As its comment says, with entries and columns asked of it.
+TEST(CInterfaceFaults, AReaderTakesLittleMemory) {
+  const ByteVector bytes = DamagedFile();
+  for (const bool isInMemory : {true, false}) {
+    Source source{bytes};
+    const surveydata_source given = source.Get();
+    const std::size_t before = Faults::AllocatedBytes();
+    surveydata_reader* reader = nullptr;
+    const surveydata_status status =
+        isInMemory ? surveydata_reader_open_bytes(bytes.data(), bytes.size(), 0, SURVEYDATA_NO_END,
+                                                  &reader)
+                   : surveydata_reader_open_source(&given, 0, SURVEYDATA_NO_END, &reader);
+    ASSERT_EQ(status, SURVEYDATA_OK);
+    surveydata_entry entry{};
+    entry.struct_size = sizeof(entry);
+    EXPECT_EQ(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_OK);
+    std::size_t rows = 0;
+    EXPECT_EQ(surveydata_reader_read_columns(reader, nullptr, sizeof(surveydata_column_buffer), 0,
+                                             1, &rows, nullptr),
+              SURVEYDATA_OK);
+    const std::size_t taken = Faults::AllocatedBytes() - before;
+    surveydata_reader_close(reader);
+    EXPECT_LE(taken, isInMemory ? 50'000U : 310'000U);
+    EXPECT_GE(taken, isInMemory ? 30'000U : 290'000U);
+  }
+}
+
 // Setting up the report of damaged headers, or of progress, may take memory; nothing is passed
 // over.
 TEST(CInterfaceFaults, EntriesAreGivenDespiteFailures) {

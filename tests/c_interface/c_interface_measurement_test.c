@@ -430,6 +430,23 @@ static void test_fields_without_place(void) {
   check_refused(&m, no_place, "text D");
 }
 
+/* A frame holds 49 bytes of a name, which may have no zero byte after them. */
+static void test_longest_names(void) {
+  surveydata_measurement m = new_measurement();
+  size_t i;
+  for (i = 0; i < 16; ++i) memcpy(m.name + 3 * i, "\xE2\x82\xAC", 3);
+  m.name[48] = 'x';
+  check_accepted(&m);
+  m.name[49] = 'x';
+  check_refused(&m, SURVEYDATA_NO_PLACE, "name");
+  m.name[50] = 'x';
+  check_refused(&m, SURVEYDATA_NO_PLACE, "name");
+  m.name[51] = 'x'; /* without any zero */
+  check_refused(&m, SURVEYDATA_NO_PLACE, "name");
+  m.name[49] = 0; /* nothing counts after it */
+  check_accepted(&m);
+}
+
 /* Three texts of 79 units are 480 bytes, which leave 20: the frame's 19 bytes and the second flags
    word have no room. */
 static void test_too_long(void) {
@@ -826,6 +843,7 @@ int main(void) {
   test_encode();
   test_encode_refuses();
   test_fields_without_place();
+  test_longest_names();
   test_too_long();
   test_patch();
   test_patch_refuses();

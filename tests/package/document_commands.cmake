@@ -1,0 +1,43 @@
+# Runs the commands (```sh) of docs/c_interface.md, in SOURCE_DIR, with the library installed at PREFIX,
+# and compares the output of each block with that of the example which its last line runs. The blocks
+# run in WORK_DIR, where the examples and the sample that they read are. The compiler CC is theirs.
+cmake_minimum_required(VERSION 3.25)
+
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR}/bin)
+file(COPY ${SOURCE_DIR}/examples/list_records.c ${SOURCE_DIR}/examples/query_area.py
+  ${SOURCE_DIR}/tests/data/valley_drive.rec DESTINATION ${WORK_DIR})
+file(CREATE_LINK ${CC} ${WORK_DIR}/bin/cc SYMBOLIC)
+file(GLOB_RECURSE pc ${PREFIX}/surveydata.pc)
+cmake_path(GET pc PARENT_PATH pc_dir)
+cmake_path(GET pc_dir PARENT_PATH library_dir)
+set(ENV{PATH} "${WORK_DIR}/bin:$ENV{PATH}")
+set(ENV{PKG_CONFIG_PATH} ${pc_dir})
+set(ENV{LD_LIBRARY_PATH} ${library_dir})
+
+set(run "")
+file(READ ${SOURCE_DIR}/docs/c_interface.md rest)
+while(rest MATCHES "\n```sh\n")
+  string(FIND "${rest}" "\n```sh\n" at)
+  math(EXPR at "${at} + 7")
+  string(SUBSTRING "${rest}" ${at} -1 rest)
+  string(FIND "${rest}" "\n```\n" end)
+  string(SUBSTRING "${rest}" 0 ${end} commands)
+  execute_process(COMMAND sh -e -c "${commands}" WORKING_DIRECTORY ${WORK_DIR}
+    RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${commands}\nended with ${result}:\n${errors}")
+  endif()
+  if(NOT commands MATCHES "([a-z_]+)(\\.py)?$")
+    message(FATAL_ERROR "no example is run by\n${commands}")
+  endif()
+  set(example ${CMAKE_MATCH_1})
+  file(READ ${SOURCE_DIR}/examples/${example}.expected expected)
+  if(NOT output STREQUAL expected)
+    message(FATAL_ERROR "${commands}\nThe output differs from ${example}.expected:\n${output}")
+  endif()
+  list(APPEND run ${example})
+endwhile()
+if(NOT run STREQUAL "list_records;query_area")
+  message(FATAL_ERROR "the commands of the document run '${run}'")
+endif()
