@@ -15,7 +15,7 @@ set(gnss_may object_model geodetic total_station imaging platform)
 set(scanning_may object_model sphere_geometry)
 set(c_interface_may object_model gnss scanning sphere_geometry)
 # The other headers that it may include besides those of the standard library.
-set(library_outside "^boost/(endian|numeric|core/noncopyable|noncopyable)")
+set(library_outside "^boost/(endian|numeric|core/noncopyable|noncopyable)|^sys/stat\\.h$")
 
 # The program: the other layers and the subsystems of the library that each layer may include.
 # Layers are folders; `top` is the files in no folder, `main` and the list of commands.

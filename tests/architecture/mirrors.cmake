@@ -12,8 +12,8 @@ set(tools_untested "")
 set(surveydata_several
   # every function of the C interface, by subject
   c_interface/c_interface_area c_interface/c_interface_columns c_interface/c_interface_faults
-  c_interface/c_interface_measurement c_interface/c_interface_reader c_interface/c_interface_texts
-  c_interface/c_interface_threads c_interface/c_interface_values
+  c_interface/c_interface_measurement c_interface/c_interface_posix c_interface/c_interface_reader
+  c_interface/c_interface_texts c_interface/c_interface_threads c_interface/c_interface_values
   # what readers and writers do with files, with damaged frames, with the samples, with texts
   gnss/posix_files gnss/windows_files gnss/record_faults gnss/record_samples
   gnss/invalid_parameter_handler

@@ -56,7 +56,7 @@ endif()
 # All functions that the library may import. Before adding one, check that it involves no lock,
 # thread, environment, locale, output, clock or random numbers.
 set(files fopen fopen64 fclose fread fwrite fseek fseeko fseeko64 ftello ftello64 ferror fileno setvbuf
-    ftruncate ftruncate64)
+    ftruncate ftruncate64 fstat fstat64 remove)
 set(numbers acos atan atan2 ceil cos floor fmod frexp ldexp lround nearbyint pow remainder rint round sin
     sincos sqrt sqrtf tan trunc)
 set(memory memchr memcmp memcpy memmove memset strcmp strlen strncmp)
