@@ -18,8 +18,8 @@ namespace SDI::CInterface {
 void MakeSchema(std::span<const GPSColumn* const> columns, ArrowSchema& schema);
 
 /// A struct of the first `rows` rows of `columns`. Nothing is copied: `memory` owns the buffers,
-/// and every array has a share of it, also after it was moved out of the struct. A null validity
-/// stands for values that are all present; values may be null where there are no bytes of them.
+/// and every array has a share of it, also after it was moved out of the struct. Without a
+/// validity all values are present. Values may be null if there are no bytes of them.
 void MakeArray(std::span<const GPSColumnBuffer> columns, std::size_t rows,
                const std::shared_ptr<const void>& memory, ArrowArray& array);
 

@@ -495,9 +495,9 @@ struct ArrowArrayStream;
 /// After an error of `get_next`, which `get_last_error` describes, the next call goes on where it
 /// happened: ECANCELED, ENOMEM, EIO (reading failed) or EINVAL.
 ///
-/// \param columns        places in the list of columns, in any order. Null with the count 0 stands
-///                       for all of them.
-/// \param rows_in_batch  of every batch but the last; 0 stands for 65,536.
+/// \param columns        places in the list of columns, in any order. Null with the count 0 means
+///                       all of them.
+/// \param rows_in_batch  of every batch but the last; 0 means 65,536.
 SURVEYDATA_API surveydata_status surveydata_reader_arrow_stream(surveydata_reader* reader,
                                                                 const uint32_t* columns,
                                                                 size_t column_count,

@@ -80,11 +80,18 @@ class BlockC {
 
   /// The first `count` of `views`; the others point to valid records, too.
   BlockC(const Views& views, std::size_t count, Writers& writers)
-      : views_(views), count_(count), writers_(writers) {
+      : views_(views.data()), count_(count), writers_(writers) {
     for (std::size_t i = 0; i < kBlock; ++i) {
       set_.Set(i, views[i].measurement->GetSetMask());
       status_.Set(i, views[i].measurement->GetStatusMask());
     }
+  }
+
+  /// One record, for a single value, which must not cost as much as those of a block.
+  BlockC(const RecordView& record, Writers& writers)
+      : views_(&record), count_(1), isSingle_(true), writers_(writers) {
+    set_.Set(0, record.measurement->GetSetMask());
+    status_.Set(0, record.measurement->GetStatusMask());
   }
 
   std::size_t GetCount() const { return count_; }
@@ -99,14 +106,16 @@ class BlockC {
   /// The rows for which `is(row)`.
   template <class Is>
   Bits Where(Is is) const {
+    if (isSingle_) return is(views_[0]) ? 1 : 0;
     unsigned bits = 0;
     for (std::size_t i = 0; i < kBlock; ++i) bits |= unsigned{is(views_[i])} << i;
     return static_cast<Bits>(bits) & All();
   }
 
  private:
-  const Views& views_;
+  const RecordView* views_;
   std::size_t count_;
+  bool isSingle_ = false;
   Writers& writers_;
   MasksC set_;
   MasksC status_;
@@ -697,9 +706,7 @@ const GPSColumn* FindGPSColumn(std::string_view name) {
 
 void RecordColumns::Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value) {
   Writers writers;
-  BlockC::Views views;
-  views.fill(record);
-  column.functions->ask(BlockC(views, 1, writers), value);
+  column.functions->ask(BlockC(record, writers), value);
 }
 
 void AskGPSColumn(const GPSColumn& column, const GPSRecordC& record, GPSColumnValueC& value) {
