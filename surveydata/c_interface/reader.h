@@ -71,6 +71,7 @@ struct surveydata_reader {
   /// The reader, for who goes on with it: what was reached by `Next` is given up.
   SDI::GPSRecordReaderC& GetReader() {
     headers_.Clear();
+    isTaking_ = false;
     hasEntry_ = false;
     return reader_;
   }
