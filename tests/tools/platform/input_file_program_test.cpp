@@ -69,8 +69,8 @@ TEST(InputFile, ReportsTheReasonOfTheReadThatFailed) {
       EXPECT_EQ(outcome.err, "surveydata: cannot read a.rec: Input/output error\n");
     }
   }
-  for (const std::string command :
-       {"surveydata record list .", "surveydata area info .", "surveydata area contains . 1,2"}) {
+  for (const std::string command : {"surveydata record show . --offset 0", "surveydata area info .",
+                                    "surveydata area contains . 1,2"}) {
     EXPECT_EQ(RunShell(command, folder.Path().string()).err,
               "surveydata: cannot read .: Is a directory\n");
   }
