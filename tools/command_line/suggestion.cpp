@@ -27,7 +27,7 @@ std::size_t Distance(std::string_view a, std::string_view b) {
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& names) {
   const bool isLetter = word.size() == 2 && word[0] == '-' && word[1] != '-';
-  const std::string begin = isLetter ? "-" + std::string(word) : std::string(word);
+  const std::string begin = std::string(isLetter ? 1U : 0U, '-').append(word);
   std::vector<std::string> found;
   for (const std::string& name : names) {
     if (name.starts_with(begin)) found.push_back(name);
