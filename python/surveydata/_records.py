@@ -199,8 +199,9 @@ class RecordTable:
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
         """The batches as a stream of the Arrow C data interface, as often as it is asked for.
 
-        A requested schema is ignored, as the protocol allows. Fields have the metadata "description"
-        and, where they have one, "unit". Those in UTC say where leap seconds are from.
+        A requested schema is ignored, as the protocol allows. Fields have the metadata
+        "description" and, where they have one, "unit". Those in UTC say where leap seconds are
+        from.
         """
         del requested_schema
         return _core.arrow_stream(self._names, self._batches)
