@@ -419,4 +419,6 @@ def test_no_object_outlives_its_last_name() -> None:
 
     after(20)
     first = after(1)
-    assert after(100) - first < 100 * 32  # the smallest object has 40 bytes
+    # The smallest object has 40 bytes. In so many rounds, the few kilobytes that the interpreter
+    # itself takes do not matter.
+    assert after(1000) - first < 1000 * 32
