@@ -77,7 +77,8 @@ fs::path NewPrivateFile(const fs::path& folder) {
 void OpenInBrowser(const std::string& browser, const fs::path& file) {
   const std::wstring page = fs::absolute(file).wstring();
   const std::wstring program = browser.empty() ? page : ToPath(browser).wstring();
-  const std::wstring arguments = browser.empty() ? L"" : L"\"" + page + L"\"";
+  std::wstring arguments;
+  if (!browser.empty()) arguments.append(1, L'"').append(page).append(1, L'"');
   SHELLEXECUTEINFOW start{};
   start.cbSize = sizeof(start);
   start.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;  // the program reports what fails
