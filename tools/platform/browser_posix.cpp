@@ -38,7 +38,7 @@ constexpr const char* kDefaultBrowser = "xdg-open";
 }
 
 fs::path CacheFolder() {
-  // The specification of the variable has relative paths ignored.
+  // By the rules for the variable, relative paths are ignored.
   if (const char* const cache = std::getenv("XDG_CACHE_HOME");
       cache != nullptr && fs::path(cache).is_absolute()) {
     return cache;
