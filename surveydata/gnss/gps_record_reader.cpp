@@ -54,7 +54,9 @@ struct GPSRecordReaderC::State {
   }
 
   static std::unique_ptr<RecordWalk::LookBackC> MakeLookBack(const GPSRecordStretch& part) {
-    return part.IsWhole() ? nullptr : std::make_unique<RecordWalk::LookBackC>();
+    std::unique_ptr<RecordWalk::LookBackC> made;
+    if (!part.IsWhole()) made = std::make_unique<RecordWalk::LookBackC>();
+    return made;
   }
   bool GoToBegin();
   std::size_t FindRecord();
