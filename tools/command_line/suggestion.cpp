@@ -5,10 +5,8 @@
 #include <command_line/suggestion.h>
 
 namespace Tool {
-namespace {
 
-// How many characters must be replaced, left out or inserted (Levenshtein).
-std::size_t Distance(std::string_view a, std::string_view b) {
+std::size_t EditDistance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 0; i < a.size(); ++i) {
@@ -22,8 +20,6 @@ std::size_t Distance(std::string_view a, std::string_view b) {
   }
   return row.back();
 }
-
-}  // namespace
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& names) {
   const bool isLetter = word.size() == 2 && word[0] == '-' && word[1] != '-';
@@ -40,7 +36,7 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& names
   std::size_t least = std::min(kMost, (word.size() - dashes) / 2) + 1;
   found.clear();
   for (const std::string& name : names) {
-    const std::size_t distance = Distance(word, name);
+    const std::size_t distance = EditDistance(word, name);
     if (distance > least) continue;
     if (distance < least) found.clear();
     least = distance;

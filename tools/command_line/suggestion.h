@@ -1,11 +1,15 @@
 #ifndef SURVEYDATA_TOOLS_COMMAND_LINE_SUGGESTION_H_
 #define SURVEYDATA_TOOLS_COMMAND_LINE_SUGGESTION_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Tool {
+
+/// How many characters must be replaced, left out or inserted to make `b` of `a` (Levenshtein).
+std::size_t EditDistance(std::string_view a, std::string_view b);
 
 /// The one of `names` that a mistyped word probably means: the only one that begins with the word,
 /// for "-v" the only long option that begins with that letter, or the only nearest one, with at

@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <numeric>
 #include <string_view>
 
 #include <fmt/format.h>
 
 #include <surveydata/gnss/record_columns.h>
 
+#include <command_line/suggestion.h>
 #include <output/json_writer.h>
 #include <output/output.h>
 #include <record/record_columns.h>
@@ -15,22 +15,6 @@
 
 namespace Tool {
 namespace {
-
-// How many characters are to be inserted, deleted or replaced to make `a` of `b`.
-std::size_t EditDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t k = 0; k < b.size(); ++k) {
-      const std::size_t replaced = diagonal + (a[i] == b[k] ? 0 : 1);
-      diagonal = row[k + 1];
-      row[k + 1] = std::min({replaced, row[k] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
 
 // A hint at the columns whose names are nearest to `name`, if some are near.
 std::string Suggestion(std::string_view name) {
