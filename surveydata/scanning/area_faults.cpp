@@ -14,7 +14,7 @@ using Rule = AreaFault::Rule;
 
 constexpr std::size_t kMostCrossings = 8;
 
-// In the order of the enumerators, which begin with 1.
+// In the order of the enumerators, which start at 1.
 constexpr const char* kRules[] = {
     "the Hz step is not above 0",   "the V step is not above 0",
     "wrong number of points",       "a point is out of range",
@@ -60,7 +60,7 @@ class FaultFinderC {
     if (!isGood) Report(Rule::kPointCount);
   }
 
-  // A V beyond half a turn was replaced by the same direction in the first face.
+  // A V beyond half a turn has been replaced by the same direction in the first face.
   void CheckRange() {
     for (std::size_t i = 0; i < corners_.size(); ++i) {
       const bool isGood = GMAT::InRange(corners_[i].Hz, 0.0, GMAT::TWO_PI) &&
@@ -69,8 +69,8 @@ class FaultFinderC {
     }
   }
 
-  // Corners anywhere that are exactly the same direction, and adjacent points that differ by less
-  // than the smallest normal number.
+  // Any two corners that are exactly the same direction are equal, and adjacent points that differ
+  // by less than the smallest normal number.
   void CheckEquality() {
     std::vector<std::size_t> order(corners_.size());
     std::iota(order.begin(), order.end(), std::size_t{0});

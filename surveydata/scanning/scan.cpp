@@ -63,7 +63,7 @@ ScanImplC::ScanImplC(const ScanImplC& other)
 
 ScanImplC& ScanImplC::operator=(const ScanImplC& other) {
   if (this == &other) return *this;
-  SetArea(other.GetArea());  // first: nothing else can fail
+  SetArea(other.GetArea());  // first, because nothing else can fail
   text1_ = API::FixedStringC<32>(other.text1_.GetData());
   text2_ = API::FixedStringC<64>(other.text2_.GetData());
   text3_ = API::FixedStringC<255>(other.text3_.GetData());

@@ -12,7 +12,7 @@
 namespace SDI {
 namespace {
 
-/// `impl` as an area if it is exactly of one of the `Kinds`, else null.
+/// `impl` as an area if its type is exactly one of `Kinds`, else null.
 template <class... Kinds>
 ScanAreaImplC* IfExactly(API::ImplObjectC* impl) {
   if (impl == nullptr) return nullptr;
@@ -44,7 +44,7 @@ bool ScanAreaImplC::AddPoint(const ScanDefPointC& point) {
   points_.push_back(point);
   try {
     return sphereArea_.AddPoint(points_.back().GetHz(), points_.back().GetV());
-  } catch (...) {  // no memory: the two lists stay the same
+  } catch (...) {  // out of memory: both lists keep the same points
     points_.pop_back();
     throw;
   }
@@ -135,8 +135,8 @@ ScanAreaC::~ScanAreaC() = default;
 
 ScanAreaImplC* ScanAreaC::GetImpl() const {
   API::ImplObjectC* const impl = API::BaseC::GetImpl();
-  // No object is of the abstract class itself: three comparisons spare most calls the search for a
-  // base class.
+  // `CheckedCast` compares with the exact type first, which is never the abstract class. Comparing
+  // with its three subclasses saves most calls the search for a base class.
   if (ScanAreaImplC* const area =
           IfExactly<ScanRectangularAreaImplC, ScanPolygonAreaImplC, ScanDomeAreaImplC>(impl)) {
     return area;

@@ -43,15 +43,15 @@ void ScanPolygonAreaImplC::GetOutline(std::vector<ScanDefPointC>& out,
   }
   const double mean = sum / static_cast<double>(count);
   const std::size_t n = out.size();
-  // Filled values must not feed their neighbours, so all are taken from the unfilled points.
+  // Computed from the original points, so that a filled value does not affect its neighbours.
   const auto distanceOrMean = [&](std::uint64_t index) {
     const double distance = Points()[static_cast<std::size_t>(index % n)].GetDistance();
     return distance < 0.0 ? mean : distance;
   };
   for (std::size_t i = 0; i < n; ++i) {
     if (!(Points()[i].GetDistance() < 0.0)) continue;
-    // For the first point i - 1 wraps around at 2^64, whatever the size of a pointer: its neighbour
-    // is the last one only when n is a power of two.
+    // For the first point i - 1 wraps around to 2^64 - 1, also where pointers have 32 bits. Its
+    // neighbour is therefore the last point only if n is a power of two.
     out[i].SetDistance(
         (distanceOrMean(std::uint64_t{i} - 1) + distanceOrMean(std::uint64_t{i} + 1)) / 2.0);
   }

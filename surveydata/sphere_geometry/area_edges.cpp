@@ -5,7 +5,7 @@
 namespace GMAT {
 namespace {
 
-// The sine of the angle below which two planes count as one.
+// Two planes count as one if the sine of the angle between them is at most this.
 constexpr double kSamePlane = 1e-10;
 
 double Length(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }

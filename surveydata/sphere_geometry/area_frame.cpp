@@ -9,8 +9,8 @@
 namespace GMAT {
 namespace {
 
-// Widens [vMin, vMax] by the two candidates for the vertex of the arc from `current` to `previous`
-// that lie within its Hz span.
+// Extends [vMin, vMax] to the vertex of the arc from `current` to `previous`. Each of the two
+// candidates counts if it lies within the Hz span of the arc.
 void WidenByVertex(const AnglePointC& current, const AnglePointC& previous, double& vMin,
                    double& vMax) {
   const GreatCircleArcC arc{SpherePointC(current), SpherePointC(previous)};
@@ -26,11 +26,11 @@ void WidenByVertex(const AnglePointC& current, const AnglePointC& previous, doub
   };
   const double v = LatitudeToV(latitude);
   widen(longitude, v);
-  // The rule for the opposite vertex; it is not the antipode of the first.
+  // The opposite vertex by the rules, which is not the antipode of the first.
   widen(NormalizeAngle(longitude + PI), NormalizeAngle(TWO_PI - v));
 }
 
-// Whether no candidate for a vertex can reach beyond [vMin, vMax] (`kVertexMargin`).
+// Whether no candidate for the vertex can lie outside [vMin, vMax]; see `kVertexMargin`.
 bool CannotWiden(const AnglePointC& current, const AnglePointC& previous, double vMin,
                  double vMax) {
   const double hz = std::fabs(current.Hz - previous.Hz);
@@ -47,7 +47,7 @@ bool ArePointsValid(std::span<const AnglePointC> points) {
 
 bool HasEqualPoints(std::span<const AnglePointC> points) {
   if (points.size() == 2) return points.front() == points.back();
-  std::vector<AnglePointC> sorted(points.begin(), points.end());  // no NaN among them
+  std::vector<AnglePointC> sorted(points.begin(), points.end());  // contains no NaN
   std::sort(sorted.begin(), sorted.end(), [](const AnglePointC& a, const AnglePointC& b) {
     return a.Hz != b.Hz ? a.Hz < b.Hz : a.V < b.V;
   });
@@ -125,7 +125,7 @@ bool BuildFrame(std::span<const AnglePointC> points, AreaFrame& frame) {
     if (current.Hz > hzMax) hzMax = current.Hz;
     if (current.V < vMin) vMin = current.V;
     if (current.V > vMax) vMax = current.V;
-    // Between the end of an edge and the start of the next there is nothing.
+    // Points i - 1 and i are the ends of an edge only if i is odd.
     if (frame.isPolygon && i % 2 == 1 && !CannotWiden(current, previous, pointsVMin, pointsVMax)) {
       WidenByVertex(current, previous, vMin, vMax);
     }

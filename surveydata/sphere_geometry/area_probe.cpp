@@ -5,7 +5,8 @@
 namespace GMAT {
 
 AnglePointC BandProbe(double hz, double v, double hzOrigin) {
-  // The origin is added although the edges were moved by subtracting it: the band lies there.
+  // The rules add the origin although the edges were shifted by subtracting it. The band is
+  // therefore displaced from the edges by twice the origin.
   AnglePointC probe{hz + hzOrigin, v};
   if (!ApproxEqual(probe.Hz, TWO_PI) && !ApproxEqual(probe.Hz, -TWO_PI)) {
     WrapIntoRange(probe.Hz, 0.0, TWO_PI);

@@ -9,8 +9,8 @@
 namespace GMAT {
 namespace {
 
-// Half the height of strips in order: those along lines steeper than 2 are higher, and many of them
-// would be near a probe.
+// The largest half height of the strips that are kept in order. Strips along lines with a slope
+// above 2 are higher, and many of them would be near a probe.
 constexpr double kHighestInOrder = 2.24 * kStripReach;
 
 }  // namespace
@@ -23,7 +23,8 @@ BandStrip::BandStrip(const AnglePointC& a, const AnglePointC& b, double steepest
       hzHigh(std::max(a.Hz, b.Hz) + kStripReach),
       vLow(std::min(a.V, b.V) - kStripReach),
       vHigh(std::max(a.V, b.V) + kStripReach) {
-  // What lies within the reach of the edge's line, or the edge's box when the line is steep.
+  // The strip extends from the line of the edge to either side by the reach. For a steep line it is
+  // the bounding box of the edge.
   if (!(std::fabs(a.Hz - b.Hz) > steepestSpan)) return;
   slope = (b.V - a.V) / (b.Hz - a.Hz);
   v0 = a.V - slope * a.Hz;
@@ -57,7 +58,7 @@ class BoundaryBandC::BuilderC {
       const std::size_t last = grid_.ColumnOf(strip.hzHigh);
       std::size_t i = first;
       if (hasOrder && last > first + 1 && strip.halfHeight <= kHighestInOrder) {
-        // The edge itself leads through the columns in between, but for the next ones to its ends.
+        // The edge itself crosses the columns in between, except those next to its ends.
         const std::size_t from = grid_.ColumnOf(std::min(a.Hz, b.Hz)) + 1;
         const std::size_t to = grid_.ColumnOf(std::max(a.Hz, b.Hz));
         for (; i < from; ++i) AddPart(edge, strip, i);
@@ -73,7 +74,7 @@ class BoundaryBandC::BuilderC {
     grid_.Build(parts_);
   }
 
-  // -- What `ColumnOrderC` asks --
+  // -- Called by `ColumnOrderC` --
 
   double HeightAt(std::uint32_t edge, std::size_t border) const {
     return band_.VOf(edge, grid_.GetBorder(border));
@@ -104,7 +105,7 @@ class BoundaryBandC::BuilderC {
 };
 
 BoundaryBandC::BoundaryBandC(const AreaFrame& frame, double manySideBySide) {
-  // The probe lies in [0, 2 pi], whatever the width of the frame.
+  // The probe lies in [0, 2 pi] for any width of the frame.
   double frameWidth = 0.0;
   double spans = 0.0;
   for (const AnglePointC& point : frame.edges) frameWidth = std::max(frameWidth, point.Hz);

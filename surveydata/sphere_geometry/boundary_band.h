@@ -25,7 +25,7 @@ struct BandStrip {
   double vHigh;
 
   BandStrip(const AnglePointC& a, const AnglePointC& b, double steepestSpan);
-  /// What the strip takes of the Hz between x1 and x2: empty when `high` is below `low`.
+  /// The range of V that the strip covers between the Hz x1 and x2: empty if `high` is below `low`.
   struct VRange {
     double low;
     double high;

@@ -25,12 +25,12 @@ struct ExactSum {
   }
 };
 
-/// Cosine and sine of an angle, each with a relative error of a few units of the last place.
+/// Cosine and sine of an angle, each with a relative error of a few units in the last place.
 ///
-/// The quarter turns are taken off here. A C library may do so with pi of 66 bits, whose sine of an
-/// angle 1e-10 away from pi is right to 11 digits only.
+/// The angle is reduced by quarter turns here. A C library may reduce it with 66 bits of pi, which
+/// give the sine of an angle 1e-10 from pi with only 11 correct digits.
 /// \source W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980: pi / 2 in
-///         parts of 41 bits, which are multiplied without rounding by up to 2^12 quarter turns.
+///         parts of 41 bits, whose products with up to 2^12 quarter turns are exact.
 CosSin AccurateCosSin(const ExactSum& angle) {
   constexpr double kMostQuarters = 0x1p12;
   constexpr double kQuarter1 = 0x1.921fb54442p+0;
@@ -65,7 +65,7 @@ cVec3 Cross(const cVec3& a, const cVec3& b) {
 double Length(double x, double y) { return std::sqrt(x * x + y * y); }
 double Length(const cVec3& a) { return std::sqrt(Dot(a, a)); }
 
-// The vector at V whose Hz, measured from anywhere, has this cosine and sine.
+// The unit vector at V whose Hz, from any origin, has this cosine and sine.
 cVec3 ToVector(double v, double cosHz, double sinHz) {
   const double sinV = std::sin(v);
   return {sinV * cosHz, sinV * sinHz, std::cos(v)};

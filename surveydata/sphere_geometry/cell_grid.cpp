@@ -15,7 +15,7 @@ std::size_t CellGridC::CountColumns(std::size_t curves, double spans, double wid
 }
 
 CellGridC::Column CellGridC::MakeColumn(const Extent& extent, std::uint32_t firstCell) {
-  // A few parts to a row, but no more rows than leave each part in a few of them.
+  // A few parts per row, but so few rows that each part lies in only a few of them.
   constexpr float kFew = 8.0F;
   constexpr float kPartsPerRow = 4.0F;
   constexpr float kRowsPerPart = 3.0F;

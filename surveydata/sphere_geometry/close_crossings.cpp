@@ -8,13 +8,13 @@
 namespace GMAT {
 namespace {
 
-// With more comparisons for each curve of a cell its column is left to the rules.
+// If a cell needs more comparisons per curve than this, its column is left to the rules.
 constexpr std::size_t kMostPerCurve = 512;
 
-// A curve that changes places with more of those that are in order is left to the rules.
+// A curve that crosses more curves of the order than this is left to the rules.
 constexpr std::size_t kMostExchanges = 16;
 
-// A bound of |t| along an edge.
+// An upper bound of |t| along an edge.
 double ExtremeOf(const RingCurves& ring, std::size_t edge) {
   const ArcCurve& curve = ring.curves[edge];
   const double t1 = ring.GetStart(edge).tangent;
@@ -26,8 +26,8 @@ double ExtremeOf(const RingCurves& ring, std::size_t edge) {
 
 double ErrorOf(const ArcCurve& curve) { return static_cast<double>(curve.error); }
 
-// How far from where they meet two curves that part as a sinusoid S sin(x) are closer than
-// `closest`: at most `span`.
+// The distance from their intersection within which two curves are closer than `closest`, or `span`
+// if that is less. The difference of the curves is a sinusoid S sin(x).
 double ReachOf(const ArcCurve& one, const ArcCurve& other, double closest, double span) {
   constexpr double kClearOfNextZero = 3.0;  // less than half a turn
   const double reach = kZeroReach * closest / Swing(one.a - other.a, one.b - other.b);
@@ -59,7 +59,7 @@ double CurveComparisonC::ClosestOf(const Line& a, const Line& b) {
   return std::min(a.closest, b.closest) + ErrorOf(*a.curve) + ErrorOf(*b.curve);
 }
 
-// The gap is a sinusoid: where it has one sign at both ends it is the least at one of them.
+// The gap is a sinusoid. If it has the same sign at both borders, it is smallest at one of them.
 bool CurveComparisonC::AreApart(const Line& a, const Line& b) {
   const double gapWest = a.west - b.west;
   const double gapEast = a.east - b.east;
@@ -67,7 +67,7 @@ bool CurveComparisonC::AreApart(const Line& a, const Line& b) {
          std::min(std::fabs(gapWest), std::fabs(gapEast)) > ClosestOf(a, b);
 }
 
-// Neighbours meet at a corner, which `AddIntervalsOfCorners` looks at.
+// Neighbours meet at a corner, which `AddIntervalsOfCorners` handles.
 bool CurveComparisonC::AreNeighbours(const Line& a, const Line& b) const {
   const std::size_t edgeA = a.curve->edge;
   const std::size_t edgeB = b.curve->edge;
@@ -95,7 +95,7 @@ void CurveComparisonC::LeaveToRules(double low, double high) {
   intervals_.AddHz(low - kRoundingMargin, high + kRoundingMargin);
 }
 
-// Two curves are compared in the lowest cell that has both: there one of them is lowest.
+// Two curves are compared only in the lowest cell that contains both, where one of them `isLowest`.
 void CurveComparisonC::CompareCell(const CellGridC::Cell& cell) {
   lines_.clear();
   double closest = 0.0;
@@ -119,7 +119,7 @@ void CurveComparisonC::CompareCell(const CellGridC::Cell& cell) {
     const Line& b = lines_[i];
     for (std::size_t k = i; k > 0; --k) {
       const Line& a = lines_[k - 1];
-      // Then `b` is that far above `a` and all before it at both borders.
+      // `b` is then that far above `a` and all lines before `a` at both borders.
       if (b.west - a.west > clear && b.east - a.highestEast > clear) break;
       if (left-- == 0) {
         LeaveToRules(west_, east_);
@@ -138,7 +138,7 @@ ColumnOrderC::Relation CurveComparisonC::Relate(const ColumnOrderC::Crossing& lo
   const double least = std::min(b.west - a.west, b.east - a.east);
   const double most = std::max(b.west - a.west, b.east - a.east);
   if (least > closest) return ColumnOrderC::Relation::kApart;
-  // The gap changes its sign at most once, next to a border: beyond the interval it has that of the
+  // The gap changes sign at most once, near one border. Outside the interval it has its sign at the
   // other border.
   if (!(most > closest && least > -closest)) return ColumnOrderC::Relation::kOutOfOrder;
   AddInterval(a, b);
@@ -150,7 +150,7 @@ void CurveComparisonC::CompareWithOrder(const ArcCurve& curve,
   if (curve.kind != ArcCurve::kArc || order.empty()) return;
   const double low = std::max(west_, curve.low);
   const double high = std::min(east_, curve.high);
-  if (low > high) return;  // next to one of its ends, which has an interval
+  if (low > high) return;  // only an end is near, which has its own interval
   const CosSin atLow = QuickCosSin(low);
   const CosSin atHigh = QuickCosSin(high);
   const auto countBelow = [&](const CosSin& at) {
@@ -163,8 +163,8 @@ void CurveComparisonC::CompareWithOrder(const ArcCurve& curve,
     LeaveToRules(low, high);
     return;
   }
-  // It is clear of the curves beyond the second one on either side, because that one is, and is
-  // itself as far from them as two crossings must be.
+  // Only the next two curves on either side can be close: the curves of the order are as far apart
+  // as two crossings must be, so the second one separates the curve from all beyond it.
   const std::size_t end = std::min(last + 2, order.size());
   const Line line = MakeLine(curve, curve.At(atLow), curve.At(atHigh));
   for (std::size_t i = first - std::min<std::size_t>(first, 2); i < end; ++i) {
@@ -187,7 +187,7 @@ void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring,
     const bool goesEast = frame.GetStart(i).Hz < frame.GetEnd(i).Hz;
     const bool cameEast = frame.GetStart(before).Hz < frame.GetEnd(before).Hz;
     if (in.kind == ArcCurve::kArc && out.kind == ArcCurve::kArc && goesEast != cameEast) {
-      // Both edges are on one side, and part as a sinusoid that is 0 at the corner.
+      // Both edges lie on the same side. Their difference is a sinusoid that is 0 at the corner.
       const double extreme = std::max(ExtremeOf(ring, before), ExtremeOf(ring, i));
       const double closest = InTangent(kCrossingsApart, extreme) + ErrorOf(in) + ErrorOf(out);
       const double span = std::min(in.high - in.low, out.high - out.low);
@@ -198,7 +198,7 @@ void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring,
       intervals.AddHz(out.low - kRoundingMargin, out.high + kRoundingMargin);
     }
   }
-  // Where an edge at a pole has its meridian, and on the opposite side, the rules decide.
+  // On the meridian of an edge at a pole, and on the opposite one, the rules decide.
   for (const std::uint32_t edge : ring.poleEdges) {
     const ArcEdgeC arc(SpherePointC(frame.GetStart(edge)), SpherePointC(frame.GetEnd(edge)));
     for (const double side : {0.0, PI}) {

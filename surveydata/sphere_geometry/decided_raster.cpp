@@ -12,9 +12,9 @@ namespace {
 
 constexpr auto kOutside = static_cast<std::uint8_t>(Verdict::kOutside);
 constexpr auto kAsk = static_cast<std::uint8_t>(Verdict::kUndecided);
-constexpr std::uint8_t kOpen = 255;  // not marked, to be decided
+constexpr std::uint8_t kOpen = 255;  // neither marked nor decided
 
-// Wraps an angle a few turns away into [0, 2 pi).
+// Wraps an angle of a few turns at most into [0, 2 pi).
 double InTurn(double x) {
   const double turned = x - TWO_PI * std::floor(x / TWO_PI);
   return turned >= 0.0 && turned < TWO_PI ? turned : 0.0;
@@ -22,7 +22,7 @@ double InTurn(double x) {
 
 }  // namespace
 
-/// Marks the cells that edges and bands enter, then decides the others.
+/// Marks the cells that edges and bands enter, then decides all others.
 class DecidedRasterC::BuilderC {
  public:
   BuilderC(DecidedRasterC& raster, const AreaFrame& frame, const RingCurves& ring,
@@ -40,7 +40,8 @@ class DecidedRasterC::BuilderC {
   }
 
  private:
-  // Rows cover the bounds of the ring and of the band. Above a ring around the zenith is inside.
+  // Rows cover the bounds of the ring and of the band. Above a ring around the zenith, the
+  // directions are inside.
   void ChooseRows() {
     double vLow = frame_.edges.front().V;
     double vHigh = vLow;
@@ -77,7 +78,7 @@ class DecidedRasterC::BuilderC {
       raster_.band_ = Block(ToTurnUnits(bandStart), bandWidth, kBandColumns);
       columns += kBandColumns;
     }
-    // And one column for everything beyond.
+    // One more column for every Hz outside both blocks.
     raster_.cells_.assign((columns + 1) * kStride, kOutside);
     for (std::size_t column = 0; column < kRingColumns; ++column) {
       std::uint8_t* const cells = CellsOf(column);
@@ -91,13 +92,13 @@ class DecidedRasterC::BuilderC {
     }
   }
 
-  // The Hz of the raster at which the band has its Hz x; not normalised.
+  // Converts an Hz of the band to one of the raster; not normalised.
   double HzOfBand(double x) const { return x - 2.0 * frame_.hzOrigin + shift_; }
 
-  // In the frame of the edges.
+  // The border to the west of a column, in the frame of the edges.
   double BorderOf(std::size_t column) const { return raster_.ring_.BorderOf(column) - shift_; }
   std::size_t ColumnOf(double h) const { return ColumnIn(raster_.ring_, h + shift_); }
-  // The first or the last column beyond the ends.
+  // An Hz outside the block gives its first or last column.
   static std::uint32_t ColumnIn(const Block& block, double hz) {
     const double units =
         std::clamp(hz * (0x1p32 / TWO_PI), 0.0, static_cast<double>(block.end - 1));
@@ -144,7 +145,8 @@ class DecidedRasterC::BuilderC {
     }
   }
 
-  // Marks an edge, or a part of it, in the columns between two Hz at which it is t1 and t2.
+  // Marks an edge, or a part of it, in the columns from Hz `low`, where its tangent is t1, to Hz
+  // `high`, where it is t2.
   void MarkPiece(const ArcCurve& curve, double low, double high, double t1, double t2) {
     const std::size_t last = ColumnOf(high + kRasterSlack);
     double x0 = low;
@@ -166,7 +168,7 @@ class DecidedRasterC::BuilderC {
     }
   }
 
-  // A steep edge is monotone, unless it comes so near to the pole that its ends do.
+  // A steep edge is monotone, unless it is so close to a pole that its ends are close to it, too.
   static TangentRange RangeOfSteep(double t1, double t2) {
     TangentRange range{std::min(t1, t2), std::max(t1, t2)};
     range.low -= InTangent(kListingMargin, range.low);
@@ -188,7 +190,8 @@ class DecidedRasterC::BuilderC {
     }
   }
 
-  // Within a column either all crossings with an edge count, or none.
+  // Marks the cells of a column that an edge enters within a range of tangents: all of them if only
+  // some of the crossings count, none if no crossing counts.
   void MarkRange(std::size_t column, const TangentRange& t) {
     if (!allCount_ && !line_.AllCount(t)) {
       if (!line_.NoneCounts(t)) MarkColumn(column);
@@ -216,14 +219,14 @@ class DecidedRasterC::BuilderC {
     const double step = raster_.ring_.BorderOf(1);
     for (const std::size_t edge : EdgesWithBand(frame_)) {
       const BandStrip strip(frame_.GetStart(edge), frame_.GetEnd(edge), step);
-      // The probe of the band lies in [0, 2 pi], whatever the width of the frame.
+      // The probe of the band lies in [0, 2 pi] for any width of the frame.
       if (strip.hzLow > TWO_PI + kStripReach) continue;
       MarkStrip(strip, raster_.ring_, 0);
       if (hasBandColumns_) MarkStrip(strip, raster_.band_, kRingColumns);
     }
   }
 
-  // In the columns of a block that begin with `column`.
+  // Marks a strip in the columns of a block, the first of which is `column`.
   void MarkStrip(const BandStrip& strip, const Block& block, std::size_t column) {
     const double low = strip.hzLow - kRasterSlack;
     const double high = std::min(strip.hzHigh, TWO_PI + kStripReach) + kRasterSlack;
@@ -235,7 +238,7 @@ class DecidedRasterC::BuilderC {
     if (to > TWO_PI) MarkStripColumns(strip, block, column, 0.0, to - TWO_PI, low - from + TWO_PI);
   }
 
-  // Between two Hz of the block; that of the strip is greater by `shift`.
+  // Marks a strip between two Hz of the block. The Hz of the strip is larger by `shift`.
   void MarkStripColumns(const BandStrip& strip, const Block& block, std::size_t column, double low,
                         double high, double shift) {
     const std::size_t last = ColumnIn(block, high);
@@ -249,14 +252,14 @@ class DecidedRasterC::BuilderC {
 
   // -- Cells --
 
-  // Next to the nadir the rules decide, down to the end of the search line.
+  // Near the nadir, down to the end of the search line, the rules decide.
   void MarkNadir() {
     const std::size_t first = raster_.RowOf(PI - 2.0 * kPoleMargin);
     if (first > kRows) return;
     for (std::size_t column = 0; column < kRingColumns; ++column) MarkRows(column, first, kRows);
   }
 
-  // Decides the cells that nothing touched, a run of rows at a time.
+  // Decides the cells that are not marked, a run of rows at a time.
   void DecideColumn(std::size_t column) {
     std::uint8_t* const cells = CellsOf(column);
     std::uint8_t* const end = cells + 1 + kRows;
@@ -276,7 +279,7 @@ class DecidedRasterC::BuilderC {
     }
   }
 
-  // The answer of the decomposition somewhere in the column, where it is decided.
+  // The answer of the slab index at some Hz of the column, or undecided if there is none.
   Verdict AskIn(std::size_t column, double v) const {
     const double low = BorderOf(column);
     const double high = BorderOf(column + 1);
@@ -305,14 +308,14 @@ class DecidedRasterC::BuilderC {
   const RingCurves& ring_;
   const SlabIndexC& slabs_;
   const LineEndsC line_;
-  double shift_ = 0.0;  // the Hz of the raster is that of the frame plus this
+  double shift_ = 0.0;  // Hz of the raster minus Hz of the frame
   double ringWidth_ = 0.0;
   bool hasBandColumns_ = false;
   std::uint8_t above_ = kAsk;
-  std::vector<double> rowTangents_;  // where rows meet, from above
-  std::vector<CosSin> borders_;      // where columns of the ring meet
-  bool allCount_ = false;            // all crossings of the edge in hand
-  std::size_t row_ = 1;              // of its last range
+  std::vector<double> rowTangents_;  // the borders of the rows, from the top
+  std::vector<CosSin> borders_;      // the borders of the columns of the ring
+  bool allCount_ = false;            // whether all crossings of the current edge count
+  std::size_t row_ = 1;              // the first row of its last range
 };
 
 DecidedRasterC::DecidedRasterC(const AreaFrame& frame, const RingCurves& ring,

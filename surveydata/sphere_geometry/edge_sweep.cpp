@@ -22,14 +22,14 @@ double Snapped(double angle) { return std::floor(angle / kPlaneGrid + 0.5) * kPl
 // How far the rounding moves an edge.
 constexpr double kMoved = 0.71 * kPlaneGrid;
 
-// The distance, along the axes, within which pairs of edges are compared. An edge that is not steep
-// and passes an end of another one at a distance d passes above or below it by at most sqrt(2) d,
-// or has an end within that distance. The rest covers the rounding of heights, some units in the
-// last place of 2048.
+// The distance, along the axes, within which pairs of edges are compared. If an edge that
+// is not steep passes an end of another edge at a distance d, it passes above or below that end by
+// at most sqrt(2) d, or one of its own ends is within that distance. The rest covers the rounding
+// of heights, a few units in the last place of 2048.
 constexpr double kNear = 2e-9;
 static_assert(1.4143 * (kCrossingReach + 2.0 * kMoved) + 1e-11 < kNear);
 
-// An edge on the sweep line. A vertical one counts as leaning a little to the right.
+// An edge on the sweep line. A vertical edge is treated as leaning slightly to the right.
 struct Segment {
   Point left;
   Point right;
@@ -42,8 +42,8 @@ struct Segment {
   }
 };
 
-// The order on the sweep line. Two segments that it crosses are compared where the later one
-// begins; if that point is on the other one, by their directions.
+// The order on the sweep line. Two segments are compared at the start of the one that begins later,
+// or by their directions if that point lies on the other segment.
 struct IsBelow {
   using is_transparent = void;
 
@@ -70,8 +70,8 @@ bool CrossInside(const Segment& s, const Segment& t) {
          SideOfLine(t.left, t.right, s.left) * SideOfLine(t.left, t.right, s.right) < 0;
 }
 
-// The edges of a ring and the test for their pairs. Corner i begins edge i and ends edge
-// i - 1; the last corner ends the last edge.
+// The edges of a ring, and the test that is applied to pairs of them. Edge i runs from corner i to
+// corner i + 1.
 class RingC {
  public:
   RingC(std::vector<Point> corners, const EdgePairTest& areCrossing,
@@ -119,7 +119,7 @@ class RingC {
 bool CrossNearCorners(const RingC& ring) {
   const std::vector<Point>& corners = ring.GetCorners();
   const std::vector<std::size_t> order = ring.SortCorners();
-  std::set<std::pair<double, std::size_t>> passed;  // nearby, by their y
+  std::set<std::pair<double, std::size_t>> passed;  // corners nearby, by their y
   auto oldest = order.begin();
   for (const std::size_t corner : order) {
     const Point& p = corners[corner];
@@ -142,8 +142,8 @@ class SweepC {
  public:
   explicit SweepC(const RingC& ring) : ring_(ring), places_(ring.CountEdges()) {}
 
-  // Whether any two edges cross whose order changes, or of which one is not steep and passes near
-  // an end of the other. `keepPlaces` means that no edges change their order.
+  // Whether any two edges cross that change their order, or of which one is not steep and passes
+  // near an end of the other. `keepPlaces` states that no two edges change their order.
   SweepResult FindCrossing(bool keepPlaces) {
     keepPlaces_ = keepPlaces;
     const std::vector<Point>& corners = ring_.GetCorners();
@@ -153,7 +153,7 @@ class SweepC {
       const auto end = std::find_if(begin, order.end(),
                                     [&](std::size_t corner) { return corners[corner] != at; });
       // Remove the edges that end at a point before those that begin there are inserted: edges that
-      // only meet in a point have no order.
+      // only meet at a point have no order.
       const std::span<const std::size_t> here(&*begin, static_cast<std::size_t>(end - begin));
       for (const std::size_t corner : here) RemoveEdgesEndingAt(corner);
       if (ArePlacesLost()) return AskForExchange();
@@ -200,7 +200,7 @@ class SweepC {
                                                           : SweepResult::kUndecided;
   }
 
-  // All edges that pass near a corner, not only the nearest ones.
+  // Tests the edges at a corner against all edges that pass near it, not only the nearest.
   bool AskBelowAndAbove(std::size_t corner) const {
     const Point& p = ring_.GetCorners()[corner];
     const auto place = status_.lower_bound(p);
@@ -217,8 +217,8 @@ class SweepC {
 
   const RingC& ring_;
   bool keepPlaces_ = false;
-  Status status_;                         // the edges on the sweep line, from below
-  std::vector<Status::iterator> places_;  // where they are
+  Status status_;                         // the edges on the sweep line, from the bottom
+  std::vector<Status::iterator> places_;  // their positions in `status_`, by edge
   std::optional<std::pair<std::size_t, std::size_t>> exchange_;
 };
 

@@ -26,13 +26,13 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
   constexpr std::size_t kBucketsPerInterval = 4;
   const std::uint64_t buckets =
       std::clamp<std::uint64_t>(kept * kBucketsPerInterval, 1, mostBuckets);
-  // The product of `ToTurnUnits`, so that no Hz up to the width has more units, whatever it rounds
-  // to.
+  // The same product as in `ToTurnUnits`: however it is rounded, no Hz up to the width has more
+  // units.
   lastUnit_ = static_cast<std::uint32_t>(std::min(width_ * (0x1p32 / TWO_PI), 0x1p32 - 1.0));
   bucketsPerUnit_ = (buckets << kFraction) / (std::uint64_t{lastUnit_} + 1);
   hulls_.assign(static_cast<std::size_t>(buckets), Hull{});
   for (const Interval& interval : intervals_) {
-    // A unit more on either side for what is rounded.
+    // One unit more on either side covers the rounding.
     const std::uint32_t low = ToUnits(interval.low, -1.0);
     const std::uint32_t high = ToUnits(interval.high, 1.0);
     for (std::size_t bucket = BucketOf(low); bucket <= BucketOf(high); ++bucket) {

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kBlock = 256;
 
-// A point beyond a pole, however little, lies on the opposite meridian of its Hz.
+// A point even slightly beyond a pole lies on the meridian opposite to its Hz.
 bool IsRegular(const AnglePointC& p) {
   return p.Hz >= -kRoundingMargin && p.Hz <= TWO_PI + kRoundingMargin && p.V >= 0.0 && p.V <= PI;
 }
@@ -100,7 +100,7 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskWrapped(double hz, do
   const double hzOrigin = frame_.hzOrigin;
   switch (way_) {
     case Way::kPolygon:
-      if (!IsInTurn(hz)) {  // by less than 10 digits
+      if (!IsInTurn(hz)) {  // outside by less than 10 digits show
         if (band_->Contains(frame_, BandProbe(hz, v, hzOrigin))) return {true, true};
         return AskPolygon(NormalizeAngle(hz - hzOrigin), v);
       }
@@ -130,8 +130,8 @@ PreparedSphereAreaC::Answer PreparedSphereAreaC::Ask(double hz, double v) const 
   return AskWrapped(hz, v);
 }
 
-// Where a direction lies is unpredictable, and a branch on it costs as much as the answer of the
-// filter. So the directions of a block that each part must look at are gathered without a branch.
+// Where a direction lies is unpredictable, and a branch on it costs as much as the filter itself.
+// The directions of a block that a stage has to process are therefore gathered without a branch.
 void PreparedSphereAreaC::AskPolygonBlock(std::span<const double> hz, std::span<const double> v,
                                           std::span<bool> inside) const {
   const std::size_t count = hz.size();
@@ -170,7 +170,7 @@ void PreparedSphereAreaC::AskPolygonBlock(std::span<const double> hz, std::span<
   }
 }
 
-// Likewise the directions that the raster does not decide.
+// Gathers the directions that the raster does not decide in the same way.
 void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<const double> v,
                                          std::span<bool> inside) const {
   std::array<std::uint8_t, kBlock> verdicts{};
@@ -179,11 +179,11 @@ void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<c
     if (AreInTurn(hz[i], v[i])) bits = raster_->FindBits(hz[i], v[i]);
     verdicts[i] = static_cast<std::uint8_t>(bits);
   }
-  // In a loop of its own, which the compiler vectorizes.
+  // A separate loop, which the compiler vectorizes.
   for (std::size_t i = 0; i < hz.size(); ++i) {
     inside[i] = verdicts[i] == static_cast<std::uint8_t>(Verdict::kInside);
   }
-  // Eight at a time, most of which are decided.
+  // Eight at a time, because most are decided.
   constexpr std::uint64_t kAnyUndecided = 0x0101010101010101U * DecidedRasterC::kUndecidedBit;
   std::array<std::uint8_t, kBlock> undecided;
   std::size_t undecidedCount = 0;

@@ -12,7 +12,7 @@ namespace GMAT {
 namespace {
 
 // Whether the edges `first` < `second` of a ring cross, as arcs and in the plane, and are not
-// adjacent; sets the crossing of the arcs when they do. The planar question is the cheap one.
+// adjacent; sets the crossing of the arcs when they do. The planar test is the cheaper one.
 bool DoEdgesCross(const std::vector<AnglePointC>& edges, std::size_t first, std::size_t second,
                   AnglePointC& crossing) {
   if (second - first < 2 || (first == 0 && second + 1 == edges.size() / 2)) return false;
@@ -46,11 +46,11 @@ struct Box {
   std::size_t edge;
 };
 
-// So many comparisons of boxes cost less than the sweep in order.
+// Up to this many comparisons of boxes cost less than the ordered sweep.
 constexpr std::size_t kBoxesPerEdge = 24;
 
-// Asks for the pairs of edges whose boxes come within the margin of each other, and gives up after
-// `most` comparisons.
+// Tests the pairs of edges whose boxes are within the margin of each other. Gives up after `most`
+// comparisons.
 SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest& areCrossing,
                        const std::vector<bool>& leftOut, std::size_t most) {
   const std::size_t count = edges.size() / 2;
@@ -77,8 +77,8 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
   std::sort(boxes.begin(), boxes.end(),
             [](const Box& a, const Box& b) { return a.along.low < b.along.low; });
 
-  // A crossing in the plane lies in both boxes to 10 digits, so boxes that are apart by more than
-  // the margin need no test. Edges enter where they begin and leave when passed.
+  // A crossing in the plane lies in both boxes to 10 digits, so edges whose boxes are further
+  // apart than the margin need no test. An edge is active from its start until it is passed.
   std::vector<Box> active;
   for (const Box& box : boxes) {
     if (most < active.size()) return SweepResult::kUndecided;
@@ -99,7 +99,7 @@ SweepResult SweepBoxes(const std::vector<AnglePointC>& edges, const EdgePairTest
   return SweepResult::kNoCrossing;
 }
 
-// A pair of edges that cross, none of them left out.
+// A pair of crossing edges, neither of which is left out.
 std::optional<EdgeCrossing> FindEdgeCrossing(const std::vector<AnglePointC>& edges,
                                              const std::vector<bool>& leftOut) {
   EdgeCrossing found{};
@@ -120,13 +120,13 @@ std::optional<EdgeCrossing> FindEdgeCrossing(const std::vector<AnglePointC>& edg
 }  // namespace
 
 bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
-  // Equal points may lie a turn apart in the frame, and would pass for two. The frame is rounded by
-  // some 1e-15.
+  // Equal points may lie a turn apart in the frame and would then look distinct. The frame is
+  // rounded by about 1e-15.
   constexpr double kLessThanTurn = TWO_PI - 1e-8;
   const auto reachesTurn = [](const AnglePointC& p) { return p.Hz > kLessThanTurn; };
   if (std::any_of(edges.begin(), edges.end(), reachesTurn)) return false;
   if (edges.front() != edges.back()) return false;  // winds around the axis
-  const std::size_t ends = edges.size();            // two of each edge
+  const std::size_t ends = edges.size();            // two per edge
   const double count = static_cast<double>(ends) / 2.0;
   double hz = 0.0;
   double v = 0.0;
@@ -139,10 +139,10 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
   AnglePointC centre{hz / count, v / count};
   const double side = area < 0.0 ? -1.0 : 1.0;
 
-  // Move the centre across the edge that lies worst, until all edges see it from the same side.
+  // Move the centre across the worst edge until it lies on the same side of all edges.
   constexpr int kMoves = 24;
   constexpr double kClear =
-      1e-9;  // how far to move across: any small distance, as all is proven below
+      1e-9;  // how far beyond the edge: any small distance, the proof follows below
   for (int move = 0;; ++move) {
     double worst = std::numeric_limits<double>::max();
     AnglePointC step{0.0, 0.0};
@@ -152,7 +152,7 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
       const double dx = b.Hz - a.Hz;
       const double dy = b.V - a.V;
       const double cross = side * (dx * (centre.V - a.V) - dy * (centre.Hz - a.Hz));
-      if (cross >= worst) continue;  // lengths differ little enough for a search
+      if (cross >= worst) continue;  // not divided by the length: exact enough for a search
       worst = cross;
       step = {-side * dy, side * dx};
     }
@@ -164,9 +164,9 @@ bool IsProvenStarShaped(const std::vector<AnglePointC>& edges) {
     centre = {centre.Hz + by * step.Hz, centre.V + by * step.V};
   }
 
-  // Each edge fills a sector of its own. Two non-adjacent ones are separated by the sector of
-  // another one, so by at least the smallest distance from the centre times the sine of the
-  // smallest sector. Edges that are out of reach of each other have no crossing in the plane.
+  // Each edge fills its own sector. Two non-adjacent edges are separated by the sector of another
+  // edge, so by at least the smallest distance from the centre times the sine of the smallest
+  // sector. Edges further apart than the reach of the planar test do not cross.
   constexpr double kRounding = 1e-12;  // of a few operations on angles within a turn
   constexpr double kApart = 1e-8;
   static_assert(kApart > kCrossingReach + kRounding);
@@ -202,8 +202,8 @@ std::vector<EdgeCrossing> FindEdgeCrossings(const std::vector<AnglePointC>& edge
                                             std::size_t most) {
   const std::size_t count = edges.size() / 2;
   std::vector<EdgeCrossing> found;
-  // An edge that crosses another one is compared with all, and then left out, until none is left
-  // that does.
+  // An edge that crosses another one is compared with all edges and then left out, until no
+  // crossing edges remain.
   std::vector<bool> leftOut(count, false);
   while (found.size() < most) {
     const std::optional<EdgeCrossing> crossing = FindEdgeCrossing(edges, leftOut);

@@ -8,7 +8,8 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// t of a direction, which falls from infinity at the zenith; beyond the poles it stays.
+// t of a direction. It falls from infinity at the zenith to -infinity at the nadir, and does not
+// change beyond the poles.
 double TangentOf(double v) {
   if (v < kRoundingMargin) return kInfinity;
   if (v > PI - kRoundingMargin) return -kInfinity;
@@ -47,7 +48,7 @@ RingCurves BuildRingCurves(const AreaFrame& frame) {
     curve.edge = static_cast<std::uint32_t>(i) & ArcCurve::kMostEdges;
     if (!arc.IsValid()) {
       curve.kind = IsAtZenith(start) && IsAtZenith(end) ? ArcCurve::kPole : ArcCurve::kSteep;
-      // Without an arc between two points the ring has a gap.
+      // If there is no arc between two points, the ring has a gap.
       if (curve.kind == ArcCurve::kSteep && !(start == end)) ring.isClosed = false;
     } else if (arc.GetPole() != 0) {
       curve.kind = ArcCurve::kPole;
@@ -60,7 +61,7 @@ RingCurves BuildRingCurves(const AreaFrame& frame) {
       curve.a = -arc.GetNormal().X() / arc.GetNormal().Z();
       curve.b = -arc.GetNormal().Y() / arc.GetNormal().Z();
       const double error = kCurveError * (std::fabs(curve.a) + std::fabs(curve.b));
-      curve.error = static_cast<float>(error * (1.0 + 0x1p-22));  // never less
+      curve.error = static_cast<float>(error * (1.0 + 0x1p-22));  // rounded up
     }
     start = end;
   }
@@ -90,7 +91,8 @@ bool LineEndsC::AllCount(const ArcCurve& curve, const RingEdge& edge) const {
   const double span = curve.high - curve.low;
   const double bulge = BulgeOf(west.tangent, east.tangent, span);
   if (span <= kShortSpan && AllCount({range.low - bulge, range.high + bulge})) return true;
-  // t swings between -k and k; its derivative tells whether it does so in between.
+  // t oscillates between -k and k. Its derivatives at the ends show whether it has an extremum in
+  // between.
   const double k = Swing(curve.a, curve.b);
   const double climbWest = curve.b * west.at.cosine - curve.a * west.at.sine;
   const double climbEast = curve.b * east.at.cosine - curve.a * east.at.sine;

@@ -6,8 +6,8 @@ namespace {
 // Differences of coordinates are exact: multiples of the grid with at most 53 bits.
 static_assert(2.0 * kLargestOnGrid / kPlaneGrid <= 0x1p53);
 
-// What `product`, the rounded a b, lacks: a double, for a and b have at most 53 bits and nothing
-// overflows or underflows.
+// The rounding error of `product`, the rounded a b. It is a double, because a and b have at most 53
+// bits and nothing overflows or underflows.
 // \source Dekker, A floating-point technique for extending the available precision, 1971.
 double RestOfProduct(double a, double b, double product) {
   constexpr double kSplitter = 0x1p27 + 1.0;
@@ -31,7 +31,8 @@ int SideOfLine(const PlanePoint& a, const PlanePoint& b, const PlanePoint& p) {
   const double py = p.y - a.y;
   double left = dx * py;
   double right = dy * px;
-  // Rounding keeps the order of two products; those that round alike differ by their rests.
+  // Rounding preserves the order of two products. If they round to the same double, their rounding
+  // errors decide.
   if (left == right) {
     left = RestOfProduct(dx, py, left);
     right = RestOfProduct(dy, px, right);

@@ -14,7 +14,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // Narrower frames get columns as if they were this wide.
 constexpr double kMinWidth = 1e-3;
-// A frame that leaves less than this of the turn counts as a full turn.
+// A frame that lacks less than this of a full turn counts as a full turn.
 constexpr double kNarrowGap = 1e-3;
 constexpr std::uint32_t kMostBuckets = 1U << 16;
 static_assert(TWO_PI / CellGridC::kFewestColumns <= kWidestColumn);
@@ -22,7 +22,7 @@ static_assert(kMinWidth / (4.0 * kColumnOverlap) > CellGridC::kFewestColumns);
 static_assert(CellGridC::kRounding >
               2 * 0x1p-22F + 2.0F * static_cast<float>(kQuickArcTangentError));
 
-// The height of a point in the cells: -V, as a direction has it.
+// The height of a point in the cells: -V, as for directions.
 double HeightOf(double tangent) { return QuickArcTangent(tangent) - HALF_PI; }
 constexpr double kHeightOfZenith = 0.0;
 
@@ -60,7 +60,7 @@ class SlabIndexC::BuilderC {
     index_.intervals_.Build(kMostBuckets);
   }
 
-  // -- What `ColumnOrderC` asks --
+  // -- Called by `ColumnOrderC` --
 
   double HeightAt(std::uint32_t curve, std::size_t border) const {
     return index_.curves_[curve].At(borders_[border]);
@@ -71,7 +71,7 @@ class SlabIndexC::BuilderC {
                           borders_[column], borders_[column + 1]);
     return comparison_.Relate(lower, upper);
   }
-  // In the cells of the column there is a place for every curve.
+  // A curve that does not fit the order of a column is listed in its cells instead.
   void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {
     const double span = index_.grid_.GetBorder(column + 1) - index_.grid_.GetBorder(column);
     const double slack = kListingMargin + SlackOf(index_.curves_[crossing.curve], crossing.left,
@@ -84,8 +84,8 @@ class SlabIndexC::BuilderC {
   }
 
  private:
-  // A frame of less than a turn needs columns for its own width alone; edges at a pole concern
-  // every meridian.
+  // A frame narrower than a turn needs columns only for its own width; edges at a pole affect every
+  // meridian.
   void ChooseColumns(double manySideBySide) {
     double frameWidth = 0.0;
     double spans = 0.0;
@@ -192,7 +192,7 @@ class SlabIndexC::BuilderC {
     double height;
   };
 
-  // Where a curve enters a column; `border` is the same modulo a turn.
+  // The point at which a curve enters a column; `border` is the same border modulo a turn.
   Point CrossBorder(const ArcCurve& curve, std::size_t turnedBorder, std::size_t border) const {
     const double t = curve.At(borders_[border]);
     return {index_.grid_.GetBorder(turnedBorder), t, HeightOf(t)};
@@ -209,7 +209,7 @@ class SlabIndexC::BuilderC {
     return line_.NoneCounts(RangeOf(curve, from, to));
   }
 
-  // The number of the same curve a turn to the west.
+  // Adds the same curve a turn further west and returns its number.
   std::size_t AddTurned(const ArcCurve& curve) {
     ArcCurve turned = curve;
     turned.low -= TWO_PI;
@@ -218,7 +218,7 @@ class SlabIndexC::BuilderC {
     return index_.curves_.size() - 1;
   }
 
-  // The rules may count an edge a little beyond its ends: the columns there list it for them.
+  // The rules may count an edge slightly beyond its ends, so the columns there list it, too.
   void ListBesideEnds(std::size_t number, std::size_t turned, std::size_t firstColumn,
                       std::size_t lastColumn) {
     const RingEdge edge = ring_.Orient(number);
@@ -252,7 +252,7 @@ SlabIndexC::SlabIndexC(const AreaFrame& frame, const RingCurves& ring, double ma
   edgeCount_ = static_cast<std::uint32_t>(frame.GetEdgeCount());
   poleEdges_ = ring.poleEdges;
   hasSearchLine_ = GreatCircleArcC(SpherePointC({0.0, vLow}), SpherePointC({0.0, vHigh})).IsValid();
-  // Edges at the north pole are crossed there, above any direction, if the search line reaches it.
+  // If the search line reaches the north pole, it crosses the edges there, above any direction.
   isAlwaysUndecided_ =
       !ring.isClosed || (!poleEdges_.empty() && vLow - kVertexAccuracy > -kRoundingMargin);
   if (!hasSearchLine_) vBegin_ = kInfinity;
@@ -284,8 +284,9 @@ std::vector<std::uint32_t> SlabIndexC::FindEdgesOfCells(double h) const {
   return edges;
 }
 
-/// The crossings of one meridian for the rules: those of the edges in cells, and of the edges in
-/// order those that the filter is not sure of. The others count once, on a known side.
+/// The crossings of one meridian to which the rules are applied: with the edges in cells, and with
+/// those edges in order that the filter cannot decide. Each of the others counts once, on a known
+/// side.
 class SlabIndexC::OpenCrossingsC {
  public:
   OpenCrossingsC(const SlabIndexC& index, const AreaFrame& frame, double h)
@@ -319,7 +320,7 @@ class SlabIndexC::OpenCrossingsC {
   }
 
  private:
-  // Notes the edges in order that are not clear of V; the number of those below it.
+  // Collects the edges in order that are not clear of V. Returns the number of edges below V.
   std::size_t AskNear(double v) {
     const CosSin atV{std::cos(v), std::sin(v)};
     const auto isClear = [&](std::size_t i) {
@@ -337,12 +338,12 @@ class SlabIndexC::OpenCrossingsC {
   const CosSin atH_;
   const std::span<const ColumnOrderC::Item> order_;
   std::vector<double> crossings_;
-  std::vector<std::size_t> asked_;  // places in the order
+  std::vector<std::size_t> asked_;  // indices in the order
 };
 
 bool SlabIndexC::AskRules(const AreaFrame& frame, double h, double v) const {
   const std::size_t column = grid_.ColumnOf(h);
-  // An edge of the order may end next to a border, where it is not certain that it counts.
+  // An edge in order may end next to a border, where it is not certain whether it counts.
   const bool isInOrder = !order_.Get(column).empty() && IsRegular(h, v) &&
                          h > grid_.GetBorder(column) + kColumnOverlap &&
                          h < grid_.GetBorder(column + 1) - kColumnOverlap;
