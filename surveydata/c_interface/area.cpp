@@ -24,7 +24,7 @@ using SDI::CInterface::Guarded;
 using SDI::CInterface::HasKnownSize;
 using SDI::CInterface::OutArray;
 
-/// Never changes. The area and what was prepared are only asked, which changes neither of them.
+/// Never changes: only const members of the area and of the prepared area are called.
 struct surveydata_area {
   std::unique_ptr<const ScanAreaC> area;
   std::optional<PreparedAreaC> prepared;
@@ -69,7 +69,7 @@ std::unique_ptr<ScanAreaC> MakeArea(std::uint32_t kind) {
   }
 }
 
-// Null for a kind that is none.
+// Null if the kind is unknown.
 std::unique_ptr<ScanAreaC> MakeArea(const surveydata_area_definition& definition) {
   std::unique_ptr<ScanAreaC> area = MakeArea(definition.kind);
   if (area == nullptr) return area;
@@ -94,7 +94,7 @@ std::unique_ptr<ScanAreaC> CopyOf(const ScanAreaC& area) {
   return copy;
 }
 
-// Of an area whose points make one.
+// Requires that the points make an area.
 bool EnclosesZenith(const ScanAreaC& area) {
   if (area.GetType() == SDI::kDomeArea) return true;
   double ignored[4] = {};
@@ -112,14 +112,14 @@ class AnglesC {
   AnglesC(const double* first, std::ptrdiff_t stride)
       : at_(reinterpret_cast<const unsigned char*>(first)), stride_(stride) {}
 
-  /// The next `count` angles, copied where they are not one after the other already.
+  /// The next `count` angles. They are copied unless they are contiguous and aligned.
   std::span<const double> Next(std::size_t count) {
     const unsigned char* const first = at_;
     at_ += stride_ * static_cast<std::ptrdiff_t>(count);
     if (IsArray()) return {reinterpret_cast<const double*>(first), count};
     const unsigned char* from = first;
     for (std::size_t i = 0; i < count; ++i, from += stride_) {
-      std::memcpy(&copies_[i], from, sizeof(double));  // anywhere, not only where doubles may be
+      std::memcpy(&copies_[i], from, sizeof(double));  // may be unaligned
     }
     return {copies_.data(), count};
   }

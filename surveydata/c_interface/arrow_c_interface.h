@@ -7,8 +7,8 @@
 /// The structs of the Arrow C data and C stream interfaces, a binary interface that every
 /// implementation of Arrow declares for itself:
 /// <https://arrow.apache.org/docs/format/CDataInterface.html> and
-/// <https://arrow.apache.org/docs/format/CStreamInterface.html>. The guards are those that it asks
-/// for, so that the header goes together with others that declare it.
+/// <https://arrow.apache.org/docs/format/CStreamInterface.html>. The guards are those that it
+/// prescribes, so that the header can be combined with others that declare it.
 
 #ifdef __cplusplus
 extern "C" {
@@ -53,12 +53,12 @@ struct ArrowArray {
 #ifndef ARROW_C_STREAM_INTERFACE
 #define ARROW_C_STREAM_INTERFACE
 
-/// Arrays of one type, one after the other. The functions answer 0 or a code of `errno.h`.
+/// A sequence of arrays of one type. The functions return 0 or a code of `errno.h`.
 struct ArrowArrayStream {
   int (*get_schema)(struct ArrowArrayStream*, struct ArrowSchema* out);
-  /// Makes an array without a release function when there are no more.
+  /// Returns an array without a release function at the end of the stream.
   int (*get_next)(struct ArrowArrayStream*, struct ArrowArray* out);
-  /// Describes the error of the last call. Null when there is none.
+  /// Describes the error of the last call. Null if it succeeded.
   const char* (*get_last_error)(struct ArrowArrayStream*);
   void (*release)(struct ArrowArrayStream*);  ///< Null once it was called.
   void* private_data;

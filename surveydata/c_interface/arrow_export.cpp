@@ -142,13 +142,13 @@ void MakeSchema(std::span<const GPSColumn* const> columns, ArrowSchema& schema) 
 
 namespace {
 
-// Readers refuse buffers that are null, even empty ones.
+// Some consumers refuse null buffers, even empty ones.
 const void* OrNothing(const void* bytes) {
   static constexpr std::uint64_t kNothing = 0;
   return bytes != nullptr ? bytes : &kNothing;
 }
 
-/// What an array owns: a share of the memory, the pointers to its buffers, and its children.
+/// What an array owns: shared ownership of the memory, the pointers to its buffers, its children.
 struct ArrayNode {
   std::shared_ptr<const void> memory;
   std::array<const void*, 3> buffers = {};

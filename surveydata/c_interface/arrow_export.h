@@ -14,12 +14,13 @@
 namespace SDI::CInterface {
 
 /// The schema of a struct of `columns`: their types, with units and descriptions as metadata, and
-/// the source of leap seconds as metadata of the columns in UTC and of the whole.
+/// the source of leap seconds as metadata of the columns in UTC and of the struct.
 void MakeSchema(std::span<const GPSColumn* const> columns, ArrowSchema& schema);
 
 /// A struct of the first `rows` rows of `columns`. Nothing is copied: `memory` owns the buffers,
-/// and every array has a share of it, also after it was moved out of the struct. Without a
-/// validity all values are present. Values may be null if there are no bytes of them.
+/// and every array shares its ownership, also after the array was moved out of the struct. Without
+/// a validity bitmap all values are present. The pointer to the values may be null if there are
+/// none.
 void MakeArray(std::span<const GPSColumnBuffer> columns, std::size_t rows,
                const std::shared_ptr<const void>& memory, ArrowArray& array);
 

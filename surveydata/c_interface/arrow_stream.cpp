@@ -50,7 +50,7 @@ std::size_t BytesOfValues(GPSColumnType type, std::size_t rows) {
 
 // ----- Batches
 
-/// Memory whose size grows while its content stays, aligned as Arrow recommends.
+/// Memory that keeps its content when it grows, aligned as Arrow recommends.
 class MemoryC {
  public:
   MemoryC() = default;
@@ -77,16 +77,16 @@ class MemoryC {
   std::size_t size_ = 0;
 };
 
-/// The memory of a batch, which its arrays share: each may outlive the others.
+/// The memory of a batch. Its arrays share the ownership: each may outlive the others.
 struct BatchMemory {
-  MemoryC fixed;               // what has a size that is known beforehand
+  MemoryC fixed;               // all buffers whose size is known in advance
   std::vector<MemoryC> longs;  // bytes of texts and lists
 };
 
-/// The rows of a batch, as far as they are read.
+/// A batch, with the rows read so far.
 class BatchC {
  public:
-  /// `room`: bytes for each text and list to begin with.
+  /// `room` is the initial number of bytes for each text and list column.
   BatchC(const Columns& columns, std::size_t capacity, std::span<const std::size_t> room)
       : capacity_(capacity), memory_(std::make_shared<BatchMemory>()) {
     memory_->fixed = MemoryC(Lay(columns, nullptr));
@@ -100,7 +100,7 @@ class BatchC {
   const std::vector<GPSColumnBuffer>& GetBuffers() const { return buffers_; }
   const std::shared_ptr<BatchMemory>& GetMemory() const { return memory_; }
 
-  /// Reads until the batch is full or there is no more.
+  /// Reads until the batch is full or there are no more rows.
   void Read(GPSColumnReaderC& reader) {
     if (!hasBegun_) {
       for (GPSColumnBuffer& buffer : buffers_) {
@@ -123,13 +123,14 @@ class BatchC {
   }
 
  private:
-  /// Places the buffers from `at` on, and answers the bytes that they take.
+  /// Places the buffers at `at` and returns the number of bytes that they take.
   std::size_t Lay(const Columns& columns, std::uint8_t* at) {
     buffers_.clear();
     std::size_t size = 0;
     const auto take = [&](std::size_t bytes) {
       std::uint8_t* const taken = at != nullptr ? at + size : nullptr;
-      size += (bytes + 127) / 64 * 64;  // a line between: columns shall not share sets of the cache
+      size += (bytes + 127) / 64 *
+              64;  // a spare cache line, so that columns do not map to the same sets
       return taken;
     };
     for (const GPSColumn* const column : columns) {
@@ -146,7 +147,7 @@ class BatchC {
     return size;
   }
 
-  /// Points to the bytes of texts and lists.
+  /// Sets the pointers to the bytes of texts and lists.
   void SetLongs() {
     std::size_t next = 0;
     for (GPSColumnBuffer& buffer : buffers_) {
@@ -157,7 +158,7 @@ class BatchC {
     }
   }
 
-  /// Doubles the buffers that have no room for another row.
+  /// Doubles the size of the buffers that have no room for another row.
   void GrowFull() {
     std::size_t next = 0;
     for (const GPSColumnBuffer& buffer : buffers_) {
@@ -205,7 +206,7 @@ class StreamC {
     }
   }
 
-  /// Takes the reader over. Nothing can fail any more.
+  /// Takes ownership of the reader. Called last, when nothing else can fail.
   void Own(surveydata_reader* reader) { reader_.reset(reader); }
 
   int GetSchema(ArrowSchema& schema) {
@@ -227,7 +228,7 @@ class StreamC {
  private:
   surveydata_status Next(ArrowArray& array) {
     if (batch_ == nullptr) batch_ = std::make_unique<BatchC>(columns_, RowsToRead(), room_);
-    batch_->Read(reader_->GetColumns());  // goes on where an error has stopped it
+    batch_->Read(reader_->GetColumns());  // continues after an error
     if (batch_->GetRows() == 0) {
       batch_.reset();
       return reader_->GetStatus();
@@ -238,7 +239,7 @@ class StreamC {
     return SURVEYDATA_OK;
   }
 
-  /// No more than there can be in the source, where its size is known.
+  /// At most as many rows as the source can contain, if its size is known.
   std::size_t RowsToRead() const {
     const std::uint64_t size = std::as_const(*reader_).GetReader().GetSize();
     if (size == 0) return rowsInBatch_;
@@ -260,12 +261,12 @@ class StreamC {
 
   Columns columns_;
   std::size_t rowsInBatch_;
-  std::vector<std::size_t> room_;  // for each text and list
+  std::vector<std::size_t> room_;  // for each text and list column, in bytes
   struct Close {
     void operator()(surveydata_reader* reader) const { surveydata_reader_close(reader); }
   };
   std::unique_ptr<surveydata_reader, Close> reader_;
-  std::unique_ptr<BatchC> batch_;  // that is not full yet
+  std::unique_ptr<BatchC> batch_;  // the batch that is being filled
   surveydata_status last_ = SURVEYDATA_OK;
 };
 
@@ -299,7 +300,7 @@ surveydata_status surveydata_reader_arrow_stream(surveydata_reader* reader,
     }
     const std::size_t rows = rows_in_batch != 0 ? rows_in_batch : SDI::CInterface::kRowsInBatch;
     auto made = std::make_unique<StreamC>(std::move(chosen), rows);
-    reader->GetColumns();  // may run out of memory
+    reader->GetColumns();  // may throw
     made->Own(reader);
     *stream = {
         [](ArrowArrayStream* self, ArrowSchema* out) { return StreamOf(self).GetSchema(*out); },

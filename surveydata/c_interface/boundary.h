@@ -10,14 +10,14 @@
 #include <surveydata/c_interface/surveydata.h>
 
 /// \file
-/// Internal: what every function of the C interface does at the boundary.
+/// Internal: exceptions, sizes of structs and arrays at the boundary of the C interface.
 
 namespace SDI::CInterface {
 
-/// Thrown when a function of the caller cancels.
+/// Thrown when a callback cancels.
 struct Cancelled {};
 
-/// Runs `work`, and answers its status, or that of the exception that it throws.
+/// Runs `work` and returns its status, or the status for the exception that it throws.
 template <class Work>
 surveydata_status Guarded(Work work) noexcept {
   try {
@@ -33,13 +33,13 @@ surveydata_status Guarded(Work work) noexcept {
   }
 }
 
-/// Whether a caller's struct has the size of a version; there is one so far.
+/// Whether a caller's struct has the size that it has in some version; there is only one so far.
 template <class Struct>
 bool HasKnownSize(const Struct& of) {
   return of.struct_size == sizeof(Struct);
 }
 
-/// What a caller gives to have an array filled.
+/// An array of the caller that is to be filled.
 template <class Element>
 struct OutArray {
   Element* elements;
@@ -47,7 +47,7 @@ struct OutArray {
   std::size_t* count;
 
   bool IsGood() const { return count != nullptr && (elements != nullptr || capacity == 0); }
-  /// Sets the count, and fills as many elements as there is room for by `make(i)`.
+  /// Sets the count, and sets as many elements as there is room for to `make(i)`.
   template <class Make>
   surveydata_status Fill(std::size_t total, Make make) const {
     const std::size_t filled = std::min(total, capacity);

@@ -26,7 +26,7 @@ using SDI::RecordFrame::FieldPlace;
 
 namespace {
 
-// Of a frame that is to be explained or changed. The measurement is not asked for.
+// Checks a frame that is to be explained or changed.
 surveydata_status Check(Bytes frame) {
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info;
@@ -61,7 +61,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsControl(char32_t c) { return c < 0x20 || (0x7F <= c && c < 0xA0); }
 
-// Writes the value of a field for people.
+// Writes the value of a field as text.
 class ValueWriterC {
  public:
   explicit ValueWriterC(std::span<char> to) : at_(to.data()), end_(at_ + to.size()) {}
@@ -82,7 +82,7 @@ class ValueWriterC {
   void AppendInteger(Integer value) {
     at_ = std::to_chars(at_, end_, value).ptr;
   }
-  // The shortest digits that give the same number; without an exponent where that is readable.
+  // The shortest decimal that converts back to the same number, without an exponent if readable.
   void AppendFloat(float value) {
     const float size = std::fabs(value);
     const bool isPlain = size == 0.0F || (1e-4F <= size && size < 1e7F);
@@ -141,7 +141,7 @@ class FieldListC {
     return ValueWriterC(std::span(field.value).first<sizeof(field.value) - 1>());
   }
 
-  // Null when there is no room for it.
+  // Null if there is no room for it.
   surveydata_field* Add(const FieldPlace& place, std::uint32_t type) {
     if (count_++ >= fields_.size()) return nullptr;
     surveydata_field& field = fields_[count_ - 1];
@@ -160,7 +160,7 @@ class FieldListC {
   std::size_t count_ = 0;
 };
 
-// What the changes of the caller are; none when they are no good.
+// Converts the changes of the caller; none if they are not valid.
 std::optional<SDI::RecordFrame::Changes> ChangesOf(const surveydata_changes& from) {
   constexpr std::uint32_t kAll =
       SURVEYDATA_CHANGE_NAME | SURVEYDATA_CHANGE_NUMBER | SURVEYDATA_CHANGE_ANTENNA_HEIGHT;

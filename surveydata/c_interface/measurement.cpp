@@ -61,7 +61,7 @@ void Store(GPSCounterPair pair, std::uint8_t (&to)[2]) {
   to[1] = pair.second;
 }
 
-// Whole arrays: fresh data has zeros after the terminator.
+// Copies the whole array: a new measurement has zeros after the terminator.
 template <std::size_t N>
 void Store(const char16_t* text, std::uint16_t (&to)[N]) {
   std::memcpy(to, text, sizeof(to));
@@ -112,8 +112,8 @@ void Store(const GPSMeasDataImplC& from, Struct& to) {
   std::copy(std::begin(list.entries), std::end(list.entries), to.list_entries);
 }
 
-// --- From a struct of the caller. What setters cannot make is refused with its field; that a frame
-// has no place for the rest is said by the encoder.
+// --- From a struct of the caller. A value that the setters cannot produce is refused with its
+// field; the encoder refuses what has no place in a frame.
 
 template <std::size_t N>
 bool LoadText(const std::uint16_t (&from)[N], GPSMeasDataImplC& to,
@@ -133,8 +133,8 @@ GPSRecordField LoadTexts(const Struct& from, GPSMeasDataImplC& to) {
   return GPSRecordField::kNone;
 }
 
-// The pair of system 2 or 3, present or not: a setter makes it present unless the second value is
-// 0.
+// The pair of system 2 or 3. The setter marks it as present unless the second value is 0, so a pair
+// that is present is set twice.
 GPSRecordField LoadLaterSystem(const std::uint8_t (&pair)[2], bool isPresent, GPSRecordField field,
                                GPSMeasDataImplC& to,
                                void (GPSMeasDataImplC::*set)(std::uint8_t, std::uint8_t)) {
@@ -161,7 +161,7 @@ void LoadStatus(std::uint16_t status, GPSMeasDataImplC& to) {
   if ((status & SURVEYDATA_STATUS_BIT_3) != 0) to.SetStatusBit3();
 }
 
-// What is present by the set mask.
+// The fields that are present by the set mask.
 void LoadPresent(const Struct& from, GPSMeasDataImplC& to) {
   const auto has = [&](std::uint16_t bit) { return (from.set_mask & bit) != 0; };
   if (has(SURVEYDATA_HAS_ANTENNA_HEIGHT)) {
@@ -184,7 +184,7 @@ void LoadPresent(const Struct& from, GPSMeasDataImplC& to) {
   }
 }
 
-// Returns the field that no measurement holds like this.
+// Returns the first field with a value that no measurement can have.
 GPSRecordField Load(const Struct& from, GPSMeasDataImplC& to) {
   to.SetTimeA({from.time_a_week, from.time_a_of_week});
   to.SetTimeB({from.time_b_week, from.time_b_of_week});
@@ -204,7 +204,7 @@ GPSRecordField Load(const Struct& from, GPSMeasDataImplC& to) {
   to.SetValueG(from.value_g);
   const GPSRecordField text = LoadTexts(from, to);
   if (text != GPSRecordField::kNone) return text;
-  // Bits that do not go together: a value C of 0, for example, or a system without its own bit.
+  // Bits that contradict each other or the values: value C is 0, or a system lacks its own bit.
   if (to.GetSetMask() != from.set_mask) {
     const bool isValueC = ((to.GetSetMask() ^ from.set_mask) & SURVEYDATA_HAS_VALUE_C) != 0;
     return isValueC ? GPSRecordField::kValueC : GPSRecordField::kSystem1Pair;
@@ -212,7 +212,7 @@ GPSRecordField Load(const Struct& from, GPSMeasDataImplC& to) {
   return GPSRecordField::kNone;
 }
 
-// Members of later versions.
+// Whether members that are reserved for later versions are set.
 bool HasReserved(const Struct& of) {
   return of.reserved != 0 ||
          std::any_of(std::begin(of.reserved_at_end), std::end(of.reserved_at_end),

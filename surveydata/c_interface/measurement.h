@@ -7,7 +7,7 @@
 #include <surveydata/gnss/gps_record_outcome.h>
 
 /// \file
-/// Internal: measurements as structs.
+/// Internal: converts measurements to structs.
 
 namespace SDI::CInterface {
 

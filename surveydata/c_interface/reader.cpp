@@ -26,7 +26,7 @@ std::uint32_t KindOf(const GPSRecordEntry& entry) {
   return entry.IsMeasurement() ? SURVEYDATA_MEASUREMENT : SURVEYDATA_OTHER_RECORD;
 }
 
-// Makes a reader by `make`, and hands it out when its source is open.
+// Creates a reader with `make`, and returns it if its source is open.
 template <class Make>
 surveydata_status Open(std::uint64_t begin, std::uint64_t end, surveydata_reader** reader,
                        Make make) {
@@ -42,7 +42,7 @@ surveydata_status Open(std::uint64_t begin, std::uint64_t end, surveydata_reader
   });
 }
 
-// Reads by the caller's function.
+// Reads with the caller's callback.
 class ReadAtC {
  public:
   explicit ReadAtC(const surveydata_source& source) : source_(source) {}
@@ -50,7 +50,7 @@ class ReadAtC {
   std::ptrdiff_t operator()(std::uint64_t offset, std::span<std::uint8_t> to) const {
     const std::int64_t count = source_.read_at(source_.context, offset, to.data(), to.size());
     if (count == SURVEYDATA_READ_CANCELLED) throw Cancelled();
-    // No count is larger than what was asked for, so none is cut off.
+    // A valid count is at most the requested one, so the conversion does not truncate it.
     const bool isCount = 0 <= count && static_cast<std::uint64_t>(count) <= to.size();
     return isCount ? static_cast<std::ptrdiff_t>(count) : -1;
   }
@@ -79,7 +79,7 @@ surveydata_status SDI::CInterface::StatusOf(GPSReaderState state) {
   return SURVEYDATA_CANNOT_OPEN;
 }
 
-// Headers that nobody wants now are passed over, also those that were taken before.
+// Discards headers that are not wanted now, including those collected before.
 void surveydata_reader::TakeHeaders(bool areWanted) {
   isTaking_ = areWanted;
   if (!areWanted) return headers_.Clear();
@@ -90,7 +90,7 @@ void surveydata_reader::TakeHeaders(bool areWanted) {
   isReporting_ = true;
 }
 
-// Walks up to the next entry, or until there is no room for another header.
+// Advances to the next entry, or until there is no room for another header.
 void surveydata_reader::Walk() {
   try {
     hasEntry_ = reader_.NextEntry(entry_);

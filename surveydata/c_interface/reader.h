@@ -12,7 +12,7 @@
 #include <surveydata/gnss/gps_record_reader.h>
 
 /// \file
-/// Internal: what the handle of a reader holds.
+/// Internal: the handle of a reader.
 
 namespace SDI::CInterface {
 
@@ -37,7 +37,7 @@ class ContextC {
   void* context_ = nullptr;
 };
 
-/// Damaged headers that a reader has reported and that are not handed out yet.
+/// Damaged headers that a reader has reported and that the caller has not received yet.
 class DamagedHeadersC {
  public:
   /// Thrown when there is no room for another one.
@@ -68,7 +68,7 @@ struct surveydata_reader {
   template <class... Source>
   explicit surveydata_reader(Source&&... source) : reader_(std::forward<Source>(source)...) {}
 
-  /// The reader, for who goes on with it: what was reached by `Next` is given up.
+  /// The reader, to be used directly: entries that `Next` has read ahead are discarded.
   SDI::GPSRecordReaderC& GetReader() {
     headers_.Clear();
     isTaking_ = false;
@@ -76,19 +76,19 @@ struct surveydata_reader {
     return reader_;
   }
   const SDI::GPSRecordReaderC& GetReader() const { return reader_; }
-  /// The same by columns.
+  /// The same, to read columns.
   SDI::GPSColumnReaderC& GetColumns() {
     if (columns_ == nullptr) columns_ = std::make_unique<SDI::GPSColumnReaderC>(reader_);
     GetReader();
     return *columns_;
   }
-  /// How many frames were left out by columns.
+  /// The number of frames that were left out when columns were read.
   std::uint64_t GetLeftOut() const { return columns_ != nullptr ? columns_->GetLeftOut() : 0; }
   /// Why there is nothing more to read.
   surveydata_status GetStatus() const { return SDI::CInterface::StatusOf(reader_.GetState()); }
   SDI::CInterface::ContextC& GetContext() { return context_; }
 
-  /// Goes on with what the reader is at.
+  /// Does not change the position of the reader.
   void SetProgress(SDI::GPSRecordReaderC::ReportProgress report) {
     reader_.SetReportProgress(std::move(report));
   }
@@ -98,13 +98,13 @@ struct surveydata_reader {
   void TakeHeaders(bool areWanted);
   void Walk();
 
-  SDI::CInterface::ContextC context_;  // released after the reader is closed
+  SDI::CInterface::ContextC context_;  // destroyed last, after the reader is closed
   SDI::GPSRecordReaderC reader_;
-  std::unique_ptr<SDI::GPSColumnReaderC> columns_;  // once it is asked for
+  std::unique_ptr<SDI::GPSColumnReaderC> columns_;  // null until it is used
   bool isReporting_ = false;
   bool isTaking_ = false;
   SDI::CInterface::DamagedHeadersC headers_;
-  bool hasEntry_ = false;  // one that comes after the headers
+  bool hasEntry_ = false;  // `entry_`, which follows the headers
   SDI::GPSRecordEntry entry_;
 };
 

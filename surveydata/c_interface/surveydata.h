@@ -434,8 +434,8 @@ enum {
   SURVEYDATA_COLUMN_UINT16_LIST = 9  ///< Any number of 16-bit values.
 };
 
-/// A column of the table that measurements make. Its values are those that the getters of a
-/// measurement answer, and absent where these have nothing to answer. docs/columns.md lists them.
+/// A column of a table of measurements. Its values are those that the getters of a measurement
+/// return, and absent where these return nothing. docs/columns.md lists the columns.
 typedef struct surveydata_column {
   const char* name;  ///< In snake case.
   const char* unit;  ///< "m", "ms"; "" where there is none.
@@ -445,22 +445,22 @@ typedef struct surveydata_column {
   size_t largest;  ///< The bytes of the longest text or list; 0 for other types.
 } surveydata_column;
 
-/// Lists the columns. Find them by name: later versions may have more of them, in other places.
+/// Lists the columns. Look them up by name: later versions may have more of them, in another order.
 /// \return `SURVEYDATA_BUFFER_TOO_SMALL`.
 SURVEYDATA_API surveydata_status surveydata_columns(surveydata_column* columns, size_t column_size,
                                                     size_t capacity, size_t* count);
 
 /// A column, and where its values go. The layout is that of the Apache Arrow columnar format: bits
-/// begin with the lowest one of their byte, numbers are those of the machine.
+/// start at the lowest one of each byte, numbers have the machine's byte order.
 typedef struct surveydata_column_buffer {
-  uint32_t column;    ///< Its place in the list of columns.
+  uint32_t column;    ///< Its index in the list of columns.
   uint32_t reserved;  ///< 0
-  /// A value for each row, 0 where it is absent; of `SURVEYDATA_COLUMN_BOOL` a bit for each row. Of
-  /// texts and lists their bytes or entries, one row after the other. Aligned as its type.
+  /// A value for each row, 0 if it is absent; a bit for each row of `SURVEYDATA_COLUMN_BOOL`. For
+  /// texts and lists the bytes or entries of all rows, without gaps. Aligned for its type.
   void* values;
   size_t values_size;  ///< The bytes at `values`; only read for texts and lists.
-  /// Of texts and lists: where each begins in `values`, in bytes or entries, and after the last one
-  /// its end, so one more than there are rows. Null for other columns.
+  /// For texts and lists: where each row begins in `values`, in bytes or entries, followed by the
+  /// end of the last row, so one more than there are rows. Null for other columns.
   int64_t* offsets;
   uint8_t* validity;  ///< A bit for each row, 1 where there is a value. May be null.
   uint64_t absent;    ///< Set to the number of absent values.
@@ -471,11 +471,11 @@ typedef struct surveydata_column_buffer {
 /// left. Frames with a block that does not fit are left out.
 ///
 /// \param rows      set to the number of rows, also when the function fails: they are in the
-///                  buffers, and the next call goes on after them.
+///                  buffers, and the next call continues after them.
 /// \param left_out  set to the number of frames that were left out since the reader was opened. May
 ///                  be null.
-/// \return `SURVEYDATA_END` with 0 rows after the last one, as `surveydata_reader_next`;
-///         `SURVEYDATA_BUFFER_TOO_SMALL` when there is no room for a single row.
+/// \return `SURVEYDATA_END` with 0 rows after the last one, as in `surveydata_reader_next`;
+///         `SURVEYDATA_BUFFER_TOO_SMALL` if there is no room for a single row.
 SURVEYDATA_API surveydata_status surveydata_reader_read_columns(
     surveydata_reader* reader, surveydata_column_buffer* buffers, size_t buffer_size,
     size_t buffer_count, size_t capacity, size_t* rows, uint64_t* left_out);
@@ -483,21 +483,21 @@ SURVEYDATA_API surveydata_status surveydata_reader_read_columns(
 /// A stream of batches; c_interface/arrow_c_interface.h defines it.
 struct ArrowArrayStream;
 
-/// Makes an `ArrowArrayStream` of the Arrow C stream interface of the measurements that are left in
-/// the reader: structs of the chosen columns, with texts of 64-bit offsets, units and descriptions
-/// as metadata of the fields, and the source of leap seconds as metadata of the schema. Frames with
-/// a block that does not fit are left out.
+/// Makes an `ArrowArrayStream` of the Arrow C stream interface from the remaining measurements of
+/// the reader: structs of the chosen columns. Texts have 64-bit offsets, the metadata of the fields
+/// are their units and descriptions, and that of the schema is the source of leap seconds. Frames
+/// with a block that does not fit are left out.
 ///
-/// The reader belongs to the stream from then on, which closes it when it is released; when the
-/// function fails it stays the caller's. Source and context of the reader live as long as the
-/// stream. Batches are independent of it, and may be released in any order and by any thread.
+/// On success the stream takes ownership of the reader, and closes it when it is released. Bytes in
+/// memory from which the reader reads must outlive the stream. Batches are independent of the
+/// stream, and may be released in any order and by any thread.
 ///
-/// After an error of `get_next`, which `get_last_error` describes, the next call goes on where it
-/// happened: ECANCELED, ENOMEM, EIO (reading failed) or EINVAL.
+/// `get_next` fails with ECANCELED, ENOMEM, EIO (reading failed) or EINVAL, and `get_last_error`
+/// describes the error. The next call continues where it occurred.
 ///
-/// \param columns        places in the list of columns, in any order. Null with the count 0 means
+/// \param columns        indices in the list of columns, in any order. Null with the count 0 means
 ///                       all of them.
-/// \param rows_in_batch  of every batch but the last; 0 means 65,536.
+/// \param rows_in_batch  rows of every batch but the last; 0 means 65,536.
 SURVEYDATA_API surveydata_status surveydata_reader_arrow_stream(surveydata_reader* reader,
                                                                 const uint32_t* columns,
                                                                 size_t column_count,
@@ -588,7 +588,7 @@ typedef struct surveydata_bounds {
   int32_t encloses_zenith;
   double hz_min;  ///< rad; above `hz_max` if the area crosses Hz 0.
   double hz_max;  ///< rad, at most 2 pi
-  double v_min;   ///< rad; for an area around the zenith the least V of its ring, not 0.
+  double v_min;   ///< rad; for an area around the zenith the smallest V of its ring, not 0.
   double v_max;   ///< rad
 } surveydata_bounds;
 

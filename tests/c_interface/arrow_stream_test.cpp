@@ -121,7 +121,7 @@ std::map<std::string, std::string> MetadataOf(const ArrowSchema& schema) {
   return pairs;
 }
 
-/// Puts the values of a column into the rows from `first` on.
+/// Copies the values of a column into the rows of `table`, starting at row `first`.
 void ReadColumn(const GPSColumn& column, const ArrowArray& array, std::size_t first, Table& table) {
   SCOPED_TRACE(column.name);
   const bool isLong = column.largest != 0;
@@ -142,7 +142,7 @@ void ReadColumn(const GPSColumn& column, const ArrowArray& array, std::size_t fi
     EXPECT_EQ(entries.buffers[0], nullptr);
     values = entries.buffers[1];
   }
-  // The validity as the column reader gives it, so that its buffers can be shown alike.
+  // Laid out as the column reader does it, so that both can be formatted by the same code.
   Columns::BuffersC shown({std::vector<const GPSColumn*>{&column}}, rows,
                           isLong ? std::size_t{1} << 21 : 0);
   SDI::GPSColumnBuffer& buffer = shown.Get()[0];
@@ -292,7 +292,7 @@ TEST(ArrowStream, OfNoRecordsHasNoBatches) {
   EXPECT_EQ(batch->release, nullptr);
 }
 
-// The longest texts of all, so that buffers have to grow.
+// The longest possible texts, so that buffers have to grow.
 TEST(ArrowStream, GrowsWithItsTexts) {
   const std::u16string units(79, u'\u20AC');
   const ByteVector frame =
@@ -309,7 +309,7 @@ TEST(ArrowStream, GrowsWithItsTexts) {
   EXPECT_TRUE(table == Asked(bytes, columns));
 }
 
-// A consumer may take children out of a batch, and release all in any order and in any thread.
+// A consumer may move children out of a batch, and release them in any order and in any thread.
 TEST(ArrowStream, HasBatchesThatOutliveItAndColumnsThatOutliveTheirBatch) {
   const auto columns = Columns::All();
   const Table expected = Asked(Sample(), columns);
@@ -344,7 +344,7 @@ TEST(ArrowStream, HasBatchesThatOutliveItAndColumnsThatOutliveTheirBatch) {
 
 struct Source {
   ByteVector bytes;
-  std::int64_t answer = 0;  // instead of bytes, once, from `from` on
+  std::int64_t answer = 0;  // returned once instead of bytes, at offset `from` or later
   std::uint64_t from = 0;
   int released = 0;
 };
@@ -440,7 +440,7 @@ TEST(ArrowStream, IsRefusedWithoutTakingTheReader) {
   surveydata_reader_close(reader);
 }
 
-// Every allocation fails once: nothing leaks (the sanitizer checks that too), nothing is lost.
+// Every allocation fails once: nothing leaks (the sanitizer checks that, too), and no row is lost.
 TEST(ArrowStream, SaysThatMemoryIsExhaustedAndLosesNothing) {
   const auto columns = Columns::All();
   const Table expected = Asked(Sample(), columns);
@@ -451,7 +451,7 @@ TEST(ArrowStream, SaysThatMemoryIsExhaustedAndLosesNothing) {
     Faults::LimitAllocations(Faults::kNever);
     return result;
   };
-  // Returns how often `call` failed until it succeeded, each time with one allocation more.
+  // Repeats `call`, each time with one more allocation, until it succeeds. Returns the failures.
   const auto failures = [&](int code, const std::function<int()>& call) {
     std::size_t count = 0;
     for (int result = code; (result = limited(count, call)) != 0; ++count) EXPECT_EQ(result, code);

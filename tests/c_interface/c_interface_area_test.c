@@ -46,7 +46,7 @@ static surveydata_area* make_square(void) {
 static surveydata_area* make_tie(void) { return make(SURVEYDATA_POLYGON, tie_hz, tie_v, 4); }
 static surveydata_area* make_dome(void) { return make(SURVEYDATA_DOME, NULL, NULL, 0); }
 
-/* ----- Making */
+/* ----- Creation */
 
 static void test_create(void) {
   surveydata_area_definition definition = define(SURVEYDATA_POLYGON, square_hz, square_v, 4);
@@ -80,7 +80,7 @@ static void test_create(void) {
   CHECK_STATUS(surveydata_area_create(&definition, &area), SURVEYDATA_INVALID_ARGUMENT);
   definition = define(SURVEYDATA_POLYGON, square_hz, NULL, 1);
   CHECK_STATUS(surveydata_area_create(&definition, &area), SURVEYDATA_INVALID_ARGUMENT);
-  /* No points need no arrays; the points of a dome are not read. */
+  /* Without points the arrays may be null; the points of a dome are not read. */
   definition = define(SURVEYDATA_RECTANGLE, NULL, NULL, 0);
   CHECK_STATUS(surveydata_area_create(&definition, &area), SURVEYDATA_OK);
   surveydata_area_destroy(area);
@@ -175,7 +175,7 @@ static void test_array_of_faults(void) {
   memset(&untouched, 0xEE, sizeof(untouched));
   definition.hz_step = definition.v_step = 0.0;
   CHECK_STATUS(surveydata_area_create(&definition, &area), SURVEYDATA_OK);
-  /* Two faults: no array, arrays that are too small, just right, larger. */
+  /* Two faults: without an array; with an array that is too small, of the right size, larger. */
   CHECK_STATUS(surveydata_area_faults(area, NULL, sizeof(faults[0]), 0, &count), SURVEYDATA_OK);
   CHECK(count == 2);
   count = 7;
@@ -315,7 +315,7 @@ static void test_outline(void) {
 
 /* ----- Containment */
 
-/* The area as it is, and prepared in both ways. */
+/* The area unprepared, and prepared in both ways. */
 typedef struct ways {
   surveydata_area* areas[3];
 } ways;
@@ -369,14 +369,14 @@ static void test_contains(void) {
 
 enum { DIRECTIONS = 3000 };
 
-/* Every way of laying out directions gives the answers of single questions. */
+/* Every layout of directions gives the same answers as single directions. */
 static void test_contains_many(void) {
   const ptrdiff_t size = sizeof(double);
   const ways squares = all_ways(make_square());
   double* const pairs = malloc(2 * DIRECTIONS * sizeof(double));
   double* const hz = malloc(DIRECTIONS * sizeof(double));
   double* const v = malloc(DIRECTIONS * sizeof(double));
-  /* A byte too far for the alignment of a double. */
+  /* One byte off the alignment of a double. */
   unsigned char* const odd = malloc(DIRECTIONS * sizeof(double) + 1);
   uint8_t* const expected = malloc(DIRECTIONS);
   uint8_t* const inside = malloc(DIRECTIONS + 1);
@@ -547,7 +547,8 @@ static void test_explain(void) {
   surveydata_area_destroy(tie);
 }
 
-/* What an area was made of may go; what it was prepared from, too. */
+/* The arrays that an area was created from may be freed, and so may the area it was prepared from.
+ */
 static void test_nothing_is_kept(void) {
   double* const hz = malloc(4 * sizeof(double));
   double* const v = malloc(4 * sizeof(double));

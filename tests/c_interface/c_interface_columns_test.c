@@ -127,7 +127,7 @@ static void test_batches(const uint8_t* bytes, size_t size) {
   surveydata_reader_close(reader);
 }
 
-/* Columns go on after the entries that were read before, and the other way round. */
+/* Columns continue after the entries that were read before, and vice versa. */
 static void test_mixed(const uint8_t* bytes, size_t size) {
   surveydata_reader* const reader = open_bytes(bytes, size);
   uint64_t offset = 0;

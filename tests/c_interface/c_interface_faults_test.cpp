@@ -1,6 +1,5 @@
-// What throws below the C interface is a status above it: every allocation of every function fails
-// once, and functions of the caller throw. Nothing leaks, outputs stay as they are, and the next
-// call succeeds.
+// Exceptions become statuses of the C interface: every allocation of every function fails once, and
+// callbacks throw. Nothing leaks, outputs stay unchanged, and the next call succeeds.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,8 +24,8 @@ using TestSupport::Append;
 using TestSupport::ByteVector;
 using TestSupport::FrameOf;
 
-// Calls `work`, with one more allocation each time, until the answer is another than that memory
-// ran out, which is `expected`. Returns the number of failures.
+// Calls `work`, each time with one more allocation, until it no longer runs out of memory and
+// returns `expected`. Returns the number of failures.
 template <class Work, class Check>
 std::size_t FailuresBefore(surveydata_status expected, Work work, Check afterFailure) {
   for (std::size_t failures = 0;; ++failures) {
@@ -106,7 +105,7 @@ TEST(CInterfaceFaults, AReaderIsOpenedOrNotThere) {
           [&] { return surveydata_reader_open_source(&given, 0, SURVEYDATA_NO_END, &reader); },
           [&] {
             isNull();
-            EXPECT_EQ(source.released, 0);  // it stays the caller's
+            EXPECT_EQ(source.released, 0);  // the caller still owns it
           }),
       3U);
   surveydata_reader_close(reader);
@@ -149,7 +148,7 @@ TEST(CInterfaceFaults, ReadingTakesNoMemory) {
   surveydata_reader_close(reader);
 }
 
-// As its comment says, with entries and columns asked of it.
+// As documented, when both entries and columns are read.
 TEST(CInterfaceFaults, AReaderTakesLittleMemory) {
   const ByteVector bytes = DamagedFile();
   for (const bool isInMemory : {true, false}) {
@@ -176,8 +175,8 @@ TEST(CInterfaceFaults, AReaderTakesLittleMemory) {
   }
 }
 
-// Setting up the report of damaged headers, or of progress, may take memory; nothing is passed
-// over.
+// Setting up the report of damaged headers, or of progress, may allocate memory. No entry is
+// skipped if that fails.
 TEST(CInterfaceFaults, EntriesAreGivenDespiteFailures) {
   const ByteVector bytes = DamagedFile();
   surveydata_reader* reader = nullptr;
@@ -226,7 +225,7 @@ TEST(CInterfaceFaults, FunctionsOfTheCallerMayThrow) {
     EXPECT_EQ(entry.size, 27U);
     surveydata_reader_close(reader);
 
-    // Of progress.
+    // A progress callback throws.
     Source large{ByteVector(3 << 20, 0x9C)};
     surveydata_reader* const walker = OpenSource(large);
     const auto progress = [](void* context, std::uint64_t) {
@@ -275,7 +274,7 @@ class CInterfaceAreaFaults : public testing::Test {
     return area;
   }
 
-  // The edges cross each other for the tie.
+  // Swaps two corners, so that edges cross.
   void MakeTie() { std::swap(v_[1], v_[2]); }
 
   std::array<double, 4> hz_ = {1.0, 2.0, 2.0, 1.0};

@@ -35,7 +35,7 @@ static void append_float(uint8_t** at, float value) {
   append_u32(at, bits);
 }
 
-/* A frame with every block that decoding stores something of. */
+/* A frame with every block from which decoding stores a value. */
 static size_t make_full_frame(uint8_t* frame) {
   uint8_t* at = frame;
   memset(frame, 0, SURVEYDATA_LONGEST_FRAME);
@@ -142,7 +142,7 @@ static void test_decode(void) {
   CHECK(m.reserved == 0 && m.reserved_at_end[0] == 0 && m.reserved_at_end[2] == 0);
 }
 
-/* What a frame without blocks leaves is the default. */
+/* The fields that a frame without blocks does not set have their defaults. */
 static void test_defaults(void) {
   uint8_t frame[19];
   surveydata_measurement m;
@@ -188,7 +188,7 @@ static void test_decode_refuses(void) {
   make_frame(frame, 501);
   CHECK_STATUS(surveydata_decode(frame, 501, &m), SURVEYDATA_NO_MEASUREMENT);
   CHECK(memcmp(&m, &before, sizeof(m)) == 0);
-  /* Shorter than times and flags. */
+  /* Too short for times and flags. */
   make_frame(frame, 18);
   CHECK_STATUS(surveydata_decode(frame, 18, &m), SURVEYDATA_BLOCK_DOES_NOT_FIT);
   CHECK(m.block == BLOCK_TIMES && m.number == 0);
@@ -232,7 +232,7 @@ static void test_encode(void) {
   CHECK(size == load_u16(again + 2) + 2);
   CHECK_STATUS(surveydata_decode(again, size, &decoded), SURVEYDATA_OK);
   CHECK(memcmp(&m, &decoded, sizeof(m)) == 0);
-  /* The field need not be asked for. */
+  /* The pointer to the refused field may be null. */
   CHECK_STATUS(surveydata_encode(&m, again, SURVEYDATA_LONGEST_FRAME + 1, &size, NULL),
                SURVEYDATA_OK);
   /* Nothing is present: the shortest frame. */
@@ -261,7 +261,7 @@ static void test_encode_refuses(void) {
   m.struct_size = sizeof(m) + 1;
   CHECK_STATUS(surveydata_encode(&m, frame, sizeof(frame), &size, &field), SURVEYDATA_WRONG_SIZE);
   CHECK(size == 7 && field == 7 && frame[0] == 0xEE);
-  /* Bits that there are not, and members of later versions. */
+  /* Bits that do not exist, and members that are reserved for later versions. */
   m = new_measurement();
   m.set_mask = 1;
   CHECK_STATUS(surveydata_encode(&m, frame, sizeof(frame), &size, &field),
@@ -283,7 +283,7 @@ static void test_encode_refuses(void) {
                SURVEYDATA_INVALID_ARGUMENT);
 }
 
-/* Each field that has no place is named. `name` is that of the library. */
+/* Each field that has no place is named. `name` is the library's name of the field. */
 static void check_refused(const surveydata_measurement* m, surveydata_status status,
                           const char* name) {
   uint8_t frame[SURVEYDATA_LONGEST_FRAME];
@@ -507,7 +507,7 @@ static void test_patch(void) {
   after.antenna_is_vertical = before.antenna_is_vertical;
   CHECK(memcmp(&before, &after, sizeof(before)) == 0);
 
-  /* All at once, into the same place; bytes that are no change keep their values. */
+  /* All at once, in place; bytes that do not belong to a change keep their values. */
   changes = new_changes(SURVEYDATA_CHANGE_NAME | SURVEYDATA_CHANGE_NUMBER |
                         SURVEYDATA_CHANGE_ANTENNA_HEIGHT);
   changes.name = "";
@@ -520,7 +520,7 @@ static void test_patch(void) {
   CHECK(after.name[0] == 0 && after.number == 5 && after.antenna_height == 2.0f &&
         after.antenna_is_vertical == 0);
   {
-    /* Name, number, height and checksum alone: the rest is byte for byte as before. */
+    /* Only name, number, height and checksum change: all other bytes stay the same. */
     size_t i;
     for (i = 0; i < size - 2; ++i) {
       const int is_changed = 29 <= i && i < 72;
@@ -558,7 +558,7 @@ static void test_patch_refuses(void) {
   CHECK_STATUS(surveydata_patch(frame, size, &changes, frame), SURVEYDATA_OK);
   changes.name = "123456789012345678";
   CHECK_STATUS(surveydata_patch(frame, size, &changes, patched), SURVEYDATA_NO_PLACE);
-  /* 16 units of three bytes and one of one are 49 bytes. */
+  /* 16 units of three bytes each and one of one byte are 49 bytes. */
   changes.name =
       "\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC"
       "\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC"
@@ -582,7 +582,7 @@ static void test_patch_refuses(void) {
   changes.antenna_height = (float)NAN;
   CHECK_STATUS(surveydata_patch(frame, size, &changes, patched), SURVEYDATA_NO_PLACE);
 
-  /* A frame without the block, each in turn. */
+  /* Frames that lack the block of a change, one after the other. */
   changes.antenna_height = 1.0f;
   make_frame(frame, 17 + 38 + 2);
   store_u16(frame + FRAME_FLAGS_AT, 0x0002);
@@ -684,7 +684,7 @@ static void test_fields(void) {
   CHECK(field == &fields[count - 1]);
 }
 
-/* How numbers are shown. */
+/* How numbers are written as text. */
 static void test_values_for_people(void) {
   static const struct {
     float height;

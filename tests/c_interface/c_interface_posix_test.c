@@ -40,7 +40,7 @@ static void check_open(const char* name, surveydata_status status) {
   CHECK(reader == NULL);
 }
 
-/* Nothing is forbidden to the superuser, who becomes somebody else for that. */
+/* The superuser may read every file, so the test drops the privilege. */
 static void test_no_permission(void) {
   char name[64];
   uint8_t frame[FRAME];
@@ -89,7 +89,7 @@ static void test_pipe(void) {
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry),
                SURVEYDATA_NO_STRETCHES);
   surveydata_reader_close(reader);
-  /* As a whole it is read, and its size is not known. */
+  /* It can be read as a whole, and its size is not known. */
   CHECK(write(pipe_end, frame, FRAME) == FRAME);
   CHECK_STATUS(surveydata_reader_open_file(name, 0, SURVEYDATA_NO_END, &reader), SURVEYDATA_OK);
   CHECK(close(pipe_end) == 0);
@@ -102,14 +102,14 @@ static void test_pipe(void) {
   CHECK(entry.kind == SURVEYDATA_MEASUREMENT && entry.size == FRAME);
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
   surveydata_reader_close(reader);
-  /* Nothing can be appended to it. */
+  /* It cannot be appended to. */
   pipe_end = open(name, O_RDWR);
   CHECK_STATUS(surveydata_append(name, frame, FRAME), SURVEYDATA_CANNOT_OPEN);
   CHECK(close(pipe_end) == 0);
   remove(name);
 }
 
-/* Beyond the limit writing fails, as on a full disk; the limit holds for the superuser too. */
+/* Writing beyond the file size limit fails as on a full disk, also for the superuser. */
 static void test_writing_failed(void) {
   char name[64];
   uint8_t frames[3 * FRAME];
@@ -136,7 +136,7 @@ static void test_writing_failed(void) {
 }
 
 #if defined(__linux__)
-/* A device that is always full, and cannot be cut back. */
+/* A device that is always full and cannot be truncated. */
 static void test_left_over(void) {
   uint8_t frame[FRAME];
   make_frame(frame, FRAME);

@@ -5,9 +5,9 @@
 #include "check.h"
 #include "frames.h"
 
-/* A file of everything: a gap with a header whose checksum is wrong, a measurement, another record,
-   a record of the measurements' type that is too long for one, a gap with a header that runs into
-   the next record, a measurement, and a header that the end cuts. */
+/* A file with every kind of entry: a gap with a header whose checksum is wrong, a measurement,
+   another record, a record of the measurements' type that is too long for one, a gap with a header
+   that runs into the next record, a measurement, and a header that the end cuts. */
 enum {
   GAP_1 = 30,
   FRAME_1 = 19,
@@ -63,7 +63,7 @@ static surveydata_entry new_entry(void) {
   return entry;
 }
 
-/* Reads on to the end, and compares what is found with everything of the `kinds`. */
+/* Reads to the end and compares the entries with all those of the `kinds`. */
 static void check_entries(surveydata_reader* reader, uint32_t kinds, const uint8_t* bytes) {
   surveydata_entry entry = new_entry();
   size_t i;
@@ -108,7 +108,7 @@ static void test_kinds(void) {
   }
 }
 
-/* What was wanted before is not given any more. */
+/* Kinds that are no longer wanted are no longer returned. */
 static void test_changing_kinds(void) {
   uint8_t bytes[FILE_SIZE];
   surveydata_entry entry = new_entry();
@@ -128,7 +128,7 @@ static void test_changing_kinds(void) {
   surveydata_reader_close(reader);
 }
 
-/* Headers that were found together with one that was wanted, but are not wanted any more. */
+/* Headers that were found together with a wanted one, but are no longer wanted. */
 static void test_headers_that_are_not_wanted_any_more(void) {
   uint8_t bytes[4 * 20];
   surveydata_entry entry = new_entry();
@@ -172,7 +172,7 @@ static void test_many_damaged_headers(void) {
   free(bytes);
 }
 
-/* Each cut: two stretches give each record once. */
+/* At each cut, the two stretches give each record once. */
 static void test_stretches(void) {
   uint8_t bytes[FILE_SIZE];
   const uint32_t records = SURVEYDATA_MEASUREMENT | SURVEYDATA_OTHER_RECORD;
@@ -220,7 +220,7 @@ static void test_limits_of_stretches(void) {
   CHECK(entry.offset == 30 && entry.size == FRAME_1);
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
   surveydata_reader_close(reader);
-  /* The end before the begin. */
+  /* The end before the beginning. */
   CHECK_STATUS(surveydata_reader_open_bytes(bytes, FILE_SIZE, 31, 30, &reader),
                SURVEYDATA_INVALID_ARGUMENT);
   CHECK(reader == NULL);
@@ -232,7 +232,7 @@ static void test_bytes(void) {
   surveydata_entry entry = new_entry();
   surveydata_reader* reader = (surveydata_reader*)bytes;
   make_file(bytes);
-  /* Nothing at all, with and without a place. */
+  /* No bytes, with and without a pointer. */
   CHECK_STATUS(surveydata_reader_open_bytes(NULL, 0, 0, SURVEYDATA_NO_END, &reader), SURVEYDATA_OK);
   CHECK_STATUS(surveydata_reader_next(reader, SURVEYDATA_ALL_ENTRIES, &entry), SURVEYDATA_END);
   CHECK_STATUS(surveydata_reader_size(reader, &size), SURVEYDATA_OK);
@@ -297,7 +297,7 @@ static void test_files(void) {
   remove(name);
 }
 
-/* ----- Sources that a function reads */
+/* ----- Sources read by a callback */
 
 typedef struct bytes_source {
   const uint8_t* bytes;
@@ -365,7 +365,7 @@ static void test_sources(void) {
     CHECK(bytes.released == 1);
   }
   {
-    /* Without a function that releases; bytes end before the size. */
+    /* Without a release function; the bytes end before the size. */
     bytes_source bytes = {file, FILE_SIZE, FILE_SIZE, 0, 0, 0, 0, 0};
     surveydata_source source = make_source(&bytes);
     surveydata_reader* reader = NULL;
@@ -379,7 +379,7 @@ static void test_sources(void) {
   }
 }
 
-/* Whatever is no count ends the reading, each time it is asked. */
+/* Any value that is not a count ends the reading, at every call. */
 static void test_sources_that_fail(void) {
   static const int64_t answers[] = {SURVEYDATA_READ_FAILED, -3,        INT64_MIN,
                                     256 * 1024 + 1,         INT64_MAX, 1LL << 32};
@@ -403,7 +403,7 @@ static void test_sources_that_fail(void) {
   free(file);
 }
 
-/* A source that has no bytes yet is asked again, and nothing is lost. */
+/* A source that has no bytes yet is called again, and nothing is lost. */
 static void test_sources_that_cancel(void) {
   uint8_t file[FILE_SIZE];
   bytes_source bytes = {file, FILE_SIZE, 1, SURVEYDATA_READ_CANCELLED, 0, 0, 0, 0};
@@ -559,7 +559,7 @@ static void test_progress(void) {
   CHECK(log.calls == 5);
   surveydata_reader_close(reader);
 
-  /* Taken back. */
+  /* Removed again. */
   log.calls = 0;
   reader = open_bytes(file, size);
   CHECK_STATUS(surveydata_reader_set_progress(reader, log_progress, &log), SURVEYDATA_OK);
@@ -572,7 +572,7 @@ static void test_progress(void) {
   free(file);
 }
 
-/* ----- What is refused */
+/* ----- Refused arguments */
 
 static void test_refused_questions(void) {
   uint8_t bytes[FILE_SIZE];
@@ -600,7 +600,7 @@ static void test_refused_questions(void) {
                SURVEYDATA_WRONG_SIZE);
   CHECK_STATUS(surveydata_reader_size(NULL, &size), SURVEYDATA_INVALID_ARGUMENT);
   CHECK_STATUS(surveydata_reader_size(reader, NULL), SURVEYDATA_INVALID_ARGUMENT);
-  /* Nothing was passed over. */
+  /* No entry was skipped. */
   check_entries(reader, SURVEYDATA_ALL_ENTRIES, bytes);
   surveydata_reader_close(reader);
   surveydata_reader_close(NULL);

@@ -24,7 +24,7 @@ static void test_status_texts(void) {
   CHECK(strcmp(surveydata_status_text(INT32_MAX), unknown) == 0);
 }
 
-/* Every value from `first` to `last` has a text of its own, and what lies beyond has none. */
+/* Every value from `first` to `last` has its own text, and other values have none. */
 static void check_texts(int32_t what, uint32_t first, uint32_t last) {
   uint32_t a;
   uint32_t b;
@@ -35,7 +35,7 @@ static void check_texts(int32_t what, uint32_t first, uint32_t last) {
   }
   if (first != 0) CHECK(strcmp(surveydata_text(what, first - 1), unknown) == 0);
   CHECK(strcmp(surveydata_text(what, last + 1), unknown) == 0);
-  /* Not cut to 8 or 16 bits. */
+  /* Values are not truncated to 8 or 16 bits. */
   CHECK(strcmp(surveydata_text(what, 0x100 + first), unknown) == 0);
   CHECK(strcmp(surveydata_text(what, 0x10000 + first), unknown) == 0);
   CHECK(strcmp(surveydata_text(what, UINT32_MAX), unknown) == 0);

@@ -27,7 +27,7 @@ void InThreads(Work work) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// Every question, as bytes of the answers.
+// The results of every function on an area.
 std::vector<double> AskEverything(const surveydata_area* area) {
   std::vector<double> answers;
   surveydata_bounds bounds{};

@@ -1,4 +1,4 @@
-// The answers of the C interface are those of the classes.
+// The C interface returns the same results as the classes.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -148,7 +148,7 @@ TEST(CInterfaceDecode, GivesWhatTheClassGives) {
 
 struct AreaPair {
   std::unique_ptr<SDI::ScanAreaC> area;
-  std::array<surveydata_area*, 3> same{};  // as it is, and prepared
+  std::array<surveydata_area*, 3> same{};  // unprepared, and prepared in both ways
 
   AreaPair() = default;
   AreaPair(AreaPair&&) = default;

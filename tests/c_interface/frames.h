@@ -16,7 +16,7 @@ static inline void store_u16(uint8_t* to, unsigned value) {
 
 static inline unsigned load_u16(const uint8_t* from) { return from[0] + 256u * from[1]; }
 
-/* Gives a frame its right checksum. */
+/* Writes the checksum of a frame. */
 static inline void seal_frame(uint8_t* frame) {
   const size_t length = load_u16(frame + 2);
   unsigned sum = 0;
@@ -25,7 +25,7 @@ static inline void seal_frame(uint8_t* frame) {
   store_u16(frame + length, (0x10000u - (sum & 0xFFFFu)) & 0xFFFFu);
 }
 
-/* A record of `size` bytes, zeros but for what every record has. */
+/* A record of `size` bytes: header, zeros and checksum. */
 static inline size_t make_record(uint8_t* to, size_t size, uint8_t type) {
   memset(to, 0, size);
   to[0] = 0x9C;
