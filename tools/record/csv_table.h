@@ -16,7 +16,7 @@ namespace Tool {
 /// Writes the names of the columns.
 void WriteNames(std::span<const SDI::GPSColumn* const> columns, CsvWriterC& line);
 
-/// Writes what a measurement has in the columns. An absent value is an empty cell.
+/// Writes the values of a measurement in these columns. An absent value is an empty cell.
 void WriteValues(const DecodedRecord& record, std::span<const SDI::GPSColumn* const> columns,
                  CsvWriterC& line);
 

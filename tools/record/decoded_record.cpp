@@ -13,7 +13,7 @@ std::string_view DecodedRecord::NameBytes() const {
 }
 
 std::u16string DecodedRecord::Name() const {
-  char16_t units[sizeof(info.name) + 1];  // more than its bytes can make
+  char16_t units[sizeof(info.name) + 1];  // at least as many as its bytes can decode to
   SDI::RecordFrame::DecodeName(info.name, sizeof(info.name), units, std::size(units));
   return units;
 }

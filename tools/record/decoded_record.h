@@ -11,7 +11,7 @@
 
 namespace Tool {
 
-/// A measurement frame and what reading it gives.
+/// A measurement frame and the result of reading it.
 struct DecodedRecord {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;
@@ -26,9 +26,9 @@ struct DecodedRecord {
   std::u16string Name() const;
 };
 
-/// Reads a frame that stands in memory.
+/// Reads a frame in memory.
 DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame);
-/// The same for a frame whose checksum is known to be right. `record` may have been used before.
+/// The same for a frame whose checksum is known to be correct. `record` may have been used before.
 void DecodeChecked(std::uint64_t offset, std::span<const std::uint8_t> frame,
                    DecodedRecord& record);
 

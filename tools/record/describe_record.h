@@ -11,14 +11,14 @@
 #include <record/decoded_record.h>
 
 /// \file
-/// The one description of what a measurement record holds, for JSON, CSV and people. A value's type
-/// says what it means; each writer decides how it looks.
+/// The only description of the fields of a measurement record, used for JSON, CSV and text. The
+/// type of a value defines its meaning; each writer decides its format.
 
 namespace Tool {
 
 inline Pair ToPair(SDI::GPSCounterPair pair) { return {pair.first, pair.second}; }
 
-/// What a pair getter answers.
+/// The result of a getter of a pair.
 inline OptionalPair AskPair(const SDI::GPSMeasDataImplC& measurement,
                             bool (SDI::GPSMeasDataImplC::*get)(std::uint8_t&, std::uint8_t&)
                                 const) {
@@ -28,8 +28,8 @@ inline OptionalPair AskPair(const SDI::GPSMeasDataImplC& measurement,
 }
 
 /// Calls `out.Begin(key)` and `out.End()` around groups and `out.Field(key, value, isSet)` for
-/// every value. The stored values of the measurement are told whether they are set or not. Within a
-/// group that begins with `Begin(key, false)` there is nothing to tell: it stands for "none".
+/// every value. All stored values of the measurement are reported, whether they are set or not. A
+/// group that begins with `Begin(key, false)` is empty and means "none".
 template <class Writer>
 void DescribeRecord(const DecodedRecord& record, Writer& out) {
   using ImplC = SDI::GPSMeasDataImplC;

@@ -14,7 +14,7 @@ MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filt
                                      const std::function<void(const DecodedRecord&)>& visit) {
   MeasurementCounts counts;
   walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
-    // Chance bytes in a gap of a healthy file look like this one.
+    // Random bytes in a gap of an undamaged file can look like this.
     if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++counts.badFrames;
   });
   RecordSieveC sieve(filter);

@@ -14,7 +14,7 @@
 
 namespace Tool {
 
-/// What reading measurements came to.
+/// How many measurements were selected, and how many frames were bad.
 struct MeasurementCounts {
   std::uint64_t taken = 0;
   std::uint64_t badFrames = 0;
@@ -22,15 +22,16 @@ struct MeasurementCounts {
   void Add(const MeasurementCounts& more);
 };
 
-/// Reads the measurements of `walk` and visits those that `filter` takes. Bad frames are left out
-/// and counted; each whose blocks do not fit gives a message that begins with `prefix`. Headers in
-/// a gap whose frame would run into the next record are passed over: chance bytes look like them.
+/// Reads the measurements of `walk` and visits those that `filter` selects. Bad frames are left out
+/// and counted; each frame whose blocks do not fit gives a message that begins with `prefix`.
+/// Headers in a gap whose frame would overlap the next record are ignored: random bytes can look
+/// like them.
 MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
                                      PieceOutputC& output, const std::string& prefix,
                                      const std::function<void(const DecodedRecord&)>& visit);
 
-/// Tells about the bad frames of a whole file, and about a file without a measurement to visit;
-/// both make the answer `kFinding`.
+/// Reports the bad frames of a whole file, and a file without a measurement to visit. Returns
+/// `kFinding` in both cases.
 ExitCode TellAbout(const MeasurementCounts& counts, const RecordFilter& filter,
                    const RecordFile& file, const std::string& prefix, PieceOutputC& output);
 

@@ -14,7 +14,7 @@ namespace {
 using SDI::RecordFrame::Field;
 using SDI::RecordFrame::FieldPlace;
 
-// Lists the fields with their values as texts.
+// Lists the fields, with their values as text.
 class FieldListC {
  public:
   explicit FieldListC(std::vector<FrameField>& fields) : fields_(fields) {}

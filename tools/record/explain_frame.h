@@ -13,7 +13,7 @@
 
 namespace Tool {
 
-/// What a run of bytes in a frame is.
+/// Consecutive bytes of a frame with one meaning.
 struct FrameField {
   std::size_t at;    ///< Of the first byte, from the start of the frame.
   std::size_t size;  ///< In bytes.
@@ -25,9 +25,9 @@ struct FrameField {
   std::string_view FieldName() const { return field ? NameOf(*field) : "does not fit"; }
 };
 
-/// Explains every byte of a measurement frame once, in order: header, blocks (as the library's own
-/// description of the frame has them), bytes after the last block, checksum. From a block on that
-/// does not fit, the bytes up to the checksum are one field. `frame` has a right header and length.
+/// Explains every byte of a measurement frame once, in order: header, blocks (by the library's own
+/// description of the frame), bytes after the last block, checksum. If a block does not fit, the
+/// bytes from its start to the checksum are one field. `frame` has a correct header and length.
 std::vector<FrameField> ExplainFrame(std::span<const std::uint8_t> frame);
 
 }  // namespace Tool

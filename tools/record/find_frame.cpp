@@ -14,7 +14,7 @@
 namespace Tool {
 namespace {
 
-// A record that begins before this stretch ends before the offset.
+// A record that begins before this stretch also ends before the offset.
 SDI::GPSRecordStretch StretchAround(std::uint64_t offset) {
   constexpr std::uint64_t kLast = std::numeric_limits<std::uint64_t>::max();
   return {offset - std::min<std::uint64_t>(offset, SDI::RecordFrame::kLongestRecord),

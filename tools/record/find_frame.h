@@ -10,9 +10,9 @@
 #include <record/record_commands.h>
 
 /// \file
-/// What lies at an offset of a record file? The measurement frame that `record list` shows there,
-/// as its bytes; or a `ToolErrorC` that names what is there instead. The time does not depend on
-/// the size of a file; a pipe is read up to the offset.
+/// Finds the measurement frame that `record list` shows at an offset of a record file, and returns
+/// its bytes. Otherwise throws a `ToolErrorC` that names what is at the offset instead. The time
+/// does not depend on the size of a file; a pipe is read up to the offset.
 
 namespace Tool {
 

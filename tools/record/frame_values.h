@@ -4,11 +4,12 @@
 #include <string>
 
 /// \file
-/// What a caller may write into a frame. Throws `ValueErrorC` with the reason for anything else.
+/// The values that may be written into a frame. Throws `ValueErrorC` with the reason for all
+/// others.
 
 namespace Tool {
 
-/// A name for people: at most 17 units, without control characters.
+/// A name: at most 17 UTF-16 units, without control characters.
 std::u16string ToFrameName(const std::string& utf8);
 
 /// 0 to 1000 metres.

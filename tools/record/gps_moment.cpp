@@ -21,7 +21,7 @@ constexpr std::int64_t kEnd =
       "{}; a time is like 2020-02-06T18:14:35.5, GPS time, or UTC with a Z at the end", what));
 }
 
-// Takes digits and separators from the front of a text.
+// Reads digits and separators from the front of a text.
 class ScannerC {
  public:
   explicit ScannerC(std::string_view text) : rest_(text) {}
@@ -62,7 +62,7 @@ class ScannerC {
 };
 
 struct Moment {
-  std::string text;  // as SDI::FormatGPSTime writes it, with more digits if there are more
+  std::string text;  // as SDI::FormatGPSTime writes it, with further digits if given
   bool isUTC = false;
   bool isLeapSecond = false;
 };
@@ -123,7 +123,7 @@ std::string Format(std::int64_t milliseconds, bool isUTC) {
 
 std::int64_t ParseMoment(std::string_view text) {
   const Moment moment = Scan(text);
-  // The texts of times are in the order of the times, in UTC too, leap seconds included.
+  // Texts of times sort like the times, in UTC too, including leap seconds.
   std::int64_t first = 0;
   std::int64_t last = kEnd;
   while (first < last) {

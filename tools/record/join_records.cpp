@@ -17,14 +17,14 @@
 namespace Tool {
 namespace {
 
-// One of the files that are joined, at the record that is to be written next.
+// A file to be joined, positioned at its next record.
 class SourceC {
  public:
   SourceC(const RecordFile& file, const JoinOptions& options,
           const std::function<void(std::uint64_t)>& report)
       : records_(file, options.stretch, options.filter, report) {}
 
-  // Goes on to the next measurement, and writes what is before it. False at the end.
+  // Advances to the next measurement and writes the records before it. False at the end.
   bool GoOn(OutputC& out) {
     while (records_.Next()) {
       if (records_.IsMeasurement()) return true;
@@ -37,7 +37,7 @@ class SourceC {
     out.GetBuffer().append(bytes.data(), bytes.data() + bytes.size());
     out.FlushIfFull();
   }
-  // A measurement without a time follows the one before at once.
+  // A measurement without a time comes immediately after the previous one.
   std::int64_t GetTime() const {
     return records_.GetTime().value_or(std::numeric_limits<std::int64_t>::min());
   }
@@ -63,7 +63,7 @@ ExitCode JoinRecords(const JoinOptions& options) {
   PieceOutputC messages(&out, progress);
 
   std::vector<std::unique_ptr<SourceC>> sources;
-  std::vector<SourceC*> left;  // those at a measurement, in the order of the files
+  std::vector<SourceC*> left;  // those that are at a measurement, in the order of the files
   for (const RecordFile& file : files) {
     sources.push_back(std::make_unique<SourceC>(file, options, report));
     if (sources.back()->GoOn(out)) left.push_back(sources.back().get());

@@ -11,7 +11,7 @@
 
 namespace Tool {
 
-/// What `record cut` and `record join` write.
+/// The options of `record cut` and `record join`.
 struct JoinOptions {
   RecordFileOptions files;
   SDI::GPSRecordStretch stretch;  ///< Of each file.
@@ -19,7 +19,7 @@ struct JoinOptions {
   std::string output;
 };
 
-/// Writes the records that `KeptRecordsC` gives of each file, in the order of time A.
+/// Writes the records that `KeptRecordsC` selects from each file, in the order of time A.
 ExitCode JoinRecords(const JoinOptions& options);
 
 /// The required option -o,--output for a record file.

@@ -25,7 +25,7 @@ KeptRecordsC::KeptRecordsC(const RecordFile& file, SDI::GPSRecordStretch stretch
 bool KeptRecordsC::Next() {
   SDI::GPSRecordEntry entry;
   while (walk_.Next(entry)) {
-    // A pipe is read from its start.
+    // A pipe is read from its start, and beyond the stretch.
     if (entry.offset >= stretch_.end) return false;
     if (entry.offset >= stretch_.begin && Keeps(entry)) return true;
   }

@@ -12,23 +12,23 @@
 
 namespace Tool {
 
-/// Reads the records of a file that a copy of it keeps: the measurements that a filter takes, and
-/// records of other kinds with the measurement before them. Those before the first measurement,
-/// which describe the file, are always kept. Gaps and bad frames are not.
+/// Reads the records of a file that are kept in a copy: the measurements that a filter selects, and
+/// records of other types together with the measurement before them. Those before the first
+/// measurement, which describe the file, are always kept. Gaps and bad frames are dropped.
 class KeptRecordsC {
  public:
   KeptRecordsC(const RecordFile& file, SDI::GPSRecordStretch stretch, const RecordFilter& filter,
                std::function<void(std::uint64_t)> reportProgress);
 
-  /// Goes on to the next of them; false at the end.
+  /// Advances to the next kept record; false at the end.
   bool Next();
   std::span<const std::uint8_t> GetBytes() const { return walk_.GetBytes(); }
   bool IsMeasurement() const { return isMeasurement_; }
-  /// Of a measurement: time A in milliseconds of GPS time, if it is in range.
+  /// Time A of a measurement in milliseconds of GPS time, if it is in range.
   std::optional<std::int64_t> GetTime() const { return time_; }
 
-  /// Tells about what was left out of the file. Answers as the function of this name for
-  /// measurements does.
+  /// Reports what was left out of the file. Returns the same exit code as the function of this name
+  /// for measurements.
   ExitCode TellAbout(const std::string& prefix, PieceOutputC& output) const;
 
  private:

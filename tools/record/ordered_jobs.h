@@ -15,9 +15,8 @@
 
 namespace Tool {
 
-/// Does pieces of work in threads and gives their results in the order of the pieces. There
-/// are never more than one result for each thread and two, so that a slow consumer holds the work
-/// up.
+/// Runs jobs in threads and returns their results in the order of the jobs. At most as many results
+/// as threads plus two are held, so a slow consumer stops the threads.
 template <class Result>
 class OrderedJobsC {
  public:
@@ -39,8 +38,7 @@ class OrderedJobsC {
     for (std::thread& thread : threads_) thread.join();
   }
 
-  /// The result of the next piece; its exception comes from here. Calls `whileWaiting` now and
-  /// then.
+  /// The result of the next job, or its exception. Calls `whileWaiting` from time to time.
   template <class WhileWaiting>
   Result Take(const WhileWaiting& whileWaiting) {
     std::unique_lock lock(mutex_);

@@ -27,7 +27,7 @@ bool HasField(const std::vector<FrameField>& fields, Field field) {
                      [&](const FrameField& each) { return each.field == field; });
 }
 
-// Whether `after` holds what was asked for and all else as before.
+// Whether `after` has the requested changes and no others.
 bool IsAsAsked(const DecodedRecord& before, const DecodedRecord& after,
                const FrameChanges& changes) {
   if (!after.IsDone() || after.info.flags != before.info.flags) return false;

@@ -11,7 +11,7 @@
 
 namespace Tool {
 
-/// What to change in a frame; what is left empty stays as it is.
+/// The changes of a frame; empty fields stay unchanged.
 struct FrameChanges {
   std::optional<std::u16string> name;
   std::optional<std::int32_t> number;
@@ -19,18 +19,18 @@ struct FrameChanges {
   bool isSlant = false;  ///< Of the new antenna height.
 };
 
-/// A frame before and after, with what its bytes are.
+/// A frame before and after a change, with the meaning of its bytes.
 struct PatchedFrame {
   std::vector<std::uint8_t> before;
   std::vector<std::uint8_t> after;
   std::vector<FrameField> fields;  ///< Of `after`.
 };
 
-/// Rewrites the fields that the changes name, as the library's writer does, and the checksum; every
-/// other byte stays. The result is read back and compared.
+/// Rewrites the changed fields as the library's writer does, and the checksum; all other bytes stay
+/// the same. The result is read back and compared.
 ///
-/// Throws `ToolErrorC` when the frame cannot be decoded, lacks a block that a change needs, or the
-/// result does not read back.
+/// Throws `ToolErrorC` if the frame cannot be decoded or lacks a block that a change needs, or if
+/// reading the result back does not give the changes.
 PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges& changes);
 
 }  // namespace Tool

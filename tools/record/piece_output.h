@@ -13,7 +13,7 @@
 
 namespace Tool {
 
-/// Buffers that are used again, so that the system gives and takes no memory for each piece.
+/// Reuses buffers, so that not every piece allocates and releases memory.
 /// Several threads may use it at once.
 class BufferPoolC {
  public:
@@ -27,27 +27,27 @@ class BufferPoolC {
   std::vector<Buffer> free_;
 };
 
-/// The lines and messages that come of a piece of a file: written at once, or kept until it is the
-/// turn of the piece.
+/// The output and messages of a piece of a file, either written immediately or kept until the
+/// pieces before it have been written.
 class PieceOutputC {
  public:
-  /// For nothing; another one is assigned to it.
+  /// A placeholder, to be assigned to.
   PieceOutputC() = default;
-  /// Keeps them in a buffer of `pool`.
+  /// Keeps the output in a buffer of `pool`.
   explicit PieceOutputC(BufferPoolC& pool) : pool_(&pool), kept_(pool.Take()) {}
-  /// Writes them at once. `out` is null for a command that writes nothing meanwhile.
+  /// Writes the output immediately. `out` is null for a command without output during the pass.
   PieceOutputC(OutputC* out, ProgressC& progress) : out_(out), progress_(&progress) {}
 
-  /// Where text is appended; call `FlushIfFull` after each line or record.
+  /// The buffer to which output is appended; call `FlushIfFull` after each line or record.
   fmt::memory_buffer& GetBuffer() { return kept_ != nullptr ? *kept_ : out_->GetBuffer(); }
   void FlushIfFull() {
     if (kept_ == nullptr) out_->FlushIfFull();
   }
-  /// On standard error.
+  /// Writes a message to standard error.
   void Tell(std::string message);
   bool IsKept() const { return pool_ != nullptr; }
 
-  /// Writes what was kept; to be called once.
+  /// Writes the kept output. Call it once.
   void PutTo(PieceOutputC& direct);
 
  private:

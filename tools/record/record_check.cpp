@@ -34,7 +34,7 @@ struct Options {
   RecordFilter filter;
 };
 
-// The kinds of faults, as the text and as JSON names them.
+// The kinds of faults, with their names in text and in JSON.
 struct Kind {
   Finding RecordFindings::*finding;
   const char* one;
@@ -55,8 +55,8 @@ std::string Counted(std::uint64_t count, std::string_view one, std::string_view 
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-// "414 measurements, 143 other records; 70 gaps (1752 bytes, the first at 934)". Offsets of the
-// whole say nothing.
+// "414 measurements, 143 other records; 70 gaps (1752 bytes, the first at 934)". Offsets
+// are meaningless for all files together.
 std::string ToText(const RecordFindings& found, bool isWhole) {
   std::string text = Counted(found.measurements, "measurement", "measurements") + ", " +
                      Counted(found.others, "other record", "other records");
@@ -183,8 +183,8 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
 };
 
 ExitCode Run(const Options& options) {
-  // A stretch takes little memory, since nothing is written of it, and much longer than the look
-  // back.
+  // A stretch needs little memory, because its records are not written, so it can be much longer
+  // than the look-back.
   constexpr std::uint64_t kStretch = std::uint64_t{16} << 20;
   const std::vector<RecordFile> files = FindRecordFiles(options.files);
   OutputC out;

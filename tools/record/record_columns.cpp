@@ -16,7 +16,7 @@
 namespace Tool {
 namespace {
 
-// A hint at the columns whose names are nearest to `name`, if some are near.
+// A hint that lists the columns with the most similar names, if any are similar.
 std::string Suggestion(std::string_view name) {
   std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
   std::string names;

@@ -17,15 +17,14 @@ using RecordColumns = std::vector<const SDI::GPSColumn*>;
 
 RecordColumns AllRecordColumns();
 
-/// The column of this name. Throws `ValueErrorC`, with a hint at names like it, where there is
-/// none.
+/// The column with this name. If there is none, throws `ValueErrorC` with a hint at similar names.
 const SDI::GPSColumn& FindRecordColumn(std::string_view name);
 
 /// As `SDI::AskGPSColumn`.
 void AskRecordColumn(const SDI::GPSColumn& column, const DecodedRecord& record,
                      SDI::GPSColumnValueC& value);
 
-/// --columns: names with commas between, without what it needs.
+/// The option --columns: names separated by commas. The options that it requires are not set.
 CommandOption RecordColumnsOption(RecordColumns& columns);
 
 }  // namespace Tool

@@ -15,7 +15,7 @@ FrameOffset ParseOffset(const std::string& text) {
   if (error == std::errc::invalid_argument || stop != end) {
     throw ValueErrorC("neither a decimal number nor one like 0x1f");
   }
-  // Every file ends before a number that is too large for 64 bits.
+  // No file reaches an offset that does not fit 64 bits.
   if (error != std::errc()) offset = std::numeric_limits<std::uint64_t>::max();
   return {offset, text};
 }

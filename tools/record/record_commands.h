@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// An offset of the command line, and how the user wrote it.
+/// An offset from the command line, and how the user wrote it.
 struct FrameOffset {
   std::uint64_t value = 0;  ///< The largest number for one that is larger.
   std::string text;
@@ -28,8 +28,8 @@ Command RecordCutCommand();
 Command RecordJoinCommand();
 Command RecordPlotCommand();
 
-/// An offset of the command line: decimal, or hexadecimal after 0x. Throws `ValueErrorC` for any
-/// other text.
+/// Parses an offset from the command line: decimal, or hexadecimal after 0x. Throws `ValueErrorC`
+/// for any other text.
 FrameOffset ParseOffset(const std::string& text);
 
 /// The positional argument FILE; with `mayBeInput`, its help says that - is standard input.

@@ -23,7 +23,7 @@ namespace {
 
 using SDI::GPSColumnType;
 
-// In the three forms in which columns hold numbers.
+// A literal in the three types that numeric columns have.
 struct Number {
   double real = 0;
   float single = 0;
@@ -62,7 +62,7 @@ std::partial_ordering OrderWhole(Whole value, const Number& number) {
 }
 
 struct OrderOf {
-  // NOLINTBEGIN(readability-named-parameter): one type of value goes with one of literal
+  // NOLINTBEGIN(readability-named-parameter): each type of value has one type of literal
   std::partial_ordering operator()(bool value, bool literal) const { return value <=> literal; }
   std::partial_ordering operator()(std::uint64_t value, const Number& number) const {
     return OrderWhole(value, number);
@@ -79,7 +79,7 @@ struct OrderOf {
   std::partial_ordering operator()(std::string_view value, const std::string& literal) const {
     return value <=> std::string_view(literal);
   }
-  // The parser lets no others through; an absent value is compared with nothing.
+  // The parser rejects all other combinations; an absent value is not ordered.
   template <class Value, class Other>
   std::partial_ordering operator()(const Value&, const Other&) const {
     return std::partial_ordering::unordered;
@@ -146,7 +146,7 @@ enum class TokenKind { kWord, kNumber, kText, kComparison, kOpen, kClose, kEnd }
 struct Token {
   TokenKind kind = TokenKind::kEnd;
   std::size_t at = 0;
-  std::string text;  // of a text without its quotes
+  std::string text;  // the content of a quoted text
   Comparison comparison = Comparison::kEqual;
 };
 
@@ -293,7 +293,7 @@ class ParserC {
       FailAt(token.at, "this is not a number");
     }
     if (error != std::errc()) FailAt(token.at, "this number is too large or too small");
-    // What is beyond single precision is beyond every value of such a column.
+    // A number out of the range of single precision is beyond every value of such a column.
     if (std::from_chars(begin, end, number.single).ec != std::errc()) {
       number.single = static_cast<float>(number.real);
     }

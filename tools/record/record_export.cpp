@@ -43,7 +43,7 @@ struct Options {
   RecordFilter filter;
 };
 
-// What comes of a piece.
+// The result of a piece.
 struct Export {
   PieceOutputC output;
   MeasurementCounts counts;

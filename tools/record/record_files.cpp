@@ -67,7 +67,7 @@ std::vector<std::string> FilesOfFolder(const std::string& folder, bool isRecursi
 RecordFile Look(const std::string& name) {
   RecordFile file{.name = name};
   std::error_code error;
-  // A pipe is opened once, when its turn comes.
+  // A pipe is opened only once, when it is read.
   const bool isThere = IsStandardInput(name) || fs::exists(fs::status(ToPath(name), error));
   if (isThere && !IsStandardInput(name) && !fs::is_regular_file(ToPath(name), error)) return file;
   try {
@@ -130,7 +130,7 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
   for (const std::string& name : options.names) {
     if (!IsFolder(name)) {
       files.push_back(Look(name));
-      if (options.AreMany()) files.back().opened.reset();  // there may be more than can be open
+      if (options.AreMany()) files.back().opened.reset();  // there may be too many to keep open
       continue;
     }
     for (const std::string& below : FilesOfFolder(name, options.isRecursive)) {

@@ -19,8 +19,8 @@ struct RecordFileOptions {
   bool isRecursive = false;
   unsigned jobs = 0;  ///< 0: one for each processor.
 
-  /// Whether these can be more than one file: several names, or a folder. Tables then have a column
-  /// with the file.
+  /// Whether there may be more than one file: several names, or a folder. Tables then have a column
+  /// with the file name.
   bool AreMany() const;
 };
 
@@ -32,7 +32,7 @@ void AddFileOptions(Command& command, RecordFileOptions& options);
 /// A file to read.
 struct RecordFile {
   std::string name;
-  std::uint64_t size = 0;  ///< 0 when it is not known, and then it is not cut.
+  std::uint64_t size = 0;  ///< 0 if unknown; the file is then not read in stretches.
   std::string fault = {};  ///< Why it cannot be read; empty if it can.
 
   /// The only file of a command, which is opened once if it is read as a whole; else null.
@@ -45,14 +45,14 @@ struct RecordFile {
 /// The files, and the files of folders whose names end in .rec, in the order of their paths; with
 /// --recursive also those of folders below, but not through symbolic links.
 ///
-/// \throw ToolErrorC  when the only file cannot be read, a folder holds none, or one of them is
-///                    `output`
+/// \throw ToolErrorC  if the only file cannot be read, a folder contains no record file, or one of
+///                    the files is `output`
 std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
                                         const std::string& output = {});
 
 /// A file, or a stretch of it.
 struct RecordPiece {
-  std::size_t file = 0;  ///< The place of its file among the files.
+  std::size_t file = 0;  ///< The index of its file.
   SDI::GPSRecordStretch stretch = {};
   bool isFirst = true;  ///< Of its file.
   bool isLast = true;
@@ -60,8 +60,7 @@ struct RecordPiece {
   bool IsWhole() const { return isFirst && isLast; }
 };
 
-/// The pieces of the files in their order: each file in stretches of this size, or, for 0, as a
-/// whole.
+/// The pieces of the files in order: each file in stretches of this size, or as a whole if it is 0.
 std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files, std::uint64_t stretch);
 
 }  // namespace Tool

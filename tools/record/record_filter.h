@@ -14,7 +14,7 @@
 
 namespace Tool {
 
-/// Which measurements a command takes; all of them unless something is asked for.
+/// Which measurements a command selects; all by default.
 struct RecordFilter {
   std::optional<std::int64_t> from;  ///< Time A is not earlier, in milliseconds of GPS time.
   std::optional<std::int64_t> to;    ///< Time A is earlier.
@@ -23,19 +23,19 @@ struct RecordFilter {
   std::uint64_t every = 1;  ///< Of what the others take, the first and every so many after it.
 
   bool TakesAll() const { return !from && !to && names.empty() && !where && every == 1; }
-  /// The message that a file has no such measurement.
+  /// The message that `file` has no such measurement.
   std::string NoneIn(std::string_view file) const;
 };
 
 /// Gives a command --from, --to, --name, --where and --every. `filter` must outlive the parsing.
 void AddFilterOptions(Command& command, RecordFilter& filter);
 
-/// Takes the measurements of one file.
+/// Applies a filter to the measurements of one file.
 class RecordSieveC {
  public:
   explicit RecordSieveC(const RecordFilter& filter) : filter_(filter) {}
 
-  /// Whether to take `record`, which comes after those that this was called for before.
+  /// Whether `record` is selected. Call it for all measurements in order.
   bool Takes(const DecodedRecord& record);
 
  private:

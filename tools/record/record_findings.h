@@ -10,7 +10,7 @@
 
 namespace Tool {
 
-/// One kind of fault: how often it occurs, and the offset of the first.
+/// One kind of fault: how often it occurs, and the offset of its first occurrence.
 struct Finding {
   std::uint64_t count = 0;
   std::uint64_t first = 0;
@@ -18,7 +18,7 @@ struct Finding {
   void Add(std::uint64_t offset) {
     if (count++ == 0) first = offset;
   }
-  /// Those of a later part.
+  /// Adds the occurrences in a later part.
   void Add(const Finding& later) {
     if (count == 0) first = later.first;
     count += later.count;
@@ -27,7 +27,7 @@ struct Finding {
 
 /// What is wrong with a record file, or with a stretch of it.
 struct RecordFindings {
-  std::uint64_t measurements = 0;  ///< That the filter takes.
+  std::uint64_t measurements = 0;  ///< Those that the filter selects.
   std::uint64_t others = 0;        ///< Records of other kinds.
   std::uint64_t gapBytes = 0;
   Finding gaps;
@@ -42,12 +42,12 @@ struct RecordFindings {
   std::optional<std::int64_t> lastTime;
 
   bool IsHealthy() const;
-  /// Adds those of the stretch that follows.
+  /// Adds the findings of the stretch that follows.
   void Join(const RecordFindings& next);
   /// Adds the counts of another file.
   void AddCounts(const RecordFindings& other);
 
-  // What the next stretch may go on with.
+  // What is needed to join two stretches.
   bool beginsInGap = false;
   bool endsInGap = false;
   std::uint64_t firstTimeAt = 0;

@@ -7,8 +7,8 @@
 
 namespace Tool {
 
-/// A reader of the records in `input`, which must outlive it. `stretch` is only taken into account
-/// where the input can be sought in: a pipe is read from its start.
+/// A reader of the records in `input`, which must outlive it. `stretch` applies only to seekable
+/// input: a pipe is read from its start.
 SDI::GPSRecordReaderC ReadRecords(InputFileC& input, SDI::GPSRecordStretch stretch = {});
 
 }  // namespace Tool

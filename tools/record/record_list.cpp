@@ -43,7 +43,7 @@ struct Options {
   RecordFilter filter;
 };
 
-// What a list tells of a measurement.
+// The columns of the list for a measurement.
 struct Summary {
   Vorlin::TimeC time;
   std::optional<double> hdop, vdop, tdop, pdop;
@@ -69,14 +69,14 @@ Summary Summarise(const DecodedRecord& record) {
           record.Name()};
 }
 
-// Empty when the time of week is out of range.
+// Empty if the time of week is out of range.
 std::string UtcOf(const Vorlin::TimeC& time) {
   char text[SDI::kTimeTextSize + 1];
   SDI::FormatUTC(time, text);
   return text;
 }
 
-// The lines of a file in the form that the user asked for.
+// Writes the list of a file in the requested format.
 class ListI {
  public:
   ListI() = default;
@@ -93,7 +93,7 @@ class ListI {
 
 class TextListC : public ListI {
  public:
-  // With the name of each file before its heading if there may be several.
+  // Writes the name of each file before its heading if there may be several.
   TextListC(PieceOutputC& out, bool areMany, bool isUTC)
       : out_(out), areMany_(areMany), isUTC_(isUTC) {}
 
@@ -145,7 +145,7 @@ class TextListC : public ListI {
 
 class JsonListC : public ListI {
  public:
-  // Each line begins with the name of the file if there is one.
+  // Each line begins with `file` unless it is empty.
   JsonListC(PieceOutputC& out, std::string file, bool isUTC)
       : out_(out), file_(std::move(file)), isUTC_(isUTC) {}
 
@@ -227,11 +227,11 @@ struct Gap {
   std::vector<SDI::GPSDamagedHeader> headers;
 };
 
-// Lists gaps and bad frames. The walk gives the bad frames of a gap before the gap, the list shows
-// them after it. There may be any number: when these are full, they are shown at once.
+// Lists gaps and bad frames. The reader reports the bad frames of a gap before the gap; the list
+// shows them after it, unless there are too many to keep.
 class FaultListC {
  public:
-  // Without a list they are counted. `held` are those of a gap that has not ended.
+  // Only counts if `list` is null. `held` are the bad frames of a gap that has not ended.
   FaultListC(ListI* list, Counts& counts, std::vector<SDI::GPSDamagedHeader>& held)
       : list_(list), counts_(counts), held_(held) {}
 
@@ -263,13 +263,13 @@ class FaultListC {
   std::vector<SDI::GPSDamagedHeader>& held_;
 };
 
-// What comes of a piece. The stretches of a file cut its gaps.
+// The result of a piece. Stretches may cut the gaps of a file.
 struct ListedPiece {
   PieceOutputC output;
   Counts counts;
   bool hasTimesAfterExpiry = false;
-  std::optional<Gap> first;  // reaches to the piece before, or to the one after, too
-  std::optional<Gap> last;   // reaches to the piece after
+  std::optional<Gap> first;  // begins in the piece before, and may continue in the next one
+  std::optional<Gap> last;   // continues in the next piece
 };
 
 class ListPassC : public RecordPassI<ListedPiece> {
@@ -283,7 +283,7 @@ class ListPassC : public RecordPassI<ListedPiece> {
     ListI* const all = options_.filter.TakesAll() ? list.get() : nullptr;
     std::vector<SDI::GPSDamagedHeader> held;
     FaultListC faults(all, result.counts, held);
-    std::vector<SDI::GPSDamagedHeader> headers;  // of a gap of a stretch, which may be cut
+    std::vector<SDI::GPSDamagedHeader> headers;  // those of a gap in a stretch, which may be cut
     walk.SetReportDamaged([&](const SDI::GPSDamagedHeader& header) {
       if (piece.IsWhole()) {
         faults.Header(header);
@@ -387,7 +387,7 @@ class ListPassC : public RecordPassI<ListedPiece> {
   bool areMany_;
   bool hasTimesAfterExpiry_ = false;
   Counts counts_;            // of the file
-  std::optional<Gap> open_;  // may go on in the next piece
+  std::optional<Gap> open_;  // may continue in the next piece
 };
 
 ExitCode Run(const Options& options) {

@@ -21,8 +21,8 @@
 
 namespace Tool {
 
-/// What a command does with the pieces of its files. `Result` is what it finds in a piece; its
-/// member `output` has the lines and messages of the piece.
+/// How a command processes the pieces of its files. `Result` is the result for a piece; its member
+/// `output` contains the output and messages of the piece.
 template <class Result>
 class RecordPassI {
  public:
@@ -33,30 +33,30 @@ class RecordPassI {
 
   /// Reads a piece. Called in any order, from several threads at once.
   virtual void Read(RecordWalkC& walk, Result& result) const = 0;
-  /// Takes the results in the order of the pieces. The output of a piece is still to be put to
-  /// `direct`. After the end of a file that cannot be read the first piece of the next one comes.
+  /// Receives the results in the order of the pieces, and must write the output of each piece to
+  /// `direct`. If a file cannot be read, the next piece is the first one of the next file.
   virtual void Take(const RecordPiece& piece, Result& result, PieceOutputC& direct) = 0;
-  /// After the last piece of a file. `kFinding` when there is something wrong with it.
+  /// Called after the last piece of a file. Returns `kFinding` if the file has a fault.
   virtual ExitCode EndFile(const RecordFile& file, PieceOutputC& direct) = 0;
-  /// Instead of that, for a file that cannot be read.
+  /// Called instead of `EndFile` for a file that cannot be read.
   virtual void FailFile(const RecordFile& /*file*/, const std::string& /*reason*/,
                         PieceOutputC& /*direct*/) {}
 };
 
-/// The walk of a stretch looks back 128 KiB, which takes little time beside decoding and writing a
-/// mebibyte; what is written of that, some five times as much, fits in memory several times.
+/// A stretch of 1 MiB is long enough that looking back 128 KiB takes little time in comparison with
+/// decoding and writing, and short enough that its output, about five times as large, fits in
+/// memory several times.
 struct PassOptions {
   unsigned jobs = 0;                               ///< 0: one for each processor.
   bool mayCut = true;                              ///< Whether files may be read in stretches.
   std::uint64_t stretch = std::uint64_t{1} << 20;  ///< The size of one, in bytes.
-  OutputC* out = nullptr;                          ///< Null when nothing is written meanwhile.
-  bool hasRows = false;                            ///< As in `ProgressC`.
+  OutputC* out = nullptr;  ///< Null for a command without output during the pass.
+  bool hasRows = false;    ///< As in `ProgressC`.
 };
 
-/// Reads all files, with a progress bar, and gives the worst exit code of one of them. A file that
-/// cannot be read is told about, and the others are read all the same. What is written does not
-/// depend on the number of jobs. The memory that it takes depends on
-/// their number, not on the size of the files.
+/// Reads all files, with a progress bar, and returns the worst of their exit codes. A file that
+/// cannot be read is reported, and the others are still read. The output does not depend on the
+/// number of jobs. The memory depends on the number of jobs, but not on the size of the files.
 template <class Result>
 ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& options,
                  RecordPassI<Result>& pass) {
@@ -84,7 +84,7 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
       worst = std::max(worst, pass.EndFile(files[piece.file], direct));
     }
   };
-  // The answer is why the piece cannot be read.
+  // Returns why the piece cannot be read, or an empty text.
   const auto read = [&](const RecordPiece& piece, Result& result, const auto& report) {
     const RecordFile& file = files[piece.file];
     if (!file.fault.empty()) return file.fault;

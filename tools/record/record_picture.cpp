@@ -22,7 +22,7 @@ std::string Moment(double seconds) {
 std::string DrawRecords(const SatelliteSeriesC& series, const std::string& title) {
   const double first = series.GetFirstTime();
   const double last = series.GetLastTime();
-  // Colours that people with any colour vision tell apart, in shades that differ as well.
+  // Colours that are distinct for any colour vision, and that also differ in lightness.
   return DrawChart(
       {.title = title,
        .subtitle = fmt::format("{} measurements, {} to {}, GPS time", series.GetRecordCount(),

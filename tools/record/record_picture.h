@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-/// Dilutions of precision and satellites over time, as an SVG document. There is at least one
+/// Dilutions of precision and satellites over time, as an SVG document. Requires at least one
 /// record.
 std::string DrawRecords(const SatelliteSeriesC& series, const std::string& title);
 

@@ -37,11 +37,11 @@ std::string TitleOf(const std::vector<RecordFile>& files) {
   return IsStandardInput(name) ? files.front().Title() : ToPath(name).filename().string();
 }
 
-// What comes of a piece.
+// The result of a piece.
 struct Samples {
   PieceOutputC output;
   MeasurementCounts counts;
-  std::vector<SatelliteSeriesC::Sample> samples;  // that are kept with the output
+  std::vector<SatelliteSeriesC::Sample> samples;  // kept until the pieces before are written
 };
 
 class PlotPassC : public RecordPassI<Samples> {

@@ -56,7 +56,7 @@ float ParseHeight(const std::string& text) {
   return ToAntennaHeight(*number);
 }
 
-// One line per changed byte; the first of a field tells its new value.
+// One line per changed byte; the first line of a field shows its new value.
 void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
   out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
   for (const FrameField& field : frame.fields) {

@@ -52,7 +52,7 @@ void WriteJson(OutputC& out, const DecodedRecord& record, std::span<const std::u
   line.EndLine();
 }
 
-// Fields longer than a line go on in lines of their own.
+// Fields longer than a line continue on further lines.
 void WriteBytes(OutputC& out, std::uint64_t offset, std::span<const std::uint8_t> frame) {
   constexpr std::size_t kPerLine = 8;
   out.Print("{:>10}  {:<23}  {:<14}  {:<20}  {}\n", "offset", "bytes", "block", "field", "value");

@@ -17,7 +17,7 @@ RecordWalkC::RecordWalkC(const RecordFile& file, const RecordPiece& piece,
   }
   reader_.SetReportProgress(
       [last = piece.stretch.begin, report = std::move(reportProgress)](std::uint64_t at) mutable {
-        if (at <= last) return;  // it looks back from its stretch
+        if (at <= last) return;  // the reader looks back before its stretch
         report(at - last);
         last = at;
       });

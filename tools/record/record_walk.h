@@ -14,8 +14,8 @@
 
 namespace Tool {
 
-/// Walks a piece of a record file, a pipe or standard input. Throws `FileErrorC` where it cannot be
-/// read, and when a file that is read in stretches has another size than at first.
+/// Walks a piece of a record file, a pipe or standard input. Throws `FileErrorC` if it cannot be
+/// read, or if the size of a file that is read in stretches has changed.
 class RecordWalkC {
  public:
   /// Calls `reportProgress` about every mebibyte, with the bytes since the last call.
@@ -23,14 +23,14 @@ class RecordWalkC {
               std::function<void(std::uint64_t)> reportProgress);
 
   const RecordPiece& GetPiece() const { return piece_; }
-  /// As in `GPSRecordReaderC`: before the record that ends a gap, or the gap, is given.
+  /// As in `GPSRecordReaderC`: called before the gap, or the record that ends it, is returned.
   void SetReportDamaged(SDI::GPSRecordReaderC::ReportDamaged report) {
     reader_.SetReportDamaged(std::move(report));
   }
   bool Next(SDI::GPSRecordEntry& entry);
-  /// The measurement that `Next` gave last, decoded when this is called.
+  /// The measurement that `Next` returned last, decoded when this is called.
   const SDI::GPSRecordC& GetRecord() const { return reader_.GetRecord(); }
-  /// The bytes of the record that `Next` gave last.
+  /// The bytes of the record that `Next` returned last.
   std::span<const std::uint8_t> GetBytes() const { return reader_.GetBytes(); }
 
  private:

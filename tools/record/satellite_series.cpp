@@ -97,7 +97,7 @@ bool SatelliteSeriesC::HasGap(const Group& from, const Group& to, std::int64_t m
 }
 
 void SatelliteSeriesC::Condense(bool acrossGaps) {
-  median_ = MedianStep();  // while there are single records: steps within a group are not kept
+  median_ = MedianStep();  // now, because steps within a group are not kept
   std::size_t kept = 0;
   for (std::size_t i = 0; i < groups_.size(); ++kept) {
     groups_[kept] = groups_[i++];

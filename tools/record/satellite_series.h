@@ -11,14 +11,14 @@
 
 namespace Tool {
 
-/// Dilutions of precision and satellite counts over time, in a fixed amount of memory: when there
-/// are more records than a picture can tell apart, neighbours are put together to a group that
-/// keeps the lowest and the highest of each value, each with its time.
+/// Dilutions of precision and satellite counts over time, in a fixed amount of memory: if there
+/// are more records than a picture can show, adjacent records are combined into a group, which
+/// keeps the lowest and the highest of each value with their times.
 class SatelliteSeriesC {
  public:
   enum Value : std::size_t { kHDOP, kVDOP, kPDOP, kUsed, kInView, kValueCount };
 
-  /// What a picture needs of a record.
+  /// The values of a record that a picture shows.
   struct Sample {
     std::int64_t time = 0;                       ///< Of time A, in milliseconds of GPS time.
     std::array<float, kValueCount> values = {};  ///< Negative when not available.
@@ -29,20 +29,19 @@ class SatelliteSeriesC {
   void Add(const DecodedRecord& record) { Add(ToSample(record)); }
 
   std::uint64_t GetRecordCount() const { return records_; }
-  /// Seconds from the start of GPS time. There is at least one record.
+  /// In seconds from the start of GPS time. Requires at least one record.
   double GetFirstTime() const;
   double GetLastTime() const;
 
-  /// The runs of a value. A run ends where a step in time is more than three times the median
-  /// step (of the first 4096 records), or goes backwards, and where records in between lack the
-  /// value for as long. Where there are too many gaps to keep them all, what stands around them is
-  /// in runs of one point.
+  /// The runs of a value. A run ends where time advances by more than three times the median step
+  /// (of the first 4096 records) or goes back, and where the value is absent for as long. If there
+  /// are too many gaps to keep them all, the values between them are in runs of one point.
   std::vector<std::vector<ChartPoint>> GetRuns(Value value) const;
 
  private:
-  // What the records of a group have of a value. Times are milliseconds of GPS time.
+  // The range of a value in a group. Times are in milliseconds of GPS time.
   struct Range {
-    float lowest = 1;  // above the highest when there is no value
+    float lowest = 1;  // above `highest` if there is no value
     float highest = 0;
     std::int64_t lowestAt = 0;
     std::int64_t highestAt = 0;
@@ -65,7 +64,7 @@ class SatelliteSeriesC {
   void Condense(bool acrossGaps);
 
   std::uint64_t records_ = 0;
-  std::int64_t median_ = 0;  // of the steps in time; 0 when it is not yet known
+  std::int64_t median_ = 0;  // of the steps in time; 0 if not yet known
   std::vector<Group> groups_;
 };
 

@@ -16,7 +16,7 @@
 
 namespace Tool {
 
-/// Writes a record for people: one aligned line per field, units, "-" for what is not set.
+/// Writes a record as text: one aligned line per field, with units, and "-" if a field is not set.
 class ShowWriterC {
  public:
   explicit ShowWriterC(fmt::memory_buffer& out) : out_(out) {}
