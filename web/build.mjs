@@ -1,4 +1,4 @@
-// Puts the page together: build.mjs MODULE.mjs MODULE.wasm PAGE.html
+// Assembles the page: build.mjs MODULE.mjs MODULE.wasm PAGE.html
 import { createHash } from "node:crypto";
 import { readFileSync, writeFileSync } from "node:fs";
 import { dirname, join, resolve } from "node:path";
@@ -24,7 +24,7 @@ async function script(file, define) {
     charset: "utf8",
     legalComments: "none",
     alias: { "surveydata-module": glue },
-    // Where the module is asked for by its address, which the page never does.
+    // The address of the module, which the page does not use.
     define: { "import.meta.url": "\"file:///\"", ...define },
     logLevel: "warning",
   });
@@ -67,7 +67,7 @@ const style = (
   await build({ entryPoints: [join(source, "page.css")], minify: true, write: false })
 ).outputFiles[0].text.trim();
 
-// The worker comes from a blob and has the policy of the page. Nothing else is loaded.
+// The worker is loaded from a blob and has the policy of the page. Nothing else is loaded.
 const policy = [
   "default-src 'none'",
   `script-src ${hash(main)} 'wasm-unsafe-eval'`,

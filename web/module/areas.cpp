@@ -31,8 +31,8 @@
 #include <output/svg.h>
 
 /// \file
-/// What the page asks of areas. There is one area at a time. Its file is the state of the page: an
-/// edit makes a new file, which is opened as any other.
+/// The functions for areas that the page calls. One area is open at a time. Its file is the state
+/// of the page: an edit makes a new file, which is opened like any other.
 
 namespace {
 
@@ -98,8 +98,8 @@ void Open(std::string text, const char* name) {
   area = std::make_unique<Area>(Area{std::move(file), std::move(faults), std::move(handle)});
 }
 
-// The plane of Hz and V, and the view from the zenith: north is up, Hz goes clockwise, the distance
-// from the middle is V.
+// The plane of Hz and V, and the view from the zenith: north is up, Hz increases clockwise, the
+// distance from the centre is V.
 constexpr double kPlaneWidth = 720;
 constexpr double kPlaneHeight = 360;
 constexpr double kRadius = 180;
@@ -128,12 +128,12 @@ std::string PathOf(std::span<const SvgPoint> points, bool isClosed) {
   return path + (isClosed ? "Z" : "");
 }
 
-// A curve in the plane, once for each turn at which a part of it can be seen.
+// A curve in the plane, once for each turn at which part of it is visible.
 std::string PlanePath(const Tool::Curve& curve, int least) {
   std::string path;
   const double a = curve(0).Hz;
   const double b = curve(1).Hz;
-  const double reach = GMAT::PI;  // what an arc may go beyond its ends, over a pole
+  const double reach = GMAT::PI;  // how far an arc may extend beyond its ends, over a pole
   const double first = std::ceil((-std::max(a, b) - reach) / GMAT::TWO_PI);
   for (int i = 0;; ++i) {
     const double turn = (first + i) * GMAT::TWO_PI;
@@ -245,8 +245,8 @@ std::vector<SDI::ScanDefPointC> Points() {
 
 }  // namespace
 
-/// Opens an area file. The result is why it cannot be opened, when the answer is not 0; the area
-/// before it stays open then.
+/// Opens an area file and returns 0. If it cannot be opened, the result is the reason, and the
+/// previous area stays open.
 SURVEYDATA_PAGE std::int32_t page_area_open(const char* text, std::uint32_t size,
                                             const char* name) {
   return Page::Guarded([&] {
@@ -263,7 +263,7 @@ SURVEYDATA_PAGE std::int32_t page_area_open(const char* text, std::uint32_t size
   });
 }
 
-/// The result is a JSON object: what `surveydata area info` reports, points, and outline.
+/// The result is a JSON object: the report of `surveydata area info`, the points and the outline.
 SURVEYDATA_PAGE std::int32_t page_area_report() {
   return Page::Guarded([] {
     const Area& opened = Opened();
@@ -324,7 +324,7 @@ SURVEYDATA_PAGE std::int32_t page_area_report() {
   });
 }
 
-/// The result is a JSON object: what is inside, the edges and the bounds, as paths in both views.
+/// The result is a JSON object: the inside, the edges and the bounds, as paths in both views.
 SURVEYDATA_PAGE std::int32_t page_area_picture() {
   return Page::Guarded([] {
     const Area& opened = Opened();
@@ -365,7 +365,7 @@ SURVEYDATA_PAGE std::int32_t page_area_picture() {
   });
 }
 
-/// The result is a JSON object: the direction at a place of a view, and whether it is inside.
+/// The result is a JSON object: the direction at a position in a view, and whether it is inside.
 SURVEYDATA_PAGE std::int32_t page_area_at(std::int32_t isPlane, double x, double y) {
   return Page::Guarded([&] {
     const AnglePointC direction = Direction(isPlane != 0, x, y);
@@ -420,7 +420,7 @@ SURVEYDATA_PAGE std::int32_t page_area_explain(double hz, double v) {
   });
 }
 
-/// How a file of an area differs from that of the open one.
+/// Edits of the open area.
 enum AreaEdit : std::int32_t { kInsert = 0, kMove = 1, kRemove = 2, kSteps = 3 };
 
 /// The result is the file of the open area after an edit; angles are in its unit. `index` counts
@@ -464,9 +464,9 @@ SURVEYDATA_PAGE std::int32_t page_area_convert(const char* unit) {
   });
 }
 
-/// The result is what the open area answers for the directions in a file, as doubles: how many
-/// there are, how many of them are inside, and then for the first of them Hz and V in rad, the
-/// place in the plane, the place in the view from the zenith, and 1 or 0.
+/// Tests the directions of a file. The result consists of doubles: the number of directions, how
+/// many of them are inside, and then for each of the first directions Hz and V in rad, the position
+/// in the plane, the position in the view from the zenith, and 1 if it is inside, else 0.
 SURVEYDATA_PAGE std::int32_t page_area_directions(const char* text, std::uint32_t size) {
   return Page::Guarded([&] {
     constexpr double kMost = 20'000;

@@ -5,7 +5,7 @@
 
 namespace Page {
 
-/// The name of the one file that the module can open: the text that was given last.
+/// The name of the only file that the module can open: the last text that was passed to it.
 inline constexpr const char* kFileName = "page";
 
 void SetFile(std::string text);

@@ -12,7 +12,7 @@
 
 namespace {
 
-// The shortest digits of a number above 0, and the power of ten of the first one.
+// The shortest decimal digits of a number above 0, and the power of ten of the first digit.
 struct Digits {
   std::string digits;
   int exponent;
@@ -68,7 +68,7 @@ std::to_chars_result Write(char* first, char* last, Float value, std::chars_form
 
 bool IsDigit(char c) { return '0' <= c && c <= '9'; }
 
-// The end of the decimal number at the front, `first` when there is none.
+// The end of the decimal number at the front, or `first` if there is none.
 const char* EndOfNumber(const char* first, const char* last) {
   const char* at = first;
   const auto skipDigits = [&] {
@@ -133,7 +133,7 @@ from_chars_result from_chars(const char* first, const char* last, double& value)
   const string digits(first, end);
   errno = 0;
   const double number = strtod(digits.c_str(), nullptr);
-  // Only what cannot be told from 0 or from infinity is out of range.
+  // A number is out of range only if it rounds to 0 or to infinity.
   if (errno == ERANGE && (number == 0 || isinf(number))) return {end, errc::result_out_of_range};
   value = number;
   return {end, errc()};

@@ -9,8 +9,8 @@
 #include <platform/input_file.h>
 #include <platform/platform.h>
 
-// The seams of the program to its operating system, of which a page has none: the one file that
-// there is lies in memory.
+// Replaces the program's interface to the operating system, which a page does not have: the only
+// file is in memory.
 
 namespace Page {
 namespace {

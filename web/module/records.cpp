@@ -28,10 +28,10 @@
 #include <record/show_writer.h>
 
 /// \file
-/// What the page asks of record files.
+/// The functions for record files that the page calls.
 
-/// Reads bytes of the file that is being walked: the page defines it. Answers how many were read,
-/// or one of the answers of `surveydata_read_at`.
+/// Reads bytes of the file that is being listed. Defined by the page. Returns the number of bytes
+/// read, or another result of `surveydata_read_at`.
 extern "C" std::int32_t page_read(double offset, std::uint8_t* to, std::uint32_t count);
 
 namespace {
@@ -39,7 +39,7 @@ namespace {
 using Tool::DecodedRecord;
 using Tool::JsonWriterC;
 
-// Kinds of rows: those of entries, and a measurement whose blocks do not fit.
+// Kinds of rows: the kinds of entries, and measurements whose blocks do not fit.
 enum RowKind : std::uint8_t {
   kMeasurement = SURVEYDATA_MEASUREMENT,
   kOther = SURVEYDATA_OTHER_RECORD,
@@ -52,22 +52,22 @@ enum RowKind : std::uint8_t {
 struct Row {
   double offset;
   double size;
-  double time;  // ms from the start of GPS time; of measurements
+  double time;  // of a measurement, in ms from the start of GPS time
   std::uint8_t kind;
   std::uint8_t detail;    // the type of another record, or the damage of a header
-  std::uint16_t plotted;  // of measurements: what is plotted of it, see `PlottedC`
+  std::uint16_t plotted;  // the plotted values of a measurement, see `PlottedC`
   std::uint32_t reserved;
 };
 static_assert(sizeof(Row) == 32);
 
-// What is plotted of the measurements of a file. Few combinations of a step in time with dilutions
-// and satellites occur in one file, however many records it has, so that a number of 16 bits stands
-// for all that is plotted of a record.
+// The plotted values of the measurements of a file. A file has few distinct combinations of a step
+// in time with dilutions and satellites, however many records it has, so a 16-bit number identifies
+// all plotted values of a record.
 class PlottedC {
  public:
-  // The first number, which says that the record is not kept here, as there were too many.
+  // Identifies a record whose values are not kept, because there are too many combinations.
   static constexpr std::uint16_t kNotKept = 0;
-  // The scripts have the other numbers of 16 bits for what is not a measurement.
+  // The scripts use the remaining 16-bit numbers for rows that are not measurements.
   static constexpr std::size_t kMost = 65'000;
 
   std::uint16_t Add(const Tool::SatelliteSeriesC::Sample& sample) {
@@ -87,7 +87,7 @@ class PlottedC {
     }
     return last_ = slots_[slot];
   }
-  // Those from number `first` on: the step in time since the measurement before (ms), and values.
+  // The combinations from number `first` on: the step in time (ms) and the values.
   std::span<const char> From(std::size_t first) const {
     const auto part = std::span(all_).subspan(std::min(first - 1, all_.size()));
     return {reinterpret_cast<const char*>(part.data()), part.size_bytes()};
@@ -118,8 +118,8 @@ class PlottedC {
   bool isFirst_ = true;
 };
 
-// The walk of one file. Damaged headers come before the gap that they lie in, and are listed after
-// it, as the program does; when there are too many to be held, they are listed at once.
+// Lists one file. The reader reports damaged headers before the gap that contains them; they are
+// listed after it, as in the program, unless there are too many to keep.
 class WalkC {
  public:
   explicit WalkC(double size) {
@@ -202,7 +202,7 @@ class WalkC {
   std::vector<Row> held_;
   Tool::SatelliteSeriesC series_;
   PlottedC plotted_;
-  DecodedRecord record_;  // used again for each measurement
+  DecodedRecord record_;  // reused for each measurement
 };
 
 std::unique_ptr<WalkC> walk;
@@ -268,15 +268,15 @@ Tool::SatelliteSeriesC& SeriesOf(std::int32_t isPart) {
 
 }  // namespace
 
-/// Begins to walk the file that `page_read` reads; the walk before it is given up. Answers a status
-/// of the C interface.
+/// Starts to list the file that `page_read` reads, instead of the previous one. Returns a status of
+/// the C interface.
 SURVEYDATA_PAGE std::int32_t page_walk_open(double size) {
   walk = std::make_unique<WalkC>(size);
   return walk->GetState();
 }
 
-/// Goes on to the next rows, `most` and somewhat more. The result are `Row`s. Answers a status: 0
-/// when there may be more.
+/// Reads about `most` further rows. The result is an array of `Row`. Returns a status: 0 if there
+/// may be more rows.
 SURVEYDATA_PAGE std::int32_t page_walk(std::uint32_t most) {
   return Page::Guarded([&] {
     const std::span<const Row> rows = walk->Next(most);
@@ -285,8 +285,8 @@ SURVEYDATA_PAGE std::int32_t page_walk(std::uint32_t most) {
   });
 }
 
-/// The result are what numbers from `first` on stand for in `Row::plotted`: for each six doubles,
-/// the time since the measurement before (ms) and the values of `SatelliteSeriesC`.
+/// The result is the meaning of the numbers in `Row::plotted` from `first` on. Each is six doubles:
+/// the time since the previous measurement (ms), and the values of `SatelliteSeriesC`.
 SURVEYDATA_PAGE std::int32_t page_plotted(std::uint32_t first) {
   return Page::Guarded([&] {
     const std::span<const char> plotted = walk->GetPlotted().From(first);
@@ -295,7 +295,7 @@ SURVEYDATA_PAGE std::int32_t page_plotted(std::uint32_t first) {
   });
 }
 
-/// Appends a line of JSON to the result: a row of the list. `frame` are the bytes of a record.
+/// Appends a row of the list to the result, as a line of JSON. `frame` is the bytes of a record.
 SURVEYDATA_PAGE void page_row(std::uint32_t kind, std::uint32_t detail, double offset, double size,
                               const std::uint8_t* frame) {
   JsonWriterC out(Page::Result());
@@ -325,7 +325,7 @@ SURVEYDATA_PAGE void page_row(std::uint32_t kind, std::uint32_t detail, double o
   out.EndLine();
 }
 
-/// The result is one record: its fields as `surveydata record show` has them, and its bytes.
+/// The result is one record: its fields as in `surveydata record show`, and its bytes.
 SURVEYDATA_PAGE std::int32_t page_record(double offset, const std::uint8_t* frame,
                                          std::uint32_t size) {
   return Page::Guarded([&] {
@@ -350,8 +350,8 @@ SURVEYDATA_PAGE std::int32_t page_record(double offset, const std::uint8_t* fram
   });
 }
 
-/// The result is the frame with the changes `which` of `surveydata_changes`, or why it cannot be
-/// changed. Answers a status of the C interface.
+/// The result is the frame with the changes `which` of `surveydata_changes`, or the reason why it
+/// cannot be changed. Returns a status of the C interface.
 SURVEYDATA_PAGE std::int32_t page_patch(const std::uint8_t* frame, std::uint32_t size,
                                         std::uint32_t which, const char* name, std::int32_t number,
                                         double height, std::int32_t isSlant) {
@@ -372,7 +372,7 @@ SURVEYDATA_PAGE std::int32_t page_patch(const std::uint8_t* frame, std::uint32_t
   return status;
 }
 
-/// Appends what `surveydata record export` writes before the first record.
+/// Appends the output of `surveydata record export` before the first record.
 SURVEYDATA_PAGE void page_export_header(std::int32_t isCsv) {
   if (isCsv == 0) return;
   Tool::CsvWriterC line(Page::Result(), Tool::Formulas::kEscape);
@@ -380,7 +380,7 @@ SURVEYDATA_PAGE void page_export_header(std::int32_t isCsv) {
   line.EndLine();
 }
 
-/// Appends what it writes for a record: nothing when the blocks of the frame do not fit.
+/// Appends its output for a record: nothing if a block of the frame does not fit.
 SURVEYDATA_PAGE void page_export(std::int32_t isCsv, double offset, const std::uint8_t* frame,
                                  std::uint32_t size) {
   const DecodedRecord record =
@@ -403,8 +403,8 @@ SURVEYDATA_PAGE double page_time(const std::uint8_t* frame, std::uint32_t size) 
       Tool::GpsMilliseconds(Tool::Decode(0, {frame, std::size_t{size}}).measurement.GetTimeA()));
 }
 
-/// Begins the series of a part of the file, and adds to it a record, or what is plotted of `count`
-/// records: of each the time (ms) and the values of `SatelliteSeriesC`.
+/// Starts the series of a part of the file; adds a record to it; adds the plotted values of `count`
+/// records, each with the time (ms) and the values of `SatelliteSeriesC`.
 /// @{
 SURVEYDATA_PAGE void page_part_begin() { part = std::make_unique<Tool::SatelliteSeriesC>(); }
 SURVEYDATA_PAGE void page_part_add(const std::uint8_t* frame, std::uint32_t size) {
@@ -420,7 +420,7 @@ SURVEYDATA_PAGE void page_part_add_plotted(const double* plotted, std::uint32_t 
 }
 /// @}
 
-/// The result are the runs of a `SatelliteSeriesC::Value`: pairs of time (s) and value, with a pair
+/// The result is the runs of a `SatelliteSeriesC::Value`: pairs of time (s) and value, with a pair
 /// of NaN between two runs.
 SURVEYDATA_PAGE std::int32_t page_series(std::int32_t isPart, std::uint32_t value) {
   return Page::Guarded([&] {

@@ -7,18 +7,18 @@
 #include <fmt/format.h>
 
 /// \file
-/// How the functions of the module answer the page. Bytes and texts come to the module in memory
-/// that the page takes with `malloc`; what a function answers beside its number is in one buffer,
-/// which the next function overwrites.
+/// How the functions of the module return results to the page. The page passes bytes and texts in
+/// memory that it allocates with `malloc`. Results other than a number are in one buffer, which the
+/// next function overwrites.
 
 /// A function that the page calls.
 #define SURVEYDATA_PAGE extern "C" __attribute__((used, visibility("default")))
 
 namespace Page {
 
-/// The buffer, emptied.
+/// Empties the buffer and returns it.
 fmt::memory_buffer& NewResult();
-/// The buffer as it is, to be appended to.
+/// The buffer, to be appended to.
 fmt::memory_buffer& Result();
 
 void SetResult(std::string_view text);
@@ -26,7 +26,7 @@ void SetResult(std::string_view text);
 /// Sets the message of the exception that is being handled as the result.
 void SetResultToException();
 
-/// Runs `work` and answers what it does; -1 with the message as result when it throws.
+/// Runs `work` and returns its value. If it throws, returns -1 with the message as the result.
 template <class Work>
 std::int32_t Guarded(Work work) {
   try {

@@ -1,5 +1,5 @@
 // An area: both views of it, its report, the explanation of a direction, and the editing of its
-// points. The file's text is the state: every edit makes a new text, which undo takes back.
+// points. The text of the file is the state: every edit makes a new text, and undo restores the old one.
 import type { Client } from "./client";
 import { button, counted, download, element, messageOf, say, svg } from "./dom";
 import type { AreaPicture, AreaReport, DirectionAt, Explanation, Place, View } from "./protocol";
@@ -48,7 +48,7 @@ export class AreaView {
   private readonly hz = element("input", { name: "hz", type: "number", step: "any", value: 0 });
   private readonly v = element("input", { name: "v", type: "number", step: "any", value: 0 });
 
-  /** Throws when the text is no area file; the message says where and why. */
+  /** Throws if the text is not an area file; the message says where and why. */
   static async open(client: Client, name: string, text: string): Promise<AreaView> {
     AreaView.asked = undefined;
     const report = await client.ask<AreaReport>("openArea", text, name);
@@ -121,7 +121,7 @@ export class AreaView {
       : null;
   }
 
-  /** The module holds one area: before a question, that of this view. */
+  /** The module holds one area at a time. Opens the area of this view in it before each query. */
   private ask<Result>(operation: string, ...values: unknown[]): Promise<Result> {
     if (AreaView.asked !== this) {
       AreaView.asked = this;
@@ -439,7 +439,7 @@ export class AreaView {
         element("tbody", {}, ...rows))));
   }
 
-  /** Between a point and the next one, where the plane shows them; it is meant to be moved. */
+  /** Inserts a point halfway to the next one in the plane, from where it can be moved. */
   private async insertAfter(index: number): Promise<void> {
     const { points } = this.report;
     const a = points[index]!;

@@ -1,4 +1,4 @@
-// Asks the worker. The module and the worker's own source are in the page.
+// Sends requests to the worker. The page contains the module and the source of the worker.
 import type { Progress, Reply, Request } from "./protocol";
 
 declare const WORKER_SOURCE: string;
@@ -9,13 +9,13 @@ interface Waiting {
   onProgress: ((progress: Progress) => void) | undefined;
 }
 
-/** Work that is under way. */
+/** A request in progress. */
 export interface Job<Result> {
   result: Promise<Result>;
   cancel(): void;
 }
 
-/** The characters of seven bits that the text of the module does not have: build.mjs writes it. */
+/** The 7-bit characters that the text of the module does not use. build.mjs defines it. */
 declare const TAKEN: number[];
 
 export function moduleBytes(): Uint8Array {
@@ -41,7 +41,7 @@ export function moduleBytes(): Uint8Array {
 }
 
 export class Client {
-  /** Called when the module has failed and was started again; what it had open is gone. */
+  /** Called after the module has failed and was restarted; its open files are gone. */
   onRestart: () => void = () => undefined;
   private worker!: Worker;
   private readonly waiting = new Map<number, Waiting>();
@@ -108,7 +108,7 @@ export class Client {
     if (reply.isFatal) this.fail(reply.error);
   }
 
-  /** Starts another worker: a module that has trapped cannot be asked any more. */
+  /** Starts another worker: a module that has trapped cannot be used any more. */
   private fail(message: string): void {
     this.worker.terminate();
     for (const waiting of this.waiting.values()) waiting.reject(new Error(message));

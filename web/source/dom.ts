@@ -1,4 +1,4 @@
-// Elements, made and found.
+// Creates and finds elements.
 
 type Child = Node | string | null | undefined;
 type Properties = Record<string, string | number | boolean | ((event: never) => void) | undefined>;
@@ -37,7 +37,7 @@ export function button(label: string, click: () => void, properties: Properties 
   return element("button", { type: "button", click, ...properties }, label);
 }
 
-/** Gives bytes to the user as a file. */
+/** Offers content to the user as a file to save. */
 export function download(name: string, content: Blob): void {
   const url = URL.createObjectURL(content);
   const link = element("a", { href: url, download: name });
@@ -52,7 +52,7 @@ export function counted(count: number, thing: string): string {
   return `${numbers.format(count)} ${thing}${count === 1 ? "" : "s"}`;
 }
 
-/** What a screen reader says, and sighted people read at the foot of the page. */
+/** Shows a message at the foot of the page, which screen readers announce. */
 export function say(message: string, isAlert = false): void {
   const place = document.querySelector<HTMLElement>("#message")!;
   place.textContent = message;

@@ -1,5 +1,5 @@
-// The list of records: of any number of rows, only those in view are in the page. Browsers limit the
-// height of an element, so above a number of rows the scroll bar is scaled.
+// The list of records, with any number of rows: only the visible ones have elements. Browsers limit the
+// height of an element, so the scroll bar of a very long list is scaled.
 import { element } from "./dom";
 import type { ListRow } from "./protocol";
 import { FINDINGS } from "./row_index";
@@ -25,7 +25,7 @@ export interface Range {
 
 export class RecordList {
   readonly root: HTMLElement;
-  /** The row that the keyboard is at, and the end of the selection that stays. */
+  /** The row with the keyboard focus, and the fixed end of the selection. */
   current = 0;
   private anchor = 0;
   private count = 0;
@@ -81,7 +81,7 @@ export class RecordList {
     void this.render();
   }
 
-  /** Shows a row, and selects it or the rows up to it. */
+  /** Shows a row, and selects it or extends the selection to it. */
   go(row: number, extends_ = false): void {
     if (this.count === 0) return;
     this.current = Math.max(0, Math.min(row, this.count - 1));
@@ -151,7 +151,7 @@ export class RecordList {
     void this.render();
   }
 
-  /** Exactly, also where the scroll bar cannot tell rows apart. */
+  /** Scrolls exactly to a row, even if one pixel of the scroll bar is many rows. */
   private scrollTo(row: number): void {
     this.top = Math.max(0, Math.min(row, this.lastTop));
     const reach = this.scroller.scrollHeight - this.scroller.clientHeight;

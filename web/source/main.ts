@@ -15,7 +15,7 @@ interface View {
 }
 
 const client = new Client();
-// For scripts of the reader, in the console of the browser.
+// For the user's scripts in the console of the browser.
 (window as unknown as { surveydata: Client }).surveydata = client;
 const tabs = document.querySelector<HTMLElement>("#tabs")!;
 const views = document.querySelector<HTMLElement>("#views")!;
@@ -48,7 +48,7 @@ async function add(name: string, view: View): Promise<void> {
   await view.load();
 }
 
-/** Areas are JSON; whatever else is dropped is read as records, which says what is wrong with it. */
+/** Areas are JSON; all other files are read as records, which reports what is wrong with them. */
 async function isArea(file: File): Promise<boolean> {
   const head = new TextDecoder().decode(await file.slice(0, 4096).arrayBuffer());
   return head.replace(/^\uFEFF/, "").trimStart().startsWith("{");
@@ -138,7 +138,7 @@ client.onRestart = () => {
   for (const view of opened.values()) void view.restart();
 };
 
-// A file that came with the page, as data: `surveydata view` puts it there.
+// A file that `surveydata view` has embedded in the page.
 const embedded = document.querySelector<HTMLTemplateElement>("template#file");
 if (embedded) {
   const name = embedded.dataset["name"] ?? "file";

@@ -1,5 +1,5 @@
-// The module: the library and parts of the program, compiled to WebAssembly. This is the only file
-// that knows its memory.
+// The module: the library and parts of the program, compiled to WebAssembly. Only this file accesses
+// its memory.
 import instantiate from "surveydata-module";
 
 interface Exports {
@@ -9,24 +9,24 @@ interface Exports {
   [name: string]: unknown;
 }
 
-/** A row of the list, as the walk gives it. */
+/** A row of the list, as the module returns it. */
 export interface Row {
   kind: number;
   detail: number;
   offset: number;
   size: number;
   time: number;
-  /** The number of what is plotted of a measurement; 0 when that is not kept. */
+  /** The number of the plotted values of a measurement; 0 if they are not kept. */
   plotted: number;
 }
 
 export type Argument = number | string | Uint8Array | Float64Array;
-/** Reads bytes of the file that is being walked; -1 when reading fails, -2 to pause. */
+/** Reads bytes of the file that is being listed. Returns -1 if reading fails, -2 to pause. */
 export type Read = (offset: number, to: Uint8Array) => number;
 
 const ROW_SIZE = 32;
 
-/** A function of the module answered that it failed, with its message. */
+/** A function of the module failed with this message. */
 export class ModuleError extends Error {}
 
 export class Module {
@@ -52,7 +52,7 @@ export class Module {
     return new Module(exports);
   }
 
-  /** Bytes of memory that the module has. */
+  /** The size of the memory of the module in bytes. */
   get memory(): number {
     return this.exports.HEAPU8.byteLength;
   }
@@ -77,14 +77,14 @@ export class Module {
     }
   }
 
-  /** As `call`, for functions that answer -1 with a message when they fail. */
+  /** As `call`, for functions that return -1 and a message if they fail. */
   ask(name: string, ...values: Argument[]): number {
     const answer = this.call(name, ...values);
     if (answer === -1) throw new ModuleError(this.text());
     return answer;
   }
 
-  /** Copies into memory that `free` gives back. */
+  /** Copies into memory that `free` releases. */
   put(value: string | Uint8Array | Float64Array): number {
     const bytes =
       typeof value === "string"
@@ -113,7 +113,7 @@ export class Module {
     return this.exports.HEAPU8.slice(address, address + size);
   }
 
-  /** The result of the call before, which later calls do not change. */
+  /** A copy of the result of the last call. */
   bytes(): Uint8Array {
     return this.copy(this.call("page_result"), this.call("page_result_size"));
   }

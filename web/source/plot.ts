@@ -1,5 +1,5 @@
-// Dilutions of precision and satellites over time, drawn from the runs of the program's own series.
-// Dragging selects a stretch of time; the keyboard moves and widens it.
+// Dilutions of precision and satellites over time, drawn from the same runs as in the program.
+// Dragging selects a period; the keyboard moves and widens it.
 import type { Client } from "./client";
 import { button, element, svg } from "./dom";
 import type { Series, TimeTick, ValueTick } from "./protocol";
@@ -147,7 +147,7 @@ export class Plot {
         begins = true;
         continue;
       }
-      // A run of one point is a dot: a line of no length with round ends.
+      // A run of one point is a dot: a line of length 0 with round ends.
       const at = `${this.x(time).toFixed(2)} ${y(pairs[i + 1]!).toFixed(2)}`;
       parts.push(begins ? `M${at}L${at}` : `L${at}`);
       begins = false;

@@ -1,4 +1,4 @@
-// What the page and its worker say to each other.
+// The messages between the page and its worker.
 
 export interface Request {
   id: number;
@@ -24,12 +24,12 @@ export interface Summary {
   gaps: number;
   gapBytes: number;
   badFrames: number;
-  /** Why reading ended before the end of the file; empty when it did not. */
+  /** Why reading ended before the end of the file; otherwise empty. */
   fault: string;
   isCancelled: boolean;
   firstTime: number;
   lastTime: number;
-  /** Bytes that the worker holds: the module and the rows. */
+  /** The memory of the worker in bytes: the module and the rows. */
   memory: number;
 }
 

@@ -4,7 +4,7 @@ import type { Client } from "./client";
 import { button, element, messageOf } from "./dom";
 import type { ByteField, Changes, RecordDetail } from "./protocol";
 
-const KEY_WIDTH = 22; // of the program's own table
+const KEY_WIDTH = 22; // as in the program's table
 const COLOURS = 8;
 
 function hex(byte: number): string {

@@ -1,4 +1,4 @@
-// A record file: list, plots, one record, and what is saved of it.
+// A record file: the list, the plots, one record, and saving.
 import type { Client, Job } from "./client";
 import { button, counted, download, element, messageOf, say } from "./dom";
 import { RecordList, type Range } from "./list";
@@ -92,7 +92,7 @@ export class RecordsView {
     say(`${this.file.name}: ${this.status.textContent}`);
   }
 
-  /** Opens the file again in a worker that was started anew; changes are kept here. */
+  /** Opens the file again in a restarted worker; changes are kept here. */
   restart(): Promise<void> {
     return this.load();
   }
@@ -148,7 +148,7 @@ export class RecordsView {
     await this.open(to);
   }
 
-  /** Draws what is in view again from its records: the series of the whole file is coarse. */
+  /** Redraws the visible period from its records: the series of the whole file is coarse. */
   private async zoomed(range: TimeRange): Promise<void> {
     this.refining?.cancel();
     const from = await this.client.ask<number>("rowAt", this.key, range.from * 1000);

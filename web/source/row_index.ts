@@ -1,4 +1,4 @@
-// Where the rows of a file are, and what is plotted of them: 4 bytes a row, whatever the file holds.
+// The offsets of the rows of a file and their plotted values, in 4 bytes per row for any content.
 import type { Row } from "./module";
 
 export const MEASUREMENT = 1;
@@ -8,7 +8,7 @@ export const DAMAGED_HEADER = 8;
 export const BAD_FRAME = 16;
 export const FINDINGS = GAP | DAMAGED_HEADER | BAD_FRAME;
 
-/** More damaged headers than these are counted and not listed. */
+/** Damaged headers beyond this number are counted, but not listed. */
 const MOST_DAMAGED = 100_000;
 
 const CHUNK = 65_536;
@@ -16,17 +16,17 @@ const BLOCK = 64;
 const LARGE = 0xffff;
 
 /**
- * The code of a measurement: this, and the number of what is plotted of it. Codes below it are
+ * The code of a measurement is this plus the number of its plotted values. Smaller codes are the
  * numbers of other kinds of rows.
  */
 const MEASUREMENTS = 512;
-/** What is plotted of a measurement: a step in time, and five values. */
+/** The number of values that are plotted of a measurement: a step in time and five others. */
 export const PLOTTED = 6;
 
 interface Chunk {
   sizes: Uint16Array;
   codes: Uint16Array;
-  /** Of each block of rows: where its first row begins, and the time of its first measurement. */
+  /** For each block of rows: the offset of its first row, and the time of its first measurement. */
   offsets: Float64Array;
   times: Float64Array;
 }
@@ -35,7 +35,7 @@ export class RowIndex {
   count = 0;
   readonly counts = new Map<number, number>();
   gapBytes = 0;
-  /** What is plotted, by its number; nothing has the number 0. */
+  /** The plotted values, by their number; number 0 is not used. */
   readonly plotted: Float64Array[] = [new Float64Array()];
   private readonly chunks: Chunk[] = [];
   private readonly others: { kind: number; detail: number }[] = [];
@@ -95,8 +95,8 @@ export class RowIndex {
   }
 
   /**
-   * Calls `visit` with the time (ms) of each measurement of the rows and what is plotted of it.
-   * False, and not all are visited, when that is not kept of one of them.
+   * Calls `visit` with the time (ms) and the plotted values of each measurement of the rows. Stops
+   * and returns false if the values of one of them are not kept.
    */
   eachPlotted(from: number, to: number, visit: (time: number, plotted: Float64Array) => void): boolean {
     let time = NaN;
@@ -108,14 +108,14 @@ export class RowIndex {
       if (code < MEASUREMENTS) continue;
       const plotted = this.plotted[code - MEASUREMENTS];
       if (plotted?.length !== PLOTTED) return false;
-      // Of a block, the time of its first measurement is known.
+      // Each block has the time of its first measurement.
       time = Number.isNaN(time) ? chunk.times[Math.floor(at / BLOCK)]! : time + plotted[0]!;
       if (row >= from) visit(time, plotted);
     }
     return true;
   }
 
-  /** The first row of the block whose time is the last one not after `time`. */
+  /** The first row of the block that begins latest, but not after `time`. */
   blockAt(time: number): number {
     let best = 0;
     let bestTime = -Infinity;
@@ -131,7 +131,7 @@ export class RowIndex {
     return Math.min(best, Math.max(this.count - 1, 0));
   }
 
-  /** The next row of one of the kinds from `row` on, in steps of 1 or -1; -1 when there is none. */
+  /** The next row of one of the kinds, starting at `row`, in steps of 1 or -1; -1 if there is none. */
   find(kinds: number, row: number, step: number): number {
     for (let at = row; at >= 0 && at < this.count; at += step) {
       if ((this.kindOf(at) & kinds) !== 0) return at;

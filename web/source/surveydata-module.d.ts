@@ -1,4 +1,4 @@
 declare module "surveydata-module" {
-  /** Emscripten's start of the module. */
+  /** Instantiates the module; Emscripten generates it. */
   export default function instantiate(options: object): Promise<unknown>;
 }

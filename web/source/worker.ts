@@ -1,5 +1,5 @@
-// The worker: files are read and the module is asked here, a slice at a time, so that the page
-// answers meanwhile and work can be cancelled.
+// The worker reads files and calls the module, a slice at a time, so that the page stays responsive and
+// work can be cancelled.
 import { Module } from "./module";
 import type { Changes, ListRow, Progress, RecordDetail, Reply, Request, Summary } from "./protocol";
 import { BAD_FRAME, DAMAGED_HEADER, GAP, MEASUREMENT, OTHER, PLOTTED, RowIndex } from "./row_index";
@@ -23,9 +23,9 @@ const SLICE_BYTES = 32 << 20;
 const SLICE_ROWS = 16_384;
 const READ_SIZE = 1 << 20;
 const SERIES_COUNT = 5;
-const BASE64_SLICE = 1 << 20; // whole groups of four characters
+const BASE64_SLICE = 1 << 20; // a multiple of four characters
 
-/** A record file with what the page changed in it. */
+/** A record file with the changes that were made in the page. */
 class RecordFile {
   readonly index = new RowIndex();
   readonly patches = new Map<number, Uint8Array>();
@@ -78,7 +78,7 @@ function readWalked(offset: number, to: Uint8Array): number {
   }
 }
 
-/** Lets messages in: requests to cancel above all. */
+/** Lets the event loop deliver messages, above all requests to cancel. */
 function pause(): Promise<void> {
   return new Promise((resolve) => {
     const channel = new MessageChannel();
@@ -136,7 +136,7 @@ async function eachFrame(
         module.write(of.read(first.offset, last.at + last.size), address);
         for (const frame of frames) visit(address + frame.at, first.offset + frame.at, frame.size);
       } else if (row <= to && of.index.get(row).offset === first.offset) {
-        ++row; // a gap that is longer than what is read at once
+        ++row; // a gap that is longer than a slice
       }
       report({ done: row - from, total: to - from + 1, rows: row - from });
       await pause();
@@ -233,7 +233,7 @@ const operations: Record<string, Operation> = {
     return describe(offset, of.read(offset, size));
   },
 
-  /** A frame that is not in the file yet. */
+  /** Describes a frame that is not yet in the file. */
   describe(_id, _report, offset: number, frame: Uint8Array): RecordDetail {
     return describe(offset, frame);
   },
@@ -261,7 +261,7 @@ const operations: Record<string, Operation> = {
     return file(key).index.find(kinds, row, step);
   },
 
-  /** The row of the measurement whose time (ms) is the nearest to this one. */
+  /** The row of the measurement with the time (ms) closest to `time`. */
   rowAt(_id, _report, key: number, time: number): number {
     const of = file(key);
     const first = of.index.blockAt(time);
@@ -277,7 +277,7 @@ const operations: Record<string, Operation> = {
     return best;
   },
 
-  /** The time (ms) of the measurement at or next to a row; NaN when there is none. */
+  /** The time (ms) of the measurement at or next to a row; NaN if there is none. */
   timeAt(_id, _report, key: number, row: number): number {
     const of = file(key);
     const after = of.index.find(MEASUREMENT, row, 1);
@@ -327,7 +327,7 @@ const operations: Record<string, Operation> = {
     return cancelled.has(id) ? null : new Blob(parts);
   },
 
-  /** The bytes of a text in Base64. */
+  /** Decodes Base64. */
   decode(_id, _report, text: string): Blob {
     const parts: BlobPart[] = [];
     for (let at = 0; at < text.length; at += BASE64_SLICE) {
@@ -379,7 +379,7 @@ const operations: Record<string, Operation> = {
   },
 };
 
-/** Adds what is kept of the rows to the series of a part; false when it is not kept of all. */
+/** Adds the kept values of the rows to the series of a part; false if some are not kept. */
 function addPlotted(index: RowIndex, from: number, to: number): boolean {
   const batch = new Float64Array(16_384 * PLOTTED);
   let length = 0;
@@ -419,7 +419,7 @@ async function answer(request: Request): Promise<void> {
     const run = operations[operation] as (...values: unknown[]) => unknown;
     scope.postMessage({ id, result: await run(id, report, ...values) });
   } catch (error) {
-    // A trap, or a C++ exception that nothing caught.
+    // A trap, or an uncaught C++ exception.
     const { Exception } = WebAssembly as unknown as { Exception?: new () => unknown };
     const isFatal =
       error instanceof WebAssembly.RuntimeError ||
@@ -430,8 +430,8 @@ async function answer(request: Request): Promise<void> {
   }
 }
 
-// What takes long is done one after the other, in slices between which everything else is answered.
-// Slices share the module's result with those answers, and therefore leave nothing in it.
+// Long operations run one after the other, in slices, and all other requests are answered between the
+// slices. Both use the result buffer of the module, so a slice must not expect its content to stay.
 const LONG = new Set(["open", "export", "partOfSeries"]);
 let queue: Promise<void> = Promise.resolve();
 scope.onmessage = (event) => {

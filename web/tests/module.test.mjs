@@ -1,4 +1,4 @@
-// The module alone, in Node.js: what it answers without a page around it.
+// The module alone, in Node.js, without a page.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { join } from "node:path";
@@ -9,7 +9,7 @@ import { directions } from "./containment.mjs";
 import { data, root, text } from "./support.mjs";
 
 const folder = process.env.SURVEYDATA_MODULE ?? join(root, "build/wasm/web");
-globalThis.self = globalThis; // the module is made for a worker
+globalThis.self = globalThis; // the module is built for a worker
 globalThis.location = { href: pathToFileURL(folder).href };
 const { default: instantiate } = await import(pathToFileURL(join(folder, "surveydata.mjs")).href);
 

@@ -225,7 +225,7 @@ onPage("plots: selection is linked with the list, zoom draws the records in view
   assert.ok(Number(from) > 150 && Number(to) < 420 && Number(to) - Number(from) > 20, `${from} to ${to}`);
   await button(page, "Zoom to selection").click();
   await until(page, (before) => document.querySelector(".plot path.line.series-0").getAttribute("d") !== before, whole);
-  // The other way: a row that is selected moves the band.
+  // Conversely, selecting a row moves the band.
   const band = page.locator(".plot .band").first();
   await page.locator(".list").focus();
   await button(page, "All").click();
@@ -385,7 +385,7 @@ onPage("the pointer shows the direction and the answer; a click explains it", as
   assert.match(await answer.textContent(), /Answerinside/);
   assert.match(await answer.textContent(), /Distance to the boundary[\d.]+ gon, to edge \d+/);
   assert.ok((await answer.locator("tbody tr").count()) >= 2);
-  // By the keyboard: a direction in the band of the first edge, which lies apart from it (docs/sphere_areas.md).
+  // By keyboard: a direction in the band of the first edge, which is displaced from it (docs/sphere_areas.md).
   await page.getByLabel("Hz", { exact: true }).fill("378.9415");
   await page.getByLabel("V", { exact: true }).fill("95");
   await page.getByLabel("V", { exact: true }).press("Enter");
@@ -432,7 +432,7 @@ onPage("corners are drawn, dragged, deleted, undone, and saved as an area file",
   assert.equal(info.valid, true);
   assert.equal(info.points, 3);
   assert.equal(info.unit, "gon");
-  // Points are also typed and moved by keyboard alone.
+  // Points can also be typed, and moved by keyboard alone.
   await page.getByLabel("Hz of point 1").fill("120.5");
   await page.getByLabel("Hz of point 1").press("Tab");
   await until(page, () => document.querySelector("[aria-label='Hz of point 1']").value === "120.5");
@@ -470,7 +470,7 @@ onPage("directions from CSV are points, inside or outside as the program answers
 
 onPage("ten million answers are the native ones", async (page) => {
   const area = JSON.parse(text("areas/facade.json"));
-  // Radians, so that both sides get the same numbers.
+  // In radians, so that both sides use the same numbers.
   const points = area.points.map(([hz, v]) => [(hz / 200) * Math.PI, (v / 200) * Math.PI]);
   const expected = execFileSync(join(root, "build/dev/web/page_containment_hash"), { input: points.map((p) => p.join(" ")).join("\n") }).toString();
   const file = written("radians.json", JSON.stringify({ ...area, unit: "rad", points }));
@@ -516,7 +516,7 @@ onPage("a failure of the module loses no edits", async (page) => {
   await openFiles(page, data("areas/facade.json"));
   await page.getByRole("button", { name: "Delete point 19" }).click();
   await page.getByText("polygon, 18 points").waitFor();
-  // A frame of 2 GiB, which no file of the page gives: the module aborts.
+  // A frame of 2 GiB, which the page never passes: the module aborts.
   await page.evaluate(() => {
     const frame = { length: 2 ** 31, buffer: new ArrayBuffer(8), byteOffset: 0, byteLength: 8 };
     return window.surveydata.ask("patch", frame, { number: 1 }).catch(() => undefined);
@@ -533,7 +533,7 @@ onPage("a failure of the module loses no edits", async (page) => {
 });
 
 onPage("a file of 2 GB: in slices, cancellable, in 100 MB", async (page) => {
-  // The sample over and over, which a sparse middle makes quick to write: 2 GiB in all.
+  // Copies of the sample around a sparse middle, which is quick to write: 2 GiB in total.
   const sample = readFileSync(data("valley_drive.rec"));
   const path = join(folder, "large.rec");
   const file = openSync(path, "w");

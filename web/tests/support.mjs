@@ -1,4 +1,4 @@
-// A browser with the page in it. The policy of the page holds in every test: nothing bypasses it.
+// A browser with the page. The policy of the page is in force in every test.
 import { existsSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
