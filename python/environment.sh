@@ -1,5 +1,5 @@
-# Sourced from the root: a virtual environment of the lock file in build/python, and what the scripts
-# beside this file share.
+# Sourced in the root folder: creates a virtual environment from the lock file in build/python, and
+# defines what the scripts in this folder share.
 out=$PWD/build/python
 mkdir -p "$out"
 

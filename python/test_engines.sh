@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds and installs the Python package with the engines that read archives, and tests it with them.
-# With --measure it takes the figures of docs/scale.md instead. Everything is in build/engines.
+# With --measure it measures the figures of docs/scale.md instead. Everything is in build/engines.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 out=$PWD/build/engines
@@ -14,7 +14,7 @@ if ! cat python/requirements-{engines,spark}.txt | cmp -s - "$out/venv/installed
   python3 -m venv "$out/venv"
   install=("$out/venv/bin/pip" install --disable-pip-version-check -q --require-hashes)
   "${install[@]}" --only-binary :all: -r python/requirements-engines.txt
-  # Made from its source distribution by the setuptools of the lock file.
+  # Built from its source distribution with the setuptools of the lock file.
   "${install[@]}" --no-deps --no-build-isolation -r python/requirements-spark.txt
   cat python/requirements-{engines,spark}.txt >"$out/venv/installed"
 fi
@@ -34,5 +34,5 @@ step "types"
 (cd "$out" && mypy --config-file ../../pyproject.toml -p surveydata)
 
 step "tests"
-# The package that is tested is the installed one: its sources are not on the path.
+# Tests the installed package: its sources are not on the path.
 python -P -m pytest -q --import-mode=importlib --durations=10 python/engine_tests "$@"

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Builds the Python package as it is given away (source distribution, wheel of it, wheel for other
-# Linux systems), installs it and checks it. Everything is in build/python.
+# Builds the Python package as it is published (source distribution, wheel, wheel for other Linux
+# systems), installs it and tests it. Everything is in build/python.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . python/environment.sh
 rm -rf "$out/dist" "$out/wheelhouse" "$out/clean"
 
 step "source distribution, and the wheel that it builds in a folder of its own"
-# From what git has alone: a checkout in use holds gigabytes of builds.
+# Only from files in git: a used checkout contains gigabytes of builds.
 rm -rf "$out/source"
 mkdir "$out/source"
 git ls-files -z | xargs -0 cp --parents -t "$out/source"
@@ -33,11 +33,11 @@ ruff check python
   --ignore-disjoint-bases --allowlist ../../python/stubtest_allowlist.txt surveydata._core)
 
 step "wheels of a release"
-# The settings are read; building those wheels needs the network.
+# Only the settings are checked: building these wheels needs the network.
 wheels=$(cibuildwheel --print-build-identifiers --platform linux "$out/source")
 [ "$wheels" = $'cp311-manylinux_x86_64\ncp312-manylinux_x86_64' ] ||
   { echo "other wheels than those for 3.11 and for 3.12 and later: $wheels"; exit 1; }
 
 step "tests"
-# The package that is tested is the installed one: its sources are not on the path.
+# Tests the installed package: its sources are not on the path.
 python -P -m pytest -q --cov --cov-report=term "$@"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Tests the extension module with the address and undefined-behaviour sanitizers. Leaks are not looked
-# for here: the interpreter has its own; test_objects.py counts what objects leave.
+# Tests the extension module with the address and undefined-behaviour sanitizers. Leaks are not
+# checked here: the interpreter itself leaks, and test_objects.py measures what objects leave.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . python/environment.sh
@@ -15,7 +15,7 @@ mkdir -p "$package"
 cp -r python/surveydata "$package"
 cp "$out"/asan/python/_core.*.so "$package/surveydata"
 export PYTHONPATH=$package PYTHONMALLOC=malloc ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1
-# The libraries of the tests for tables are not made for sanitizers: those that need them are left out.
+# Libraries such as pyarrow are not built for sanitizers: tests that need them are skipped.
 LD_PRELOAD="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libubsan.so)" \
   python -P -m pytest -q python/tests/test_objects.py \
   python/tests/test_changes.py python/tests/test_areas.py \

@@ -1,4 +1,4 @@
-"""Speed of the package, each figure beside its peer in the same run.
+"""Speed of the package, each figure with that of its peer from the same run.
 
     python python/benchmarks/benchmark.py [--library libsurveydata.so] [--megabytes 100]
 
@@ -31,7 +31,7 @@ _SAMPLES = Path(__file__).resolve().parents[2] / "tests" / "data"
 
 
 def interleaved(clock: Callable[[], float], runs: int, *works: Callable[[], object]) -> list[float]:
-    """The median time of each work, which run in turns, after one run that does not count."""
+    """The median time of each function, in interleaved runs, after one that does not count."""
     times: list[list[float]] = [[] for _ in works]
     for run in range(runs + 1):
         for work, results in zip(works, times, strict=True):
@@ -43,7 +43,7 @@ def interleaved(clock: Callable[[], float], runs: int, *works: Callable[[], obje
 
 
 def records(megabytes: int, runs: int) -> None:
-    """Into NumPy: all columns of fixed width, of copies of a sample."""
+    """Reads all columns of fixed width of copies of a sample into NumPy."""
     print(f"{'records':28}{'million/s':>10}{'MB/s':>8}{'peer':>8}")
     for name in ("valley_drive", "desert_highway"):
         sample = (_SAMPLES / f"{name}.rec").read_bytes()
@@ -103,7 +103,7 @@ class _Definition(ctypes.Structure):  # surveydata_area_definition
 
 
 def directions(library: str, runs: int) -> None:
-    """Batches of directions, and the same batches through the C interface."""
+    """Batches of directions, compared with the same batches through the C interface."""
     core = ctypes.CDLL(library)
     pointer = ctypes.c_void_p
     core.surveydata_area_contains_many.argtypes = [
@@ -158,7 +158,7 @@ def directions(library: str, runs: int) -> None:
 
 
 def main() -> None:
-    """Run all of them."""
+    """Runs all benchmarks."""
     parser = argparse.ArgumentParser(description="Measure the speed of the package surveydata.")
     parser.add_argument("--library", help="libsurveydata.so, optimised, for the directions")
     parser.add_argument("--megabytes", type=int, default=100, help="of records; 100 by default")

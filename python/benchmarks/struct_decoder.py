@@ -62,7 +62,7 @@ def _first_word(data: bytes, at: int, word: int, row: dict[str, Any]) -> int:
         height, kind = _HEIGHT.unpack_from(data, at)
         row["antenna_height"], row["antenna_is_vertical"] = height, kind != 1
         row["antenna_horizontal_offset"] = 0.0
-        row["antenna_vertical_height"] = height  # there is no offset in a frame
+        row["antenna_vertical_height"] = height  # frames have no horizontal offset
         at += _HEIGHT.size
     if word & 0x0008:
         count = data[at]
@@ -106,7 +106,7 @@ def _systems(data: bytes, at: int, row: dict[str, Any]) -> int:
             if number == 1 or data[at + 1]:
                 found[number] = data[at], data[at + 1]
             at += 2
-    if found:  # without any of them, system 1 has the total pair
+    if found:  # if none is present, system 1 gets the total pair
         row["system_1_used"] = False
         row["system_1_first"] = row["system_1_second"] = None
     for number, pair in found.items():
@@ -152,14 +152,14 @@ def _second_word(data: bytes, at: int, row: dict[str, Any]) -> None:
 
 
 def read_columns(data: bytes) -> dict[str, tuple[NDArray[Any], NDArray[np.bool_]]]:
-    """The columns of `surveydata.FIXED_WIDTH`: values, and where there are some."""
+    """The columns of `surveydata.FIXED_WIDTH`: the values, and which of them are present."""
     names = surveydata.FIXED_WIDTH
     columns: Columns = {name: [] for name in names}
     at = 0
     while at + 19 <= len(data):
         magic, length, kind, week, time, time_b, word = _HEADER.unpack_from(data, at)
         end = at + length
-        # The sum of what the checksum covers, with it, is 0.
+        # The sum of the covered bytes and the checksum is 0.
         if (
             magic != _MAGIC
             or length < 5

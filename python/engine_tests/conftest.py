@@ -20,7 +20,7 @@ def samples(data: Path) -> list[bytes]:
 
 @pytest.fixture(scope="session")
 def drives(tmp_path_factory: pytest.TempPathFactory, samples: list[bytes]) -> Path:
-    """A folder of five files: the samples, an empty one, one with gaps, one with a bare name."""
+    """A folder of five files: the samples, an empty file, one with gaps, one with a plain name."""
     folder = tmp_path_factory.mktemp("archive") / "drives"
     folder.mkdir()
     valley, desert = samples
@@ -38,7 +38,7 @@ def drives(tmp_path_factory: pytest.TempPathFactory, samples: list[bytes]) -> Pa
 
 @pytest.fixture
 def make_archive(tmp_path: Path, samples: list[bytes]) -> Callable[[int], Path]:
-    """A folder with one file of about so many bytes."""
+    """A folder with one file of about `size` bytes."""
 
     def make(size: int) -> Path:
         folder = tmp_path / "archive"

@@ -17,7 +17,7 @@ from surveydata import parquet
 
 
 def steps(step: Callable[[], None]) -> None:
-    """Calls `step` before and after everything that changes the folder."""
+    """Calls `step` before and after every operation that changes the folder."""
 
     def around(owner: Any, name: str) -> None:
         original = getattr(owner, name)

@@ -1,7 +1,7 @@
-"""Takes the figures of docs/scale.md on this machine, and prints them as its tables.
+"""Measures the figures of docs/scale.md on this machine, and prints them as tables.
 
-An archive of four files is made of the samples, in which times ascend and vectors are different in
-each frame, as they are in the field. Every figure is the best of three runs in turns.
+An archive of four files is made from the samples. Its times ascend, and its vectors differ in each
+frame, as in real files. Every figure is the best of three interleaved runs.
 """
 
 import argparse
@@ -60,7 +60,7 @@ def make_archive(folder: Path, size: int) -> int:
 
 
 def best(*actions: Callable[[], Any], runs: int = 3) -> list[float]:
-    """The least times in seconds, of runs in turns."""
+    """The shortest times in seconds of interleaved runs."""
     found = [[] for _ in actions]  # type: list[list[float]]
     for _ in range(runs):
         for action, seconds in zip(actions, found, strict=True):
@@ -161,7 +161,7 @@ def ask_frame(archive: Path) -> Any:
 
 
 def count_rows(archive: Path) -> Any:
-    """The rows of each partition, of which all columns are read."""
+    """The number of rows of each partition, after reading all its columns."""
     return ask_frame(archive).map_partitions(len, meta=("rows", "int64")).compute()
 
 

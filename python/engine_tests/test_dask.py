@@ -115,7 +115,7 @@ def test_only_columns_that_are_used_are_read(drives: Path, monkeypatch: pytest.M
 
 
 def test_divisions_where_times_allow(tmp_path: Path, samples: list[bytes]) -> None:
-    start = 2_000 * WEEK + WEEK - 100_000  # goes over into the next week
+    start = 2_000 * WEEK + WEEK - 100_000  # continues into the next week
     valley = samples[0]
     (tmp_path / "a.rec").write_bytes(with_times(valley, start + 414_000, 500))
     (tmp_path / "b.rec").write_bytes(with_times(valley, start, 1_000))
@@ -225,7 +225,7 @@ def test_a_worker_killed_in_the_middle_changes_nothing(
     frame = sdd.read_records(archive, blocksize=200_000, index=None)
 
     def slowly(frame: pd.DataFrame, folder: str) -> pd.DataFrame:
-        """Marks that a partition was begun, and by which process."""
+        """Records that a partition was started, and by which process."""
         (Path(folder) / f"{os.getpid()}-{time.monotonic_ns()}").touch()
         time.sleep(0.1)
         sums = frame.select_dtypes("number").astype("float64").sum()

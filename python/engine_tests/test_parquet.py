@@ -34,7 +34,7 @@ def in_order(table: pa.Table) -> pa.Table:
 
 
 def plain(table: pa.Table, like: pa.Table) -> pa.Table:
-    """With the types of `like`, where the reader has others for the same values."""
+    """With the types of `like`, if the reader returns other types for the same values."""
     return in_order(table.select(like.column_names).cast(like.schema))
 
 
@@ -132,7 +132,7 @@ def test_columns_and_workers(drives: Path, tmp_path: Path) -> None:
 def test_frames_left_out_are_counted_also_those_that_were_there(
     tmp_path: Path, samples: list[bytes]
 ) -> None:
-    # Magic, length, type and checksum alone: there is no room for times.
+    # Only magic, length, type and checksum: the frame has no room for times.
     damaged = struct.pack("<HHBH", 44700, 5, 113, -(5 + 113) & 0xFFFF)
     (tmp_path / "a.rec").write_bytes(samples[0] + damaged + samples[1] + damaged)
     for kept in (0, 1):

@@ -1,4 +1,4 @@
-"""One session of a cluster of two executors for all tests: it takes longer to start than to use."""
+"""One session on a cluster of two executors for all tests, because it is slow to start."""
 
 import datetime
 import os
@@ -13,7 +13,7 @@ import pyarrow as pa
 import pytest
 import surveydata.spark
 from pyspark.sql import DataFrame, SparkSession, types
-from pyspark.sql import functions as F  # noqa: N812  (as Spark's users have it)
+from pyspark.sql import functions as F  # noqa: N812  (the usual name)
 
 import surveydata as sd
 
@@ -34,7 +34,7 @@ def spark(tmp_path_factory: pytest.TempPathFactory) -> Iterator[SparkSession]:
         "spark.driver.memory": "1g",
         "spark.executor.memory": "1g",
         "spark.local.dir": str(work / "local"),
-        "spark.sql.session.timeZone": "Asia/Tokyo",  # times must not depend on it
+        "spark.sql.session.timeZone": "Asia/Tokyo",  # results must not depend on it
         "spark.sql.shuffle.partitions": "2",
         "spark.sql.warehouse.dir": str(work / "warehouse"),
         "spark.ui.enabled": "false",
@@ -131,7 +131,7 @@ def test_types_and_units(spark: SparkSession, data: Path) -> None:
 
 
 def test_largest_values_survive(spark: SparkSession, drives: Path) -> None:
-    """The widened types hold what the samples have of 16 and 32 bits."""
+    """The widened types hold the largest 16-bit and 32-bit values."""
     frame = load(spark, drives, pattern="desert.rec")
     for name in ("value_b", "word_16", "total_first", "size", "offset"):
         (row,) = frame.agg(F.max(name), F.min(name)).collect()
@@ -203,7 +203,7 @@ def test_filters_on_the_time(pushing: SparkSession, data: Path) -> None:
 
 
 def test_filters_are_left_to_the_source(pushing: SparkSession, data: Path) -> None:
-    """Spark does not filter again what the source has filtered, and does the rest."""
+    """Spark does not repeat the filters of the source, and applies all others."""
     frame = load(pushing, data, columns="offset,time_gps,pdop")
     chosen = frame.where("time_gps > timestamp_ntz'2000-01-01' and file > 'a' and pdop < 3")
     plan = chosen._jdf.queryExecution().executedPlan().toString()
@@ -226,7 +226,7 @@ def test_queries_of_one_data_frame(spark: SparkSession, data: Path) -> None:
 
 
 def test_spark_keeps_filters_of_the_query_before(pushing: SparkSession, data: Path) -> None:
-    """The reason why filters are not pushed down by default. When this fails, Spark is mended."""
+    """The reason why filters are not pushed down by default. If this fails, Spark is fixed."""
     frame = load(pushing, data, columns="offset")
     assert frame.where("file = 'valley_drive.rec'").count() == 414
     assert frame.count() == 414

@@ -27,7 +27,7 @@ class RecordedFile(AbstractBufferedFile):  # type: ignore[misc]
 
 
 class RecordedStore(AbstractFileSystem):  # type: ignore[misc]
-    """A store of one file that notes which ranges are fetched, as those of clouds would."""
+    """A store of one file that records which ranges are fetched, like an object store."""
 
     protocol = "recorded"
     cachable = False
@@ -115,7 +115,7 @@ def test_only_a_stretch_is_fetched_in_large_ranges(recorded: type[RecordedStore]
     assert begin <= found["offset"].min() < begin + 500
     assert end - 500 < found["offset"].max() < end
     spans = recorded.requests
-    # The reader looks back 131,074 bytes, and completes the last record from one more block.
+    # The reader looks back 131,074 bytes, and reads one more block for the end of the last record.
     assert begin - 131_074 <= min(a for a, _ in spans)
     assert max(b for _, b in spans) <= end + 2 * 256 * 1024
     assert all(a[1] == b[0] for a, b in itertools.pairwise(spans)), "each byte once, in their order"

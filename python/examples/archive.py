@@ -1,4 +1,4 @@
-"""An archive of files: figures of each and a picture of the worst, in fixed memory.
+"""An archive of files: figures of each and a picture of the worst, in constant memory.
 
 python archive.py drives/ worst.svg
 """

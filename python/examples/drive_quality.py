@@ -1,4 +1,4 @@
-"""Quality of a drive: how good the fixes are, where they are poor, and a picture.
+"""Quality of a drive: how good the fixes are, when they are poor, and a picture.
 
 python drive_quality.py valley_drive.rec drive_quality.svg
 """

@@ -1,4 +1,4 @@
-"""Coverage of a facade scan: which of the measured directions lie in the area, and what it misses.
+"""Coverage of a facade scan: which measured directions lie in the area, and what is missing.
 
 python facade_coverage.py facade.json facade_coverage.svg
 """
@@ -17,7 +17,7 @@ def main(file: str, picture: str) -> None:
     if bounds is None or solid_angle is None:
         raise SystemExit(f"{file}: {area.faults()[0].text}")
     print(f"{area.name}: {solid_angle:.4f} sr, Hz {bounds.hz_min:.1f} to {bounds.hz_max:.1f}")
-    # A scan in columns, of which the instrument lost some directions.
+    # A scan in columns, from which some directions are missing.
     rng = np.random.default_rng(1)
     hz, v = np.meshgrid(
         np.linspace(bounds.hz_min - 5, bounds.hz_max + 5, 400),

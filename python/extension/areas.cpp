@@ -50,7 +50,7 @@ AngleUnit ToUnit(const std::string& name) {
   return *unit;
 }
 
-// What the library stores beside points and steps. Limits and settings are the callers' own.
+// What the library stores in addition to points and steps. Callers define the meaning.
 struct Settings {
   std::uint32_t a;
   double limitLow;
@@ -63,7 +63,7 @@ struct Settings {
 
 using Triples = std::vector<std::tuple<double, double, double>>;
 
-// An area that never changes: any number of threads may ask it at once.
+// An area that never changes, so any number of threads may use it at once.
 class AreaC {
  public:
   explicit AreaC(Tool::AreaFile file)
@@ -73,8 +73,8 @@ class AreaC {
   const SDI::ScanAreaC& Area() const { return *file_.area; }
   bool IsValid() const { return isValid_; }
 
-  // Throws for an area whose points make none, with the first reason. Steps have no part in what is
-  // inside.
+  // Throws with the first reason if the points do not make an area. The steps do not matter for
+  // what is inside.
   void RequireValid() const {
     if (isValid_) return;
     std::string reason = "the points make no area";
@@ -156,7 +156,7 @@ Triples ToTriples(const std::vector<SDI::ScanDefPointC>& points, AngleUnit unit)
   return triples;
 }
 
-// Asks for `hz` and `v`, of the same shape, and sets `inside`, of the same number of elements.
+// Tests `hz` and `v`, which have the same shape, and sets `inside`, which has as many elements.
 void ContainsMany(const PreparedAreaC& area, nb::handle hzArray, nb::handle vArray,
                   nb::handle insideArray, AngleUnit unit) {
   const BufferC hzBuffer(hzArray);
@@ -190,7 +190,7 @@ void ContainsMany(const PreparedAreaC& area, nb::handle hzArray, nb::handle vArr
   }
 }
 
-// Angles in the unit; where there is no edge, None.
+// Angles are in the unit of the area. If there is no edge, its index is None.
 struct Explanation {
   bool isInside;
   AreaExplanation::Rule rule;
@@ -222,10 +222,10 @@ Explanation InUnit(const AreaExplanation& from, AngleUnit unit) {
   return to;
 }
 
-// As a float of Python writes itself.
+// The `repr` of a Python float.
 std::string Number(double number) { return nb::repr(nb::float_(number)).c_str(); }
 
-// From 0, as the elements of arrays are counted.
+// Converts indices that start at 1 to indices that start at 0.
 std::vector<std::size_t> FromZero(std::vector<std::size_t> places) {
   for (std::size_t& place : places) --place;
   return places;
@@ -483,7 +483,7 @@ void AddAreas(nb::module_& module) {
             if (area != nullptr) {
               self.SetArea(&area->Area());
             } else {
-              self.CreateArea(0);  // no kind: none
+              self.CreateArea(0);  // not a kind: removes the area
             }
           },
           "area"_a.none());

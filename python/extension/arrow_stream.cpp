@@ -13,7 +13,7 @@ using SDI::GPSColumn;
 using SDI::GPSColumnBuffer;
 using Batch = std::shared_ptr<const RecordBatch>;
 
-// The library describes buffers that it may write to; those of a batch are only read.
+// `GPSColumnBuffer` has pointers to writable memory; the buffers of a batch are only read.
 template <class Value>
 Value* BufferOf(const BlockC& block) {
   return static_cast<Value*>(static_cast<void*>(const_cast<std::uint8_t*>(block.Get())));

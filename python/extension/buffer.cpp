@@ -15,7 +15,7 @@ BufferC::~BufferC() { PyBuffer_Release(&view_); }
 
 std::string_view BufferC::GetFormat() const {
   const std::string_view format = view_.format != nullptr ? view_.format : "B";
-  // The marks of this machine's byte order; unaligned elements have one.
+  // Prefixes for the native byte order; formats of unaligned elements have one.
   return format.size() > 1 && std::string_view("@=^").find(format.front()) != std::string_view::npos
              ? format.substr(1)
              : format;
@@ -64,7 +64,7 @@ void DoublesC::Copy(std::size_t count) {
   const std::span<const Py_ssize_t> strides = buffer_.GetStrides();
   const auto load = [](const std::uint8_t* from) {
     Number number;
-    std::memcpy(&number, from, sizeof(number));  // anywhere, not only where numbers may be
+    std::memcpy(&number, from, sizeof(number));  // may be unaligned
     return static_cast<double>(number);
   };
   for (std::size_t done = 0; done < count;) {
@@ -72,7 +72,7 @@ void DoublesC::Copy(std::size_t count) {
       values_[done++] = load(at_);
       continue;
     }
-    // A run along the last dimension, then a step in those before it.
+    // Read along the last dimension, then advance in the dimensions before it.
     const std::size_t last = shape.size() - 1;
     const auto left = static_cast<std::size_t>(shape[last] - index_[last]);
     const std::size_t run = left < count - done ? left : count - done;

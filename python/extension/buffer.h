@@ -11,20 +11,20 @@
 
 namespace Python {
 
-/// The memory of an array, which its owner neither moves nor releases meanwhile. Made and destroyed
-/// with the interpreter's lock; used without it.
+/// The memory of an array, which its owner does not move or release while this object exists. It is
+/// created and destroyed with the GIL, and used without it.
 class BufferC {
  public:
   enum class Access { kRead, kWrite };
 
-  /// \throw nanobind::python_error  when the object has no such buffer.
+  /// \throw nanobind::python_error  if the object has no such buffer.
   explicit BufferC(nanobind::handle object, Access access = Access::kRead);
   BufferC(const BufferC&) = delete;
   BufferC& operator=(const BufferC&) = delete;
   ~BufferC();
 
-  /// The type of an element as in Python's module struct, without a mark of the native byte order:
-  /// "d" is a double.
+  /// The type of an element as in Python's module struct, without a prefix for the native byte
+  /// order: "d" is a double.
   std::string_view GetFormat() const;
   /// The number of elements.
   std::size_t GetCount() const;
@@ -33,25 +33,25 @@ class BufferC {
   std::span<const Py_ssize_t> GetStrides() const;
   const std::uint8_t* GetBytes() const { return static_cast<const std::uint8_t*>(view_.buf); }
   std::uint8_t* GetBytes() { return static_cast<std::uint8_t*>(view_.buf); }
-  /// Whether the elements lie one after the other in the order of the indices.
+  /// Whether the elements are contiguous in the order of the indices.
   bool IsContiguous() const;
 
  private:
   Py_buffer view_;
 };
 
-/// The elements of an array of doubles or floats as doubles, in the order of their indices,
-/// wherever they lie: strides may be negative, 0, or no multiple of an element's size.
+/// The elements of an array of doubles or floats as doubles, in the order of their indices. Strides
+/// may be negative, 0, or not a multiple of the size of an element.
 class DoublesC {
  public:
   static constexpr std::size_t kMost = 512;
 
-  /// \throw nanobind::type_error  when the elements are something else.
+  /// \throw nanobind::type_error  if the elements have another type.
   explicit DoublesC(const BufferC& buffer);
 
-  /// Whether the elements are doubles that lie where a span can have them.
+  /// Whether the elements are contiguous, aligned doubles.
   bool IsSpan() const { return isSpan_; }
-  /// All of them; only where `IsSpan()`.
+  /// All elements. Requires `IsSpan()`.
   std::span<const double> AsSpan() const;
 
   /// The next `count` elements, at most `kMost`; they are valid until the next call.
@@ -65,7 +65,7 @@ class DoublesC {
   const std::uint8_t* at_;
   bool isDouble_;
   bool isSpan_;
-  std::array<Py_ssize_t, 64> index_{};  // of the next element; 64 is what NumPy allows at most
+  std::array<Py_ssize_t, 64> index_{};  // of the next element; NumPy allows at most 64 dimensions
   std::array<double, kMost> values_;
 };
 

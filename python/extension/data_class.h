@@ -17,21 +17,21 @@
 #include <nanobind/stl/string.h>
 
 /// \file
-/// How a data class of the library becomes one of Python: from the list of its properties it gets a
-/// constructor with keywords, `repr`, copies, pickles and the equality of the library. Objects have
-/// no hash, because they change.
+/// Makes Python classes from data classes of the library. The list of its properties gives a class
+/// a constructor with keywords, `repr`, copies, pickles and the equality of the library. Objects
+/// are not hashable, because they can change.
 ///
-/// Python sees public classes alone. A part lives in its whole and keeps that alive; whatever C++
-/// would adopt is copied.
+/// Python sees only the public classes. A part belongs to its whole and keeps it alive; objects
+/// that C++ would adopt are copied.
 
 namespace Python {
 
-/// An integer of any size, or what stands for one (`__index__`).
+/// An integer of any size, or an object with `__index__`.
 struct Integer {
   nanobind::object value;
 };
 
-/// UTF-16 units as a text and back; surrogates without their other half are kept.
+/// Converts UTF-16 units to a text and back; unpaired surrogates are kept.
 /// \throw nanobind::value_error  for U+0000 and for more than `most` units.
 std::u16string ToUnits(const char* name, const nanobind::str& text, std::size_t most);
 nanobind::str FromUnits(const char16_t* units);
@@ -39,13 +39,13 @@ nanobind::str FromUnits(const char16_t* units);
 std::string ToUtf8(const char* name, const nanobind::str& text);
 nanobind::str FromUtf8(const char* utf8);
 
-/// \throw nanobind::value_error  when the number is outside the bounds.
+/// \throw nanobind::value_error  if the number is outside the bounds.
 std::int64_t ToInteger(const char* name, const Integer& given, std::int64_t lowest,
                        std::int64_t highest);
-/// \throw nanobind::value_error  when the number is finite and beyond single precision.
+/// \throw nanobind::value_error  if the number is finite and out of the range of single precision.
 float ToSingle(const char* name, double given);
 
-/// What Python gives for a value, what it gets, and one for the other. A part is such a value, too.
+/// The types in which Python passes and receives a value, with the conversions. Also for parts.
 template <class Value>
 struct Exchange {
   using Given = const Value&;
@@ -113,7 +113,7 @@ struct Property {
   using Value = std::remove_cvref_t<std::invoke_result_t<const Get&, const Record&>>;
   using Given = typename Exchange<Value>::Given;
   using Optional = typename Exchange<Value>::Optional;
-  /// Whether the getter gives the record's own part.
+  /// Whether the getter returns a part of the record itself.
   static constexpr bool kIsPart =
       std::is_class_v<Value> &&
       std::is_lvalue_reference_v<std::invoke_result_t<const Get&, Record&>>;
@@ -148,7 +148,7 @@ Property<Record, Get, Set> MakeProperty(const char* name, Get get, Set set,
   return {name, get, set, description};
 }
 
-/// A text of at most so many UTF-16 units.
+/// A text of at most `most` UTF-16 units.
 template <class Record, class Get, class Set>
 Property<Record, Get, Set> MakeText(const char* name, Get get, Set set, std::size_t most,
                                     const char* description = "") {
@@ -162,14 +162,14 @@ Property<Record, Get, Set> MakeConstant(const char* name, Get get, Set set,
   return {name, get, set, description, 0, false};
 }
 
-/// \name The types of what pickles hold
+/// \name Signatures of the functions for pickles
 /// @{
 inline constexpr const char* kGetState = "def __getstate__(self) -> tuple[object, ...]";
 inline constexpr const char* kSetState =
     "def __setstate__(self, state: tuple[object, ...]) -> None";
 /// @}
 
-/// What classes have that change: copies, the library's equality where there is one, and no hash.
+/// Adds what mutable classes have: copies, the library's equality if there is one, and no hash.
 template <class Record>
 void BindCopies(nanobind::class_<Record>& cls) {
   namespace nb = nanobind;
@@ -226,7 +226,7 @@ void BindProperty(nanobind::class_<Record>& cls, const P& property) {
   }
 }
 
-/// Makes the class from its properties, which must determine all of an object's data.
+/// Makes the class from its properties, which must cover all data of an object.
 template <class Record, class... P>
 nanobind::class_<Record> BindDataClass(nanobind::module_& module, const char* name,
                                        const char* description, P... properties) {

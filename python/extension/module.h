@@ -4,7 +4,7 @@
 #include <nanobind/nanobind.h>
 
 /// \file
-/// The parts of the extension module, each in a file of its own.
+/// The parts of the extension module, each in its own file.
 
 namespace Python {
 
@@ -12,7 +12,7 @@ void AddAreas(nanobind::module_& module);
 void AddObjects(nanobind::module_& module);
 void AddRecordChanges(nanobind::module_& module);
 void AddRecords(nanobind::module_& module);
-/// After `AddRecords`.
+/// Must be called after `AddRecords`.
 void AddRecordPictures(nanobind::module_& module);
 
 }  // namespace Python

@@ -26,7 +26,7 @@ namespace Python {
 namespace nb = nanobind;
 using namespace nb::literals;
 
-// A part that may be missing.
+// A part that may be absent.
 template <class Part>
 requires std::is_class_v<Part>
 struct Exchange<std::optional<Part>> {
@@ -36,7 +36,7 @@ struct Exchange<std::optional<Part>> {
   static std::optional<Part> Give(const std::optional<Part>& value) { return value; }
 };
 
-// A number that may be missing.
+// A number that may be absent.
 template <>
 struct Exchange<std::optional<double>> {
   using Given = double;
@@ -233,7 +233,7 @@ std::optional<double> AvailableDOP(double dop) {
   return dop < 0 ? std::nullopt : std::optional(dop);
 }
 
-// A stored part of a reference station as an object of its own.
+// A copy of a part of a reference station.
 template <class Public, class Part>
 std::optional<Public> CopyIf(bool isValid, const Part& part) {
   if (!isValid) return {};
@@ -329,7 +329,7 @@ void AddStations(nb::module_& module) {
           "A copy, or None."));
 }
 
-// A measurement with the frame that it came from.
+// A measurement with the frame from which it was decoded.
 class MeasurementC : public SDI::GPSMeasDataC {
  public:
   MeasurementC() = default;
@@ -474,7 +474,7 @@ void AddMeasurements(nb::module_& module) {
           [](M* self, const nb::tuple& state) {
             if (state.size() != 3) throw nb::value_error("a pickle of another version");
             M made(FromBytes(state[0]));
-            // What was changed after the frame was read; setting it again would mark it as set.
+            // Only what was changed after decoding; setting a value would mark it as present.
             const auto height = nb::cast<std::optional<GPSAntHeightC>>(state[1]);
             const std::optional<GPSAntHeightC> held = made.HeldAntennaHeight();
             if (height && !(held && held->IsEqual(*height))) made.SetAntennaHeight(*height);

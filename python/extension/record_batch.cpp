@@ -11,8 +11,8 @@ using SDI::GPSColumnType;
 
 namespace {
 
-// The bytes of texts and of lists that a batch has room for, for each row: a large batch with
-// longer ones has fewer rows. So many rows always fit.
+// The room of a batch for texts and lists, in bytes per row. If they are longer, a large batch has
+// fewer rows, but at least `kCertainRows` always fit.
 constexpr std::size_t kBytesInRow = 32;
 constexpr std::size_t kCertainRows = 1024;
 
@@ -26,7 +26,7 @@ const std::int64_t* Offsets(const BatchColumn& column) {
   return reinterpret_cast<const std::int64_t*>(column.offsets.Get());
 }
 
-// The bytes that the values of so many rows take.
+// The bytes that the values of the first `rows` rows take.
 std::size_t UsedBytes(const BatchColumn& column, std::size_t rows) {
   if (column.IsLong()) {
     return static_cast<std::size_t>(Offsets(column)[rows]) * ElementSize(*column.column);
@@ -45,7 +45,7 @@ bool IsBitSet(const std::uint8_t* bits, std::size_t at) {
   return (bits[at / 8] >> at % 8 & 1) != 0;
 }
 
-// The bits at the places that are kept, one after the other.
+// The bits of the kept rows, without gaps.
 BlockC FilterBits(const std::uint8_t* bits, std::span<const bool> keep, std::size_t kept) {
   BlockC to(BitBytes(kept));
   if (kept == 0) return to;
@@ -148,8 +148,8 @@ std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
   for (std::size_t i = 0; i < buffers.size(); ++i) {
     BatchColumn& column = batch->columns[i];
     column.absent = buffers[i].absent;
-    // What is kept takes little more memory than it needs: pages at the end of a block that are
-    // never written take none.
+    // A block that is kept takes little more memory than it needs: pages at its end that are never
+    // written take none.
     const bool isMostlyEmpty = batch->rows < capacity / 2;
     if (column.IsLong() || isMostlyEmpty) {
       column.values = CopyOf(column.values, UsedBytes(column, batch->rows));

@@ -13,7 +13,7 @@ struct ArrowArrayStream;
 
 namespace Python {
 
-/// Memory for numbers of any type; its bytes are not set.
+/// Uninitialised memory for numbers of any type.
 class BlockC {
  public:
   BlockC() = default;
@@ -45,7 +45,7 @@ struct BatchColumn {
 /// The bytes of a value; 0 for texts, lists and flags, which are bits.
 std::size_t ValueSize(SDI::GPSColumnType type);
 
-/// Rows of some columns. Never changes once it is made.
+/// Rows of some columns. Never changes after it is created.
 struct RecordBatch {
   RecordBatch() = default;
   RecordBatch(const RecordBatch&) = delete;
@@ -55,12 +55,12 @@ struct RecordBatch {
   std::vector<BatchColumn> columns;
 };
 
-/// Reads up to `capacity` rows of `columns`. Null when there are no more.
+/// Reads up to `capacity` rows of `columns`. Null if there are no more.
 std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
                                              std::span<const SDI::GPSColumn* const> columns,
                                              std::size_t capacity);
 
-/// The rows for which `keep`, of so many elements, is true.
+/// The rows for which `keep`, with one element per row, is true.
 std::shared_ptr<const RecordBatch> Filter(const RecordBatch& batch, std::span<const bool> keep);
 
 /// The batches as a stream of the Arrow C data interface, which shares their memory.
@@ -68,7 +68,7 @@ void ExportStream(std::vector<const SDI::GPSColumn*> columns,
                   std::vector<std::shared_ptr<const RecordBatch>> batches,
                   ArrowArrayStream* stream);
 
-/// Releases a stream that nobody has taken over.
+/// Releases a stream that no consumer has taken over.
 void DeleteStream(ArrowArrayStream* stream);
 ArrowArrayStream* NewStream();
 

@@ -52,7 +52,7 @@ std::uint16_t Tenths(const BatchColumn* column, std::size_t row) {
   return dop ? static_cast<std::uint16_t>(std::lround(*dop * 10)) : SDI::DOP_NOT_AVAILABLE;
 }
 
-// What the picture shows of the rows. Dilutions are stored in tenths, so that nothing is lost.
+// Adds the values that the picture shows. Dilutions are stored in tenths, so nothing is lost.
 void AddTo(Tool::SatelliteSeriesC& series, const RecordBatch& batch) {
   const BatchColumn* const week = Find(batch, "gps_week");
   const BatchColumn* const time = Find(batch, "time_of_week");

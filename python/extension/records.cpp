@@ -45,13 +45,13 @@ std::vector<const GPSColumn*> FindColumns(const std::vector<std::string>& names)
   return columns;
 }
 
-// The bytes of a block; they live as long as the array, by way of its owner.
+// A view of the bytes of a block, which keeps `owner` alive.
 Bytes View(const BlockC& block, nb::handle owner) {
   return Bytes(block.Get(), {block.GetSize()}, owner);
 }
 
-// A record file, bytes or a file object, which is read from front to back once. Used by one thread
-// at a time, which `RecordReader` of the package sees to.
+// Reads a record file, bytes or a file object once, from front to back. Only one thread may use it
+// at a time.
 class ReaderC {
  public:
   ReaderC(const std::string& path, SDI::GPSRecordStretch stretch)
@@ -60,7 +60,8 @@ class ReaderC {
       : bytes_(std::move(bytes)),
         reader_(std::span(std::as_const(*bytes_).GetBytes(), bytes_->GetByteCount()), stretch),
         columns_(reader_) {}
-  // `readAt` takes an offset and a buffer, and answers how many bytes it has put there.
+  // `readAt` takes an offset and a buffer, and returns the number of bytes that it has written
+  // there.
   ReaderC(nb::object readAt, std::uint64_t size, SDI::GPSRecordStretch stretch)
       : readAt_(std::move(readAt)),
         reader_(
@@ -79,8 +80,8 @@ class ReaderC {
     return ReadBatch(columns_, columns, rows);
   }
 
-  // What is no measurement: gaps, damaged headers and other records. Kinds are those of the table
-  // in the package: "gap", "other record", or the text of a damage.
+  // A part that is not a whole measurement: offset, size, kind and record type. The kind is "gap",
+  // "other record", or the text of a damage.
   using Finding = std::tuple<std::uint64_t, std::uint64_t, std::string, int>;
   std::vector<Finding> FindDamage(bool withOthers) {
     std::vector<Finding> findings;
@@ -112,7 +113,7 @@ class ReaderC {
     const nb::object memory = nb::steal(PyMemoryView_FromMemory(
         reinterpret_cast<char*>(to.data()), static_cast<Py_ssize_t>(to.size()), PyBUF_WRITE));
     const auto count = nb::cast<std::ptrdiff_t>(readAt_(offset, memory));
-    // Nobody writes there after the call.
+    // Python must not write to the buffer after the call.
     nb::object(memory.attr("release"))();
     return std::min(count, static_cast<std::ptrdiff_t>(to.size()));
   }

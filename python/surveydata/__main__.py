@@ -1,5 +1,5 @@
-"""`python -m surveydata`: what needs engines of the Python package. The program `surveydata` has
-everything else.
+"""`python -m surveydata`: commands that need the engines of the Python package. All other commands
+are in the program `surveydata`.
 """
 
 from __future__ import annotations
@@ -77,7 +77,7 @@ def _counted(count: int, noun: str) -> str:
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
-    """Runs a command. The answer is the exit code."""
+    """Runs a command and returns its exit code."""
     options = _parser().parse_args(arguments)
     try:
         from .parquet import to_parquet

@@ -1,8 +1,8 @@
-"""Areas on the sphere of directions: what of a scan's surroundings it covers.
+"""Areas on the sphere of directions: the part of its surroundings that a scan covers.
 
 Directions have two angles: Hz, the horizontal angle, and V, from the zenith (0) down to the nadir
-(half a turn). Every area is made with the unit of its angles, "rad", "deg" (360 to the turn) or
-"gon" (400 to the turn); calls take and give angles in that unit, unless they name another one.
+(half a turn). Every area is created with the unit of its angles, "rad", "deg" (360 to the turn) or
+"gon" (400 to the turn); methods take and return angles in that unit, unless a call names another.
 Distances are in metres.
 """
 
@@ -39,15 +39,15 @@ _TURN = {"rad": 2 * math.pi, "deg": 360.0, "gon": 400.0}
 
 
 class AreaOptions(TypedDict, total=False):
-    """What an area has besides its points and its unit: keywords of the constructors.
+    """Keywords of the constructors: what an area has in addition to its points and its unit.
 
-    Settings and limits are of the caller's own meaning; the library keeps them.
+    The caller defines the meaning of settings and limits; the library only stores them.
     """
 
     hz_step: float
-    """The step of the scan in Hz; 0 by default, with which an area is not valid."""
+    """The step of the scan in Hz; 0 by default, which is not valid."""
     v_step: float
-    """The step of the scan in V; likewise."""
+    """The step of the scan in V; 0 by default, which is not valid."""
     name: str
     """The title of its pictures."""
     setting_a: int
@@ -83,14 +83,14 @@ _LOWEST_OF_DOME = 0.8 * math.pi
 
 
 class Bounds(NamedTuple):
-    """The bounds of an area, in the unit that was asked for."""
+    """The bounds of an area, in the requested unit."""
 
     hz_min: float
-    """Above `hz_max` when the area crosses Hz 0."""
+    """Above `hz_max` if the area crosses Hz 0."""
     hz_max: float
     """At most a full turn."""
     v_min: float
-    """Of an area around the zenith the least V of its ring, not 0."""
+    """For an area around the zenith the smallest V of its ring, not 0."""
     v_max: float
     encloses_zenith: bool
 
@@ -112,7 +112,7 @@ class Outline(NamedTuple):
 
 
 def _as_angles(values: ArrayLike) -> NDArray[np.float64] | NDArray[np.float32]:
-    """float32 and float64 as they are, wherever they lie; everything else as float64."""
+    """float32 and float64 without a copy, whatever their strides; everything else as float64."""
     array = np.asarray(values)
     if array.dtype == np.float32 or array.dtype == np.float64:
         return array if array.dtype.isnative else array.astype(array.dtype.newbyteorder("="))
@@ -137,10 +137,10 @@ def _ask(
 class Area:
     """Which directions around the instrument a scan covers.
 
-    An area never changes, so that any number of threads may ask one at the same time. It keeps any
-    points and steps; whether they make sense is asked by `is_valid` and `faults`.
+    An area never changes, so any number of threads may use it at the same time. It accepts any
+    points and steps; `is_valid` and `faults` check them.
 
-    Two areas are equal when kind, steps, points, `setting_a` and both limits are; the distances of
+    Two areas are equal if kind, steps, points, `setting_a` and both limits are; the distances of
     points do not matter. Areas can be copied and pickled, and have no hash.
     """
 
@@ -153,7 +153,7 @@ class Area:
     def __init__(self) -> None:
         raise TypeError("an area is a RectangularArea, a PolygonArea or a DomeArea")
 
-    # ----- What it is made of
+    # ----- Definition
 
     @property
     def kind(self) -> str:
@@ -162,7 +162,7 @@ class Area:
 
     @property
     def unit(self) -> Unit:
-        """The unit of angles where a call names none."""
+        """The unit of angles, unless a call names another one."""
         unit: Unit = self._impl.unit  # type: ignore[assignment]
         return unit
 
@@ -201,22 +201,22 @@ class Area:
 
     @property
     def setting_a(self) -> int:
-        """A number of the caller's own meaning, as the other settings and the limits."""
+        """The caller defines its meaning, as that of the other settings and of the limits."""
         return self._impl.settings()[0]
 
     @property
     def limit_low(self) -> float:
-        """Of the caller's own meaning; -1 by default."""
+        """The caller defines its meaning; -1 by default."""
         return self._impl.settings()[1]
 
     @property
     def limit_high(self) -> float:
-        """Of the caller's own meaning; -1 by default."""
+        """The caller defines its meaning; -1 by default."""
         return self._impl.settings()[2]
 
     @property
     def setting_b(self) -> int:
-        """Of the caller's own meaning; 4 by default."""
+        """The caller defines its meaning; 4 by default."""
         return self._impl.settings()[3]
 
     @property
@@ -231,37 +231,36 @@ class Area:
 
     @property
     def setting_e(self) -> int:
-        """Of the caller's own meaning; 1 by default."""
+        """The caller defines its meaning; 1 by default."""
         return self._impl.settings()[6]
 
-    # ----- Questions
+    # ----- Queries
 
     def is_valid(self) -> bool:
         """Whether both steps are above 0 and the points make an area."""
         return self._impl.is_valid()
 
     def is_area_valid(self) -> bool:
-        """Whether the points make an area, whatever the steps: then directions can be inside."""
+        """Whether the points make an area, for any steps: otherwise no direction is inside."""
         return self._impl.is_area_valid()
 
     def faults(self) -> list[_core.Fault]:
-        """Why the area is not valid: empty exactly when it is.
+        """The rules that the area breaks: none if and only if it is valid.
 
-        Crossing edges are looked for only where every point can be used; the first 8 crossings are
-        given.
+        Crossing edges are searched for only if there is no fault of points; at most 8 are listed.
         """
         return self._impl.faults()
 
     def bounds(self, unit: Unit | None = None) -> Bounds | None:
-        """The bounds, or None when the points make no area."""
+        """The bounds, or None if the points do not make an area."""
         bounds = self._impl.bounds(unit or self.unit)
         return None if bounds is None else Bounds(*bounds)
 
     def outline(self, default_distance: float = 0.0, unit: Unit | None = None) -> Outline:
-        """The corners with their distances: those of a rectangle are four, a dome has none.
+        """The corners with their distances. A rectangle has four, a dome none.
 
-        A point without a distance takes it from the others, or `default_distance` (m) where none
-        has any.
+        A point without a distance gets one that is derived from the other points, or
+        `default_distance` (m) if no point has one.
         """
         corners = self._impl.outline(default_distance, unit or self.unit)
         columns = np.array(corners, dtype=np.float64).reshape(-1, 3).T
@@ -270,7 +269,7 @@ class Area:
     def solid_angle(self) -> float | None:
         """The solid angle of the directions inside, in steradians, without the boundary band.
 
-        None when the points make no area.
+        None if the points do not make an area.
         """
         return self._impl.solid_angle()
 
@@ -285,13 +284,14 @@ class Area:
     ) -> bool | NDArray[np.bool_]:
         """Whether directions lie inside the area or in its boundary band.
 
-        `hz` and `v` are two numbers, or arrays that broadcast against each other; the answer has
-        their shape. Arrays of float64 and float32 are read where they lie, strided or not; others
-        are converted. False for NaN and beyond 100 rad. The steps do not matter. Raises ValueError
-        with the first fault for an area whose points make none; `explain` answers for it, too.
+        `hz` and `v` are two numbers, or arrays that broadcast against each other; the result has
+        their shape. Arrays of float64 and float32 are not copied, whatever their strides; others
+        are converted. The result is False for NaN and beyond 100 rad. The steps do not matter.
+        Raises ValueError with the first fault if the points do not make an area; `explain` works
+        for such an area, too.
 
-        The area is prepared for each call with arrays; `prepare` does that once. Other threads run
-        meanwhile.
+        Each call with arrays prepares the area; `prepare` does that once. Other threads can run
+        during the call.
         """
         return _ask(
             self._impl.contains,
@@ -302,26 +302,26 @@ class Area:
         )
 
     def explain(self, hz: float, v: float, unit: Unit | None = None) -> _core.Explanation:
-        """The answer of `contains` for one direction with its reasons."""
+        """The result of `contains` for one direction, with the reasons."""
         return self._impl.explain(hz, v, unit or self.unit)
 
     def prepare(self, many: bool = False) -> PreparedArea:
-        """Make the area ready for many questions; the answers are the same.
+        """Prepare the area for many queries; the results are the same.
 
-        With `many`, the preparation also makes a raster of decided cells: up to 512 KB, and up to a
-        millisecond. It pays from some ten thousand directions on. Raises ValueError as `contains`
-        does.
+        With `many`, the preparation also builds a raster of decided cells, which takes up to 512 KB
+        and up to a millisecond. It pays off from about ten thousand directions on. Raises
+        ValueError as `contains` does.
         """
         return PreparedArea(self, many=many)
 
     def iter_grid(self, unit: Unit | None = None) -> Iterator[Directions]:
         """The directions of the area at its steps, in the order in which an instrument sweeps:
-        columns by ascending Hz, and V down and up in turns. Each column is one item, so that memory
-        does not depend on the steps; those without a direction inside are left out.
+        columns by ascending Hz, with V alternately ascending and descending. Each column is one
+        item, so the memory does not depend on the steps; columns without a direction inside are
+        left out.
 
-        The first direction is that of the lowest Hz and V of the bounds: of an area around the
-        zenith and of a dome Hz 0 and V 0. Raises ValueError with the first fault for an area that
-        is not valid.
+        The grid starts at the lowest Hz and V of the bounds, or at Hz 0 and V 0 for a dome and for
+        an area around the zenith. Raises ValueError with the first fault if the area is not valid.
         """
         if not self.is_valid():
             raise ValueError(f"the area is not valid: {self.faults()[0].text}")
@@ -336,7 +336,7 @@ class Area:
             hz_min, hz_max, v_min = 0.0, 2 * math.pi, 0.0
             v_max = _LOWEST_OF_DOME if self.kind == "dome" else v_max
         width = hz_max - hz_min if hz_max >= hz_min else hz_max - hz_min + 2 * math.pi
-        # A full turn does not end where it began; the last step may fail by rounding.
+        # A full turn does not end where it begins; rounding may miss the last step.
         most = 1e-9
         columns = math.floor(width / hz_step + most) + 1
         if width >= 2 * math.pi - most:
@@ -399,9 +399,9 @@ class Area:
     ) -> str:
         """The picture of the program's `surveydata area plot`, as an SVG document.
 
-        It marks the directions `hz` and `v` with the answer of `contains`. `window` is the part of
-        the plane of Hz and V to show, at most two turns wide: Hz and V of two opposite corners, the
-        second with the larger ones. By default it shows the whole sphere.
+        It marks the directions `hz` and `v` with the result of `contains`. `window` is the visible
+        part of the plane of Hz and V, at most two turns wide: Hz and V of two opposite corners, of
+        which the second has the larger angles. By default the picture shows the whole sphere.
         """
         if window is not None and not (
             window[0] < window[2] <= window[0] + 2 * _TURN[unit or self.unit]
@@ -433,7 +433,7 @@ class _PointArea(Area):
 class RectangularArea(_PointArea):
     """The directions between two opposite corners, with straight edges in the plane of Hz and V.
 
-    `hz`, `v` and `distance` have two elements each, in `unit` and metres. When the first corner has
+    `hz`, `v` and `distance` have two elements each, in `unit` and metres. If the first corner has
     the larger Hz, the area crosses Hz 0. The other keywords are those of `AreaOptions`.
     """
 
@@ -442,7 +442,7 @@ class RectangularArea(_PointArea):
 
 
 class PolygonArea(_PointArea):
-    """A polygon of three or more corners, whose edges are arcs of great circles; it closes itself.
+    """A polygon of three or more corners, whose edges are arcs of great circles. It is closed.
 
     One that winds around the vertical axis encloses the zenith. `hz`, `v` and `distance` are in
     `unit` and metres. The other keywords are those of `AreaOptions`.
@@ -453,7 +453,7 @@ class PolygonArea(_PointArea):
 
 
 class DomeArea(Area):
-    """Every direction from the zenith to the lowest usable one, V = 0.8 pi. It has no points.
+    """All directions from the zenith down to V = 0.8 pi. It has no points.
 
     The keywords besides `unit` are those of `AreaOptions`.
     """
@@ -466,7 +466,7 @@ class DomeArea(Area):
 
 
 class PreparedArea:
-    """An area made ready for many questions. Any number of threads may ask it at the same time."""
+    """An area prepared for many queries. Any number of threads may use it at the same time."""
 
     __slots__ = ("_area", "_impl", "_many")
 
@@ -489,11 +489,11 @@ class PreparedArea:
     def contains(
         self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
     ) -> bool | NDArray[np.bool_]:
-        """The answers of `Area.contains`."""
+        """The same as `Area.contains`."""
         return _ask(self._impl.contains, self._impl.contains_many, hz, v, unit or self._area.unit)
 
     def explain(self, hz: float, v: float, unit: Unit | None = None) -> _core.Explanation:
-        """The answer of `Area.explain`."""
+        """The same as `Area.explain`."""
         return self._impl.explain(hz, v, unit or self._area.unit)
 
     def __reduce__(self) -> tuple[Any, ...]:
@@ -563,11 +563,11 @@ def _area_of(core: _core.AreaCore) -> Area:
 
 
 def read_area(path: str | os.PathLike[str]) -> Area:
-    """The area of a file as docs/area_files.md describes it, in the unit of the file.
+    """Reads an area file, which docs/area_files.md describes. The area has the unit of the file.
 
-    Raises FileNotFoundError and other OSErrors for a file that cannot be read, ValueError with the
-    place and the fault for one that is no area file.
+    Raises FileNotFoundError or another OSError if the file cannot be read, and ValueError with the
+    position and the fault if it is not an area file.
     """
-    with Path(path).open("rb"):  # raises what Python raises
+    with Path(path).open("rb"):  # for Python's own exceptions
         pass
     return _area_of(_core.AreaCore.read(os.fspath(path)))

@@ -10,7 +10,7 @@ from . import _core
 
 
 class ByteChange(NamedTuple):
-    """A byte of a record file that is changed."""
+    """A changed byte of a record file."""
 
     offset: int
     """In the file."""
@@ -33,14 +33,14 @@ def set_record(
     """Change the name, the number or the antenna height of the measurement whose frame begins at
     `offset` bytes, as the program's `surveydata record set` does.
 
-    The change is made completely or not at all: in a copy that is read back and then replaces the
-    file in one step. Access stays as it was, or the change is refused; the file is locked
-    meanwhile, and gets a new inode. `name` has at most 17 characters, `antenna_height` is from 0 to
-    1000 metres, vertical unless `slant`. With `dry_run` nothing is changed.
+    The change is made completely or not at all: in a copy that is verified and then replaces the
+    file in one step. Access rights are preserved, or the change is refused. The file is locked
+    during the change, and gets a new inode. `name` has at most 17 characters; `antenna_height` is
+    0 to 1000 metres, vertical unless `slant` is true. With `dry_run` nothing is changed.
 
-    Returns the changed bytes, none when the record holds the values already. Raises ValueError when
-    nothing is named, for a value that does not fit, and when there is no such measurement or it has
-    no room for the field; OSError when the file cannot be changed, and is as it was.
+    Returns the changed bytes, none if the record has these values already. Raises ValueError if no
+    value is given, if a value does not fit, and if there is no such measurement or its frame has no
+    room for the field. Raises OSError if the file cannot be changed; it then stays as it was.
     """
     if name is None and number is None and antenna_height is None:
         raise ValueError("nothing to set: give name, number or antenna_height")
@@ -48,7 +48,7 @@ def set_record(
         raise ValueError("number is not a number of 32 bits")
     if offset < 0:
         raise ValueError("offset is in bytes, not below 0")
-    with Path(path).open("rb"):  # raises what Python raises
+    with Path(path).open("rb"):  # for Python's own exceptions
         pass
     changes = _core.set_record(
         os.fspath(path), offset, name, number, antenna_height, slant, dry_run

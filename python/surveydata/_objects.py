@@ -8,10 +8,10 @@ from . import _areas, _core
 
 
 class Scan(_core.ScanCore):
-    """A scan: four texts of at most 32, 32, 255 and 64 UTF-16 units, numbers of the caller's own
-    meaning, and an area.
+    """A scan: four texts of at most 32, 32, 255 and 64 UTF-16 units, numbers whose meaning the
+    caller defines, and an area.
 
-    Scans are equal when texts, numbers and, where both have one, areas are.
+    Two scans are equal if their texts, their numbers and, if both have one, their areas are.
     """
 
     __slots__ = ()
@@ -48,7 +48,7 @@ class Scan(_core.ScanCore):
 
     @property
     def area(self) -> _areas.Area | None:
-        """A copy of the area, with angles in radians and without a name; None without one."""
+        """A copy of the area, with angles in radians and without a name, or None."""
         core = self.get_area()
         return None if core is None else _areas._area_of(core)
 

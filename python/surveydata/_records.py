@@ -1,8 +1,8 @@
 """Record files of GNSS measurements as tables.
 
 A table has a row for each measurement and a column for each of its fields: `columns()` lists them
-with their types, units and meanings. Values are those that the library answers; where it has
-nothing to answer, a value is absent.
+with their types, units and meanings. Values are those that the getters of the library return; if
+a getter returns nothing, the value is absent.
 """
 
 from __future__ import annotations
@@ -30,17 +30,17 @@ Source: TypeAlias = Any
 BATCH_ROWS = 65_536
 _LARGEST_BATCH = 1 << 20
 _BYTES_OF_A_ROW = 192
-"""Of a file; only the sizes of batches depend on it."""
+"""An estimate, in the file; only the sizes of batches depend on it."""
 
 
 class ColumnInfo(NamedTuple):
-    """What a column holds."""
+    """The description of a column."""
 
     name: str
     type: str
     """ "bool", "uint8", ... "float64", "text" or "list of uint16"."""
     unit: str
-    """Empty for what has none."""
+    """Empty if the values have none."""
     can_be_absent: bool
     description: str
 
@@ -49,17 +49,17 @@ class Column(NamedTuple):
     """The values of a column, one for each row."""
 
     values: NDArray[Any]
-    """Of texts and lists an array of objects. 0, False or None where a value is absent."""
+    """Texts and lists are in an array of objects. Absent values are 0, False or None."""
     valid: NDArray[np.bool_] | None
-    """Whether a row has a value; None when all have."""
+    """Whether a row has a value; None if all rows have one."""
 
 
 class DamageTable(NamedTuple):
-    """What a file has besides whole measurements, by ascending offset within each kind."""
+    """The parts of a file that are not whole measurements, by ascending offset within each kind."""
 
     offset: NDArray[np.uint64]
     size: NDArray[np.uint64]
-    """In bytes; of a damaged header, that of its frame, as the header has it."""
+    """In bytes; for a damaged header the size that it announces."""
     kind: NDArray[np.object_]
     """ "gap", "other record", or what is wrong with a measurement."""
     record_type: NDArray[np.uint8]
@@ -67,7 +67,7 @@ class DamageTable(NamedTuple):
 
 
 def columns() -> list[ColumnInfo]:
-    """All columns in their order. Programs find columns by name: later versions may have more."""
+    """All columns in order. Look them up by name: later versions may have more."""
     return [ColumnInfo(*column) for column in _core.columns()]
 
 
@@ -79,7 +79,7 @@ _INFOS = {info.name: info for info in columns()}
 FIXED_WIDTH = tuple(
     name for name, info in _INFOS.items() if info.type in _DTYPES or info.type == "bool"
 )
-"""The columns that NumPy holds without objects: numbers and flags."""
+"""The columns that NumPy can hold without Python objects: numbers and flags."""
 
 PICTURE = ("gps_week", "time_of_week", "hdop", "vdop", "total_first", "total_second")
 """The columns that the picture of a table shows."""
@@ -92,8 +92,8 @@ def _bits(packed: NDArray[np.uint8], count: int) -> NDArray[np.bool_]:
 class RecordTable:
     """Measurements as columns. A table never changes.
 
-    It speaks the Arrow PyCapsule protocol: `pyarrow.table(table)`, `polars.DataFrame(table)` and
-    `duckdb.sql("from table")` read its memory without copying it.
+    It implements the Arrow PyCapsule protocol: `pyarrow.table(table)`, `polars.DataFrame(table)`
+    and `duckdb.sql("from table")` read its memory without copying it.
     """
 
     __slots__ = ("_batches", "_left_out", "_names", "_sources", "_times_after_expiry")
@@ -117,7 +117,7 @@ class RecordTable:
 
     @property
     def left_out(self) -> int:
-        """How many frames were left out because a block does not fit; `find_damage` lists them."""
+        """The number of frames left out because a block does not fit; `find_damage` lists them."""
         return self._left_out
 
     @property
@@ -127,13 +127,13 @@ class RecordTable:
 
     @property
     def sources(self) -> list[tuple[Source, int]]:
-        """The files that were read, in their order, and how many rows each of them gave."""
+        """The files that were read, in order, with the number of rows from each."""
         return list(self._sources)
 
     def column(self, name: str) -> Column:
         """The values of a column with their validity.
 
-        Arrays of numbers are views of the table's memory where it is in one piece.
+        Arrays of numbers are views of the table's memory if the table is one batch.
         """
         if name not in self._names:
             raise KeyError(f"the table has no column {name!r}")
@@ -181,7 +181,7 @@ class RecordTable:
         return objects
 
     def __getitem__(self, name: str) -> np.ma.MaskedArray[Any, Any] | NDArray[Any]:
-        """The values of a column, masked where they are absent."""
+        """The values of a column; absent values are masked."""
         values, valid = self.column(name)
         return values if valid is None else np.ma.MaskedArray(values, mask=~valid)
 
@@ -197,11 +197,11 @@ class RecordTable:
         return frame
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
-        """The batches as a stream of the Arrow C data interface, as often as it is asked for.
+        """The batches as a stream of the Arrow C stream interface, any number of times.
 
         A requested schema is ignored, as the protocol allows. Fields have the metadata
-        "description" and, where they have one, "unit". Those in UTC say where leap seconds are
-        from.
+        "description" and, if they have one, "unit". Those in UTC also name the source of the leap
+        seconds.
         """
         del requested_schema
         return _core.arrow_stream(self._names, self._batches)
@@ -226,8 +226,8 @@ class RecordTable:
         """The picture of the program's `surveydata record plot`, as an SVG document: dilutions of
         precision and satellites over time.
 
-        The title is the name of the file by default. Needs the columns of `PICTURE`; raises
-        ValueError without one of them, and for a table without rows.
+        The default title is the name of the file. Raises ValueError if the table lacks a column of
+        `PICTURE` or has no rows.
         """
         if missing := [name for name in PICTURE if name not in self._names]:
             raise ValueError(f"the picture needs the column {missing[0]!r}")
@@ -299,7 +299,7 @@ def _each_source(source: Source, pattern: str) -> Iterator[Source]:
 
 
 def _reader_of(file: Any) -> tuple[Callable[[int, memoryview], int], int]:
-    """What reads a file object from where it is, and its size from there."""
+    """A function that reads a file object from its current position on, and the size from there."""
     if not file.seekable():
         return lambda _offset, memory: _read_into(file, memory), 2**64 - 1
     start = file.tell()
@@ -339,7 +339,7 @@ def _open(source: Source, start: int | None, end: int | None) -> _core.ReaderCor
 
 
 def _check(reader: _core.ReaderCore, source: Source) -> None:
-    """Raises what the state of the reader stands for."""
+    """Raises the exception for the state of the reader, if it is a failure."""
     state = reader.state
     if state == _core.ReaderState.OPEN:
         return
@@ -367,17 +367,17 @@ def read_records(
     """The measurements of record files as one table.
 
     `source` is a path, bytes (anything with the buffer protocol), a binary file object, which is
-    read from where it is, a folder, of which the files that match `pattern` are read in the order
-    of their names, the URL of a file or folder that fsspec opens ("s3://bucket/drive.rec"), or an
-    iterable of these. It is only read.
+    read from its current position, a folder, of which the files that match `pattern` are read in
+    the order of their names, the URL of a file or folder that fsspec opens
+    ("s3://bucket/drive.rec"), or an iterable of these. Sources are never written.
 
-    `columns` names columns of `columns()`, all by default. `where` is called with tables of some of
-    the rows and answers which of them to keep. `start` and `end` are offsets in bytes: the table
-    has the records that begin in [start, end) of each file, found as in a walk from its start, so
-    that the tables of any cuts join to that of the whole.
+    `columns` are names from `columns()`, all by default. `where` is called with tables of some of
+    the rows and returns which of them to keep. `start` and `end` are offsets in bytes: the table
+    has the records that begin in [start, end) of each file, the same as if the file was read from
+    its start. The tables of adjacent stretches therefore together give that of the whole file.
 
-    Other threads run meanwhile. Raises OSErrors for what cannot be read, KeyError for a column that
-    there is not, ValueError for a stretch of a pipe.
+    Other threads can run during the call. Raises an OSError if a source cannot be read, KeyError
+    for an unknown column, and ValueError for a stretch of a pipe.
     """
     batches: list[_core.BatchCore] = []
     sources: list[tuple[Source, int]] = []
@@ -387,10 +387,10 @@ def read_records(
     for part in _each_source(source, pattern):
         rows = 0
         reader = _open(part, start, end)
-        # A table in one batch gives its columns to NumPy without copying them.
+        # The columns of a table in one batch become NumPy arrays without a copy.
         size = min(reader.size, 2**64 if end is None else end) - (start or 0)
         batch_rows = min(max(size // _BYTES_OF_A_ROW, BATCH_ROWS), _LARGEST_BATCH)
-        if where is not None or size >= 2**63:  # of a pipe
+        if where is not None or size >= 2**63:  # a pipe
             batch_rows = BATCH_ROWS
         for table in _batches(reader, part, names, where, batch_rows):
             batches.extend(table._batches)
@@ -411,8 +411,8 @@ def iter_batches(
     pattern: str = "*.rec",
     rows: int = BATCH_ROWS,
 ) -> Iterator[RecordTable]:
-    """The same in tables of at most `rows` rows, one at a time, in an amount of memory that does
-    not depend on the sizes of the files. A table has rows of one file.
+    """The same in tables of at most `rows` rows, one at a time. The memory does not depend on the
+    sizes of the files. A table has rows of only one file.
     """
     names = list(_INFOS) if columns is None else list(columns)
     _check_names(names)
@@ -468,12 +468,12 @@ def find_damage(
     *,
     others: bool = False,
 ) -> DamageTable:
-    """The gaps, damaged headers and bad frames of one file, and the records of other kinds too
-    with `others`.
+    """The gaps, damaged headers and bad frames of one file, and with `others` also the records of
+    other types.
 
-    A gap is a run of bytes that belong to no record. A damaged header in it has magic, type and a
-    length that has room for a measurement, but no whole frame; the last kind, "runs into next
-    record", may be chance bytes.
+    A gap is a run of bytes that do not belong to a record. A damaged header in it has the magic,
+    the type and a possible length of a measurement, but does not begin a whole frame. The kind
+    "runs into next record" may also be random bytes.
     """
     (part,) = _each_source(source, "*.rec")
     reader = _open(part, start, end)
@@ -489,12 +489,12 @@ def find_damage(
 
 
 def append(path: str | os.PathLike[str], records: Any) -> None:
-    """Put `records`, bytes of whole records of any kind, at the end of a file, which is made if
-    there is none.
+    """Append `records`, the bytes of whole records of any type, to a file, which is created if it
+    does not exist.
 
-    What is in the file is never written over: when writing fails, the file is cut back to the size
-    that it had. Raises ValueError for bytes that are not whole records, OSError with the library's
-    reason for everything else. One writer at a time.
+    Existing content is never overwritten: if writing fails, the file is truncated to its previous
+    size. Raises ValueError for bytes that are not whole records, and OSError with the library's
+    reason for all other failures. Only one writer may append at a time.
     """
     outcome = _core.append(os.fspath(path), records)
     if outcome == _core.AppendOutcome.DONE:

@@ -1,5 +1,5 @@
 """Record files in the file systems of fsspec (object stores, zip files, memory), and the stretches
-of files that engines share out among their workers.
+of files that engines distribute to their workers.
 """
 
 from __future__ import annotations
@@ -33,7 +33,7 @@ class RecordFile(NamedTuple):
 
 
 class Stretch(NamedTuple):
-    """A part of a file. The stretches of a file join to the whole."""
+    """A part of a file. The stretches of a file together cover it once."""
 
     file: RecordFile
     begin: int
@@ -54,8 +54,8 @@ def list_files(
     paths: str | os.PathLike[str] | Iterable[str | os.PathLike[str]], pattern: str = "*.rec"
 ) -> Iterator[RecordFile]:
     """The files of paths, which are files, folders or URLs of either, each folder in the order of
-    its names. Raises FileNotFoundError for a path that there is not, ValueError for what is no
-    regular file.
+    its names. Raises FileNotFoundError if a path does not exist, ValueError if it is not a regular
+    file.
     """
     if not isinstance(paths, str | os.PathLike):
         for path in paths:
@@ -84,7 +84,7 @@ def _list_store(url: str, pattern: str) -> Iterator[RecordFile]:
     if _is_local(file_system):
         yield from _list_local(Path(root), pattern)
         return
-    _, chain, rest = url.partition("::")  # of the outer file system, as that of a zip file
+    _, chain, rest = url.partition("::")  # `rest` is the URL of the outer file
     if file_system.isdir(root):
         prefix = root.rstrip("/") + "/" if root.strip("/") else root
         infos = sorted(file_system.glob(prefix + pattern, detail=True).items())
@@ -122,7 +122,7 @@ def _is_local(file_system: Any) -> bool:
 
 
 def cut(files: Iterable[RecordFile], size: int) -> Iterator[Stretch]:
-    """Stretches of at most `size` bytes, at least one of each file."""
+    """Stretches of at most `size` bytes, at least one for each file."""
     if size < 1:
         raise ValueError("a stretch has at least one byte")
     for file in files:
@@ -131,7 +131,7 @@ def cut(files: Iterable[RecordFile], size: int) -> Iterator[Stretch]:
 
 
 def source_of(file: RecordFile) -> StoreFile | Path:
-    """What `read_records` reads a file from."""
+    """The source from which `read_records` reads a file."""
     return open_url(file.path) if is_url(file.path) else Path(file.path)
 
 
@@ -144,21 +144,22 @@ def open_url(url: str) -> StoreFile | Path:
 class StoreFile:
     """A file of an fsspec file system, which is read in large ranges.
 
-    It has what `read_records` asks of a binary file object. One thread uses it at a time.
+    It has the methods of a binary file object that `read_records` needs. Only one thread may use it
+    at a time.
     """
 
     def __init__(self, file_system: Any, path: str, url: str) -> None:
         self._size = self._end = _size_of(file_system.info(path), url)
-        # Requests are for what is asked: ranges are cut here.
+        # Without fsspec's cache: this class chooses the ranges.
         self._file = file_system.open(path, "rb", cache_type="none")
-        self._file_system = file_system  # that of a zip file closes its files when it goes
+        self._file_system = file_system  # kept: deleting that of a zip file closes its files
         self._url = url
         self._at = 0
-        self._begin = 0  # of the bytes that are there
+        self._begin = 0  # the offset of the buffered bytes
         self._bytes = b""
 
     def expect(self, end: int | None) -> None:
-        """No range goes much further than the end of the stretch, if the reader does not."""
+        """Limits ranges to a block after `end`, the end of a stretch, unless more is requested."""
         self._end = self._size if end is None else min(self._size, end + _BLOCK)
 
     def seekable(self) -> bool:
@@ -166,16 +167,16 @@ class StoreFile:
         return True
 
     def tell(self) -> int:
-        """Where the next byte is read."""
+        """The offset of the next byte to read."""
         return self._at
 
     def seek(self, offset: int, whence: int = os.SEEK_SET) -> int:
-        """Go to an offset from the beginning or from the end."""
+        """Sets the offset, from the beginning or from the end."""
         self._at = offset + (self._size if whence == os.SEEK_END else 0)
         return self._at
 
     def read(self, size: int) -> bytes:
-        """At most `size` bytes from where it is; none only at the end of the file."""
+        """Reads at most `size` bytes; none only at the end of the file."""
         if not self._begin <= self._at < self._begin + len(self._bytes):
             end = min(max(self._at + size, min(self._at + RANGE, self._end)), self._size)
             self._begin, self._bytes = self._at, b""

@@ -1,5 +1,5 @@
-"""Archives as Dask collections, with a partition for each stretch of a record file, which any
-worker reads by itself; and areas that are asked with Dask arrays.
+"""Archives as Dask data frames, with a partition for each stretch of a record file, which any
+worker can read on its own; and areas for Dask arrays of directions.
 """
 
 from __future__ import annotations
@@ -49,17 +49,18 @@ def read_records(
     """The measurements of record files as a Dask data frame.
 
     `paths` are paths or fsspec URLs of files or folders, which every worker must reach. A partition
-    has the measurements that begin in a stretch of `blocksize` bytes of a file. Columns are
-    `columns` of `surveydata.columns()`, all by default, with types of Arrow, texts with that of
-    pandas, and `file`, the name of the file. Workers read only the columns that are used.
+    has the measurements that begin in a stretch of `blocksize` bytes of a file. The columns are
+    `columns` from `surveydata.columns()`, all by default, and `file`, the name of the file. They
+    have Arrow types, except texts, which have the pandas type. Workers read only the columns that
+    are used.
 
-    With the index "time_gps", GPS time in milliseconds, the times are read first, by the workers:
+    With the index "time_gps", GPS time in milliseconds, the workers first read the times:
     partitions without rows are left out, the others are ordered by their first time, and the
-    divisions are known if times ascend in each file and no partition begins before the one before
-    it has ended. Otherwise partitions are in the order of the paths. With None the index of each
+    divisions are known if times ascend in each file and no partition begins before the previous one
+    has ended. Otherwise partitions are in the order of the paths. With None the index of each
     partition counts from 0, and nothing is read before it is needed.
 
-    The data frame describes the files as they are now: read it anew after they have changed.
+    The data frame describes the current files: create a new one after they have changed.
     """
     names = [info.name for info in _records.columns()] if columns is None else list(columns)
     _records._check_names(names)
@@ -89,7 +90,7 @@ def _wanted(names: list[str], index: str | None) -> list[str]:
 def _read(stretch: Stretch, columns: list[str], index: str | None) -> pd.DataFrame:
     names = [name for name in columns if name != "file"]
     wanted = _wanted(names, index)
-    # At least one column tells how many rows there are.
+    # At least one column, for the number of rows.
     table = _records.read_records(
         source_of(stretch.file), wanted or ["size"], start=stretch.begin, end=stretch.end
     )
@@ -109,7 +110,7 @@ def _frame(
 
 
 def _type_of(arrow: Any) -> Any:
-    """The types that data frames of Dask have: pandas' own for texts."""
+    """The types of Dask data frames: Arrow types, except the pandas type for texts."""
     return pd.StringDtype("pyarrow") if pa.types.is_large_string(arrow) else pd.ArrowDtype(arrow)
 
 
@@ -146,7 +147,7 @@ def _in_order(stretches: list[Stretch]) -> tuple[list[Stretch], tuple[pd.Timesta
 
 def contains(area: Area, hz: Any, v: Any, unit: Unit | None = None) -> Any:
     """Whether directions lie inside `area`, as `Area.contains`, for Dask arrays or numbers that
-    broadcast against each other. The answer is a Dask array of their shape; each block is answered
+    broadcast against each other. The result is a Dask array of their shape; each block is computed
     where it is.
     """
     return dask.array.map_blocks(

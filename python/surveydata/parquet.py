@@ -2,11 +2,11 @@
 
 `python -m surveydata to-parquet ARCHIVE -o DIR` writes a file for each stretch of each record file,
 such as `DIR/file=valley_drive.rec/part-00000000000000000000.parquet`. The number is the offset of
-the stretch. Names of folders are percent-encoded, as readers of partitioned folders expect:
-the partition column `file` has the name of the record file.
+the stretch. Folder names are percent-encoded, as readers of partitioned folders expect: the
+partition column `file` has the name of the record file.
 
-A Parquet file is written under another name and renamed when it is whole. After a run that was
-killed, another one keeps what is whole and was made of the same bytes.
+A Parquet file is written under a temporary name and renamed when it is complete. If a run was
+killed, the next one keeps complete files that were made from the same bytes.
 """
 
 from __future__ import annotations
@@ -36,7 +36,7 @@ _VERSION = "1"
 
 
 class Progress(NamedTuple):
-    """How far a conversion is, and what it has written in the end."""
+    """The progress of a conversion, and finally its result."""
 
     stretches: int
     """Of all files."""
@@ -67,18 +67,18 @@ def to_parquet(
 ) -> Progress:
     """Writes the measurements of record files to a folder of Parquet files.
 
-    `archive` is a path or fsspec URL of a file or folder, or some of them, `folder` a local path.
-    Rows have `columns` of `columns()`, all by default, with their units and descriptions as
-    metadata of the fields. `stretch` is the bytes of a record file that make one Parquet file;
-    `workers` threads write one each, as many as there are processors by default. `report` is called
-    after each stretch, by the thread that called this function.
+    `archive` is a path or fsspec URL of a file or folder, or several of them; `folder` is a local
+    path. Rows have `columns` from `columns()`, all by default, with their units and descriptions as
+    metadata of the fields. `stretch` is the number of bytes of a record file in one Parquet file.
+    `workers` is the number of threads, each of which writes one file at a time; by default that of
+    processors. `report` is called after each stretch, by the thread that called this function.
 
-    Stretches that `folder` has already, of the same file, size and time of change, with the same
-    columns and stretch, are kept; those of a file that has changed are written anew. Partitions of
-    files that are not in the archive stay as they are.
+    Existing stretches in `folder` are kept if the name, the size and the modification time of the
+    record file, the columns and the stretch are the same; those of a changed file are written
+    again. Partitions of files that are not in the archive stay unchanged.
 
-    Raises BlockingIOError while another run writes to `folder`, ValueError when two files have the
-    same name, and OSErrors for what cannot be read or written.
+    Raises BlockingIOError while another run writes to `folder`, ValueError if two files have the
+    same name, and an OSError if a file cannot be read or written.
     """
     names = [info.name for info in _records.columns()] if columns is None else list(columns)
     _records._check_names(names)
@@ -132,7 +132,7 @@ def _add(progress: Progress, one: Stretch, rows: int, left_out: int, begin: floa
 
 
 def _lock(folder: Path) -> int:
-    """Held until it is closed, at the latest when the process ends, however it ends."""
+    """A lock that is held until it is closed, or until the process ends for any reason."""
     import fcntl
 
     lock = os.open(folder, os.O_RDONLY)
@@ -151,7 +151,7 @@ def _path_of(folder: Path, one: Stretch) -> Path:
 
 
 def _marks_of(one: Stretch, names: list[str], stretch: int) -> dict[str, str]:
-    """What a Parquet file was made of, as it says in its footer."""
+    """What a Parquet file was made from, as its footer records it."""
     return {
         "surveydata.layout": _VERSION,
         "surveydata.version": _core.VERSION,
@@ -166,7 +166,7 @@ def _marks_of(one: Stretch, names: list[str], stretch: int) -> dict[str, str]:
 
 
 def _remove_strangers(paths: set[Path]) -> None:
-    """In the partitions that are written: what killed runs have begun, and other stretches."""
+    """Removes unfinished files and other stretches from the partitions that are written."""
     for partition in {path.parent for path in paths}:
         partition.mkdir(exist_ok=True)
         for path in partition.iterdir():
@@ -175,7 +175,7 @@ def _remove_strangers(paths: set[Path]) -> None:
 
 
 def _find(path: Path, marks: dict[str, str]) -> tuple[int, int] | None:
-    """Rows and frames left out of a file that was made of the same."""
+    """The numbers of rows and of left-out frames, if the file was made from the same."""
     try:
         footer = pq.read_metadata(path)
     except (FileNotFoundError, pa.ArrowInvalid):
@@ -187,7 +187,7 @@ def _find(path: Path, marks: dict[str, str]) -> tuple[int, int] | None:
 
 
 def _options(names: list[str]) -> dict[str, Any]:
-    """How columns are encoded: dictionaries where values repeat, differences where they ascend."""
+    """The encodings of columns: dictionaries if values repeat, deltas if they ascend."""
     types = {info.name: info.type for info in _records.columns()}
     ascending = {name for name in names if name == "offset"}
     times = {name for name in names if name.endswith(("_gps", "_utc")) and types[name] == "text"}

@@ -40,8 +40,8 @@ BLOCKSIZE = 64 << 20
 
 _ROWS_IN_BATCH = 16_384
 
-# Spark's integers are signed: unsigned ones have the next larger type. An offset in a file fits a
-# signed one of 64 bits.
+# Spark's integers are signed: unsigned ones get the next larger type. An offset in a file fits a
+# signed 64-bit integer.
 _TYPES: dict[str, types.DataType] = {
     "bool": types.BooleanType(),
     "uint8": types.ShortType(),
@@ -55,8 +55,8 @@ _TYPES: dict[str, types.DataType] = {
     "list of uint16": types.ArrayType(types.IntegerType(), False),
 }
 
-# GPS time has no leap seconds, so that Spark's timestamps without a zone hold it exactly. UTC stays
-# a text: timestamps have no second 60.
+# GPS time has no leap seconds, so Spark's timestamps without a time zone represent it exactly. UTC
+# stays a text: timestamps have no second 60.
 _TIMES = {
     "time_gps": ("gps_week", "time_of_week"),
     "extra_time_gps": ("extra_gps_week", "extra_time_of_week"),
@@ -64,16 +64,16 @@ _TIMES = {
 
 
 def register(spark: SparkSession, *, push_filters: bool = False) -> None:
-    """Makes the format "surveydata" known to a session.
+    """Registers the format "surveydata" with a session.
 
     The format has the options `columns` (names separated by commas, all by default), `blocksize`
     (bytes of a record file in a partition, 67,108,864 by default) and `pattern` (which files of a
-    folder, "*.rec" by default).
+    folder to read, "*.rec" by default).
 
-    With `push_filters`, Spark gives filters on `file` and `time_gps` to the source: files are not
-    read, and rows are dropped before they are handed over. Spark up to 4.3 keeps these filters for
-    the next query of the same data frame, which then misses rows if it has no such filter: load a
-    data frame for each query. The session's setting `spark.sql.python.filterPushdown.enabled`
+    With `push_filters`, Spark pushes filters on `file` and `time_gps` down to the source, which
+    skips files, and drops rows before they are passed to Spark. Spark up to 4.3 keeps these filters
+    for the next query of the same data frame, which then misses rows if it has no such filter: load
+    a data frame for each query. The session's setting `spark.sql.python.filterPushdown.enabled`
     becomes true.
     """
     if push_filters:
@@ -83,7 +83,7 @@ def register(spark: SparkSession, *, push_filters: bool = False) -> None:
 
 def contains(area: Area, unit: Unit | None = None) -> Callable[..., Any]:
     """A function of two columns, Hz and V: whether directions lie inside `area`, as
-    `Area.contains`. Null where Hz or V is null.
+    `Area.contains`. Null if Hz or V is null.
 
     `frame.withColumn("inside", contains(area)("hz", "v"))`. It needs PySpark 4.1.
     """
@@ -93,7 +93,7 @@ def contains(area: Area, unit: Unit | None = None) -> Callable[..., Any]:
         answers = area.contains(_as_doubles(hz), _as_doubles(v), unit)
         return pc.if_else(there, pa.array(answers), pa.scalar(None, pa.bool_()))
 
-    # Spark knows the kind of the function by its hints, which must be types, not texts.
+    # Spark derives the kind of the function from its annotations, which must be types, not strings.
     inside.__annotations__ = {"hz": pa.Array, "v": pa.Array, "return": pa.Array}
     function: Callable[..., Any] = arrow_udf(inside, types.BooleanType())
     return function
@@ -139,7 +139,7 @@ _COMPARISONS: dict[type, _Comparison] = {
     datasource.LessThanOrEqual: operator.le,
 }
 _OF_TIMES = {**_COMPARISONS, datasource.IsNotNull: _is_there}
-# Spark orders texts by their bytes in UTF-8, which is the order of code points, as Python's.
+# Spark orders texts by their UTF-8 bytes, which is the order of code points, as in Python.
 _OF_TEXTS: dict[type, _Comparison] = {
     **_COMPARISONS,
     datasource.In: _is_one_of,
@@ -163,7 +163,7 @@ class RecordReader(datasource.DataSourceReader):
         self._time_filters: list[tuple[_Comparison, Any]] = []
 
     def partitions(self) -> Sequence[datasource.InputPartition]:
-        """One for each stretch of the files that the filters leave."""
+        """One for each stretch of the files that pass the filters."""
         files = [
             file
             for file in list_files(self._path, self._pattern)
@@ -174,7 +174,7 @@ class RecordReader(datasource.DataSourceReader):
     def read(self, partition: datasource.InputPartition) -> Iterator[pa.RecordBatch]:
         """The rows of a stretch."""
         if not isinstance(partition, _Partition):
-            return  # without partitions Spark asks for one of its own
+            return  # without partitions Spark passes one of its own
         stretch = partition.stretch
         names = list(self._names)
         for column, parts in _TIMES.items():
@@ -230,11 +230,11 @@ class RecordSource(datasource.DataSource):
 
     @classmethod
     def name(cls) -> str:
-        """Its name in `spark.read.format`."""
+        """The name of the format in `spark.read.format`."""
         return "surveydata"
 
     def schema(self) -> types.StructType:
-        """The columns with their units and descriptions, and the name of the file."""
+        """The columns with units and descriptions, and the column `file`."""
         chosen = self.options.get("columns")
         infos = {info.name: info for info in _records.columns()}
         names = list(infos) if chosen is None else [name.strip() for name in chosen.split(",")]
@@ -243,7 +243,7 @@ class RecordSource(datasource.DataSource):
         return types.StructType([*fields, types.StructField("file", types.StringType(), False)])
 
     def reader(self, schema: types.StructType) -> RecordReader:
-        """What reads the files of the options."""
+        """A reader of the files that the options select."""
         if "path" not in self.options:
             raise ValueError("name the archive: load(path)")
         blocksize = int(self.options.get("blocksize", BLOCKSIZE))
@@ -252,7 +252,7 @@ class RecordSource(datasource.DataSource):
 
 
 class _FilteringReader(RecordReader):
-    def pushFilters(  # noqa: N802  (the name is Spark's)
+    def pushFilters(  # noqa: N802  (Spark defines the name)
         self, filters: Sequence[datasource.Filter]
     ) -> Iterable[datasource.Filter]:
         """Keeps filters on the file and on the time, and leaves the others to Spark."""

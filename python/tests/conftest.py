@@ -1,4 +1,4 @@
-"""Where the tests find their data, and how Hypothesis runs: the same cases every time."""
+"""The data of the tests, and the settings of Hypothesis: the same cases every time."""
 
 from pathlib import Path
 

@@ -1,4 +1,4 @@
-"""What a user does first, with NumPy alone: run in an environment that has nothing else."""
+"""The first steps of a user, in an environment that has only NumPy."""
 
 import importlib.util
 import math

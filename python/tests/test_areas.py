@@ -74,7 +74,7 @@ def test_arrays_are_answered_as_the_plain_rule_answers(
             with pytest.raises(ValueError, match=r"the points make no area: ."):
                 ask()
         return
-    plain = [area.contains(h, w) for h, w in directions]  # one by one: not prepared
+    plain = [area.contains(h, w) for h, w in directions]  # one at a time: not prepared
     assert area.contains(hz, v).tolist() == plain
     prepared = area.prepare(many=many)
     assert prepared.contains(hz, v).tolist() == plain
@@ -254,7 +254,7 @@ def test_other_threads_run_while_directions_are_answered() -> None:
     thread = threading.Thread(target=ask)
     thread.start()
     started.wait()
-    while not finished.is_set():  # needs the lock, which `ask` would hold
+    while not finished.is_set():  # needs the lock, which `ask` must have released
         seen_before_the_end.append(1)
     thread.join()
     assert len(seen_before_the_end) > 1000
@@ -321,7 +321,7 @@ def test_a_grid_has_the_directions_inside(area: sd.Area, seed: int) -> None:
     assert sum(len(column.hz) for column in stepped.iter_grid()) == hz.size
 
 
-# ----- What an area is
+# ----- Definition
 
 
 def test_the_unit_is_never_assumed() -> None:
@@ -437,7 +437,7 @@ def test_equality_is_that_of_the_library() -> None:
         hash(area)
 
 
-# ----- Questions
+# ----- Queries
 
 
 def test_faults_name_the_rule_and_the_points() -> None:
@@ -458,7 +458,7 @@ def test_faults_name_the_rule_and_the_points() -> None:
 @given(area=areas())
 def test_faults_are_empty_exactly_for_a_valid_area(area: sd.Area) -> None:
     points = area._state()[0]
-    whole = sd.Area.__reduce__(area)  # the same with steps
+    whole = sd.Area.__reduce__(area)  # with the steps as well
     again = whole[0](whole[1][0], points, "rad", {"hz_step": 0.1, "v_step": 0.1})
     assert again.is_valid() == (again.faults() == [])
     assert again.is_area_valid() or not again.is_valid()
@@ -473,7 +473,7 @@ def test_bounds() -> None:
     ring = around.bounds()
     assert ring is not None
     assert ring.encloses_zenith
-    assert ring.v_max == pytest.approx(160)  # 0.8 pi, as of every area around the zenith
+    assert ring.v_max == pytest.approx(160)  # 0.8 pi, as for every area around the zenith
     dome = sd.DomeArea(unit="deg").bounds()
     assert dome is not None
     assert dome.encloses_zenith
@@ -489,7 +489,7 @@ def test_outline() -> None:
         (20, 80),
         (20, 90),
     ]
-    assert set(outline.distance.tolist()) == {5.0}  # of the point that has one
+    assert set(outline.distance.tolist()) == {5.0}  # that of the only point with a distance
     bare = facade().outline(3.0)
     assert bare.hz.tolist() == FACADE_HZ
     assert bare.distance.tolist() == [3.0] * 5
@@ -558,7 +558,7 @@ def test_files_that_are_none(data: Path, tmp_path: Path) -> None:
 
 def test_the_picture_is_the_programs(data: Path) -> None:
     area = sd.read_area(data / "areas" / "facade.json")
-    # As docs/pictures/redraw.sh has the program draw it.
+    # With the options of docs/pictures/redraw.sh.
     picture = area.svg([57, 40, 90, 62], [92, 75, 85, 107], window=(10, 50, 110, 120))
     assert picture == (data.parents[1] / "docs" / "pictures" / "facade.svg").read_text()
     assert area._repr_svg_() == area.svg()

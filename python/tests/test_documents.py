@@ -1,4 +1,4 @@
-"""Runs what the documents and the examples show."""
+"""Runs the code of the documents and the examples."""
 
 import re
 import shutil
@@ -25,7 +25,7 @@ def workplace(data: Path, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> Pa
     return tmp_path
 
 
-# Blocks that need a server, or what `./test.sh --engines` installs.
+# Blocks that need a server or the packages that `./test.sh --engines` installs.
 ELSEWHERE = ("s3://", "archive_parquet", "surveydata.dask", "surveydata.spark")
 
 
@@ -37,7 +37,7 @@ def blocks(document: Path) -> list[str]:
 @pytest.mark.parametrize("name", ["README.md", "docs/python.md"])
 @pytest.mark.usefixtures("workplace")
 def test_every_block_of_python_runs(name: str) -> None:
-    """A comment `# -> VALUE` after an expression is what it answers."""
+    """A comment `# -> VALUE` after an expression is its expected value."""
     names: dict[str, object] = {"__name__": "document"}
     found = blocks(ROOT / name)
     assert len(found) >= {"README.md": 1, "docs/python.md": 4}[name]

@@ -25,7 +25,7 @@ WHOLES = {
         "top_right": sd.CoordinatePoint,
     },
 }
-# The values of constructors that are neither numbers of any size nor texts.
+# The arguments of constructors that are neither integers of any size nor texts.
 SPECIAL = {
     (sd.CoordinateQuality, "matrix"): sd.QMatrix(q11=1, q23=2),
     (sd.GPSRefStationData, "reference_system"): sd.CoordinateReferenceSystem(kind=2),
@@ -70,7 +70,7 @@ CLASSES = [
     sd.UndulationMemento,
 ]
 WITHOUT_EQUALITY = {sd.DisplayAttributes, sd.Rectangle}
-COUNTS = {  # of values that the constructors take
+COUNTS = {  # of arguments that the constructors take
     sd.CoordinatePoint: 3,
     sd.CoordinateQuality: 3,
     sd.CoordinateReferenceSystem: 3,
@@ -97,7 +97,7 @@ COUNTS = {  # of values that the constructors take
 
 
 def names_of(kind: type[Any]) -> list[str]:
-    """The names of the values, from the text of a default object."""
+    """The names of the values, from the `repr` of a default object."""
     text = repr(kind())
     names, depth = [], 0
     for i, character in enumerate(text):
@@ -155,7 +155,7 @@ def test_copies_and_pickles_are_the_same_and_apart(kind: type[Any]) -> None:
             try:
                 setattr(other, name, value)
             except AttributeError:
-                continue  # only constructors set it
+                continue  # only the constructor sets it
             assert repr(getattr(made, name)) == repr(values[name])
             assert repr(getattr(other, name)) == repr(value)
 
@@ -173,7 +173,7 @@ def test_equality_is_that_of_the_library(kind: type[Any]) -> None:
     for name in values:
         different = {**values}
         del different[name]
-        if name in ("distance", "area"):  # take no part, or only where both have one
+        if name in ("distance", "area"):  # not compared, or only if both have one
             assert made == kind(**different)
         else:
             assert made != kind(**different), name
@@ -194,7 +194,7 @@ def test_parts_live_in_their_whole_and_keep_it_alive(kind: type[Any]) -> None:
     gc.collect()
     part.variant = 7
     assert (part.kind, part.variant) == (9, 7)
-    part = filled(kind)[0].crs  # its whole has no other name
+    part = filled(kind)[0].crs  # there is no other reference to the whole
     gc.collect()
     assert part.has_height == 0
 
@@ -209,7 +209,7 @@ def test_a_position_answers() -> None:
     assert position.std_dev(3) is None
     assert position.combined_std_dev(2) == pytest.approx(2 * math.sqrt(13))
     assert position.quality.matrix is not position.quality.matrix
-    position.quality.matrix.q11 = 100  # of a copy
+    position.quality.matrix.q11 = 100  # changes only a copy
     assert position.std_dev(1) == 4
 
 
@@ -243,7 +243,7 @@ def test_texts_that_do_not_fit_are_refused() -> None:
     with pytest.raises(ValueError, match="surrogates not allowed"):
         info.text_1 = "\ud800"
     assert info.identifier == "x" * 16
-    info.identifier = "\ud800"  # UTF-16 has it
+    info.identifier = "\ud800"  # a valid UTF-16 unit
     assert info.identifier == "\ud800"
     info.text_1 = "long" * 1000
     assert info.text_1 == "long" * 1000

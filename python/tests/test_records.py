@@ -34,7 +34,7 @@ def expected(data: Path, name: str) -> list[dict[str, Any]]:
 
 
 def as_text(units: str) -> str | None:
-    """Surrogates without their other half become U+FFFD; an empty text is absent."""
+    """Unpaired surrogates become U+FFFD; an empty text is absent."""
     text = units.encode("utf-16", "surrogatepass").decode("utf-16", "replace")
     return text or None
 
@@ -44,7 +44,7 @@ def single(number: float) -> float:
 
 
 def row_of(line: dict[str, Any]) -> dict[str, Any]:
-    """The row that the README of the samples implies for a line."""
+    """The row that follows from a line by the README of the samples."""
     got, has = line["getters"], line["measurement"]
     is_set = lambda bit: has["setMask"] & bit != 0  # noqa: E731
     pair = lambda name: got[name] or (None, None)  # noqa: E731
@@ -84,12 +84,12 @@ def row_of(line: dict[str, Any]) -> dict[str, Any]:
         row[f"{column}_first"], row[f"{column}_second"] = pair(f"{name}Pair")
     for axis, value in zip("xyz", has["vector"], strict=True):
         row[f"vector_{axis}"] = value if is_set(0x10) else None
-    for name in ("hdop", "vdop", "tdop", "pdop", "gdop"):  # below 0 is not available
+    for name in ("hdop", "vdop", "tdop", "pdop", "gdop"):  # not available if below 0
         row[name] = None if dops[name] is None or dops[name] < 0 else dops[name]
     return row
 
 
-# Texts of the times, which have a test of their own, and what frames do not carry.
+# Texts of times have a separate test; the others are not in frames.
 NOT_IN_THE_LINES = {
     "time_gps",
     "time_utc",
@@ -142,7 +142,7 @@ def same(a: sd.RecordTable, b: sd.RecordTable) -> bool:
 
 
 class OneByOne(io.RawIOBase):
-    """A stream without seeking that gives less than it is asked for."""
+    """A stream that cannot seek and returns fewer bytes than requested."""
 
     def __init__(self, data: bytes) -> None:
         self._left = data
@@ -355,7 +355,7 @@ def test_other_libraries_read_it(data: Path) -> None:
     assert names == pa.table(table).column("name").to_pylist()
     pandas_frame = table.to_pandas()
     assert pandas_frame.shape == (414, 60)
-    table_ = table  # DuckDB finds it by its name
+    table_ = table  # DuckDB finds the variable by its name
     assert len(table_) == 414
     assert pandas_frame["hdop"].isna().sum() == pa.table(table).column("hdop").null_count
     (row,) = duckdb.sql('select count(*), count(hdop), min("offset") from table_').fetchall()
@@ -386,7 +386,7 @@ def test_arrays_outlive_their_table(data: Path) -> None:
     table = sd.read_records(content, ["offset", "name"])
     values = table.column("offset").values
     arrow = pa.table(table)
-    stream = table.__arrow_c_stream__()  # never taken over
+    stream = table.__arrow_c_stream__()  # never consumed
     del table
     gc.collect()
     assert values.tolist() == offsets
@@ -436,7 +436,7 @@ def test_batches_take_memory_for_one_batch(data: Path) -> None:
         capture_output=True,
         text=True,
     ).stdout
-    # In KiB, of 92,000 that were read.
+    # In KiB; 92,000 KiB were read.
     assert int(grown) < 8_000
 
 
@@ -516,7 +516,7 @@ def test_frames_with_a_block_that_does_not_fit_are_left_out_and_counted(data: Pa
     frame = bytearray(content[line["offset"] : line["offset"] + line["size"]])
     assert seal(frame.copy()) == bytes(frame)
     whole = bytes(frame)
-    bad = seal(frame[:-6])  # the last block lacks its end
+    bad = seal(frame[:-6])  # the last block is truncated
     table = sd.read_records(whole + bad + whole, ["offset"])
     assert table.column("offset").values.tolist() == [0, len(whole) + len(bad)]
     assert table.left_out == 1
