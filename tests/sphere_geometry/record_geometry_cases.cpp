@@ -44,10 +44,10 @@ class WriterC {
 int main(int argc, char** argv) try {
   constexpr std::uint64_t kSeed = 20260101;
   std::puts(
-      "# What the sphere geometry answers, bit for bit. tests/support/geometry_cases.h tells the\n"
-      "# format. To renew it: build/dev/tests/sphere_geometry/record_geometry_cases\n"
+      "# Results of the sphere geometry, bit for bit. tests/support/geometry_cases.h describes\n"
+      "# the format. To regenerate: build/dev/tests/sphere_geometry/record_geometry_cases\n"
       "#\n"
-      "# source     this library, of which the literal rules in tests/support are the judge\n"
+      "# source     this library, checked by the literal rules in tests/support\n"
       "# generator  record_geometry_cases, seed 20260101; g++ 12 -O1, glibc 2.36, x86-64");
   WriterC writer;
   const auto write = [&writer](const GeometryCases::Case& next) { writer.Write(next); };
