@@ -1,4 +1,4 @@
-// The C interface beside the classes that it calls.
+// The C interface compared with the classes that it calls.
 
 #include <cstddef>
 #include <cstdint>

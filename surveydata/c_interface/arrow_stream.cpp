@@ -129,8 +129,8 @@ class BatchC {
     std::size_t size = 0;
     const auto take = [&](std::size_t bytes) {
       std::uint8_t* const taken = at != nullptr ? at + size : nullptr;
-      size += (bytes + 127) / 64 *
-              64;  // a spare cache line, so that columns do not map to the same sets
+      // Leaves a spare cache line, so that columns do not map to the same sets of the cache.
+      size += (bytes + 127) / 64 * 64;
       return taken;
     };
     for (const GPSColumn* const column : columns) {

@@ -11,7 +11,7 @@
 
 namespace SDI {
 
-/// The blocks of a measurement frame, in the order in which they lie in it.
+/// The blocks of a measurement frame, in the order of the frame.
 enum class GPSRecordBlock : std::uint8_t {
   kHeader,
   kTimes,

@@ -9,7 +9,7 @@
 #include <surveydata/sphere_geometry/filter_bounds.h>
 
 /// \file
-/// The single steps by which a direction is found inside an area or outside.
+/// The individual steps of the test whether a direction is inside an area.
 
 namespace GMAT {
 

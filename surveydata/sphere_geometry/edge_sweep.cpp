@@ -143,7 +143,7 @@ class SweepC {
   explicit SweepC(const RingC& ring) : ring_(ring), places_(ring.CountEdges()) {}
 
   // Whether any two edges cross that change their order, or of which one is not steep and passes
-  // near an end of the other. `keepPlaces` states that no two edges change their order.
+  // near an end of the other. `keepPlaces` means that no two edges change their order.
   SweepResult FindCrossing(bool keepPlaces) {
     keepPlaces_ = keepPlaces;
     const std::vector<Point>& corners = ring_.GetCorners();

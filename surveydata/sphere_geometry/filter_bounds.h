@@ -49,8 +49,8 @@ inline constexpr double kVertexMargin = 1e-6;
 /// Up to this Hz, a tenth of the margin is more than Hz is rounded, and rounded to digits, by.
 inline constexpr double kLargestHz = 1e6;
 static_assert(kVertexMargin / 10.0 > kVertexAccuracy + 16.0 * kUnitRoundoff * kLargestHz + 3e-10);
-/// The second candidate lies a quarter turn from an end at least, or what the courses of short
-/// edges are off.
+/// The second candidate is at least this far from an end: a quarter turn, less the error of the
+/// courses of short edges.
 inline constexpr double kWidestWithoutOpposite = HALF_PI - 0.01;
 
 // --- The boundary band ---
@@ -69,7 +69,7 @@ inline constexpr double kBandReach = 1e-5;
 static_assert(kBandReach >
               CONTAINS_TOLERANCE / 2.0 + kDigitsReach + 12.0 * kUnitRoundoff * kLargeEdge);
 
-/// The same in the index of bands, whose lines v = v0 + m x are rounded besides: v0, m x and the
+/// The same in the index of bands, whose lines v = v0 + m x are also rounded: v0, m x and the
 /// sum by u |m x| each, x up to `kWidestFrame`, where the strip is m times `kBandReach` high.
 inline constexpr double kStripReach = kBandReach + 1e-8;
 static_assert(kStripReach - kBandReach > 4.0 * kUnitRoundoff * kWidestFrame);
@@ -99,7 +99,7 @@ inline constexpr double kQuickArcTangentError = 2.1e-8;
 inline constexpr double kCurveError = 32.0 * kUnitRoundoff;
 static_assert(kCurveError > kQuickTrigError + 8.0 * kUnitRoundoff);
 
-/// Directions this near to a pole are left to the rules: s > kPoleMargin for all others.
+/// Directions this close to a pole are left to the rules: s > kPoleMargin for all others.
 inline constexpr double kPoleMargin = 1e-8;
 /// |t| is less than that of all directions that are answered.
 inline constexpr double kPoleTangent = 1.0 / kPoleMargin;
@@ -109,8 +109,9 @@ constexpr double InTangent(double difference, double tangent) {
   return difference * (1.0 + tangent * tangent);
 }
 
-/// The least difference in V for one in t of m (1 + t^2), for |t| up to `extreme`: between t and
-/// t + m (1 + t^2) the derivative of V is at least 1 / (1 + t^2) / (1 + m sqrt(1 + t^2))^2.
+/// The smallest difference in V for a difference in t of m (1 + t^2), for |t| up to `extreme`:
+/// between t and t + m (1 + t^2) the derivative of V is at least 1 / (1 + t^2) / (1 + m sqrt(1 +
+/// t^2))^2.
 constexpr double LeastInV(double m, double extreme) {
   return m / ((1.0 + 1.01 * m * extreme) * (1.0 + 1.01 * m * extreme));
 }
@@ -154,17 +155,17 @@ static_assert(kWidestColumn < kShortSpan);
 /// 1 / cos(kWidestColumn / 2) = 1.0824.
 inline constexpr double kColumnRise = 1.09;
 
-/// asin(x) is at most this times x, up to `kShortReach`: the sinusoid S sin(Hz - Hz0) stays below y
-/// within kZeroReach y / S of its zero, and not beyond. The hundredth that asin(0.01) leaves covers
-/// the rounding of S and the quotient; the zero is off by what the error of a and b makes, which y
-/// holds.
+/// asin(x) is at most this times x, up to `kShortReach`: the sinusoid S sin(Hz - Hz0) is below y
+/// only within kZeroReach y / S of its zero. The rest of the hundredth, which asin(0.01) does not
+/// need, covers the rounding of S and of the quotient. The zero is displaced by the error of a and
+/// b, which y includes.
 inline constexpr double kZeroReach = 1.01;
 inline constexpr double kShortReach = 0.01;
 
 // --- Ends ---
 
-/// A column lists the edges that come this near in Hz; next to the seam the rules look at all
-/// edges. A corner lies within `kRoundingMargin` of where it counts.
+/// A column lists the edges that come this close in Hz; next to the seam the rules test all edges.
+/// A corner lies within `kRoundingMargin` of where it counts.
 inline constexpr double kColumnOverlap = 1e-8;
 static_assert(kColumnOverlap > 4.0 * kRoundingMargin);
 

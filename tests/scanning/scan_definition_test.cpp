@@ -23,7 +23,7 @@ TEST(ScanDefinition, ComparesTypesAlone) {
   EXPECT_EQ(static_cast<ScanDefinitionC*>(impl.GetBase())->GetImpl(), &impl);
 }
 
-// The type is a field: assigning through the base class takes it over, whatever the objects are.
+// The type is a field: assigning through the base class copies it, whatever the classes are.
 TEST(ScanDefinition, AssignmentTakesTheType) {
   ScanDefinitionImplC seven(7);
   const ScanDefinitionImplC eight(8);

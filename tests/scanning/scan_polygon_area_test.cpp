@@ -53,7 +53,7 @@ TEST(ScanPolygonArea, NeedsThreePointsWithoutRepeats) {
   area.reset(MakePolygon({{0.0, 1.0, 1.0}, {1.0, 1.5, 1.0}, {1e-310, 1.0, 1.0}}));
   EXPECT_TRUE(area->IsAreaValid());
   EXPECT_FALSE(area->IsValid());
-  // Around the zenith a ring of the kind is refused by these rules too.
+  // A ring around the zenith needs steps above 0, too.
   area.reset(MakePolygon({{0.0, 0.3, 1.0}, {2.0, 0.3, 1.0}, {4.0, 0.3, 1.0}}));
   EXPECT_TRUE(area->IsValid());
   area->SetSteps(0.0, 1.0);
@@ -77,15 +77,15 @@ TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
   EXPECT_EQ(distances({-1, -1, -1}), (Distances{99, 99, 99}));
   EXPECT_EQ(distances({1, 2, 3}), (Distances{1, 2, 3}));
   EXPECT_EQ(distances({}), (Distances{}));
-  // Five points: the neighbour before the first is the first itself, for 2^64 - 1 is a multiple
-  // of 5.
+  // Five points: the neighbour before the first is the first itself, because 2^64 - 1 is a
+  // multiple of 5.
   EXPECT_EQ(distances({-1, -1, 10, -1, -1}), (Distances{10, 10, 10, 10, 10}));
   EXPECT_EQ(distances({-1, 4, 10, 20, 30}), (Distances{(16 + 4) / 2.0, 4, 10, 20, 30}));
   // Six points: 2^64 - 1 is 3 modulo 6.
   EXPECT_EQ(distances({-1, 4, 10, 20, 30, 40}), (Distances{(20 + 4) / 2.0, 4, 10, 20, 30, 40}));
-  // Four points: it is the last one.
+  // Four points: the neighbour before the first is the last one.
   EXPECT_EQ(distances({-1, 4, 10, 20}), (Distances{(20 + 4) / 2.0, 4, 10, 20}));
-  // Filled values do not feed their neighbours: the mean is 10.
+  // Filled values do not affect their neighbours: the mean is 10.
   EXPECT_EQ(distances({4, -1, -1, 16}), (Distances{4, 7, 13, 16}));
   // After the last comes the first.
   EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));

@@ -256,7 +256,7 @@ TEST(Scan, AnAreaOfAnUnknownKindLeavesNone) {
   const ScanDefinitionC unknown(new ScanDefinitionImplC(7));
   EXPECT_EQ(scan.SetArea(&unknown), nullptr);
   EXPECT_EQ(scan.GetArea(), nullptr);
-  // A code that does not match its class gives none, either.
+  // An area whose type code does not match its class is refused, too.
   scan.CreateArea(3);
   ScanDefinitionImplC liar(1);
   EXPECT_EQ(scan.GetImpl()->SetArea(&liar), nullptr);

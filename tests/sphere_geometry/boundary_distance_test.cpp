@@ -1,4 +1,4 @@
-// Distances from arcs, meridians and circles of latitude, beside arithmetic of 50 digits.
+// Distances from arcs, meridians and circles of latitude, compared with arithmetic of 50 digits.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -91,7 +91,7 @@ TEST(BoundaryDistance, ToPointsAndArcsIsExactTo12Digits) {
     AnglePointC b = points.Beside(a);
     AnglePointC p = points.Beside(i % 2 == 0 ? a : b);
     if (i % 3 == 0) p = {(a.Hz + b.Hz) / 2.0 + points.Off(), (a.V + b.V) / 2.0 + points.Off()};
-    if (i % 7 == 0) {  // a ring that winds often; or ends that are turns apart
+    if (i % 7 == 0) {  // a ring with many windings, or ends that are turns apart
       const double turns = points.Pick({-2000.0, -100.0, 3.0, 2000.0});
       b.Hz += turns;
       if (i % 14 == 0) a.Hz += turns;
@@ -134,7 +134,7 @@ TEST(BoundaryDistance, ToMeridiansAndParallelsIsExactTo12Digits) {
     SCOPED_TRACE(testing::Message()
                  << std::hexfloat << "direction " << p.Hz << ", " << p.V << " between " << hzLow
                  << ", " << vLow << " and " << hzHigh << ", " << vHigh);
-    // A meridian is an arc, or two where it is long.
+    // A meridian is an arc, or two arcs if it is long.
     const ExactVector exactP = ToVector(p);
     const Exact middle = (Exact(vLow) + vHigh) / 2;
     const ExactVector top = ToVector(a.Hz, vLow);

@@ -41,7 +41,7 @@ struct Tally {
   int asked = 0;
 };
 
-// What the raster decides is what the area says, at random, on and next to the corners of cells,
+// The raster decides as the area does: at random directions, on and next to the corners of cells,
 // and along the bands.
 void Compare(const std::vector<AnglePointC>& points, RingGenerator& random, int probes,
              Tally& tally) {
@@ -115,7 +115,7 @@ TEST(DecidedRaster, TheDisplacedBandIsLeftToBeAsked) {
   const SphereAreaC area = MakeArea(square);
   const PreparedSphereAreaC prepared(area, true);
   const DecidedRasterC& raster = *prepared.GetRaster();
-  const double band = TWO_PI - 1.0;  // where the frame's Hz 0 has its band
+  const double band = TWO_PI - 1.0;  // where the band of the frame's Hz 0 lies
   for (const double along : {0.01, 0.3, 0.99}) {
     EXPECT_TRUE(area.Contains(band + along, 1.0));
     EXPECT_EQ(raster.Find(band + along, 1.0), Verdict::kUndecided);

@@ -1,4 +1,4 @@
-// The exact test of orientation, beside rational arithmetic.
+// The exact test of orientation, compared with rational arithmetic.
 #include <cmath>
 #include <random>
 
@@ -51,7 +51,7 @@ TEST(SideOfLine, EqualsRationalArithmetic) {
     const PlanePoint a{onGrid(size), onGrid(size)};
     const PlanePoint b{onGrid(size), onGrid(size)};
     const double t = onGrid(1.0);
-    // Beside the line, as near as the grid allows, or exactly on it.
+    // As close to the line as the grid allows, or exactly on it.
     PlanePoint p{a.x + std::round(t * (b.x - a.x) / kPlaneGrid) * kPlaneGrid,
                  a.y + std::round(t * (b.y - a.y) / kPlaneGrid) * kPlaneGrid};
     if (random() % 4 == 0) p = {(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};

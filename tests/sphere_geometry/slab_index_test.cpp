@@ -40,7 +40,7 @@ bool IsRegular(const AnglePointC& p) {
   return p.Hz >= 0.0 && p.Hz <= TWO_PI && p.V >= 0.0 && p.V <= PI;
 }
 
-// A ring that the index is for: valid, or around the zenith, with its points in range.
+// Whether the index supports a ring: it is valid or around the zenith, with its points in range.
 bool IsIndexed(const std::vector<AnglePointC>& points) {
   AreaFrame frame;
   return points.size() > 2 && std::all_of(points.begin(), points.end(), IsRegular) &&
@@ -63,7 +63,7 @@ std::vector<AnglePointC> SomeRing(RingGenerator& random, int i) {
   return i % 20 == 10 ? HostileRing(random) : random.Ring(60, false);
 }
 
-// In cells alone, or with lists in order.
+// Only with cells, or with ordered lists as well.
 constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr double kAlways = 0.0;
 
@@ -143,8 +143,8 @@ TEST(SlabIndex, LeavesTheNeighbourhoodOfAnEdgeToTheRules) {
   EXPECT_EQ(area.Ask(0.7, v + 1e-8), Verdict::kOutside);
 }
 
-// Two edges that meet at a corner, one nearly on the other: for a stretch their crossings count as
-// one.
+// Two edges that meet at a corner at such an acute angle that their crossings count as one for some
+// distance.
 TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
   const double gap = 1e-8;  // 0.5 rad from the corner
   const Indexed area(
@@ -170,7 +170,7 @@ TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
   EXPECT_GT(merged, 50);
 }
 
-// The same of edges that lead through columns, on a list in order.
+// The same for edges that cross whole columns, and are therefore on an ordered list.
 TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 21; ++i) {
@@ -208,7 +208,7 @@ TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   EXPECT_GT(inside, 500);
 }
 
-// A comb at an angle is decided but for little, and so are the directions between its teeth.
+// Nearly all directions of a comb at an angle are decided, including those between its teeth.
 TEST(SlabIndex, DecidesACombAtAnAngle) {
   std::vector<AnglePointC> points;
   for (const Direction& d : HostileRings::DiagonalComb(4000)) points.push_back({d.hz, d.v});
@@ -235,7 +235,7 @@ TEST(SlabIndex, DecidesACombAtAnAngle) {
 TEST(SlabIndex, LeavesTheHzOfACrossingOfEdgesToTheRules) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 8; ++i) points.push_back({TWO_PI * i / 8, 1.5});
-  points.push_back({0.2, 1.2});  // back over the beginning
+  points.push_back({0.2, 1.2});  // overlaps the beginning
   points.push_back({TWO_PI - 0.3, 1.7});
   const Indexed area(points);
   ASSERT_TRUE(area.frame.enclosesZenith);

@@ -47,7 +47,7 @@ double FromRadians(double radians, AngleUnit unit) {
   if (unit == AngleUnit::kRad) return radians;
   const double angle = radians / GMAT::PI * HalfTurn(unit);
   constexpr double kGrid = 1e11;
-  constexpr double kLargest = 1e4;  // what a double holds on the grid without loss
+  constexpr double kLargest = 1e4;  // up to which a double represents the grid exactly
   return std::fabs(angle) < kLargest ? std::round(angle * kGrid) / kGrid : angle;
 }
 
@@ -60,7 +60,7 @@ std::string AngleText(double angle, AngleUnit unit) {
 }
 
 std::string StepText(double step, AngleUnit unit) {
-  constexpr double kFine = 1e-3;  // with fewer than three digits left
+  constexpr double kFine = 1e-3;  // below which fewer than three digits remain
   return std::fabs(step) < kFine ? fmt::format("{:.6g}", step + 0.0) : AngleText(step, unit);
 }
 

@@ -22,11 +22,11 @@ Command AreaPlotCommand();
 /// The positional argument AREA.
 CommandOption AreaArgument(std::string& file);
 
-/// Reports on standard error why the area is not valid, up to eight reasons. `kCannotBeAsked` when
-/// it is not.
+/// Reports on standard error why the area is not valid, up to eight reasons, and returns
+/// `kCannotBeAsked` if it is not.
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults);
 
-/// \throw ToolErrorC  when the area and the directions would both come from standard input.
+/// \throw ToolErrorC  if both the area and the directions would come from standard input.
 void RequireOneStandardInput(const std::string& area, const std::string& directions);
 
 }  // namespace Tool

@@ -59,7 +59,7 @@ struct Options {
   std::string Input() const { return csv.empty() ? "-" : csv; }
 };
 
-// Answers directions in blocks and writes each with its answer and its other columns.
+// Tests directions in blocks, and writes each with its answer and its other columns.
 class AnswerC {
  public:
   AnswerC(const AreaFile& file, Form form, Formulas formulas)
@@ -70,7 +70,7 @@ class AnswerC {
     if (form_ == Form::kCsv) out_.Print("hz,v,inside\r\n");
     BeginText();
   }
-  // For those of a table.
+  // For the directions of a table.
   void Begin(const DirectionReaderC& reader) {
     for (std::size_t i = 0; i < reader.GetColumnCount(); ++i) {
       const std::string name = reader.GetHeading().empty() ? "" : reader.GetHeading()[i];
@@ -193,13 +193,13 @@ class AnswerC {
   Formulas formulas_;
   OutputC out_;
   std::vector<Column> columns_;
-  bool hasOthers_ = false;  // columns beside Hz and V
+  bool hasOthers_ = false;  // columns other than Hz and V
   bool isFirstCell_ = true;
   std::array<Direction, kBlock> given_;
   std::array<double, kBlock> hz_;
   std::array<double, kBlock> v_;
   std::array<bool, kBlock> isInside_;
-  std::vector<std::vector<std::string>> cells_;  // of these directions, where they are written
+  std::vector<std::vector<std::string>> cells_;  // of these directions, if they are written
   std::size_t size_ = 0;
   std::uint64_t inside_ = 0;
   std::uint64_t outside_ = 0;
@@ -215,7 +215,7 @@ Form ParseForm(const std::string& text) {
 ExitCode Run(const Options& options) {
   if (options.directions.empty()) RequireOneStandardInput(options.file, options.Input());
   const AreaFile file = LoadAreaFile(options.file);
-  std::vector<Direction> directions;  // those of the command line are checked before all else
+  std::vector<Direction> directions;  // those of the command line are checked first
   for (const std::string& text : options.directions) directions.push_back(RequireDirection(text));
   const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
   if (validity != ExitCode::kDone) return validity;

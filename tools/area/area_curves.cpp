@@ -19,7 +19,7 @@ Curve ThroughPole(const AnglePointC& other, const AnglePointC& pole, bool isReve
   };
 }
 
-// The arc by its share of the angle between its ends.
+// The arc, parameterised by the fraction of the angle between its ends.
 Curve Arc(const AnglePointC& a, const AnglePointC& b) {
   const auto isPole = [](const AnglePointC& p) { return GMAT::IsPole(GMAT::HALF_PI - p.V); };
   if (isPole(b)) return ThroughPole(a, b, false);
@@ -36,7 +36,7 @@ Curve Arc(const AnglePointC& a, const AnglePointC& b) {
     const double x = f * p[0] + g * q[0];
     const double y = f * p[1] + g * q[1];
     const double z = f * p[2] + g * q[2];
-    // At a pole every Hz is right: that of the nearer end is kept.
+    // At a pole Hz is arbitrary: that of the nearer end is kept.
     const double level = std::hypot(x, y);
     const AnglePointC& near = t < 0.5 ? a : b;
     const double turn =
@@ -45,7 +45,7 @@ Curve Arc(const AnglePointC& a, const AnglePointC& b) {
   };
 }
 
-// The curve as the page shows it, to a quarter of a pixel.
+// Approximates the curve on the page to a quarter of a pixel.
 void Sample(const Curve& curve, const PageMap& map, double t0, SvgPoint p0, double t1, SvgPoint p1,
             int depth, int least, std::vector<SvgPoint>& points) {
   constexpr int kMost = 14;

@@ -19,7 +19,7 @@ namespace Tool {
 
 /// Directions from t = 0 to t = 1, Hz in one continuous frame.
 using Curve = std::function<GMAT::AnglePointC(double)>;
-/// Where a direction is drawn.
+/// The position at which a direction is drawn.
 using PageMap = std::function<SvgPoint(const GMAT::AnglePointC&)>;
 
 struct EdgeCurve {
@@ -34,14 +34,14 @@ bool IsDrawable(const GMAT::AnglePointC& p);
 /// A straight line in the plane of Hz and V.
 Curve Straight(const GMAT::AnglePointC& a, const GMAT::AnglePointC& b);
 
-/// The edges of the area; none where they cannot be drawn.
+/// The edges of the area; none if they cannot be drawn.
 std::vector<EdgeCurve> MakeEdges(const AreaFile& file, const std::vector<AreaFault>& faults);
 
 /// The numbers of the points, or of the edges, that break a rule.
 std::set<std::size_t> Faulty(const std::vector<AreaFault>& faults,
                              std::vector<std::size_t> AreaFault::*numbers);
 
-/// The curve as the page shows it, to a quarter of a pixel. It is halved `least` times in any case.
+/// Approximates the curve on the page to a quarter of a pixel, with at least `least` halvings.
 std::vector<SvgPoint> Sampled(const Curve& curve, const PageMap& map, int least = 3);
 
 /// `points` without those that lie on the line between their neighbours.

@@ -20,7 +20,7 @@ constexpr std::size_t kMostInsideRuns = 8'000;
 constexpr std::size_t kMostRasterRuns = 10'000;
 constexpr double kSlowCell = 4;  // pixels
 
-// Whether each answer may need all edges: of a ring around the zenith that crosses itself.
+// Whether each answer may need all edges, as for a ring around the zenith that crosses itself.
 bool IsSlow(const AreaPicture& picture) {
   constexpr std::size_t kManyEdges = 200;
   return !picture.faults.empty() && picture.file.Sphere().GetPoints().size() > kManyEdges;

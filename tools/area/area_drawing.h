@@ -19,7 +19,7 @@
 #include <output/svg.h>
 
 /// \file
-/// What the panels of an area's picture share: colours, and the marks of edges, corners and probes.
+/// Shared by the panels of an area's picture: colours, and the marks of edges, corners and probes.
 
 namespace Tool {
 
@@ -29,8 +29,8 @@ inline constexpr double kPageWidth = 1100;
 inline constexpr double kPageHeight = 550;
 /// @}
 
-/// Of more corners than this, only those that break a rule are marked, and no more than this. With
-/// so many, edges are too short to be halved, and are drawn in one line.
+/// If there are more corners than this, only those that break a rule are marked, up to this number.
+/// The edges are then too short to be halved, and are drawn as one joined line.
 inline constexpr std::size_t kManyCorners = 2000;
 
 /// Colours that can be distinguished with any colour vision; their shades differ as well.
@@ -49,7 +49,7 @@ inline constexpr SvgStroke kBounds{"#333333", 1.1, "6 4"};
 inline constexpr SvgStroke kLowest{"#d55e00", 1.2, "9 3 2 3"};
 /// @}
 
-/// How often the curves of the edges are halved at least: not at all where there are many.
+/// The minimal number of halvings of the curves of the edges: 0 if there are many edges.
 int LeastHalvings(const std::vector<EdgeCurve>& edges);
 
 const SvgStroke& EdgeStroke(const EdgeCurve& edge);
@@ -62,26 +62,26 @@ void DrawProbe(SvgC& svg, SvgPoint at, bool isInside);
 /// False for a ring of many corners that is not valid: each answer would need all edges.
 bool IsInsideDrawn(const AreaPicture& picture);
 
-/// What the library calls inside, for both panels of a picture: the area is prepared once.
+/// Draws the inside, as the library defines it, in both panels: the area is prepared once.
 class InsideDrawingC {
  public:
   explicit InsideDrawingC(const AreaPicture& picture);
 
-  /// As strips of exact runs; empty where that is too much for the picture or, of a large ring that
-  /// is not valid, takes too long: then draw a raster.
+  /// The inside as strips of exact runs. Empty if that is too much for the picture, or takes too
+  /// long for a large ring that is not valid: draw a raster instead.
   std::optional<std::vector<InsideStrip>> FindStrips(const AngleWindow& window) const;
 
-  /// The same as a raster of a rectangle of the page.
+  /// Draws the inside as a raster in a rectangle of the page.
   void DrawRaster(SvgC& svg, SvgPoint corner, double width, double height,
                   const std::function<GMAT::AnglePointC(SvgPoint)>& directionAt) const;
 
  private:
   const AreaPicture& picture_;
-  std::optional<SDI::PreparedAreaC> prepared_;  // where the inside is drawn
+  std::optional<SDI::PreparedAreaC> prepared_;  // if the inside is drawn
 };
 
 /// Dots at the corners, with their angles as titles, and their numbers on the outer side of the
-/// turn that the ring makes there. `show` gives a corner in the frame of `map`.
+/// turn that the ring makes there. `show` converts a corner to the frame of `map`.
 void DrawCorners(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
                  const std::function<GMAT::AnglePointC(const GMAT::AnglePointC&)>& show,
                  const PageMap& map, const std::function<bool(SvgPoint)>& isShown);

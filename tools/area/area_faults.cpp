@@ -33,7 +33,7 @@ std::string_view NameOf(Rule rule) {
   return "crossingEdges";
 }
 
-// Those of the two that there are, counted from 1.
+// The indices that are present, counted from 1.
 std::vector<std::size_t> Numbers(const std::array<std::size_t, 2>& indices) {
   std::vector<std::size_t> numbers;
   for (const std::size_t index : indices) {

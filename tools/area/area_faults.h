@@ -19,7 +19,7 @@ struct AreaFault {
   std::string text;  ///< For people, with angles in the unit of the file.
 };
 
-/// What `SDI::FindAreaFaults` finds, with texts.
+/// The faults that `SDI::FindAreaFaults` finds, with texts.
 std::vector<AreaFault> FindAreaFaults(const AreaFile& file);
 
 }  // namespace Tool

@@ -63,7 +63,7 @@ std::string ListOf(const Range& range, const Key& key) {
   return list;
 }
 
-// What is wrong with the file, without its name.
+// A fault of the file, without the name of the file.
 struct FileFault {
   std::string text;
 };
@@ -80,7 +80,7 @@ struct PointInUnit {
   double distance = -1;
 };
 
-// What the file holds, in its own unit.
+// The content of the file, in its own unit.
 struct AreaText {
   std::vector<std::pair<std::string_view, std::string>> texts;
   std::vector<std::pair<std::string_view, double>> numbers;
@@ -97,9 +97,9 @@ struct AreaText {
   }
 };
 
-// Takes the file as the parser reads it: without a tree of values the time is linear and a point
-// takes 24 bytes. Everything that does not belong into an area file is refused, so that a misspelt
-// member is not taken for one that was left out.
+// Handles the file while it is parsed: without a tree of values the time is linear, and a point
+// takes 24 bytes. Unknown members are refused, because a misspelt member would otherwise look like
+// a missing one.
 class AreaHandlerC : public json::json_sax_t {
  public:
   explicit AreaHandlerC(AreaText& text) : text_(text) {}

@@ -29,8 +29,8 @@ struct AreaFile {
 };
 
 /// Reads an area file, whose format docs/area_files.md describes; "-" is standard input.
-/// \throw ToolErrorC  with the place and the reason, when it is not an area file.
-/// \throw FileErrorC  when it cannot be read.
+/// \throw ToolErrorC  with the position and the reason if it is not an area file.
+/// \throw FileErrorC  if it cannot be read.
 /// \cost linear in the size of the file.
 AreaFile LoadAreaFile(const std::string& path);
 

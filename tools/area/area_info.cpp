@@ -19,7 +19,7 @@
 namespace Tool {
 namespace {
 
-// Larger counts are given as this.
+// Larger counts are reported as this one.
 constexpr double kMostDirections = 1e18;
 
 constexpr const char* kDescription =
@@ -32,8 +32,8 @@ struct Options {
   bool isJson = false;
 };
 
-// What is known of an area. The bounds need points that make an area; the directions also need
-// steps.
+// The report on an area. It has bounds if the points make an area, and the number of directions if
+// the steps are valid, too.
 struct AreaReport {
   AreaFile file;
   std::vector<AreaFault> faults;

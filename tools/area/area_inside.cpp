@@ -12,7 +12,7 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t kColumns = 720;
-// In a polygon of so many points a row may have a border in every column.
+// In a polygon of this many points, a row may have a border in every column.
 constexpr std::uint16_t kManyPoints = 10'000;
 
 // The runs of all rows, from left to right.
@@ -100,7 +100,7 @@ std::optional<std::vector<InsideStrip>> FindInside(const SDI::ScanAreaC& area,
   if (scan.CountRuns() > mostRuns) return {};
   const double height = (window.vMax - window.vMin) / rows;
   std::vector<InsideStrip> done;
-  std::vector<InsideStrip> open;  // those that reach to the border above the row
+  std::vector<InsideStrip> open;  // the strips that extend to the border above the row
   const auto close = [&](InsideStrip& strip, double border) {
     strip.push_back({border, strip.back().from, strip.back().to});
     done.push_back(std::move(strip));
@@ -110,7 +110,7 @@ std::optional<std::vector<InsideStrip>> FindInside(const SDI::ScanAreaC& area,
     const std::vector<InsideRun> runs = scan.Find(static_cast<std::size_t>(row));
     std::vector<InsideStrip> next;
     for (const InsideRun& run : runs) {
-      // A run continues a strip if each of them touches nothing but the other.
+      // A run continues a strip if it touches no other strip, and the strip no other run.
       const auto touches = [&](const InsideStrip& strip) {
         return !strip.empty() && Overlap(strip.back(), run);
       };

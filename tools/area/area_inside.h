@@ -18,25 +18,25 @@ struct AngleWindow {
   double vMax;
 };
 
-/// What is inside at one V: from one Hz to another.
+/// A range of Hz that is inside at one V.
 struct InsideRun {
   double v;
   double from;
   double to;
 };
 
-/// Connected runs, one below the other: a simple piece of the inside.
+/// Connected runs in successive rows: a simple piece of the inside.
 using InsideStrip = std::vector<InsideRun>;
 
-/// The inside of an area in a window as the library answers for it, in strips of `rows` equally
-/// distant V from top to bottom. Each strip ends above and below at a border between rows. What is
-/// narrower than a 720th of the window's width can be missed; the ends of a run are found to a
-/// millionth of that, those of a polygon of more than 10,000 points to a thousandth.
+/// The inside of an area in a window, as `Contains` defines it, in strips of `rows` equally spaced
+/// V from top to bottom. Each strip ends above and below at a border between rows. Parts narrower
+/// than a 720th of the window's width can be missed. The ends of a run are found to a millionth of
+/// that, and for a polygon of more than 10,000 points to a thousandth.
 std::vector<InsideStrip> FindInside(const SDI::ScanAreaC& area, const AngleWindow& window,
                                     int rows);
 
-/// The same by the area that was prepared from `area`, but empty where there are more than
-/// `mostRuns` runs.
+/// The same with the area that was prepared from `area`. Empty if there are more than `mostRuns`
+/// runs.
 std::optional<std::vector<InsideStrip>> FindInside(const SDI::ScanAreaC& area,
                                                    const SDI::PreparedAreaC& prepared,
                                                    const AngleWindow& window, int rows,

@@ -7,7 +7,7 @@
 #include <output/svg.h>
 
 /// \file
-/// Where the panels of an area's picture lie on the page, and where a direction lies in them.
+/// The positions of the panels of an area's picture on the page, and of directions in the panels.
 
 namespace Tool {
 
@@ -25,16 +25,16 @@ inline constexpr SvgPoint kPole{904, 262};
 inline constexpr double kPolarRadius = 150;
 /// @}
 
-/// Directions in the plane, of which a window is shown.
+/// Maps directions in the plane to the page, which shows a window of it.
 class PlaneMapC {
  public:
   explicit PlaneMapC(const AngleWindow& window) : window_(window) {}
 
   const AngleWindow& GetWindow() const { return window_; }
   SvgPoint At(const GMAT::AnglePointC& p) const;
-  /// The direction at a place of the page.
+  /// The direction at a position on the page.
   GMAT::AnglePointC DirectionAt(SvgPoint p) const;
-  /// The same direction, by full turns, where the window shows it if it does.
+  /// The same direction, moved by full turns into the window if possible.
   GMAT::AnglePointC Turned(const GMAT::AnglePointC& p) const;
   static bool IsShown(SvgPoint p);
 
@@ -42,9 +42,9 @@ class PlaneMapC {
   AngleWindow window_;
 };
 
-/// A direction as seen from the zenith: the distance from the pole is V, Hz goes clockwise.
+/// A direction as seen from the zenith: the distance from the pole is V, Hz increases clockwise.
 SvgPoint PolarAt(const GMAT::AnglePointC& p);
-/// The direction at a place of that view; V is above pi outside it.
+/// The direction at a position in that view; V is above pi outside it.
 GMAT::AnglePointC PolarDirectionAt(SvgPoint p);
 
 }  // namespace Tool

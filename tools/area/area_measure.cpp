@@ -34,8 +34,8 @@ class ProbeRowC {
   std::unique_ptr<bool[]> inside_;
 };
 
-// Half of the boundary band lies outside, all along the edges but the one that closes the ring, and
-// all of it where it is not where the boundary is.
+// Half of the boundary band is outside, along all edges except the one that closes the ring; all of
+// it is, where the band is displaced from the boundary.
 double BandArea(const GMAT::SphereAreaC& sphere) {
   std::vector<GMAT::AnglePointC> edges;
   double hzOrigin = 0;
@@ -47,15 +47,15 @@ double BandArea(const GMAT::SphereAreaC& sphere) {
   return length * GMAT::CONTAINS_TOLERANCE;
 }
 
-// The places of a grid from 0 to `length`; those of a full turn do not count its end again.
+// The number of positions of a grid from 0 to `length`; for a full turn without its end.
 double CountSteps(double length, double step, bool isTurn) {
-  constexpr double kSlack = 1e-9;  // of a step: what rounding may take from the last one
+  constexpr double kSlack = 1e-9;  // of a step: the rounding of the last one
   return isTurn ? std::max(1.0, std::ceil(length / step - kSlack))
                 : std::floor(length / step + kSlack) + 1;
 }
 
-// What a polygon demands of its points beyond what their ring on the sphere demands: two points
-// alone would make a rectangle there.
+// A polygon must have more than two points: in the sphere geometry, two points would make a
+// rectangle.
 bool AreNoPolygon(const SDI::ScanAreaC& area) {
   if (area.GetType() != SDI::kPolygonArea) return false;
   std::vector<SDI::ScanDefPointC> points;
@@ -87,7 +87,7 @@ SolidAngle MeasureSolidAngle(const AreaFile& file, const AreaBounds& bounds) {
   const double band = BandArea(file.Sphere());
   const std::vector<GMAT::AnglePointC>& corners = file.Sphere().GetPoints();
   if (corners.size() == 2) {
-    // The corners, for the bounds end at the lowest usable direction and the inside does not.
+    // From the corners: the bounds end at the lowest usable direction, but the inside does not.
     const double height = std::fabs(std::cos(corners[0].V) - std::cos(corners[1].V));
     return {(bounds.hzMax - bounds.hzMin) * height, kRounding, band};
   }
@@ -102,7 +102,7 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   const double columns =
       CountSteps(width, file.area->GetHzStep(), bounds.enclosesZenith || width >= GMAT::TWO_PI);
   const double rows = CountSteps(bounds.vMax - vMin, file.area->GetVStep(), false);
-  constexpr double kMostWhole = 9e15;  // the numbers below are whole in a double
+  constexpr double kMostWhole = 9e15;  // up to which a double represents whole numbers
   if (file.area->GetType() != SDI::kPolygonArea) {
     return {columns * rows, columns * rows < kMostWhole};
   }
@@ -116,7 +116,7 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   const double mostColumns = hasManyPoints ? 1024 : 4096;
   const double mostProbes = hasManyPoints ? 1e6 : 2e7;
   const bool isExact = columns * rows <= mostProbes && columns <= mostProbes / 16;
-  // A sparser grid is counted instead of the whole one, each of its directions for several.
+  // A coarser grid is counted instead: each of its directions stands for several.
   const double shownColumns = isExact ? columns : std::min(columns, mostColumns);
   const double shownRows = isExact ? rows : std::min(rows, mostColumns);
   const SDI::PreparedAreaC area(*file.area, SDI::PreparedAreaC::Questions::kMany);

@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-/// The bounds of an area as the library gives them, rad; Hz of the far end is not normalised.
+/// The bounds of an area as the library returns them, in rad; the larger Hz is not normalised.
 struct AreaBounds {
   double hzMin;
   double hzMax;
@@ -16,7 +16,7 @@ struct AreaBounds {
   bool enclosesZenith;
 };
 
-/// Nothing when the points make no area of their kind, whatever the steps are.
+/// Empty if the points do not make an area of their kind. The steps do not matter.
 std::optional<AreaBounds> MeasureBounds(const AreaFile& file);
 
 struct SolidAngle {
@@ -25,9 +25,8 @@ struct SolidAngle {
   double band;      ///< What the boundary band can add at most.
 };
 
-/// The solid angle of the directions that the library calls inside, but for the boundary band: by
-/// formula, for polygons from their arcs.
-/// \cost for a polygon that of `IntegratePolygon`.
+/// The solid angle of the directions inside, as the library defines it, without the boundary band:
+/// by formula, for polygons from their arcs. \cost for a polygon that of `IntegratePolygon`.
 SolidAngle MeasureSolidAngle(const AreaFile& file, const AreaBounds& bounds);
 
 struct DirectionCount {
@@ -35,10 +34,10 @@ struct DirectionCount {
   bool isExact;
 };
 
-/// The directions of a scan with the steps of the area, which must be above 0: a grid that begins
-/// at the lower bounds (around the zenith: at V 0), as far as it lies inside. Counted one by one up
-/// to 20 million in a polygon, 1 million in one of more than 10,000 points; estimated beyond from a
-/// sparser grid.
+/// The directions of a scan with the steps of the area, which must be above 0: the part that
+/// is inside of a grid that begins at the lower bounds (at V 0 around the zenith). Counted up to 20
+/// million in a polygon, or 1 million in one of more than 10,000 points; larger numbers are
+/// estimated from a coarser grid.
 DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds);
 
 }  // namespace Tool

@@ -21,7 +21,7 @@ constexpr double kLegendTop = 500;
 constexpr double kLegendLine = 18;
 constexpr double kNotesTop = 540;
 
-// Below the panels: what is in the picture, and nothing else.
+// Below the panels; contains only what is in the picture.
 class LegendC {
  public:
   LegendC(SvgC& svg, LabelPlacerC& labels) : svg_(svg), labels_(labels) {}
@@ -46,7 +46,7 @@ class LegendC {
   static constexpr double kSample = 26;
   static constexpr double kGap = 7;
 
-  // Goes to the next line where there is no room.
+  // Starts a new line if there is no room.
   void Begin(std::string_view text) {
     if (x_ + kSample + kGap + TextWidth(text, {}) <= kPageWidth) return;
     x_ = kPlaneLeft;

@@ -23,10 +23,10 @@ struct AreaPicture {
 /// The whole sphere.
 inline constexpr AngleWindow kWholeSphere{0, GMAT::TWO_PI, 0, GMAT::PI};
 
-/// The area as an SVG document: in the (Hz, V) plane, and as seen from the zenith. What the library
-/// calls inside is filled; the edges are drawn as the arcs that they are. The document has at most
-/// 2 MB, whatever the picture holds: what the page cannot show is drawn to its resolution, and the
-/// picture says so.
+/// The area as an SVG document: in the (Hz, V) plane, and as seen from the zenith. The inside,
+/// as the library defines it, is filled; the edges are drawn as arcs. The document has at most 2 MB
+/// for any area: details that the page cannot resolve are drawn at its resolution, and the picture
+/// says so.
 std::string DrawArea(const AreaPicture& picture);
 
 }  // namespace Tool

@@ -22,7 +22,7 @@ using GMAT::AnglePointC;
 std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wanted) {
   const double range = last - first;
   double step = RoundStep(range / (wanted - 1));
-  // Whole parts of a turn where much of it is shown.
+  // Round fractions of a turn if a large part of it is shown.
   if (unit == AngleUnit::kDeg) {
     for (const double part : {15.0, 30.0, 45.0, 90.0}) {
       if (range > 90 && range / part <= wanted) {
@@ -111,12 +111,12 @@ class PlanePanelC {
   }
   std::string Label(double tick) const { return fmt::format("{:.6g}", tick + 0.0); }
 
-  // Calls `draw` with the points of a curve for each turn at which a part of it can be seen.
+  // Calls `draw` with the points of a curve for each turn at which part of it is visible.
   template <class Draw>
   void ForEachTurn(const Curve& curve, int least, const Draw& draw) const {
     const double a = curve(0).Hz;
     const double b = curve(1).Hz;
-    const double reach = GMAT::PI;  // what an arc may go beyond its ends, over a pole
+    const double reach = GMAT::PI;  // how far an arc may extend beyond its ends, over a pole
     const double first = std::ceil((window_.hzMin - std::max(a, b) - reach) / GMAT::TWO_PI);
     for (int i = 0;; ++i) {
       const double turn = (first + i) * GMAT::TWO_PI;

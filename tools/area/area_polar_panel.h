@@ -13,8 +13,8 @@
 
 namespace Tool {
 
-/// The area as seen from the zenith: the distance from the middle is V, north (Hz 0) is up, Hz goes
-/// clockwise.
+/// The area as seen from the zenith: the distance from the centre is V, north (Hz 0) is up, Hz
+/// increases clockwise.
 void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
                     const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
                     const std::optional<AreaBounds>& bounds);

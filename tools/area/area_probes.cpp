@@ -47,7 +47,7 @@ void AreaProbesC::DrawInPolar(SvgC& svg) const {
   }
 }
 
-// Where a cell has both, the one outside is seen.
+// If a cell has both marks, the one for outside is visible.
 void AreaProbesC::Draw(SvgC& svg, const Rasters& rasters) {
   rasters.inside.Draw(svg, kInsideProbe, kMostRuns);
   rasters.outside.Draw(svg, kOutsideProbe, kMostRuns);

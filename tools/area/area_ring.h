@@ -10,11 +10,11 @@
 
 namespace Tool {
 
-/// Draws the edges of an area in one panel, whatever their number: a few one by one; more as joined
-/// lines without the points that the page cannot show; what is still too much as a raster.
+/// Draws any number of edges of an area in one panel: a few edges as separate lines, more as joined
+/// lines without the points that the page cannot resolve, and even more as a raster.
 class RingDrawingC {
  public:
-  /// `corner`, `width`, `height`: the panel. `edges`: how many there are.
+  /// `corner`, `width` and `height` define the panel; `edges` is the number of edges.
   RingDrawingC(SvgPoint corner, double width, double height, std::size_t edges);
 
   /// The line of an edge, in the order of the edges.

@@ -33,7 +33,7 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
-// Takes a finite number from the front. A plus sign may precede it, but not another sign.
+// Consumes a finite number at the start. A plus sign may precede it, but not another sign.
 std::optional<double> TakeNumber(std::string_view& text) {
   double number = 0;
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
@@ -43,7 +43,7 @@ std::optional<double> TakeNumber(std::string_view& text) {
   return number;
 }
 
-// Takes blanks with at most one comma or semicolon among them from the front; false without any.
+// Consumes blanks with at most one comma or semicolon at the start; false if there are none.
 bool TakeSeparator(std::string_view& text) {
   const std::size_t before = text.size();
   const auto takeBlanks = [&text] {
@@ -60,7 +60,7 @@ bool TakeSeparator(std::string_view& text) {
 // A column of a heading: "Hz [gon]" has the name Hz and the unit gon.
 struct ColumnName {
   std::string name;                 // in lower case
-  std::optional<std::string> unit;  // what the brackets hold
+  std::optional<std::string> unit;  // the content of the brackets
 };
 
 ColumnName ParseColumnName(std::string_view text) {
@@ -191,7 +191,7 @@ bool DirectionReaderC::ReadLine(std::string& line) {
   return !line.empty();
 }
 
-// The first line with something in it gives the layout.
+// The first line that is not empty determines the layout.
 void DirectionReaderC::TakeFirstLine(std::string_view text) {
   separator_ = format_.separator ? *format_.separator : FindSeparator(text);
   Split(text);
@@ -223,7 +223,7 @@ void DirectionReaderC::TakeFirstLine(std::string_view text) {
         isHeld_ = true;
         return;
       }
-      // A heading has no numbers there, and no cell that only looks like one.
+      // A heading has neither numbers in these columns nor cells that look like numbers.
       for (const std::size_t column : {hzColumn_, vColumn_}) {
         const std::string& cell = cells_[column];
         const bool isName = !cell.empty() && cell.find_first_of("0123456789") != 0 &&
@@ -258,7 +258,8 @@ void DirectionReaderC::TakeFirstLine(std::string_view text) {
   RequireUnit(heading_[vColumn_]);
 }
 
-// Between blanks, a unit in brackets is a cell of its own: it belongs to the name before it.
+// If blanks separate cells, a unit in brackets is a separate cell, which belongs to the name
+// before.
 void DirectionReaderC::JoinUnits() {
   std::vector<std::string> joined;
   for (const std::string& cell : cells_) {
@@ -273,7 +274,7 @@ void DirectionReaderC::JoinUnits() {
   cells_ = std::move(joined);
 }
 
-// The directions are in the unit of the format, whatever a heading says: another one is refused.
+// The directions are in the unit of the format: a heading with another unit is refused.
 void DirectionReaderC::RequireUnit(const std::string& name) const {
   const auto given = ParseColumnName(name).unit;
   if (!given) return;
@@ -290,7 +291,7 @@ void DirectionReaderC::RequireUnit(const std::string& name) const {
   }
 }
 
-// The only separator in the line, outside quotes; blanks when there is none.
+// The only separator in the line, outside quotes; blanks if there is none.
 char DirectionReaderC::FindSeparator(std::string_view text) const {
   std::string found;
   bool isQuoted = false;
@@ -331,8 +332,8 @@ std::optional<double> DirectionReaderC::NumberAt(std::size_t column) const {
   return cell.empty() ? number : std::nullopt;
 }
 
-// Whether a line before the first one that counts may be a comment: not where the first column is
-// known to be neither Hz nor V, but a name that can begin with '#'.
+// Whether a line before the layout is known may be a comment. It may not if the first column is
+// known to be neither Hz nor V, because it can then be a name that begins with '#'.
 bool DirectionReaderC::MayBeginWithComment() const {
   if (!format_.columns) return true;
   return std::any_of(format_.columns->begin(), format_.columns->end(),
@@ -364,7 +365,7 @@ bool DirectionReaderC::NextCells() {
   return false;
 }
 
-// Cells as RFC 4180 has them, with blanks around them left out.
+// Splits into cells by RFC 4180, without the blanks around them.
 void DirectionReaderC::Split(std::string_view text) {
   const auto isEnd = [this](char c) {
     return c == separator_ || (separator_ == kAnyBlanks && c == '\t');

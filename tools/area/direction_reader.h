@@ -21,24 +21,25 @@ struct Direction {
   double v;
 };
 
-/// "HZ,V": two numbers with a comma, a semicolon or blanks between them, and nothing after them.
+/// Parses "HZ,V": two numbers separated by a comma, a semicolon or blanks, and nothing after them.
 std::optional<Direction> ParseDirection(std::string_view text);
 
-/// A direction of the command line. \throw ToolErrorC  when it is not one.
+/// Parses a direction of the command line. \throw ToolErrorC  if it is not one.
 Direction RequireDirection(const std::string& text);
 
-/// The layout of a file of directions, as far as the user gave it.
+/// The layout of a file of directions, as far as the user specified it.
 struct DirectionFormat {
   /// The columns of Hz and V: names, or numbers from 1 on. By default hz and v, or the only two.
   std::optional<std::array<std::string, 2>> columns = {};
   /// ',', ';', a tab, or a space for any run of blanks. By default that of the first line.
   std::optional<char> separator = {};
   bool hasNoHeading = false;
-  /// The unit of the directions. A heading may name it, as in "Hz [gon]", but no other one.
+  /// The unit of the directions. A heading may name this unit, as in "Hz [gon]", but no other one.
   std::optional<AngleUnit> unit = {};
 };
 
-/// --columns, --separator and --no-header, without what they need or exclude.
+/// The options --columns, --separator and --no-header. The options that they require or exclude are
+/// not set.
 std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
 
 /// Reads a table of directions, a line at a time, in a fixed amount of memory.
@@ -47,25 +48,25 @@ std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
 /// there are two columns, Hz and V, unless the format names others. All lines have as many cells as
 /// the first one. Cells may be quoted as in RFC 4180. A heading may name the unit of Hz and V in
 /// brackets. Empty lines are skipped, and so are lines that begin with '#', if
-/// the first column is Hz or V. What is not clear is an error: nothing is guessed.
+/// the first column is Hz or V. Ambiguous input is an error: nothing is guessed.
 class DirectionReaderC {
  public:
   /// Reads up to the first direction; "-" is standard input.
-  /// \throw ToolErrorC  as `Next`, or `kUsage` when the format contradicts itself.
+  /// \throw ToolErrorC  as `Next`, or `kUsage` if the format contradicts itself.
   DirectionReaderC(const std::string& path, const DirectionFormat& format = {});
 
   /// False at the end.
   /// \throw ToolErrorC  with the line that is not a direction.
-  /// \throw FileErrorC  when the file cannot be read.
+  /// \throw FileErrorC  if the file cannot be read.
   bool Next(Direction& direction);
 
   /// For messages, as `InputFileC::GetName`.
   const std::string& GetName() const { return input_.GetName(); }
-  /// The names of the columns as the heading has them; empty without a heading.
+  /// The names of the columns as in the heading; empty without a heading.
   const std::vector<std::string>& GetHeading() const { return heading_; }
-  /// The cells of the direction that `Next` gave last, without quotes and blanks around them.
+  /// The cells of the direction that `Next` returned last, without surrounding quotes and blanks.
   const std::vector<std::string>& GetCells() const { return cells_; }
-  /// Those of the other columns; 0 when there is no direction at all.
+  /// The number of columns; 0 if there is no direction.
   std::size_t GetColumnCount() const { return columnCount_; }
   bool IsCoordinate(std::size_t column) const { return column == hzColumn_ || column == vColumn_; }
 
@@ -96,7 +97,7 @@ class DirectionReaderC {
   std::size_t columnCount_ = 0;
   std::size_t hzColumn_ = 0;
   std::size_t vColumn_ = 1;
-  bool isHeld_ = false;  // the first direction has been read, but not given
+  bool isHeld_ = false;  // the first direction has been read, but not returned
 };
 
 }  // namespace Tool

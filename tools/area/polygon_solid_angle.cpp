@@ -18,8 +18,8 @@ namespace {
 using GMAT::AnglePointC;
 using GMAT::TWO_PI;
 
-// What happens within this of each other, rad, happens at one Hz: the corners of neighbouring edges
-// differ by rounding. A shorter arc is left out, so that none begins and ends at one Hz.
+// Events closer to each other than this, in rad, have the same Hz: the corners of adjacent edges
+// differ by rounding. Shorter arcs are left out, so that no arc begins and ends at the same Hz.
 constexpr double kSameHz = 1e-12;
 constexpr double kShortest = 2e-12;
 
@@ -31,7 +31,7 @@ struct Arc {
   double high;
 
   double At(double hz) const { return a * std::cos(hz) + b * std::sin(hz); }
-  // The integral of cos(V) from one Hz to another is the difference of this.
+  // The antiderivative of cos(V) over Hz.
   double Integral(double hz) const {
     const double climb = b * std::cos(hz) - a * std::sin(hz);
     return std::atan2(-climb, std::hypot(1.0, At(hz)));
@@ -48,7 +48,7 @@ double TangentOf(double v) {
   return v >= GMAT::PI ? -std::numeric_limits<double>::infinity() : std::cos(v) / std::sin(v);
 }
 
-// What holds for all meridians alike, and the arcs that they cross.
+// The values common to all meridians, and the arcs that they cross.
 struct Crossings {
   bool enclosesZenith = false;
   bool hasSearchLine = false;
@@ -88,9 +88,10 @@ class CollectorC {
       found_.hasNorthPole = found_.hasNorthPole || (edge.GetPole() > 0 && reachesZenith);
       found_.hasSouthPole = found_.hasSouthPole || (edge.GetPole() < 0 && reachesNadir);
       const GMAT::cVec3& normal = edge.GetNormal();
-      const bool isCurve = !edge.IsThroughPoles() && std::fabs(normal.Z()) > 0.0;  // and no NaN
+      const bool isCurve = !edge.IsThroughPoles() && std::fabs(normal.Z()) > 0.0;  // false for NaN
       if (!isCurve) continue;
-      // Of points out of range an edge may be longer than a turn: every meridian crosses it once.
+      // If points are out of range, an edge may be longer than a turn: every meridian crosses it
+      // once.
       const double span = std::min(edge.GetHzMax() - edge.GetHzMin(), TWO_PI);
       const double middle = edge.GetHzMin() + (edge.GetHzMax() - edge.GetHzMin()) / 2.0;
       const double low = GMAT::NormalizeAngle(span < TWO_PI ? edge.GetHzMin() : middle - GMAT::PI);
@@ -102,7 +103,7 @@ class CollectorC {
     }
   }
 
-  // The parts of an arc between its passages of the ends of the search line.
+  // Adds the parts of an arc between its crossings with the ends of the search line.
   void AddReached(const Arc& arc) {
     std::vector<double> cuts = {arc.low, arc.high};
     const double swing = std::hypot(arc.a, arc.b);
@@ -129,8 +130,8 @@ class CollectorC {
   double lowest_ = 0.0;
 };
 
-// A meridian that moves once around, with the arcs that it crosses in their order from the nadir to
-// the zenith. They change where an arc begins or ends, where two neighbours cross, and where two
+// A meridian that sweeps once around, with the arcs that it crosses in order from the nadir to the
+// zenith. The order changes where an arc begins or ends, where two neighbours cross, and where two
 // begin or cease to count as one.
 class MeridianSweepC {
  public:
@@ -177,12 +178,12 @@ class MeridianSweepC {
 
  private:
   static constexpr double kRounding = 4e-15;  // of one piece: a few units in the last place
-  static constexpr double kTouching = 1e-12;  // of arcs that meet in a corner: their rounding
+  static constexpr double kTouching = 1e-12;  // the rounding of arcs that meet at a corner
   static constexpr double kAsOne = 1e-10;     // crossings that agree to 10 digits count as one
-  static constexpr double kNotable = 1e-6;    // a shorter way as one is left out
+  static constexpr double kNotable = 1e-6;    // shorter stretches as one are ignored
 
   struct Place {
-    mutable std::size_t arc;  // two that change places leave the places in order
+    mutable std::size_t arc;  // when two arcs change places, the order stays the same
   };
   struct IsBelow {
     const MeridianSweepC* sweep;
@@ -194,8 +195,8 @@ class MeridianSweepC {
 
   struct State {
     Order::iterator place;
-    double from = 0.0;  // since when it has its sign
-    int sign = 0;       // how often what lies above the arc counts
+    double from = 0.0;  // the Hz from which on it has its sign
+    int sign = 0;       // how often the part above the arc counts
     bool isCrossed = false;
     bool isChanged = false;
     bool isOne = false;  // with the arc below
@@ -208,7 +209,9 @@ class MeridianSweepC {
     std::size_t below;
     std::size_t above;
     bool isCrossing;
-    friend bool operator<(const Event& p, const Event& q) { return p.hz > q.hz; }  // first on top
+    friend bool operator<(const Event& p, const Event& q) {
+      return p.hz > q.hz;
+    }  // the first event on top
   };
 
   std::vector<std::size_t> Sorted(double Arc::*key) const {
@@ -226,7 +229,7 @@ class MeridianSweepC {
   }
   double TangentHere(const Arc& arc) const { return arc.a * cosine_ + arc.b * sine_; }
 
-  // If they meet here, the order at the end of their common stretch decides.
+  // If they meet here, the order at the end of their common range decides.
   bool IsArcBelow(const Arc& p, const Arc& q) const {
     const double s = TangentHere(p);
     const double t = TangentHere(q);
@@ -264,13 +267,13 @@ class MeridianSweepC {
     PushAbove(states_[below].place);
   }
 
-  // Counts the arcs again that have another neighbour below, and those above whose count changes.
+  // Recounts the arcs with a new neighbour below, and those above whose count changes.
   void CountChanged() {
     std::erase_if(changed_, [this](std::size_t arc) {
       return !states_[arc].isCrossed || std::exchange(states_[arc].isChanged, true);
     });
     for (const std::size_t arc : changed_) states_[arc].isOne = MeetBelow(states_[arc].place);
-    // From below, so that what is counted again above is not counted yet again.
+    // From the bottom, so that no arc is recounted twice.
     std::sort(changed_.begin(), changed_.end(), [this](std::size_t i, std::size_t k) {
       return TangentHere(arcs_[i]) < TangentHere(arcs_[k]);
     });
@@ -309,7 +312,7 @@ class MeridianSweepC {
     state.sign = sign;
   }
 
-  // Plans what will happen to an arc and the one below. Returns whether they count as one now.
+  // Schedules the next event of an arc and the one below. Returns whether they count as one now.
   bool MeetBelow(Order::iterator place) {
     if (place == order_.begin()) return false;
     const std::size_t below = std::prev(place)->arc;
@@ -340,8 +343,8 @@ class MeridianSweepC {
     return std::clamp(middle + std::remainder(zero - middle, GMAT::PI), hz_, end);
   }
 
-  // The zenith comes last, as the north pole or as the end of what is inside there. Without
-  // anything above, the topmost crossing has no inside.
+  // The zenith comes last, as the north pole or as the end of the inside there. If there is nothing
+  // above, the part below the topmost crossing is not inside.
   void UpdateTop() {
     sum_ += poles_ * (hz_ - polesFrom_);
     polesFrom_ = hz_;
@@ -367,8 +370,8 @@ class MeridianSweepC {
   const Crossings& all_;
   const std::vector<Arc>& arcs_;
   std::vector<State> states_;  // of the arcs
-  Order order_;                // of those that the meridian crosses
-  std::size_t hidden_;         // the topmost one, where it has no inside
+  Order order_;                // the arcs that the meridian crosses
+  std::size_t hidden_;         // the topmost arc, if the part below it is not inside
   std::priority_queue<Event> events_;
   std::vector<std::size_t> changed_;
   double hz_ = 0.0;
@@ -376,7 +379,7 @@ class MeridianSweepC {
   double sine_ = 0.0;
   double sum_ = 0.0;
   std::size_t pieces_ = 0;
-  double poles_ = 0.0;  // what the poles add, for each radian
+  double poles_ = 0.0;  // the contribution of the poles per radian
   double polesFrom_ = 0.0;
 };
 

@@ -5,18 +5,18 @@
 
 namespace Tool {
 
-/// What lies inside a polygon by the crossings of the meridians, in steradians, and a bound of its
-/// rounding. Ends of the search line and crossings that always count as one are taken into account;
-/// the boundary band is not.
+/// The solid angle of the inside of a polygon, as the crossings of the meridians define it, in
+/// steradians, with a bound of its rounding. It takes the ends of the search line and crossings
+/// that count as one into account, but not the boundary band.
 ///
-/// A meridian moves once around; the inside lies below every other arc that it crosses. Two arcs
-/// that change places do so at one Hz. Crossings count as one where they agree to 10 digits, if
-/// that is so for 1e-6 rad of Hz or more.
+/// A meridian sweeps once around; the inside lies below every other arc that it crosses. Two arcs
+/// change places at a single Hz. Crossings count as one if they agree to 10 digits over at least
+/// 1e-6 rad of Hz.
 ///
 /// \cost (n + c) log n for n points and c places where arcs cross each other. Where crossings begin
-///       or cease to count as one, and at an edge along a meridian with arcs beside it, inside and
-///       outside are exchanged for all arcs above, each of which is integrated up to there: n^2
-///       where half of the corners of a ring are so acute and have thousands of arcs above.
+///       or cease to count as one, and at an edge along a meridian with arcs next to it, inside and
+///       outside are exchanged for all arcs above, each of which is integrated up to there: n^2 if
+///       half of the corners of a ring are that acute and have thousands of arcs above.
 /// \source The integral of cos(V) over Hz along tan(lat) = a cos(Hz) + b sin(Hz) is
 ///         atan2(a sin(Hz) - b cos(Hz), 1 / cos(lat)).
 struct PolygonSolidAngle {

@@ -10,7 +10,7 @@
 namespace Tool {
 namespace {
 
-// As one word of a shell. Fish reads a backslash between single quotes, the others do not.
+// Quotes a text as one word of a shell. Only fish interprets a backslash in single quotes.
 std::string Quoted(std::string_view text, bool isFish = false) {
   std::string out = "'";
   for (const char c : text) {
@@ -74,7 +74,7 @@ std::vector<std::string> Calls(const Command& command, const CommandOption& opti
   return calls;
 }
 
-// The ways in which a command line comes to an option whose value is the next word.
+// The calls up to an option whose value is the next word.
 std::vector<std::string> CallsWithValue(const Command& top) {
   std::vector<std::string> all;
   for (const Command* const command : AllCommands(top)) {
@@ -87,12 +87,12 @@ std::vector<std::string> CallsWithValue(const Command& top) {
   return all;
 }
 
-// What the names of an option's or an argument's files look like; empty for other values.
+// The pattern of file names of an option or argument; empty if its value is not a file.
 std::string FilePattern(const CommandOption& option) {
   return option.IsFile() ? fmt::format("*{}", option.Extension()) : std::string();
 }
 
-// Whether the last argument is any number of files.
+// Whether the last argument can be any number of files.
 bool EndsInFiles(const Command& command) {
   return !command.arguments.empty() && command.arguments.back().isRepeatable &&
          command.arguments.back().IsFile();
@@ -102,7 +102,7 @@ std::string ZshFunction(const Command& command) {
   return fmt::format("_{}", Replaced(command.path, " ", "_"));
 }
 
-// An option or argument as the completion function `_arguments` of zsh takes it.
+// An option or argument in the syntax of the zsh completion function `_arguments`.
 class ZshSpecC {
  public:
   explicit ZshSpecC(const Command& command) : command_(command) {}

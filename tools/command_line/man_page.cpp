@@ -19,7 +19,7 @@ std::string ToUpper(std::string_view text) {
   return upper;
 }
 
-// A text as roff reads it. Names and examples are to be copied: a dash is the sign minus.
+// Escapes a text for roff. In names and examples, which users copy, a dash is a minus sign.
 std::string Escaped(std::string_view text, bool isToBeCopied) {
   std::string out;
   const auto units = ToSingleUnits(text);
@@ -64,7 +64,7 @@ std::string Signature(const CommandOption& option) {
   return out;
 }
 
-// What it takes to call a command: "surveydata record show --offset N [--bytes] FILE".
+// The synopsis of a command: "surveydata record show --offset N [--bytes] FILE".
 std::string Call(const Command& command) {
   std::string out = Bold(command.path);
   const auto add = [&out](const std::string& what, bool isRequired) {
@@ -95,7 +95,7 @@ class PageC {
     isAfterHeading_ = false;
   }
 
-  // Lines that begin with blanks keep their form, the others are filled.
+  // Lines that begin with blanks are kept as they are, the others are filled.
   void Text(std::string_view text) {
     bool isForm = false;
     while (!text.empty()) {
@@ -141,8 +141,8 @@ class PageC {
   bool isAfterHeading_ = false;
 };
 
-// A paragraph that begins with a title, "Exit codes: ...", is a section; others go on with the
-// text.
+// A paragraph that begins with a title, "Exit codes: ...", is a section; others continue
+// the text.
 void WriteFooterSections(PageC& page, std::string_view footer) {
   while (!footer.empty()) {
     const std::string_view paragraph = footer.substr(0, footer.find("\n\n"));

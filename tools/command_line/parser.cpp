@@ -79,7 +79,7 @@ void AddContents(CLI::App& app, const Command& command, const Command*& chosen) 
   }
 }
 
-// The commands of the command line, as far as they are known: the program, its command, and so on.
+// The commands on the command line, as far as they are known: the program, its command, and so on.
 std::vector<const CLI::App*> Chain(const CLI::App* top) {
   std::vector<const CLI::App*> chain = {top};
   while (!chain.back()->get_subcommands().empty()) {
@@ -135,7 +135,7 @@ std::string ExplainCommand(const CLI::App& app, const std::string& what) {
   return fmt::format("{}: {} has {}", what, app.get_name(), fmt::join(CommandNames(app), ", "));
 }
 
-// The word that no command, option or argument takes; empty if there is none.
+// The word that no command, option or argument accepts; empty if there is none.
 std::string ExplainWord(const std::vector<const CLI::App*>& chain) {
   for (const CLI::App* const app : chain) {
     const std::vector<std::string> words = app->remaining();
@@ -158,7 +158,7 @@ std::string ExplainWord(const std::vector<const CLI::App*>& chain) {
   return {};
 }
 
-// What is wrong, as a sentence that names the words of the command line.
+// The error as a sentence that names the words of the command line.
 std::string Explain(const CLI::App* top, const CLI::Error& error) {
   const std::vector<const CLI::App*> chain = Chain(top);
   const std::string text = error.what();
@@ -196,7 +196,7 @@ std::string Explain(const CLI::App* top, const CLI::Error& error) {
 Request Parse(const Command& top, int argc, char** argv) {
   CLI::App app(top.description, top.name);
   app.failure_message(&Explain);
-  app.allow_windows_style_options(false);  // a path that begins with a slash is no option
+  app.allow_windows_style_options(false);  // a path that begins with a slash is not an option
   const Command* chosen = nullptr;
   AddContents(app, top, chosen);
   try {

@@ -44,7 +44,7 @@ void ProgressC::Draw(std::uint64_t done) {
                   kWidth, shown * 100 / total_, shown / kStep, total_ / kStep);
   std::fputs(("\r" + bar).c_str(), stderr);
   std::fflush(stderr);
-  width_ = bar.size();  // it never becomes shorter
+  width_ = bar.size();  // never decreases
 }
 
 }  // namespace Tool

@@ -7,22 +7,23 @@
 
 namespace Tool {
 
-/// A progress bar on standard error: shown only on a terminal, once the work has taken half a
-/// second, and wiped away at the end.
+/// A progress bar on standard error. It is shown only on a terminal and after half a second, and is
+/// erased at the end.
 class ProgressC {
  public:
-  /// `total` in bytes; 0 when it is not known, and no bar then. With `hasRows` the work writes
-  /// lines to standard output: no bar where that is a terminal too, which would mix them.
+  /// `total` is in bytes; if it is 0, which means unknown, there is no bar. `hasRows` means that
+  /// the command writes lines to standard output: if that is a terminal, too, there is no bar,
+  /// because both would be mixed.
   explicit ProgressC(std::uint64_t total, bool hasRows = false);
   ProgressC(const ProgressC&) = delete;
   ProgressC& operator=(const ProgressC&) = delete;
   ~ProgressC();
 
-  /// Cheap: looks at the clock once per MiB.
+  /// Cheap: reads the clock once per MiB.
   void Update(std::uint64_t done) {
     if (isWanted_ && done >= next_) Draw(done);
   }
-  /// Wipes the bar away, for a message in its place; the next update may draw it again.
+  /// Erases the bar to make room for a message; the next update may draw it again.
   void Wipe();
 
  private:

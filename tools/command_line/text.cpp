@@ -38,7 +38,7 @@ void Append(std::string& out, char32_t c) {
   continuation(0);
 }
 
-// The bytes of the UTF-8 sequence at the front, 0 when there is none.
+// The length of the UTF-8 sequence at the start, 0 if there is none.
 std::size_t SequenceLength(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t length = lead < 0x80                    ? 1
@@ -51,7 +51,7 @@ std::size_t SequenceLength(std::string_view text) {
     if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
   }
   if (length < 3) return length;
-  // Overlong forms, surrogates, and what is beyond the last character.
+  // Overlong forms, surrogates, and values above U+10FFFF.
   const auto second = static_cast<unsigned char>(text[1]);
   const bool isCharacter = !(lead == 0xE0 && second < 0xA0) && !(lead == 0xED && second >= 0xA0) &&
                            !(lead == 0xF0 && second < 0x90) && !(lead == 0xF4 && second >= 0x90);
@@ -70,7 +70,7 @@ char32_t CharacterOf(std::string_view sequence) {
 
 constexpr std::size_t kLongestEscape = 6;
 
-// Writes a backslash, the letter and so many hexadecimal digits; gives the length.
+// Writes a backslash, the letter and `digits` hexadecimal digits; returns the length.
 std::size_t EscapeInHex(char letter, char32_t value, std::size_t digits,
                         char (&to)[kLongestEscape]) {
   to[0] = '\\';
@@ -81,7 +81,7 @@ std::size_t EscapeInHex(char letter, char32_t value, std::size_t digits,
   return 2 + digits;
 }
 
-// Writes the escape of a character; gives its length.
+// Writes the escape of a character; returns its length.
 std::size_t Escape(char32_t c, char (&to)[kLongestEscape]) {
   if (c != '\n' && c != '\r' && c != '\t') {
     return c < 0x80 ? EscapeInHex('x', c, 2, to) : EscapeInHex('u', c, 4, to);

@@ -25,7 +25,7 @@ constexpr SvgStroke kGrid{"#e3e3e3", 1.0};
 constexpr SvgStroke kAxis{"#555555", 1.0};
 constexpr std::string_view kQuiet = "#555555";
 
-// The distance of round ticks.
+// The distance between round ticks.
 double TimeStep(double range, int wanted) {
   constexpr double kSteps[] = {1,        2,        5,         10,        15,        30,
                                60,       120,      300,       600,       900,       1800,
@@ -54,7 +54,7 @@ double Highest(const ChartPanel& panel) {
   return highest;
 }
 
-// Where the values of one panel lie on the page.
+// Maps the values of one panel to the page.
 struct Frame {
   double top;
   double bottom;

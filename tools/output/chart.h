@@ -12,8 +12,8 @@ struct ChartPoint {
   double value;
 };
 
-/// One line of a panel with its entry in the legend. Runs are not joined with each other; a run of
-/// one point is a dot.
+/// A line of a panel with its entry in the legend. Its runs are not connected; a run of one point
+/// is a dot.
 struct ChartLine {
   std::string name;
   std::string colour;
@@ -21,14 +21,14 @@ struct ChartLine {
   std::vector<std::vector<ChartPoint>> runs;
 };
 
-/// A field of a chart with a value axis of its own, which begins at 0.
+/// A panel of a chart with its own value axis, which begins at 0.
 struct ChartPanel {
   std::string label;  ///< Of the axis, with the unit.
   bool isWhole;       ///< Only whole numbers are marked.
   std::vector<ChartLine> lines;
 };
 
-/// Panels one above the other over a common time axis.
+/// Panels above each other with a common time axis.
 struct Chart {
   std::string title;
   std::string subtitle;
@@ -38,7 +38,7 @@ struct Chart {
   std::vector<ChartPanel> panels;
 };
 
-/// The first number that is at least `least`, above 0, and 1, 2 or 5 times a power of ten.
+/// The smallest number that is at least `least`, above 0, and 1, 2 or 5 times a power of ten.
 double RoundStep(double least);
 
 /// Round numbers, 1, 2 or 5 times a power of ten apart: from 0 to the first that is at least `top`,

@@ -8,15 +8,16 @@
 
 namespace Tool {
 
-/// What becomes of a text that a spreadsheet would take for a formula.
+/// How to write a text that a spreadsheet would take for a formula.
 enum class Formulas { kEscape, kKeep };
 
-/// --formulas escape|keep, without what it needs.
+/// The option --formulas escape|keep. The options that it requires are not set.
 CommandOption FormulasOption(Formulas& formulas);
 
-/// A text as a cell of a CSV table: in quotes, with its quotation marks doubled, where RFC 4180
-/// asks for that. With `kEscape`, a text that is not a number and begins with = + - @, a tab or a
-/// return gets a leading apostrophe, so that a spreadsheet shows it instead of computing it.
+/// A text as a cell of a CSV table: in quotes, with its quotation marks doubled, if RFC 4180
+/// requires that. With `kEscape`, a text that is not a number and begins with = + - @, a tab or a
+/// carriage return gets a leading apostrophe, so that a spreadsheet shows it instead of evaluating
+/// it.
 std::string CsvCell(std::string_view text, Formulas formulas);
 
 }  // namespace Tool

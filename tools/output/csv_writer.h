@@ -12,15 +12,15 @@
 
 namespace Tool {
 
-/// Appends one row of a CSV table to a buffer, as RFC 4180 has it: commas, CRLF, quotes where a
-/// cell needs them. A list is one cell with spaces in between. Texts are UTF-8.
+/// Appends one row of a CSV table to a buffer, by RFC 4180: commas, CRLF, quotes if a cell needs
+/// them. A list is one cell, with its elements separated by spaces. Texts are UTF-8.
 class CsvWriterC {
  public:
   CsvWriterC(fmt::memory_buffer& out, Formulas formulas) : out_(out), formulas_(formulas) {}
 
   /// The name of a column.
   void Name(std::string_view name) { Cell(name); }
-  /// A value that is absent.
+  /// An absent value.
   void Empty() { Cell({}); }
   void Value(bool value) { Cell(value ? "true" : "false"); }
   template <std::integral Number>
@@ -28,7 +28,8 @@ class CsvWriterC {
     const fmt::format_int digits(value);
     Cell({digits.data(), digits.size()});
   }
-  /// As many digits as it takes to read the number back exactly; NaN and infinities are empty.
+  /// With as many digits as are needed to read the number back exactly; NaN and infinities are
+  /// empty.
   /// @{
   void Value(float value);
   void Value(double value);

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// \file
-/// Types of values that say what a value means; each writer decides how it looks.
+/// Types that define the meaning of values; each writer decides their format.
 
 namespace Tool {
 
@@ -21,12 +21,12 @@ struct Mask {
   std::uint32_t bits;
 };
 
-/// A stored dilution of precision: tenths, 65535 when not available.
+/// A stored dilution of precision: in tenths, 65535 if not available.
 struct Tenths {
   std::uint16_t value;
 };
 
-/// A dilution of precision as the getters report it: -1 when not available.
+/// A dilution of precision as the getters return it: -1 if not available.
 struct Dilution {
   double value;
 };

@@ -8,7 +8,7 @@
 namespace Tool {
 namespace {
 
-// The escape that JSON has for `unit`, or 0.
+// The short escape of `unit` in JSON, or 0.
 char ShortEscape(char16_t unit) {
   switch (unit) {
     case u'"':

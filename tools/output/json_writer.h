@@ -19,8 +19,8 @@
 namespace Tool {
 
 /// Appends one JSON object without white space to a buffer that its owner reuses. Texts may have
-/// any 16-bit units, lone surrogates too, which become escapes. Real numbers have as many digits as
-/// it takes to read them back exactly; NaN and infinities, which JSON lacks, are null.
+/// any 16-bit units; lone surrogates become escapes. Real numbers have as many digits as are needed
+/// to read them back exactly; NaN and infinities, which JSON lacks, are null.
 class JsonWriterC {
  public:
   /// Begins the object.

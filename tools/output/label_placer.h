@@ -21,24 +21,24 @@ struct LabelBox {
   }
 };
 
-/// The width of a text in pixels, at least as large as in the usual sans-serif fonts.
+/// An upper bound of the width of a text in pixels, for the usual sans-serif fonts.
 double TextWidth(std::string_view utf8, const SvgFont& font);
 
 /// The box that a text takes; texts are upright or turned by a quarter.
 LabelBox BoxOf(SvgPoint at, std::string_view utf8, const SvgFont& font);
 
-/// The text, or as much of its beginning as fits into the width, with an ellipsis.
+/// The text, or, if it is too wide, as much of its beginning as fits, with an ellipsis.
 std::string FittedText(std::string_view utf8, double width, const SvgFont& font);
 
-/// Writes texts into a picture so that none overlaps another one or leaves the page. Those that
-/// come first are the more important ones.
+/// Writes texts into a picture so that none overlaps another one or leaves the page. Place the more
+/// important texts first.
 class LabelPlacerC {
  public:
   LabelPlacerC(SvgC& svg, double width, double height) : svg_(svg), page_{0, 0, width, height} {}
 
-  /// Whether the text is written: it is left out where there is no room.
+  /// Returns whether the text is written: it is left out if there is no room.
   bool Place(SvgPoint at, std::string_view utf8, const SvgFont& font = {});
-  /// Keeps texts away from something else.
+  /// Keeps texts out of a box.
   void Reserve(const LabelBox& box) { taken_.push_back(box); }
 
  private:

@@ -13,18 +13,18 @@
 
 namespace Tool {
 
-/// Standard output or a file, written through one buffer of fixed size that is used again and
-/// again. Throws `ToolErrorC` where writing fails.
+/// Standard output or a file, written through one buffer of fixed size. Throws `ToolErrorC` if
+/// writing fails.
 class OutputC {
  public:
-  /// To standard output when `file` is empty. Refuses to overwrite the file `input`, which may mean
-  /// standard input.
+  /// Writes to standard output if `file` is empty. Refuses to overwrite the file `input`, which may
+  /// mean standard input.
   explicit OutputC(const std::string& file = {}, const std::string& input = {});
   OutputC(const OutputC&) = delete;
   OutputC& operator=(const OutputC&) = delete;
   ~OutputC();
 
-  /// Where text is appended; call `FlushIfFull` after each line or record.
+  /// The buffer to which output is appended; call `FlushIfFull` after each line or record.
   fmt::memory_buffer& GetBuffer() { return buffer_; }
   void FlushIfFull() {
     if (buffer_.size() >= kFull) Flush();
@@ -39,7 +39,8 @@ class OutputC {
   /// Writes a long text without copying it.
   void Write(std::string_view text);
 
-  /// Writes what is left. Call it at the end: only then it is known that all is written.
+  /// Writes the rest of the buffer. Call it at the end: only then is everything known to be
+  /// written.
   void Close();
 
  private:

@@ -33,7 +33,7 @@ void RasterC::Mark(SvgPoint p) {
 }
 
 void RasterC::MarkLine(SvgPoint from, SvgPoint to) {
-  // The part of the line inside the rectangle, by Liang and Barsky.
+  // The part of the line inside the rectangle (Liang-Barsky clipping).
   double first = 0;
   double last = 1;
   const double dx = to.x - from.x;

@@ -10,8 +10,8 @@
 
 namespace Tool {
 
-/// Marks of one colour in a rectangle of the page, on a grid of square cells: the form in which any
-/// number of marks takes a limited amount of memory and of text.
+/// Marks of one colour in a rectangle of the page, on a grid of square cells, so that any number of
+/// marks takes a limited amount of memory and of text.
 class RasterC {
  public:
   /// `cell` is the size of a cell in pixels.
@@ -19,7 +19,7 @@ class RasterC {
 
   /// Marks the cell at a point; points outside the rectangle are ignored.
   void Mark(SvgPoint p);
-  /// Marks the cells along a line, of which the part inside the rectangle counts.
+  /// Marks the cells along the part of a line that is inside the rectangle.
   void MarkLine(SvgPoint from, SvgPoint to);
 
   /// For the centre of each cell, row by row: `visit(centre, mark)` may set the mark.
@@ -33,12 +33,12 @@ class RasterC {
   }
 
   bool IsEmpty() const;
-  /// Stretches of marked cells in the rows.
+  /// The number of runs of marked cells in the rows.
   std::size_t CountRuns() const;
   double GetCell() const { return cell_; }
 
-  /// Draws the marks, in at most `mostRuns` runs: cells are joined, four to one, as long as there
-  /// are more.
+  /// Draws the marks in at most `mostRuns` runs: as long as there are more, each four cells are
+  /// combined into one.
   void Draw(SvgC& svg, std::string_view colour, std::size_t mostRuns) const;
 
  private:

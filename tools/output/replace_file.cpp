@@ -67,7 +67,7 @@ void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
 void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
                                std::span<const std::uint8_t> after) {
   original_.RequireWritable();
-  const HeldSignalsC signals;  // let through when the copy is gone
+  const HeldSignalsC signals;  // delivered when the copy is gone
   CopiedFileC copy(original_);
   Copy(copy, signals);
   std::vector<std::uint8_t> found(before.size());

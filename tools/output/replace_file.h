@@ -15,10 +15,10 @@ namespace Tool {
 /// copy left.
 class FileReplacementC {
  public:
-  /// Whether long work shows a progress bar on a terminal.
+  /// Whether a long change shows a progress bar on a terminal.
   enum class Progress { kShown, kHidden };
 
-  /// Locks `file` as long as the object lives, so that what is to be changed can be read. Does not
+  /// Locks `file` as long as the object exists, so that the bytes to change can be read. Does not
   /// wait for another holder of the lock.
   explicit FileReplacementC(const std::string& file, Progress progress = Progress::kShown)
       : original_(file), progress_(progress) {}
@@ -30,11 +30,11 @@ class FileReplacementC {
     return original_.Read(offset, bytes);
   }
 
-  /// Replaces the file by a copy of it that has `after` where the file has `before` at `offset`.
-  /// Holes stay holes. Access stays as it was (see `CopiedFileC::KeepAccess`), or the change is
-  /// refused; only the owner may change, where this user must not set it. Refuses when the bytes at
-  /// `offset` are not `before`, or when the file was changed since it was locked. Signals that end
-  /// the program take effect before or after, not in between. Can be called once.
+  /// Replaces the file by a copy of it with `after` in place of `before` at `offset`. Holes stay
+  /// holes. Access rights are preserved (see `CopiedFileC::KeepAccess`), or the change is refused;
+  /// only the owner may change, if this user must not set it. Refuses if the bytes at `offset` are
+  /// not `before`, or if the file has changed since it was locked. Signals that end the program
+  /// take effect before or after the replacement, not during it. Can be called only once.
   void Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
                std::span<const std::uint8_t> after);
 

@@ -20,7 +20,7 @@ std::string Attributes(const SvgStroke& stroke) {
 std::string EscapeXml(std::string_view text) {
   std::string out;
   std::string printable = ToPrintable(text);
-  // XML has all characters that this can hold but two.
+  // Of the remaining characters, XML allows all but two.
   for (const char* const none : {"\uFFFE", "\uFFFF"}) {
     for (std::size_t at = 0; (at = printable.find(none, at)) != std::string::npos;) {
       printable.replace(at, 3, "\uFFFD");

@@ -40,18 +40,18 @@ class SvgC {
   void Polygon(std::span<const SvgPoint> points, std::string_view fill, const SvgStroke& stroke);
   void Rectangle(SvgPoint corner, double width, double height, std::string_view fill);
   void Rectangle(SvgPoint corner, double width, double height, const SvgStroke& stroke);
-  /// A title shows where the pointer is over the dot.
+  /// The title is shown when the pointer is over the dot.
   void Dot(SvgPoint centre, double radius, std::string_view fill, std::string_view title = {});
-  /// Draws along `data`, as in the attribute `d` of a path.
+  /// Draws a path; `data` is its attribute `d`.
   void Path(std::string_view data, const SvgStroke& stroke);
   void Circle(SvgPoint centre, double radius, const SvgStroke& stroke);
   void Text(SvgPoint at, std::string_view text, const SvgFont& font = {});
 
-  /// What is drawn until `EndClip` is clipped to the rectangle. Clips do not nest.
+  /// Clips everything drawn until `EndClip` to the rectangle. Clips do not nest.
   void BeginClip(SvgPoint corner, double width, double height);
   void EndClip();
 
-  /// Of what is drawn so far, in bytes.
+  /// The size of the document so far, in bytes.
   std::size_t GetSize() const { return document_.size(); }
 
   /// The whole document. Nothing can be drawn afterwards.
@@ -64,8 +64,8 @@ class SvgC {
   int clips_ = 0;
 };
 
-/// `text` as XML character data: markup is escaped; what XML cannot hold, control characters among
-/// it, becomes U+FFFD.
+/// `text` as XML character data: markup is escaped, and characters that XML does not allow, such as
+/// control characters, become U+FFFD.
 std::string EscapeXml(std::string_view text);
 
 }  // namespace Tool

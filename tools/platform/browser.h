@@ -5,23 +5,23 @@
 #include <string>
 
 /// \file
-/// What it takes to show a page in a browser: `browser_posix.cpp` or `browser_windows.cpp`. Every
-/// function throws `FileErrorC` on failure.
+/// System functions that show a page in a browser: `browser_posix.cpp` or `browser_windows.cpp`.
+/// Every function throws `FileErrorC` on failure.
 
 namespace Tool {
 
-/// The folder that the program itself lies in.
+/// The folder that contains the program.
 std::filesystem::path ProgramFolder();
 
-/// A folder for pages that only this user can read. It is created where it is missing.
+/// A folder for pages that only this user can read. It is created if it does not exist.
 std::filesystem::path PrivateFolder();
 
 /// A new empty file in `folder`, named "view-", six characters and ".html", that only this user can
 /// read and write.
 std::filesystem::path NewPrivateFile(const std::filesystem::path& folder);
 
-/// Shows a file with the program `browser`; with the default program of the user when it is empty.
-/// Does not wait until the browser is closed.
+/// Shows a file with the program `browser`, or with the user's default browser if it is empty. Does
+/// not wait until the browser is closed.
 void OpenInBrowser(const std::string& browser, const std::filesystem::path& file);
 
 }  // namespace Tool

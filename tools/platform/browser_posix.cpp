@@ -50,8 +50,8 @@ fs::path CacheFolder() {
   return fs::path(home) / ".cache";
 }
 
-// Whether the process ended by itself with another exit code than 0, as a browser does that cannot
-// show the page. It is watched for a second: a browser that runs on has started.
+// The exit code of a browser that ends within a second, as one does that cannot show the page. A
+// browser that is still running has started.
 int ExitCodeOf(pid_t process) {
   constexpr std::chrono::milliseconds kStep(10);
   constexpr int kSteps = 100;
@@ -94,7 +94,7 @@ fs::path PrivateFolder() {
       Fail(fmt::format("cannot make {}", folder.string()), errno);
     }
   }
-  // Not through a link, which another user could have made.
+  // Not through a link, which another user could have created.
   const DescriptorC opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
   if (!opened.IsOpen() || fstat(opened.Get(), &status) != 0) {
@@ -121,13 +121,13 @@ void OpenInBrowser(const std::string& browser, const fs::path& file) {
   std::string program = browser.empty() ? kDefaultBrowser : browser;
   std::string argument = fs::absolute(file).string();
   char* const arguments[] = {program.data(), argument.data(), nullptr};
-  // A browser reads nothing from the terminal, and its own messages are of no use there.
+  // A browser reads nothing from the terminal, and its messages there are useless.
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  // It outlives the terminal.
+  // The browser outlives the terminal.
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   posix_spawnattr_setpgroup(&attributes, 0);

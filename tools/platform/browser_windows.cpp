@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 // clang-format off
 #include <windows.h>
-#include <shellapi.h>  // needs the one before it
+#include <shellapi.h>  // needs windows.h
 // clang-format on
 
 #include <platform/browser.h>
@@ -40,7 +40,7 @@ fs::path ProgramFolder() {
   return fs::path(std::wstring_view(name, length)).parent_path();
 }
 
-// What lies in the profile of a user is not for others.
+// Other users cannot read files in a user's profile.
 fs::path PrivateFolder() {
   wchar_t name[32768];
   const DWORD length =
@@ -81,7 +81,7 @@ void OpenInBrowser(const std::string& browser, const fs::path& file) {
   if (!browser.empty()) arguments.append(1, L'"').append(page).append(1, L'"');
   SHELLEXECUTEINFOW start{};
   start.cbSize = sizeof(start);
-  start.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;  // the program reports what fails
+  start.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;  // the program reports failures itself
   start.lpFile = program.c_str();
   start.lpParameters = arguments.c_str();
   start.nShow = SW_SHOWNORMAL;

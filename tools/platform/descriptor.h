@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-/// A file descriptor of a POSIX system, closed with the object. Negative when nothing is open.
+/// A file descriptor of a POSIX system, closed by the destructor. Negative if nothing is open.
 class DescriptorC {
  public:
   explicit DescriptorC(int descriptor = -1) : descriptor_(descriptor) {}

@@ -8,7 +8,7 @@ namespace Tool {
 /// Gives the open file `to` the extended attributes of `from` and no others; the access control
 /// list is one of them. Attributes that the new file inherited from its folder are removed first.
 /// The signatures `security.ima` and `security.evm`, which the kernel computes for each file, are
-/// left alone. \return empty when done; otherwise the attribute that cannot be read, set or
+/// not copied. \return empty on success; otherwise the attribute that cannot be read, set or
 /// removed, with the
 ///         reason in `errno`.
 std::string CopyAttributes(int from, int to);

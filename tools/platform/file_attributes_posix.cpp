@@ -19,8 +19,8 @@ namespace {
 
 constexpr const char* kAnyAttribute = "extended attributes";
 
-// Calls `get(buffer, size)`, which gives the needed size for a buffer of size 0, until the value
-// fits: it may grow in between.
+// Calls `get(buffer, size)`, which returns the required size if the size is 0, until the value
+// fits: it may grow between two calls.
 template <class Get>
 std::optional<std::string> GetWhole(const Get& get) {
   for (;;) {
@@ -48,7 +48,7 @@ std::optional<std::vector<std::string>> ListAttributes(int file) {
   const auto list =
       GetWhole([&](char* to, std::size_t size) { return flistxattr(file, to, size); });
   if (!list) return errno == ENOTSUP ? std::optional(names) : std::nullopt;
-  std::string_view rest = *list;  // each name ends with a zero
+  std::string_view rest = *list;  // each name ends with a zero byte
   while (!rest.empty()) {
     const std::string_view name = rest.substr(0, rest.find('\0'));
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
@@ -70,7 +70,7 @@ std::string CopyAttributes(int from, int to) {
   for (const std::string& name : *wanted) {
     const auto value = GetAttribute(from, name);
     if (!value) return name;
-    // A security label that is right already can be one that this user must not set.
+    // This user may not be permitted to set a security label, even one that is already correct.
     const auto present = GetAttribute(to, name);
     if (present == value) continue;
     if (fsetxattr(to, name.c_str(), value->data(), value->size(), 0) != 0) return name;

@@ -22,7 +22,7 @@ struct FileStretch {
   std::uint64_t end;
 };
 
-/// The file, locked against other programs that lock it too, as long as the object lives.
+/// The file, locked against other programs that use locks, as long as the object exists.
 class OriginalFileC {
  public:
   /// Follows symbolic links. Does not wait for another holder of the lock.
@@ -38,18 +38,18 @@ class OriginalFileC {
   /// Fills `bytes` from `offset` on; fewer bytes only at the end of the file.
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
   /// The first stretch at or after `offset` that is not a hole, within the size when it was locked;
-  /// empty at that size when there is none. A system that does not report holes gives all bytes.
+  /// empty at that size if there is none. A system that does not report holes returns all bytes.
   FileStretch NextData(std::uint64_t offset) const;
   /// Refuses a file that this user must not write: replacing it would not need that permission.
   void RequireWritable() const;
   /// Whether another program changed or replaced the file despite the lock.
   bool IsChanged() const;
 
-  /// Throws, with what went wrong.
+  /// Throws `FileErrorC` with `what`.
   [[noreturn]] void Refuse(const std::string& what) const {
     throw FileErrorC(what + "; " + name_ + " is as it was");
   }
-  /// The same, with the reason that the operating system gives.
+  /// The same, with the reason of the operating system.
   [[noreturn]] void Fail(const std::string& what) const;
 
  private:
@@ -61,10 +61,10 @@ class OriginalFileC {
   std::unique_ptr<Platform> platform_;
 };
 
-/// A new file in the folder of the original. It has no name where the file system allows that, so
-/// that nothing is left of it however the program ends; elsewhere it has one, and is removed unless
-/// it replaces the original. A named copy is locked as long as it is in use: one that a killed
-/// program left is recognised by its free lock and removed when the next copy is made.
+/// A new file in the folder of the original. It has no name if the file system supports that, so
+/// that nothing is left of it however the program ends. Otherwise it has a name, and is removed
+/// unless it replaces the original. A named copy is locked as long as it is in use: a copy that a
+/// killed program has left is not locked, and is removed when the next copy is created.
 class CopiedFileC {
  public:
   /// `original` must outlive the copy.
@@ -80,17 +80,17 @@ class CopiedFileC {
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
   FileStretch NextData(std::uint64_t offset) const;
   /// @}
-  /// Makes the copy this long; bytes that are never written are a hole where the system has holes.
+  /// Sets the size of the copy; bytes that are never written are a hole if the system has holes.
   void SetSize(std::uint64_t size);
   void Write(std::uint64_t offset, std::span<const std::uint8_t> bytes);
-  /// Copies what decides who may access the original: group, permissions, access control list,
-  /// extended attributes, and the owner where this user may set it. Call it after the last write,
-  /// which can clear some of them.
+  /// Copies everything that controls access to the original: group, permissions, access control
+  /// list, extended attributes, and the owner if this user may set it. Call it after the last
+  /// write, which can clear some of them.
   void KeepAccess();
-  /// Brings what was written to the disk.
+  /// Flushes the copy to the disk.
   void Flush();
-  /// Replaces the original in one step and brings that to the disk too. Neither object can be used
-  /// for anything else afterwards.
+  /// Replaces the original in one step and flushes the folder to the disk. Neither object can be
+  /// used afterwards.
   void TakePlace();
 
  private:
@@ -101,9 +101,9 @@ class CopiedFileC {
   std::unique_ptr<Platform> platform_;
 };
 
-/// Holds back, as long as it lives, what would end the program and leave a copy: all signals that
-/// end a program by default, except those of a fault in it; on Windows Ctrl-C and the closing of
-/// the console. They take effect afterwards. Signals that are ignored stay ignored.
+/// Delays, as long as it exists, what would end the program and leave a copy behind: all signals
+/// that end a program by default, except those raised by faults; on Windows Ctrl-C and closing the
+/// console. They take effect afterwards. Signals that are ignored stay ignored.
 class HeldSignalsC {
  public:
   HeldSignalsC();

@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Names of copies. They are short: that of the original may be as long as a name can be.
+// Names of copies. They are short, because the name of the original may have the maximal length.
 constexpr std::string_view kCopyPrefix = ".surveydata.";
 constexpr std::string_view kCopyRandom = "XXXXXX";  // which mkostemp(3) replaces by these letters
 constexpr std::string_view kCopyLetters =
@@ -63,14 +63,14 @@ FileStretch FindData(int file, std::uint64_t offset, std::uint64_t size) {
 #endif
 }
 
-// A file that only its descriptor leads to, to be given a name later.
+// A file without a name, which can get one later.
 DescriptorC OpenWithoutName(const fs::path& folder) {
   DescriptorC file;
 #if defined(O_TMPFILE)
   file = DescriptorC(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
   struct stat status {};
   struct stat linked {};
-  // Its name is made through /proc, which need not be there.
+  // It is named through /proc, which may be missing.
   const bool canBeNamed = file.IsOpen() && fstat(file.Get(), &status) == 0 &&
                           stat(fmt::format("/proc/self/fd/{}", file.Get()).c_str(), &linked) == 0 &&
                           IsSameFile(status, linked);
@@ -84,14 +84,14 @@ bool HasCopyName(std::string_view name) {
          name.find_first_not_of(kCopyLetters, kCopyPrefix.size()) == std::string_view::npos;
 }
 
-// Removes the file if it is certainly a copy that a killed program left: a regular file of one of
-// these users whose lock is free. Whatever else is true, it stays.
+// Removes the file if it is certainly a copy that a killed program has left: a regular file of one
+// of these users that is not locked. All other files stay.
 void RemoveIfStale(const fs::path& path, uid_t owner) {
   const DescriptorC file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
   if (!file.IsOpen() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
   const uid_t user = geteuid();
-  // A copy that root makes gets the owner of the original before it replaces it.
+  // A copy created by root gets the owner of the original before it replaces it.
   if (status.st_uid != user && !(user == 0 && status.st_uid == owner)) return;
   if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return;
   struct stat now {};
@@ -132,7 +132,7 @@ OriginalFileC::OriginalFileC(const std::string& file)
       throw FileErrorC(fmt::format("cannot read {}: {}", file, error.message()));
     }
     name_ = own.path.string();
-    // Network file systems lock only what is open for writing.
+    // Network file systems lock only files that are open for writing.
     const int mode = access(own.path.c_str(), W_OK) == 0 ? O_RDWR : O_RDONLY;
     own.file = DescriptorC(open(own.path.c_str(), mode | O_NONBLOCK | O_CLOEXEC));
     if (!own.file.IsOpen() && mode == O_RDWR) {  // a folder, for example
@@ -184,7 +184,7 @@ bool OriginalFileC::IsChanged() const {
 
 struct CopiedFileC::Platform {
   DescriptorC file;
-  bool isNamed = false;  // and not yet in its place
+  bool isNamed = false;  // and has not yet replaced the original
 
   // Opens a file without a name and locks it, so that it is locked when it gets one.
   bool OpenUnnamed(const fs::path& folder) {
@@ -192,7 +192,7 @@ struct CopiedFileC::Platform {
     return file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
   }
 
-  // Opens a new file of this name, whose last characters are filled in, and locks it.
+  // Opens a new file with this name, whose last characters are replaced, and locks it.
   bool OpenNamed(std::string& name) {
     const std::string pattern = name;
     // Repeated if another program took it for a stale copy before it was locked.
@@ -217,7 +217,7 @@ struct CopiedFileC::Platform {
     }
   }
 
-  // Gives a file without a name this one, whose last characters are filled in.
+  // Gives the unnamed file this name, whose last characters are replaced.
   bool Name(std::string& name) {
     const std::string own = fmt::format("/proc/self/fd/{}", file.Get());
     std::random_device random;
@@ -293,7 +293,7 @@ void CopiedFileC::KeepAccess() {
     errno = EPERM;  // the file would run with the rights of another user
     fail("the owner, as its set-user-ID bit requires,");
   }
-  // With an access control list the group bits of the permissions are its mask, so that they are
+  // If there is an access control list, the group bits of the permissions are its mask, so they are
   // set after it.
   const std::string attribute = CopyAttributes(original_.platform_->file.Get(), file);
   if (!attribute.empty()) fail(fmt::format("the attribute {}", attribute));
@@ -328,7 +328,7 @@ void CopiedFileC::TakePlace() {
 
 namespace {
 
-// The signals that end a program by default, except those that report a fault in it.
+// The signals that end a program by default, except those raised by faults.
 sigset_t EndingSignals() {
   sigset_t set;
   sigfillset(&set);

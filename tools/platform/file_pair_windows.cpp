@@ -18,7 +18,7 @@
 namespace Tool {
 namespace {
 
-// A handle that is closed on every way out.
+// A handle that is closed by the destructor.
 class HandleC {
  public:
   explicit HandleC(HANDLE handle = INVALID_HANDLE_VALUE) : handle_(handle) {}
@@ -51,8 +51,7 @@ DWORD AtMost(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
 }
 
-// Everything from `offset` on that fits into `bytes`; less only at the end of the file, nothing on
-// failure.
+// Fills `bytes` from `offset` on; fewer bytes only at the end of the file, empty on failure.
 std::optional<std::size_t> ReadAt(HANDLE file, std::uint64_t offset,
                                   std::span<std::uint8_t> bytes) {
   std::size_t done = 0;
@@ -69,14 +68,14 @@ std::optional<std::size_t> ReadAt(HANDLE file, std::uint64_t offset,
   return done;
 }
 
-// Without the prefix of a path that Windows takes literally.
+// Removes the prefix of literal paths.
 std::string ForMessages(const std::filesystem::path& path) {
   constexpr std::wstring_view kLiteral = L"\\\\?\\";
   const std::wstring& name = path.native();
   return name.starts_with(kLiteral) ? path.string().substr(kLiteral.size()) : path.string();
 }
 
-// Where an open file is, whatever links led there. Empty on failure.
+// The path of an open file, with all links resolved. Empty on failure.
 std::filesystem::path PathOf(HANDLE file) {
   std::wstring path(GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
   const DWORD size = GetFinalPathNameByHandleW(file, path.data(), static_cast<DWORD>(path.size()),
@@ -153,7 +152,7 @@ void OriginalFileC::RequireWritable() const {
   if (!platform_->isWritable) Refuse(fmt::format("cannot write {}: access is denied", name_));
 }
 
-// Other systems may write to a file that is shared with them.
+// Other machines may write to a file on a network share.
 bool OriginalFileC::IsChanged() const {
   const BY_HANDLE_FILE_INFORMATION& before = platform_->status;
   BY_HANDLE_FILE_INFORMATION now{};
@@ -173,7 +172,7 @@ CopiedFileC::CopiedFileC(OriginalFileC& original)
   Platform& own = *platform_;
   const std::filesystem::path folder = original.platform_->path.parent_path();
   for (DWORD number = GetCurrentProcessId(); !own.file.IsOpen(); ++number) {
-    // A short name: that of the original may be as long as a name can be.
+    // A short name, because that of the original may have the maximal length.
     own.path = folder / fmt::format(".surveydata.{:08x}", number);
     own.file = HandleC(CreateFileW(own.path.c_str(), GENERIC_READ | GENERIC_WRITE | WRITE_DAC, 0,
                                    nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -225,7 +224,7 @@ void CopiedFileC::KeepAccess() {
   const BY_HANDLE_FILE_INFORMATION& status = original_.platform_->status;
   constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                           FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
-  FILE_BASIC_INFO info{};  // what stays 0 stays as it is
+  FILE_BASIC_INFO info{};  // members that are 0 leave the attribute unchanged
   info.CreationTime.LowPart = status.ftCreationTime.dwLowDateTime;
   info.CreationTime.HighPart = static_cast<LONG>(status.ftCreationTime.dwHighDateTime);
   info.FileAttributes = status.dwFileAttributes & kKept;
@@ -241,7 +240,7 @@ void CopiedFileC::KeepAccess() {
                                 &list, nullptr, &descriptor);
   if (error == ERROR_SUCCESS) {
     GetSecurityDescriptorControl(descriptor, &control, &revision);
-    // A list that the folder adds to, or one that it does not.
+    // Whether the list inherits entries from the folder.
     const DWORD inheritance = (control & SE_DACL_PROTECTED) != 0
                                   ? PROTECTED_DACL_SECURITY_INFORMATION
                                   : UNPROTECTED_DACL_SECURITY_INFORMATION;
@@ -277,7 +276,7 @@ void CopiedFileC::TakePlace() {
 struct HeldSignalsC::Platform {
   static BOOL WINAPI Hold(DWORD kind) {
     isPending = true;
-    // When this returns, these end the program at once; not before the copy is gone.
+    // Windows ends the program when this returns for these events, so wait until the copy is gone.
     if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) WaitForSingleObject(isOver, INFINITE);
     return TRUE;
   }

@@ -7,8 +7,8 @@
 #include <platform/format.h>
 
 #ifdef SURVEYDATA_COMPILE_FMT
-// fmt's own source, for systems that have fmt as a shared library only. Templates whose definitions
-// are in format-inl.h alone are instantiated for all files.
+// fmt's own source, for systems that have only a shared library of fmt. Instantiates the templates
+// that only format-inl.h defines for all files.
 FMT_BEGIN_NAMESPACE
 namespace detail {
 template auto dragonbox::to_decimal(float x) noexcept -> dragonbox::decimal_fp<float>;

@@ -9,15 +9,15 @@
 
 namespace Tool {
 
-/// Whether this name of the command line means standard input: "-", or "/dev/stdin".
+/// Whether this name from the command line means standard input: "-" or "/dev/stdin".
 bool IsStandardInput(const std::string& name);
 
-/// Whether both are one regular file. `input` may mean standard input.
+/// Whether both are the same regular file. `input` may mean standard input.
 bool IsSameRegularFile(const std::string& output, const std::string& input);
 
-/// A file, a pipe or standard input, opened once to be read. Only regular files are sought in: a
-/// pipe is read on, and waits for nothing but its writer. Throws `FileErrorC` on failure, with the
-/// reason of the call that failed.
+/// A file, a pipe or standard input, opened once for reading. Only regular files are seekable; a
+/// pipe is read from front to back. Throws `FileErrorC` on failure, with the reason of the failed
+/// call.
 class InputFileC {
  public:
   explicit InputFileC(const std::string& name);
@@ -27,21 +27,21 @@ class InputFileC {
 
   /// For messages: "standard input" for "-".
   const std::string& GetName() const { return name_; }
-  /// Whether `ReadAt` can be called: it is a regular file with something in it.
+  /// Whether `ReadAt` can be called: for a regular file that is not empty.
   bool CanSeek() const { return size_ > 0; }
-  /// The size in bytes when it was opened, of standard input from where it was; 0 when it is not
-  /// known.
+  /// The size in bytes when the file was opened, for standard input from its initial position on; 0
+  /// if not known.
   std::uint64_t GetSize() const { return size_; }
 
-  /// The next bytes, as soon as there are any; 0 at the end.
+  /// Reads the next bytes as soon as there are any; returns 0 at the end.
   std::size_t Read(std::span<char> to);
-  /// Bytes from `offset` on, fewer than asked for at the end; -1 on failure, which `Fail` reports
-  /// then. Of standard input, offsets count from where it was.
+  /// Reads bytes from `offset` on, fewer than requested only at the end. Returns -1 on failure;
+  /// `Fail` then reports it. Offsets in standard input are relative to its initial position.
   std::ptrdiff_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> to);
-  /// Unbuffered, for a caller that reads all of it.
+  /// The stream, without a buffer, for a caller that reads all of it.
   std::FILE* GetStream() const { return file_; }
 
-  /// Throws that reading failed, with the reason of `ReadAt`, or else `errno`.
+  /// Throws the failure of `ReadAt`, or else that of `errno`.
   [[noreturn]] void Fail() const;
 
  private:

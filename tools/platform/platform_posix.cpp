@@ -5,7 +5,7 @@
 
 namespace Tool {
 
-// Messages would go into a file that takes the place of a standard stream.
+// Otherwise messages could go into a file that is opened with the number of a standard stream.
 void PrepareStandardStreams() {
   int file = 0;
   do {

@@ -26,9 +26,9 @@ UINT codePageBefore;  // the console outlives the program
 
 }  // namespace
 
-// The runtime itself keeps the places of standard streams that are closed.
+// The runtime itself reserves the numbers of closed standard streams.
 void PrepareStandardStreams() {
-  // Without ends of lines of its own kind; Ctrl-Z ends what is typed, but nothing else.
+  // Binary mode: no conversion of line ends, and Ctrl-Z ends only input that is typed.
   if (!IsTerminal(StandardStream::kInput)) _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
@@ -38,7 +38,7 @@ void PrepareStandardStreams() {
   std::atexit([] { SetConsoleOutputCP(codePageBefore); });
 }
 
-// The runtime's own test takes the null device for a terminal.
+// The test of the runtime mistakes the null device for a terminal.
 bool IsTerminal(StandardStream stream) {
   DWORD mode = 0;
   return GetConsoleMode(HandleOf(stream), &mode) != 0;

@@ -27,7 +27,8 @@ struct FrameField {
 
 /// Explains every byte of a measurement frame once, in order: header, blocks (by the library's own
 /// description of the frame), bytes after the last block, checksum. If a block does not fit, the
-/// bytes from its start to the checksum are one field. `frame` has a correct header and length.
+/// bytes from its first field that cannot be read to the checksum are one field. `frame` has a
+/// correct header and length.
 std::vector<FrameField> ExplainFrame(std::span<const std::uint8_t> frame);
 
 }  // namespace Tool

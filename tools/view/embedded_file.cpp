@@ -14,10 +14,10 @@ void AppendBase64(std::string_view bytes, OutputC& out) {
   using boost::archive::iterators::base64_from_binary;
   using boost::archive::iterators::transform_width;
   using Base64 = base64_from_binary<transform_width<const char*, 6, 8>>;
-  constexpr std::size_t kTogether = std::size_t{3} * 16 * 1024;  // whole groups of four characters
+  constexpr std::size_t kTogether = std::size_t{3} * 16 * 1024;  // whole groups of Base64
   for (std::size_t at = 0; at < bytes.size(); at += kTogether) {
     const std::string_view part = bytes.substr(at, kTogether);
-    // The iterator looks for further bits at an end that is not that of a group.
+    // The iterator reads beyond the end unless it is the end of a group.
     std::string whole(part);
     const std::size_t missing = (3 - part.size() % 3) % 3;
     whole.append(missing, '\0');

@@ -34,7 +34,7 @@ constexpr const char* kDescription =
 
 constexpr std::size_t kMostBytes = 50'000'000;
 constexpr std::size_t kMostPageBytes = 10'000'000;
-constexpr std::chrono::minutes kOld(1);  // a browser has read the copy by then
+constexpr std::chrono::minutes kOld(1);  // by then, the browser has read the copy
 
 struct Options {
   std::string file;
@@ -44,7 +44,7 @@ struct Options {
   std::string page;
 };
 
-// All of a file.
+// The whole content of a file.
 std::string ReadAll(const std::string& name, std::size_t most, const std::string& tooLong) {
   InputFileC file(name);
   std::string bytes;
@@ -64,7 +64,7 @@ std::string Utf8(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
-// The page that is given, or else the installed one.
+// The page that the user named, or else the installed one.
 std::string NameOfPage(const std::string& given) {
   if (!given.empty()) return given;
   const fs::path installed = (ProgramFolder() / ToPath(SURVEYDATA_PAGE_PATH)).lexically_normal();

@@ -1,5 +1,5 @@
-// The directions of the comparison with native answers: the same in containment_hash.cpp, and in the
-// test of the page.
+// The directions for which answers are compared with native ones: the same as in containment_hash.cpp
+// and in the test of the page.
 export const DIRECTIONS = 10_000_000;
 const BLOCK = 1_000_000;
 

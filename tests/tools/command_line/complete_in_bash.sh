@@ -1,5 +1,5 @@
-# complete_in_bash.sh SCRIPT WORD...: prints what bash offers in place of the last word, once the
-# completions of SCRIPT are known.
+# complete_in_bash.sh SCRIPT WORD...: prints what bash offers in place of the last word with the
+# completions of SCRIPT.
 . "$1"
 shift
 COMP_WORDS=("$@")

@@ -29,7 +29,7 @@ TEST(ExplainFrame, TellsEveryByteOfEverySampleFrameOnce) {
   }
 }
 
-// Whatever the flags words announce, and wherever the frame ends.
+// For any length of a frame whose flags words announce many blocks.
 TEST(ExplainFrame, TellsEveryByteOnceHoweverShortTheFrame) {
   const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
   const Bytes body(sample.begin() + 965, sample.begin() + 960 + 465);
@@ -45,8 +45,8 @@ TEST(ExplainFrame, TellsEveryByteOnceHoweverShortTheFrame) {
       fits = fits && field.field.has_value();
     }
     EXPECT_EQ(at, frame.size());
-    // Cut between blocks, nothing is left over to be told; the reader refuses the frame all the
-    // same.
+    // A frame that ends between two blocks has no bytes of an incomplete block to list; the reader
+    // refuses it nevertheless.
     EXPECT_TRUE(fits || length < body.size());
   }
 }

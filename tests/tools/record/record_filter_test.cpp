@@ -1,5 +1,5 @@
-// Which measurements the filters take: times and conditions by themselves, and the commands that
-// have these options, compared with what the expectation lines of the samples say.
+// Which measurements the filters select: tests of times and conditions, and of the commands with
+// these options, whose output is compared with the expected lines of the samples.
 
 #include <cstdint>
 #include <functional>
@@ -133,12 +133,12 @@ TEST(RecordCondition, ComparesNumbersTextsAndFlags) {
 
 TEST(RecordCondition, ComparesInTheFormOfTheColumn) {
   Tool::DecodedRecord record;
-  // The nearest single-precision number to 1.61 is a little more.
+  // The single-precision number nearest to 1.61 is slightly larger.
   record.measurement.SetAntennaHeight(SDI::GPSAntHeightImplC(1.61F, true, 0.0F));
   EXPECT_TRUE(Tool::RecordConditionC("antenna_height = 1.61").IsTrue(record));
   EXPECT_FALSE(Tool::RecordConditionC("antenna_height > 1.61").IsTrue(record));
   EXPECT_TRUE(Tool::RecordConditionC("antenna_height < 1e300").IsTrue(record));
-  record.offset = 9'007'199'254'740'993;  // no double
+  record.offset = 9'007'199'254'740'993;  // not a double
   EXPECT_TRUE(Tool::RecordConditionC("offset > 9007199254740992").IsTrue(record));
   EXPECT_TRUE(Tool::RecordConditionC("offset = 9007199254740993").IsTrue(record));
 }
@@ -231,7 +231,7 @@ TEST(RecordCondition, RefusesMoreParenthesesThanItsDepth) {
   EXPECT_TRUE(IsTrue(negations + "offset = 960"));
 }
 
-// The lines of a sample that a function takes, as they are in its expectation file.
+// The lines of the expectation file of a sample that `takes` selects.
 std::string Expected(const char* sample, const std::function<bool(const json&)>& takes) {
   std::string text;
   for (const std::string& line :
