@@ -1,4 +1,5 @@
-// What a data class costs its callers, beside the same written by hand without the object model.
+// The cost of a data class to its callers, compared with hand-written code without the object
+// model.
 
 #include <array>
 #include <cmath>
@@ -19,7 +20,7 @@
 
 namespace {
 
-// An accessor through the public object, beside that of a class with a pointer to its
+// An accessor through the public object, compared with that of a class with a pointer to its
 // implementation in another shared library.
 template <class Point>
 void BM_Get(benchmark::State& state) {
@@ -81,8 +82,7 @@ bool AreEqual(const Measurement& a, const Measurement& b, Same same) {
   return true;
 }
 
-// The operands: equal ones, or such that every floating-point number is off by a unit in the last
-// place.
+// The operands are equal, or every floating-point number differs by one unit in the last place.
 constexpr double kValue = 123.456;
 constexpr float kSingle = 0.25F;
 
@@ -105,7 +105,8 @@ SDI::TPSMeasDataC RecordOf(bool off) {
                            w[5], w[6], w[7], w[8], w[9]);
 }
 
-// `IsEqual`, which compares up to the last field, beside a loop over the fields of the struct.
+// `IsEqual`, which compares up to the last field, compared with a loop over the fields of the
+// struct.
 void BM_IsEqual(benchmark::State& state) {
   const SDI::TPSMeasDataC a = RecordOf(false);
   const SDI::TPSMeasDataC b = RecordOf(state.range(0) != 0);

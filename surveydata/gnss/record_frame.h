@@ -51,11 +51,11 @@ struct Header {
 
 inline constexpr std::size_t kHeaderSize = SizeOf<Header>();
 inline constexpr std::uint16_t kMinLength = kHeaderSize;  ///< The checksum follows the header.
-/// Of a record of any kind, in bytes.
+/// The length of the longest record of any kind, in bytes.
 inline constexpr std::size_t kLongestRecord =
     std::numeric_limits<decltype(Header::length)>::max() + kChecksumSize;
 inline constexpr std::size_t kTypeAt = OffsetOf<Header>(Field::kType);
-/// The checksum covers the bytes from the length on: the magic does not take part.
+/// The checksum covers the bytes from the length on: the magic is not included.
 inline constexpr std::size_t kSummedFrom = OffsetOf<Header>(Field::kLength);
 /// The byte that every record begins with.
 inline constexpr std::uint8_t kFirstByte = kMagic & 0xFF;
@@ -66,7 +66,7 @@ inline bool Header::IsRecord() const { return magic == kMagic && length >= kMinL
 /// up to `length`, in 16 bits. 0 for lengths below 3.
 std::uint16_t Checksum(const std::uint8_t* frame, std::size_t length);
 
-/// Whether the checksum at `length` is right.
+/// Whether the checksum at `length` is correct.
 bool HasRightChecksum(const std::uint8_t* frame, std::size_t length);
 
 /// The outcome of decoding a frame.

@@ -46,7 +46,7 @@ class SURVEYDATA_API ScanDefinitionC : public API::BaseC, private boost::noncopy
   explicit ScanDefinitionC(ScanDefinitionImplC* impl);
   ~ScanDefinitionC() override;
 
-  /// The implementation, or null when it is missing or of another class.
+  /// The implementation, or null if it is missing or of another class.
   ScanDefinitionImplC* GetImpl() const;
 
   std::uint32_t GetType() const;

@@ -6,8 +6,8 @@
 #include <limits>
 
 /// \file
-/// Directions and the comparisons of angles with decimal tolerances. Angles are in radians. What is
-/// not defined here is not exported.
+/// Directions and the comparisons of angles with decimal tolerances. Angles are in radians.
+/// Functions that are not defined here are not exported.
 
 namespace GMAT {
 
@@ -44,7 +44,7 @@ inline bool ExactlyEqual(double a, double b) {
   return std::fabs(a - b) < std::numeric_limits<double>::min();
 }
 
-/// `x` rounded to a multiple of `step`, half away from zero; `x` itself when `step` is not
+/// `x` rounded to a multiple of `step`, half away from zero; `x` itself if `step` is not
 /// positive.
 double RoundToStep(double x, double step);
 
@@ -57,29 +57,28 @@ bool AtLeast(double a, double b, std::uint16_t digits = kDigits);
 /// Whether `a` is at most `b` at `digits` decimal digits.
 bool AtMost(double a, double b, std::uint16_t digits = kDigits);
 
-/// The gon has 400 to the full turn.
+/// A full turn has 400 gon.
 constexpr double GonToRad(double gon) { return gon / 200.0 * PI; }
 
-/// A direction this near the boundary of an area (half of it on either side) counts as inside.
+/// The width of the boundary band, half of it on either side: directions in it count as inside.
 inline constexpr double CONTAINS_TOLERANCE = GonToRad(0.001);
 
-/// The angle in [0, 2 pi) that differs from `a` by full turns; NaN when `a` is not finite.
+/// The angle in [0, 2 pi) that differs from `a` by full turns; NaN if `a` is not finite.
 inline double NormalizeAngle(double a) {
   if (0.0 <= a && a < TWO_PI) return a;
   return std::fmod(std::fmod(a, TWO_PI) + TWO_PI, TWO_PI);
 }
 
-/// Brings `a` into [lo, hi] by full turns.
+/// Moves `a` into [lo, hi] by full turns.
 ///
-/// \return false, with `a` unchanged, when `lo` is not below `hi`, when one of the three lies
-///         outside [-100, 100], or when no turn brings `a` to within 10 decimal digits of the
-///         range.
+/// \return false, with `a` unchanged, if `lo` is not below `hi`, if one of the three is outside
+///         [-100, 100], or if no number of turns moves `a` into the range, to 10 decimal digits.
 bool WrapIntoRange(double& a, double lo, double hi);
 
 /// The same direction seen in the first face: a V beyond pi becomes 2 pi - V at the opposite Hz.
 void ToFirstFace(AnglePointC& p);
 
-/// The distance of two points of the (Hz, V) plane.
+/// The distance between two points of the (Hz, V) plane.
 inline double PlanarDistance(const AnglePointC& p, const AnglePointC& q) {
   const double hz = p.Hz - q.Hz;
   const double v = p.V - q.V;
@@ -87,7 +86,7 @@ inline double PlanarDistance(const AnglePointC& p, const AnglePointC& q) {
 }
 
 /// The distance of `p` from the infinite line through `a` and `b` in the (Hz, V) plane; NaN or
-/// infinite when `a` and `b` coincide.
+/// infinite if `a` and `b` coincide.
 inline double PlanarLineDistance(const AnglePointC& p, const AnglePointC& a, const AnglePointC& b) {
   return std::fabs((a.Hz - b.Hz) * (a.V - p.V) - (a.Hz - p.Hz) * (a.V - b.V)) /
          PlanarDistance(a, b);

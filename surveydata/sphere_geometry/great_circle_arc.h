@@ -24,11 +24,11 @@ class GreatCircleArcC {
   bool IsOpposite() const { return opposite_; }
 
   /// The course at the start towards the end, from north over east, in [0, 2 pi).
-  /// \source c = atan(sin d / (tan latE cos latS - cos d sin latS)), d = lonE - lonS, brought into
-  ///         the half turn that the sign of d asks for.
+  /// \source c = atan(sin d / (tan latE cos latS - cos d sin latS)), d = lonE - lonS, moved into
+  ///         the half turn that the sign of d requires.
   double GetCourse() const;
 
-  /// The point of the arc's great circle nearest a pole.
+  /// The point of the arc's great circle nearest to a pole.
   ///
   /// \param latitude, longitude  set on success to the vertex in the hemisphere of the start; the
   ///                             longitude is not normalised.

@@ -37,7 +37,7 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
     const std::uint32_t high = ToUnits(interval.high, 1.0);
     for (std::size_t bucket = BucketOf(low); bucket <= BucketOf(high); ++bucket) {
       Hull& hull = hulls_[bucket];
-      // They come in ascending order.
+      // The intervals are in ascending order.
       hull.low = std::min(hull.low, low);
       hull.length = high - hull.low;
     }

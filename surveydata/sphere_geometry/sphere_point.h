@@ -8,18 +8,18 @@
 
 namespace GMAT {
 
-/// A point of the unit sphere in latitude and longitude, with its unit vector once it was asked
-/// for. A new point is not set.
+/// A point of the unit sphere in latitude and longitude, with its unit vector after the first call
+/// that needs it. A new point is not set.
 class SpherePointC {
  public:
   SpherePointC() = default;
-  /// The point in direction `p`: latitude pi/2 - V, wrapped into [-pi, pi] where that succeeds;
+  /// The point in direction `p`: latitude pi/2 - V, wrapped into [-pi, pi] if that succeeds;
   /// the longitude is Hz, not wrapped.
   explicit SpherePointC(const AnglePointC& p);
 
   double GetLatitude() const { return latitude_; }
   double GetLongitude() const { return longitude_; }
-  /// Sets both angles, each wrapped into its range, [-pi/2, pi/2] and [0, 2 pi], where that
+  /// Sets both angles, each wrapped into its range, [-pi/2, pi/2] and [0, 2 pi], if that
   /// succeeds.
   void Set(double latitude, double longitude);
 

@@ -40,8 +40,8 @@ std::vector<json> LoadExpectations(const std::string& name) {
 
 json PairOf(const SDI::GPSCounterPair& pair) { return {pair.first, pair.second}; }
 
-// The units of a text as in the JSON strings of the expectations. In the samples every unit other
-// than surrogates is a character.
+// Converts a text as in the JSON strings of the expectations. In the samples, every unit that is
+// not a surrogate is a character.
 std::string Utf8Of(const std::u16string& text) {
   std::string bytes;
   for (const char16_t u : text) {

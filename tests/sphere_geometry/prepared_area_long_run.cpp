@@ -1,8 +1,8 @@
-// prepared_area_long_run [PROBES [SEED [PER_RING]]]: asks prepared areas, with and without a
-// raster or lists of edges in order, one by one and in batches, and the plain rules for random and
-// adversarial directions, PROBES of them, PER_RING to a ring, and reports how often the bounds did
-// not prove the answer. Exits with 1 at the first difference. A test asks for a few, a long run for
-// 10^9, 10^5 to a ring.
+// prepared_area_long_run [PROBES [SEED [PER_RING]]]: compares prepared areas, with and without
+// a raster or ordered lists of edges, one direction at a time and in batches, with the plain rules.
+// Tests PROBES random and adversarial directions, PER_RING for each ring, and reports how often the
+// bounds did not prove the answer. Exits with 1 at the first difference. A test uses a few
+// directions, a long run 10^9, with 10^5 per ring.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -24,8 +24,8 @@ namespace {
 using GMAT::AnglePointC;
 using GMAT::PreparedSphereAreaC;
 
-// The rules over all edges, as `SphereAreaC::Contains` takes them, but with the edges and the
-// validity of the ring found once.
+// The rules over all edges, as in `SphereAreaC::Contains`, but the edges and the validity of the
+// ring are computed only once.
 class PlainRulesC {
  public:
   explicit PlainRulesC(const GMAT::SphereAreaC& area)
@@ -64,7 +64,7 @@ struct Tally {
   }
 };
 
-// One ring and all ways to ask it.
+// One ring, and all ways to query it.
 class RingC {
  public:
   explicit RingC(const std::vector<AnglePointC>& points) {
@@ -78,7 +78,7 @@ class RingC {
   const GMAT::AreaFrame& GetFrame() const { return rules_->GetFrame(); }
   const GMAT::DecidedRasterC* GetRaster() const { return many_->GetRaster(); }
 
-  // `isFirst`: asks the area itself, too, which builds all anew.
+  // With `isFirst` the area itself is tested, too, which repeats all preparations.
   bool Compare(AnglePointC probe, bool isFirst, Tally& tally) {
     const bool expected = rules_->Contains(probe.Hz, probe.V);
     const PreparedSphereAreaC::Answer few = few_->Ask(probe.Hz, probe.V);
@@ -131,7 +131,8 @@ class RingC {
   std::unique_ptr<PlainRulesC> rules_;
   std::unique_ptr<PreparedSphereAreaC> few_;
   std::unique_ptr<PreparedSphereAreaC> many_;
-  std::unique_ptr<PreparedSphereAreaC> ordered_;  // with lists in order, as of very many edges
+  std::unique_ptr<PreparedSphereAreaC>
+      ordered_;  // with ordered lists, as if it had very many edges
   std::vector<double> hz_;
   std::vector<double> v_;
   std::vector<char> expected_;
@@ -181,7 +182,7 @@ int main(int argc, char** argv) {
   Tally crowded;
   std::uint64_t probes = 0;
   for (std::uint64_t rings = 0; probes < wanted; ++rings) {
-    // One in a hundred of small rings, one in ten where a ring is asked for long.
+    // One in a hundred, or one in ten if many directions are tested per ring.
     const bool isCrowded = rings % (perRing > 1000 ? 10 : 100) == 0;
     RingC ring(isCrowded ? CrowdedRing(random) : random.Ring(200, true));
     for (std::uint64_t i = 0; i < perRing; ++i, ++probes) {

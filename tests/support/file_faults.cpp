@@ -9,7 +9,7 @@
 namespace Faults {
 namespace {
 
-// Not a vector: nothing may allocate here while allocations are counted.
+// Not a vector: this code must not allocate while allocations are counted.
 std::array<const char*, 1000> g_calls;
 std::size_t g_callCount = 0;
 std::size_t g_failing = kNever;
@@ -18,7 +18,7 @@ Extent g_extent = Extent::kNothing;
 int g_openFiles = 0;
 const std::FILE* g_failed = nullptr;  // the last file for which a read or write failed
 
-// Whether this call must fail.
+// Whether this call is to fail.
 bool IsToFail(const char* name) {
   if (g_callCount < g_calls.size()) g_calls[g_callCount] = name;
   const std::size_t call = g_callCount++;

@@ -95,7 +95,7 @@ class AnswerC {
     if (++size_ == kBlock) Flush();
   }
 
-  /// Whether all were inside.
+  /// Returns whether all directions were inside.
   bool Close() {
     Flush();
     if (form_ == Form::kText) {
@@ -106,7 +106,7 @@ class AnswerC {
     return outside_ == 0;
   }
 
-  /// Whether there was no direction at all.
+  /// Whether there was no direction.
   bool IsEmpty() const { return inside_ + outside_ == 0; }
 
  private:

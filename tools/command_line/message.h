@@ -6,9 +6,9 @@
 namespace Tool {
 
 /// Writes a message of one line to standard error, with the name of the program before it, and a
-/// second line if there is a hint. What could steer a terminal or look like another line is escaped
-/// (see `WriteVisible`). A message that cannot be written is lost: it changes neither the work nor
-/// the exit code.
+/// second line if there is a hint. Characters that could control a terminal or look like another
+/// line are escaped (see `WriteVisible`). A message that cannot be written is lost: it changes
+/// neither the output nor the exit code.
 void Tell(std::string_view message, std::string_view hint = {}) noexcept;
 
 }  // namespace Tool

@@ -8,12 +8,13 @@
 
 namespace Tool {
 
-/// How many characters must be replaced, left out or inserted to make `b` of `a` (Levenshtein).
+/// The number of characters to replace, delete or insert to turn `a` into `b` (Levenshtein distance).
 std::size_t EditDistance(std::string_view a, std::string_view b);
 
-/// The one of `names` that a mistyped word probably means: the only one that begins with the word,
-/// for "-v" the only long option that begins with that letter, or the only nearest one, with at
-/// most two wrong, missing or additional characters, fewer than half of the word. Empty if none is.
+/// The name among `names` that a mistyped word probably means: the only one that begins with the
+/// word, for "-v" the only long option that begins with that letter, or the only closest one, with
+/// at most two wrong, missing or additional characters, fewer than half of the word. Empty if there
+/// is none.
 std::string Nearest(std::string_view word, const std::vector<std::string>& names);
 
 }  // namespace Tool

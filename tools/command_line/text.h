@@ -9,8 +9,8 @@
 
 namespace Tool {
 
-/// UTF-8 for files that people read: surrogate pairs become their character; a surrogate without
-/// its other half and control characters become U+FFFD.
+/// UTF-8 for text files: surrogate pairs become their character; unpaired surrogates and control
+/// characters become U+FFFD.
 std::string ToPrintable(std::u16string_view text);
 /// The same for UTF-8; bytes that are not UTF-8 become U+FFFD as well.
 std::string ToPrintable(std::string_view utf8);
@@ -18,10 +18,10 @@ std::string ToPrintable(std::string_view utf8);
 /// The text with U+FFFD in place of bytes that are not UTF-8.
 std::string ToUtf8(std::string_view text);
 
-/// UTF-8 for terminals: what could move the cursor, break the line or reverse the order of other
-/// characters is written as an escape: control characters, among them those from U+0080 on, line
-/// and paragraph separators, and bidirectional controls, such as \n, \x1b or \u202e; bytes that are
-/// not UTF-8 such as \xff; surrogates without their other half such as \ud83d.
+/// UTF-8 for terminals. Everything that could move the cursor, break the line or reverse the order
+/// of other characters is escaped: control characters, including those from U+0080 on, line and
+/// paragraph separators, and bidirectional controls, for example as \n, \x1b or \u202e; bytes that
+/// are not UTF-8, as \xff; unpaired surrogates, as \ud83d.
 std::string ToVisible(std::u16string_view text);
 std::string ToVisible(std::string_view utf8);
 /// The same, part by part and without allocating.

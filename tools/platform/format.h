@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 
 /// \file
-/// Formatting that is quick to compile: `fmt::format`, and `Append` in place of `fmt::format_to`,
-/// whose formatter the compiler would make anew in every file.
+/// Formatting that compiles quickly: `fmt::format`, and `Append` instead of `fmt::format_to`, whose
+/// formatter would be instantiated in every file.
 
 namespace Tool {
 

@@ -5,16 +5,15 @@
 #include <string>
 
 /// \file
-/// What the program needs of the operating system beside the C++ library: `platform_posix.cpp` or
-/// `platform_windows.cpp`. The files that `record set` replaces have a seam of their own,
-/// `file_pair.h`.
+/// What the program needs from the operating system in addition to the C++ library:
+/// `platform_posix.cpp` or `platform_windows.cpp`. `file_pair.h` replaces files for `record set`.
 
 namespace Tool {
 
 enum class StandardStream { kInput, kOutput, kError };
 
-/// Makes the standard streams carry bytes as they are, and text in UTF-8; keeps files that are
-/// opened later from taking the place of one that is closed. Call it first.
+/// Makes the standard streams pass bytes unchanged, and text as UTF-8. Prevents files that are
+/// opened later from getting the number of a closed standard stream. Call it first.
 void PrepareStandardStreams();
 
 bool IsTerminal(StandardStream stream);
@@ -22,7 +21,7 @@ bool IsTerminal(StandardStream stream);
 /// What a user types to end the input on a terminal.
 extern const char* const kEndOfInput;
 
-/// The path that a name of the command line means; on Windows such names are UTF-8.
+/// The path for a name from the command line; on Windows such names are UTF-8.
 std::filesystem::path ToPath(const std::string& name);
 
 }  // namespace Tool

@@ -40,7 +40,7 @@ std::string Written(const TempFolderC& folder, const std::string& text) {
   return file;
 }
 
-// Throws where the text is no well-formed XML.
+// Throws if the text is not well-formed XML.
 ptree ParseXml(const std::string& text) {
   std::istringstream in(text);
   ptree tree;
@@ -48,7 +48,7 @@ ptree ParseXml(const std::string& text) {
   return tree;
 }
 
-// How many elements of a kind have an attribute of this value, however deep.
+// The number of elements of a kind, at any depth, that have an attribute with this value.
 std::size_t Count(const ptree& tree, const std::string& element, const std::string& attribute,
                   const std::string& value) {
   std::size_t count = 0;
@@ -110,7 +110,7 @@ TEST(AreaInfo, GivesJsonInTheUnitOfTheFile) {
   EXPECT_TRUE(bowTie["directions"].is_null());
 }
 
-// The bounds need the points alone.
+// The bounds need only the points.
 TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
   const TempFolderC folder;
   const std::string file = Written(folder, R"({"kind": "rectangle", "unit": "deg", "hzStep": 0,
@@ -124,8 +124,8 @@ TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
   EXPECT_TRUE(info["directions"].is_null());
 }
 
-// The library has bounds for two points of a polygon, whose ring on the sphere is that of a
-// rectangle, but the area is none.
+// The library returns bounds for two points of a polygon, which form a rectangle on the sphere, but
+// they are not a polygon.
 TEST(AreaInfo, TellsNoBoundsOfPointsThatAreNoPolygon) {
   const TempFolderC folder;
   for (const char* const points :
@@ -204,7 +204,7 @@ TEST(AreaFile, IsRefusedWithThePlaceAndTheReason) {
   }
 }
 
-// Its limits are stated, and what is larger ends soon.
+// The limits are documented, and larger files are refused quickly.
 TEST(AreaFile, IsRefusedWhenItIsTooLarge) {
   const TempFolderC folder;
   const std::string head =
@@ -287,7 +287,7 @@ TEST(AreaOutline, TakesTheDefaultWhereNoCornerHasADistance) {
   EXPECT_EQ(Area("outline", AreaPath("dome"), {"--csv"}).out, "hz,v,distance\r\n");
 }
 
-// A question to an area that is not valid has no answer; a picture shows why.
+// An area that is not valid cannot be queried; its picture shows why.
 TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
   const TempFolderC folder;
   const std::string reason = "surveydata: the area is not valid: edges 1 (point 1 to 2) and 3";
@@ -365,7 +365,7 @@ TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
   EXPECT_EQ(none.err, "surveydata: standard input: there is no direction\n");
 }
 
-// Point names and remarks go with their directions, whatever the order of the columns.
+// Point names and remarks stay with their directions, for any order of the columns.
 TEST(AreaContains, PassesOtherColumnsOn) {
   const TempFolderC folder;
   const std::string text =
@@ -411,7 +411,7 @@ TEST(AreaContains, WritesCsvWithoutOtherColumns) {
       "hz,v,inside\r\n");
 }
 
-// Each statement of the help, asked of an area from Hz 100 to 160 deg, V 60 to 110.
+// Tests each statement of the help with an area from Hz 100 to 160 deg, V 60 to 110.
 TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
   std::string help = RunProgram({"area", "contains", "--help"}).out;
   std::replace(help.begin(), help.end(), '\n', ' ');
@@ -441,7 +441,7 @@ TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
   }
 }
 
-// As a record file without a measurement: whoever asks expects an answer.
+// As for a record file without a measurement: an empty table is probably a mistake.
 TEST(AreaContains, EndsWithOneForATableWithoutADirection) {
   const TempFolderC folder;
   const std::string file = folder / "empty.csv";
@@ -483,7 +483,7 @@ TEST(AreaContains, TakesTheUnitInAHeadingOnlyIfItIsThatOfTheArea) {
             other.err);
 }
 
-// Columns without a heading have numbers for names.
+// Without a heading, columns are named by numbers.
 TEST(AreaContains, TakesTheColumnsThatAreNamed) {
   const TempFolderC folder;
   const std::string text = "P1\t90\t0\n";
@@ -523,7 +523,7 @@ TEST(AreaCommands, DoNotSteerTheTerminal) {
         << outcome.out << outcome.err;
     EXPECT_EQ((outcome.out + outcome.err).find_first_of("\x1B\x7F"), std::string::npos);
   }
-  // A line break in a name does not make another line of the message.
+  // A line break in a name does not start a new line of the message.
   const Outcome missing = Area("info", folder / "a\nsurveydata: done");
   EXPECT_EQ(Lines(missing.err).size(), 1u) << missing.err;
   EXPECT_NE(missing.err.find("a\\nsurveydata: done"), std::string::npos) << missing.err;
@@ -573,7 +573,7 @@ TEST(AreaContains, NamesTheLineThatIsNotADirection) {
             "surveydata: standard input: line 2 has 1 column, not 2 as the first line: heading\n");
 }
 
-// Around the size of a block, and many.
+// Numbers around the size of a block, and a large one.
 TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
   const TempFolderC folder;
   const Tool::AreaFile file = Tool::LoadAreaFile(AreaPath("facade"));
@@ -651,7 +651,7 @@ TEST(AreaPlot, MarksProbesByTheirAnswer) {
   EXPECT_EQ(Count(svg, "line", "stroke", "#aa3377"), 6u);
 }
 
-// The texts of a picture as boxes that are hardly larger than they are in any font.
+// The texts of a picture as boxes, hardly larger than the texts are in any font.
 struct TextBox {
   double left, top, right, bottom;
   std::string text;
@@ -704,7 +704,7 @@ TEST(AreaPlot, HasNoTextsThatOverlap) {
   for (const auto& entry : fs::directory_iterator(DataPath("../../docs/pictures"))) {
     if (entry.path().extension() == ".json") files.push_back(entry.path().string());
   }
-  std::string close;  // corners beside each other
+  std::string close;  // corners next to each other
   for (int i = 0; i < 90; ++i) {
     close += (i > 0 ? "," : "") + json({1 + i % 10 * 0.01, 1 + i / 10 * 0.02}).dump();
   }
@@ -734,7 +734,7 @@ std::string Ring(const std::vector<std::pair<double, double>>& corners) {
          "]}";
 }
 
-// Teeth side by side along Hz.
+// A comb whose teeth lie side by side along Hz.
 std::string Comb(int teeth) {
   std::vector<std::pair<double, double>> corners = {{10, 20}};
   for (int i = 0; i < teeth; ++i) {
@@ -815,7 +815,7 @@ TEST(AreaPlot, WritesAtMostTwoMegabytesAndSaysWhatItLeavesOut) {
   }
 }
 
-// What is drawn as a raster is drawn where it is.
+// Directions in a raster are drawn at their positions.
 TEST(AreaPlot, DrawsManyDirectionsWhereTheyAre) {
   const TempFolderC folder;
   std::string directions;

@@ -16,7 +16,7 @@ namespace {
 using boost::property_tree::ptree;
 using nlohmann::json;
 
-// Throws where the text is no well-formed XML.
+// Throws if the text is not well-formed XML.
 ptree ParseXml(const std::string& text) {
   std::istringstream in(text);
   ptree tree;
@@ -49,7 +49,7 @@ std::vector<std::size_t> Runs(const ptree& svg, const std::string& colour) {
   return runs;
 }
 
-// The same from the expectation lines; the median step is that of the samples.
+// The same from the expectation lines; `medianStep` is that of the samples.
 std::vector<std::size_t> ExpectedRuns(const std::vector<json>& records, long medianStep,
                                       bool (*hasValue)(const json&)) {
   std::vector<std::size_t> runs;

@@ -1,4 +1,4 @@
-// What `record set` keeps, and withstands, on Windows.
+// What `record set` preserves on Windows, and how it handles open files.
 
 #include <chrono>
 #include <cstddef>
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file that is open as another program may have it.
+// A file that is open as another program may open it.
 class OpenFileC {
  public:
   OpenFileC(const std::string& name, DWORD access, DWORD shared)

@@ -1,4 +1,4 @@
-// What `surveydata view` writes.
+// The pages that `surveydata view` writes.
 
 #include <filesystem>
 #include <string>
@@ -17,7 +17,7 @@ constexpr const char* kAfter = "\n<script>1 < 2</script>\n";
 
 Bytes BytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
-// A page in the folder, and what it becomes with a file.
+// Writes a page to the folder.
 std::string MakePage(const TempFolderC& folder) {
   const std::string page = folder / "page.html";
   WriteBytes(page, BytesOf(std::string(kBefore) + "<!-- file -->" + kAfter));
@@ -32,7 +32,7 @@ Outcome View(const std::string& file, const std::string& page, const std::string
   return RunProgram({"view", file, "--page", page, "-o", out});
 }
 
-// The vectors of RFC 4648, section 10, and bytes of every kind.
+// The test vectors of RFC 4648, section 10, and all byte values.
 TEST(View, EmbedsTheFileInBase64) {
   const TempFolderC folder;
   const std::string page = MakePage(folder);
@@ -59,7 +59,7 @@ TEST(View, EmbedsTheFileInBase64) {
   }
 }
 
-// More than one part of the encoding, whose ends are not those of the file.
+// A file that is encoded in more than one part.
 TEST(View, EmbedsALongFileAsOneText) {
   const TempFolderC folder;
   WriteBytes(folder / "a.rec", Bytes(500'000, 0));
