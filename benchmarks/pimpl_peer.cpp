@@ -23,7 +23,7 @@ void PointC::SetX(double x) { impl_->x = x; }
 
 template <std::size_t size>
 struct BlockC<size>::Impl {
-  Impl() {}  // leaves the bytes alone
+  Impl() {}  // leaves the bytes uninitialised
   Impl(const Impl& other) = default;
   virtual ~Impl() = default;
 

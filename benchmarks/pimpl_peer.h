@@ -5,8 +5,8 @@
 #include <memory>
 
 /// \file
-/// Classes with a pointer to their implementation as one writes them by hand, in a shared library
-/// of their own: the peers of the public classes.
+/// Hand-written classes with a pointer to their implementation, in a separate shared library: the
+/// peers of the public classes.
 
 namespace Peer {
 

@@ -1,6 +1,6 @@
 // prepared_area_stream [DIRECTIONS [CORNERS [THREADS]]]: how long a prepared area takes for very
 // many distinct random directions, by default 10^9 on a lobed ring of 100 corners over two threads.
-// Each thread makes a chunk of directions, which is not timed, then asks about it, which is timed.
+// Each thread creates a chunk of directions, which is not timed, and then tests it, which is timed.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The measurements of a file as columns, compared with walking and decoding alone.
+// The measurements of a file as columns, compared with only walking and decoding.
 
 #include <cstddef>
 #include <cstdint>
@@ -72,7 +72,7 @@ class BatchC {
   std::vector<std::vector<std::uint64_t>> blocks_;
 };
 
-// The bytes of so many values of a type that is neither text nor list.
+// The bytes of `rows` values of a type that is neither text nor list.
 std::size_t BytesOf(SDI::GPSColumnType type, std::size_t rows) {
   switch (type) {
     using enum SDI::GPSColumnType;
@@ -108,7 +108,7 @@ BENCHMARK_CAPTURE(BM_Columns, all, Choice::kAll)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, numbers, Choice::kNumbers)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, few, Choice::kFew)->Unit(benchmark::kMillisecond);
 
-// What no reader of columns is faster than: walking and decoding, and writing as many bytes as all
+// A lower bound for any reader of columns: walking and decoding, and writing as many bytes as all
 // columns take to as many places.
 void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
   const SamplesC& samples = SamplesC::Get();
@@ -151,7 +151,7 @@ void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
 }
 BENCHMARK(BM_WalkDecodeAndWriteBytes)->Unit(benchmark::kMillisecond);
 
-// The same buffers by the function of the C interface.
+// The same buffers, filled by the function of the C interface.
 void BM_ColumnsInC(benchmark::State& state, Choice choice) {
   const SamplesC& samples = SamplesC::Get();
   BatchC batch(ColumnsOf(choice));
@@ -178,7 +178,7 @@ void BM_ColumnsInC(benchmark::State& state, Choice choice) {
 BENCHMARK_CAPTURE(BM_ColumnsInC, all, Choice::kAll)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_ColumnsInC, few, Choice::kFew)->Unit(benchmark::kMillisecond);
 
-// The Arrow stream of all columns, each batch released when the next one is asked for.
+// The Arrow stream of all columns, each batch released when the next one is requested.
 void BM_ArrowStream(benchmark::State& state) {
   const SamplesC& samples = SamplesC::Get();
   std::size_t count = 0;

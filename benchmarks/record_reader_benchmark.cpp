@@ -1,4 +1,4 @@
-// A reader of whole files, beside reading and decoding alone.
+// A reader of whole files, compared with only reading and decoding.
 
 #include <cstddef>
 #include <cstdint>

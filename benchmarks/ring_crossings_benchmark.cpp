@@ -1,4 +1,5 @@
-// Validity of rings in which many edges share a range of Hz and many a range of V, beside S2.
+// Validity of rings in which many edges share a range of Hz and many a range of V, compared
+// with S2.
 #include <cstddef>
 #include <memory>
 #include <string>

@@ -12,7 +12,7 @@ struct Direction {
   double v;
 };
 
-/// A star-shaped ring of `n` corners, some 0.4 rad wide, as one draws it around a building: five
+/// A star-shaped ring of `n` corners, some 0.4 rad wide, such as one around a building: five
 /// lobes, and noise of a fifth of the distance between neighbours.
 inline std::vector<Direction> LobedRing(std::size_t n) {
   std::mt19937_64 random(n);
@@ -27,8 +27,8 @@ inline std::vector<Direction> LobedRing(std::size_t n) {
   return ring;
 }
 
-/// A star-shaped ring of spikes: the radius of each corner is drawn anew, so that a meridian
-/// crosses a good part of all edges.
+/// A star-shaped ring of spikes: the radius of each corner is random, so that a meridian crosses
+/// a large part of all edges.
 inline std::vector<Direction> SpikyRing(std::size_t n) {
   std::mt19937_64 random(n);
   std::uniform_real_distribution<double> radius(0.3, 0.5);

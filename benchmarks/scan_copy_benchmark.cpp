@@ -1,4 +1,4 @@
-// Copying a scan with an area of 100 points, beside the allocations that it makes and nothing else.
+// Copying a scan with an area of 100 points, compared with only the allocations that it makes.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// The sizes asked for while recording.
+// The sizes of the allocations that are recorded.
 bool isRecording = false;
 std::size_t sizes[1024];
 std::size_t sizeCount = 0;

@@ -1,4 +1,4 @@
-// Sphere areas beside S2 and Boost.Geometry: containment, preparing, one question, validity.
+// Sphere areas compared with S2 and Boost.Geometry: containment, preparation, one query, validity.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -59,7 +59,7 @@ void PerProbe(benchmark::State& state, std::size_t probes) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(probes));
 }
 
-// Every benchmark of probes asks for all of them in one iteration; items_per_second is its rate.
+// Every benchmark of probes tests all of them in one iteration; items_per_second is its rate.
 
 void BM_ProbeBatch(benchmark::State& state, Ring ring) {
   SDI::ScanPolygonAreaC area;
@@ -188,7 +188,7 @@ void BM_Prepare(benchmark::State& state, Ring ring) {
   }
 }
 
-// The raster is made besides: this less `BM_Prepare` is its time.
+// Also builds the raster: the difference from `BM_Prepare` is its time.
 void BM_PrepareMany(benchmark::State& state, Ring ring) {
   SDI::ScanPolygonAreaC area;
   FillArea(area, ring(Size(state)));
@@ -221,7 +221,7 @@ void BM_PrepareS2IndexOnly(benchmark::State& state, Ring ring) {
   }
 }
 
-// One question to an area that is not prepared.
+// One query of an area that is not prepared.
 void BM_Once(benchmark::State& state, Ring ring) {
   SDI::ScanPolygonAreaC area;
   FillArea(area, ring(Size(state)));
@@ -233,7 +233,7 @@ void BM_Once(benchmark::State& state, Ring ring) {
   }
 }
 
-// A question whose answer needs all that the area knows: inside, where validity decides.
+// The most expensive query: the direction is inside, so the validity is checked, too.
 void BM_OnceInside(benchmark::State& state, Ring ring) {
   SDI::ScanPolygonAreaC area;
   FillArea(area, ring(Size(state)));

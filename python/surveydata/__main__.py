@@ -43,7 +43,7 @@ def _parser() -> argparse.ArgumentParser:
         "to-parquet",
         help="write record files as a folder of Parquet files",
         description="Writes the measurements of record files as a folder of Parquet files. Run it "
-        "again after it was interrupted: it goes on where it was.",
+        "again to continue an interrupted run.",
         allow_abbrev=False,
     )
     to_parquet.add_argument("archive", metavar="ARCHIVE", nargs="+", help="file, folder or URL")

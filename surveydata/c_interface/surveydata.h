@@ -22,7 +22,7 @@
 /// is an argument.
 ///
 /// **Arrays** that a function fills have a capacity in elements. The function sets the number of
-/// elements that there are. If that exceeds the capacity, it fills the array up to its capacity and
+/// available elements. If that exceeds the capacity, it fills the array up to its capacity and
 /// returns `SURVEYDATA_BUFFER_TOO_SMALL`. With a null pointer and the capacity 0 it only sets the
 /// number, and succeeds.
 ///
@@ -438,7 +438,7 @@ enum {
 /// return, and absent where these return nothing. docs/columns.md lists the columns.
 typedef struct surveydata_column {
   const char* name;  ///< In snake case.
-  const char* unit;  ///< "m", "ms"; "" where there is none.
+  const char* unit;  ///< "m", "ms"; "" if there is none.
   const char* description;
   uint32_t type;
   int32_t can_be_absent;

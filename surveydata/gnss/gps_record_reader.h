@@ -69,7 +69,7 @@ class SURVEYDATA_API GPSRecordC {
 /// The records are those that `GPSRecordIndexC` finds. The source is only read, and may be
 /// read-only. A reader has no state outside itself: any number of readers may run in any number of
 /// threads, even on the same file or bytes; only one thread at a time may use one reader. Files are
-/// read in blocks, not mapped: a file that is truncated meanwhile just ends earlier.
+/// read in blocks, not mapped: a file that is truncated during reading just ends earlier.
 ///
 /// **Stretches.** A reader of the stretch `[begin, end)` returns the records, gaps and damaged
 /// headers that begin there in the walk from the start of the source: the results of adjacent

@@ -43,7 +43,7 @@ class SURVEYDATA_API GPSRecordWriterC {
   /// If the process ends during the call, the file is unchanged or ends with part of the records,
   /// which readers report as a gap. `kDone` means that the system has accepted the bytes, not that
   /// they are on the disk. Only one process at a time may append: after a failure, the truncation
-  /// also removes what another one has appended meanwhile.
+  /// also removes what another process has appended.
   static GPSAppendOutcome Append(const char* fileName, std::span<const std::uint8_t> records);
 };
 

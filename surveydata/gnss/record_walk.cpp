@@ -30,7 +30,7 @@ bool WindowC::Fetch(std::size_t count) {
   try {
     source_->Read(at, {&buffer_[left], size}, got);
   } catch (...) {
-    end_ += got;  // it goes on there
+    end_ += got;  // continues there
     throw;
   }
   end_ += got;

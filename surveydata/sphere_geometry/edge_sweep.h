@@ -32,7 +32,7 @@ enum class SweepResult {
 ///   1e-10 and asks for a difference below 1e-10, so it accepts 2e-10 and the rounding of three
 ///   operations on angles up to 2048, 2.02e-10 in all. Along a line, both coordinates are limited,
 ///   so the point is past an end by at most 2.02e-10 sqrt(2) = 2.86e-10.
-/// - It lies on the line of A but for the rounding of a1 + t a, 3 u 2048 < 1e-12.
+/// - It lies on the line of A up to the rounding of a1 + t a, 3 u 2048 < 1e-12.
 /// - From the line of B it is off by |t D - N| / |b|. N and D are computed with errors of at most
 ///   4 u |b1 - a1| |b| and 4 u |a| |b| (Cauchy's inequality), the division adds u |t a|: together
 ///   less than 4e-12, however nearly parallel the lines are.

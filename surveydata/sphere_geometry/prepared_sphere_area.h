@@ -37,7 +37,7 @@ class PreparedSphereAreaC {
   ///       unless edges crowd in a small part of the area.
   Answer Ask(double hz, double v) const;
 
-  /// The edges and bounds that the rules are asked of; null if the points do not form an area.
+  /// The edges and bounds to which the rules are applied; null if the points do not form an area.
   const AreaFrame* GetFrame() const { return way_ != Way::kNever ? &frame_ : nullptr; }
 
   /// The raster, or null: without one, or where it would decide nothing.

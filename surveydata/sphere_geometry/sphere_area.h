@@ -72,7 +72,7 @@ class SphereAreaC : public AreaManagerI {
   /// 0, which corresponds to `hzOrigin`. False with fewer than two points.
   bool BuildEdgeList(std::vector<AnglePointC>& edges, double& hzOrigin) const;
 
-  /// The distance of a direction from the nearest edge that it is beside, measured in the plane of
+  /// The distance of a direction from the nearest edge next to it (`IsBeside`), in the plane of
   /// (Hz, V) at Hz + `hzOrigin`, without the closing edge of a polygon. The largest finite double
   /// if there is none.
   double DistanceToBoundary(double hz, double v) const;

@@ -214,7 +214,7 @@ static int64_t read_at(void* context, uint64_t offset, uint8_t* to, size_t count
   return (int64_t)count;
 }
 
-/* The rows before a failure are in the buffers, and reading goes on after a cancelled call. */
+/* The rows before a failure are in the buffers, and reading continues after a cancelled call. */
 static void test_failures(const uint8_t* bytes, size_t size) {
   static const struct {
     int64_t answer;

@@ -6,8 +6,8 @@
 
 #include <surveydata/c_interface/surveydata.h>
 
-/* Checks of the tests in C. A check that fails is reported, and the test goes on; `check_result` is
-   what `main` returns. */
+/* Checks of the tests in C. A check that fails is reported, and the test continues; `check_result`
+   is what `main` returns. */
 
 static int check_count = 0;
 static int check_failures = 0;

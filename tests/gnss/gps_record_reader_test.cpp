@@ -572,7 +572,7 @@ class HaltingC {
   std::uint64_t given_ = 0;
 };
 
-// Reads on after each exception, as often as the source can throw and not once more.
+// Continues after each exception, exactly as often as the source throws.
 std::vector<GPSRecordEntry> EntriesDespite(GPSRecordReaderC& reader, std::size_t most) {
   std::vector<GPSRecordEntry> entries;
   GPSRecordEntry entry;

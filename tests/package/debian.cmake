@@ -169,7 +169,7 @@ foreach(file
     message(FATAL_ERROR "${file} is not installed")
   endif()
 endforeach()
-# gdb searches its own folder for a script at the library's path; the printers lie beside the
+# gdb searches its own folder for a script at the library's path; the printers are next to the
 # library.
 file(GLOB_RECURSE library RELATIVE ${root} ${root}/usr/lib/libsurveydata.so.${VERSION})
 cmake_path(GET library PARENT_PATH library_dir)

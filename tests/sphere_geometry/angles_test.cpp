@@ -34,7 +34,7 @@ TEST(Angles, ConstantsAreTheNearestDoubles) {
 TEST(Angles, TheStepOfAComparisonIsThePowerOfTen) {
   for (std::uint16_t digits = 0; digits < 16; ++digits) {
     SCOPED_TRACE(digits);
-    // Some runtimes have a power that is a few units beside it.
+    // In some runtimes the power is off by a few units in the last place.
     EXPECT_EQ(DecimalStep(digits), digits == kDigits ? 1e-10 : std::pow(10.0, -digits));
     EXPECT_NEAR(DecimalStep(digits) / std::stod("1e-" + std::to_string(digits)), 1.0, 1e-14);
   }

@@ -31,13 +31,13 @@ std::vector<Case> Load() {
   return cases;
 }
 
-// Doubles in their order as whole numbers, so that neighbours differ by one.
+// Maps doubles to integers in the same order, so that adjacent doubles differ by one.
 std::int64_t Rank(double x) {
   const auto bits = std::bit_cast<std::int64_t>(x);
   return bits < 0 ? std::numeric_limits<std::int64_t>::min() - bits : bits;
 }
 
-// NaN is NaN, whatever its sign.
+// All NaNs are the same.
 bool IsSame(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
          (std::isnan(a) && std::isnan(b));

@@ -80,7 +80,7 @@ TEST(HzIntervals, OnAFullTurnWhatLiesBeyondOneEndComesInAtTheOther) {
   EXPECT_FALSE(narrow.Contains(0.95));
 }
 
-// A width that is a whole number of units but for the rounding of a quotient or a product, and
+// A width that is a whole number of units up to the rounding of a quotient or a product, and
 // others.
 TEST(HzIntervals, AnIntervalUpToTheWidthContainsTheWidth) {
   std::mt19937_64 random(5);

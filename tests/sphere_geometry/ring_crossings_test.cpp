@@ -437,7 +437,7 @@ TEST(RingCrossings, CrossingsAreFoundAfterChordsThatChangedPlaces) {
   }
 }
 
-// All pairs of edges that cross, or some of them where there are more than asked for.
+// All pairs of edges that cross, or some of them if there are more than requested.
 TEST(RingCrossings, FindsTheEdgesThatCross) {
   HostileRingGenerator random(5);
   std::size_t many = 0;

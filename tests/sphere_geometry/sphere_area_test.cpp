@@ -410,7 +410,7 @@ TEST(SphereArea, ClampVSetsOrFailsInTheOrderOfItsChecks) {
   a = V_LIMIT;
   b = 0.0;
   EXPECT_TRUE(area.ClampV(a, b, false));
-  // The first value beyond the limits ends a check that may not clamp; one that may goes on.
+  // The first value beyond the limits ends a check without clamping; with clamping it continues.
   a = std::nextafter(V_LIMIT, 3.0);
   b = -std::numeric_limits<double>::denorm_min();
   EXPECT_FALSE(area.ClampV(a, b, false));
@@ -629,7 +629,7 @@ TEST(SphereArea, ContainsWrapsAndRefuses) {
 }
 
 TEST(SphereArea, TinyEdgesKeepTheirShape) {
-  // A milliradian across, beside the seam and far up.
+  // A milliradian wide, next to the seam and close to the zenith.
   for (const AnglePointC at : {AnglePointC{0.0, 1.0}, {0.0005, 0.05}, {3.0, 2.4}}) {
     SCOPED_TRACE(testing::Message() << at.Hz << ", " << at.V);
     const auto corner = [at](double hz, double v) {

@@ -1,4 +1,4 @@
-// What it takes a POSIX shell, file system or terminal to show.
+// Tests that need a POSIX shell, file system or terminal.
 
 #include <algorithm>
 #include <cstddef>
@@ -34,7 +34,7 @@ constexpr bool kIsSanitized = __has_feature(address_sanitizer);
 constexpr bool kIsSanitized = false;
 #endif
 
-// Every command line whose help is looked at.
+// Every command whose help is tested.
 const std::vector<std::vector<std::string>> kCommands = {
     {},
     {"record"},
@@ -119,7 +119,7 @@ TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
   }
   const std::string closed = "surveydata record export bad.rec -o out.json 2>&- >&- <&-";
   EXPECT_EQ(RunShell(closed, folder.Path().string()).exitCode, 1);
-  // No message went into the file that was opened meanwhile, whatever number it got.
+  // No message went into the file that was opened, whatever its descriptor.
   EXPECT_EQ(ReadText(folder / "out.json"), "");
   for (const char* const streams : {"2>&-", "2>&- <&-", "2>&- >&-", ">&- <&-"}) {
     SCOPED_TRACE(streams);
@@ -129,7 +129,7 @@ TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
   }
 }
 
-// Whatever runs out of memory ends with a message, never by a signal.
+// Running out of memory ends the program with a message, never with a signal.
 TEST(Program, EndsWithTheCodeThreeWhereMemoryRunsOut) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
   const TempFolderC folder;
@@ -191,7 +191,7 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
   }
 }
 
-// A pipe can be read only once, and yet all answers are those of the file.
+// A pipe can be read only once, but all results are the same as for a file.
 TEST(RecordCommands, ReadAPipeAsAFile) {
   const TempFolderC folder;
   fs::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
@@ -290,7 +290,7 @@ TEST(RecordExport, RefusesToOverwriteItsStandardInput) {
 }
 
 #if defined(__linux__)
-// Events of files that are opened.
+// Counts how often a file is opened.
 class OpenedC {
  public:
   explicit OpenedC(const std::string& file) : events_(inotify_init1(IN_NONBLOCK)) {
@@ -342,8 +342,8 @@ TEST(RecordCommands, OpenTheFileOnce) {
 }
 #endif
 
-// A file that is larger than the memory that the program may take: with one job, and with several
-// that keep what they have written until its turn.
+// A file that is larger than the memory that the program may use: with one job, and with several,
+// which keep their output until its turn.
 TEST(RecordExport, TakesAFixedAmountOfMemory) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
   constexpr std::size_t kFileSize = std::size_t{80} << 20;
@@ -436,7 +436,7 @@ TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
   }
 }
 
-// Windows has no such names.
+// Windows does not allow such names.
 TEST(AreaInfo, CallsAnAreaAfterItsFileWhateverItsBytes) {
   const TempFolderC folder;
   const std::string file = folder / "b\xFF\x1B.json";

@@ -11,12 +11,12 @@
 #include <nlohmann/json.hpp>
 
 /// \file
-/// What the tests of the program share: running it, a folder of its own for each test, the sample
-/// files, and record files made for a test.
+/// Shared by the tests of the program: running it, a separate folder for each test, the sample
+/// files, and record files created for a test.
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// A folder that goes with its object.
+/// A temporary folder, removed by the destructor.
 class TempFolderC {
  public:
   TempFolderC();
@@ -25,7 +25,7 @@ class TempFolderC {
   ~TempFolderC();
 
   const std::filesystem::path& Path() const { return path_; }
-  /// Takes and gives UTF-8, which a path made of plain characters is on some systems only.
+  /// Takes and returns UTF-8: the encoding of narrow paths depends on the system.
   std::string operator/(std::string_view name) const {
     const auto path = (path_ / std::u8string(name.begin(), name.end())).u8string();
     return {path.begin(), path.end()};
@@ -37,26 +37,26 @@ class TempFolderC {
   std::filesystem::path path_;
 };
 
-/// What a run of the program gave.
+/// The outcome of a run of the program.
 struct Outcome {
   int exitCode = -1;
   std::string out;
   std::string err;
 };
 
-/// How a run differs from a plain one.
+/// Options for running the program.
 struct RunOptions {
   std::string folder = {};   ///< The working folder.
   std::string input = {};    ///< The file on its standard input; none for an empty one.
   std::string program = {};  ///< Another copy of the program.
-  /// POSIX systems alone: shell commands before it, in the same shell, e.g. "ulimit -f 8;".
+  /// Only on POSIX systems: shell commands before it, in the same shell, e.g. "ulimit -f 8;".
   std::string shell = {};
 };
 
-/// Runs the program with its arguments as they are.
+/// Runs the program with exactly these arguments.
 Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
-/// POSIX systems alone: runs a shell command in which `surveydata` is the program.
+/// Only on POSIX systems: runs a shell command in which `surveydata` is the program.
 Outcome RunShell(const std::string& command, const std::string& folder);
 
 /// The path of the program, of a file in tests/data.
@@ -77,10 +77,10 @@ inline constexpr const char* kSamples[] = {"valley_drive", "desert_highway"};
 /// The message of `record export` and `record plot` about bad frames that they leave out.
 std::string BadFramesTold(int count);
 
-/// Where the records of a sample lie: `frames`, `others` and `padding`.
+/// The offsets in a sample: `frames`, `others` and `padding`.
 nlohmann::json SampleIndex(std::string_view name);
 
-/// The checksum that belongs to a frame of this length, computed anew.
+/// Computes and writes the checksum of a frame of this length.
 void FixChecksum(std::uint8_t* frame, std::size_t size);
 
 /// A record around a body that begins after the type.

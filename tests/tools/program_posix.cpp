@@ -10,8 +10,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Whoever runs the tests may ignore signals, as nohup does. The programs that they start would
-// inherit that.
+// The tests may run with ignored signals, for example under nohup. The programs that they start
+// would inherit that.
 const bool g_isNothingIgnored = [] {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGALRM, SIGTERM, SIGUSR1, SIGXFSZ}) {
     std::signal(signal, SIG_DFL);

@@ -123,7 +123,7 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
   }
 }
 
-// Each message names the word that is wrong and, where it is known, what is right.
+// Each message names the wrong word and, if known, the correct one.
 TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
   const std::string area = DataPath("areas/facade.json");
   const struct {

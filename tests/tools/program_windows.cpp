@@ -12,7 +12,7 @@ std::wstring Wide(const std::string& utf8) {
   return fs::path(std::u8string(utf8.begin(), utf8.end())).native();
 }
 
-// As programs take it apart again: backslashes count as such unless a quote follows.
+// Quotes as programs parse it: backslashes are literal unless a quote follows.
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   std::size_t backslashes = 0;

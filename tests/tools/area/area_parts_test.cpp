@@ -157,7 +157,7 @@ TEST(SolidAngle, OfPolygonsIsTheirSphericalExcess) {
   std::uniform_real_distribution<double> uniform(0, 1);
   for (int i = 0; i < 40; ++i) {
     SCOPED_TRACE(i);
-    // Stars around a place near the horizon, and rings around the zenith.
+    // Stars near the horizon, and rings around the zenith.
     const bool isAroundZenith = i % 2 == 1;
     const int corners = 3 + static_cast<int>(uniform(random) * 20);
     const double middle = uniform(random) * 360;
@@ -181,7 +181,7 @@ TEST(SolidAngle, OfPolygonsIsTheirSphericalExcess) {
   }
 }
 
-// What the library calls inside, by throwing directions at it.
+// The solid angle of the inside, estimated with random directions.
 double Thrown(const AreaFile& file, double& deviation) {
   constexpr int kThrows = 200'000;
   std::mt19937_64 random(77);
@@ -295,7 +295,7 @@ TEST(CountDirections, CountsTheGridThatBeginsAtTheLowerBounds) {
   EXPECT_EQ(count(triangle).count, expected);
   EXPECT_TRUE(count(triangle).isExact);
 
-  // Steps without sense have no exact number, and no senseless one.
+  // Extreme steps have no exact number, but a plausible one.
   for (const double step : {5e-324, 1e-160}) {
     SCOPED_TRACE(step);
     for (const AreaFile& file : {MakeArea(std::make_unique<SDI::ScanDomeAreaC>(), {}, step, step),
@@ -308,7 +308,7 @@ TEST(CountDirections, CountsTheGridThatBeginsAtTheLowerBounds) {
   EXPECT_EQ(count(MakePolygon({{340, 60}, {20, 70}, {5, 110}}, 1e300)).count, 0);
   EXPECT_FALSE(count(MakeRectangle(10, 20, 30, 50, 1e-9)).isExact);
 
-  // A tenth of the step has a hundred times the directions, whether counted or estimated.
+  // A tenth of the step gives a hundred times the directions, counted or estimated.
   const AreaFile fine = MakePolygon({{340, 60}, {20, 70}, {5, 110}}, 0.001 * kDegree);
   const Tool::DirectionCount estimate = count(fine);
   EXPECT_FALSE(estimate.isExact);

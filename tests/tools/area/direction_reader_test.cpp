@@ -34,7 +34,7 @@ TEST(ParseDirection, TakesTwoNumbersAndNothingAfterThem) {
 
 class DirectionReaderTest : public testing::Test {
  protected:
-  // All directions of a file; `fault_` is the message when it is refused.
+  // All directions of a file; `fault_` is the message if it is refused.
   std::vector<std::pair<double, double>> Read(const std::string& text,
                                               const DirectionFormat& format = {}) {
     WriteBytes(folder_ / "d.csv", Bytes(text.begin(), text.end()));
@@ -101,7 +101,7 @@ TEST_F(DirectionReaderTest, FindsHzAndVInAHeadingOfAnyOrderAndCase) {
   }
 }
 
-// The unit of the directions is that of the area, which a heading may say, but not change.
+// The unit of the directions is that of the area. A heading may name it, but not change it.
 TEST_F(DirectionReaderTest, TakesAHeadingThatNamesTheUnit) {
   const DirectionFormat gon = {.unit = Tool::AngleUnit::kGon};
   for (const char* const text :
@@ -151,7 +151,7 @@ TEST_F(DirectionReaderTest, KeepsTheCellsOfAllColumns) {
   EXPECT_EQ(cells_, (std::vector<Names>{{"P;1", "1", "2", "say \"x\""}, {"#2", "3", "4", "a b"}}));
 }
 
-// A line that begins with '#' is a comment only where it cannot be the name of a point.
+// A line that begins with '#' is a comment only if it cannot be the name of a point.
 TEST_F(DirectionReaderTest, PassesNoNameOverAsAComment) {
   EXPECT_EQ(Read("# comment\nid,hz,v\n#1,1,2\n"), (Pairs{{1, 2}}));
   EXPECT_EQ(Read("# comment\nhz,v,id\n#3,4,x\n1,2,#1\n"), (Pairs{{1, 2}}));

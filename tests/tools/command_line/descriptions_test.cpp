@@ -1,5 +1,5 @@
-// The manual page and the completions of the shells, which are made from the commands: what they
-// say, and what the shells do with them.
+// The manual page and the completions for the shells, which are generated from the commands: their
+// content, and how the shells use them.
 
 #include <algorithm>
 #include <filesystem>
@@ -63,7 +63,7 @@ std::vector<std::vector<std::string>> OptionsOfTheHelp(const std::vector<std::st
   return found;
 }
 
-// The part of a manual page that is about a command.
+// The section of a manual page about a command.
 std::string ManSection(const std::string& page, const std::string& heading) {
   const std::size_t begin = page.find(heading + "\n");
   if (begin == std::string::npos) return {};
@@ -137,7 +137,7 @@ TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
       << page;
 }
 
-// A new command is in all of them without further work.
+// A new command appears in all of them without further work.
 TEST(Descriptions, TellWhatIsAdded) {
   std::string text;
   Command fetch;
@@ -268,7 +268,7 @@ TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
     SCOPED_TRACE(LineOf(question));
     EXPECT_EQ(ask(question.words), question.answer);
   }
-  // Bash takes = for a word of its own.
+  // For bash, = is a separate word.
   EXPECT_EQ(ask({"record", "plot", "c.rec", "--output", "="}),
             (std::set<std::string>{"b.svg", "folder"}));
   EXPECT_EQ(ask({"record", "plot", "--output", "=", "b"}), (std::set<std::string>{"b.svg"}));

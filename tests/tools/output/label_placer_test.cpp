@@ -46,7 +46,7 @@ TEST(FittedText, IsAsLongAsFits) {
   EXPECT_TRUE(fitted.starts_with("WWWW") && fitted.ends_with("\u2026")) << fitted;
   EXPECT_LE(TextWidth(fitted, font), 100);
   EXPECT_GT(TextWidth("W" + fitted, font), 100);
-  // Characters are not cut.
+  // Multi-byte characters are not split.
   const std::string wide = FittedText("\u20AC\u20AC\u20AC\u20AC", 35, font);
   EXPECT_EQ(wide, "\u20AC\u20AC\u2026");
 }

@@ -10,7 +10,7 @@ TEST(EscapeXml, ReplacesWhatXmlCannotHold) {
   for (const char* const bad : {"\x01", "\x7F", "\x80", "\xC3", "\xFF"}) {
     EXPECT_EQ(Tool::EscapeXml(bad), "\uFFFD");
   }
-  // The only ones that XML lacks besides control characters.
+  // The only characters besides control characters that XML does not allow.
   EXPECT_EQ(Tool::EscapeXml("a\uFFFEb\uFFFF"), "a\uFFFDb\uFFFD");
   EXPECT_EQ(Tool::EscapeXml("\uFFFD\uFFFC\U0001FFFE\uFDD0"), "\uFFFD\uFFFC\U0001FFFE\uFDD0");
   EXPECT_EQ(Tool::EscapeXml("\xE2\x82"), "\uFFFD\uFFFD");

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Runs a shell command with the program's calls counted, as tests/support/step_shim.cpp describes.
+// Runs a shell command and counts the program's system calls; see tests/support/step_shim.cpp.
 Outcome RunWithShim(const std::string& command, const std::string& order, const std::string& log,
                     const std::string& folder) {
   const std::string shim = "ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD='" SURVEYDATA_STEP_SHIM
@@ -47,7 +47,7 @@ TEST(InputFile, IsNotSoughtInWhereItIsAPipe) {
   }
 }
 
-// The reason is that of the call that failed, whatever was called since.
+// The reason is that of the failed call, even after other calls.
 TEST(InputFile, ReportsTheReasonOfTheReadThatFailed) {
   const TempFolderC folder;
   Bytes large;

@@ -24,7 +24,7 @@ Outcome Export(const std::string& file, const std::vector<std::string>& options 
   return RunProgram(arguments);
 }
 
-// Rows of cells, read as RFC 4180 says.
+// Parses rows of cells by RFC 4180.
 std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
   std::vector<std::vector<std::string>> rows;
   std::size_t i = 0;
@@ -50,7 +50,7 @@ std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
   return rows;
 }
 
-// The cell that a value makes; a number in any form that is read back as that number.
+// Whether a cell represents a value; numbers in any form that is read back as the same number.
 bool IsCellOf(const std::string& cell, const SDI::GPSColumnValueC& value) {
   const auto isNumber = [&cell](auto number, auto parse) {
     char* end = nullptr;
@@ -142,7 +142,7 @@ void ExpectTable(const std::string& csv, const Bytes& bytes,
   EXPECT_EQ(row + 1, rows.size());
 }
 
-// That the values are right is for `gps_record_columns_test`.
+// `gps_record_columns_test` tests the values themselves.
 TEST(RecordExport, WritesTheColumnsAsCsv) {
   std::vector<std::string> all;
   for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) all.emplace_back(column.name);
@@ -277,7 +277,7 @@ TEST(RecordExport, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
             "surveydata: the frame at 19 is left out: its blocks do not fit\n" + BadFramesTold(1));
 }
 
-// As many as a list shows, but for those that chance bytes look like.
+// As many as a list shows, except headers that may be random bytes.
 TEST(RecordExport, ReportsHowManyBadFramesItLeavesOut) {
   const TempFolderC folder;
   const Bytes good = MakeFrame(113, MakeBody(0, {}));
@@ -335,13 +335,13 @@ TEST(RecordExport, ReportsAFileWithoutMeasurements) {
   }
 }
 
-// A spreadsheet would compute them.
+// A spreadsheet would evaluate them.
 TEST(RecordExport, EscapesTextsThatLookLikeFormulas) {
   const TempFolderC folder;
   const auto cell = [&](const std::string& text, const std::vector<std::string>& options) {
     Bytes units;
     for (const char c : text) units.insert(units.end(), {static_cast<std::uint8_t>(c), 0});
-    const Bytes blocks = Bytes{0x00, 0x01} + units + Bytes{0, 0};  // text D alone
+    const Bytes blocks = Bytes{0x00, 0x01} + units + Bytes{0, 0};  // only text D
     const std::string file = WriteFrames(folder, MakeFrame(113, MakeBody(0x2000, blocks)));
     const auto rows = ParseCsv(Export(file, options).out);
     EXPECT_EQ(rows.size(), 2u);

@@ -1,5 +1,4 @@
-// Several files, folders, and the work of several threads: what is written does not depend on how
-// many there are.
+// Several files, folders and threads: the output does not depend on the number of threads.
 
 #include <algorithm>
 #include <cstddef>
@@ -24,7 +23,7 @@ Outcome Record(const std::vector<std::string>& arguments, const std::string& fol
 
 Bytes Sample() { return ReadBytes(DataPath("valley_drive.rec")); }
 
-// The header of a measurement, with a checksum that is wrong.
+// The header of a measurement with a wrong checksum.
 Bytes DamagedFrame() {
   Bytes frame = MakeFrame(113, MakeBody(0, {}));
   frame.back() ^= 1;
@@ -45,7 +44,7 @@ Bytes FileOfStretches() {
   put(3 * kStretch, sample);       // a gap over a whole stretch, then a record at its end
   Bytes damaged;
   for (int i = 0; i < 12'000; ++i) damaged = std::move(damaged) + DamagedFrame();
-  put(4 * kStretch - 100'000, damaged);  // more than are held back, on both sides of an end
+  put(4 * kStretch - 100'000, damaged);  // more than are kept, on both sides of an end
   put(5 * kStretch - 20, MakeFrame(113, Bytes(12, 0)) + DamagedFrame() + sample);
   put(6 * kStretch - 19 - sample.size(), sample + DamagedFrame());  // a damaged header at an end
   put(7 * kStretch + 1000, DamagedFrame());
@@ -86,7 +85,7 @@ TEST(RecordJobs, WriteTheSameWhateverTheirNumber) {
   }
 }
 
-// That the lists of the stretches join is for the test above; that they are right, here.
+// The test above checks that the lists of stretches are joined; this one, that they are correct.
 TEST(RecordJobs, ListTheGapsOfAFileAsAWhole) {
   const TempFolderC folder;
   const Bytes bytes = FileOfStretches();

@@ -21,7 +21,7 @@ Outcome Record(std::vector<std::string> arguments, const std::string& folder = {
   return RunProgram(arguments, {.folder = folder});
 }
 
-// A measurement at a time of week in milliseconds, and a record of another kind.
+// A measurement at a time of week in milliseconds, and a record of another type.
 Bytes At(std::uint32_t time, std::uint16_t week = 2091) {
   Bytes body = MakeBody(0, {});
   body[0] = static_cast<std::uint8_t>(week & 0xFF);
@@ -136,7 +136,7 @@ TEST(RecordJoin, KeepsOtherRecordsWithTheMeasurementBeforeThem) {
             Other(1) + Other(3) + At(1000) + Other(2) + At(2000) + Other(4) + At(3000));
 }
 
-// The first of equals is that of the first file; the order within a file stays.
+// Of equal times, that of the first file comes first; the order within a file is kept.
 TEST(RecordJoin, KeepsTheOrderOfEqualTimesAndOfTimesThatGoBack) {
   const auto named = [](std::uint32_t time, std::uint8_t mark) { return At(time) + Other(mark); };
   EXPECT_EQ(Join({named(1000, 1) + named(1000, 2), named(1000, 3)}),

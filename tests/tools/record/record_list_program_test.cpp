@@ -33,7 +33,7 @@ TEST(RecordList, HasARowForEveryRecordOfTheSamplesAndForEveryStretchBetween) {
   for (const char* const name : kSamples) {
     SCOPED_TRACE(name);
     const json index = SampleIndex(name);
-    // What the file is made of, as its index has it; stretches of padding side by side are one gap.
+    // The parts of the file from its index; adjacent stretches of padding are one gap.
     std::vector<json> expected;
     for (const json& frame : index["frames"]) {
       expected.push_back(
@@ -187,7 +187,7 @@ TEST(RecordList, FindsABadFrameWhereverItLiesInALongGap) {
   const TempFolderC folder;
   Bytes frame = SampleFrame(854, 40);
   frame[20] ^= 1;
-  // Around the block size in which gaps are read.
+  // Sizes around that of the blocks in which gaps are read.
   for (const std::size_t before : {65530u, 65531u, 65532u, 65535u, 65536u, 65537u}) {
     SCOPED_TRACE(before);
     std::vector<std::size_t> bad;
@@ -198,7 +198,7 @@ TEST(RecordList, FindsABadFrameWhereverItLiesInALongGap) {
   }
 }
 
-// However many bad frames a gap has, each has its row; up to 10,000 come after the gap.
+// Each of the bad frames of a gap has a row; up to 10,000 of them come after the gap.
 TEST(RecordList, HasARowForEachOfManyBadFramesInAGap) {
   const TempFolderC folder;
   const Bytes header = {0x9C, 0xAE, 17, 0, 113};

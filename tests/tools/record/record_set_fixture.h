@@ -12,7 +12,7 @@
 
 #include "tests/tools/program.h"
 
-// The frame of the sample that has all three blocks, and what else the tests know of it.
+// The frame of the sample that has all three blocks, and its properties.
 inline constexpr std::size_t kFrame = 960;
 inline constexpr std::size_t kFrameSize = 467;
 inline constexpr std::size_t kKindAt = 17 + 6;
@@ -21,7 +21,7 @@ inline constexpr std::size_t kNumberAt = kNameAt + 34;
 inline constexpr std::size_t kHeightAt = kNumberAt + 4;
 inline constexpr std::size_t kHeightKindAt = kHeightAt + 4;
 
-// What is asked for, and how a frame looks afterwards: written down plainly.
+// The requested changes, and a simple implementation of their effect on a frame.
 struct Change {
   std::optional<std::u16string> name;
   std::optional<std::int32_t> number;
@@ -48,7 +48,7 @@ struct Change {
   }
 };
 
-// A copy of the sample in a folder of its own.
+// A copy of the sample in a separate folder.
 class RecordSet : public testing::Test {
  protected:
   RecordSet() { WriteBytes(file_, before_); }

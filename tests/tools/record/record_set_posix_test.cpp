@@ -1,4 +1,4 @@
-// What `record set` keeps, and withstands, on POSIX systems.
+// What `record set` preserves, and which failures it handles, on POSIX systems.
 
 #include <cerrno>
 #include <chrono>
@@ -51,7 +51,7 @@ struct stat StatusOf(const std::string& file) {
   return status;
 }
 
-// The bits above 0777 too: set-user-ID, set-group-ID, sticky.
+// Including the bits above 0777: set-user-ID, set-group-ID, sticky.
 TEST_F(RecordSet, KeepsThePermissions) {
   for (const mode_t mode : {0640u, 0604u, 0777u, 01640u, 02650u, 04640u}) {
     ASSERT_EQ(chmod(file_.c_str(), mode), 0);
@@ -99,7 +99,7 @@ bool SetAttribute(const std::string& file, const char* name, const std::string& 
   return setxattr(file.c_str(), name, value.data(), value.size(), 0) == 0;
 }
 
-// Empty when there is none.
+// Empty if there is none.
 std::string GetAttribute(const std::string& file, const char* name) {
   char value[1024];
   const ssize_t size = getxattr(file.c_str(), name, value, sizeof(value));
@@ -127,7 +127,7 @@ TEST_F(RecordSet, InheritsNoAccessControlListFromTheFolder) {
   EXPECT_EQ(Set({"--number", "5"}).exitCode, 0);
   EXPECT_EQ(GetAttribute(file_, kAccess), "");
   EXPECT_EQ(StatusOf(file_).st_mode & 07777, 0640u);
-  // Nor one instead of the file's own.
+  // Nor in place of the file's own list.
   const std::string acl =
       MakeAcl({{kOwner, 6}, {kUser, 4, 1}, {kGroup, 4}, {kMask, 4}, {kOthers, 0}});
   ASSERT_TRUE(SetAttribute(file_, kAccess, acl));
@@ -150,7 +150,7 @@ TEST_F(RecordSet, KeepsExtendedAttributes) {
 
 #endif
 
-// A hole before, between and after data, as large as all of it would take minutes to write.
+// Holes before, between and after data, so large that writing them would take minutes.
 TEST_F(RecordSet, KeepsHolesAsHoles) {
   constexpr std::uintmax_t kHole = std::uintmax_t{1} << 38;
   constexpr blkcnt_t kFewBlocks = 8192;  // of 512 bytes
@@ -186,7 +186,7 @@ TEST_F(RecordSet, WorksOnLongPaths) {
   EXPECT_TRUE(ReadBytes(file.string()) == Expected({.name = {}, .number = 77, .height = {}}));
 }
 
-// Elsewhere the system itself sees to it that a command line is text.
+// On other systems, the system itself ensures that a command line is text.
 TEST_F(RecordSet, RefusesNamesThatAreNotUtf8) {
   for (const char* const name : {"a\x80", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xFF"}) {
     const Outcome outcome = Set({"--name", name});
@@ -212,14 +212,14 @@ TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasLocked) {
     const Outcome outcome = Set({"--number", "5"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_NE(outcome.err.find("locked"), std::string::npos) << outcome.err;
-    EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // which writes nothing
+    EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // writes nothing
     close(holder);
     ExpectUntouched();
   }
 }
 
-// What a killed program left is removed: a file with the name of a copy, of this user, that nobody
-// has locked. Everything else stays.
+// Removes what a killed program has left: a file of this user that has the name of a copy and is
+// not locked. All other files stay.
 TEST_F(RecordSet, RemovesTheCopiesOfKilledProgramsAndNothingElse) {
   for (const char* const name :
        {".surveydata.abcXYZ", ".surveydata.000000", ".surveydata.abcXY", ".surveydata.abcXYZ1",
@@ -245,7 +245,7 @@ TEST_F(RecordSet, RemovesTheCopiesOfKilledProgramsAndNothingElse) {
   close(holder);
 }
 
-// A copy of a file of another owner, which root makes, may have that owner already.
+// A copy that root creates of another owner's file may already have that owner.
 TEST_F(RecordSet, RemovesTheCopiesOfKilledProgramsOfRoot) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give a file to another owner";
   WriteBytes(folder_ / ".surveydata.theirs", {1});
@@ -334,11 +334,11 @@ TEST_F(RecordSet, LeavesNoCopyBehindWhenASignalComes) {
     std::raise(signal);
     EXPECT_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before), Tool::FileErrorC);
     int received = 0;
-    EXPECT_EQ(sigwait(&one, &received), 0);  // still there for who waits for it
+    EXPECT_EQ(sigwait(&one, &received), 0);  // still pending
     EXPECT_EQ(received, signal);
     ExpectUntouched();
 
-    // One that is ignored stops nothing.
+    // An ignored signal stops nothing.
     std::signal(signal, SIG_IGN);
     std::raise(signal);
     EXPECT_NO_THROW(Tool::FileReplacementC(file_).Replace(kFrame, before, before));
@@ -388,7 +388,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
     unsigned folder;
     unsigned file;
   } cases[] = {{"folder", 0555, 0666}, {"file", 0777, 0444}};
-  // With a group that the other user may set, nothing but the permissions is in the way.
+  // With a group that the other user may set, only the permissions prevent the change.
   if (geteuid() == 0) {
     ASSERT_EQ(chown(file_.c_str(), 0, 65534), 0);
   }
@@ -404,13 +404,13 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
   fs::permissions(folder_.Path(), fs::perms{0777});
   fs::permissions(file_, fs::perms{0666});
   if (geteuid() == 0) {
-    // Whoever may write the file, but not give the copy its group, would change who can read it.
+    // A user who may write the file but not set the group of the copy would change who can read it.
     ASSERT_EQ(chown(file_.c_str(), 0, 0), 0);
     const Outcome outcome = setAsOther();
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_NE(outcome.err.find("the group of"), std::string::npos) << outcome.err;
     ExpectUntouched();
-    // With another owner the file would run with the rights of that one.
+    // With another owner, the file would run with the rights of that owner.
     ASSERT_EQ(chown(file_.c_str(), 0, 65534), 0);
     ASSERT_EQ(chmod(file_.c_str(), 04666), 0);
     const Outcome asOwner = setAsOther();
@@ -419,7 +419,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
     ExpectUntouched();
     ASSERT_EQ(chmod(file_.c_str(), 0666), 0);
   }
-  // With all of them, it works: the refusals above are about the permissions.
+  // With all permissions it works, so the refusals above are due to the permissions.
   EXPECT_EQ(setAsOther().exitCode, 0);
   EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
 }

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-// Makes a file an hour old: one that takes its place is younger.
+// Makes a file an hour old: a file that replaces it is younger.
 fs::file_time_type MakeOld(const std::string& file) {
   fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
   return fs::last_write_time(file);
@@ -66,7 +66,7 @@ TEST_F(RecordSet, ChangesWhatIsAskedForAndTheChecksumInEveryCombination) {
     EXPECT_TRUE(ReadBytes(file_) == expected);
     EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
 
-    // The dry run told each byte that changed, and no other.
+    // The dry run lists each byte that changes, and no other.
     std::vector<std::string> lines;
     for (std::size_t i = 0; i < expected.size(); ++i) {
       if (expected[i] == before_[i]) continue;
@@ -176,7 +176,7 @@ TEST_F(RecordSet, KeepsBytesThatTheWriterWouldNormalise) {
   Bytes bytes = before_;
   std::uint8_t* const frame = &bytes[kFrame];
   frame[kKindAt] = 5;      // a kind byte other than 0 and 1
-  frame[kNameAt + 2] = 0;  // the name ends after one unit, with more behind
+  frame[kNameAt + 2] = 0;  // the name ends after one unit, with more units after it
   frame[kNameAt + 3] = 0;
   frame[kHeightKindAt] = 7;     // a kind of height other than 0 and 1
   frame[kHeightAt + 3] = 0x7F;  // a height that overflows when it is squared
@@ -233,7 +233,7 @@ TEST_F(RecordSet, RefusesOffsetsWhereNoValidMeasurementFrameBegins) {
   ExpectUntouched();
 }
 
-// A copy of a valid frame inside the body of another record is no frame of the file.
+// A copy of a valid frame inside the body of another record is not a frame of the file.
 TEST_F(RecordSet, RefusesAFrameInsideAnotherRecord) {
   const Bytes inner(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
   Replace(MakeFrame(42, Bytes(10, 0) + inner));

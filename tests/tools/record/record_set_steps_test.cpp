@@ -16,8 +16,8 @@
 
 #include "tests/tools/program.h"
 
-// `record set` killed, stopped or failing at every single step: what is left is the old file or the
-// new one. tests/support/step_shim.cpp tells what it can be made to do.
+// `record set` is killed, stopped or fails at every single step: the old file or the new one is
+// left. tests/support/step_shim.cpp describes how this is done.
 
 namespace {
 
@@ -65,7 +65,7 @@ class RecordSetSteps : public testing::TestWithParam<CopyKind> {
                       {.shell = Shim(order)});
   }
 
-  // The names of the calls of a run in which nothing happens.
+  // The names of the calls of an undisturbed run.
   std::vector<std::string> Calls() const {
     const TempFolderC folder;
     const std::string log = folder / "log";
@@ -81,7 +81,7 @@ class RecordSetSteps : public testing::TestWithParam<CopyKind> {
     EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
   }
 
-  // Once more, from whatever was left; a copy that was left is removed.
+  // Runs again with the files that were left; a copy that was left is removed.
   void ExpectThatItWorksAgain() {
     WriteBytes(file_, before_);
     EXPECT_EQ(Set("log").exitCode, 0);
@@ -99,7 +99,7 @@ class RecordSetSteps : public testing::TestWithParam<CopyKind> {
 TEST_P(RecordSetSteps, ChangesFilesByTheseCallsInThisOrder) {
   std::vector<std::string> calls = Calls();
   EXPECT_GE(std::erase(calls, "pread"), 3U);
-  // What reads the file's status depends on the C++ library and on the attributes that there are.
+  // The calls that read the file's status depend on the C++ library and on the attributes.
   std::erase_if(calls, [](const std::string& call) {
     return call == "open" || call == "stat" || call == "lseek" || call == "fgetxattr" ||
            call == "flistxattr";
@@ -123,7 +123,7 @@ TEST_P(RecordSetSteps, KilledAtAnyStepLeavesTheOldFileOrTheNewOne) {
       SCOPED_TRACE(what + " at step " + std::to_string(step) + ", " + call);
       EXPECT_EQ(Set(what + " " + std::to_string(step)).exitCode, 128 + SIGKILL);
       EXPECT_TRUE(ReadBytes(file_) == (step <= rename ? before_ : after_));
-      // Nobody is left to remove a copy that has a name.
+      // No process is left to remove a copy that has a name.
       const auto names = folder_.Names();
       EXPECT_LE(names.size(), IsNamed() || call == "rename" ? 2U : 1U);
       EXPECT_EQ(names.back(), "sample.rec");
@@ -143,7 +143,7 @@ TEST_P(RecordSetSteps, AnyCallThatFailsLeavesTheOldFileOrTheNewOneAndSaysSo) {
       const Bytes bytes = ReadBytes(file_);
       ExpectNoCopyBehind();
       if (outcome.exitCode == 0) {
-        // There is another way, or the call is made again.
+        // The program uses another call, or repeats this one.
         const std::set<std::string> passable = {"open", "tmpfile", "stat", "flock", "lseek"};
         EXPECT_TRUE(passable.contains(calls[step]));
         EXPECT_TRUE(bytes == after_);
@@ -199,7 +199,7 @@ TEST_P(RecordSetSteps, KeepsTheGroupOrRefuses) {
   ExpectNoCopyBehind();
 }
 
-// What was written is read back: a bit that changes on the way is found, wherever it is.
+// The copy is read back: a changed bit is found anywhere in it.
 TEST_P(RecordSetSteps, RefusesACopyThatDoesNotReadBack) {
   constexpr std::size_t kBlock = std::size_t{1} << 20;
   Bytes large = before_;
@@ -247,7 +247,7 @@ TEST_P(RecordSetSteps, KeepsEveryAttributeOrRefuses) {
 
 class RecordSetSignals : public RecordSetSteps {
  protected:
-  // Runs shell commands while the program is stopped before a call; there $! is its number.
+  // Runs shell commands while the program is stopped before a call; $! is its process ID.
   Outcome SetAndRun(const std::string& order, const std::string& commands) const {
     return RunShell("{ " + Shim(order) +
                         " surveydata record set sample.rec --offset 960 --number 4711 & "
@@ -325,7 +325,7 @@ TEST_P(RecordSetSignals, ThatComeLaterLetItBeReplacedFirst) {
 
 // --- A full disk
 
-// A file system of its own, as large as is told.
+// A separate file system with a given size.
 class SmallDiskC {
  public:
   explicit SmallDiskC(std::size_t bytes)
@@ -349,7 +349,7 @@ TEST_P(RecordSetSteps, OnADiskThatFillsUpLeavesTheFileAsItWas) {
   const std::size_t pages = (before_.size() + page - 1) / page;
   for (const std::size_t left : {std::size_t{0}, std::size_t{1}, pages / 2, pages - 1, pages}) {
     SCOPED_TRACE(testing::Message() << left << " of " << pages << " pages left");
-    // The folder and the names take none.
+    // The folder and the names take no pages.
     const SmallDiskC disk((pages + left) * page);
     if (!disk.IsMounted()) GTEST_SKIP() << "no file system may be mounted here";
     const std::string file = disk.Folder() / "sample.rec";
@@ -393,7 +393,7 @@ class TerminalC {
   }
   bool IsThere() const { return keptOpen_ >= 0; }
   const std::string& Name() const { return name_; }
-  /// All that was written to it.
+  /// Everything that was written to it.
   std::string Read() const {
     std::string text;
     char block[4096];
@@ -413,7 +413,7 @@ TEST_P(RecordSetSteps, DrawsAProgressBarOnATerminalWhenTheWorkIsLong) {
   const TerminalC terminal;
   if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
   constexpr std::uintmax_t kMebibyte = 1 << 20;
-  // Each block takes longer than anybody waits without a sign.
+  // Each block takes so long that the bar is shown.
   const auto set = [&](std::uintmax_t size, const std::string& errors) {
     Bytes bytes = before_;
     bytes.resize(size, 1);  // no hole, which would be skipped
@@ -433,12 +433,12 @@ TEST_P(RecordSetSteps, DrawsAProgressBarOnATerminalWhenTheWorkIsLong) {
   const std::size_t last = drawn.rfind('[');
   ASSERT_NE(drawn.find('\r', last), std::string::npos) << drawn;
   const std::size_t width = drawn.find('\r', last) - last;
-  EXPECT_TRUE(drawn.ends_with("\r" + std::string(width, ' ') + "\r")) << drawn;  // wiped away
+  EXPECT_TRUE(drawn.ends_with("\r" + std::string(width, ' ') + "\r")) << drawn;  // erased
 
-  set(kMebibyte, terminal.Name());  // so little is no long work, however slow
+  set(kMebibyte, terminal.Name());  // too little for a bar, however slow
   EXPECT_EQ(terminal.Read(), "");
   const TempFolderC elsewhere;
-  set(2 * kMebibyte, elsewhere / "errors");  // no terminal
+  set(2 * kMebibyte, elsewhere / "errors");  // not a terminal
   EXPECT_EQ(ReadText(elsewhere / "errors"), "");
 }
 

@@ -44,7 +44,7 @@ TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasOpenToWrite) {
   EXPECT_EQ(outcome.exitCode, 3);
   EXPECT_NE(outcome.err.find("locked"), std::string::npos) << outcome.err;
   EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
-  EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // which writes nothing
+  EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // writes nothing
   ExpectUntouched();
 }
 

@@ -30,8 +30,9 @@ std::string Hex(const Bytes& bytes, std::size_t at, std::size_t size) {
   return text;
 }
 
-// The files hold what the program shows of three frames: one with all blocks, one with the fewest,
-// one in between. Fields are those of the expectation lines, bytes those of the sample.
+// The files contain the output of the program for three frames: one with all blocks, one with the
+// fewest, one in between. The fields are those of the expectation lines, the bytes those of the
+// sample.
 TEST(RecordShow, ShowsFieldsAndBytesAsRecorded) {
   for (const char* const offset : {"854", "960", "2087"}) {
     SCOPED_TRACE(offset);
@@ -112,7 +113,7 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
     const std::string expected = std::string("surveydata: no valid measurement frame at offset ") +
                                  offset + ": " + message + "\n";
     EXPECT_EQ(outcome.err, expected);
-    // Setting something there is refused with the same words.
+    // A change at this offset is refused with the same message.
     for (const bool isDryRun : {false, true}) {
       std::vector<std::string> set = {"record", "set", file, "--offset", offset, "--number", "5"};
       if (isDryRun) set.emplace_back("--dry-run");
@@ -124,7 +125,7 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
   EXPECT_EQ(ReadBytes(file), bytes);
 }
 
-// A record of the greatest length around it: the answer needs all that a record may have.
+// Inside a record of the greatest length, so that the whole of it must be read.
 TEST(RecordShow, FindsTheRecordThatAnOffsetIsInsideOf) {
   const TempFolderC folder;
   const std::string file = folder / "long.rec";

@@ -12,7 +12,7 @@
 
 namespace {
 
-// More records than a picture can tell apart: the extremes of every value stay, and so do gaps.
+// More records than a picture can resolve: the extremes of every value and the gaps are kept.
 TEST(SatelliteSeries, KeepsExtremesAndGapsOfManyRecordsInFewPoints) {
   constexpr int kRecords = 200'000;
   Tool::SatelliteSeriesC series;
@@ -49,15 +49,15 @@ TEST(SatelliteSeries, KeepsExtremesAndGapsOfManyRecordsInFewPoints) {
   EXPECT_EQ(extremes(Tool::SatelliteSeriesC::kUsed), std::pair(1.0, 9.0));
 }
 
-// However many gaps there are: each value is drawn at a time that has it, and no line joins what
-// lies on either side of a gap.
+// For any number of gaps, each value is drawn at a time that has it, and no line crosses a gap.
 TEST(SatelliteSeries, DrawsNothingWhereNothingIsRecorded) {
   for (const int bursts : {10, 300, 20'000}) {
     SCOPED_TRACE(bursts);
     Tool::SatelliteSeriesC series;
     std::map<double, double> expected;
     for (int i = 0; i < 10 * bursts; ++i) {
-      // Ten records a second apart, then a minute of nothing; every third burst lacks the pair.
+      // Ten records a second apart, then a minute without records; every third burst lacks the
+      // pair.
       const int burst = i / 10;
       const int second = 70 * burst + i % 10;
       Tool::DecodedRecord record;

@@ -29,7 +29,7 @@ void WaitFor(const std::string& file) {
   }
 }
 
-// An installation with a page, browsers that note their argument, and a home.
+// An installation with a page, browsers that record their argument, and a home folder.
 class ViewOnPosix : public testing::Test {
  protected:
   ViewOnPosix() {
@@ -61,7 +61,7 @@ class ViewOnPosix : public testing::Test {
                     folder_ / "work");
   }
 
-  // The page that the browser was given, when it has read it.
+  // The page that the browser was given, after it has read it.
   std::string PageOf(const std::string& browser) {
     WaitFor(folder_ / ("bin/" + browser + ".copy"));
     const std::vector<std::string> lines = Lines(ReadText(folder_ / ("bin/" + browser + ".page")));
@@ -155,7 +155,7 @@ TEST_F(ViewOnPosix, ReportsABrowserThatDoesNotStart) {
                             (folder_ / "work/a.html") + "\n");
 }
 
-// The browser goes on: it writes its file after the program has ended.
+// The browser keeps running: it writes its file after the program has ended.
 TEST_F(ViewOnPosix, DoesNotWaitForTheBrowser) {
   AddProgram("slow", "while [ ! -e \"$0.go\" ]; do sleep 0.1; done; touch \"$0.done\"");
   EXPECT_EQ(View("valley_drive.rec -o a.html --browser slow").exitCode, 0);
