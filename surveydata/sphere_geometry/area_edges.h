@@ -12,7 +12,7 @@
 
 namespace GMAT {
 
-/// The crossing of the lines A and B in the (Hz, V) plane, when it lies within the Hz and the V
+/// The crossing of the lines A and B in the (Hz, V) plane, if it is within the Hz span and the V
 /// span of both edges. Parallel lines have none.
 bool FindPlanarCrossing(const AnglePointC& a1, const AnglePointC& a2, const AnglePointC& b1,
                         const AnglePointC& b2, AnglePointC& crossing);
@@ -20,7 +20,7 @@ bool FindPlanarCrossing(const AnglePointC& a1, const AnglePointC& a2, const Angl
 /// An edge as an arc of a great circle, in the unwrapped Hz frame of its ring.
 class ArcEdgeC {
  public:
-  /// The arc between two points whose unit vectors may be known already.
+  /// The arc between two points, whose unit vectors may already be computed.
   ArcEdgeC(const SpherePointC& start, const SpherePointC& end);
 
   bool IsValid() const { return valid_; }
@@ -32,16 +32,16 @@ class ArcEdgeC {
   double GetMeridian() const { return meridian_; }
   double GetHzMin() const { return hzMin_; }
   double GetHzMax() const { return hzMax_; }
-  /// The normal of the arc's plane; its length is that of the arc, not 1.
+  /// The normal of the arc's plane; not a unit vector.
   const cVec3& GetNormal() const { return normal_; }
   double GetNormalLength() const { return normalLength_; }
 
   /// Whether the point of the arc's great circle at (latitude, longitude) lies on the arc. At a
-  /// pole the longitude does not count for an arc that ends there or passes over it.
+  /// pole, the longitude does not matter for an arc that ends there or passes over it.
   bool Holds(double latitude, double longitude) const;
 
   /// Whether the meridian `h`, whose cosine and sine are given, crosses the arc between `vMin` and
-  /// `vMax`; sets `v` when it does. The opposite meridian never counts, and a meridian that lies in
+  /// `vMax`; sets `v` if it does. The opposite meridian never counts, and a meridian that lies in
   /// the arc's plane does not cross it.
   /// \source tan(lat) = -(nx cos h + ny sin h) / nz for the points of a plane with the normal n.
   bool CrossesMeridian(double h, double cosH, double sinH, double vMin, double vMax,
@@ -68,8 +68,8 @@ class ArcEdgeC {
 /// The crossing of two arcs. Arcs of one great circle have none.
 bool FindSphericalCrossing(const ArcEdgeC& a, const ArcEdgeC& b, AnglePointC& crossing);
 
-/// Appends where the circle of latitude at `v` crosses the arc from `a` to `b`, none to two points
-/// with Hz in the frame of the arc.
+/// Appends the crossings of the circle of latitude at `v` with the arc from `a` to `b`, up to two
+/// points with Hz in the frame of the arc.
 void FindLatitudeCrossings(const AnglePointC& a, const AnglePointC& b, double v,
                            std::vector<AnglePointC>& out);
 

@@ -10,8 +10,8 @@
 
 /// \file
 /// The rules of containment over a range of edge numbers: all edges of an area, or those that an
-/// index has not ruled out. Leaving out an edge changes no answer where the rule cannot hold for
-/// it, nor does the order of the edges.
+/// index has not ruled out. Leaving out an edge to which the rule cannot apply changes no answer,
+/// nor does the order of the edges.
 
 namespace GMAT {
 
@@ -66,11 +66,11 @@ class SearchMeridianC {
  public:
   SearchMeridianC(const AreaFrame& frame, double h);
 
-  /// False when the line of a polygon does not form an arc (from pole to pole, or a point): the
-  /// search fails.
+  /// False if the line of a polygon does not define an arc (from pole to pole, or a point): the
+  /// search then fails.
   bool IsArc() const { return isArc_; }
 
-  /// Whether the edge crosses the meridian; sets `v` when it does.
+  /// Whether the edge crosses the meridian; sets `v` if it does.
   bool Crosses(const AnglePointC& a, const AnglePointC& b, double& v) const;
 
  private:
@@ -93,8 +93,8 @@ void ForEachCrossing(const AreaFrame& frame, const Edges& edges, const SearchMer
   }
 }
 
-/// Whether a direction at `v` on the meridian `h` is inside, the boundary band and the validity of
-/// the area aside.
+/// Whether a direction at `v` on the meridian `h` is inside, regardless of the boundary band and of
+/// the validity of the area.
 template <class Edges>
 bool IsInsideByCrossings(const AreaFrame& frame, const Edges& edges, double h, double v) {
   const SearchMeridianC meridian(frame, h);

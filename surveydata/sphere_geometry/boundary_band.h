@@ -14,7 +14,7 @@
 
 namespace GMAT {
 
-/// Where the band of one edge may lie: a strip along its line, within its box.
+/// A strip that contains the band of one edge, along its line and within its box.
 struct BandStrip {
   double v0;  ///< The line is v0 + slope Hz.
   double slope;
@@ -33,16 +33,16 @@ struct BandStrip {
   VRange Between(double x1, double x2) const;
 };
 
-/// An index of the boundary bands of a ring's edges in the (Hz, V) plane: which edges can have a
-/// probe in their band?
+/// An index of the boundary bands of a ring's edges in the (Hz, V) plane. It finds the edges that
+/// can have a probe in their band.
 class BoundaryBandC {
  public:
-  /// \param manySideBySide  the average number of edges at one Hz from which on those that lead
-  ///                        through a column are kept on a list in order.
+  /// \param manySideBySide  the average number of edges at one Hz from which on edges that cross
+  ///                        a whole column are kept on an ordered list.
   explicit BoundaryBandC(const AreaFrame& frame,
                          double manySideBySide = CellGridC::kManySideBySide);
 
-  /// True only where `Contains` is false.
+  /// True only if `Contains` is false.
   bool IsBeyond(double probeHz) const { return probeHz > width_; }
 
   /// Whether the point of a direction (`BandProbe`) lies in the band of an edge.

@@ -7,7 +7,7 @@
 #include <surveydata/sphere_geometry/area_frame.h>
 
 /// \file
-/// How far a direction is from the boundary of an area, on the sphere.
+/// The distance of a direction from the boundary of an area, on the sphere.
 
 namespace GMAT {
 
@@ -18,11 +18,11 @@ namespace GMAT {
 double DistanceToPoint(const AnglePointC& direction, const AnglePointC& point);
 
 /// The angle between a direction and the nearest point of the shorter arc of the great circle from
-/// `a` to `b`; without an arc of its own (`GreatCircleArcC::IsValid`), of its ends.
-/// \accuracy within 1e-12 rad for Hz up to 2048, however near the ends are or how nearly antipodal.
+/// `a` to `b`, or of its ends if they define no arc (`GreatCircleArcC::IsValid`).
+/// \accuracy within 1e-12 rad for Hz up to 2048, even if the ends are close or nearly antipodal.
 /// \source With Hz measured from the middle of the ends, and half of their difference l / 2, a x b
 ///         is (-sin(l/2) sin(V1 + V2), cos(l/2) sin(V2 - V1), sin V1 sin V2 sin l): products of
-///         sines of sums, which are taken without rounding.
+///         sines of sums, which are computed without rounding.
 double DistanceToArc(const AnglePointC& direction, const AnglePointC& a, const AnglePointC& b);
 
 /// The angle between a direction and the nearest point of the meridian `hz` between two V.
@@ -32,7 +32,7 @@ double DistanceToMeridian(const AnglePointC& direction, double hz, double v1, do
 /// up to `hz2`. All of them with V in [0, pi].
 double DistanceToParallel(const AnglePointC& direction, double v, double hz1, double hz2);
 
-/// The nearest edge of an area, and how far it is; the largest finite double without an edge.
+/// The nearest edge of an area and its distance; the largest finite double without an edge.
 struct NearestEdge {
   double distance = std::numeric_limits<double>::max();
   std::size_t edge = static_cast<std::size_t>(-1);
@@ -40,7 +40,7 @@ struct NearestEdge {
 
 /// The edge of an area that is nearest to a direction on the sphere: for a polygon the shorter arcs
 /// of great circles, the closing one included; for a rectangle its two meridians and two circles of
-/// latitude. Edges with an end out of range (V in [0, pi] to 10 digits, finite Hz) are passed over.
+/// latitude. Edges with an end out of range (V in [0, pi] to 10 digits, finite Hz) are ignored.
 /// Limits of V are not part of the boundary.
 /// \cost linear.
 NearestEdge FindNearestEdge(const AreaFrame& frame, const AnglePointC& direction);

@@ -34,7 +34,7 @@ class CellGridC {
   };
   static constexpr float kNoEnd = 1e6F;
   /// The error of heights: a float of less than 8 is rounded by 2.4e-7, and once more when it is
-  /// widened; the rest is for the caller.
+  /// widened; the rest is available to the caller.
   static constexpr float kRounding = 1e-6F;
 
   /// A curve adds nothing at points left of its beginning. Within its span it adds `startsBelow`,
@@ -52,20 +52,22 @@ class CellGridC {
     bool isOddBelow;  ///< Curves of other cells, at the left border of the column.
   };
 
-  /// With as many curves or more, unless the columns would be too narrow.
+  /// The smallest number of columns, for at least as many curves, unless they would be too narrow.
   static constexpr std::size_t kFewestColumns = 8;
-  /// The number of columns for curves that take up `spans` of x altogether: one for three of them,
-  /// but no more than keeps the lists linear in size, nor narrower than `minStep`.
+  /// The number of columns for curves that cover `spans` of x in total: at least `kFewestColumns`,
+  /// at most one per curve, none narrower than `minStep`.
   ///
-  /// \param partsPerCurve  in how many columns a curve is listed on the average.
+  /// \param partsPerCurve  the average number of columns in which a curve is listed, which keeps
+  /// the
+  ///                       lists linear in size.
   static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep,
                                   double partsPerCurve = kPartsPerCurve);
   static constexpr double kPartsPerCurve = 6.0;
-  /// The same if a curve that leads through a column is listed there once, in order: with so many
-  /// columns, few curves end in each of them, and cells list these alone.
+  /// The same if a curve that crosses a whole column is listed there once, in order. With this many
+  /// columns, few curves end in each of them, and the cells list only these.
   static constexpr double kPartsPerOrderedCurve = 64.0;
-  /// With so many curves side by side on the average, lists in order are faster: a cell would have
-  /// hundreds of curves.
+  /// If this many curves lie side by side on average, ordered lists are faster: a cell would
+  /// contain hundreds of curves.
   static constexpr double kManySideBySide = 2000.0;
 
   CellGridC() = default;
@@ -75,7 +77,7 @@ class CellGridC {
   double GetWidth() const { return width_; }
   std::size_t GetColumnCount() const { return columns_.size(); }
   double GetBorder(std::size_t column) const { return static_cast<double>(column) / perUnit_; }
-  /// The column at x, the first or the last one beyond the ends.
+  /// The column at x; the first or the last one for x beyond the ends.
   std::size_t ColumnOf(double x) const { return ClampedIndex(x * perUnit_, columns_.size()); }
 
   /// A part of the curve between two heights.
@@ -125,7 +127,7 @@ class CellGridC {
     // The same; most columns of a small ring have one row.
     std::uint32_t RowOfPart(float y) const { return rows == 1 ? 0 : RowOf(static_cast<double>(y)); }
   };
-  // What its parts take up of a column.
+  // The range of the parts in a column.
   struct Extent {
     float low = kNoEnd;
     float high = -kNoEnd;
@@ -139,7 +141,7 @@ class CellGridC {
 
   static Column MakeColumn(const Extent& extent, std::uint32_t firstCell);
 
-  // The whole part of x, or the nearest of the numbers [0, count). Without a branch.
+  // The integer part of x, clamped to [0, count), without a branch.
   static std::size_t ClampedIndex(double x, std::size_t count) {
     const auto index = static_cast<std::int64_t>(x);
     const std::int64_t last = static_cast<std::int64_t>(count) - 1;
@@ -155,7 +157,7 @@ class CellGridC {
   double width_ = 0.0;
   double perUnit_ = 0.0;
   std::vector<Column> columns_;
-  std::vector<List> lists_;  // one more than there are cells
+  std::vector<List> lists_;  // one per cell, and one more
   std::vector<Item> items_;
 };
 

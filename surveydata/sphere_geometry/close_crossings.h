@@ -17,8 +17,8 @@
 
 namespace GMAT {
 
-/// Adds the meridians of corners, and the range in which two edges that leave a corner to the same
-/// side are close; whole steep edges; and the meridians of edges at a pole.
+/// Adds the meridians of corners, the range in which two edges that leave a corner to the same side
+/// are close, whole steep edges, and the meridians of edges at a pole.
 void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring, HzIntervalsC& intervals);
 
 /// Compares the curves of one column of an index after another, and adds the Hz at which two of
@@ -31,15 +31,15 @@ class CurveComparisonC {
 
   void SetColumn(double west, double east, const CosSin& atWest, const CosSin& atEast);
 
-  /// All curves of a cell with each other.
+  /// Compares all curves of a cell with each other.
   /// \cost m log m for m curves of which few are close or exchange places.
   void CompareCell(const CellGridC::Cell& cell);
 
-  /// Two curves that lead through the column, `upper` the higher one on the average.
+  /// Compares two curves that cross the whole column; `upper` is the higher one on average.
   ColumnOrderC::Relation Relate(const ColumnOrderC::Crossing& lower,
                                 const ColumnOrderC::Crossing& upper);
 
-  /// A curve with those that lead through the column.
+  /// Compares a curve with those that cross the whole column.
   /// \cost log k for k of them.
   void CompareWithOrder(const ArcCurve& curve, std::span<const ColumnOrderC::Item> order);
 
@@ -48,7 +48,7 @@ class CurveComparisonC {
   struct Line {
     double west;  // t there, where the curve, or what would continue it, is
     double east;
-    double closest;      // in t: nearer to it there may be crossings that count as one with it
+    double closest;      // in t: crossings closer to it may count as one with it
     double highestEast;  // of the lines up to this one
     const ArcCurve* curve;
     bool isLowest;
@@ -71,8 +71,8 @@ class CurveComparisonC {
   std::vector<Line> lines_;
 };
 
-/// Adds where curves that share a cell come close to each other, or to a curve that leads through
-/// their column. `borders` are those of the grid's columns.
+/// Adds the Hz at which curves that share a cell come close to each other, or to a curve that
+/// crosses their whole column. `borders` are those of the grid's columns.
 void AddIntervalsOfCells(const CellGridC& grid, const ColumnOrderC& order,
                          const std::vector<CosSin>& borders, const std::vector<ArcCurve>& curves,
                          std::size_t edgeCount, HzIntervalsC& intervals);

@@ -9,9 +9,9 @@
 
 namespace GMAT {
 
-/// For each column of a plane, the curves that lead through it from border to border, in their
-/// order from below. One binary search finds the curves next to a point among any number of them.
-/// For long curves side by side that do not cross each other, which rows of cells cannot separate.
+/// For each column of a plane, the curves that cross it from border to border, in order from the
+/// bottom. One binary search finds the curves next to a point among any number of them. Intended
+/// for long curves side by side that do not cross each other, which rows of cells cannot separate.
 class ColumnOrderC {
  public:
   struct Item {
@@ -19,7 +19,7 @@ class ColumnOrderC {
     std::uint32_t isClose : 1;  ///< To the item before or after it, somewhere in the column.
   };
 
-  /// A curve that leads through all columns from `first` to `last`.
+  /// A curve that crosses all columns from `first` to `last`.
   struct Span {
     std::uint32_t curve;
     std::uint32_t first;
@@ -44,10 +44,11 @@ class ColumnOrderC {
 
   /// Orders the curves of each column.
   ///
-  /// \param curves  an object with `HeightAt(curve, border)`; `Relate(column, lower, upper)`, asked
-  ///                of neighbours in the order of the sums of their heights; and `Reject(column,
+  /// \param curves  an object with `HeightAt(curve, border)`; `Relate(column, lower, upper)`,
+  /// called
+  ///                for neighbours in the order of the sums of their heights; and `Reject(column,
   ///                crossing)`, called for an upper one that is out of order, which is left out.
-  /// \cost k log k for each column that k curves lead through.
+  /// \cost k log k for each column that k curves cross.
   template <class Curves>
   void Build(std::size_t columns, std::vector<Span> spans, Curves& curves) {
     items_.clear();
@@ -76,14 +77,14 @@ class ColumnOrderC {
     begins_.push_back(items_.size());
   }
 
-  /// Nothing where no curve has a span.
+  /// Empty if no curve crosses the column.
   std::span<const Item> Get(std::size_t column) const {
     if (items_.empty()) return {};
     return {items_.data() + begins_[column], items_.data() + begins_[column + 1]};
   }
 
-  /// The number of curves of a column that are below, by a function of the item. No branch depends
-  /// on the curves.
+  /// The number of items at the beginning for which `isBelow(item)` is true. No branch depends on
+  /// the curves.
   template <class IsBelow>
   static std::size_t CountBelow(std::span<const Item> items, IsBelow isBelow) {
     std::size_t below = 0;
@@ -125,7 +126,7 @@ class ColumnOrderC {
     }
   }
 
-  std::vector<std::size_t> begins_;  // one more than there are columns
+  std::vector<std::size_t> begins_;  // one per column, and one more
   std::vector<Item> items_;
 };
 

@@ -41,7 +41,7 @@ class HzIntervalsC {
   void DropIntervals() { intervals_ = {}; }
 
   std::size_t GetTableSize() const { return hulls_.size() * kBytesPerBucket; }
-  /// After `Build` in ascending order, and none overlap.
+  /// After `Build`, the intervals are in ascending order and do not overlap.
   const std::vector<Interval>& GetIntervals() const { return intervals_; }
 
   /// Whether an Hz may lie in an interval: true for all that do and for few others. One lookup,
@@ -62,7 +62,7 @@ class HzIntervalsC {
   static_assert(sizeof(Hull) == kBytesPerBucket);
 
   static constexpr int kFraction = 40;
-  // The units of an Hz and the number of them that are added, of the width at most.
+  // The units of an Hz plus `added`, at most those of the width.
   std::uint32_t ToUnits(double hz, double added) const;
   std::size_t BucketOf(std::uint32_t units) const {
     return static_cast<std::size_t>((units * bucketsPerUnit_) >> kFraction);

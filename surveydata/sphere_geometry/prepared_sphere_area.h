@@ -13,18 +13,18 @@
 
 namespace GMAT {
 
-/// A sphere area made ready for many questions. It never changes and knows nothing of the area it
-/// was made from. Every answer is that of `SphereAreaC::Contains`, bit for bit.
+/// A sphere area prepared for many queries. It never changes, and does not depend on the area from
+/// which it was created. Every answer is that of `SphereAreaC::Contains`, bit for bit.
 ///
-/// It asks, in this order: the raster of decided cells, if there is one; the index of the boundary
-/// band; the slab decomposition, a floating-point filter; and where that does not prove the answer,
-/// the rules, on the edges that can matter.
+/// It uses, in this order: the raster of decided cells, if there is one; the index of the boundary
+/// band; the slab decomposition, a floating-point filter; and, if that does not prove the answer,
+/// the rules, applied to the edges that can matter.
 class PreparedSphereAreaC {
  public:
-  /// \param hasRaster  whether to make a raster of decided cells.
+  /// \param hasRaster  whether to build a raster of decided cells.
   /// \param manySideBySide  the average number of edges on a meridian from which on edges are kept
   ///                        in order. Tests, which have fewer, set it.
-  /// \cost n log n for n points at least, that of `SphereAreaC::IsValid` included.
+  /// \cost at least n log n for n points, that of `SphereAreaC::IsValid` included.
   explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
                                double manySideBySide = CellGridC::kManySideBySide);
 
@@ -33,26 +33,26 @@ class PreparedSphereAreaC {
     bool isProven;  ///< Whether the bounds proved it, and the rules were not asked.
   };
 
-  /// \cost grows with the number of edges in the direction's cell, which is some ten or twenty
-  ///       unless edges crowd in a small part of the area.
+  /// \cost grows with the number of edges in the direction's cell, about ten or twenty unless many
+  ///       edges are in a small part of the area.
   Answer Ask(double hz, double v) const;
 
   /// The edges and bounds to which the rules are applied; null if the points do not form an area.
   const AreaFrame* GetFrame() const { return way_ != Way::kNever ? &frame_ : nullptr; }
 
-  /// The raster, or null: without one, or where it would decide nothing.
+  /// The raster, or null if there is none or if it would decide nothing.
   const DecidedRasterC* GetRaster() const { return raster_ ? &*raster_ : nullptr; }
 
   void Contains(std::span<const double> hz, std::span<const double> v,
                 std::span<bool> inside) const;
 
  private:
-  // How the questions are answered.
+  // How queries are answered.
   enum class Way : std::uint8_t {
     kNever,      // not an area
     kRectangle,  // by comparing with the corners
     kPolygon,    // as the class comment says
-    kRules,      // points out of range, or a frame of very many turns
+    kRules,      // if points are out of range, or the frame has very many turns
   };
 
   Answer AskWrapped(double hz, double v) const;

@@ -20,7 +20,7 @@ namespace GMAT {
 /// The amplitude of the sinusoid a cos(x) + b sin(x).
 inline double Swing(double a, double b) { return std::sqrt(a * a + b * b); }
 
-/// By how much t of an arc may exceed the range of its values at two Hz that are `span` apart.
+/// The most by which t of an arc can exceed the range of its values at two Hz `span` apart.
 inline double BulgeOf(double t1, double t2, double span) {
   return kBulge * std::max(std::fabs(t1), std::fabs(t2)) * span * span;
 }
@@ -82,9 +82,9 @@ struct RingCurves {
 /// The curves of a polygon whose points are all in range.
 RingCurves BuildRingCurves(const AreaFrame& frame);
 
-/// By how much t, and V, may exceed the range of their values at the ends of a part of the curve,
-/// so that the part is listed in all cells with directions that it is not clear of. The derivative
-/// of V is at most 1.
+/// The most by which t, and V, can exceed the range of their values at the ends of a part of the
+/// curve, so that the part is listed in all cells with directions of which it is not clear. The
+/// derivative of V is at most 1.
 inline double SlackOf(const ArcCurve& curve, double t1, double t2, double span) {
   return BulgeOf(t1, t2, span) + static_cast<double>(curve.error);
 }

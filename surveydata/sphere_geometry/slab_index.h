@@ -25,10 +25,9 @@ enum class Verdict : std::uint8_t { kOutside, kInside, kUndecided };
 ///
 /// The plane of Hz and tan(latitude) is divided into columns and cells. A cell lists the curves of
 /// the edges that enter it, and stores whether an odd number of the others is below it. If very
-/// many edges lie side by side, those that lead through a column are not in its cells but on an
-/// ordered list (`ColumnOrderC`). If the rounding bounds do not prove the answer, the rules must
-/// decide
-/// (`filter_bounds.h`). The boundary band is not considered.
+/// many edges lie side by side, those that cross a whole column are not in its cells but on an
+/// ordered list (`ColumnOrderC`). If the rounding bounds (`filter_bounds.h`) do not prove the
+/// answer, the rules must decide. The boundary band is not considered.
 class SlabIndexC {
  public:
   /// \param manySideBySide  the average number of edges on a meridian from which on ordered lists
@@ -70,13 +69,13 @@ class SlabIndexC {
   class BuilderC;
   class OpenCrossingsC;
 
-  // Where h and v are those of a direction that the filter can decide. Also away from the poles.
+  // Whether the filter can decide the direction: h and v are in range, and it is not near a pole.
   bool IsRegular(double h, double v) const {
     return (h >= hFirst_) & (h <= hLast_) & (v >= kPoleMargin) & (v <= PI - kPoleMargin);
   }
 
-  // A direction, or a crossing, on the meridian with cosine and sine `atH`. Whether the gap to a
-  // curve proves on which side of it that is.
+  // The gap between a curve and a direction, or a crossing, on the meridian with cosine and sine
+  // `atH`, and whether it proves on which side of the curve that is.
   struct Gap {
     double value;  // (t of the curve - t of the direction) times s
     bool isClear;
@@ -93,7 +92,7 @@ class SlabIndexC {
     });
   }
 
-  // Those edges of `FindEdges` that are not on a list in order.
+  // The edges of `FindEdges` that are not on an ordered list.
   std::vector<std::uint32_t> FindEdgesOfCells(double h) const;
 
   // Where the frame begins and ends, edges of the first or the last column may count.
