@@ -57,8 +57,7 @@ class CellGridC {
   /// The number of columns for curves that cover `spans` of x in total: at least `kFewestColumns`,
   /// at most one per curve, none narrower than `minStep`.
   ///
-  /// \param partsPerCurve  the average number of columns in which a curve is listed, which keeps
-  /// the
+  /// \param partsPerCurve  the average number of columns in which a curve is listed; it keeps the
   ///                       lists linear in size.
   static std::size_t CountColumns(std::size_t curves, double spans, double width, double minStep,
                                   double partsPerCurve = kPartsPerCurve);

@@ -44,10 +44,9 @@ class ColumnOrderC {
 
   /// Orders the curves of each column.
   ///
-  /// \param curves  an object with `HeightAt(curve, border)`; `Relate(column, lower, upper)`,
-  /// called
-  ///                for neighbours in the order of the sums of their heights; and `Reject(column,
-  ///                crossing)`, called for an upper one that is out of order, which is left out.
+  /// \param curves  an object with `HeightAt(curve, border)`; `Relate(column, lower, upper)`, for
+  ///                neighbours in the order of the sums of their heights; and `Reject(column,
+  ///                crossing)`, for an upper one that is out of order, which is left out.
   /// \cost k log k for each column that k curves cross.
   template <class Curves>
   void Build(std::size_t columns, std::vector<Span> spans, Curves& curves) {

@@ -11,8 +11,8 @@ namespace Tool {
 /// second.
 ///
 /// \return the first possible time of a measurement that is not earlier, in milliseconds from the
-/// start of GPS
-///         time: 0 for texts before 1980-01-06, the end of the last GPS week for those after it.
+///         start of GPS time: 0 for texts before 1980-01-06, the end of the last GPS week for those
+///         after it.
 /// \throw ValueErrorC for any other text
 std::int64_t ParseMoment(std::string_view text);
 
