@@ -1,4 +1,4 @@
-// Adjacent stretches join to the whole, for any bytes and any borders.
+// Adjacent stretches together give the whole, for any bytes and any borders.
 
 #include <algorithm>
 #include <cstdint>
@@ -179,8 +179,8 @@ TEST(ReaderStretches, OnlyTheStartTellsTheWalkOfAChain) {
   }
 }
 
-// The chain begins where the first look-back does. The second one comes to it with the sums of the
-// first, of which those of the beginning are written over: they must not be taken for its own.
+// The chain begins where the first look-back does. The second look-back reaches it with the sums of
+// the first one, whose beginning is overwritten: it must not use them.
 TEST(ReaderStretches, ALookBackKnowsNoSumsOfTheOneBefore) {
   std::mt19937_64 random(20260137);
   const ByteVector chain =

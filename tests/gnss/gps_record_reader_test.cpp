@@ -551,8 +551,8 @@ TEST(RecordReader, AFunctionThatThrowsLeavesAReaderThatGoesOn) {
   }
 }
 
-// Gives `bytes` a few at a time, and throws instead in every third call: several times in each
-// block that a reader asks for.
+// Returns `bytes` a few at a time, but throws in every third call: several times in each block that
+// a reader requests.
 class HaltingC {
  public:
   HaltingC(const ByteVector& bytes, std::size_t most) : read_(Chunks(bytes, most)) {}
@@ -601,8 +601,8 @@ TEST(RecordReader, WhatWasReadBeforeAnExceptionIsNotReadAgain) {
   }
 }
 
-// Finding out which walk is the right one does not begin anew after each exception; in a chain that
-// takes several times.
+// The search for the correct walk does not start again after each exception; in a chain that
+// needs several look-backs.
 TEST(RecordReader, AStretchIsReachedDespiteExceptions) {
   std::mt19937_64 random(20260127);
   ByteVector bytes;
@@ -650,7 +650,7 @@ class NowAndThenC {
   int calls_ = 0;
 };
 
-// Reads on after each exception.
+// Continues after each exception.
 ReaderWalks::Listed ListDespite(GPSRecordReaderC& reader, NowAndThenC& nowAndThen) {
   ReaderWalks::Listed listed;
   reader.SetReportDamaged([&](const GPSDamagedHeader& header) {
@@ -769,7 +769,7 @@ TEST(RecordReader, AFileThatShrinksEndsEarlier) {
 }
 
 TEST(RecordReader, OffsetsOf64Bits) {
-  // 5 GB of zeros, then a record: blocks of zeros cost nothing but their reading.
+  // 5 GB of zeros, then a record: blocks of zeros cost only their reading.
   constexpr std::uint64_t kAt = 5'000'000'000;
   const ByteVector frame = FrameOf(20);
   const auto read = [&](std::uint64_t offset, std::span<std::uint8_t> to) {

@@ -138,7 +138,8 @@ TEST_F(RecordFaults, EveryCallOfAWriteFails) {
 
       ByteVector expected = before_;
       if (call == 3) {
-        // As if the file ended where the read did: written whole, with zeros for the missing bytes.
+        // As if the file ended where the read did: the frame is written whole, with zeros for
+        // missing bytes.
         ByteVector cut = before_;
         cut.resize(5 + (extent == Extent::kHalf ? (before_.size() - 5) / 2 : 0));
         ASSERT_EQ(RecordModel::Write(cut, &stored, info_), 0U);
@@ -398,7 +399,7 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
   Faults::FailNoFileCall();
   ASSERT_EQ(append(), kDone);
   const std::vector<std::string> calls = Faults::FileCalls();
-  // The first is to make a file.
+  // The first call creates a file.
   ASSERT_EQ(calls,
             (std::vector<std::string>{"fopen", "fopen", "fseeko", "ftello", "fwrite", "fclose"}));
   ASSERT_EQ(file_.Bytes(), after);
@@ -424,7 +425,7 @@ TEST_F(RecordFaults, EveryCallOfAnAppendFails) {
   }
 }
 
-// A file that an append has made goes with it, even where it could not be cut back.
+// A file that an append has created is removed, even if it cannot be truncated.
 TEST_F(RecordFaults, AnAppendThatFailsLeavesNoNewFile) {
   using enum SDI::GPSAppendOutcome;
   const TestSupport::TempFolderC folder;
@@ -440,7 +441,7 @@ TEST_F(RecordFaults, AnAppendThatFailsLeavesNoNewFile) {
                                             kWritingFailed};
   for (const Extent extent : {Extent::kNothing, Extent::kHalf}) {
     for (std::size_t call = 0; call < calls.size(); ++call) {
-      // Alone, and with the next one: `ftruncate` after `fwrite`.
+      // This failure alone, and with the next call failing: `ftruncate` after `fwrite`.
       for (const std::size_t another : {Faults::kNever, call + 1}) {
         SCOPED_TRACE(testing::Message() << "call " << call << ", " << calls[call]
                                         << (extent == Extent::kHalf ? ", half done" : ""));

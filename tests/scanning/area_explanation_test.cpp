@@ -183,7 +183,7 @@ TEST(AreaExplanation, NamesTheEdgeOfTheBand) {
   EXPECT_EQ(why.nearestEdge, 1u);
   EXPECT_NEAR(why.distance, 5e-6 * std::sin(1.5), 1e-12);
   EXPECT_FALSE(area.Explain(1.0 + 9e-6, 1.5).isInside);
-  // The closing edge has none.
+  // The closing edge has no band.
   EXPECT_EQ(area.Explain(TWO_PI - 5e-6, 1.5).rule, Rule::kNoCrossing);
   EXPECT_EQ(area.Explain(TWO_PI - 5e-6, 1.5).nearestEdge, 3u);
 

@@ -52,7 +52,7 @@ std::unique_ptr<ScanAreaC> MakePolygon(const std::vector<AnglePointC>& points) {
   return Make(2, points);
 }
 
-// Repeats points, brings two within a denormal, makes corners level or plumb.
+// Repeats points, moves two within a denormal of each other, makes corners equal in V or Hz.
 void Disturb(std::vector<AnglePointC>& ring, RingGenerator& random) {
   if (ring.empty()) return;
   const auto any = [&] { return random.Below(ring.size()); };
@@ -81,7 +81,7 @@ void Disturb(std::vector<AnglePointC>& ring, RingGenerator& random) {
   }
 }
 
-// Indices that are there come first, ascend, and are below `count`.
+// Valid indices come first, ascend, and are below `count`.
 void ExpectIndices(const Indices& indices, std::size_t count) {
   if (indices[0] != kNone) {
     EXPECT_LT(indices[0], count);
@@ -161,7 +161,7 @@ TEST(AreaFaults, NameTheRuleThePointsAndTheEdges) {
 }
 
 TEST(AreaFaults, TellWhereEdgesCross) {
-  // On the meridian in the middle, by symmetry, also across Hz 0.
+  // By symmetry on the middle meridian, also across Hz 0.
   for (const double hz : {1.5, 0.2}) {
     const double left = hz < 0.5 ? hz - 0.5 + GMAT::TWO_PI : hz - 0.5;
     const auto faults =

@@ -152,15 +152,15 @@ void MakeCrowdedRings(std::vector<std::unique_ptr<ScanPolygonAreaC>>& rings) {
       add(star, hz + r * std::cos(angle), 1.4 + r * std::sin(angle));
     }
   }
-  // Long arcs back and forth, bulging in the middle, and a return path beside them.
+  // Long arcs back and forth, bulging in the middle, and a return path next to them.
   for (const double hz : {0.2, 5.0}) {
     ScanPolygonAreaC& fan = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
     for (int i = 0; i <= 60; ++i) add(fan, hz + (i % 2 != 0 ? 2.4 : 0.0), 0.7 + 0.02 * i);
     add(fan, hz - 0.2, 1.9);
     add(fan, hz - 0.2, 0.7);
   }
-  // A ribbon of level edges, a few boundary bands from one to the next. A band is where it should
-  // be for a frame that begins at Hz 0.
+  // A ribbon of level edges, a few boundary bands apart. For a frame that begins at Hz 0, the bands
+  // are not displaced.
   for (const double hz : {0.02, 6.2}) {
     ScanPolygonAreaC& ribbon = *rings.emplace_back(std::make_unique<ScanPolygonAreaC>());
     for (int i = 0; i <= 80; ++i) {

@@ -51,7 +51,7 @@ static_assert(sizeof(ScanPolygonAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(sizeof(ScanDomeAreaImplC) == sizeof(ScanAreaImplC));
 static_assert(std::is_base_of_v<boost::noncopyable, ScanDefinitionC>);
 
-// What the getters of an area return; both sides of every kind have them.
+// The results of the getters of an area, which both sides of every kind have.
 template <class Area>
 constexpr bool ReturnsItsTypes() {
   using Point = ScanDefPointC;
@@ -198,7 +198,8 @@ TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // the leak checker is the 
   delete (new TypeParam)->GetImpl();
 }
 
-// Steps that differ by less than the smallest normal double are equal, limits only when they are.
+// Steps that differ by less than the smallest normal double are equal; limits must be equal
+// exactly.
 TYPED_TEST(ScanAreas, EqualityToleratesSubnormalDifferencesOfTheStepsAlone) {
   constexpr double kMin = std::numeric_limits<double>::min();
   constexpr double kUnit = std::numeric_limits<double>::denorm_min();
@@ -294,7 +295,7 @@ TEST(ScanArea, KindsAreNeverEqual) {
   EXPECT_FALSE(rectangle.GetImpl()->IsEqual(*point.GetImpl())) << "no scan definition";
 }
 
-// An area of no kind that the library has, under any code.
+// An area of a kind that the library does not know, with any type code.
 class StrangeAreaC : public ScanAreaImplC {
  public:
   explicit StrangeAreaC(std::uint32_t type) : ScanAreaImplC(type) {}
@@ -422,8 +423,8 @@ TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
   }
 }
 
-// A user's class may override the bounding points for those who ask for them. The four bounds are
-// the implementation's, like every other answer of an area.
+// A user's class may override the bounding points. The four bounds are those of the implementation,
+// like all other results of an area.
 TEST(ScanArea, BoundsAreThoseOfTheImplementation) {
   class OverriddenC : public ScanPolygonAreaC {
    public:
@@ -494,7 +495,7 @@ TEST(ScanArea, BoundsAreClampedAndOnlyTheFarEndsAreWrapped) {
   EXPECT_EQ(ring->GetHzMin(), kTwoPi + 1e-6);
 }
 
-// Its bounding points stand upside down.
+// Its bounding points are in reverse order.
 class TurnedAreaC : public ScanRectangularAreaImplC {
  public:
   bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const override {
@@ -516,7 +517,7 @@ TEST(ScanArea, TheBoundsInVAreOrderedAndThoseInHzAreNot) {
 }
 
 TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
-  // The rule of validity holds for a ring around the zenith too, though its extents do without.
+  // A ring around the zenith must be valid, too, although its extents do not require it.
   std::vector<ScanDefPointC> ring;
   for (const double hz : {0.0, 1.0, 2.0, 3.0, 4.0, 5.0}) ring.emplace_back(hz, 0.5, -1.0);
   const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon(ring));

@@ -180,7 +180,7 @@ TEST(Angles, ToFirstFaceTurnsADirectionBeyondTheNadir) {
   p = {4.0, 3.5};
   ToFirstFace(p);
   EXPECT_EQ(p, (AnglePointC{NormalizeAngle(4.0 + PI), TWO_PI - 3.5}));
-  p = {7.0, PI};  // not beyond: nothing happens to Hz either
+  p = {7.0, PI};  // not beyond: Hz does not change, either
   ToFirstFace(p);
   EXPECT_EQ(p, (AnglePointC{7.0, PI}));
 }

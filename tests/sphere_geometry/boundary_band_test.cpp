@@ -27,7 +27,7 @@ TEST(BoundaryBand, ContainsTheBandsOfAllEdgesButTheClosingOne) {
     AreaFrame frame;
     ASSERT_TRUE(BuildFrame(MakeRing(random, n), frame));
     const BoundaryBandC band(frame);
-    const BoundaryBandC ordered(frame, 0.0);  // with lists in order
+    const BoundaryBandC ordered(frame, 0.0);  // with ordered lists
     std::uniform_real_distribution<double> part(0.0, 1.0);
     std::uniform_real_distribution<double> off(-1.2e-5, 1.2e-5);
     for (int i = 0; i < 20000; ++i) {
@@ -47,7 +47,7 @@ TEST(BoundaryBand, ContainsTheBandsOfAllEdgesButTheClosingOne) {
   EXPECT_LT(inside, 70000);
 }
 
-// Long edges side by side, some nearer to each other than their bands are wide, some that cross.
+// Long edges side by side: some closer to each other than the width of their bands, some crossing.
 TEST(BoundaryBand, ContainsTheBandsOfEdgesInOrder) {
   std::mt19937_64 random(2);
   std::uniform_real_distribution<double> part(0.0, 1.0);
@@ -78,7 +78,7 @@ TEST(BoundaryBand, ContainsTheBandsOfEdgesInOrder) {
   EXPECT_LT(inside, 6 * kProbes * 7 / 8);
 }
 
-// Whatever the width of the frame, the probe lies in the first turn.
+// The probe lies in the first turn for any width of the frame.
 TEST(BoundaryBand, CoversTheFirstTurnOfARingOfTwo) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 40; ++i) points.push_back({NormalizeAngle(0.3 * i), 1.0 + 0.01 * i});

@@ -31,7 +31,7 @@ struct Indexed {
   RingCurves ring;
 };
 
-// Where two edges, or their continuations, meet; or a corner.
+// The Hz at which two edges, or their continuations, meet, or that of a corner.
 double SomeHz(RingGenerator& random, const RingCurves& ring) {
   const std::size_t n = ring.curves.size();
   const ArcCurve& one = ring.curves[random.Below(n)];

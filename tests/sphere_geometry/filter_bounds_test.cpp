@@ -1,5 +1,5 @@
 // Measures the bounds of the floating-point filters against arithmetic of 60 digits, on inputs
-// chosen to come near to them, and reports how much of each bound is used.
+// chosen to come close to them, and reports how much of each bound is used.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -78,7 +78,7 @@ TEST_F(FilterBounds, TurnsOfAFrame) {
   Expect("kRoundingMargin/4", used + kDigitsReach, kRoundingMargin / 4.0);
 }
 
-// Probes at the limit of the tolerance beside edges of all lengths.
+// Probes at the limit of the tolerance next to edges of all lengths.
 TEST_F(FilterBounds, ReachOfTheBand) {
   double used = 0.0;
   for (int i = 0; i < 200'000; ++i) {
@@ -178,7 +178,7 @@ TEST_F(FilterBounds, CurvesOfArcs) {
     const double span = OneIn(2) ? Scaled(1e-9, 3.0) : Uniform(0.0, 3.0);
     Arc arc;
     if (!MakeArc(p, {p.Hz + span, Uniform(0.01, 3.13)}, arc)) continue;
-    // Where the two products cancel, or at random.
+    // At a point where the two products cancel, or at random.
     double h = OneIn(2) ? std::atan2(-arc.a, arc.b) : Uniform(0.0, TWO_PI);
     if (h < 0.0) h += PI;
     const CosSin quick = QuickCosSin(h);

@@ -1,6 +1,6 @@
-// The sphere geometry answers as it was recorded, bit for bit, with every compiler, at every level
-// of optimisation and on every system. Only where the C runtime rounds a sine or an arc tangent
-// differently may an answer that uses it differ, and then within the accuracy of such answers.
+// The sphere geometry returns the recorded answers, bit for bit, with every compiler, at every
+// level of optimisation and on every system. An answer may differ only if the C runtime rounds a
+// sine or an arc tangent differently, and then within the accuracy of such answers.
 
 #include "tests/support/geometry_cases.h"
 
@@ -66,7 +66,7 @@ std::string Describe(const Case& question) {
   return question.question + Text(question.given) + "; area" + Text(area);
 }
 
-// How the answers of one question differ from those recorded.
+// The differences of the answers to one question from the recorded ones.
 struct Difference {
   int numbers = 0;
   int different = 0;
@@ -97,7 +97,8 @@ TEST_F(GeometryAnswers, ThatTakeNoMathFunctionAreAsRecordedEverywhere) {
 
 TEST_F(GeometryAnswers, ThatTakeMathFunctionsAreAsRecordedWhereTheseRoundAsRecorded) {
   std::map<std::string, Difference> differences;
-  // That of 32-bit x86 rounds one call in some 1,400 differently: too few to be among these.
+  // The runtime of 32-bit x86 rounds one call in about 1,400 differently: too few to be detected
+  // here.
   bool isSameRuntime = sizeof(void*) == 8;
   for (const Case& next : cases_) {
     if (next.source == Source::kArithmetic) continue;

@@ -252,7 +252,7 @@ TEST(ArcEdge, ArcsCrossWhereBothHoldThePoint) {
       FindSphericalCrossing(edge({1.0, 1.0}, {2.0, 1.5}), edge({2.5, 1.2}, {2.6, 2.2}), at));
   EXPECT_FALSE(
       FindSphericalCrossing(edge({2.5, 1.2}, {2.6, 2.2}), edge({1.0, 1.0}, {2.0, 1.5}), at));
-  // Planes at an angle of 1e-10 or less are one.
+  // Planes at an angle of 1e-10 or less count as one.
   const auto atHorizon = [&](double tilt) {
     return FindSphericalCrossing(edge({1.0, HALF_PI}, {2.0, HALF_PI}),
                                  edge({1.0, HALF_PI - tilt}, {2.0, HALF_PI + tilt}), at);

@@ -131,8 +131,7 @@ class RingC {
   std::unique_ptr<PlainRulesC> rules_;
   std::unique_ptr<PreparedSphereAreaC> few_;
   std::unique_ptr<PreparedSphereAreaC> many_;
-  std::unique_ptr<PreparedSphereAreaC>
-      ordered_;  // with ordered lists, as if it had very many edges
+  std::unique_ptr<PreparedSphereAreaC> ordered_;  // with ordered lists, as for very many edges
   std::vector<double> hz_;
   std::vector<double> v_;
   std::vector<char> expected_;

@@ -21,7 +21,7 @@ SphereAreaC MakeArea(const std::vector<AnglePointC>& points) {
 
 const std::vector<AnglePointC> kSquare{{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}};
 
-// All kinds of preparing, asked one by one and in a batch.
+// All kinds of preparation, queried one direction at a time and in a batch.
 void ExpectSameAnswers(const SphereAreaC& area, const std::vector<AnglePointC>& probes) {
   std::vector<double> hz;
   std::vector<double> v;
@@ -79,7 +79,7 @@ TEST(PreparedSphereArea, DirectionsAreWrappedFirst) {
   }
 }
 
-// A block of a batch takes the fast path for doubles in [0, 2 pi] alone; here each kind has both
+// A block of a batch takes the fast path only for doubles in [0, 2 pi]; here each kind has both
 // its neighbours in the block.
 TEST(PreparedSphereArea, ABatchAnswersAnyDouble) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -136,7 +136,7 @@ TEST(PreparedSphereArea, ARectangleIsAnsweredByItsCorners) {
   ExpectSameAnswers(area, probes);
 }
 
-// Corners out of range, and frames that wind more often than the bounds hold for.
+// Corners out of range, and frames with more windings than the bounds allow.
 TEST(PreparedSphereArea, WhatTheBoundsDoNotHoldForIsLeftToTheRules) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 1000; ++i) points.push_back({NormalizeAngle(3.0 * i), 1.0 + 1e-4 * i});

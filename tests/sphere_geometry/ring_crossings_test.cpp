@@ -1,4 +1,5 @@
-// Whether a ring crosses itself: the sweeps against the plain comparison of all pairs of edges.
+// Whether a ring crosses itself: compares the sweeps with the plain comparison of all pairs of
+// edges.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -289,7 +290,7 @@ TEST(RingCrossings, VerticalEdgesDoNotHideOthers) {
   EXPECT_TRUE(asked.contains({0, 6}));
 }
 
-// Whatever hides one edge from another: tiny edges between them, steep ones, vertical ones.
+// Edges that separate two others on the sweep line: tiny, steep and vertical ones.
 TEST(RingCrossings, SweepInOrderAsksForAllPairsThatAreNear) {
   HostileRingGenerator random(3);
   std::size_t near = 0;
@@ -403,7 +404,7 @@ TEST(RingCrossings, ACrossingInThePlaneMeansThatTheEdgesAreWithinReach) {
   EXPECT_GT(reported, kPairs / 10);
   std::printf("%zu crossings of edges at most %.3g apart, %.3g where products underflow\n",
               reported, static_cast<double>(farthest), static_cast<double>(farthestOfTiny));
-  EXPECT_GT(farthest, 2.5e-10);  // the bound has something to bound
+  EXPECT_GT(farthest, 2.5e-10);  // the cases come close to the bound
 }
 
 // The chord of a long edge and its arc: between them lies the tip of a tooth.
@@ -419,7 +420,7 @@ TEST(RingCrossings, ChordsMayChangePlacesWhereArcsDoNot) {
   EXPECT_TRUE(IsValidByTheLiteralRules(ring));
 }
 
-// Where the order of the edges is lost, crossings farther on are found all the same.
+// Crossings after the point at which the order of the edges is lost are still found.
 TEST(RingCrossings, CrossingsAreFoundAfterChordsThatChangedPlaces) {
   for (const bool isCrossed : {false, true}) {
     Corners ring = RingWithChordsThatCross();
@@ -478,7 +479,7 @@ TEST(RingCrossings, FindsTheEdgesThatCross) {
   EXPECT_GT(few, 100u);
 }
 
-// In a comb, where boxes are of no use, with two teeth that cross others.
+// In a comb, for which boxes are useless, with two teeth that cross others.
 TEST(RingCrossings, FindsTheEdgesThatCrossAmongManySideBySide) {
   Corners ring;
   constexpr int kTeeth = 2000;

@@ -106,7 +106,7 @@ Exception WhyDifferent(const SphereAreaC& area, AnglePointC probe) {
   return Exception::kNone;
 }
 
-// Queries both for `count` directions and returns how often they differ. Every difference must
+// Queries both for `count` directions and returns the number of differences. Every difference must
 // follow from a rule.
 int CompareWithS2(Random& random, const std::vector<AnglePointC>& ring, AnglePointC centre,
                   double radius, int count, std::size_t& inside) {

@@ -70,7 +70,7 @@ TEST(SphereAreaProperty, EveryAnswerEqualsTheLiteralRulesBitForBit) {
       ++tally.cases;
     }
   }
-  // The cases must cover what they are made for.
+  // The cases must cover what they are generated for.
   EXPECT_GT(tally.valid, tally.cases / 60);
   EXPECT_GT(tally.zenith, tally.cases / 200);
   EXPECT_GT(tally.inside, tally.cases / 20);

@@ -125,7 +125,8 @@ TEST(SphereArea, TheEdgesOfARectangleBeginAtItsLeftSide) {
                                              {2.0, 1.5}, {2.0, 0.5}, {2.0, 0.5}, {0.0, 0.5}};
   EXPECT_EQ(edges, expected);
   EXPECT_EQ(hzOrigin, 1.0);
-  // What the caller passes is added to the second corner, unless the rectangle crosses the seam.
+  // The value that the caller passes is added to the second corner, unless the rectangle crosses
+  // the seam.
   hzOrigin = 0.25;
   ASSERT_TRUE(Area({{1.0, 0.5}, {3.0, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[3].Hz, 2.25);
@@ -229,7 +230,7 @@ TEST(SphereArea, ATriangleNeverCrossesItself) {
   EXPECT_TRUE(Area({{1.0, 1.0}, {2.0, 1.0}, {1.5, 1.0}}).IsValid());
 }
 
-// A crossing counts only when the arcs and the straight chords cross.
+// A crossing counts only if both the arcs and the straight chords cross.
 TEST(SphereArea, ACrossingOnTheSphereAloneIsNone) {
   // The long edge at V = 1 bulges up on the sphere, to V = 0.72; the two points at V = 0.9 above
   // the chord lie below the arc.
@@ -333,7 +334,7 @@ TEST(SphereArea, AnAreaMayBeWiderThanATurn) {
   EXPECT_FALSE(e.enclosesZenith);
   EXPECT_EQ(e.hzMin, 0.0);
   EXPECT_NEAR(e.hzMax, 1.7 + TWO_PI, 1e-15);
-  // The vertex of the edge at V = 1 is found where the edge is, beyond the turn.
+  // The vertex of the edge at V = 1 is found on the edge, beyond the turn.
   EXPECT_NEAR(e.vMin, HALF_PI - std::atan(std::tan(HALF_PI - 1.0) / std::cos(0.35)), 1e-14);
   EXPECT_TRUE(area.Contains(1.35, 1.05));
   EXPECT_TRUE(area.Contains(1.35, 1.8)) << "below, on the first turn";
@@ -345,7 +346,7 @@ TEST(SphereArea, AnAreaMayBeWiderThanATurn) {
 }
 
 TEST(SphereArea, ARingBelowTheLimitIsFollowedBetweenTheLimitAndItsTop) {
-  // The bounds in V are in the wrong order then: 0.8 pi, and 2.6 at the corners.
+  // The bounds in V are then in the wrong order: 0.8 pi, and 2.6 at the corners.
   const SphereAreaC area = Area(RingAtV(2.6, 12, 0.5));
   const Extents e = Measure(area, true);
   EXPECT_EQ(e.vMin, 2.6);
