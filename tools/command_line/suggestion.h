@@ -8,7 +8,8 @@
 
 namespace Tool {
 
-/// The number of characters to replace, delete or insert to turn `a` into `b` (Levenshtein distance).
+/// The number of characters to replace, delete or insert to turn `a` into `b` (Levenshtein
+/// distance).
 std::size_t EditDistance(std::string_view a, std::string_view b);
 
 /// The name among `names` that a mistyped word probably means: the only one that begins with the
