@@ -1,4 +1,5 @@
 import copy
+import json
 import math
 import pickle
 import threading
@@ -293,6 +294,15 @@ def test_a_grid_is_swept_in_columns() -> None:
     assert in_gon.v == pytest.approx(grid.v * 10 / 9)
     across = sd.RectangularArea([359, 1], [80, 80.9], unit="deg", hz_step=1, v_step=0.5)
     assert across.grid().hz == pytest.approx([359, 359, 0, 0, 1, 1])
+
+
+def test_grids_are_those_of_the_program(data: Path, tmp_path: Path) -> None:
+    grids = json.loads((data / "area_grids.json").read_text())
+    assert len(grids) == 7
+    for expected in grids:
+        (tmp_path / "area.json").write_text(json.dumps(expected["area"]))
+        grid = sd.read_area(tmp_path / "area.json").grid()
+        assert np.stack(grid).T == pytest.approx(np.array(expected["directions"]), abs=1e-9)
 
 
 def test_a_grid_around_the_zenith_begins_there_and_is_one_turn() -> None:

@@ -15,7 +15,7 @@ std::string Joined(const std::vector<std::string>& words) {
 
 const std::string kRecordCommands =
     "record has list, show, export, columns, check, set, cut, join, plot";
-const std::string kAreaCommands = "area has info, outline, contains, plot";
+const std::string kAreaCommands = "area has info, outline, contains, grid, convert, plot";
 
 TEST(Program, TellsItsVersion) {
   const Outcome outcome = RunProgram({"--version"});
@@ -64,6 +64,10 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"area", "contains", area, "--format", "xml"},
       {"area", "contains", area, "--format", "csv", "--json"},
       {"area", "contains", area, "--formulas", "compute"},
+      {"area", "contains", area, "1,2", "--why", "--format", "csv"},
+      {"area", "grid", area, "-o", area},
+      {"area", "convert", area},
+      {"area", "convert", area, "--unit", "degrees"},
       {"record", "export", file, "--formulas", "keep"},
       // Standard input is read once, and cannot be changed.
       {"record", "set", "-", "--offset", "960", "--number", "5"},
@@ -197,6 +201,8 @@ TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
          {std::vector<std::string>{"info", file},
           {"outline", file},
           {"contains", file, "1,2"},
+          {"grid", file},
+          {"convert", file, "--unit", "deg"},
           {"plot", file, "-o", folder / "out.svg"},
           {"contains", DataPath("areas/dome.json"), "--csv", file},
           {"plot", DataPath("areas/dome.json"), "-o", folder / "out.svg", "--csv", file}}) {

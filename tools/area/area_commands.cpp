@@ -37,7 +37,7 @@ void RequireOneStandardInput(const std::string& area, const std::string& directi
 Command AreaCommands() {
   Command command;
   command.name = "area";
-  command.description = "Check, query and draw scan areas";
+  command.description = "Check, query, convert and draw scan areas";
   command.footer =
       "An area file is a JSON object:\n"
       "  kind      \"rectangle\" (2 corners), \"polygon\" (3 or more), \"dome\" (no points)\n"
@@ -50,7 +50,7 @@ Command AreaCommands() {
       "64 MiB and a million points.\n\n"
       "Example:\n  surveydata area info facade.json";
   command.commands = {AreaInfoCommand(), AreaOutlineCommand(), AreaContainsCommand(),
-                      AreaPlotCommand()};
+                      AreaGridCommand(), AreaConvertCommand(), AreaPlotCommand()};
   return command;
 }
 

@@ -17,6 +17,8 @@ Command AreaCommands();
 Command AreaInfoCommand();
 Command AreaOutlineCommand();
 Command AreaContainsCommand();
+Command AreaGridCommand();
+Command AreaConvertCommand();
 Command AreaPlotCommand();
 
 /// The positional argument AREA.

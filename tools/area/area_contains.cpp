@@ -15,6 +15,7 @@
 
 #include <area/area_commands.h>
 #include <area/area_file.h>
+#include <area/area_reasons.h>
 #include <area/direction_reader.h>
 #include <command_line/common_options.h>
 #include <command_line/message.h>
@@ -54,6 +55,7 @@ struct Options {
   DirectionFormat format;
   Form form = Form::kText;
   bool isJson = false;
+  bool hasReasons = false;
   Formulas formulas = Formulas::kEscape;
 
   std::string Input() const { return csv.empty() ? "-" : csv; }
@@ -62,8 +64,12 @@ struct Options {
 // Tests directions in blocks, and writes each with its answer and its other columns.
 class AnswerC {
  public:
-  AnswerC(const AreaFile& file, Form form, Formulas formulas)
-      : area_(*file.area), unit_(file.unit), form_(form), formulas_(formulas) {}
+  AnswerC(const AreaFile& file, Form form, const Options& options)
+      : area_(*file.area),
+        unit_(file.unit),
+        form_(form),
+        formulas_(options.formulas),
+        hasReasons_(options.hasReasons) {}
 
   // For directions without other columns.
   void Begin() {
@@ -155,6 +161,7 @@ class AnswerC {
       }
       line.End();
     }
+    if (hasReasons_) WriteReasons(line, area_.Explain(hz_[i], v_[i]), unit_);
     line.EndLine();
   }
 
@@ -168,6 +175,7 @@ class AnswerC {
       if (!columns_[k].isCoordinate) out_.Print("  {}", ToVisible(cells_[i][k]));
     }
     out_.GetBuffer().push_back('\n');
+    if (hasReasons_) out_.Print("{}", ReasonsText(area_.Explain(hz_[i], v_[i]), unit_, "    "));
   }
 
   void Flush() {
@@ -191,6 +199,7 @@ class AnswerC {
   AngleUnit unit_;
   Form form_;
   Formulas formulas_;
+  bool hasReasons_;
   OutputC out_;
   std::vector<Column> columns_;
   bool hasOthers_ = false;  // columns other than Hz and V
@@ -213,14 +222,17 @@ Form ParseForm(const std::string& text) {
 }
 
 ExitCode Run(const Options& options) {
+  const Form form = options.isJson ? Form::kJson : options.form;
+  if (options.hasReasons && form == Form::kCsv) {
+    throw ToolErrorC(ExitCode::kUsage, "--why gives reasons as text or JSON, not as CSV");
+  }
   if (options.directions.empty()) RequireOneStandardInput(options.file, options.Input());
   const AreaFile file = LoadAreaFile(options.file);
   std::vector<Direction> directions;  // those of the command line are checked first
   for (const std::string& text : options.directions) directions.push_back(RequireDirection(text));
   const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
   if (validity != ExitCode::kDone) return validity;
-  const auto answer = std::make_unique<AnswerC>(file, options.isJson ? Form::kJson : options.form,
-                                                options.formulas);
+  const auto answer = std::make_unique<AnswerC>(file, form, options);
   std::string input;
   if (directions.empty()) {
     if (options.csv.empty() && IsTerminal(StandardStream::kInput)) {
@@ -253,6 +265,7 @@ Command AreaContainsCommand() {
   command.footer =
       "Examples:\n"
       "  surveydata area contains facade.json 57,92 60.5,95\n"
+      "  surveydata area contains facade.json 57,92 --why\n"
       "  surveydata area contains facade.json --csv points.csv --format csv";
   command.arguments = {
       AreaArgument(options->file),
@@ -283,6 +296,10 @@ Command AreaContainsCommand() {
         .description = "The same as --format json",
         .flag = &options->isJson,
         .excludes = {"--format"}},
+       {.names = {"--why"},
+        .description = "The reasons of each answer: the rule, where the meridian of the direction "
+                       "crosses edges, and the nearest edge with the angle to it; as text or JSON",
+        .flag = &options->hasReasons},
        FormulasOption(options->formulas)});
   command.run = [options] { return Run(*options); };
   return command;

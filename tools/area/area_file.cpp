@@ -331,8 +331,12 @@ void SetSettings(const AreaText& text, AreaC& area) {
 AreaFile ToAreaFile(const AreaText& text, std::string name) {
   const auto unit = FindUnit(TextOf(text, "unit"));
   if (!unit) Refuse("\"unit\"", "is none of rad, deg, gon");
-  if (const std::string* const given = AreaText::Find(text.texts, "name")) name = *given;
-  AreaFile file{.name = std::move(name), .unit = *unit, .area = MakeArea(TextOf(text, "kind"))};
+  const std::string* const given = AreaText::Find(text.texts, "name");
+  if (given != nullptr) name = *given;
+  AreaFile file{.name = std::move(name),
+                .unit = *unit,
+                .area = MakeArea(TextOf(text, "kind")),
+                .isNamed = given != nullptr};
   AreaC& area = *file.area;
   area.SetHzStep(ToRadians(NumberOf(text, "hzStep"), *unit));
   area.SetVStep(ToRadians(NumberOf(text, "vStep"), *unit));

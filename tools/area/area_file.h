@@ -23,6 +23,7 @@ struct AreaFile {
   std::string name;  ///< That in the file; without one, the name of the file.
   AngleUnit unit;
   std::unique_ptr<SDI::ScanAreaC> area;
+  bool isNamed = false;  ///< Whether its file gives the name.
 
   const SDI::ScanAreaImplC& Impl() const { return *area->GetImpl(); }
   const GMAT::SphereAreaC& Sphere() const { return Impl().GetSphereArea(); }

@@ -294,6 +294,7 @@ TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
   for (const Outcome& outcome :
        {Area("outline", AreaPath("bow_tie")), Area("contains", AreaPath("bow_tie"), {"130,70"}),
         Area("contains", AreaPath("bow_tie"), {"--csv", "/dev/null"}),
+        Area("grid", AreaPath("bow_tie")),
         Area("plot", AreaPath("bow_tie"), {"-o", folder / "out.svg"})}) {
     EXPECT_EQ(outcome.exitCode, 4);
     EXPECT_EQ(outcome.out, "");
@@ -409,6 +410,217 @@ TEST(AreaContains, WritesCsvWithoutOtherColumns) {
   EXPECT_EQ(
       Area("contains", AreaPath("doorway"), {"--csv", folder / "empty.csv", "--format", "csv"}).out,
       "hz,v,inside\r\n");
+}
+
+TEST(AreaContains, GivesTheReasonsOfItsAnswers) {
+  EXPECT_EQ(Area("contains", AreaPath("doorway"), {"0,90", "20,90", "--why"}).out,
+            "        Hz [deg]           V [deg]  answer\n"
+            "               0                90  inside\n"
+            "    1 of 2 crossings of the meridian counts, an odd number\n"
+            "      crosses edge 4 at V 71.25000 deg\n"
+            "      crosses edge 2 at V 117.00000 deg, counts\n"
+            "    nearest: edge 3, 8.25000 deg away\n"
+            "              20                90  outside\n"
+            "    the meridian crosses no edge\n"
+            "    nearest: edge 3, 11.75000 deg away\n"
+            "2 directions: 1 inside, 1 outside\n");
+  EXPECT_EQ(Area("contains", AreaPath("doorway"), {"0,90", "--why", "--json"}).out,
+            "{\"hz\":0.0,\"v\":90.0,\"inside\":true,\"why\":{\"rule\":\"parity\",\"hz\":0.0,"
+            "\"v\":90.0,\"bandEdge\":null,\"crossings\":[{\"edge\":4,\"v\":71.25,"
+            "\"isCounted\":false},{\"edge\":2,\"v\":117.0,\"isCounted\":true}],"
+            "\"nearestEdge\":3,\"distance\":8.25}}\n");
+}
+
+TEST(AreaContains, NamesTheRuleThatDecided) {
+  const std::string band = DataPath("../../docs/pictures/boundary_band.json");
+  const struct {
+    std::string area;
+    std::string direction;
+    std::string rule;
+    std::string text;
+  } cases[] = {
+      {AreaPath("doorway"), "99999,90", "outOfRange", "an angle is beyond 100 rad"},
+      {AreaPath("dome"), "57,92", "dome", "the dome reaches down to V 160.00000 gon"},
+      {band, "320,85", "band", "in the boundary band of edge 2"},
+      {AreaPath("doorway"), "20,90", "noCrossing", "the meridian crosses no edge"},
+      {AreaPath("doorway"), "0,60", "nothingAbove",
+       "all crossings of the meridian are below, and the area is not around the zenith"},
+      {AreaPath("doorway"), "0,120", "parity", "0 of 2 crossings of the meridian count, an even "},
+  };
+  for (const auto& [area, direction, rule, text] : cases) {
+    SCOPED_TRACE(rule);
+    const json line = json::parse(Area("contains", area, {direction, "--why", "--json"}).out);
+    EXPECT_EQ(line["why"]["rule"], rule);
+    EXPECT_EQ(line["why"]["nearestEdge"].is_null(), rule == "outOfRange");
+    EXPECT_EQ(line["why"]["bandEdge"], rule == "band" ? json(2) : json());
+    const std::string out = Area("contains", area, {direction, "--why"}).out;
+    EXPECT_NE(out.find("\n    " + text), std::string::npos) << out;
+    EXPECT_EQ(out.find("the limit of the dome") != std::string::npos, rule == "dome") << out;
+  }
+}
+
+// Hz and V of a table.
+std::vector<std::pair<double, double>> DirectionsOf(const std::string& csv) {
+  std::vector<std::pair<double, double>> directions;
+  const std::vector<std::string> lines = Lines(csv);
+  EXPECT_EQ(lines.front(), "hz,v\r");
+  for (std::size_t i = 1; i < lines.size(); ++i) {
+    const std::size_t comma = lines[i].find(',');
+    directions.emplace_back(std::stod(lines[i].substr(0, comma)),
+                            std::stod(lines[i].substr(comma + 1)));
+  }
+  return directions;
+}
+
+// What the grids of the Python package are compared with, too.
+TEST(AreaGrid, ListsTheDirectionsInTheOrderOfASweep) {
+  const TempFolderC folder;
+  const json grids = json::parse(ReadText(DataPath("area_grids.json")));
+  ASSERT_EQ(grids.size(), 7u);
+  for (const json& grid : grids) {
+    SCOPED_TRACE(grid["area"].dump());
+    const std::string file = Written(folder, grid["area"].dump());
+    const Outcome outcome = Area("grid", file);
+    EXPECT_EQ(outcome.exitCode, 0);
+    const auto directions = DirectionsOf(outcome.out);
+    ASSERT_EQ(directions.size(), grid["directions"].size());
+    for (std::size_t i = 0; i < directions.size(); ++i) {
+      // The list has nine decimals.
+      EXPECT_NEAR(directions[i].first, grid["directions"][i][0].get<double>(), 1e-9) << i;
+      EXPECT_NEAR(directions[i].second, grid["directions"][i][1].get<double>(), 1e-9) << i;
+    }
+  }
+}
+
+// Columns of several thousand directions are computed in blocks, which must not show.
+TEST(AreaGrid, GoesDownAndUpInColumnsOfAnyLength) {
+  const TempFolderC folder;
+  const std::string file = Written(folder, R"({"kind": "rectangle", "unit": "deg", "hzStep": 1,
+      "vStep": 0.002, "points": [[10, 80], [12, 100]]})");
+  const auto directions = DirectionsOf(Area("grid", file, {"-o", "-"}).out);
+  constexpr std::size_t kRows = 10000;  // one side of the rectangle is not inside
+  ASSERT_EQ(directions.size(), 3 * kRows);
+  const double first = directions[0].second;
+  for (std::size_t i = 0; i < directions.size(); ++i) {
+    const std::size_t row = i / kRows % 2 == 0 ? i % kRows : kRows - 1 - i % kRows;
+    ASSERT_EQ(directions[i].first, 10.0 + static_cast<double>(i / kRows));
+    ASSERT_NEAR(directions[i].second, first + 0.002 * static_cast<double>(row), 1e-10) << i;
+  }
+}
+
+TEST(AreaGrid, ListsAsManyDirectionsAsInfoCountsAndAllAreInside) {
+  const TempFolderC folder;
+  const std::string file = folder / "grid.csv";
+  EXPECT_EQ(Area("grid", AreaPath("facade"), {"-o", file}).exitCode, 0);
+  const json info = json::parse(Area("info", AreaPath("facade"), {"--json"}).out);
+  const Outcome asked = Area("contains", AreaPath("facade"), {"--csv", file});
+  EXPECT_EQ(asked.exitCode, 0);
+  EXPECT_TRUE(asked.out.ends_with("\n" + info["directions"]["count"].dump() + " directions: " +
+                                  info["directions"]["count"].dump() + " inside, 0 outside\n"));
+}
+
+TEST(AreaGrid, TellsThatThereIsNoDirectionOrThatTheStepsAreTooSmall) {
+  const TempFolderC folder;
+  const Outcome none =
+      Area("grid", Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 300,
+      "vStep": 170, "points": [[10, 90], [20, 80], [20, 100]]})"));
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.out, "hz,v\r\n");
+  EXPECT_EQ(none.err, "surveydata: no direction at these steps is inside the area\n");
+  const Outcome small = Area("grid", Written(folder, R"({"kind": "dome", "unit": "deg",
+      "hzStep": 1e-300, "vStep": 1})"));
+  EXPECT_EQ(small.exitCode, 4);
+  EXPECT_EQ(small.err, "surveydata: the steps are too small for directions to be listed\n");
+}
+
+TEST(AreaConvert, WritesTheSameAreaInAnotherUnit) {
+  const TempFolderC folder;
+  const std::string all = R"({
+  "kind": "polygon",
+  "unit": "gon",
+  "name": "all \"ü\"",
+  "hzStep": 1,
+  "vStep": 0.05,
+  "limitLow": 0.5,
+  "limitHigh": 80,
+  "settingA": 7,
+  "settingB": 8,
+  "settingC": 4294967295,
+  "settingD": 1.5,
+  "settingE": 65535,
+  "points": [
+    [10, 20.0001],
+    [30, 40, 5.5],
+    [50, 20, 0]
+  ]
+}
+)";
+  const std::string file = Written(folder, all);
+  EXPECT_EQ(Area("convert", file, {"--unit", "gon"}).out, all);
+  EXPECT_EQ(Area("convert", file, {"--unit", "deg", "-o", folder / "deg.json"}).exitCode, 0);
+  const json inDegrees = json::parse(ReadText(folder / "deg.json"));
+  EXPECT_EQ(inDegrees["unit"], "deg");
+  EXPECT_EQ(inDegrees["hzStep"], 0.9);
+  EXPECT_EQ(inDegrees["settingA"], 7);
+  EXPECT_EQ(inDegrees["points"], json::parse("[[9, 18.00009], [27, 36, 5.5], [45, 18, 0]]"));
+  EXPECT_EQ(Area("convert", folder / "deg.json", {"--unit", "gon"}).out, all);
+
+  const std::string bare = R"({
+  "kind": "dome",
+  "unit": "deg",
+  "hzStep": 1,
+  "vStep": 60
+}
+)";
+  EXPECT_EQ(Area("convert", Written(folder, bare), {"--unit", "deg"}).out, bare);
+  EXPECT_DOUBLE_EQ(
+      json::parse(Area("convert", Written(folder, bare), {"--unit", "gon"}).out)["vStep"],
+      200.0 / 3);
+}
+
+TEST(AreaConvert, GivesAnglesBackAsTheyWere) {
+  const TempFolderC folder;
+  for (const char* const unit : {"deg", "gon"}) {
+    SCOPED_TRACE(unit);
+    std::string points;
+    std::uint64_t state = 2026;
+    const auto angle = [&](std::uint64_t turn) {
+      state = state * 6364136223846793005U + 1442695040888963407U;
+      const std::uint64_t units = (state >> 20) % (turn * 10'000'000'000U);
+      return std::to_string(units / 10'000'000'000U) + "." +
+             std::to_string(10'000'000'000U + units % 10'000'000'000U).substr(1);
+    };
+    for (int i = 0; i < 1000; ++i) {
+      points += std::string(i > 0 ? "," : "") + "[" + angle(360) + "," + angle(180) + "]";
+    }
+    const std::string given =
+        Area(
+            "convert",
+            Written(folder, R"({"kind": "polygon", "hzStep": 0.0123456789, "vStep": 1, "unit": ")" +
+                                std::string(unit) + R"(", "points": [)" + points + "]}"),
+            {"--unit", unit})
+            .out;
+    EXPECT_EQ(json::parse(given)["points"], json::parse("[" + points + "]"));
+    for (const char* const other : {"rad", "deg", "gon"}) {
+      SCOPED_TRACE(other);
+      WriteBytes(folder / "given.json", Bytes(given.begin(), given.end()));
+      EXPECT_EQ(Area("convert", folder / "given.json", {"--unit", other, "-o", folder / "b.json"})
+                    .exitCode,
+                0);
+      EXPECT_EQ(Area("convert", folder / "b.json", {"--unit", unit}).out, given);
+    }
+  }
+}
+
+TEST(AreaConvert, RefusesAnAngleThatIsTooLargeAndTheInputAsOutput) {
+  const TempFolderC folder;
+  const std::string file =
+      Written(folder, R"({"kind": "dome", "unit": "rad", "hzStep": 1e308, "vStep": 1})");
+  const Outcome outcome = Area("convert", file, {"--unit", "gon"});
+  EXPECT_EQ(outcome.exitCode, 4);
+  EXPECT_EQ(outcome.err, "surveydata: an angle is too large for the unit gon\n");
+  EXPECT_EQ(Area("convert", file, {"--unit", "rad", "-o", file}).exitCode, 2);
+  EXPECT_EQ(Area("convert", file, {"--unit", "mil"}).exitCode, 2);
 }
 
 // Tests each statement of the help with an area from Hz 100 to 160 deg, V 60 to 110.

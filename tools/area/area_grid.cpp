@@ -1,0 +1,64 @@
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <fmt/compile.h>
+#include <fmt/format.h>
+
+#include <area/area_commands.h>
+#include <area/area_file.h>
+#include <area/area_sweep.h>
+#include <command_line/common_options.h>
+#include <command_line/message.h>
+#include <output/output.h>
+
+namespace Tool {
+namespace {
+
+constexpr const char* kDescription =
+    "List the directions of an area at its steps as a CSV table, in the order in which an\n"
+    "instrument sweeps: columns by ascending Hz, and V down and up in turns. The first direction "
+    "is\n"
+    "that of the lowest Hz and V of the bounds, around the zenith Hz 0 and V 0. Those that area\n"
+    "contains takes for inside are listed, in the unit of the area file. The table is written "
+    "while\n"
+    "it is computed. No direction at all gives the exit code 1, an area that is not valid 4.";
+
+struct Options {
+  std::string file;
+  std::string output;
+};
+
+ExitCode Run(const Options& options) {
+  const AreaFile file = LoadAreaFile(options.file);
+  const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
+  if (validity != ExitCode::kDone) return validity;
+  OutputC out(options.output, options.file);
+  out.Print("hz,v\r\n");
+  const std::uint64_t count = SweepArea(file, [&](double hz, double v) {
+    fmt::format_to(fmt::appender(out.GetBuffer()), FMT_COMPILE("{},{}\r\n"),
+                   FromRadians(hz, file.unit), FromRadians(v, file.unit));
+    out.FlushIfFull();
+  });
+  out.Close();
+  if (count > 0) return ExitCode::kDone;
+  Tell("no direction at these steps is inside the area");
+  return ExitCode::kFinding;
+}
+
+}  // namespace
+
+Command AreaGridCommand() {
+  const auto options = std::make_shared<Options>();
+  Command command;
+  command.name = "grid";
+  command.description = kDescription;
+  command.footer = "Example:\n  surveydata area grid facade.json -o facade.csv";
+  command.arguments = {AreaArgument(options->file)};
+  command.options = {OutputOption(
+      options->output, "The table to write, - for standard output, the default", "OUT.csv")};
+  command.run = [options] { return Run(*options); };
+  return command;
+}
+
+}  // namespace Tool
