@@ -14,7 +14,7 @@ std::string Joined(const std::vector<std::string>& words) {
 }
 
 const std::string kRecordCommands =
-    "record has list, show, export, columns, check, set, cut, join, plot";
+    "record has list, show, export, columns, check, diff, set, cut, join, plot";
 const std::string kAreaCommands = "area has info, outline, contains, grid, convert, plot";
 
 TEST(Program, TellsItsVersion) {
@@ -41,6 +41,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "show", file, "--offset", "960x"},
       {"record", "show", file, "--offset", " 960"},
       {"record", "set", file, "--name", "A"},
+      {"record", "diff", file},
+      {"record", "diff", "-", "-"},
       {"record", "plot", file},
       {"record", "plot", file, "-o", ""},
       {"record", "export", file, "-o", ""},
@@ -181,6 +183,7 @@ TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{"list", file},
                                                       {"show", file, "--offset", "0"},
                                                       {"export", file},
+                                                      {"diff", file, file},
                                                       {"set", file, "--offset", "0", "--name", "A"},
                                                       {"plot", file, "-o", folder / "out.svg"}}) {
       std::vector<std::string> all = {"record"};

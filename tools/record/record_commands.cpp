@@ -40,11 +40,12 @@ CommandOption OffsetOption(FrameOffset& offset) {
 Command RecordCommands() {
   Command command;
   command.name = "record";
-  command.description = "Inspect, check, export, patch and draw record files";
+  command.description = "Inspect, check, compare, export, patch and draw record files";
   command.footer = "Example:\n  surveydata record list --help";
   command.commands = {RecordListCommand(),    RecordShowCommand(),  RecordExportCommand(),
-                      RecordColumnsCommand(), RecordCheckCommand(), RecordSetCommand(),
-                      RecordCutCommand(),     RecordJoinCommand(),  RecordPlotCommand()};
+                      RecordColumnsCommand(), RecordCheckCommand(), RecordDiffCommand(),
+                      RecordSetCommand(),     RecordCutCommand(),   RecordJoinCommand(),
+                      RecordPlotCommand()};
   return command;
 }
 

@@ -23,6 +23,7 @@ Command RecordShowCommand();
 Command RecordExportCommand();
 Command RecordColumnsCommand();
 Command RecordCheckCommand();
+Command RecordDiffCommand();
 Command RecordSetCommand();
 Command RecordCutCommand();
 Command RecordJoinCommand();

@@ -88,7 +88,8 @@ TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
     SCOPED_TRACE(path + " " + last);
     if (last == "-h" || last == "--help") continue;
     const bool isOption = last.starts_with("-");
-    const bool isArgument = last == "FILE" || last == "AREA" || last == "DIRECTION";
+    const bool isArgument =
+        last == "FILE" || last == "AREA" || last == "DIRECTION" || last == "A" || last == "B";
     if (!isOption && !isArgument) {
       EXPECT_FALSE(ManSection(page, ".SS " + path + " " + last).empty());
       continue;
@@ -192,7 +193,7 @@ const std::vector<Question>& Questions() {
       {{""}, {"record", "area", "view"}},
       {{"re"}, {"record"}},
       {{"record", ""},
-       {"list", "show", "export", "columns", "check", "set", "cut", "join", "plot"}},
+       {"list", "show", "export", "columns", "check", "diff", "set", "cut", "join", "plot"}},
       {{"area", ""}, {"info", "outline", "contains", "grid", "convert", "plot"}},
       {{"view", "c.rec", "--"}, {"--help", "--output", "--browser", "--page"}},
       {{"record", "list", "--"},
@@ -209,6 +210,7 @@ const std::vector<Question>& Questions() {
       {{"area", "info", ""}, {"a.json", "folder"}, true},
       {{"area", "outline", "--default-distance", "7", ""}, {"a.json", "folder"}, true},
       {{"record", "list", "c"}, {"c.rec"}, true},
+      {{"record", "diff", "c.rec", "c"}, {"c.rec"}, true},
       {{"record", "list", "a.json", "b.svg", "c"}, {"c.rec"}, true},
       {{"record", "plot", "c.rec", "--output", ""}, {"b.svg", "folder"}, true},
       {{"record", "plot", "c.rec", "-o", ""}, {"b.svg", "folder"}, true},
