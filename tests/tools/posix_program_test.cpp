@@ -43,6 +43,7 @@ const std::vector<std::vector<std::string>> kCommands = {
     {"record", "export"},
     {"record", "columns"},
     {"record", "check"},
+    {"record", "diff"},
     {"record", "set"},
     {"record", "cut"},
     {"record", "join"},
@@ -51,6 +52,8 @@ const std::vector<std::vector<std::string>> kCommands = {
     {"area", "info"},
     {"area", "outline"},
     {"area", "contains"},
+    {"area", "grid"},
+    {"area", "convert"},
     {"area", "plot"},
 };
 
@@ -173,11 +176,13 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
       const TempFolderC folder;
       fs::copy(DataPath("valley_drive.rec"), folder / "valley_drive.rec");
       fs::copy(DataPath("areas"), folder.Path());
+      const bool isDiff = Joined(command).ends_with(" diff");
+      if (isDiff) fs::copy(DataPath("desert_highway.rec"), folder / "desert_highway.rec");
       const std::size_t before = folder.Names().size();
       const Outcome outcome = RunShell(example, folder.Path().string());
-      // The sample has gaps, which a list and a check report.
-      const bool isFinding =
-          example.find(" list valley") != std::string::npos || Joined(command).ends_with(" check");
+      // The sample has gaps, which a list and a check report, and is no other one.
+      const bool isFinding = example.find(" list valley") != std::string::npos ||
+                             Joined(command).ends_with(" check") || isDiff;
       EXPECT_EQ(outcome.exitCode, isFinding ? 1 : 0);
       const bool isCopy = Joined(command).ends_with(" cut") || Joined(command).ends_with(" join");
       if (isCopy) {
