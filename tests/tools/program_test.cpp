@@ -41,6 +41,8 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
       {"record", "show", file, "--offset", "960x"},
       {"record", "show", file, "--offset", " 960"},
       {"record", "set", file, "--name", "A"},
+      {"record", "set", file, "--offset", "960", "--where", "used > 3", "--name", "A"},
+      {"record", "set", file, "--offset", "960", "--all", "--name", "A"},
       {"record", "diff", file},
       {"record", "diff", "-", "-"},
       {"record", "plot", file},

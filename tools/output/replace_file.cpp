@@ -35,24 +35,45 @@ void FileReplacementC::Copy(CopiedFileC& copy, const HeldSignalsC& signals) cons
   }
 }
 
+void FileReplacementC::Patch(CopiedFileC& copy, std::span<const FilePatch> patches,
+                             const ChangeBytes& change, const HeldSignalsC& signals) const {
+  std::vector<std::uint8_t> bytes;
+  for (const FilePatch& patch : patches) {
+    if (signals.IsAnyPending()) original_.Refuse("interrupted");
+    bytes.resize(patch.size);
+    if (copy.Read(patch.offset, bytes) != patch.size || !change(patch, bytes)) {
+      original_.Refuse(kChanged);
+    }
+    copy.Write(patch.offset, bytes);
+  }
+}
+
 // Where both have a hole, both read as zeros.
-void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
-                              std::span<const std::uint8_t> bytes) const {
+void FileReplacementC::Verify(const CopiedFileC& copy, std::span<const FilePatch> patches,
+                              const ChangeBytes& change) const {
   std::vector<std::uint8_t> expected(kBlock);
   std::vector<std::uint8_t> found(kBlock);
+  std::vector<std::uint8_t> bytes;
   std::uint64_t at = 0;
   for (;;) {
     at = std::min(original_.NextData(at).begin, copy.NextData(at).begin);
     const std::size_t count = original_.Read(at, expected);
     const std::size_t foundCount = copy.Read(at, found);
     const std::uint64_t end = at + count;
-    const std::uint64_t first = std::max(at, offset);
-    const std::uint64_t last = std::min<std::uint64_t>(end, offset + bytes.size());
-    if (first < last) {
-      const auto patch = bytes.subspan(static_cast<std::size_t>(first - offset),
-                                       static_cast<std::size_t>(last - first));
-      std::copy(patch.begin(), patch.end(),
-                expected.begin() + static_cast<std::ptrdiff_t>(first - at));
+    while (!patches.empty() && patches.front().offset + patches.front().size <= at) {
+      patches = patches.subspan(1);
+    }
+    for (const FilePatch& patch : patches) {  // one may begin in this block and end in the next
+      if (patch.offset >= end) break;
+      bytes.resize(patch.size);
+      if (original_.Read(patch.offset, bytes) != patch.size || !change(patch, bytes)) {
+        original_.Refuse(kChanged);
+      }
+      const std::uint64_t first = std::max(at, patch.offset);
+      const std::uint64_t last = std::min<std::uint64_t>(end, patch.offset + patch.size);
+      const auto part = std::span(bytes).subspan(static_cast<std::size_t>(first - patch.offset),
+                                                 static_cast<std::size_t>(last - first));
+      std::ranges::copy(part, expected.begin() + static_cast<std::ptrdiff_t>(first - at));
     }
     if (foundCount != count ||
         !std::equal(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(count),
@@ -64,24 +85,28 @@ void FileReplacementC::Verify(const CopiedFileC& copy, std::uint64_t offset,
   }
 }
 
-void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
-                               std::span<const std::uint8_t> after) {
+void FileReplacementC::Replace(std::span<const FilePatch> patches, const ChangeBytes& change) {
   original_.RequireWritable();
   const HeldSignalsC signals;  // delivered when the copy is gone
   CopiedFileC copy(original_);
   Copy(copy, signals);
-  std::vector<std::uint8_t> found(before.size());
-  if (copy.Read(offset, found) != before.size() ||
-      !std::equal(before.begin(), before.end(), found.begin())) {
-    original_.Refuse(kChanged);
-  }
-  copy.Write(offset, after);
+  Patch(copy, patches, change, signals);
   copy.KeepAccess();
   copy.Flush();
-  Verify(copy, offset, after);
+  Verify(copy, patches, change);
   if (signals.IsAnyPending()) original_.Refuse("interrupted");
   if (original_.IsChanged()) original_.Refuse(kChanged);
   copy.TakePlace();
+}
+
+void FileReplacementC::Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
+                               std::span<const std::uint8_t> after) {
+  const FilePatch patch{.offset = offset, .size = before.size()};
+  Replace(std::span(&patch, 1), [&](const FilePatch& /*patch*/, std::span<std::uint8_t> bytes) {
+    if (!std::ranges::equal(bytes, before)) return false;
+    std::ranges::copy(after, bytes.begin());
+    return true;
+  });
 }
 
 }  // namespace Tool

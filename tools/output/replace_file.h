@@ -3,12 +3,24 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 
 #include <platform/file_pair.h>
 
 namespace Tool {
+
+/// Bytes of a file that are to be changed.
+struct FilePatch {
+  std::uint64_t offset;
+  std::size_t size;
+  std::uint64_t mark = 0;  ///< Of the caller's own meaning.
+};
+
+/// Changes the bytes of a patch, given as the file has them; false where they are not those that
+/// are to be changed. Gives the same whenever it is called.
+using ChangeBytes = std::function<bool(const FilePatch& patch, std::span<std::uint8_t> bytes)>;
 
 /// A change of a file that is made completely or not at all: in a copy that replaces the file in
 /// one step. Follows symbolic links. Throws `FileErrorC` on failure, with the file as it was and no
@@ -30,18 +42,23 @@ class FileReplacementC {
     return original_.Read(offset, bytes);
   }
 
-  /// Replaces the file by a copy of it with `after` in place of `before` at `offset`. Holes stay
-  /// holes. Access rights are preserved (see `CopiedFileC::KeepAccess`), or the change is refused;
-  /// only the owner may change, if this user must not set it. Refuses if the bytes at `offset` are
-  /// not `before`, or if the file has changed since it was locked. Signals that end the program
-  /// take effect before or after the replacement, not during it. Can be called only once.
+  /// Replaces the file by a copy of it in which `change` has changed the bytes of each patch.
+  /// `patches` are by ascending offset and do not overlap. Holes stay holes. Access rights are
+  /// preserved (see `CopiedFileC::KeepAccess`), or the change is refused; only the owner may change,
+  /// if this user must not set it. Refuses if `change` does, or if the file has changed since it was
+  /// locked. Signals that end the program take effect before or after the replacement, not during
+  /// it. Can be called only once.
+  void Replace(std::span<const FilePatch> patches, const ChangeBytes& change);
+  /// The same with `after` in place of `before` at `offset`, of the same length.
   void Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
                std::span<const std::uint8_t> after);
 
  private:
   void Copy(CopiedFileC& copy, const HeldSignalsC& signals) const;
-  void Verify(const CopiedFileC& copy, std::uint64_t offset,
-              std::span<const std::uint8_t> bytes) const;
+  void Patch(CopiedFileC& copy, std::span<const FilePatch> patches, const ChangeBytes& change,
+             const HeldSignalsC& signals) const;
+  void Verify(const CopiedFileC& copy, std::span<const FilePatch> patches,
+              const ChangeBytes& change) const;
 
   OriginalFileC original_;
   Progress progress_;

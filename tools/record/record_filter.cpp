@@ -45,34 +45,38 @@ std::string RecordFilter::NoneIn(std::string_view file) const {
   return fmt::format("{} holds no measurement{}", file, TakesAll() ? "" : " that the filters take");
 }
 
-void AddFilterOptions(Command& command, RecordFilter& filter) {
-  auto& options = command.options;
-  options.push_back(TimeOption("--from",
-                               "Only measurements from this time on: GPS time such as "
-                               "2020-02-06T18:14:35.5, or UTC with a Z at the end",
-                               filter, &RecordFilter::from));
-  options.push_back(TimeOption("--to", "Only measurements before this time: as --from", filter,
-                               &RecordFilter::to));
-  options.push_back(
-      {.names = {"--name"},
-       .value = "NAME",
-       .description = "Only measurements of this name: several times for several names",
-       .take = [&filter](const std::string& name) { filter.names.push_back(name); },
-       .isRepeatable = true});
-  options.push_back(
+std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter) {
+  return {
+      TimeOption("--from",
+                 "Only measurements from this time on: GPS time such as "
+                 "2020-02-06T18:14:35.5, or UTC with a Z at the end",
+                 filter, &RecordFilter::from),
+      TimeOption("--to", "Only measurements before this time: as --from", filter,
+                 &RecordFilter::to),
       {.names = {"--where"},
        .value = "CONDITION",
        .description = "Only measurements whose columns meet a condition: comparisons with numbers "
                       "and texts in "
                       "quotes, and, or, not, present(COLUMN), such as \"pdop < 4 and used >= 6\"",
-       .take = [&filter](const std::string& text) {
-         filter.where = std::make_shared<const RecordConditionC>(text);
-       }});
-  options.push_back(
+       .take =
+           [&filter](const std::string& text) {
+             filter.where = std::make_shared<const RecordConditionC>(text);
+           }},
       {.names = {"--every"},
        .value = "N",
        .description = "Only the first and every Nth of these measurements of a file",
-       .take = [&filter](const std::string& text) { filter.every = ParseCount(text); }});
+       .take = [&filter](const std::string& text) { filter.every = ParseCount(text); }}};
+}
+
+void AddFilterOptions(Command& command, RecordFilter& filter) {
+  std::vector<CommandOption> options = FilterOptionsWithoutName(filter);
+  options.insert(options.begin() + 2,
+                 {.names = {"--name"},
+                  .value = "NAME",
+                  .description = "Only measurements of this name: several times for several names",
+                  .take = [&filter](const std::string& name) { filter.names.push_back(name); },
+                  .isRepeatable = true});
+  command.options.insert(command.options.end(), options.begin(), options.end());
 }
 
 bool RecordSieveC::Takes(const DecodedRecord& record) {

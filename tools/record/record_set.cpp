@@ -1,30 +1,41 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include <surveydata/gnss/frame_fields.h>
+#include <surveydata/gnss/gps_record_reader.h>
+
 #include <command_line/message.h>
+#include <command_line/progress.h>
 #include <command_line/text.h>
 #include <output/output.h>
 #include <output/replace_file.h>
 #include <platform/input_file.h>
 #include <record/decoded_record.h>
+#include <record/each_measurement.h>
 #include <record/find_frame.h>
 #include <record/frame_values.h>
 #include <record/patch_frame.h>
 #include <record/record_commands.h>
+#include <record/record_filter.h>
+#include <record/record_input.h>
 
 namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Change the name, the number or the antenna height of one measurement frame.\n"
+    "Change the name, the number or the antenna height of one measurement frame, or of all that\n"
+    "filters take. Frames without room for a name or an antenna height are then left as they are.\n"
     "Only the fields that are given are rewritten: the 17 characters of the name (zeros follow a\n"
     "shorter one), the number, the value and kind of the antenna height; and the checksum. All\n"
     "other bytes of the file stay. The change is made completely or not at all: in a copy that is\n"
@@ -40,6 +51,8 @@ constexpr const char* kDescription =
 struct Options {
   std::string file;
   FrameOffset offset;
+  RecordFilter filter;
+  bool isAll = false;
   FrameChanges changes;
   bool isDryRun = false;
 };
@@ -56,9 +69,12 @@ float ParseHeight(const std::string& text) {
   return ToAntennaHeight(*number);
 }
 
+void WriteHeading(OutputC& out) {
+  out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
+}
+
 // One line per changed byte; the first line of a field shows its new value.
 void WriteChanges(OutputC& out, std::uint64_t offset, const PatchedFrame& frame) {
-  out.Print("{:>10}  {:>3}  {:>3}  {}\n", "offset", "old", "new", "field");
   for (const FrameField& field : frame.fields) {
     const std::string name = field.BlockName() == field.FieldName()
                                  ? std::string(field.FieldName())
@@ -89,7 +105,120 @@ std::vector<std::uint8_t> FindFrameIn(const Options& options,
   return FindFrame(readAt, replacement->GetSize(), options.offset);
 }
 
-ExitCode Run(const Options& options) {
+// Whether the frame lacks the block of a field that is to be changed.
+bool HasNoRoom(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
+  const std::vector<FrameField> fields = ExplainFrame(frame);
+  const auto has = [&](SDI::RecordFrame::Field field) {
+    return std::ranges::any_of(fields, [field](const auto& each) { return each.field == field; });
+  };
+  return ((changes.name || changes.number) && !has(SDI::RecordFrame::Field::kName)) ||
+         (changes.antennaHeight && !has(SDI::RecordFrame::Field::kHeight));
+}
+
+// Tells the bytes of a frame from others.
+std::uint64_t MarkOf(std::span<const std::uint8_t> frame) {
+  return std::hash<std::string_view>()({reinterpret_cast<const char*>(frame.data()), frame.size()});
+}
+
+// Changes all measurements of a file that a filter takes.
+class FilteredChangeC {
+ public:
+  FilteredChangeC(const Options& options, OutputC& out) : options_(options), out_(out) {}
+
+  ExitCode Run() {
+    if (options_.isDryRun) {
+      WriteHeading(out_);
+      InputFileC input(options_.file);
+      SDI::GPSRecordReaderC reader = ReadRecords(input);
+      Find(reader, input.GetSize());
+      if (reader.GetState() != SDI::GPSReaderState::kOpen) input.Fail();
+    } else {
+      FileReplacementC replacement(options_.file);  // holds the lock
+      const auto readAt = [&](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+        return static_cast<std::ptrdiff_t>(replacement.Read(offset, bytes));
+      };
+      SDI::GPSRecordReaderC reader(readAt, replacement.GetSize());
+      Find(reader, replacement.GetSize());
+      if (!patches_.empty()) {
+        replacement.Replace(patches_, [this](const FilePatch& patch, auto bytes) {
+          if (MarkOf(bytes) != patch.mark) return false;
+          std::ranges::copy(PatchFrame(bytes, options_.changes).after, bytes.begin());
+          return true;
+        });
+      }
+    }
+    return TellAll();
+  }
+
+ private:
+  void Find(SDI::GPSRecordReaderC& reader, std::uint64_t size) {
+    ProgressC progress(size, options_.isDryRun);
+    reader.SetReportProgress([&progress](std::uint64_t at) { progress.Update(at); });
+    reader.SetReportDamaged([this](const SDI::GPSDamagedHeader& header) {
+      if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++counts_.badFrames;
+    });
+    RecordSieveC sieve(options_.filter);
+    SDI::GPSRecordEntry entry;
+    while (reader.NextEntry(entry)) {
+      if (!entry.IsMeasurement()) continue;
+      const DecodedRecord record = Decode(entry.offset, reader.GetBytes());
+      if (!record.IsDone()) {
+        ++counts_.badFrames;
+      } else if (sieve.Takes(record)) {
+        ++counts_.taken;
+        Take(entry.offset, reader.GetBytes());
+      }
+    }
+    reader.SetReportDamaged(nullptr);
+    reader.SetReportProgress(nullptr);
+  }
+
+  void Take(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
+    const FrameChanges& changes = options_.changes;
+    if (HasNoRoom(bytes, changes)) {
+      ++withoutRoom_;
+      return;
+    }
+    const PatchedFrame frame = PatchFrame(bytes, changes);
+    if (frame.before == frame.after) {
+      ++alike_;
+      return;
+    }
+    ++changed_;
+    if (changes.antennaHeight && !changes.isSlant && IsSlant(bytes)) ++slant_;
+    if (options_.isDryRun) {
+      WriteChanges(out_, offset, frame);
+    } else {
+      patches_.push_back({.offset = offset, .size = bytes.size(), .mark = MarkOf(bytes)});
+    }
+  }
+
+  ExitCode TellAll() {
+    if (slant_ > 0) {
+      Tell(fmt::format("without --slant, {} slant height{} become{} vertical", slant_,
+                       slant_ == 1 ? "" : "s", slant_ == 1 ? "s" : ""));
+    }
+    out_.Print("{} measurement{} {}, {} hold{} this already, {} without room\n", changed_,
+               changed_ == 1 ? "" : "s", options_.isDryRun ? "would change" : "changed", alike_,
+               alike_ == 1 ? "s" : "", withoutRoom_);
+    ProgressC none(0);
+    PieceOutputC messages(&out_, none);
+    const ExitCode result =
+        TellAbout(counts_, options_.filter, {.name = options_.file}, "", messages);
+    return withoutRoom_ > 0 ? std::max(result, ExitCode::kFinding) : result;
+  }
+
+  const Options& options_;
+  OutputC& out_;
+  std::vector<FilePatch> patches_;
+  MeasurementCounts counts_;
+  std::uint64_t changed_ = 0;
+  std::uint64_t alike_ = 0;
+  std::uint64_t withoutRoom_ = 0;
+  std::uint64_t slant_ = 0;
+};
+
+void Check(const Options& options) {
   const FrameChanges& changes = options.changes;
   if (IsStandardInput(options.file)) {
     throw ToolErrorC(ExitCode::kUsage, "standard input cannot be changed; name a file");
@@ -97,6 +226,21 @@ ExitCode Run(const Options& options) {
   if (!changes.name && !changes.number && !changes.antennaHeight) {
     throw ToolErrorC(ExitCode::kUsage, "nothing to set: give --name, --number or --antenna-height");
   }
+  if (options.offset.text.empty() && !options.isAll && options.filter.TakesAll()) {
+    throw ToolErrorC(ExitCode::kUsage,
+                     "give --offset, a filter such as --where, or --all for all measurements");
+  }
+}
+
+ExitCode Run(const Options& options) {
+  Check(options);
+  if (options.offset.text.empty()) {
+    OutputC out;
+    const ExitCode result = FilteredChangeC(options, out).Run();
+    out.Close();
+    return result;
+  }
+  const FrameChanges& changes = options.changes;
   std::optional<FileReplacementC> replacement;  // holds the lock while the frame is read
   if (!options.isDryRun) replacement.emplace(options.file);
   const PatchedFrame frame = PatchFrame(FindFrameIn(options, replacement), changes);
@@ -108,6 +252,7 @@ ExitCode Run(const Options& options) {
     Tell(
         fmt::format("the frame at {} holds this already; nothing is changed", options.offset.text));
   } else if (options.isDryRun) {
+    WriteHeading(out);
     WriteChanges(out, options.offset.value, frame);
   } else {
     replacement->Replace(options.offset.value, frame.before, frame.after);
@@ -124,11 +269,14 @@ Command RecordSetCommand() {
   command.name = "set";
   command.description = kDescription;
   command.footer =
-      "Example:\n  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 "
-      "--dry-run";
+      "Examples:\n"
+      "  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 --dry-run\n"
+      "  surveydata record set valley_drive.rec --where 'number > 0' --name A --dry-run";
   command.arguments = {FileArgument(options->file, false)};
+  CommandOption offset = OffsetOption(options->offset);
+  offset.isRequired = false;
   command.options = {
-      OffsetOption(options->offset),
+      offset,
       {.names = {"--name"},
        .value = "TEXT",
        .description = "The point name: up to 17 characters, UTF-8",
@@ -151,6 +299,14 @@ Command RecordSetCommand() {
       {.names = {"--dry-run"},
        .description = "Print the bytes that would change, and leave the file as it is",
        .flag = &options->isDryRun}};
+  std::vector<CommandOption> filters = FilterOptionsWithoutName(options->filter);
+  filters.push_back(
+      {.names = {"--all"}, .description = "All measurements of the file", .flag = &options->isAll});
+  for (CommandOption& filter : filters) {
+    filter.excludes = {"--offset"};
+    command.options.front().excludes.push_back(filter.names.front());
+    command.options.push_back(std::move(filter));
+  }
   command.run = [options] { return Run(*options); };
   return command;
 }

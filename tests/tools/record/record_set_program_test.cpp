@@ -90,6 +90,102 @@ TEST_F(RecordSet, TellsInADryRunWhatEachChangedByteIs) {
             "      1425   47   41  checksum = 0xa941\n");
 }
 
+// The bytes of the file after single changes of the frames at these offsets.
+Bytes ChangedOneByOne(const Bytes& before, const std::vector<std::uint64_t>& offsets,
+                      const std::vector<std::string>& options, std::string& dryRun) {
+  const TempFolderC folder;
+  const std::string file = folder / "one.rec";
+  WriteBytes(file, before);
+  for (const std::uint64_t offset : offsets) {
+    std::vector<std::string> arguments = {"record", "set", file, "--offset",
+                                          std::to_string(offset)};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    std::vector<std::string> dry = arguments;
+    dry.emplace_back("--dry-run");
+    const std::string told = RunProgram(dry).out;
+    dryRun += told.substr(dryRun.empty() || told.empty() ? 0 : told.find('\n') + 1);
+    EXPECT_EQ(RunProgram(arguments).exitCode, 0);
+  }
+  return ReadBytes(file);
+}
+
+TEST_F(RecordSet, ChangesAllFramesThatAFilterTakesInOneReplacement) {
+  const std::vector<std::string> filter = {"--where", "number > 0", "--every", "40"};
+  std::vector<std::string> arguments = {"record", "export", file_};
+  arguments.insert(arguments.end(), filter.begin(), filter.end());
+  std::vector<std::uint64_t> offsets;
+  for (const json& line : JsonLines(RunProgram(arguments).out)) offsets.push_back(line["offset"]);
+  ASSERT_GT(offsets.size(), 4U);
+  const std::vector<std::string> changes = {"--name", "Wall", "--number", "7"};
+  std::string dryRun;
+  const Bytes expected = ChangedOneByOne(before_, offsets, changes, dryRun);
+  const std::string count = std::to_string(offsets.size());
+
+  arguments = {"record", "set", file_};
+  arguments.insert(arguments.end(), filter.begin(), filter.end());
+  arguments.insert(arguments.end(), changes.begin(), changes.end());
+  std::vector<std::string> dry = arguments;
+  dry.emplace_back("--dry-run");
+  const int exitCode = RunProgram({"record", "export", file_}).exitCode;
+  const Outcome told = RunProgram(dry);
+  EXPECT_EQ(told.exitCode, exitCode);
+  EXPECT_EQ(told.out, dryRun + count +
+                          " measurements would change, 0 hold this already, 0 without "
+                          "room\n");
+  ExpectUntouched();
+
+  const Outcome done = RunProgram(arguments);
+  EXPECT_EQ(done.exitCode, exitCode);
+  EXPECT_EQ(done.out, count + " measurements changed, 0 hold this already, 0 without room\n");
+  EXPECT_TRUE(ReadBytes(file_) == expected);
+  EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
+
+  // The same measurements, by what they have now.
+  EXPECT_EQ(RunProgram({"record", "set", file_, "--where", "name = \"Wall\"", "--number", "7"}).out,
+            "0 measurements changed, " + count + " hold this already, 0 without room\n");
+  EXPECT_TRUE(ReadBytes(file_) == expected);
+}
+
+// Patches of a file larger than the blocks in which it is copied, some across their borders.
+TEST_F(RecordSet, ChangesAllFramesOfAFileOfSeveralBlocks) {
+  Bytes frame(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
+  Bytes changed = frame;
+  Change change;
+  change.number = 7;
+  change.Apply(changed.data(), changed.size());
+  constexpr std::size_t kFrames = 5000;  // 2.3 MB
+  Bytes all, expected;
+  for (std::size_t i = 0; i < kFrames; ++i) {
+    all.insert(all.end(), frame.begin(), frame.end());
+    expected.insert(expected.end(), changed.begin(), changed.end());
+  }
+  Replace(all);
+  const Outcome outcome = RunProgram({"record", "set", file_, "--all", "--number", "7"});
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, "5000 measurements changed, 0 hold this already, 0 without room\n");
+  EXPECT_TRUE(ReadBytes(file_) == expected);
+}
+
+TEST_F(RecordSet, LeavesFramesWithoutRoomAsTheyAre) {
+  const Bytes bare = MakeFrame(113, MakeBody(0, {}));
+  Bytes all = bare;
+  all.insert(all.end(), before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
+  Replace(all);
+  const Outcome outcome = RunProgram({"record", "set", file_, "--all", "--number", "7"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.out, "1 measurement changed, 0 hold this already, 1 without room\n");
+  Change change;
+  change.number = 7;
+  change.Apply(&all[bare.size()], kFrameSize);
+  EXPECT_TRUE(ReadBytes(file_) == all);
+  const Outcome none =
+      RunProgram({"record", "set", file_, "--where", "number = 99", "--number", "7"});
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.out, "0 measurements changed, 0 hold this already, 0 without room\n");
+  EXPECT_NE(none.err.find("holds no measurement that the filters take"), std::string::npos);
+  EXPECT_TRUE(ReadBytes(file_) == all);
+}
+
 TEST_F(RecordSet, TakesNamesUpToTheLimitsOfAFrame) {
   std::string sixteenWide, fifteenWide;
   for (int i = 0; i < 16; ++i) sixteenWide += "€";
