@@ -44,10 +44,10 @@ class FileReplacementC {
 
   /// Replaces the file by a copy of it in which `change` has changed the bytes of each patch.
   /// `patches` are by ascending offset and do not overlap. Holes stay holes. Access rights are
-  /// preserved (see `CopiedFileC::KeepAccess`), or the change is refused; only the owner may change,
-  /// if this user must not set it. Refuses if `change` does, or if the file has changed since it was
-  /// locked. Signals that end the program take effect before or after the replacement, not during
-  /// it. Can be called only once.
+  /// preserved (see `CopiedFileC::KeepAccess`), or the change is refused; only the owner may
+  /// change, if this user must not set it. Refuses if `change` does, or if the file has changed
+  /// since it was locked. Signals that end the program take effect before or after the replacement,
+  /// not during it. Can be called only once.
   void Replace(std::span<const FilePatch> patches, const ChangeBytes& change);
   /// The same with `after` in place of `before` at `offset`, of the same length.
   void Replace(std::uint64_t offset, std::span<const std::uint8_t> before,
