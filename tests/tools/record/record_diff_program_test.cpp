@@ -167,7 +167,7 @@ TEST_F(RecordDiff, FindsTheRecordsThatAreLeftBetweenScatteredChanges) {
     state = state * 6364136223846793005U + 1442695040888963407U;
     return (state >> 33) % below;
   };
-  for (const std::uint64_t rarity : {3, 20, 100, 700}) {
+  for (const std::uint64_t rarity : {3U, 20U, 100U, 700U}) {
     SCOPED_TRACE(rarity);
     Bytes a;
     Bytes b;
