@@ -20,7 +20,7 @@ using Benchmarks::SamplesC;
 using Benchmarks::SetRates;
 
 constexpr std::size_t kRows = 65536;
-constexpr std::size_t kBlock = 16;  // of rows that are read together
+constexpr std::size_t kBlock = 64;  // of rows that are read together
 
 // All columns, those that are not texts, or a few for a plot.
 enum class Choice { kAll, kNumbers, kFew };
@@ -132,7 +132,7 @@ void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
     count = 0;
     for (const SDI::GPSRecordC& record : SDI::GPSRecordReaderC(samples.Name().c_str())) {
       if (!record.IsDone()) state.SkipWithError("a frame is bad");
-      // Sixteen rows of each column at a time, as they are read.
+      // A block of each column at a time, as they are read.
       if (++count % kBlock != 0) continue;
       const std::size_t block = count / kBlock % (kRows / kBlock);
       for (std::size_t i = 0; i < sizes.size(); ++i) {

@@ -10,6 +10,7 @@ namespace {
 template <class... Dops>
 double Combined(Dops... dops) {
   if (std::max({dops...}) == SDI::DOP_NOT_AVAILABLE) return -1.0;
+  if constexpr (sizeof...(dops) == 1) return (dops + ...) / 10.0;  // the root of a square
   const auto squared = [](double tenths) { return tenths * tenths; };
   return std::sqrt((squared(dops) + ...)) / 10.0;
 }

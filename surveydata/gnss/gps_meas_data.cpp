@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include <surveydata/gnss/gps_meas_data.h>
+#include <surveydata/gnss/record_columns.h>
 #include <surveydata/object_model/compare.h>
 
 namespace {
@@ -316,22 +317,32 @@ void GPSMeasDataImplC::SetListBlock(const GPSListBlock& list) {
   Raise(kHasListBlock);
 }
 
+void RecordColumns::Renewal::Renew(GPSMeasDataImplC& measurement) {
+  measurement.ResetFields();
+  measurement.extraTime_ = {};
+  measurement.flagA_ = 0;
+  measurement.valueB_ = 0;
+  measurement.valueC_ = 0;
+  measurement.textA_[0] = 0;
+  measurement.textB_[0] = 0;
+  measurement.valueD_ = 0;
+  measurement.textC_[0] = 0;
+  measurement.flagE_ = 0;
+  measurement.textD_[0] = 0;
+  measurement.valueF_ = 0;
+  measurement.valueG_ = 0;
+  measurement.valueH_ = 0;
+  measurement.valueI_ = 0;
+  measurement.listBlock_.head = 0;
+  measurement.listBlock_.count = 0;
+}
+
 void GPSMeasDataImplC::Reset() {
-  ResetFields();
-  extraTime_ = {};
-  flagA_ = 0;
-  valueB_ = 0;
-  valueC_ = 0;
+  RecordColumns::Renewal::Renew(*this);
   std::ranges::fill(textA_, u'\0');
   std::ranges::fill(textB_, u'\0');
-  valueD_ = 0;
   std::ranges::fill(textC_, u'\0');
-  flagE_ = 0;
   std::ranges::fill(textD_, u'\0');
-  valueF_ = 0;
-  valueG_ = 0;
-  valueH_ = 0;
-  valueI_ = 0;
   listBlock_ = {};
 }
 

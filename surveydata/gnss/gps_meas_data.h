@@ -18,6 +18,9 @@ class SURVEYDATA_API GPSMeasDataC;
 namespace SDI {
 class SURVEYDATA_API GPSMeasDataC;
 class SURVEYDATA_API GPSMeasDataImplC;
+namespace RecordColumns {
+struct Renewal;
+}
 
 /// Two counters of one kind of satellites. The producer defines what they count; receivers store
 /// the satellites in view and those used.
@@ -306,6 +309,8 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   bool isEqual(const GPSMeasDataImplC& other) const;
 
  private:
+  friend struct RecordColumns::Renewal;
+
   std::uint8_t flagA_ = 0;
   std::uint32_t valueB_ = 0;
   std::uint32_t valueC_ = 0;

@@ -32,42 +32,70 @@ using ImplC = GPSMeasDataImplC;
 using List = std::span<const std::uint16_t>;
 using R = const RecordView&;
 
-/// The number of rows that go through all columns together: they fit the first-level cache.
-constexpr std::size_t kBlock = 16;
+/// The number of rows that go through all columns together. What columns read of them fits the
+/// second-level cache, and what one column reads fits the first. Most columns write whole cache
+/// lines.
+constexpr std::size_t kBlock = 64;
 /// A bit for each row of a block.
-using Bits = std::uint16_t;
+using Bits = std::uint64_t;
 static_assert(std::numeric_limits<Bits>::digits == kBlock);
 constexpr Bits kWhole = std::numeric_limits<Bits>::max();
+/// Rows are examined in groups of this many, so that a small block does not cost as much as a whole
+/// one.
+constexpr std::size_t kGroup = 16;
+static_assert(kBlock % kGroup == 0);
+
+/// The number of groups that contain the first `rows` rows.
+constexpr std::size_t GroupsOf(std::size_t rows) { return (rows + kGroup - 1) / kGroup; }
 
 /// A mask of each row of a block.
 class MasksC {
  public:
   void Set(std::size_t row, std::uint16_t mask) { masks_[row] = mask; }
-  /// The rows whose mask has `bit` set.
-  Bits With(std::uint16_t bit) const {
+  /// The rows, among the first `groups`, whose mask has `bit` set.
+  Bits With(std::uint16_t bit, std::size_t groups) const {
     const int toTop = 16 - std::bit_width(bit);
-#if defined(__SSE2__)
-    const auto* const masks = reinterpret_cast<const __m128i*>(masks_.data());
-    const __m128i low = _mm_slli_epi16(_mm_load_si128(masks), toTop);
-    const __m128i high = _mm_slli_epi16(_mm_load_si128(masks + 1), toTop);
-    return static_cast<Bits>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));  // the signs
-#else
-    unsigned bits = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) {
-      bits |= (std::uint32_t{masks_[i]} << toTop >> 15 & 1U) << i;
+    Bits bits = 0;
+    for (std::size_t group = 0; group < groups; ++group) {
+      bits |= Bits{InGroup(masks_.data() + group * kGroup, toTop)} << group * kGroup;
     }
-    return static_cast<Bits>(bits);
-#endif
+    return bits;
   }
 
  private:
-  alignas(16) std::array<std::uint16_t, kBlock> masks_ = {};
+  static std::uint32_t InGroup(const std::uint16_t* masks, int toTop) {
+#if defined(__SSE2__)
+    const auto* const at = reinterpret_cast<const __m128i*>(masks);
+    const __m128i low = _mm_slli_epi16(_mm_load_si128(at), toTop);
+    const __m128i high = _mm_slli_epi16(_mm_load_si128(at + 1), toTop);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));  // the signs
+#else
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < kGroup; ++i) {
+      bits |= (std::uint32_t{masks[i]} << toTop >> 15 & 1U) << i;
+    }
+    return bits;
+#endif
+  }
+
+  alignas(16) std::array<std::uint16_t, kBlock> masks_;
 };
 
 /// State of the text writers, kept from one record to the next.
 struct Writers {
   TimeText::DateWriterC gps;
   TimeText::UTCWriterC utc;
+};
+
+/// What several columns need to know of each row.
+enum class Trait : std::uint8_t {
+  kHasTime,
+  kHasExtraTime,
+  kHasExtraTimeInRange,
+  kHasHDOP,
+  kHasVDOP,
+  kHasTDOP,
+  kCount,
 };
 
 /// Up to `kBlock` records, and their masks.
@@ -80,8 +108,8 @@ class BlockC {
 
   /// The first `count` of `views`; the others point to valid records, too.
   BlockC(const Views& views, std::size_t count, Writers& writers)
-      : views_(views.data()), count_(count), writers_(writers) {
-    for (std::size_t i = 0; i < kBlock; ++i) {
+      : views_(views.data()), count_(count), groups_(GroupsOf(count)), writers_(writers) {
+    for (std::size_t i = 0; i < groups_ * kGroup; ++i) {
       set_.Set(i, views[i].measurement->GetSetMask());
       status_.Set(i, views[i].measurement->GetStatusMask());
     }
@@ -89,36 +117,58 @@ class BlockC {
 
   /// One record, for a single value, which must not cost as much as those of a block.
   BlockC(const RecordView& record, Writers& writers)
-      : views_(&record), count_(1), isSingle_(true), writers_(writers) {
+      : views_(&record), count_(1), groups_(1), isSingle_(true), writers_(writers) {
     set_.Set(0, record.measurement->GetSetMask());
     status_.Set(0, record.measurement->GetStatusMask());
+    for (std::size_t i = 1; i < kGroup; ++i) {
+      set_.Set(i, 0);
+      status_.Set(i, 0);
+    }
   }
 
   std::size_t GetCount() const { return count_; }
   const RecordView& Get(std::size_t row) const { return views_[row]; }
   Writers& GetWriters() const { return writers_; }
 
-  Bits All() const { return static_cast<Bits>((1U << count_) - 1); }
+  Bits All() const { return kWhole >> (kBlock - count_); }
   /// The rows with this bit of the set mask.
-  Bits WithSet(std::uint16_t bit) const { return set_.With(bit) & All(); }
+  Bits WithSet(std::uint16_t bit) const { return set_.With(bit, groups_) & All(); }
   /// The rows with this bit of the status mask.
-  Bits WithStatus(std::uint16_t bit) const { return status_.With(bit) & All(); }
+  Bits WithStatus(std::uint16_t bit) const { return status_.With(bit, groups_) & All(); }
   /// The rows for which `is(row)`.
   template <class Is>
   Bits Where(Is is) const {
     if (isSingle_) return is(views_[0]) ? 1 : 0;
-    unsigned bits = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) bits |= unsigned{is(views_[i])} << i;
-    return static_cast<Bits>(bits) & All();
+    Bits bits = 0;
+    for (std::size_t group = 0; group < groups_; ++group) {
+      const RecordView* const views = views_ + group * kGroup;
+      std::uint32_t found = 0;
+      for (std::size_t i = 0; i < kGroup; ++i) found |= std::uint32_t{is(views[i])} << i;
+      bits |= Bits{found} << group * kGroup;
+    }
+    return bits & All();
+  }
+  /// The same for a trait, which is examined once.
+  template <class Is>
+  Bits Where(Trait trait, Is is) const {
+    const auto place = static_cast<std::size_t>(trait);
+    if ((known_ & 1U << place) == 0) {
+      traits_[place] = Where(is);
+      known_ |= 1U << place;
+    }
+    return traits_[place];
   }
 
  private:
   const RecordView* views_;
   std::size_t count_;
+  std::size_t groups_;
   bool isSingle_ = false;
   Writers& writers_;
   MasksC set_;
   MasksC status_;
+  mutable std::uint32_t known_ = 0;  // a bit for each trait
+  mutable std::array<Bits, static_cast<std::size_t>(Trait::kCount)> traits_;
 };
 
 }  // namespace
@@ -145,23 +195,28 @@ using Functions = GPSColumnFunctions;
 [[gnu::noinline]] void PutAnyBits(std::uint8_t* bitmap, std::size_t at, std::size_t count,
                                   Bits bits) {
   const std::size_t shift = at % 8;
-  unsigned word = unsigned{bits} << shift;
-  if (shift != 0) word |= bitmap[at / 8] & ((1U << shift) - 1);
-  for (std::size_t i = at / 8; i <= (at + count - 1) / 8; ++i, word >>= 8) {
-    bitmap[i] = static_cast<std::uint8_t>(word);
+  std::uint8_t* to = bitmap + at / 8;
+  if (shift != 0) {
+    const unsigned before = *to & ((1U << shift) - 1);
+    *to++ = static_cast<std::uint8_t>(before | bits << shift);
+    if (count <= 8 - shift) return;
+    count -= 8 - shift;
+    bits >>= 8 - shift;
   }
+  for (std::size_t i = 0; i < (count + 7) / 8; ++i)
+    to[i] = static_cast<std::uint8_t>(bits >> 8 * i);
 }
 inline void PutBits(std::uint8_t* bitmap, std::size_t at, std::size_t count, Bits bits) {
   if (count != kBlock || at % 8 != 0) return PutAnyBits(bitmap, at, count, bits);
-  boost::endian::store_little_u16(bitmap + at / 8, bits);
+  boost::endian::store_little_u64(bitmap + at / 8, bits);
 }
 
 // `std::popcount` is a function call if the target processor may lack the instruction.
-constexpr unsigned Count(Bits bits) {
-  unsigned count = bits - (bits >> 1 & 0x5555U);
-  count = (count & 0x3333U) + (count >> 2 & 0x3333U);
-  count = (count + (count >> 4)) & 0x0F0FU;
-  return (count + (count >> 8)) & 0x1FU;
+constexpr std::uint64_t Count(Bits bits) {
+  std::uint64_t count = bits - (bits >> 1 & 0x5555'5555'5555'5555U);
+  count = (count & 0x3333'3333'3333'3333U) + (count >> 2 & 0x3333'3333'3333'3333U);
+  count = (count + (count >> 4)) & 0x0F0F'0F0F'0F0F'0F0FU;
+  return count * 0x0101'0101'0101'0101U >> 56;
 }
 
 inline void MarkPresent(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at,
@@ -185,7 +240,7 @@ constexpr GPSColumnType TypeFor() {
 /// Calls `visit(i)` for each bit i that is set.
 template <class Visit>
 void ForEach(Bits bits, Visit visit) {
-  for (unsigned left = bits; left != 0; left &= left - 1) {
+  for (Bits left = bits; left != 0; left &= left - 1) {
     visit(static_cast<std::size_t>(std::countr_zero(left)));
   }
 }
@@ -256,8 +311,7 @@ struct OfFlag {
 
   static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
     const Bits bits = PresentIn<present>(block);
-    PutBits(static_cast<std::uint8_t*>(buffer.values), at, block.GetCount(),
-            static_cast<Bits>(flags(block) & bits));
+    PutBits(static_cast<std::uint8_t*>(buffer.values), at, block.GetCount(), flags(block) & bits);
     MarkPresent(block, buffer, at, bits);
   }
 };
@@ -269,10 +323,12 @@ void FillLong(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at, Bits
   auto* const elements = static_cast<Element*>(buffer.values);
   std::int64_t* const offsets = buffer.offsets + at;
   std::int64_t end = offsets[0];
-  std::array<std::int64_t, kBlock> sizes = {};
+  std::array<std::uint8_t, kBlock> sizes = {};
+  static_assert(GPSColumnValueC::kLargestText <= std::numeric_limits<std::uint8_t>::max());
   ForEach(present, [&](std::size_t i) {
-    sizes[i] = static_cast<std::int64_t>(write(block.Get(i), elements + end));
-    end += sizes[i];
+    const std::size_t size = write(block.Get(i), elements + end);
+    sizes[i] = static_cast<std::uint8_t>(size);
+    end += static_cast<std::int64_t>(size);
   });
   end = offsets[0];
   for (std::size_t i = 0; i < block.GetCount(); ++i) offsets[i + 1] = end += sizes[i];
@@ -389,13 +445,12 @@ Bits HasSystem(const BlockC& block) {
 /// As `GetSystem1Pair`: without information per system it is the total pair.
 Bits HasSystem1Pair(const BlockC& block) {
   const Bits systems = block.WithSet(ImplC::kHasSystems);
-  return static_cast<Bits>((systems & block.WithStatus(ImplC::kSystem1)) |
-                           (~systems & block.WithSet(ImplC::kHasTotalPair)));
+  return (systems & block.WithStatus(ImplC::kSystem1)) |
+         (~systems & block.WithSet(ImplC::kHasTotalPair));
 }
 Bits IsSystem1Used(const BlockC& block) {
   const Bits systems = block.WithSet(ImplC::kHasSystems);
-  return static_cast<Bits>((systems & block.WithStatus(ImplC::kSystem1)) |
-                           (~systems & block.All()));
+  return (systems & block.WithStatus(ImplC::kSystem1)) | (~systems & block.All());
 }
 GPSCounterPair System1Pair(R r) {
   const bool hasSystems = (r.measurement->GetSetMask() & ImplC::kHasSystems) != 0;
@@ -403,7 +458,8 @@ GPSCounterPair System1Pair(R r) {
 }
 
 Bits HasExtraTime(const BlockC& block) {
-  return block.Where([](R r) { return r.measurement->GetExtraTimeCount() != 0; });
+  return block.Where(Trait::kHasExtraTime,
+                     [](R r) { return r.measurement->GetExtraTimeCount() != 0; });
 }
 Vorlin::TimeC ExtraTime(R r) {
   Vorlin::TimeC time;
@@ -416,12 +472,19 @@ Bits HasValue(const BlockC& block) {
   return block.Where([](R r) { return r.measurement->GetValueCount() > index; });
 }
 
-/// The rows whose dilutions are set and for which those that `get...` returns are available.
-template <auto... get>
+/// A dilution of precision, by its stored value.
+template <Trait trait, auto tenths>
+Bits HasDilution(const BlockC& block) {
+  return block.Where(trait,
+                     [](R r) { return (r.measurement->GetDOPs().*tenths)() != DOP_NOT_AVAILABLE; });
+}
+constexpr auto kHasHDOP = &HasDilution<Trait::kHasHDOP, &GPSDOPsImplC::GetHDOPTenths>;
+constexpr auto kHasVDOP = &HasDilution<Trait::kHasVDOP, &GPSDOPsImplC::GetVDOPTenths>;
+constexpr auto kHasTDOP = &HasDilution<Trait::kHasTDOP, &GPSDOPsImplC::GetTDOPTenths>;
+/// The rows whose dilutions are set and for which `has...` are available.
+template <auto... has>
 Bits HasDilutions(const BlockC& block) {
-  return static_cast<Bits>((block.WithSet(ImplC::kHasDOPs) & ... & block.Where([](R r) {
-    return (r.measurement->GetDOPs().*get)() != DOP_NOT_AVAILABLE;
-  })));
+  return (block.WithSet(ImplC::kHasDOPs) & ... & has(block));
 }
 template <auto get>
 double Dilution(R r) {
@@ -442,10 +505,13 @@ double Component(R r) {
 }
 
 Bits HasTime(const BlockC& block) {
-  return block.Where([](R r) { return TimeText::IsInRange(r.measurement->GetTimeA()); });
+  return block.Where(Trait::kHasTime,
+                     [](R r) { return TimeText::IsInRange(r.measurement->GetTimeA()); });
 }
 Bits HasExtraTimeInRange(const BlockC& block) {
-  return HasExtraTime(block) & block.Where([](R r) { return TimeText::IsInRange(ExtraTime(r)); });
+  return block.Where(Trait::kHasExtraTimeInRange, [](R r) {
+    return r.measurement->GetExtraTimeCount() != 0 && TimeText::IsInRange(ExtraTime(r));
+  });
 }
 template <class WriterC>
 std::size_t WriteTime(const Vorlin::TimeC& time, WriterC& writer, char* to) {
@@ -573,18 +639,15 @@ constexpr GPSColumn kColumns[] = {
     Number<HasValue<1>, [](R r) { return r.measurement->GetValue(1); }>(
         "value_1", "", "The second of the two values"),
 
-    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths>, Dilution<&GPSDOPsImplC::GetHDOP>>(
+    Number<HasDilutions<kHasHDOP>, Dilution<&GPSDOPsImplC::GetHDOP>>(
         "hdop", "", "Horizontal dilution of precision, absent when not available"),
-    Number<HasDilutions<&GPSDOPsImplC::GetVDOPTenths>, Dilution<&GPSDOPsImplC::GetVDOP>>(
+    Number<HasDilutions<kHasVDOP>, Dilution<&GPSDOPsImplC::GetVDOP>>(
         "vdop", "", "Vertical dilution of precision, absent when not available"),
-    Number<HasDilutions<&GPSDOPsImplC::GetTDOPTenths>, Dilution<&GPSDOPsImplC::GetTDOP>>(
+    Number<HasDilutions<kHasTDOP>, Dilution<&GPSDOPsImplC::GetTDOP>>(
         "tdop", "", "Time dilution of precision, absent when not available"),
-    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths, &GPSDOPsImplC::GetVDOPTenths>,
-           Dilution<&GPSDOPsImplC::GetPDOP>>("pdop", "",
-                                             "Position dilution of precision, of hdop and vdop"),
-    Number<HasDilutions<&GPSDOPsImplC::GetHDOPTenths, &GPSDOPsImplC::GetVDOPTenths,
-                        &GPSDOPsImplC::GetTDOPTenths>,
-           Dilution<&GPSDOPsImplC::GetGDOP>>(
+    Number<HasDilutions<kHasHDOP, kHasVDOP>, Dilution<&GPSDOPsImplC::GetPDOP>>(
+        "pdop", "", "Position dilution of precision, of hdop and vdop"),
+    Number<HasDilutions<kHasHDOP, kHasVDOP, kHasTDOP>, Dilution<&GPSDOPsImplC::GetGDOP>>(
         "gdop", "", "Geometric dilution of precision, of hdop, vdop and tdop"),
 
     Number<IsSet<ImplC::kHasWord16>,
@@ -732,7 +795,6 @@ struct GPSColumnReaderC::State {
   GPSRecordReaderC& reader;
   std::uint64_t leftOut = 0;
   Writers writers;
-  const GPSMeasDataImplC fresh;
   std::array<Row, kBlock> rows;
   BlockC::Views views;
 };
@@ -743,7 +805,8 @@ void GPSColumnReaderC::State::Stage(std::size_t most, std::size_t& staged) {
   while (staged < most && reader.NextEntry(entry)) {
     if (!entry.IsMeasurement()) continue;
     Row& row = rows[staged];
-    row.measurement = fresh;
+    // Keeps what every frame stores and what has no value in a column while it is absent.
+    RecordColumns::Renewal::Renew(row.measurement);
     row.info.number = 0;  // the other fields are never set
     row.info.flags = 0;
     std::memset(row.info.name, 0, sizeof(row.info.name));

@@ -37,18 +37,23 @@ constexpr Milliseconds kNever = std::numeric_limits<Milliseconds>::max();
 
 }  // namespace
 
-void DateWriterC::SetMinute(Milliseconds time) {
+void DateWriterC::SetDay(Milliseconds time) {
   const auto day = static_cast<std::int32_t>(time / kDay);
-  const auto minutes = static_cast<std::uint32_t>(time % kDay / kMinute);
   const year_month_day date(kEpoch + std::chrono::days(day));
   const auto year = static_cast<std::uint32_t>(static_cast<int>(date.year()));  // 1980 to 3236
   PutTwo(year / 100, text_.data());
   PutTwo(year % 100, text_.data() + 2);
   PutTwo(static_cast<unsigned>(date.month()), text_.data() + 5);
   PutTwo(static_cast<unsigned>(date.day()), text_.data() + 8);
+  day_ = day * kDay;
+}
+
+void DateWriterC::SetMinute(Milliseconds time) {
+  if (time < day_ || day_ + kDay <= time) SetDay(time);
+  const auto minutes = static_cast<std::uint32_t>(time - day_) / std::uint32_t{kMinute};
   PutTwo(minutes / 60, text_.data() + 11);
   PutTwo(minutes % 60, text_.data() + 14);
-  minute_ = day * kDay + minutes * kMinute;
+  minute_ = day_ + minutes * kMinute;
 }
 
 void UTCWriterC::FindOffset(Milliseconds time) {

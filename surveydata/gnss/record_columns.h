@@ -20,6 +20,14 @@ struct RecordView {
   std::uint64_t size = 0;
 };
 
+/// Prepares a measurement for the next frame.
+struct Renewal {
+  /// Does what `GPSMeasDataImplC::Reset` does, except that the texts keep their units after the
+  /// terminator and the list its entries after the count. No column depends on them, and
+  /// clearing them would take longer than the rest.
+  static void Renew(GPSMeasDataImplC& measurement);
+};
+
 void Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value);
 
 }  // namespace SDI::RecordColumns

@@ -25,7 +25,8 @@ inline Milliseconds SinceEpoch(const Vorlin::TimeC& time) {
   return Milliseconds{time.week} * kMillisecondsPerWeek + time.timeOfWeek;
 }
 
-/// Writes dates and times of day. Caches the last minute, which consecutive times mostly share.
+/// Writes dates and times of day. Caches the last minute and the last day, which consecutive times
+/// mostly share.
 class DateWriterC {
  public:
   /// Writes `kTimeTextSize` characters. `time` is at least 0.
@@ -47,6 +48,7 @@ class DateWriterC {
  private:
   static constexpr Milliseconds kMinute = 60 * kSecond;
 
+  void SetDay(Milliseconds time);
   void SetMinute(Milliseconds time);
 
   void CopyMinute(char* to) const {
@@ -64,6 +66,7 @@ class DateWriterC {
   }
 
   Milliseconds minute_ = -kMinute;
+  Milliseconds day_ = -kDay;
   std::array<char, kTimeTextSize + 1> text_{"0000-00-00T00:00:00.000"};  // of the minute
 };
 

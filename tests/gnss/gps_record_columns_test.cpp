@@ -249,7 +249,8 @@ TEST(GPSColumns, AreTheSameInBatchesOfAnySize) {
   for (const char* const name : kSamples) {
     const ByteVector bytes = Sample(name);
     const Table table = Asked(bytes, columns);
-    for (const std::size_t rows : {1U, 2U, 3U, 7U, 8U, 9U, 15U, 16U, 17U, 31U, 33U, 100U, 65536U}) {
+    for (const std::size_t rows :
+         {1U, 2U, 7U, 8U, 9U, 15U, 16U, 17U, 31U, 33U, 63U, 64U, 65U, 129U, 65536U}) {
       SCOPED_TRACE(rows);
       EXPECT_TRUE(InBatches(bytes, columns, rows) == table);
     }
