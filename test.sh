@@ -24,6 +24,7 @@ usage: ./test.sh [PART]
   --python-asan   test the extension module of the package with sanitizers, in build/python/asan
   --engines       test the Python package with the engines for archives, in build/engines;
                   --engines --measure takes the figures of docs/scale.md instead
+  --docs          build the documentation site, check its links and test it in Chromium, in build/site
 END
   exit 2
 }
@@ -119,6 +120,12 @@ case "$part" in
   --python-asan)
     install_dependencies "${build_packages[@]}" "${python_packages[@]}"
     python/test_sanitized.sh
+    ;;
+  --docs)
+    install_dependencies "${site_test_packages[@]}"
+    ./docs.sh
+    npm ci --prefix web --no-audit --no-fund
+    node --test --test-reporter=tap docs/site/site.test.mjs
     ;;
   --page)
     install_dependencies "${build_packages[@]}" "${test_packages[@]}" "${page_packages[@]}"

@@ -63,7 +63,15 @@ python_packages=(python3-dev python3-venv)
 # and python/requirements-spark.txt.
 engine_packages=(openjdk-17-jre-headless)
 
+# Additional packages for the documentation site, and for its tests, which use the npm packages of the page.
+# Those from PyPI are in docs/site/requirements.txt.
+site_packages=(doxygen python3-venv)
+
 # Additional packages for the page for the browser. Those from npm are in web/package-lock.json. A Node.js
 # that is not Debian's includes npm.
 page_packages=(chromium emscripten)
-command -v npm >/dev/null 2>&1 || page_packages+=(nodejs npm)
+site_test_packages=(chromium)
+if ! command -v npm >/dev/null 2>&1; then
+  page_packages+=(nodejs npm)
+  site_test_packages+=(nodejs npm)
+fi

@@ -24,8 +24,8 @@ numpy=$(pip list --disable-pip-version-check --format=freeze | grep '^numpy==')
 (cd "$out" && clean/bin/python -I ../../python/tests/smoke.py)
 
 step "layout, types, stubs"
-ruff format --check python
-ruff check python
+ruff format --check python docs/site
+ruff check python docs/site
 (cd "$out" && mypy --config-file ../../pyproject.toml -p surveydata)
 (cd "$out" && mypy --config-file ../../pyproject.toml ../../python/tests/smoke.py \
   ../../python/examples/*.py ../../python/benchmarks/*.py)
