@@ -1,6 +1,6 @@
 // Loaded into a program before the C library (LD_PRELOAD): counts the calls that read and change
-// files, and acts at one of them. SURVEYDATA_SHIM gives the action and the call, counted from 0
-// over all calls or over those of one function:
+// files or start threads, and acts at one of them. SURVEYDATA_SHIM gives the action and the call,
+// counted from 0 over all calls or over those of one function:
 //
 //   log                      nothing
 //   kill N                   ends the process as SIGKILL does, before the call
@@ -27,6 +27,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -230,6 +231,13 @@ extern "C" {
   if (turn == Turn::kFail) return -1;
   return Next<ssize_t (*)(int, void*, size_t, off_t)>("pread")(
       file, bytes, turn == Turn::kHalf ? count / 2 : count, offset);
+}
+
+[[gnu::visibility("default")]] int pthread_create(pthread_t* thread, const pthread_attr_t* how,
+                                                  void* (*run)(void*), void* argument) noexcept {
+  if (Enter("pthread_create") == Turn::kFail) return TheOrder().error;
+  return Next<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>(
+      "pthread_create")(thread, how, run, argument);
 }
 
 // The same functions under the names that programs with 64-bit offsets call.

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_TOOLS_PLATFORM_INPUT_FILE_H_
 #define SURVEYDATA_TOOLS_PLATFORM_INPUT_FILE_H_
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -33,10 +34,14 @@ class InputFileC {
   /// if not known.
   std::uint64_t GetSize() const { return size_; }
 
+  /// The size that `GetSize` would return if the file were opened now; 0 if not known.
+  std::uint64_t FindSize() const;
+
   /// Reads the next bytes as soon as there are any; returns 0 at the end.
   std::size_t Read(std::span<char> to);
   /// Reads bytes from `offset` on, fewer than requested only at the end. Returns -1 on failure;
   /// `Fail` then reports it. Offsets in standard input are relative to its initial position.
+  /// Several threads may call it at once.
   std::ptrdiff_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> to);
   /// The stream, without a buffer, for a caller that reads all of it.
   std::FILE* GetStream() const { return file_; }
@@ -51,7 +56,7 @@ class InputFileC {
   std::FILE* file_;
   std::uint64_t start_ = 0;
   std::uint64_t size_ = 0;
-  int error_ = 0;
+  std::atomic<int> error_ = 0;
 };
 
 }  // namespace Tool

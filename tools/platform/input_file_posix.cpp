@@ -28,13 +28,18 @@ InputFileC::InputFileC(const std::string& name)
       file_(IsStandardInput(name) ? stdin : std::fopen(name.c_str(), "rb")) {
   if (file_ == nullptr) Fail();
   std::setvbuf(file_, nullptr, _IONBF, 0);
-  const int descriptor = fileno(file_);
   struct stat status {};
-  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return;
-  const off_t start = IsStandard() ? lseek(descriptor, 0, SEEK_CUR) : 0;
+  if (fstat(fileno(file_), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  const off_t start = IsStandard() ? lseek(fileno(file_), 0, SEEK_CUR) : 0;
   start_ = static_cast<std::uint64_t>(std::max<off_t>(start, 0));
+  size_ = FindSize();
+}
+
+std::uint64_t InputFileC::FindSize() const {
+  struct stat status {};
+  if (fstat(fileno(file_), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
   const auto end = static_cast<std::uint64_t>(status.st_size);
-  size_ = end > start_ ? end - start_ : 0;
+  return end > start_ ? end - start_ : 0;
 }
 
 InputFileC::~InputFileC() {
@@ -61,7 +66,8 @@ std::ptrdiff_t InputFileC::ReadAt(std::uint64_t offset, std::span<std::uint8_t> 
 }
 
 void InputFileC::Fail() const {
-  const int error = error_ != 0 ? error_ : errno;
+  const int failed = error_;
+  const int error = failed != 0 ? failed : errno;
   throw FileErrorC(fmt::format("cannot read {}: {}", name_, std::strerror(error)));
 }
 

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <io.h>
 #include <sys/stat.h>
+#include <windows.h>
 
 #include <platform/file_error.h>
 #include <platform/input_file.h>
@@ -32,8 +33,14 @@ InputFileC::InputFileC(const std::string& name)
   if (_fstat64(_fileno(file_), &status) != 0 || (status.st_mode & _S_IFREG) == 0) return;
   start_ =
       IsStandard() ? static_cast<std::uint64_t>(std::max<__int64>(_telli64(_fileno(file_)), 0)) : 0;
+  size_ = FindSize();
+}
+
+std::uint64_t InputFileC::FindSize() const {
+  struct _stat64 status {};
+  if (_fstat64(_fileno(file_), &status) != 0 || (status.st_mode & _S_IFREG) == 0) return 0;
   const auto end = static_cast<std::uint64_t>(status.st_size);
-  size_ = end > start_ ? end - start_ : 0;
+  return end > start_ ? end - start_ : 0;
 }
 
 InputFileC::~InputFileC() {
@@ -50,17 +57,24 @@ std::size_t InputFileC::Read(std::span<char> to) {
 
 std::ptrdiff_t InputFileC::ReadAt(std::uint64_t offset, std::span<std::uint8_t> to) {
   const auto wanted =
-      static_cast<unsigned>(std::min<std::size_t>(to.size(), std::numeric_limits<int>::max()));
-  if (_lseeki64(_fileno(file_), static_cast<__int64>(start_ + offset), SEEK_SET) >= 0) {
-    const int count = _read(_fileno(file_), to.data(), wanted);
-    if (count >= 0) return count;
-  }
-  error_ = errno;
+      static_cast<DWORD>(std::min<std::size_t>(to.size(), std::numeric_limits<int>::max()));
+  const std::uint64_t from = start_ + offset;
+  OVERLAPPED place{};  // one call, so that threads cannot change the place between two
+  place.Offset = static_cast<DWORD>(from);
+  place.OffsetHigh = static_cast<DWORD>(from >> 32);
+  DWORD count = 0;
+  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file_)));
+  if (ReadFile(handle, to.data(), wanted, &count, &place) != 0) return count;
+  const auto error = static_cast<int>(GetLastError());
+  if (error == ERROR_HANDLE_EOF) return 0;
+  const auto condition = std::system_category().default_error_condition(error);
+  error_ = condition.category() == std::generic_category() ? condition.value() : EIO;
   return -1;
 }
 
 void InputFileC::Fail() const {
-  const int error = error_ != 0 ? error_ : errno;
+  const int failed = error_;
+  const int error = failed != 0 ? failed : errno;
   throw FileErrorC(fmt::format("cannot read {}: {}", name_, std::strerror(error)));
 }
 

@@ -15,7 +15,7 @@ KeptRecordsC::KeptRecordsC(const RecordFile& file, SDI::GPSRecordStretch stretch
     : file_(file),
       stretch_(stretch),
       filter_(filter),
-      walk_(file, {.stretch = stretch}, std::move(reportProgress)),
+      walk_(file.Open(), file, {.stretch = stretch}, std::move(reportProgress)),
       sieve_(filter) {
   walk_.SetReportDamaged([this](const SDI::GPSDamagedHeader& header) {
     if (header.damage != SDI::GPSRecordDamage::kRunsIntoNextRecord) ++counts_.badFrames;

@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <exception>
 #include <functional>
-#include <map>
+#include <memory>
 #include <mutex>
-#include <stdexcept>
+#include <new>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -16,7 +17,8 @@
 namespace Tool {
 
 /// Runs jobs in threads and returns their results in the order of the jobs. At most as many results
-/// as threads plus two are held, so a slow consumer stops the threads.
+/// as threads plus two are held, so a slow consumer stops the threads. If the system does not start
+/// as many threads as requested, those that it starts do the work, or without any, `Take` does it.
 template <class Result>
 class OrderedJobsC {
  public:
@@ -24,8 +26,13 @@ class OrderedJobsC {
 
   /// `work` is called for 0, 1, ... below `count`, from several threads at once.
   OrderedJobsC(std::size_t count, unsigned threads, Work work)
-      : count_(count), most_(std::size_t{threads} + 2), work_(std::move(work)) {
-    for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this] { Run(); });
+      : count_(count), work_(std::move(work)), slots_(std::size_t{threads} + 2) {
+    threads_.reserve(threads);
+    try {
+      while (threads_.size() < threads) threads_.emplace_back([this] { Run(); });
+    } catch (const std::system_error&) {  // the system has no more threads
+    } catch (const std::bad_alloc&) {
+    }
   }
   OrderedJobsC(const OrderedJobsC&) = delete;
   OrderedJobsC& operator=(const OrderedJobsC&) = delete;
@@ -38,58 +45,72 @@ class OrderedJobsC {
     for (std::thread& thread : threads_) thread.join();
   }
 
+  /// The number of threads that do the work.
+  std::size_t GetThreadCount() const { return threads_.size(); }
+
   /// The result of the next job, or its exception. Calls `whileWaiting` from time to time.
   template <class WhileWaiting>
   Result Take(const WhileWaiting& whileWaiting) {
+    if (threads_.empty()) {
+      whileWaiting();
+      return work_(taken_++);
+    }
     std::unique_lock lock(mutex_);
-    while (!done_.contains(taken_)) {
+    Slot& slot = SlotOf(taken_);
+    while (!slot.isDone) {
       constexpr std::chrono::milliseconds kPause{100};
       isDone_.wait_for(lock, kPause);
       lock.unlock();
       whileWaiting();
       lock.lock();
     }
-    auto node = done_.extract(taken_++);
+    const Slot done = std::exchange(slot, {});
+    ++taken_;
     lock.unlock();
     isRoom_.notify_all();
-    if (node.mapped().error) std::rethrow_exception(node.mapped().error);
-    return std::move(node.mapped().result);
+    if (done.error) std::rethrow_exception(done.error);
+    return std::move(*done.result);
   }
 
  private:
-  struct Done {
-    Result result;
+  // A job from its beginning until its result is taken.
+  struct Slot {
+    std::unique_ptr<Result> result;
     std::exception_ptr error;
+    bool isDone = false;
   };
 
+  // The jobs that have begun and are not taken have different slots.
+  Slot& SlotOf(std::size_t piece) { return slots_[piece % slots_.size()]; }
+
+  // Throws nothing: without memory, the job has an exception instead of a result.
   void Run() {
     std::unique_lock lock(mutex_);
     for (;;) {
-      isRoom_.wait(lock, [this] { return next_ >= count_ || next_ < taken_ + most_; });
+      isRoom_.wait(lock, [this] { return next_ >= count_ || next_ < taken_ + slots_.size(); });
       if (next_ >= count_) return;
       const std::size_t piece = next_++;
+      Slot& slot = SlotOf(piece);
       lock.unlock();
-      Done done;
       try {
-        done.result = work_(piece);
+        slot.result = std::make_unique<Result>(work_(piece));
       } catch (...) {
-        done.error = std::current_exception();
+        slot.error = std::current_exception();
       }
       lock.lock();
-      done_.emplace(piece, std::move(done));
+      slot.isDone = true;
       isDone_.notify_one();
     }
   }
 
   std::size_t count_;
-  std::size_t most_;
   Work work_;
+  std::vector<Slot> slots_;
   std::mutex mutex_;
   std::condition_variable isRoom_;
   std::condition_variable isDone_;
   std::size_t next_ = 0;
   std::size_t taken_ = 0;
-  std::map<std::size_t, Done> done_;
   std::vector<std::thread> threads_;
 };
 

@@ -81,7 +81,7 @@ std::optional<TimeKey> TimeOf(const DiffRecord& record) {
 class SourceC {
  public:
   SourceC(const RecordFile& file, std::function<void(std::uint64_t)> report)
-      : walk_(file, {}, std::move(report)) {}
+      : walk_(file.Open(), file, {}, std::move(report)) {}
 
   // Goes on to the next record, beyond gaps; false at the end. Only while nothing is held.
   bool Next() {

@@ -149,6 +149,19 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
   return files;
 }
 
+std::shared_ptr<InputFileC> OpenRecordFilesC::Open(std::size_t file) {
+  Input& input = inputs_[file];
+  const std::lock_guard lock(input.mutex);
+  if (!input.opened) input.opened = files_[file].Open();
+  return input.opened;
+}
+
+void OpenRecordFilesC::Close(std::size_t file) {
+  Input& input = inputs_[file];
+  const std::lock_guard lock(input.mutex);
+  input.opened.reset();
+}
+
 std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files,
                                        std::uint64_t stretch) {
   std::vector<RecordPiece> pieces;

@@ -1,8 +1,10 @@
 #ifndef SURVEYDATA_TOOLS_RECORD_RECORD_FILES_H_
 #define SURVEYDATA_TOOLS_RECORD_RECORD_FILES_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -35,8 +37,13 @@ struct RecordFile {
   std::uint64_t size = 0;  ///< 0 if unknown; the file is then not read in stretches.
   std::string fault = {};  ///< Why it cannot be read; empty if it can.
 
-  /// The only file of a command, which is opened once if it is read as a whole; else null.
+  /// The only file of a command; null if there are several, which are opened when they are read.
   std::shared_ptr<InputFileC> opened = {};
+
+  /// \throw FileErrorC  if the file cannot be opened
+  std::shared_ptr<InputFileC> Open() const {
+    return opened ? opened : std::make_shared<InputFileC>(name);
+  }
 
   /// For messages: "standard input" for "-".
   std::string Title() const;
@@ -58,6 +65,28 @@ struct RecordPiece {
   bool isLast = true;
 
   bool IsWhole() const { return isFirst && isLast; }
+};
+
+/// The files that are being read, each opened once for all its pieces: if another program replaces
+/// a file meanwhile, no piece is read from the new one. Several threads may use it at once.
+class OpenRecordFilesC {
+ public:
+  explicit OpenRecordFilesC(const std::vector<RecordFile>& files)
+      : files_(files), inputs_(files.size()) {}
+
+  /// \throw FileErrorC  if the file cannot be opened
+  std::shared_ptr<InputFileC> Open(std::size_t file);
+  /// To be called when all pieces of the file have been read.
+  void Close(std::size_t file);
+
+ private:
+  struct Input {
+    std::mutex mutex;  // of each one: opening a pipe waits for its writer
+    std::shared_ptr<InputFileC> opened;
+  };
+
+  const std::vector<RecordFile>& files_;
+  std::vector<Input> inputs_;
 };
 
 /// The pieces of the files in order: each file in stretches of this size, or as a whole if it is 0.

@@ -69,10 +69,12 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
   ProgressC progress(total, options.hasRows);
   std::atomic<std::uint64_t> done = 0;
   PieceOutputC direct(options.out, progress);
+  OpenRecordFilesC inputs(files);
 
   ExitCode worst = ExitCode::kDone;
   std::optional<std::size_t> failed;  // the last file that cannot be read
   const auto take = [&](const RecordPiece& piece, Result& result, const std::string& fault) {
+    if (piece.isLast) inputs.Close(piece.file);
     if (failed == piece.file) return;
     pass.Take(piece, result, direct);
     if (!fault.empty()) {
@@ -89,7 +91,7 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
     const RecordFile& file = files[piece.file];
     if (!file.fault.empty()) return file.fault;
     try {
-      RecordWalkC walk(file, piece, report);
+      RecordWalkC walk(inputs.Open(piece.file), file, piece, report);
       pass.Read(walk, result);
     } catch (const FileErrorC& error) {
       return std::string(error.what());

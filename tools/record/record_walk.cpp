@@ -6,13 +6,11 @@
 
 namespace Tool {
 
-RecordWalkC::RecordWalkC(const RecordFile& file, const RecordPiece& piece,
+RecordWalkC::RecordWalkC(std::shared_ptr<InputFileC> input, const RecordFile& file,
+                         const RecordPiece& piece,
                          std::function<void(std::uint64_t)> reportProgress)
-    : piece_(piece),
-      input_(piece.IsWhole() && file.opened ? file.opened
-                                            : std::make_shared<InputFileC>(file.name)),
-      reader_(ReadRecords(*input_, piece.stretch)) {
-  if (!piece.IsWhole() && input_->GetSize() != file.size) {
+    : piece_(piece), input_(std::move(input)), reader_(ReadRecords(*input_, piece.stretch)) {
+  if (!piece.IsWhole() && input_->FindSize() != file.size) {
     throw FileErrorC(fmt::format("cannot read {}: it has been changed meanwhile", file.name));
   }
   reader_.SetReportProgress(

@@ -18,8 +18,9 @@ namespace Tool {
 /// read, or if the size of a file that is read in stretches has changed.
 class RecordWalkC {
  public:
-  /// Calls `reportProgress` about every mebibyte, with the bytes since the last call.
-  RecordWalkC(const RecordFile& file, const RecordPiece& piece,
+  /// `input` is that of `file`; walks in several threads may share it. Calls `reportProgress` about
+  /// every mebibyte, with the bytes since the last call.
+  RecordWalkC(std::shared_ptr<InputFileC> input, const RecordFile& file, const RecordPiece& piece,
               std::function<void(std::uint64_t)> reportProgress);
 
   const RecordPiece& GetPiece() const { return piece_; }

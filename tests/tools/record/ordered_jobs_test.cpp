@@ -1,5 +1,6 @@
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -49,6 +50,36 @@ TEST(OrderedJobs, ThrowTheExceptionOfAPieceInItsTurnAndGoOn) {
   EXPECT_THROW(jobs.Take(kIdle), std::runtime_error);
   EXPECT_EQ(jobs.Take(kIdle), 3);
   EXPECT_EQ(jobs.Take(kIdle), 4);
+}
+
+TEST(OrderedJobs, AreDoneWhenTheyAreTakenWithoutAnyThread) {
+  std::size_t begun = 0;
+  Tool::OrderedJobsC<std::size_t> jobs(4, 0, [&](std::size_t piece) {
+    ++begun;
+    if (piece == 1) throw std::runtime_error("piece 1");
+    return piece;
+  });
+  EXPECT_EQ(jobs.GetThreadCount(), 0U);
+  int pauses = 0;
+  const auto count = [&pauses] { ++pauses; };
+  EXPECT_EQ(jobs.Take(count), 0U);
+  EXPECT_EQ(begun, 1U);
+  EXPECT_THROW(jobs.Take(count), std::runtime_error);
+  EXPECT_EQ(jobs.Take(count), 2U);
+  EXPECT_EQ(jobs.Take(count), 3U);
+  EXPECT_EQ(pauses, 4);
+}
+
+// The results need neither a default nor a copy.
+TEST(OrderedJobs, MoveTheirResults) {
+  struct Moved {
+    explicit Moved(std::size_t piece) : value(std::make_unique<std::size_t>(piece)) {}
+    std::unique_ptr<std::size_t> value;
+  };
+  for (const unsigned threads : {0U, 2U}) {
+    Tool::OrderedJobsC<Moved> jobs(3, threads, [](std::size_t piece) { return Moved(piece); });
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(*jobs.Take(kIdle).value, i);
+  }
 }
 
 TEST(OrderedJobs, EndWithWhatIsBegunWhenTheyAreGivenUp) {
