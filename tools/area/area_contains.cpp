@@ -97,8 +97,10 @@ class AnswerC {
     given_[size_] = direction;
     hz_[size_] = ToRadians(direction.hz, unit_);
     v_[size_] = ToRadians(direction.v, unit_);
-    if (hasOthers_ || (form_ == Form::kCsv && !cells.empty())) cells_.push_back(cells);
-    if (++size_ == kBlock) Flush();
+    if (hasOthers_ || (form_ == Form::kCsv && !cells.empty())) {
+      for (const std::string& cell : cells) cells_.Add(cell);
+    }
+    if (++size_ == kBlock || cells_.IsFull()) Flush();
   }
 
   /// Returns whether all directions were inside.
@@ -123,6 +125,37 @@ class AnswerC {
     std::string name;
   };
 
+  // The cells of several lines, in an amount of memory that does not depend on their number.
+  class CellsC {
+   public:
+    void Add(std::string_view cell) {
+      text_ += cell;
+      ends_.push_back(text_.size());
+    }
+    std::string_view operator[](std::size_t i) const {
+      const std::size_t begin = i > 0 ? ends_[i - 1] : 0;
+      return std::string_view(text_).substr(begin, ends_[i] - begin);
+    }
+    bool IsEmpty() const { return ends_.empty(); }
+    // The cells of one more line still fit: it has at most 64 KiB.
+    bool IsFull() const { return ends_.size() >= kMost || text_.size() >= kMostBytes; }
+    void Clear() {
+      text_.clear();
+      ends_.clear();
+    }
+
+   private:
+    static constexpr std::size_t kMost = std::size_t{1} << 16;
+    static constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+
+    std::string text_;
+    std::vector<std::size_t> ends_;
+  };
+
+  std::string_view CellOf(std::size_t i, std::size_t column) const {
+    return cells_[i * columns_.size() + column];
+  }
+
   void BeginText() {
     if (form_ != Form::kText) return;
     out_.Print("{:>16}  {:>16}  {}", fmt::format("Hz [{}]", UnitName(unit_)),
@@ -139,12 +172,12 @@ class AnswerC {
   }
 
   void WriteCsv(std::size_t i) {
-    if (cells_.empty()) {
+    if (cells_.IsEmpty()) {
       out_.Print("{},{},{}\r\n", given_[i].hz, given_[i].v, isInside_[i]);
       return;
     }
     isFirstCell_ = true;
-    for (const std::string& cell : cells_[i]) WriteCell(cell);
+    for (std::size_t k = 0; k < columns_.size(); ++k) WriteCell(CellOf(i, k));
     out_.Print(",{}\r\n", isInside_[i]);
   }
 
@@ -157,7 +190,7 @@ class AnswerC {
       line.Begin("columns");
       for (std::size_t k = 0; k < columns_.size(); ++k) {
         if (columns_[k].isCoordinate) continue;
-        line.NamedField(ToUtf8(columns_[k].name), ToUtf8(cells_[i][k]));
+        line.NamedField(ToUtf8(columns_[k].name), ToUtf8(CellOf(i, k)));
       }
       line.End();
     }
@@ -172,7 +205,7 @@ class AnswerC {
                    : hasOthers_  ? "inside "
                                  : "inside");
     for (std::size_t k = 0; hasOthers_ && k < columns_.size(); ++k) {
-      if (!columns_[k].isCoordinate) out_.Print("  {}", ToVisible(cells_[i][k]));
+      if (!columns_[k].isCoordinate) out_.Print("  {}", ToVisible(CellOf(i, k)));
     }
     out_.GetBuffer().push_back('\n');
     if (hasReasons_) out_.Print("{}", ReasonsText(area_.Explain(hz_[i], v_[i]), unit_, "    "));
@@ -192,7 +225,7 @@ class AnswerC {
       out_.FlushIfFull();
     }
     size_ = 0;
-    cells_.clear();
+    cells_.Clear();
   }
 
   SDI::PreparedAreaC area_;
@@ -208,7 +241,7 @@ class AnswerC {
   std::array<double, kBlock> hz_;
   std::array<double, kBlock> v_;
   std::array<bool, kBlock> isInside_;
-  std::vector<std::vector<std::string>> cells_;  // of these directions, if they are written
+  CellsC cells_;  // of these directions, if they are written
   std::size_t size_ = 0;
   std::uint64_t inside_ = 0;
   std::uint64_t outside_ = 0;

@@ -100,7 +100,7 @@ class AreaWriterC {
 
 ExitCode Run(const Options& options) {
   const AreaFile file = LoadAreaFile(options.file);
-  OutputC out(options.output, options.file);
+  OutputC out(options.output, {&options.file, 1});
   AreaWriterC(file, *options.unit, out).Write();
   out.Close();
   return ExitCode::kDone;

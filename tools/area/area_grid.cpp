@@ -33,7 +33,7 @@ ExitCode Run(const Options& options) {
   const AreaFile file = LoadAreaFile(options.file);
   const ExitCode validity = WarnOfFaults(FindAreaFaults(file));
   if (validity != ExitCode::kDone) return validity;
-  OutputC out(options.output, options.file);
+  OutputC out(options.output, {&options.file, 1});
   out.Print("hz,v\r\n");
   const std::uint64_t count = SweepArea(file, [&](double hz, double v) {
     fmt::format_to(fmt::appender(out.GetBuffer()), FMT_COMPILE("{},{}\r\n"),

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,7 +9,9 @@
 #include <surveydata/scanning/prepared_area.h>
 
 #include <area/area_commands.h>
+#include <area/area_drawing.h>
 #include <area/area_file.h>
+#include <area/area_measure.h>
 #include <area/area_picture.h>
 #include <area/area_probes.h>
 #include <area/direction_reader.h>
@@ -54,6 +57,16 @@ AngleWindow ParseWindow(const std::string& text, AngleUnit unit) {
           ToRadians(last->v, unit)};
 }
 
+// Whether preparing the area may take time proportional to the square of its corners, so that each
+// direction is better asked by itself: a large ring around the zenith that crosses itself.
+bool IsSlowToPrepare(const AreaFile& file, const std::vector<AreaFault>& faults) {
+  if (faults.empty() || file.Sphere().GetPoints().size() <= kManyCorners) return false;
+  AreaBounds extents{};
+  const bool isArea = file.Sphere().GetExtents(extents.hzMin, extents.hzMax, extents.vMin,
+                                               extents.vMax, extents.enclosesZenith, false);
+  return isArea && extents.enclosesZenith;
+}
+
 ExitCode Run(const Options& options) {
   options.output.Require(options.file);
   RequireOneStandardInput(options.file, options.csv);
@@ -61,12 +74,14 @@ ExitCode Run(const Options& options) {
   const std::vector<AreaFault> faults = FindAreaFaults(file);
   const AngleWindow window =
       options.window.empty() ? kWholeSphere : ParseWindow(options.window, file.unit);
-  const SDI::PreparedAreaC area(*file.area);
   AreaProbesC probes(window);
+  const bool isSlow = IsSlowToPrepare(file, faults);
+  std::optional<SDI::PreparedAreaC> prepared;  // without any direction, it is not needed
   const auto ask = [&](const Direction& direction) {
     const double hz = ToRadians(direction.hz, file.unit);
     const double v = ToRadians(direction.v, file.unit);
-    probes.Add(hz, v, area.Contains(hz, v));
+    if (!prepared && !isSlow) prepared.emplace(*file.area);
+    probes.Add(hz, v, prepared ? prepared->Contains(hz, v) : file.area->Contains(hz, v));
   };
   for (const std::string& probe : options.probes) ask(RequireDirection(probe));
   if (!options.csv.empty()) {
@@ -77,7 +92,8 @@ ExitCode Run(const Options& options) {
   }
 
   const std::string svg = DrawArea({file, faults, window, probes});
-  OutputC out(options.output.file, options.file);
+  const std::string inputs[] = {options.file, options.csv};
+  OutputC out(options.output.file, inputs);
   out.GetBuffer().append(svg.data(), svg.data() + svg.size());
   out.Close();
   return WarnOfFaults(faults);

@@ -15,14 +15,15 @@ namespace Tool {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kBlanksBesideTabs = " \r\n";
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr std::size_t kLongestLine = kBlock - 1;
 constexpr char kAnyBlanks = ' ';
 
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
+std::string_view Trimmed(std::string_view text, std::string_view blanks = kBlanks) {
+  const std::size_t first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 std::string LowerCase(std::string_view text) {
@@ -147,13 +148,12 @@ DirectionReaderC::DirectionReaderC(const std::string& path, const DirectionForma
     }
   }
   while (ReadLine(text_)) {
-    std::string_view text = Trimmed(text_);
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (line_ == 1 && text.starts_with(kByteOrderMark)) {
-      text = Trimmed(text.substr(kByteOrderMark.size()));
-    }
+    if (line_ == 1 && text_.starts_with(kByteOrderMark)) text_.erase(0, kByteOrderMark.size());
+    const std::string_view text = Trimmed(text_);
     if (text.empty() || (text.front() == '#' && MayBeginWithComment())) continue;
-    TakeFirstLine(text);
+    separator_ = format_.separator ? *format_.separator : FindSeparator(text);
+    TakeFirstLine(WithoutBlanks(text_));
     return;
   }
 }
@@ -193,7 +193,6 @@ bool DirectionReaderC::ReadLine(std::string& line) {
 
 // The first line that is not empty determines the layout.
 void DirectionReaderC::TakeFirstLine(std::string_view text) {
-  separator_ = format_.separator ? *format_.separator : FindSeparator(text);
   Split(text);
   columnCount_ = cells_.size();
   const auto place = [this](const std::array<std::string, 2>& columns) {
@@ -307,8 +306,8 @@ char DirectionReaderC::FindSeparator(std::string_view text) const {
   return found.empty() ? kAnyBlanks : found.front();
 }
 
-// A column by its name, with or without its unit, or else by its number.
-std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
+// A column by its name, with or without its unit.
+std::optional<std::size_t> DirectionReaderC::FindName(const std::string& wanted) const {
   for (std::size_t i = 0; i < heading_.size(); ++i) {
     if (LowerCase(heading_[i]) == LowerCase(wanted)) return i;
   }
@@ -318,11 +317,20 @@ std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
     if (found) Refuse(fmt::format("has two columns {}", wanted));
     found = i;
   }
-  if (found) return *found;
+  return found;
+}
+
+// A column by its name or its number.
+std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
+  const auto named = FindName(wanted);
   const auto number = ToNumber<std::size_t>(wanted);
-  if (!number || *number < 1 || *number > columnCount_) {
-    Refuse(fmt::format("has no column {}", wanted));
+  const bool isNumber = number && 1 <= *number && *number <= columnCount_;
+  if (named && isNumber && *named != *number - 1) {
+    Refuse(fmt::format("has {0} as the name of column {1}, so that --columns {0} is unclear",
+                       wanted, *named + 1));
   }
+  if (named) return *named;
+  if (!isNumber) Refuse(fmt::format("has no column {}", wanted));
   return *number - 1;
 }
 
@@ -344,7 +352,13 @@ bool DirectionReaderC::MayBeginWithComment() const {
 }
 
 bool DirectionReaderC::IsSkipped(std::string_view text) const {
-  return text.empty() || (text.front() == '#' && IsCoordinate(0));
+  return text.empty() || (Trimmed(text).starts_with('#') && IsCoordinate(0));
+}
+
+// A line without the blanks around it. Tabs that separate cells stay: the first or the last cell
+// may be empty.
+std::string_view DirectionReaderC::WithoutBlanks(std::string_view line) const {
+  return Trimmed(line, separator_ == '\t' ? kBlanksBesideTabs : kBlanks);
 }
 
 bool DirectionReaderC::NextCells() {
@@ -353,7 +367,7 @@ bool DirectionReaderC::NextCells() {
     return true;
   }
   while (ReadLine(text_)) {
-    const std::string_view text = Trimmed(text_);
+    const std::string_view text = WithoutBlanks(text_);
     if (IsSkipped(text)) continue;
     Split(text);
     if (cells_.size() != columnCount_) {

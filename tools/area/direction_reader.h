@@ -42,7 +42,7 @@ struct DirectionFormat {
 /// not set.
 std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
 
-/// Reads a table of directions, a line at a time, in a fixed amount of memory.
+/// Reads a table of directions, a line of at most 64 KiB at a time, in a limited amount of memory.
 ///
 /// The first line is a heading that names the columns, or the first direction. Without a heading
 /// there are two columns, Hz and V, unless the format names others. All lines have as many cells as
@@ -78,10 +78,12 @@ class DirectionReaderC {
   void TakeFirstLine(std::string_view text);
   void JoinUnits();
   void RequireUnit(const std::string& name) const;
+  std::optional<std::size_t> FindName(const std::string& wanted) const;
   std::size_t FindColumn(const std::string& wanted) const;
   std::optional<double> NumberAt(std::size_t column) const;
   bool MayBeginWithComment() const;
   bool IsSkipped(std::string_view text) const;
+  std::string_view WithoutBlanks(std::string_view line) const;
   [[noreturn]] void Refuse(const std::string& what) const;
 
   InputFileC input_;

@@ -7,11 +7,13 @@
 
 namespace Tool {
 
-OutputC::OutputC(const std::string& file, const std::string& input)
+OutputC::OutputC(const std::string& file, std::span<const std::string> inputs)
     : name_(file.empty() ? "standard output" : file), file_(stdout) {
   if (file.empty()) return;
-  if (!input.empty() && IsSameRegularFile(file, input)) {
-    throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is the input itself", file));
+  for (const std::string& input : inputs) {
+    if (!input.empty() && IsSameRegularFile(file, input)) {
+      throw ToolErrorC(ExitCode::kUsage, fmt::format("{} is the input itself", file));
+    }
   }
   file_ = std::fopen(file.c_str(), "wb");
   if (file_ == nullptr) {

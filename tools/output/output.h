@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,9 +18,9 @@ namespace Tool {
 /// writing fails.
 class OutputC {
  public:
-  /// Writes to standard output if `file` is empty. Refuses to overwrite the file `input`, which may
-  /// mean standard input.
-  explicit OutputC(const std::string& file = {}, const std::string& input = {});
+  /// Writes to standard output if `file` is empty. Refuses to overwrite one of `inputs`, the files
+  /// that the command reads, which may mean standard input. Empty names mean no file.
+  explicit OutputC(const std::string& file = {}, std::span<const std::string> inputs = {});
   OutputC(const OutputC&) = delete;
   OutputC& operator=(const OutputC&) = delete;
   ~OutputC();

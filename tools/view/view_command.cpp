@@ -113,7 +113,8 @@ ExitCode Run(const Options& options) {
   const std::string name =
       IsStandardInput(options.file) ? "standard input" : Utf8(ToPath(options.file).filename());
   const auto write = [&](const std::string& to) {
-    OutputC out(to, options.file);
+    const std::string inputs[] = {options.file, pageName};
+    OutputC out(to, inputs);
     if (!WriteWithFile(page, name, bytes, out)) {
       throw FileErrorC(
           fmt::format("{} is not the page of this program: it has no place for a file", pageName));

@@ -623,6 +623,30 @@ TEST(AreaConvert, RefusesAnAngleThatIsTooLargeAndTheInputAsOutput) {
   EXPECT_EQ(Area("convert", file, {"--unit", "mil"}).exitCode, 2);
 }
 
+TEST(AreaCommands, RefuseToOverwriteAnyFileThatTheyRead) {
+  const TempFolderC folder;
+  fs::copy(AreaPath("doorway"), folder / "a.json");
+  const Bytes area = ReadBytes(folder / "a.json");
+  const std::string text = "hz,v\n0,90\n";
+  const Bytes table(text.begin(), text.end());
+  WriteBytes(folder / "d.csv", table);
+  fs::create_symlink("d.csv", fs::path(folder / "link.csv"));
+  const auto refused = [&](const std::string& command, const std::vector<std::string>& more) {
+    const Outcome outcome = Area(command, folder / "a.json", more);
+    EXPECT_EQ(outcome.exitCode, 2) << command;
+    EXPECT_TRUE(outcome.err.ends_with(" is the input itself\n")) << outcome.err;
+  };
+  refused("plot", {"--csv", folder / "d.csv", "-o", folder / "d.csv"});
+  refused("plot", {"--csv", folder / "d.csv", "-o", folder / "link.csv"});
+  refused("plot", {"--csv", folder / "link.csv", "-o", folder / "d.csv"});
+  refused("plot", {"--csv", folder / "d.csv", "-o", folder / "a.json"});
+  refused("plot", {"-o", folder / "a.json"});
+  refused("grid", {"-o", folder / "a.json"});
+  refused("convert", {"--unit", "gon", "-o", folder / "a.json"});
+  EXPECT_EQ(ReadBytes(folder / "d.csv"), table);
+  EXPECT_EQ(ReadBytes(folder / "a.json"), area);
+}
+
 // Tests each statement of the help with an area from Hz 100 to 160 deg, V 60 to 110.
 TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
   std::string help = RunProgram({"area", "contains", "--help"}).out;

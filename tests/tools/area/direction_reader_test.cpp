@@ -151,6 +151,25 @@ TEST_F(DirectionReaderTest, KeepsTheCellsOfAllColumns) {
   EXPECT_EQ(cells_, (std::vector<Names>{{"P;1", "1", "2", "say \"x\""}, {"#2", "3", "4", "a b"}}));
 }
 
+// Tabs separate cells at the ends of a line, too.
+TEST_F(DirectionReaderTest, KeepsEmptyCellsBetweenTabs) {
+  EXPECT_EQ(Read("hz\tv\tid\r\n1\t2\ta\r\n 3 \t4\t\r\n"), (Pairs{{1, 2}, {3, 4}}));
+  EXPECT_EQ(cells_, (std::vector<Names>{{"1", "2", "a"}, {"3", "4", ""}}));
+  EXPECT_EQ(Read("id\thz\tv\nP1\t1\t2\n\t3\t4"), (Pairs{{1, 2}, {3, 4}}));
+  EXPECT_EQ(cells_, (std::vector<Names>{{"P1", "1", "2"}, {"", "3", "4"}}));
+  EXPECT_EQ(Read("\xEF\xBB\xBF\thz\tv\t\nx\t1\t2\ty\n"), (Pairs{{1, 2}}));
+  EXPECT_EQ(heading_, (Names{"", "hz", "v", ""}));
+  EXPECT_EQ(Read("\t1\t2\n", {.columns = {{"2", "3"}}}), (Pairs{{1, 2}}));
+  EXPECT_EQ(fault_, "");
+  // A line of empty cells is no empty line, as with commas; a blank line is one.
+  EXPECT_EQ(Read("hz\tv\tid\n1\t2\ta\n  \r\n\t\t\n"), (Pairs{{1, 2}}));
+  EXPECT_EQ(fault_, "line 4 is not a direction: ");
+  EXPECT_EQ(Read("hz,v\n\t\n1,2\n\t# comment\n"), (Pairs{{1, 2}}));
+  EXPECT_EQ(fault_, "");
+  EXPECT_EQ(Read("1\t2\n\t# comment\n3\t4\n"), (Pairs{{1, 2}, {3, 4}}));
+  EXPECT_EQ(fault_, "");
+}
+
 // A line that begins with '#' is a comment only if it cannot be the name of a point.
 TEST_F(DirectionReaderTest, PassesNoNameOverAsAComment) {
   EXPECT_EQ(Read("# comment\nid,hz,v\n#1,1,2\n"), (Pairs{{1, 2}}));
@@ -173,6 +192,9 @@ TEST_F(DirectionReaderTest, TakesTheColumnsOfTheFormat) {
       {"1,5;1;2\n", {.columns = {{"2", "3"}}, .separator = ';'}},
       {"P 1;1;2\n", {.columns = {{"2", "3"}}, .separator = ';'}},
       {"P,1 1\t2\n", {.columns = {{"2", "3"}}, .separator = ' '}},
+      // Names that are numbers, but not those of other columns.
+      {"hz,v,7\n1,2,8\n", {.columns = {{"1", "2"}}}},
+      {"\"x\",\"y\",\"z 3\"\n9,2,1\n", {.columns = {{"3", "2"}}}},
   };
   for (const auto& [text, format] : cases) {
     EXPECT_EQ(Read(text, format), (Pairs{{1, 2}})) << text;
@@ -209,6 +231,15 @@ TEST_F(DirectionReaderTest, RefusesWhatIsNotClearWithItsLine) {
       {"hz,v\n1,2\n", "line 1 has no column 3", {.columns = {{"1", "3"}}}},
       {"hz,v\n1,2\n", "line 1 has no column 0", {.columns = {{"0", "1"}}}},
       {"hz,v\n1,2\n", "line 1 has Hz and V in one column", {.columns = {{"hz", "1"}}}},
+      {"hz,v,1\n11,95,399\n",
+       "line 1 has 1 as the name of column 3, so that --columns 1 is unclear",
+       {.columns = {{"1", "2"}}}},
+      {"hz,v,1\n11,95,399\n",
+       "line 1 has 1 as the name of column 3, so that --columns 1 is unclear",
+       {.columns = {{"1", "v"}}}},
+      {"hz,v,2 [gon]\n11,95,399\n",
+       "line 1 has 2 as the name of column 3, so that --columns 2 is unclear",
+       {.columns = {{"hz", "2"}}}},
       // A heading, or a direction with a mistake?
       {"1,x\n", "line 1 " + neither + "1,x"},
       {"nan,1\n", "line 1 " + neither + "nan,1"},

@@ -120,12 +120,17 @@ TEST(View, SaysThatThePageIsNotInstalled) {
       << outcome.err;
 }
 
-TEST(View, DoesNotOverwriteItsFile) {
+TEST(View, DoesNotOverwriteItsFileOrItsPage) {
   const TempFolderC folder;
   WriteBytes(folder / "a.rec", BytesOf("f"));
   const Outcome outcome = View(folder / "a.rec", MakePage(folder), folder / "a.rec");
   EXPECT_EQ(outcome.exitCode, 2);
   EXPECT_EQ(ReadText(folder / "a.rec"), "f");
+
+  const std::string page = MakePage(folder);
+  const std::string before = ReadText(page);
+  EXPECT_EQ(View(folder / "a.rec", page, page).exitCode, 2);
+  EXPECT_EQ(ReadText(page), before);
 }
 
 }  // namespace
