@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstddef>
 
 #include <surveydata/sphere_geometry/hz_intervals.h>
 
@@ -10,7 +11,7 @@ void HzIntervalsC::AddHz(double low, double high) {
   Add(std::max(low, 0.0), high);
 }
 
-void HzIntervalsC::Build(std::uint32_t mostBuckets) {
+void HzIntervalsC::Join() {
   std::sort(intervals_.begin(), intervals_.end(),
             [](const Interval& a, const Interval& b) { return a.low < b.low; });
   std::size_t kept = 0;
@@ -22,7 +23,34 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
     }
   }
   intervals_.resize(kept);
+}
 
+void HzIntervalsC::CloseNarrowGaps() {
+  Join();
+  const std::size_t wanted = most_ / 2;
+  if (intervals_.size() <= wanted) return;
+  std::vector<double> gaps;
+  gaps.reserve(intervals_.size() - 1);
+  for (std::size_t i = 1; i < intervals_.size(); ++i) {
+    gaps.push_back(intervals_[i].low - intervals_[i - 1].high);
+  }
+  // The widest of the gaps that are closed: one interval more than gaps is left.
+  const auto widest = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() - wanted);
+  std::nth_element(gaps.begin(), widest, gaps.end());
+  std::size_t kept = 1;
+  for (std::size_t i = 1; i < intervals_.size(); ++i) {
+    if (intervals_[i].low - intervals_[kept - 1].high <= *widest) {
+      intervals_[kept - 1].high = intervals_[i].high;
+    } else {
+      intervals_[kept++] = intervals_[i];
+    }
+  }
+  intervals_.resize(kept);
+}
+
+void HzIntervalsC::Build(std::uint32_t mostBuckets) {
+  Join();
+  const std::size_t kept = intervals_.size();
   constexpr std::size_t kBucketsPerInterval = 4;
   const std::uint64_t buckets =
       std::clamp<std::uint64_t>(kept * kBucketsPerInterval, 1, mostBuckets);

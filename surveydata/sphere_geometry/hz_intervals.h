@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include <surveydata/sphere_geometry/angles.h>
@@ -30,7 +31,13 @@ class HzIntervalsC {
   explicit HzIntervalsC(double width) : width_(width) {}
 
   void Reserve(std::size_t count) { intervals_.reserve(count); }
-  void Add(double low, double high) { intervals_.push_back({low, high}); }
+  /// Sets how many intervals are stored at most, at least two. Beyond that, the narrowest gaps
+  /// between intervals are closed: the set becomes larger, but not the memory.
+  void SetMost(std::size_t count) { most_ = count; }
+  void Add(double low, double high) {
+    if (intervals_.size() >= most_) CloseNarrowGaps();
+    intervals_.push_back({low, high});
+  }
   /// Adds an interval of Hz that may extend beyond [0, 2 pi]. If the width is a full turn, the part
   /// beyond one end is added at the other.
   void AddHz(double low, double high);
@@ -61,6 +68,11 @@ class HzIntervalsC {
   };
   static_assert(sizeof(Hull) == kBytesPerBucket);
 
+  // Sorts the intervals and joins those that overlap.
+  void Join();
+  // Leaves at most half as many intervals as may be stored.
+  void CloseNarrowGaps();
+
   static constexpr int kFraction = 40;
   // The units of an Hz plus `added`, at most those of the width.
   std::uint32_t ToUnits(double hz, double added) const;
@@ -72,6 +84,7 @@ class HzIntervalsC {
   double width_ = 0.0;
   std::uint32_t lastUnit_ = 0;
   std::uint64_t bucketsPerUnit_ = 0;  // times 2^kFraction
+  std::size_t most_ = std::numeric_limits<std::size_t>::max();
   std::vector<Interval> intervals_;
   std::vector<Hull> hulls_;
 };

@@ -17,6 +17,10 @@ constexpr double kMinWidth = 1e-3;
 // A frame that lacks less than this of a full turn counts as a full turn.
 constexpr double kNarrowGap = 1e-3;
 constexpr std::uint32_t kMostBuckets = 1U << 16;
+// A ring that crosses itself everywhere has an interval for each of n^2 crossings. So many are
+// stored at most, 16 bytes each; a ring whose edges do not cross has a few for each edge.
+constexpr std::size_t kFewestIntervals = std::size_t{1} << 20;
+constexpr std::size_t kMostPerEdge = 32;
 static_assert(TWO_PI / CellGridC::kFewestColumns <= kWidestColumn);
 static_assert(kMinWidth / (4.0 * kColumnOverlap) > CellGridC::kFewestColumns);
 static_assert(CellGridC::kRounding >
@@ -43,6 +47,7 @@ class SlabIndexC::BuilderC {
     index_.curves_ = ring_.curves;
     ChooseColumns(manySideBySide);
     parts_.reserve(6 * ring_.curves.size());
+    index_.intervals_.SetMost(std::max(kFewestIntervals, kMostPerEdge * ring_.curves.size()));
     index_.intervals_.Reserve(2 * ring_.curves.size());
     for (std::size_t edge = 0; edge < ring_.curves.size(); ++edge) {
       if (ring_.curves[edge].kind == ArcCurve::kPole) {

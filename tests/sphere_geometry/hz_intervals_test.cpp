@@ -53,6 +53,47 @@ TEST(HzIntervals, ContainsWhatOneOfItsIntervalsContains) {
   EXPECT_LT(needlesslyNear, 2000) << "of some 24000 that lie anywhere";
 }
 
+// More intervals than may be stored: the set grows where gaps are narrow, and never shrinks.
+TEST(HzIntervals, ClosesTheNarrowestGapsRatherThanStoreMore) {
+  constexpr std::size_t kMost = 100;
+  std::mt19937_64 random(2);
+  std::uniform_real_distribution<double> uniform(0.0, 1.0);
+  HzIntervalsC set(TWO_PI);
+  set.SetMost(kMost);
+  std::vector<HzIntervalsC::Interval> all;
+  for (int i = 0; i < 5000; ++i) {
+    // In [1, 2] and [4, 5], with wide gaps.
+    const double low = (i % 2 == 0 ? 1.0 : 4.0) + uniform(random);
+    all.push_back({low, low + 1e-9});
+    set.Add(low, low + 1e-9);
+    ASSERT_LE(set.GetIntervals().size(), kMost);
+  }
+  set.Build(4096);
+  EXPECT_GE(set.GetIntervals().size(), kMost / 2);
+  for (const HzIntervalsC::Interval& interval : all) {
+    ASSERT_TRUE(set.Contains(interval.low));
+    ASSERT_TRUE(set.Contains(interval.high));
+  }
+  for (const double hz : {0.5, 0.99, 2.01, 3.0, 3.99, 5.01, 6.0}) EXPECT_FALSE(set.Contains(hz));
+  for (std::size_t i = 1; i < set.GetIntervals().size(); ++i) {
+    EXPECT_LT(set.GetIntervals()[i - 1].high, set.GetIntervals()[i].low);
+  }
+}
+
+TEST(HzIntervals, StoresAllOfThemUpToTheLimit) {
+  HzIntervalsC set(1.0);
+  set.SetMost(4);
+  for (const double low : {0.1, 0.2, 0.4, 0.7}) set.Add(low, low + 0.01);
+  EXPECT_EQ(set.GetIntervals().size(), 4u);
+  // Two of the three gaps are closed, the narrowest first.
+  set.Add(0.9, 0.91);
+  set.Build(16);
+  ASSERT_EQ(set.GetIntervals().size(), 3u);
+  EXPECT_EQ(set.GetIntervals()[0].low, 0.1);
+  EXPECT_EQ(set.GetIntervals()[0].high, 0.4 + 0.01);
+  EXPECT_EQ(set.GetIntervals()[1].low, 0.7);
+}
+
 TEST(HzIntervals, OverlappingIntervalsAreJoined) {
   HzIntervalsC set(1.0);
   set.Add(0.5, 0.6);

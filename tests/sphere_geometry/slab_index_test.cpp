@@ -3,6 +3,7 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <random>
 #include <vector>
 
 #include <benchmarks/hostile_rings.h>
@@ -245,6 +246,30 @@ TEST(SlabIndex, LeavesTheHzOfACrossingOfEdgesToTheRules) {
     const Verdict verdict = area.Ask(h, 2.2);
     if (verdict == Verdict::kUndecided) continue;
     ASSERT_EQ(verdict == Verdict::kInside, area.AskRules(h, 2.2)) << h;
+  }
+}
+
+// A ring around the zenith with many more crossings than intervals are stored for.
+TEST(SlabIndex, TakesALimitedAmountOfMemoryForARingThatCrossesItself) {
+  std::mt19937_64 random(3);
+  std::uniform_real_distribution<double> uniform(0.0, 1.0);
+  std::vector<AnglePointC> points;
+  constexpr int kCorners = 9000;
+  for (int i = 0; i < kCorners; ++i) {
+    const double hz = TWO_PI * i / kCorners + 2.0 * uniform(random);
+    points.push_back({NormalizeAngle(hz), 0.1 + 2.9 * uniform(random)});
+  }
+  ASSERT_TRUE(IsIndexed(points));
+  const Indexed area(points);
+  // The capacity is that of the largest number of intervals at any time, at most doubled.
+  EXPECT_LE(area.slabs->GetIntervals().GetIntervals().capacity(), std::size_t{2} << 20);
+  for (int i = 0; i < 100; ++i) {
+    const double h = TWO_PI * uniform(random);
+    const double v = PI * uniform(random);
+    const bool byRules = area.AskRules(h, v);
+    EXPECT_EQ(area.slabs->AskRules(area.frame, h, v), byRules);
+    const Verdict verdict = area.Ask(h, v);
+    EXPECT_TRUE(verdict == Verdict::kUndecided || (verdict == Verdict::kInside) == byRules);
   }
 }
 
