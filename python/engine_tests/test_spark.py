@@ -232,6 +232,48 @@ def test_spark_keeps_filters_of_the_query_before(pushing: SparkSession, data: Pa
     assert frame.count() == 414
 
 
+def test_spark_mixes_filters_of_one_query(pushing: SparkSession, data: Path) -> None:
+    """Why a filter that is always there would not help. If this fails, Spark is fixed."""
+    frame = load(pushing, data, columns="offset")
+    first = frame.where("file = 'valley_drive.rec'")
+    both = first.union(frame.where("file = 'desert_highway.rec'"))
+    assert both.select("file").distinct().count() == 1
+
+
+def test_options_for_times(spark: SparkSession, data: Path) -> None:
+    """They restrict the data frame, so that all its queries agree."""
+    rows = [row for row in expected_rows(data) if row["time_gps"] is not None]
+    times = sorted(row["time_gps"] for row in rows)
+    low, high = times[len(times) // 4], times[len(times) // 2]
+
+    def expected(keep: Callable[[Any], bool]) -> list[int]:
+        return [row["offset"] for row in rows if keep(row["time_gps"])]
+
+    for options, keep in (
+        ({"from": low.isoformat()}, lambda t: t >= low),
+        ({"to": str(high)}, lambda t: t < high),
+        ({"from": low.isoformat(), "to": high.isoformat()}, lambda t: low <= t < high),
+        ({"from": f"{low:%Y-%m-%d}"}, lambda t: t.date() >= low.date()),
+        ({"from": high.isoformat(), "to": high.isoformat()}, lambda _: False),
+    ):
+        frame = load(spark, data, columns="offset", blocksize=50_000, **options)
+        assert [row["offset"] for row in in_order(frame)] == expected(keep), options
+        assert frame.where("file = 'valley_drive.rec'").count() <= frame.count()
+        assert frame.count() == len(expected(keep))
+    for wrong in ("yesterday", "now", "2026-03-01T06:00:00Z", "2026-13-01", "20260301", ""):
+        with pytest.raises(Exception, match="is no GPS time"):
+            load(spark, data, **{"from": wrong}).count()
+
+
+def test_options_for_times_and_pushed_filters(pushing: SparkSession, data: Path) -> None:
+    rows = [row for row in expected_rows(data) if row["time_gps"] is not None]
+    times = sorted(row["time_gps"] for row in rows)
+    low, high = times[len(times) // 4], times[len(times) // 2]
+    frame = load(pushing, data, columns="time_gps", to=high.isoformat())
+    chosen = frame.where(f"time_gps >= timestamp_ntz'{low}'")
+    assert chosen.count() == sum(low <= time < high for time in times)
+
+
 def test_contains(spark: SparkSession) -> None:
     area = sd.RectangularArea([390, 25], [75, 110], unit="gon", hz_step=0.1, v_step=0.1)
     random = np.random.default_rng(1)

@@ -10,7 +10,9 @@ Every executor needs this package, and must reach the files under the same paths
 
 from __future__ import annotations
 
+import contextlib
 import operator
+import re
 from typing import TYPE_CHECKING, Any, ClassVar
 
 import numpy as np
@@ -67,14 +69,16 @@ def register(spark: SparkSession, *, push_filters: bool = False) -> None:
     """Registers the format "surveydata" with a session.
 
     The format has the options `columns` (names separated by commas, all by default), `blocksize`
-    (bytes of a record file in a partition, 67,108,864 by default) and `pattern` (which files of a
-    folder to read, "*.rec" by default).
+    (bytes of a record file in a partition, 67,108,864 by default), `pattern` (which files of a
+    folder to read, "*.rec" by default), and `from` and `to`: only measurements from the first GPS
+    time on and before the second one, in ISO 8601 ("2026-03-01T06:00:00"); those without a valid
+    time are left out. The source applies them before it passes rows to Spark.
 
-    With `push_filters`, Spark pushes filters on `file` and `time_gps` down to the source, which
-    skips files, and drops rows before they are passed to Spark. Spark up to 4.3 keeps these filters
-    for the next query of the same data frame, which then misses rows if it has no such filter: load
-    a data frame for each query. The session's setting `spark.sql.python.filterPushdown.enabled`
-    becomes true.
+    With `push_filters`, Spark itself pushes filters on `file` and `time_gps` down to the source.
+    Spark up to 4.3 keeps such filters with the data frame. A later query of the same frame without
+    a filter then misses rows, and so does a query that uses the frame twice, for example a union of
+    two parts of it: load a data frame for each use. The session's setting
+    `spark.sql.python.filterPushdown.enabled` becomes true.
     """
     if push_filters:
         spark.conf.set("spark.sql.python.filterPushdown.enabled", "true")
@@ -223,6 +227,14 @@ def _time_of(value: datetime.datetime | None) -> np.datetime64:
     return np.datetime64("NaT") if value is None else np.datetime64(value, "us")
 
 
+def _time_in(option: str, text: str) -> np.datetime64:
+    # NumPy also takes numbers, names such as "now", and times with an offset, which it drops.
+    if re.fullmatch(r"\d{4}-\d\d-\d\d([T ]\d\d:\d\d(:\d\d(\.\d{1,6})?)?)?", text):
+        with contextlib.suppress(ValueError):
+            return np.datetime64(text, "us")
+    raise ValueError(f"option {option}: {text} is no GPS time such as 2026-03-01T06:00:00")
+
+
 class RecordSource(datasource.DataSource):
     """The format "surveydata"."""
 
@@ -248,7 +260,11 @@ class RecordSource(datasource.DataSource):
             raise ValueError("name the archive: load(path)")
         blocksize = int(self.options.get("blocksize", BLOCKSIZE))
         pattern = self.options.get("pattern", "*.rec")
-        return self._reader(schema, self.options["path"], pattern, blocksize)
+        reader = self._reader(schema, self.options["path"], pattern, blocksize)
+        for name, compare in (("from", operator.ge), ("to", operator.lt)):
+            if name in self.options:
+                reader._time_filters.append((compare, _time_in(name, self.options[name])))
+        return reader
 
 
 class _FilteringReader(RecordReader):
