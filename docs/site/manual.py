@@ -1,9 +1,10 @@
 """The program's manual as Markdown, from its manual page, which is generated from the commands."""
 
 import re
+import textwrap
 
 # What the manual page is written in; any other request is an error.
-_SPECIAL = {"\\e": "\\", "\\-": "-", "\\(aq": "'", "\\(dq": '"', "\\&": "", "\\ ": " "}
+_SPECIAL = {"\\e": "\\", "\\-": "-", "\\(aq": "'", "\\(dq": '"', "\\&": "", "\\ ": "\xa0"}
 
 
 def _plain(text: str) -> str:
@@ -49,7 +50,12 @@ def _synopses(page: str) -> dict[str, str]:
     if not section:
         raise ValueError("the manual page has no synopsis")
     calls = [line for line in section[1].splitlines() if line != ".br"]
-    return {_plain(line.split("\\fR")[0]): _plain(line) for line in calls}
+    return {_plain(line.split("\\fR")[0]): _wrapped(_plain(line)) for line in calls}
+
+
+def _wrapped(call: str) -> str:
+    lines = textwrap.wrap(call, 84, subsequent_indent="    ", break_on_hyphens=False)
+    return "\n".join(lines).replace("\xa0", " ")
 
 
 def to_markdown(page: str) -> str:
