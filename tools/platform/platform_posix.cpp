@@ -1,3 +1,6 @@
+#include <cstdlib>
+#include <string_view>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -24,6 +27,12 @@ bool IsTerminal(StandardStream stream) {
       return isatty(STDERR_FILENO) != 0;
   }
   return false;
+}
+
+bool ShowsColours(StandardStream stream) {
+  const char* const terminal = std::getenv("TERM");
+  const std::string_view name = terminal != nullptr ? terminal : "";
+  return IsTerminal(stream) && !name.empty() && name != "dumb";
 }
 
 const char* const kEndOfInput = "Ctrl-D";

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include <fcntl.h>
 #include <io.h>
@@ -22,7 +23,10 @@ HANDLE HandleOf(StandardStream stream) {
   return INVALID_HANDLE_VALUE;
 }
 
-UINT codePageBefore;  // the console outlives the program
+// The console outlives the program.
+UINT codePageBefore;
+HANDLE colouredConsole;
+DWORD modeBefore;
 
 }  // namespace
 
@@ -42,6 +46,20 @@ void PrepareStandardStreams() {
 bool IsTerminal(StandardStream stream) {
   DWORD mode = 0;
   return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+bool ShowsColours(StandardStream stream) {
+  const char* const terminal = std::getenv("TERM");
+  if (terminal != nullptr && std::string_view(terminal) == "dumb") return false;
+  const HANDLE console = HandleOf(stream);
+  DWORD mode = 0;
+  if (GetConsoleMode(console, &mode) == 0) return false;
+  if ((mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0) return true;
+  if (SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) == 0) return false;
+  colouredConsole = console;
+  modeBefore = mode;
+  std::atexit([] { SetConsoleMode(colouredConsole, modeBefore); });
+  return true;
 }
 
 const char* const kEndOfInput = "Ctrl-Z, Enter";

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <command_line/text.h>
+#include <output/colours.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -131,8 +132,8 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
       WriteFindings(line, found_, false);
       line.EndLine();
     } else {
-      Append(direct.GetBuffer(), "{:<11} {}: {}\n", isHealthy ? "ok" : "FAULTY",
-             ToVisible(file.Title()), ToText(found_, false));
+      Append(direct.GetBuffer(), "{} {}: {}\n", Verdict(isHealthy), ToVisible(file.Title()),
+             ToText(found_, false));
     }
     direct.FlushIfFull();
     return isHealthy ? ExitCode::kDone : ExitCode::kFinding;
@@ -145,7 +146,8 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
       line.NamedField("reason", ToUtf8(reason));
       line.EndLine();
     } else {
-      Append(direct.GetBuffer(), "{:<11} {}\n", "UNREADABLE", ToVisible(file.Title()));
+      Append(direct.GetBuffer(), "{} {}\n", colours_.Paint(Colour::kBad, "UNREADABLE "),
+             ToVisible(file.Title()));
     }
     direct.FlushIfFull();
   }
@@ -161,12 +163,16 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
       WriteFindings(line, all_, true);
       line.EndLine();
     } else {
-      out.Print("{:<11} {}: {} faulty, {} unreadable; {}\n", isHealthy ? "ok" : "FAULTY",
+      out.Print("{} {}: {} faulty, {} unreadable; {}\n", Verdict(isHealthy),
                 Counted(files_, "file", "files"), faulty_, unreadable_, ToText(all_, true));
     }
   }
 
  private:
+  std::string Verdict(bool isHealthy) const {
+    return isHealthy ? colours_.Paint(Colour::kGood, "ok         ")
+                     : colours_.Paint(Colour::kBad, "FAULTY     ");
+  }
   static JsonWriterC Begin(const RecordFile& file, std::string_view verdict, PieceOutputC& direct) {
     JsonWriterC line(direct.GetBuffer());
     line.NamedField("file", ToUtf8(file.Title()));
@@ -175,6 +181,7 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
   }
 
   const Options& options_;
+  ColoursC colours_ = ColoursC::OfStandardOutput();
   RecordFindings found_;  // of the file
   RecordFindings all_;
   std::uint64_t files_ = 0;

@@ -13,6 +13,7 @@
 #include <surveydata/gnss/gps_time.h>
 
 #include <command_line/text.h>
+#include <output/colours.h>
 #include <output/gps_time.h>
 #include <output/json_writer.h>
 #include <output/output.h>
@@ -94,8 +95,8 @@ class ListI {
 class TextListC : public ListI {
  public:
   // Writes the name of each file before its heading if there may be several.
-  TextListC(PieceOutputC& out, bool areMany, bool isUTC)
-      : out_(out), areMany_(areMany), isUTC_(isUTC) {}
+  TextListC(PieceOutputC& out, bool areMany, bool isUTC, const ColoursC& colours)
+      : out_(out), areMany_(areMany), isUTC_(isUTC), colours_(colours) {}
 
   void Heading(const RecordFile& file, bool isNext) override {
     if (areMany_) Print("{}{}\n", isNext ? "\n" : "", ToVisible(file.Title()));
@@ -124,11 +125,12 @@ class TextListC : public ListI {
     Print("{:>10}  {:<11} {:>6}\n", entry.offset, fmt::format("type {}", entry.type), entry.size);
   }
   void Gap(const SDI::GPSRecordEntry& entry) override {
-    Print("{:>10}  {:<11} {:>6}  bytes that belong to no record\n", entry.offset, "GAP",
-          entry.size);
+    Print("{:>10}  {} {:>6}  bytes that belong to no record\n", entry.offset,
+          colours_.Paint(Colour::kBad, "GAP        "), entry.size);
   }
   void BadFrame(std::uint64_t offset, std::uint64_t size, std::string_view reason) override {
-    Print("{:>10}  {:<11} {:>6}  {}\n", offset, "BAD FRAME", size, reason);
+    Print("{:>10}  {} {:>6}  {}\n", offset, colours_.Paint(Colour::kBad, "BAD FRAME  "), size,
+          reason);
   }
 
  private:
@@ -141,6 +143,7 @@ class TextListC : public ListI {
   PieceOutputC& out_;
   bool areMany_;
   bool isUTC_;
+  const ColoursC& colours_;
 };
 
 class JsonListC : public ListI {
@@ -355,7 +358,9 @@ class ListPassC : public RecordPassI<ListedPiece> {
 
  private:
   std::unique_ptr<ListI> ListOf(const RecordFile& file, PieceOutputC& out) const {
-    if (!options_.isJson) return std::make_unique<TextListC>(out, areMany_, options_.isUTC);
+    if (!options_.isJson) {
+      return std::make_unique<TextListC>(out, areMany_, options_.isUTC, colours_);
+    }
     return std::make_unique<JsonListC>(out, areMany_ ? ToUtf8(file.Title()) : std::string(),
                                        options_.isUTC);
   }
@@ -385,6 +390,7 @@ class ListPassC : public RecordPassI<ListedPiece> {
   const Options& options_;
   const std::vector<RecordFile>& files_;
   bool areMany_;
+  ColoursC colours_ = ColoursC::OfStandardOutput();
   bool hasTimesAfterExpiry_ = false;
   Counts counts_;            // of the file
   std::optional<Gap> open_;  // may continue in the next piece
