@@ -25,6 +25,13 @@ Command MakeCommands() {
                   .description = "Print the version of the program and exit",
                   .text = "surveydata " SURVEYDATA_VERSION}};
   top.commands = {RecordCommands(), AreaCommands(), ViewCommand()};
+  top.tasks = {
+      {"Reading record files", {"record list", "record show", "record export", "record columns"}},
+      {"Checking and comparing record files", {"record check", "record diff"}},
+      {"Changing, cutting and joining record files", {"record set", "record cut", "record join"}},
+      {"Understanding areas", {"area info", "area outline", "area contains"}},
+      {"Scanning and converting areas", {"area grid", "area convert"}},
+      {"Drawing and viewing", {"record plot", "area plot", "view"}}};
   AddPathsAndHelp(top);
   return top;
 }

@@ -124,7 +124,8 @@ Command AreaConvertCommand() {
              options->unit = FindUnit(text);
              if (!options->unit) throw ValueErrorC("must be rad, deg or gon");
            },
-       .isRequired = true},
+       .isRequired = true,
+       .words = {"rad", "deg", "gon"}},
       OutputOption(options->output, "The file to write, - for standard output, the default",
                    "OUT.json")};
   command.run = [options] { return Run(*options); };

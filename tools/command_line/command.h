@@ -35,12 +35,20 @@ struct CommandOption {
   bool isRequired = false;
   bool isRepeatable = false;
   bool isHelp = false;
+  /// Words that can occur in the value, of letters, digits and underscores; completed in it.
+  std::vector<std::string> words = {};
 
   /// Whether the value is the name of a file: the help calls it or its argument FILE or OUT, or
   /// gives it an extension, e.g. AREA.json.
   bool IsFile() const;
   /// That of the files, e.g. ".json"; empty for any.
   std::string Extension() const;
+};
+
+/// A group of commands in the manual page.
+struct CommandTask {
+  std::string title;               ///< E.g. "Checking and comparing record files".
+  std::vector<std::string> paths;  ///< Those of the commands without the program's name.
 };
 
 /// A command with its subcommands: it has those, or can be run.
@@ -52,6 +60,7 @@ struct Command {
   std::vector<CommandOption> options;
   std::vector<CommandOption> arguments;  ///< In their order.
   std::vector<Command> commands;
+  std::vector<CommandTask> tasks = {};  ///< Of the program, in the order of the manual page.
   std::function<ExitCode()> run;
 };
 

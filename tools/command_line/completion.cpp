@@ -141,9 +141,13 @@ class ZshSpecC {
  private:
   static std::string Value(const CommandOption& option) {
     const std::string pattern = FilePattern(option);
-    const std::string action = pattern.empty()  ? " "
-                               : pattern == "*" ? "_files"
-                                                : fmt::format("_files -g \"{}\"", pattern);
+    const std::string action = !option.words.empty() ? fmt::format(
+                                                           "{{compset -P \"*[^a-zA-Z0-9_]\"; "
+                                                           "compadd -S \"\" -- {}}}",
+                                                           fmt::join(option.words, " "))
+                               : pattern.empty() ? " "
+                               : pattern == "*"  ? "_files"
+                                                 : fmt::format("_files -g \"{}\"", pattern);
     const bool isArgument = !option.names.front().starts_with('-');
     return fmt::format(
         ":{}:{}", Replaced(isArgument ? option.names.front() : option.value, ":", "\\:"), action);
@@ -168,9 +172,11 @@ std::string BashCompletion(const Command& top) {
   std::string commands;
   for (const Command* const command : AllCommands(top)) {
     for (const CommandOption& option : command->options) {
-      if (!option.IsFile()) continue;
-      Append(values, "      {})\n        files={}\n        ;;\n", Patterns(Calls(*command, option)),
-             Quoted(FilePattern(option)));
+      if (!option.IsFile() && option.words.empty()) continue;
+      Append(values, "      {})\n        {}={}\n        ;;\n", Patterns(Calls(*command, option)),
+             option.IsFile() ? "files" : "parts",
+             option.IsFile() ? Quoted(FilePattern(option))
+                             : Quoted(fmt::format("{}", fmt::join(option.words, " "))));
     }
     std::vector<std::string> files;
     for (const CommandOption& argument : command->arguments) {
@@ -186,7 +192,7 @@ std::string BashCompletion(const Command& top) {
   return fmt::format(R"(# Completes the commands of {0} in bash. Made from the program.
 _{0}() {{
   local command={0} cur=${{COMP_WORDS[COMP_CWORD]}} word='' given=0 i
-  local words='' options='' files='' arguments=() files_go_on=0
+  local words='' options='' files='' parts='' last='' arguments=() files_go_on=0
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; ++i)); do
     word=${{COMP_WORDS[i]}}
@@ -220,6 +226,12 @@ _{0}() {{
       if [[ $cur == -* || -z $words ]]; then words=$options; fi
       mapfile -t COMPREPLY < <(compgen -W "$words" -- "$cur")
     fi
+  fi
+  if [[ -n $parts ]]; then  # the last word of the value, which may be within quotes
+    cur=${{cur#[\"\']}}
+    last=${{cur##*[!a-zA-Z0-9_]}}
+    compopt -o nospace 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -P "${{cur%"$last"}}" -W "$parts" -- "$last")
   fi
   if [[ -n $files ]]; then
     compopt -o filenames 2>/dev/null
@@ -319,10 +331,21 @@ function __{0}_argument
     set -l state (__{0}_state)
     test "$state" = "$argv"
 end
+# The value before the cursor with each of the words as its last one.
+function __{0}_parts
+    set -l value (commandline -ct | string replace -r '^--[a-z-]+=' '' | string replace -r '^["\']' '')
+    set -l begin (string replace -r '[a-zA-Z0-9_]*$' '' -- "$value")
+    for word in $argv
+        echo "$begin$word"
+    end
+end
 complete -c {0} -f
 )",
                   top.name, Patterns(Paths(top), " "), Patterns(CallsWithValue(top), " "));
-  const auto values = [](const CommandOption& option) {
+  const auto values = [&top](const CommandOption& option) -> std::string {
+    if (!option.words.empty()) {
+      return fmt::format(" -x -a '(__{}_parts {})'", top.name, fmt::join(option.words, " "));
+    }
     return option.value.empty() ? "" : option.IsFile() ? " -r -F" : " -x";
   };
   for (const Command* const command : AllCommands(top)) {

@@ -158,6 +158,32 @@ void WriteFooterSections(PageC& page, std::string_view footer) {
   }
 }
 
+void WriteCommand(PageC& page, const Command& command) {
+  page.Macro("SS", Escaped(command.path, true));
+  page.Text(command.description);
+  page.Options(command, false);
+  page.Macro("PP");
+  page.Text(command.footer);
+}
+
+// The commands that no task has, which are those with subcommands, and then each task.
+void WriteCommands(PageC& page, const Command& top) {
+  const std::vector<const Command*> all = AllCommands(top);
+  const auto find = [&](const std::string& path) {
+    return std::ranges::find(all, top.name + " " + path, &Command::path);
+  };
+  std::vector<const Command*> others(all.begin() + 1, all.end());
+  for (const CommandTask& task : top.tasks) {
+    for (const std::string& path : task.paths) std::erase(others, *find(path));
+  }
+  page.Macro("SH", "COMMANDS");
+  for (const Command* const command : others) WriteCommand(page, *command);
+  for (const CommandTask& task : top.tasks) {
+    page.Macro("SH", ToUpper(task.title));
+    for (const std::string& path : task.paths) WriteCommand(page, **find(path));
+  }
+}
+
 }  // namespace
 
 std::string ManPage(const Command& top, const std::string& date, const std::string& version) {
@@ -187,15 +213,7 @@ std::string ManPage(const Command& top, const std::string& date, const std::stri
   page.Text(top.description);
   page.Macro("SH", "OPTIONS");
   page.Options(top, true);
-  page.Macro("SH", "COMMANDS");
-  for (const Command* const command : AllCommands(top)) {
-    if (command == &top) continue;
-    page.Macro("SS", Escaped(command->path, true));
-    page.Text(command->description);
-    page.Options(*command, false);
-    page.Macro("PP");
-    page.Text(command->footer);
-  }
+  WriteCommands(page, top);
   WriteFooterSections(page, top.footer);
   return page.Get();
 }

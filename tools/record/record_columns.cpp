@@ -82,6 +82,12 @@ RecordColumns AllRecordColumns() {
   return columns;
 }
 
+std::vector<std::string> RecordColumnNames() {
+  std::vector<std::string> names;
+  for (const SDI::GPSColumn& column : SDI::GetGPSColumns()) names.emplace_back(column.name);
+  return names;
+}
+
 const SDI::GPSColumn& FindRecordColumn(std::string_view name) {
   const SDI::GPSColumn* const column = SDI::FindGPSColumn(name);
   if (column == nullptr) {
@@ -102,7 +108,8 @@ CommandOption RecordColumnsOption(RecordColumns& columns) {
           .description =
               "The columns of the CSV table, with commas in between; surveydata record "
               "columns lists them",
-          .take = [&columns](const std::string& text) { columns = ParseColumns(text); }};
+          .take = [&columns](const std::string& text) { columns = ParseColumns(text); },
+          .words = RecordColumnNames()};
 }
 
 Command RecordColumnsCommand() {

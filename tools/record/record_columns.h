@@ -17,6 +17,9 @@ using RecordColumns = std::vector<const SDI::GPSColumn*>;
 
 RecordColumns AllRecordColumns();
 
+/// Their names.
+std::vector<std::string> RecordColumnNames();
+
 /// The column with this name. If there is none, throws `ValueErrorC` with a hint at similar names.
 const SDI::GPSColumn& FindRecordColumn(std::string_view name);
 

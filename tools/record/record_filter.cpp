@@ -39,6 +39,13 @@ std::uint64_t ParseCount(const std::string& text) {
   return *count;
 }
 
+// What a condition consists of besides values.
+std::vector<std::string> WordsOfConditions() {
+  std::vector<std::string> words = RecordColumnNames();
+  words.insert(words.end(), {"in_view", "used", "and", "or", "not", "present"});
+  return words;
+}
+
 }  // namespace
 
 std::string RecordFilter::NoneIn(std::string_view file) const {
@@ -61,7 +68,8 @@ std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter) {
        .take =
            [&filter](const std::string& text) {
              filter.where = std::make_shared<const RecordConditionC>(text);
-           }},
+           },
+       .words = WordsOfConditions()},
       {.names = {"--every"},
        .value = "N",
        .description = "Only the first and every Nth of these measurements of a file",
@@ -69,6 +77,11 @@ std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter) {
 }
 
 void AddFilterOptions(Command& command, RecordFilter& filter) {
+  const std::vector<CommandOption> options = FilterOptions(filter);
+  command.options.insert(command.options.end(), options.begin(), options.end());
+}
+
+std::vector<CommandOption> FilterOptions(RecordFilter& filter) {
   std::vector<CommandOption> options = FilterOptionsWithoutName(filter);
   options.insert(options.begin() + 2,
                  {.names = {"--name"},
@@ -76,7 +89,7 @@ void AddFilterOptions(Command& command, RecordFilter& filter) {
                   .description = "Only measurements of this name: several times for several names",
                   .take = [&filter](const std::string& name) { filter.names.push_back(name); },
                   .isRepeatable = true});
-  command.options.insert(command.options.end(), options.begin(), options.end());
+  return options;
 }
 
 bool RecordSieveC::Takes(const DecodedRecord& record) {

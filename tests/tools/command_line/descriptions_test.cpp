@@ -103,6 +103,39 @@ TEST(ManPage, NamesEveryCommandAndOptionOfTheHelpWhereItBelongs) {
   EXPECT_TRUE(Contains(page, ".TH SURVEYDATA 1 2026-01-02 \"surveydata 1.2.3\""));
 }
 
+// Every command that can be run is in one task, and the others come before the tasks.
+TEST(ManPage, GroupsTheCommandsByTask) {
+  const Command top = Tool::MakeCommands();
+  const std::string page = Tool::ManPage(top, "2026-01-02", "1.2.3");
+  const std::vector<std::pair<std::string, std::vector<std::string>>> expected = {
+      {"COMMANDS", {"record", "area"}},
+      {"READING RECORD FILES", {"record list", "record show", "record export", "record columns"}},
+      {"CHECKING AND COMPARING RECORD FILES", {"record check", "record diff"}},
+      {"CHANGING, CUTTING AND JOINING RECORD FILES", {"record set", "record cut", "record join"}},
+      {"UNDERSTANDING AREAS", {"area info", "area outline", "area contains"}},
+      {"SCANNING AND CONVERTING AREAS", {"area grid", "area convert"}},
+      {"DRAWING AND VIEWING", {"record plot", "area plot", "view"}},
+      {"EXIT CODES", {}},
+      {"EXAMPLE", {}}};
+  std::vector<std::pair<std::string, std::vector<std::string>>> found;
+  const std::string begin = ".SS surveydata ";
+  for (const std::string& line : Lines(page)) {
+    if (line.starts_with(".SH ")) found.push_back({line.substr(4), {}});
+    if (line.starts_with(begin)) found.back().second.push_back(line.substr(begin.size()));
+  }
+  found.erase(found.begin(),
+              std::ranges::find(found, "COMMANDS", &decltype(found)::value_type::first));
+  EXPECT_EQ(found, expected);
+  for (const Command* const command : Tool::AllCommands(top)) {
+    if (command == &top) continue;
+    int count = 0;
+    for (const Tool::CommandTask& task : top.tasks) {
+      for (const std::string& path : task.paths) count += "surveydata " + path == command->path;
+    }
+    EXPECT_EQ(count, command->commands.empty() ? 1 : 0) << command->path;
+  }
+}
+
 TEST(ManPage, IsReadWithoutAWarning) {
   const TempFolderC folder;
   Write(folder / "surveydata.1", Tool::ManPage(Tool::MakeCommands(), "2026-01-02", "1.2.3"));
@@ -186,6 +219,7 @@ struct Question {
   std::vector<std::string> words;  // after the program's name; the last one is completed
   std::set<std::string> answer;
   bool isFile = false;
+  std::string begin = {};  // that of the value, which stays before each of the answers
 };
 
 const std::vector<Question>& Questions() {
@@ -200,6 +234,10 @@ const std::vector<Question>& Questions() {
        {"--help", "--json", "--utc", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
         "--every"}},
       {{"record", "show", "c.rec", "--by"}, {"--bytes"}},
+      {{"record", "show", "c.rec", "--wh"}, {"--where"}},
+      {{"record", "diff", "--"},
+       {"--help", "--json", "--recursive", "--jobs", "--from", "--to", "--name", "--where",
+        "--every"}},
       {{"record", "list", "area", "--js"}, {"--json"}},  // a file with the name of a command
       {{"record", "set", "--name", "list", "--num"}, {"--number"}},
       {{"area", "contains", "a.json", "--"},
@@ -215,11 +253,36 @@ const std::vector<Question>& Questions() {
       {{"record", "plot", "c.rec", "--output", ""}, {"b.svg", "folder"}, true},
       {{"record", "plot", "c.rec", "-o", ""}, {"b.svg", "folder"}, true},
       {{"record", "export", "-o", "c"}, {"c.rec"}, true},
+      {{"record", "export", "c.rec", "--columns", "pd"}, {"pdop"}},
+      {{"record", "export", "c.rec", "--columns", "offset,time_"},
+       {"time_of_week", "time_gps", "time_utc", "time_b_of_week"},
+       false,
+       "offset,"},
+      {{"record", "list", "c.rec", "--where", "pd"}, {"pdop"}},
+      {{"record", "list", "c.rec", "--where", "'pdop < 4 and n"},
+       {"name", "number", "not"},
+       false,
+       "pdop < 4 and "},
+      {{"record", "check", "--where", "'not present(zz"}, {}, false, "not present("},
+      {{"record", "diff", "--where", "'not present(gp"}, {"gps_week"}, false, "not present("},
+      {{"area", "convert", "a.json", "--unit", ""}, {"rad", "deg", "gon"}},
   };
   return questions;
 }
 
-std::string InQuotes(const std::string& word) { return "'" + word + "'"; }
+// As a word of bash or fish.
+std::string InQuotes(const std::string& word) {
+  std::string quoted = "'";
+  for (const char c : word) quoted += c == '\'' ? R"('\'')" : std::string(1, c);
+  return quoted + "'";
+}
+
+// The answers as whole values.
+std::set<std::string> Values(const Question& question) {
+  std::set<std::string> values;
+  for (const std::string& answer : question.answer) values.insert(question.begin + answer);
+  return values;
+}
 
 std::string LineOf(const Question& question) {
   std::string line = "surveydata";
@@ -268,7 +331,7 @@ TEST_F(BashCompletion, OffersCommandsOptionsAndFiles) {
   };
   for (const Question& question : Questions()) {
     SCOPED_TRACE(LineOf(question));
-    EXPECT_EQ(ask(question.words), question.answer);
+    EXPECT_EQ(ask(question.words), Values(question));
   }
   // For bash, = is a separate word.
   EXPECT_EQ(ask({"record", "plot", "c.rec", "--output", "="}),
@@ -310,8 +373,8 @@ TEST_F(FishCompletion, OffersCommandsOptionsAndFiles) {
   for (const Question& question : Questions()) {
     SCOPED_TRACE(LineOf(question));
     const Outcome outcome =
-        Shell("HOME=.. fish --no-config -c 'source ../surveydata.fish; complete -C \"" +
-              LineOf(question) + "\"'");
+        Shell("HOME=.. fish --no-config -c 'source ../surveydata.fish; complete -C $argv[1]' " +
+              InQuotes(LineOf(question)));
     EXPECT_EQ(outcome.exitCode, 0);
     const auto offered = Offered(outcome.out);
     if (question.isFile) {
@@ -319,7 +382,7 @@ TEST_F(FishCompletion, OffersCommandsOptionsAndFiles) {
                                 question.answer.end()))
           << outcome.out;
     } else {
-      EXPECT_EQ(offered, question.answer);
+      EXPECT_EQ(offered, Values(question));
     }
   }
 }
