@@ -167,7 +167,9 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
        "--columns needs --csv beside it"},
       {{"record", "show", "a.rec", "--offset"}, "--offset needs a value, N"},
       {{"area", "contains", area, "--csv"}, "--csv needs a value, FILE"},
-      {{"record", "show", "a.rec"}, "--offset is required"},
+      {{"record", "show", "a.rec"}, "give --offset, or a filter such as --where"},
+      {{"record", "show", "a.rec", "--offset", "5", "--every", "2"},
+       "--offset and --every exclude each other: give one of them"},
       {{"area", "contains"}, "AREA is required"},
   };
   for (const auto& [arguments, message] : cases) {

@@ -1,6 +1,7 @@
 #include <charconv>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include <command_line/common_options.h>
 #include <record/record_commands.h>
@@ -35,6 +36,17 @@ CommandOption OffsetOption(FrameOffset& offset) {
       .description = "Where the frame begins: bytes from the start of the file, decimal or 0x...",
       .take = [&offset](const std::string& text) { offset = ParseOffset(text); },
       .isRequired = true};
+}
+
+void AddOffsetOrFilters(Command& command, FrameOffset& offset, std::vector<CommandOption> filters) {
+  CommandOption option = OffsetOption(offset);
+  option.isRequired = false;
+  for (CommandOption& filter : filters) {
+    filter.excludes = {"--offset"};
+    option.excludes.push_back(filter.names.front());
+  }
+  command.options.insert(command.options.begin(), std::move(option));
+  command.options.insert(command.options.end(), filters.begin(), filters.end());
 }
 
 Command RecordCommands() {

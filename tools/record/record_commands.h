@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <command_line/command.h>
 
@@ -38,6 +39,9 @@ CommandOption FileArgument(std::string& file, bool mayBeInput = true);
 
 /// The required option --offset: decimal, or hexadecimal after 0x.
 CommandOption OffsetOption(FrameOffset& offset);
+
+/// Gives a command --offset and `filters`, which exclude each other.
+void AddOffsetOrFilters(Command& command, FrameOffset& offset, std::vector<CommandOption> filters);
 
 }  // namespace Tool
 

@@ -1,394 +1,268 @@
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
-#include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include <surveydata/gnss/gps_time.h>
-
 #include <command_line/common_options.h>
 #include <command_line/progress.h>
 #include <command_line/text.h>
-#include <output/gps_time.h>
 #include <output/json_writer.h>
 #include <output/output.h>
+#include <platform/file_error.h>
 #include <platform/input_file.h>
-#include <record/changed_fields.h>
-#include <record/common_records.h>
-#include <record/decoded_record.h>
+#include <platform/platform.h>
+#include <record/compare_records.h>
+#include <record/difference_writer.h>
+#include <record/ordered_jobs.h>
+#include <record/piece_output.h>
 #include <record/record_commands.h>
 #include <record/record_files.h>
+#include <record/record_filter.h>
 #include <record/record_walk.h>
 
 namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Compare the records of two files, A and B: which were removed, added and changed, and the\n"
-    "columns of a changed measurement with both values, floating-point ones with their distance "
-    "in\n"
-    "units in the last place (ULP). Records that are the same are a longest common subsequence of\n"
-    "equal bytes; of what lies between them, measurements with the same time A are changed ones.\n"
-    "Gaps are not compared. The exit code is 0 for the same records and 1 for others. Memory "
-    "depends\n"
-    "on the longest run of differences, up to a limit: in runs of more than 8192 records the\n"
+    "Compare the records of two files, A and B, or of the files *.rec of two folders that have "
+    "the\n"
+    "same path in both: which records were removed, added and changed, and the columns of a "
+    "changed\n"
+    "measurement with both values, floating-point ones with their distance in units in the last\n"
+    "place (ULP). Records that are the same are a longest common subsequence of equal bytes; of\n"
+    "what lies between them, measurements with the same time A are changed ones. Gaps are not\n"
+    "compared. With filters only the measurements that they take are compared. The exit code is 0\n"
+    "for the same records, 1 for others or for files that only one folder has. Memory depends on\n"
+    "the longest run of differences, up to a limit: in runs of more than 8192 records or 8 MiB "
+    "the\n"
     "subsequence is one of parts.";
-
-// Where so many records in a row are the same, the files go on together.
-constexpr std::size_t kEnoughCommon = 32;
-constexpr std::size_t kFirstWindow = 2 * kEnoughCommon;
-constexpr std::size_t kLargestWindow = 8192;
 
 struct Options {
   std::string a;
   std::string b;
+  RecordFileOptions folders;  // without names
   bool isJson = false;
+  RecordFilter filter;
 };
 
-struct DiffRecord {
-  std::uint64_t offset = 0;
-  std::uint8_t type = 0;
-  bool isMeasurement = false;
-  std::vector<std::uint8_t> bytes;
+// The files to compare; of one that only one folder has, the other is null.
+struct FilePair {
+  std::string title = {};  // empty if there is one pair
+  const RecordFile* a = nullptr;
+  const RecordFile* b = nullptr;
 
-  std::string_view View() const {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-  }
+  bool AreBoth() const { return a != nullptr && b != nullptr; }
 };
 
-// Week and time of week of time A; nothing for records that have none.
-using TimeKey = std::pair<std::int64_t, std::int64_t>;
+struct ComparedPair {
+  PieceOutputC output;
+  DifferenceCounts counts = {};
+  std::string fault = {};  // why a file cannot be read
+};
 
-std::optional<TimeKey> TimeOf(const DiffRecord& record) {
-  if (!record.isMeasurement) return {};
-  const DecodedRecord decoded = Decode(record.offset, record.bytes);
-  if (!decoded.IsDone()) return {};
-  const Vorlin::TimeC& time = decoded.measurement.GetTimeA();
-  return TimeKey(time.week, time.timeOfWeek);
+RecordFileOptions FilesOf(const std::string& name, const Options& options) {
+  RecordFileOptions files = options.folders;
+  files.names = {name};
+  return files;
 }
 
-// The records of a file, those that are needed read ahead.
-class SourceC {
+// The path below a folder, with slashes.
+std::string PathBelow(const std::string& folder, const std::string& file) {
+  const std::u8string path = ToPath(file).lexically_relative(ToPath(folder)).generic_u8string();
+  return {path.begin(), path.end()};
+}
+
+class DiffC {
  public:
-  SourceC(const RecordFile& file, std::function<void(std::uint64_t)> report)
-      : walk_(file.Open(), file, {}, std::move(report)) {}
-
-  // Goes on to the next record, beyond gaps; false at the end. Only while nothing is held.
-  bool Next() {
-    while (walk_.Next(entry_)) {
-      if (!entry_.isGap) return true;
+  explicit DiffC(const Options& options)
+      : options_(options),
+        format_{options.isJson, options.isJson ? ColoursC() : ColoursC::OfStandardOutput()} {
+    const RecordFileOptions optionsA = FilesOf(options.a, options);
+    const RecordFileOptions optionsB = FilesOf(options.b, options);
+    areMany_ = optionsA.AreMany();
+    if (areMany_ != optionsB.AreMany()) {
+      throw ToolErrorC(
+          ExitCode::kFileError,
+          fmt::format("cannot read {}: it is a folder, and {} is none",
+                      areMany_ ? options.a : options.b, areMany_ ? options.b : options.a));
     }
-    isEnded_ = true;
-    return false;
-  }
-  std::span<const std::uint8_t> GetBytes() const { return walk_.GetBytes(); }
-  // Holds the record that `Next` gave last.
-  void Hold() {
-    const std::span<const std::uint8_t> bytes = walk_.GetBytes();
-    held_.push_back({.offset = entry_.offset,
-                     .type = entry_.type,
-                     .isMeasurement = entry_.IsMeasurement(),
-                     .bytes = {bytes.begin(), bytes.end()}});
-  }
-  // Holds `count` records, fewer at the end.
-  void HoldUpTo(std::size_t count) {
-    while (held_.size() < count && !isEnded_) {
-      if (Next()) Hold();
-    }
+    filesA_ = FindRecordFiles(optionsA);
+    filesB_ = FindRecordFiles(optionsB);
+    MakePairs();
   }
 
-  // Whether all records up to the end are held.
-  bool IsEnded() const { return isEnded_; }
-  const std::deque<DiffRecord>& GetHeld() const { return held_; }
-  void Drop(std::size_t count) {
-    held_.erase(held_.begin(), held_.begin() + static_cast<std::ptrdiff_t>(count));
-  }
-  std::vector<std::string_view> Views() const {
-    std::vector<std::string_view> views;
-    views.reserve(held_.size());
-    for (const DiffRecord& record : held_) views.push_back(record.View());
-    return views;
+  ExitCode Run() {
+    std::uint64_t total = 0;
+    for (const FilePair& pair : pairs_) {
+      if (pair.AreBoth()) total += pair.a->size + pair.b->size;
+    }
+    ProgressC progress(total, true);
+    OutputC out;
+    PieceOutputC direct(&out, progress);
+    const unsigned jobs = options_.folders.jobs > 0
+                              ? options_.folders.jobs
+                              : std::max(1U, std::thread::hardware_concurrency());
+    const auto threads = static_cast<unsigned>(std::min<std::size_t>(jobs, pairs_.size()));
+    if (threads == 1) {
+      std::uint64_t done = 0;
+      for (const FilePair& pair : pairs_) {
+        ComparedPair compared{.output = PieceOutputC(&out, progress)};
+        Compare(pair, compared, [&](std::uint64_t bytes) { progress.Update(done += bytes); });
+        Take(pair, compared, direct);
+      }
+    } else {
+      BufferPoolC pool;
+      std::atomic<std::uint64_t> done = 0;
+      OrderedJobsC<ComparedPair> work(pairs_.size(), threads, [&](std::size_t i) {
+        ComparedPair compared{.output = PieceOutputC(pool)};
+        Compare(pairs_[i], compared, [&done](std::uint64_t bytes) { done += bytes; });
+        return compared;
+      });
+      for (const FilePair& pair : pairs_) {
+        ComparedPair compared = work.Take([&] { progress.Update(done); });
+        Take(pair, compared, direct);
+      }
+    }
+    if (areMany_) WriteWhole(direct);
+    out.Close();
+    return worst_;
   }
 
  private:
-  RecordWalkC walk_;
-  SDI::GPSRecordEntry entry_;
-  bool isEnded_ = false;
-  std::deque<DiffRecord> held_;
-};
-
-// Writes what differs.
-class DiffWriterC {
- public:
-  DiffWriterC(OutputC& out, bool isJson) : out_(out), isJson_(isJson) {}
-
-  void Same() { ++same_; }
-  void Removed(const DiffRecord& record) {
-    ++removed_;
-    WriteOne("removed", &record, nullptr);
-  }
-  void Added(const DiffRecord& record) {
-    ++added_;
-    WriteOne("added", nullptr, &record);
-  }
-  void Changed(const DiffRecord& a, const DiffRecord& b) {
-    ++changed_;
-    WriteOne("changed", &a, &b);
+  void MakePairs() {
+    if (!areMany_) {
+      pairs_ = {{.a = &filesA_.front(), .b = &filesB_.front()}};
+      return;
+    }
+    std::map<std::string, FilePair> pairs;
+    for (const RecordFile& file : filesA_) pairs[PathBelow(options_.a, file.name)].a = &file;
+    for (const RecordFile& file : filesB_) pairs[PathBelow(options_.b, file.name)].b = &file;
+    for (auto& [path, pair] : pairs) {
+      pair.title = path;
+      pairs_.push_back(std::move(pair));
+    }
   }
 
-  // Whether all records are the same.
-  bool Close() {
-    if (isJson_) {
-      JsonWriterC line(out_.GetBuffer());
-      line.Field("same", same_);
-      line.Field("changed", changed_);
-      line.Field("removed", removed_);
-      line.Field("added", added_);
+  // Called from several threads at once.
+  void Compare(const FilePair& pair, ComparedPair& compared,
+               const std::function<void(std::uint64_t)>& report) const {
+    PieceOutputC& out = compared.output;
+    const bool isFirst = &pair == pairs_.data();
+    if (areMany_ && !options_.isJson) {
+      Append(out.GetBuffer(), "{}{}\n", isFirst ? "" : "\n", ToVisible(pair.title));
+    }
+    if (!pair.AreBoth()) return WriteSingle(pair, out);
+    for (const RecordFile* const file : {pair.a, pair.b}) {
+      if (!file->fault.empty()) compared.fault = file->fault;
+    }
+    if (!compared.fault.empty()) return;
+    const std::string file = ToUtf8(pair.title);
+    DifferenceWriterC writer(out, format_, file);
+    try {
+      RecordWalkC a(pair.a->Open(), *pair.a, {}, report);
+      RecordWalkC b(pair.b->Open(), *pair.b, {}, report);
+      CompareRecords(a, b, options_.filter, writer);
+    } catch (const FileErrorC& error) {
+      compared.fault = error.what();
+      return;
+    }
+    compared.counts = writer.GetCounts();
+    if (options_.isJson) {
+      JsonWriterC line(out.GetBuffer());
+      if (areMany_) line.NamedField("file", file);
+      compared.counts.Write(line);
       line.EndLine();
     } else {
-      out_.Print("{} the same, {} changed, {} removed, {} added\n", same_, changed_, removed_,
-                 added_);
+      Append(out.GetBuffer(), "{}\n", compared.counts.ToText());
     }
-    out_.Close();
-    return changed_ + removed_ + added_ == 0;
+    out.FlushIfFull();
   }
 
- private:
-  static std::optional<std::uint64_t> OffsetOf(const DiffRecord* record) {
-    return record != nullptr ? std::optional(record->offset) : std::nullopt;
-  }
-  static std::string TimeText(const DiffRecord& record) {
-    const auto time = TimeOf(record);
-    const bool isInRange = time && time->second >= 0 && time->second < SDI::kMillisecondsPerWeek;
-    if (!isInRange) return {};
-    return GpsDateTime(time->first * SDI::kMillisecondsPerWeek + time->second);
-  }
-
-  void WriteOne(std::string_view change, const DiffRecord* a, const DiffRecord* b) {
-    const DiffRecord& shown = a != nullptr ? *a : *b;
-    const std::string time = TimeText(shown);
-    if (isJson_) {
-      JsonWriterC line(out_.GetBuffer());
+  void WriteSingle(const FilePair& pair, PieceOutputC& out) const {
+    const std::string_view change = pair.a != nullptr ? "removed" : "added";
+    if (options_.isJson) {
+      JsonWriterC line(out.GetBuffer());
+      line.NamedField("file", ToUtf8(pair.title));
       line.NamedField("change", change);
-      line.Field("offsetA", OffsetOf(a));
-      line.Field("offsetB", OffsetOf(b));
-      line.Field("type", shown.type);
-      line.Field("time", time.empty() ? std::nullopt : std::optional<std::string_view>(time));
-      if (a != nullptr && b != nullptr) {
-        WriteChangedFields(line, Decode(a->offset, a->bytes), Decode(b->offset, b->bytes));
-      }
       line.EndLine();
     } else {
-      const auto offset = [](const DiffRecord* record) {
-        return record != nullptr ? fmt::format("{}", record->offset) : std::string("-");
-      };
-      const std::string kind = shown.isMeasurement ? (time.empty() ? "measurement" : time)
-                                                   : fmt::format("record of kind {}", shown.type);
-      out_.Print("{:<7}  {:>10}  {:>10}  {}\n", change, offset(a), offset(b), kind);
-      if (a != nullptr && b != nullptr) {
-        PrintChangedFields(out_.GetBuffer(), Decode(a->offset, a->bytes),
-                           Decode(b->offset, b->bytes));
-      }
+      Append(out.GetBuffer(), "{}  the file; only {} has it\n",
+             format_.colours.Paint(pair.a != nullptr ? Colour::kBad : Colour::kGood,
+                                   fmt::format("{:<7}", change)),
+             pair.a != nullptr ? "A" : "B");
     }
-    out_.FlushIfFull();
+    out.FlushIfFull();
   }
 
-  OutputC& out_;
-  bool isJson_;
+  void Take(const FilePair& pair, ComparedPair& compared, PieceOutputC& direct) {
+    compared.output.PutTo(direct);
+    ExitCode result = ExitCode::kDone;
+    if (!compared.fault.empty()) {
+      direct.Tell(compared.fault);
+      ++unreadable_;
+      result = ExitCode::kFileError;
+    } else if (!pair.AreBoth()) {
+      ++(pair.a != nullptr ? onlyA_ : onlyB_);
+      result = ExitCode::kFinding;
+    } else {
+      all_.Add(compared.counts);
+      const bool isSame = compared.counts.AreSame();
+      ++(isSame ? same_ : different_);
+      if (!isSame) result = ExitCode::kFinding;
+    }
+    worst_ = std::max(worst_, result);
+  }
+
+  void WriteWhole(PieceOutputC& direct) const {
+    if (options_.isJson) {
+      JsonWriterC line(direct.GetBuffer());
+      line.Field("files", pairs_.size());
+      line.Field("sameFiles", same_);
+      line.Field("differentFiles", different_);
+      line.Field("removedFiles", onlyA_);
+      line.Field("addedFiles", onlyB_);
+      line.Field("unreadableFiles", unreadable_);
+      all_.Write(line);
+      line.EndLine();
+    } else {
+      Append(direct.GetBuffer(),
+             "\n{} file{}: {} the same, {} different, {} removed, {} added, {} unreadable; "
+             "records: {}\n",
+             pairs_.size(), pairs_.size() == 1 ? "" : "s", same_, different_, onlyA_, onlyB_,
+             unreadable_, all_.ToText());
+    }
+  }
+
+  const Options& options_;
+  DifferenceFormat format_;
+  bool areMany_ = false;
+  std::vector<RecordFile> filesA_;
+  std::vector<RecordFile> filesB_;
+  std::vector<FilePair> pairs_;
+  DifferenceCounts all_;
   std::uint64_t same_ = 0;
-  std::uint64_t changed_ = 0;
-  std::uint64_t removed_ = 0;
-  std::uint64_t added_ = 0;
+  std::uint64_t different_ = 0;
+  std::uint64_t onlyA_ = 0;
+  std::uint64_t onlyB_ = 0;
+  std::uint64_t unreadable_ = 0;
+  ExitCode worst_ = ExitCode::kDone;
 };
-
-class DifferC {
- public:
-  DifferC(SourceC& a, SourceC& b, DiffWriterC& writer) : a_(a), b_(b), writer_(writer) {}
-
-  void Run() {
-    while (SkipSame()) {
-      if (a_.GetHeld().empty() || b_.GetHeld().empty()) {
-        WriteRest();
-      } else {
-        WriteDifference();
-      }
-    }
-  }
-
- private:
-  // Goes to the next records that differ and holds them; false when there are none.
-  bool SkipSame() {
-    for (;;) {
-      while (a_.GetHeld().empty() && b_.GetHeld().empty()) {
-        const bool isA = !a_.IsEnded() && a_.Next();
-        const bool isB = !b_.IsEnded() && b_.Next();
-        if (!isA && !isB) return false;
-        if (isA && isB && std::ranges::equal(a_.GetBytes(), b_.GetBytes())) {
-          writer_.Same();
-          continue;
-        }
-        if (isA) a_.Hold();
-        if (isB) b_.Hold();
-      }
-      a_.HoldUpTo(1);
-      b_.HoldUpTo(1);
-      if (a_.GetHeld().empty() || b_.GetHeld().empty()) return true;
-      if (a_.GetHeld().front().bytes != b_.GetHeld().front().bytes) return true;
-      writer_.Same();
-      a_.Drop(1);
-      b_.Drop(1);
-    }
-  }
-
-  // One file is at its end: whatever the other one has differs.
-  void WriteRest() {
-    for (;; a_.Drop(1)) {
-      a_.HoldUpTo(1);
-      if (a_.GetHeld().empty()) break;
-      writer_.Removed(a_.GetHeld().front());
-    }
-    for (;; b_.Drop(1)) {
-      b_.HoldUpTo(1);
-      if (b_.GetHeld().empty()) break;
-      writer_.Added(b_.GetHeld().front());
-    }
-  }
-
-  // Writes what differs up to the place from where on the files go on together.
-  void WriteDifference() {
-    for (std::size_t window = kFirstWindow;; window *= 2) {
-      a_.HoldUpTo(window);
-      b_.HoldUpTo(window);
-      const std::vector<CommonPlace> common = FindCommon(a_.Views(), b_.Views());
-      const bool areWhole = a_.IsEnded() && b_.IsEnded();
-      if (areWhole) return Write(common, {a_.GetHeld().size(), b_.GetHeld().size()});
-      if (const auto end = FindEnd(common)) return Write(common, *end);
-      if (window >= kLargestWindow) return Write(common, CutByTime());
-    }
-  }
-
-  // Where enough records in a row begin to be common.
-  static std::optional<CommonPlace> FindEnd(const std::vector<CommonPlace>& common) {
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < common.size(); ++i) {
-      const CommonPlace next{common[begin].a + (i - begin), common[begin].b + (i - begin)};
-      if (common[i] != next) begin = i;
-      if (i - begin + 1 == kEnoughCommon) return common[begin];
-    }
-    return {};
-  }
-
-  // As far as both windows have the same times; all of them where there are no times.
-  CommonPlace CutByTime() const {
-    const std::vector<std::optional<TimeKey>> timesA = Times(a_.GetHeld());
-    const std::vector<std::optional<TimeKey>> timesB = Times(b_.GetHeld());
-    const std::optional<TimeKey> last =
-        std::min(*std::ranges::max_element(timesA), *std::ranges::max_element(timesB));
-    if (!last) return {timesA.size(), timesB.size()};
-    const auto end = [&last](const std::vector<std::optional<TimeKey>>& times) {
-      std::size_t size = times.size();
-      while (size > 0 && (!times[size - 1] || times[size - 1] > last)) --size;
-      return size;
-    };
-    return {end(timesA), end(timesB)};
-  }
-
-  static std::vector<std::optional<TimeKey>> Times(const std::deque<DiffRecord>& records) {
-    std::vector<std::optional<TimeKey>> times;
-    times.reserve(records.size());
-    for (const DiffRecord& record : records) times.push_back(TimeOf(record));
-    return times;
-  }
-
-  // Writes what is held up to `end`, and drops it.
-  void Write(const std::vector<CommonPlace>& common, const CommonPlace& end) {
-    CommonPlace done{0, 0};
-    for (const CommonPlace& place : common) {
-      if (place.a >= end.a || place.b >= end.b) break;
-      WriteReplaced(done, place);
-      writer_.Same();
-      done = {place.a + 1, place.b + 1};
-    }
-    WriteReplaced(done, end);
-    a_.Drop(end.a);
-    b_.Drop(end.b);
-  }
-
-  // Nothing is the same in these runs: measurements of the same time are pairs.
-  void WriteReplaced(const CommonPlace& begin, const CommonPlace& end) {
-    std::map<TimeKey, std::deque<std::size_t>> places;  // in B
-    if (begin.a < end.a) {
-      for (std::size_t i = begin.b; i < end.b; ++i) {
-        if (const auto time = TimeOf(b_.GetHeld()[i])) places[*time].push_back(i);
-      }
-    }
-    std::vector<std::optional<std::size_t>> partners(end.a - begin.a);
-    std::vector<bool> isPaired(end.b - begin.b);
-    for (std::size_t i = begin.a; i < end.a && !places.empty(); ++i) {
-      const auto time = TimeOf(a_.GetHeld()[i]);
-      const auto found = time ? places.find(*time) : places.end();
-      if (found == places.end() || found->second.empty()) continue;
-      partners[i - begin.a] = found->second.front();
-      isPaired[found->second.front() - begin.b] = true;
-      found->second.pop_front();
-    }
-    std::size_t nextB = begin.b;
-    const auto addUpTo = [&](std::size_t last) {
-      for (; nextB < last; ++nextB) {
-        if (!isPaired[nextB - begin.b]) writer_.Added(b_.GetHeld()[nextB]);
-      }
-    };
-    for (std::size_t i = begin.a; i < end.a; ++i) {
-      const auto partner = partners[i - begin.a];
-      if (!partner) {
-        writer_.Removed(a_.GetHeld()[i]);
-        continue;
-      }
-      addUpTo(*partner);
-      writer_.Changed(a_.GetHeld()[i], b_.GetHeld()[*partner]);
-    }
-    addUpTo(end.b);
-  }
-
-  SourceC& a_;
-  SourceC& b_;
-  DiffWriterC& writer_;
-};
-
-RecordFile OnlyFile(const std::string& name) {
-  RecordFileOptions options;
-  options.names = {name};
-  if (options.AreMany()) {
-    throw ToolErrorC(ExitCode::kFileError, fmt::format("cannot read {}: it is a folder", name));
-  }
-  return FindRecordFiles(options).front();
-}
 
 ExitCode Run(const Options& options) {
   if (IsStandardInput(options.a) && IsStandardInput(options.b)) {
     throw ToolErrorC(ExitCode::kUsage, "standard input cannot give both A and B");
   }
-  const RecordFile fileA = OnlyFile(options.a);
-  const RecordFile fileB = OnlyFile(options.b);
-  ProgressC progress(fileA.size + fileB.size, true);
-  std::uint64_t done = 0;
-  const auto report = [&](std::uint64_t bytes) { progress.Update(done += bytes); };
-  SourceC a(fileA, report);
-  SourceC b(fileB, report);
-  OutputC out;
-  DiffWriterC writer(out, options.isJson);
-  DifferC(a, b, writer).Run();
-  return writer.Close() ? ExitCode::kDone : ExitCode::kFinding;
+  return DiffC(options).Run();
 }
 
 CommandOption RecordArgument(const std::string& name, const std::string& description,
@@ -407,14 +281,20 @@ Command RecordDiffCommand() {
   Command command;
   command.name = "diff";
   command.description = kDescription;
-  command.footer = "Example:\n  surveydata record diff valley_drive.rec desert_highway.rec --json";
-  command.arguments = {
-      RecordArgument("A", "A record file, - for standard input", options->a),
-      RecordArgument("B", "The record file to compare with it, - for standard input", options->b)};
+  command.footer =
+      "Examples:\n"
+      "  surveydata record diff valley_drive.rec desert_highway.rec --json\n"
+      "  surveydata record diff archive backup --recursive --where \"pdop < 4\"";
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object for each difference, and one with "
                                      "the numbers of records",
                       .flag = &options->isJson}};
+  AddFileOptions(command, options->folders);
+  command.arguments = {
+      RecordArgument("A", "A record file or a folder, - for standard input", options->a),
+      RecordArgument("B", "The record file or the folder to compare with it, - for standard input",
+                     options->b)};
+  AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };
   return command;
 }

@@ -162,6 +162,14 @@ void OpenRecordFilesC::Close(std::size_t file) {
   input.opened.reset();
 }
 
+RecordFile FindRecordFile(const std::string& name) {
+  const RecordFileOptions options{.names = {name}};
+  if (options.AreMany()) {
+    throw ToolErrorC(ExitCode::kFileError, fmt::format("cannot read {}: it is a folder", name));
+  }
+  return FindRecordFiles(options).front();
+}
+
 std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files,
                                        std::uint64_t stretch) {
   std::vector<RecordPiece> pieces;

@@ -57,6 +57,10 @@ struct RecordFile {
 std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
                                         const std::string& output = {});
 
+/// The only file of a command that takes no folder.
+/// \throw ToolErrorC  if it is a folder or cannot be read
+RecordFile FindRecordFile(const std::string& name);
+
 /// A file, or a stretch of it.
 struct RecordPiece {
   std::size_t file = 0;  ///< The index of its file.

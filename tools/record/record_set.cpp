@@ -273,10 +273,7 @@ Command RecordSetCommand() {
       "  surveydata record set valley_drive.rec --offset 960 --name 'Süd-Ø2' --number 7 --dry-run\n"
       "  surveydata record set valley_drive.rec --where 'number > 0' --name A --dry-run";
   command.arguments = {FileArgument(options->file, false)};
-  CommandOption offset = OffsetOption(options->offset);
-  offset.isRequired = false;
   command.options = {
-      offset,
       {.names = {"--name"},
        .value = "TEXT",
        .description = "The point name: up to 17 characters, UTF-8",
@@ -302,11 +299,7 @@ Command RecordSetCommand() {
   std::vector<CommandOption> filters = FilterOptionsWithoutName(options->filter);
   filters.push_back(
       {.names = {"--all"}, .description = "All measurements of the file", .flag = &options->isAll});
-  for (CommandOption& filter : filters) {
-    filter.excludes = {"--offset"};
-    command.options.front().excludes.push_back(filter.names.front());
-    command.options.push_back(std::move(filter));
-  }
+  AddOffsetOrFilters(command, options->offset, std::move(filters));
   command.run = [options] { return Run(*options); };
   return command;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -209,8 +210,10 @@ TEST_F(RecordDiff, PairsTimesInLongRunsOfDifferences) {
 TEST_F(RecordDiff, EndsWithThreeOrTwoWhereItCannotCompare) {
   WriteBytes(folder_ / "a.rec", At(1));
   const std::string work = folder_.Path().string();
-  for (const std::vector<std::string>& files :
-       {std::vector<std::string>{"a.rec", "none.rec"}, {"none.rec", "a.rec"}, {"a.rec", "."}}) {
+  for (const std::vector<std::string>& files : {std::vector<std::string>{"a.rec", "none.rec"},
+                                                {"none.rec", "a.rec"},
+                                                {"a.rec", "."},
+                                                {".", "a.rec"}}) {
     const Outcome outcome = RunProgram({"record", "diff", files[0], files[1]}, {.folder = work});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
@@ -222,6 +225,127 @@ TEST_F(RecordDiff, EndsWithThreeOrTwoWhereItCannotCompare) {
       RunProgram({"record", "diff", "a.rec", "-"}, {.folder = work, .input = folder_ / "a.rec"})
           .out,
       "1 the same, 0 changed, 0 removed, 0 added\n");
+}
+
+TEST_F(RecordDiff, ComparesOnlyTheMeasurementsThatFiltersTake) {
+  const Bytes a = At(1000, 1) + Other(1) + At(2000, 1) + At(3000, 1) + At(4000, 1);
+  const Bytes b = At(1000, 1) + Other(2) + At(2000, 2) + At(3000, 1) + At(5000, 1);
+  EXPECT_EQ(Counts(a, b), (Numbers{2, 1, 2, 2}));
+  const auto last = [&](const std::vector<std::string>& filters) {
+    return ::Lines(Diff(a, b, filters).out).back();
+  };
+  EXPECT_EQ(last({"--where", "time_of_week >= 0"}), "2 the same, 1 changed, 1 removed, 1 added");
+  EXPECT_EQ(last({"--from", "2020-02-02T00:00:02", "--to", "2020-02-02T00:00:04"}),
+            "1 the same, 1 changed, 0 removed, 0 added");
+  EXPECT_EQ(last({"--where", "time_b_of_week = 1", "--to", "2020-02-02T00:00:04"}),
+            "2 the same, 0 changed, 1 removed, 0 added");
+  EXPECT_EQ(last({"--every", "3"}), "1 the same, 0 changed, 1 removed, 1 added");
+  EXPECT_EQ(last({"--name", "nobody"}), "0 the same, 0 changed, 0 removed, 0 added");
+  EXPECT_EQ(Diff(a, b, {"--every", "3"}).exitCode, 1);
+  EXPECT_EQ(Diff(a, b, {"--where", "time_of_week < 2000"}).exitCode, 0);
+}
+
+class FolderDiff : public testing::Test {
+ protected:
+  FolderDiff() {
+    for (const char* const folder : {"a/sub", "b/sub"}) {
+      std::filesystem::create_directories(folder_.Path() / folder);
+    }
+    Put("a/same.rec", At(1) + At(2));
+    Put("b/same.rec", At(1) + At(2));
+    Put("a/changed.rec", At(1) + At(2) + At(3));
+    Put("b/changed.rec", At(1) + At(2, 5));
+    Put("a/old.rec", At(1));
+    Put("b/new.rec", At(1));
+    Put("a/sub/x.rec", At(7));
+    Put("b/sub/x.rec", At(7) + At(8));
+    Put("b/sub/text.txt", {1, 2, 3});
+  }
+  void Put(const std::string& name, const Bytes& bytes) { WriteBytes(folder_ / name, bytes); }
+  Outcome Diff(std::vector<std::string> options) {
+    options.insert(options.begin(), {"record", "diff", "a", "b"});
+    return RunProgram(options, {.folder = folder_.Path().string()});
+  }
+
+  TempFolderC folder_;
+};
+
+TEST_F(FolderDiff, ComparesTheFilesOfTheSamePath) {
+  const Outcome outcome = Diff({});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.out,
+            "changed.rec\n"
+            "changed          19          19  2020-02-02T00:00:00.002\n"
+            "    time_b_of_week: 0 -> 5\n"
+            "removed          38           -  2020-02-02T00:00:00.003\n"
+            "1 the same, 1 changed, 1 removed, 0 added\n"
+            "\nnew.rec\nadded    the file; only B has it\n"
+            "\nold.rec\nremoved  the file; only A has it\n"
+            "\nsame.rec\n2 the same, 0 changed, 0 removed, 0 added\n"
+            "\n4 files: 1 the same, 1 different, 1 removed, 1 added, 0 unreadable; "
+            "records: 3 the same, 1 changed, 1 removed, 0 added\n");
+  std::vector<json> lines = JsonLines(Diff({"--recursive", "--json"}).out);
+  ASSERT_EQ(lines.size(), 9U);
+  EXPECT_EQ(lines[0]["file"], "changed.rec");
+  EXPECT_EQ(lines[0]["change"], "changed");
+  EXPECT_EQ(lines[3], (json{{"file", "new.rec"}, {"change", "added"}}));
+  EXPECT_EQ(lines[4], (json{{"file", "old.rec"}, {"change", "removed"}}));
+  EXPECT_EQ(lines[6]["file"], "sub/x.rec");
+  EXPECT_EQ(lines[6]["offsetB"], 19);
+  EXPECT_EQ(lines.back(), (json{{"files", 5},
+                                {"sameFiles", 1},
+                                {"differentFiles", 2},
+                                {"removedFiles", 1},
+                                {"addedFiles", 1},
+                                {"unreadableFiles", 0},
+                                {"same", 4},
+                                {"changed", 1},
+                                {"removed", 1},
+                                {"added", 1}}));
+}
+
+TEST_F(FolderDiff, WritesTheSameWithAnyNumberOfThreads) {
+  std::uint32_t number = 0;
+  for (int i = 0; i < 40; ++i) {
+    Bytes a;
+    Bytes b;
+    for (std::uint32_t k = 0; k < 300U; ++k) {
+      a = std::move(a) + At(1000 * k);
+      b = std::move(b) + At(1000 * k, ++number % 50 == 0 ? 1 : 0);
+    }
+    const std::string name = "/sub/" + std::to_string(i) + ".rec";
+    Put("a" + name, a);
+    Put("b" + name, b);
+  }
+  for (const std::vector<std::string>& format :
+       {std::vector<std::string>{"-r"}, {"-r", "--json"}, {"-r", "--every", "3"}}) {
+    const auto diff = [&](const std::string& jobs) {
+      std::vector<std::string> options = format;
+      options.insert(options.end(), {"--jobs", jobs});
+      return Diff(options);
+    };
+    const Outcome expected = diff("1");
+    EXPECT_GT(expected.out.size(), 5'000U);
+    for (const char* const jobs : {"2", "7"}) {
+      const Outcome outcome = diff(jobs);
+      EXPECT_TRUE(outcome.out == expected.out);
+      EXPECT_EQ(outcome.exitCode, 1);
+      EXPECT_EQ(outcome.err, "");
+    }
+  }
+}
+
+TEST_F(FolderDiff, EndsWithZeroForTheSameFiles) {
+  for (const char* const name : {"changed.rec", "old.rec", "new.rec"}) {
+    std::filesystem::remove(folder_.Path() / "a" / name);
+    std::filesystem::remove(folder_.Path() / "b" / name);
+  }
+  const Outcome same = Diff({});
+  EXPECT_EQ(same.exitCode, 0);
+  EXPECT_EQ(::Lines(same.out).back(),
+            "1 file: 1 the same, 0 different, 0 removed, 0 added, 0 unreadable; "
+            "records: 2 the same, 0 changed, 0 removed, 0 added");
 }
 
 }  // namespace

@@ -170,4 +170,45 @@ TEST(RecordShow, ShowsBytesBehindTheLastBlockAsUnused) {
   EXPECT_EQ(Lines(outcome.out)[8], "        17  01 02 03                 unused          ignored");
 }
 
+// As with their offsets, one after another.
+TEST(RecordShow, ShowsTheMeasurementsThatFiltersTake) {
+  const std::vector<std::string> filters[] = {
+      {"--where", "pdop > 1.5", "--every", "5"},
+      {"--from", "2020-02-07T02:20:00", "--to", "2020-02-07T02:20:10"}};
+  for (const auto& filter : filters) {
+    const auto show = [&](const std::string& command, const std::vector<std::string>& more) {
+      std::vector<std::string> arguments = {"record", command, Valley()};
+      arguments.insert(arguments.end(), filter.begin(), filter.end());
+      arguments.insert(arguments.end(), more.begin(), more.end());
+      const Outcome outcome = RunProgram(arguments);
+      EXPECT_EQ(outcome.exitCode, 0);
+      EXPECT_EQ(outcome.err, "");
+      return outcome.out;
+    };
+    const std::string lines = show("export", {});
+    EXPECT_GE(JsonLines(lines).size(), 2U);
+    EXPECT_EQ(show("show", {"--json"}), lines);
+    for (const std::vector<std::string>& form :
+         {std::vector<std::string>{}, {"--bytes"}, {"--json", "--bytes"}}) {
+      std::string expected;
+      for (const json& record : JsonLines(lines)) {
+        if (!expected.empty() && (form.empty() || form.front() != "--json")) expected += "\n";
+        expected += Show(Valley(), record["offset"].dump(), form).out;
+      }
+      EXPECT_EQ(show("show", form), expected);
+    }
+  }
+  const auto run = [](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {"record", "show"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunProgram(arguments);
+  };
+  const Outcome none = run({Valley(), "--name", "nobody"});
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.out, "");
+  EXPECT_NE(none.err.find("holds no measurement that the filters take"), std::string::npos);
+  EXPECT_EQ(run({DataPath("areas"), "--every", "2"}).exitCode, 3);
+  EXPECT_EQ(run({DataPath("none.rec"), "--every", "2"}).exitCode, 3);
+}
+
 }  // namespace

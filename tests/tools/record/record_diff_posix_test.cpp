@@ -1,0 +1,84 @@
+// The memory that record diff takes.
+
+#include <cstdint>
+#include <fstream>
+#include <string>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+// The largest memory of a comparison in KiB; its output goes to `out`.
+long MemoryOfDiff(const std::string& a, const std::string& b, const std::string& out) {
+  const std::string program = ProgramPath();
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(open(out.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
+    execl(program.c_str(), program.c_str(), "record", "diff", a.c_str(), b.c_str(), nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  rusage usage{};
+  EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1);
+  return usage.ru_maxrss;
+}
+
+// Files of 48 MB with few differences.
+TEST(RecordDiffMemory, DoesNotDependOnTheSizeOfTheFiles) {
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  constexpr int kCopies = 500;
+  const TempFolderC folder;
+  const std::string sample = ReadText(DataPath("valley_drive.rec"));
+  const std::string other = ReadText(DataPath("desert_highway.rec"));
+  std::ofstream a(folder / "a.rec", std::ios::binary);
+  std::ofstream b(folder / "b.rec", std::ios::binary);
+  for (int i = 0; i < kCopies; ++i) {
+    a << sample;
+    if (i == kCopies / 3) continue;  // removed
+    b << sample;
+    if (i == kCopies / 2) b << other;  // added
+  }
+  a.close();
+  b.close();
+  EXPECT_LT(MemoryOfDiff(folder / "a.rec", folder / "b.rec", folder / "out"), 32L << 10);
+  const auto records = [](const char* name) {
+    const nlohmann::json index = SampleIndex(name);
+    return index["frames"].size() + index["others"].size();
+  };
+  EXPECT_EQ(Lines(ReadText(folder / "out")).back(),
+            std::to_string((kCopies - 1) * records("valley_drive")) + " the same, 0 changed, " +
+                std::to_string(records("valley_drive")) + " removed, " +
+                std::to_string(records("desert_highway")) + " added");
+}
+
+// Nothing is the same, and the records are as long as records can be.
+TEST(RecordDiffMemory, IsLimitedWhereEverythingDiffers) {
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  const TempFolderC folder;
+  for (const std::uint8_t value : {std::uint8_t{1}, std::uint8_t{2}}) {
+    std::ofstream out(folder / (value == 1 ? "a.rec" : "b.rec"), std::ios::binary);
+    const Bytes record = MakeFrame(17, Bytes(65'000, value));
+    const std::string text(record.begin(), record.end());
+    for (int i = 0; i < 1000; ++i) out << text;
+  }
+  EXPECT_LT(MemoryOfDiff(folder / "a.rec", folder / "b.rec", folder / "out"), 64L << 10);
+  EXPECT_EQ(Lines(ReadText(folder / "out")).back(),
+            "0 the same, 0 changed, 1000 removed, 1000 added");
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+#ifndef SURVEYDATA_TOOLS_RECORD_COMPARE_RECORDS_H_
+#define SURVEYDATA_TOOLS_RECORD_COMPARE_RECORDS_H_
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <record/record_filter.h>
+#include <record/record_walk.h>
+
+namespace Tool {
+
+/// A record with a copy of its bytes.
+struct ComparedRecord {
+  std::uint64_t offset = 0;
+  std::uint8_t type = 0;
+  bool isMeasurement = false;
+  std::vector<std::uint8_t> bytes;
+
+  std::string_view View() const {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+  }
+};
+
+/// Week and time of week of time A.
+using RecordTime = std::pair<std::int64_t, std::int64_t>;
+
+/// Time A of a measurement; empty for any other record, and for one whose blocks do not fit.
+std::optional<RecordTime> TimeOf(const ComparedRecord& record);
+
+/// Receives the differences of two files, A and B, in order.
+class RecordDifferencesI {
+ public:
+  RecordDifferencesI() = default;
+  RecordDifferencesI(const RecordDifferencesI&) = delete;
+  RecordDifferencesI& operator=(const RecordDifferencesI&) = delete;
+  virtual ~RecordDifferencesI() = default;
+
+  /// A record that both files have.
+  virtual void Same() = 0;
+  virtual void Removed(const ComparedRecord& a) = 0;
+  virtual void Added(const ComparedRecord& b) = 0;
+  /// Measurements with the same time A and other bytes.
+  virtual void Changed(const ComparedRecord& a, const ComparedRecord& b) = 0;
+};
+
+/// Compares the records of two files: all records, or the measurements that `filter` selects. Gaps
+/// are ignored. Records that are the same are a longest common subsequence of equal bytes, found up
+/// to the place from which on 32 records in a row are the same; between them, measurements with the
+/// same time A are pairs. In a run of differences longer than 8192 records or 8 MiB, the
+/// subsequence is one of parts, which are cut at the same time A.
+/// \cost linear in the size of the files, plus n² / 64 for a run of differences of n records. The
+///       memory is that of the longest run, at most some 30 MB.
+void CompareRecords(RecordWalkC& a, RecordWalkC& b, const RecordFilter& filter,
+                    RecordDifferencesI& differences);
+
+}  // namespace Tool
+
+#endif  // SURVEYDATA_TOOLS_RECORD_COMPARE_RECORDS_H_
