@@ -82,7 +82,7 @@ def to_markdown(page: str) -> str:
         if request == ".SS":
             title = _plain(text)
             skipped = False
-            level = "##" if title.count(" ") == 1 else "###"
+            level = "###" if title in synopses else "##"  # of a task, or with commands
             out.append(f"\n{level} {title}\n")
             if title in synopses:
                 out.append(f"```text\n{synopses[title]}\n```\n")
