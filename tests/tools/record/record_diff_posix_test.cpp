@@ -1,8 +1,11 @@
-// The memory that record diff takes.
+// The memory that record diff takes, and files that cannot be read.
 
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -13,6 +16,8 @@
 #include "tests/tools/program.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kIsSanitized = true;
@@ -79,6 +84,39 @@ TEST(RecordDiffMemory, IsLimitedWhereEverythingDiffers) {
   EXPECT_LT(MemoryOfDiff(folder / "a.rec", folder / "b.rec", folder / "out"), 64L << 10);
   EXPECT_EQ(Lines(ReadText(folder / "out")).back(),
             "0 the same, 0 changed, 1000 removed, 1000 added");
+}
+
+// Root may read everything, so another user tries.
+TEST(FolderDiff, GoesOnAfterAFileThatCannotBeRead) {
+  if (geteuid() == 0 && std::system("command -v setpriv >/dev/null") != 0) {
+    GTEST_SKIP() << "root, and no setpriv";
+  }
+  const TempFolderC folder;
+  fs::permissions(folder.Path(), fs::perms{0755});
+  const Bytes record = MakeFrame(113, MakeBody(0, {}));
+  for (const char* const side : {"a", "b"}) {
+    fs::create_directory(folder.Path() / side);
+    for (const char* const file : {"1.rec", "2.rec"}) {
+      WriteBytes(folder / (std::string(side) + "/" + file), record);
+    }
+  }
+  fs::permissions(folder / "b/1.rec", fs::perms{0});
+  fs::copy(ProgramPath(), folder / "surveydata");
+  std::vector<std::string> arguments = {"record", "diff", "a", "b", "--jobs", "2"};
+  RunOptions run{.folder = folder.Path().string(), .program = folder / "surveydata"};
+  if (geteuid() == 0) {
+    arguments.insert(arguments.begin(),
+                     {"--reuid=65534", "--regid=65534", "--clear-groups", run.program});
+    run.program = "setpriv";
+  }
+  const Outcome outcome = RunProgram(arguments, run);
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_EQ(outcome.err, "surveydata: cannot read b/1.rec: Permission denied\n");
+  EXPECT_EQ(outcome.out,
+            "1.rec\n"
+            "\n2.rec\n1 the same, 0 changed, 0 removed, 0 added\n"
+            "\n2 files: 1 the same, 0 different, 0 removed, 0 added, 1 unreadable; "
+            "records: 1 the same, 0 changed, 0 removed, 0 added\n");
 }
 
 }  // namespace
