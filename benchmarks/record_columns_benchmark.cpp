@@ -11,6 +11,7 @@
 #include <surveydata/c_interface/surveydata.h>
 #include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/gps_record_reader.h>
+#include <surveydata/gnss/record_columns.h>
 
 #include "benchmarks/record_samples.h"
 
@@ -72,25 +73,6 @@ class BatchC {
   std::vector<std::vector<std::uint64_t>> blocks_;
 };
 
-// The bytes of `rows` values of a type that is neither text nor list.
-std::size_t BytesOf(SDI::GPSColumnType type, std::size_t rows) {
-  switch (type) {
-    using enum SDI::GPSColumnType;
-    case kBool:
-      return rows / 8;
-    case kUInt8:
-      return rows;
-    case kUInt16:
-      return rows * sizeof(std::uint16_t);
-    case kUInt32:
-    case kInt32:
-    case kFloat32:
-      return rows * sizeof(std::uint32_t);
-    default:
-      return rows * sizeof(std::uint64_t);
-  }
-}
-
 void BM_Columns(benchmark::State& state, Choice choice) {
   const SamplesC& samples = SamplesC::Get();
   BatchC batch(ColumnsOf(choice));
@@ -124,7 +106,7 @@ void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
           buffer.column->type == SDI::GPSColumnType::kUInt16List ? sizeof(std::uint16_t) : 1;
       sizes.push_back(buffer.column->largest != 0
                           ? static_cast<std::size_t>(buffer.offsets[rows]) * unit
-                          : BytesOf(buffer.column->type, kRows));
+                          : SDI::RecordColumns::BytesOfValues(buffer.column->type, kRows));
     }
   }
   std::size_t count = 0;

@@ -13,40 +13,20 @@
 #include <surveydata/c_interface/reader.h>
 #include <surveydata/c_interface/surveydata.h>
 #include <surveydata/gnss/gps_record_columns.h>
+#include <surveydata/gnss/record_columns.h>
 
 namespace SDI::CInterface {
 namespace {
 
 using Columns = std::vector<const GPSColumn*>;
+using RecordColumns::BytesOfValues;
+using RecordColumns::IsLong;
 
 constexpr std::size_t kRowsInBatch = 65536;
+/// Before so many rows are read, there is room for their longest texts and lists.
+constexpr std::size_t kRowsAtOnce = 256;
 /// The smallest frame of a measurement, in bytes.
 constexpr std::uint64_t kSmallestFrame = 19;
-
-bool IsLong(const GPSColumn& column) { return column.largest != 0; }
-
-std::size_t BytesOfValues(GPSColumnType type, std::size_t rows) {
-  switch (type) {
-    using enum GPSColumnType;
-    case kBool:
-      return (rows + 7) / 8;
-    case kUInt8:
-      return rows;
-    case kUInt16:
-      return rows * sizeof(std::uint16_t);
-    case kUInt32:
-    case kInt32:
-    case kFloat32:
-      return rows * sizeof(std::uint32_t);
-    case kUInt64:
-    case kFloat64:
-      return rows * sizeof(std::uint64_t);
-    case kText:
-    case kUInt16List:
-      break;
-  }
-  return 0;
-}
 
 // ----- Batches
 
@@ -109,16 +89,9 @@ class BatchC {
       hasBegun_ = true;
     }
     while (rows_ < capacity_) {
-      switch (reader.ReadOn(buffers_, capacity_, rows_)) {
-        case GPSColumnsOutcome::kDone:
-          break;
-        case GPSColumnsOutcome::kNoRoom:
-          GrowFull();
-          break;
-        case GPSColumnsOutcome::kEnd:
-        case GPSColumnsOutcome::kNotABuffer:
-          return;
-      }
+      const std::size_t next = std::min(kRowsAtOnce, capacity_ - rows_);
+      MakeRoom(next);
+      if (reader.ReadOn(buffers_, rows_ + next, rows_) != GPSColumnsOutcome::kDone) return;
     }
   }
 
@@ -158,8 +131,9 @@ class BatchC {
     }
   }
 
-  /// Doubles the size of the buffers that have no room for another row.
-  void GrowFull() {
+  /// Makes room for the texts and lists of `rows` more rows, however long they are. With less room
+  /// rows would be read in smaller and smaller blocks.
+  void MakeRoom(std::size_t rows) {
     std::size_t next = 0;
     for (const GPSColumnBuffer& buffer : buffers_) {
       if (!IsLong(*buffer.column)) continue;
@@ -167,7 +141,8 @@ class BatchC {
       const std::size_t unit =
           buffer.column->type == GPSColumnType::kText ? 1 : sizeof(std::uint16_t);
       const std::size_t used = static_cast<std::size_t>(buffer.offsets[rows_]) * unit;
-      if (memory.GetSize() - used < buffer.column->largest) memory.Grow(2 * memory.GetSize());
+      const std::size_t needed = used + rows * buffer.column->largest;
+      if (memory.GetSize() < needed) memory.Grow(std::max(needed, 2 * memory.GetSize()));
     }
     SetLongs();
   }

@@ -24,6 +24,7 @@
 
 namespace SDI {
 
+using RecordColumns::IsLong;
 using RecordColumns::RecordView;
 
 namespace {
@@ -821,8 +822,6 @@ void GPSColumnReaderC::State::Stage(std::size_t most, std::size_t& staged) {
 }
 
 namespace {
-
-bool IsLong(const GPSColumn& column) { return column.largest != 0; }
 
 bool IsBuffer(const GPSColumnBuffer& buffer) {
   return buffer.column != nullptr && buffer.values != nullptr &&

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_GNSS_RECORD_COLUMNS_H_
 #define SURVEYDATA_GNSS_RECORD_COLUMNS_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include <surveydata/gnss/gps_meas_data.h>
@@ -27,6 +28,33 @@ struct Renewal {
   /// clearing them would take longer than the rest.
   static void Renew(GPSMeasDataImplC& measurement);
 };
+
+/// Whether the values are texts or lists, whose sizes differ.
+constexpr bool IsLong(const GPSColumn& column) { return column.largest != 0; }
+
+/// The bytes that the values of `rows` rows take; 0 for texts and lists.
+constexpr std::size_t BytesOfValues(GPSColumnType type, std::size_t rows) {
+  switch (type) {
+    using enum GPSColumnType;
+    case kBool:
+      return (rows + 7) / 8;
+    case kUInt8:
+      return rows;
+    case kUInt16:
+      return rows * sizeof(std::uint16_t);
+    case kUInt32:
+    case kInt32:
+    case kFloat32:
+      return rows * sizeof(std::uint32_t);
+    case kUInt64:
+    case kFloat64:
+      return rows * sizeof(std::uint64_t);
+    case kText:
+    case kUInt16List:
+      break;
+  }
+  return 0;
+}
 
 void Ask(const GPSColumn& column, const RecordView& record, GPSColumnValueC& value);
 

@@ -2,6 +2,7 @@
 #define SURVEYDATA_GNSS_TIME_TEXT_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -24,6 +25,16 @@ inline bool IsInRange(const Vorlin::TimeC& time) {
 inline Milliseconds SinceEpoch(const Vorlin::TimeC& time) {
   return Milliseconds{time.week} * kMillisecondsPerWeek + time.timeOfWeek;
 }
+
+/// "00" to "99".
+inline constexpr std::array<char, 200> kTwoDigits = [] {
+  std::array<char, 200> digits{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    digits[2 * i] = static_cast<char>('0' + i / 10);
+    digits[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return digits;
+}();
 
 /// Writes dates and times of day. Caches the last minute and the last day, which consecutive times
 /// mostly share.
@@ -57,8 +68,7 @@ class DateWriterC {
     std::memcpy(to + 7, text_.data() + 7, 16);
   }
   static void PutTwo(std::uint32_t number, char* to) {
-    to[0] = static_cast<char>('0' + number / 10);
-    to[1] = static_cast<char>('0' + number % 10);
+    std::memcpy(to, kTwoDigits.data() + 2 * number, 2);
   }
   static void PutThree(std::uint32_t number, char* to) {
     to[0] = static_cast<char>('0' + number / 100);
