@@ -25,7 +25,7 @@ step "Python package and program"
 pip install --disable-pip-version-check -q --no-deps --no-build-isolation --force-reinstall \
   -C build-dir="$out/cmake" -C cmake.define.SURVEYDATA_BUILD_TOOLS=ON \
   -C cmake.define.CMAKE_CXX_FLAGS_RELEASE=-O1 \
-  -C "build.targets=surveydata_tool;surveydata_descriptions;surveydata_python;surveydata_python_stub" \
+  -C "build.targets=surveydata_python;surveydata_python_stub;surveydata_tool;surveydata_descriptions" \
   . >"$out/build.log" 2>&1 || { cat "$out/build.log"; exit 1; }
 
 step "reference of C++ and C"
