@@ -92,7 +92,7 @@ const Area& Opened() {
 void Open(std::string text, const char* name) {
   Page::SetFile(std::move(text));
   Tool::AreaFile file = Tool::LoadAreaFile(Page::kFileName);
-  if (file.name == Page::kFileName) file.name = Tool::ToPrintable(std::string_view(name));
+  if (file.name == Page::kFileName) file.name = name;
   std::vector<Tool::AreaFault> faults = Tool::FindAreaFaults(file);
   AreaHandle handle = Prepare(file);
   area = std::make_unique<Area>(Area{std::move(file), std::move(faults), std::move(handle)});
@@ -203,7 +203,12 @@ void WriteDirection(JsonWriterC& out, const AnglePointC& direction) {
 std::string FileOf(const Tool::AreaFile& file, const std::vector<SDI::ScanDefPointC>& points,
                    AngleUnit unit) {
   const SDI::ScanAreaC& from = *file.area;
-  const auto angle = [&](double radians) { return Tool::FromRadians(radians, unit); };
+  const auto angle = [&](double radians) {
+    const double inUnit = Tool::FromRadians(radians, unit);
+    // JSON has no number beyond the largest one.
+    if (!std::isfinite(inUnit)) throw std::runtime_error("an angle is too large for this unit");
+    return inUnit;
+  };
   using nlohmann::json;
   std::string text = "{\n";
   const auto member = [&](std::string_view key, const json& value, bool isWanted = true) {
@@ -269,7 +274,7 @@ SURVEYDATA_PAGE std::int32_t page_area_report() {
     const Area& opened = Opened();
     const Tool::AreaFile& file = opened.file;
     JsonWriterC out(Page::NewResult());
-    out.Field("name", std::string_view(Tool::ToPrintable(file.name)));
+    out.Field("name", std::string_view(Tool::ToVisible(file.name)));
     out.Field("kind", Tool::KindName(*file.area));
     out.Field("unit", Tool::UnitName(file.unit));
     out.Field("fullTurn", 2 * Tool::HalfTurn(file.unit));

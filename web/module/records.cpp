@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,7 @@
 #include <surveydata/c_interface/surveydata.h>
 #include <surveydata/gnss/gps_record_columns.h>
 
+#include <command_line/command.h>
 #include <command_line/text.h>
 #include <output/chart.h>
 #include <output/csv_writer.h>
@@ -24,6 +26,7 @@
 #include <record/csv_table.h>
 #include <record/decoded_record.h>
 #include <record/describe_record.h>
+#include <record/frame_values.h>
 #include <record/satellite_series.h>
 #include <record/show_writer.h>
 
@@ -227,7 +230,7 @@ void DescribeMeasurement(const DecodedRecord& record, JsonWriterC& out) {
   text("vdop", Told(hasDOPs, dops.GetVDOP()));
   text("pdop", Told(hasDOPs, dops.GetPDOP()));
   text("satellites", pair ? fmt::format("{}/{}", (*pair)[1], (*pair)[0]) : std::string("–"));
-  text("name", Tool::ToPrintable(record.Name()));
+  text("name", Tool::ToVisible(record.Name()));
 }
 
 void WriteBytes(const std::uint8_t* frame, std::uint32_t size, JsonWriterC& out) {
@@ -260,6 +263,16 @@ const std::vector<const SDI::GPSColumn*>& Columns() {
     return all;
   }();
   return columns;
+}
+
+// Runs `check`, and names the value that it refuses.
+template <class Check>
+void CheckValue(const char* name, const Check& check) {
+  try {
+    check();
+  } catch (const Tool::ValueErrorC& error) {
+    throw std::runtime_error(fmt::format("the {} {}", name, error.what()));
+  }
 }
 
 Tool::SatelliteSeriesC& SeriesOf(std::int32_t isPart) {
@@ -350,26 +363,32 @@ SURVEYDATA_PAGE std::int32_t page_record(double offset, const std::uint8_t* fram
   });
 }
 
-/// The result is the frame with the changes `which` of `surveydata_changes`, or the reason why it
-/// cannot be changed. Returns a status of the C interface.
+/// The result is the frame with the changes `which` of `surveydata_changes`. The values are those
+/// that `surveydata record set` takes. Returns -1 with the reason if it cannot be changed.
 SURVEYDATA_PAGE std::int32_t page_patch(const std::uint8_t* frame, std::uint32_t size,
                                         std::uint32_t which, const char* name, std::int32_t number,
                                         double height, std::int32_t isSlant) {
-  surveydata_changes changes{};
-  changes.struct_size = sizeof(changes);
-  changes.which = which;
-  changes.name = (which & SURVEYDATA_CHANGE_NAME) != 0 ? name : nullptr;
-  changes.number = number;
-  changes.antenna_height = static_cast<float>(height);
-  changes.is_slant = isSlant;
-  std::vector<std::uint8_t> patched(size);
-  const surveydata_status status = surveydata_patch(frame, size, &changes, patched.data());
-  if (status == SURVEYDATA_OK) {
+  return Page::Guarded([&] {
+    const bool hasName = (which & SURVEYDATA_CHANGE_NAME) != 0;
+    const bool hasHeight = (which & SURVEYDATA_CHANGE_ANTENNA_HEIGHT) != 0;
+    surveydata_changes changes{};
+    changes.struct_size = sizeof(changes);
+    changes.which = which;
+    changes.name = hasName ? name : nullptr;
+    changes.number = number;
+    if (hasName) CheckValue("name", [&] { Tool::ToFrameName(name); });
+    if (hasHeight) {
+      CheckValue("antenna height", [&] { changes.antenna_height = Tool::ToAntennaHeight(height); });
+    }
+    changes.is_slant = isSlant;
+    std::vector<std::uint8_t> patched(size);
+    const surveydata_status status = surveydata_patch(frame, size, &changes, patched.data());
+    if (status != SURVEYDATA_OK) {
+      throw std::runtime_error(fmt::format("the value {}", surveydata_status_text(status)));
+    }
     Page::SetResult({reinterpret_cast<const char*>(patched.data()), patched.size()});
-  } else {
-    Page::SetResult(surveydata_status_text(status));
-  }
-  return status;
+    return 0;
+  });
 }
 
 /// Appends the output of `surveydata record export` before the first record.

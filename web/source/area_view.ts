@@ -1,7 +1,8 @@
 // An area: both views of it, its report, the explanation of a direction, and the editing of its
 // points. The text of the file is the state: every edit makes a new text, and undo restores the old one.
 import type { Client } from "./client";
-import { button, counted, download, element, messageOf, say, svg } from "./dom";
+import { button, complain, counted, download, element, printable, replaceContent, say, svg } from "./dom";
+import { WorkerEnded } from "./protocol";
 import type { AreaPicture, AreaReport, DirectionAt, Explanation, Place, View } from "./protocol";
 
 const SIZES: Record<View, [number, number]> = { plane: [720, 360], zenith: [360, 360] };
@@ -16,21 +17,36 @@ const STEPS = 3;
 const MARGIN = 14;
 /** More corners than these are drawn as edges only. */
 const MOST_CORNERS = 2000;
+/** The rows of a table that are shown at once. */
+const MOST_ROWS = 200;
+
+/** The numbers of one direction, after the two numbers that count them. */
+const DIRECTION = 7;
+function answers(directions: Float64Array | null): Float64Array {
+  return directions ?? new Float64Array(2);
+}
 
 interface At extends DirectionAt {
   inside: boolean;
 }
 
+let keys = 0;
+
 export class AreaView {
-  private static asked: AreaView | undefined;
   readonly root: HTMLElement;
   private readonly undone: string[] = [];
   private readonly history: string[] = [];
+  private starts: number;
   private text: string;
   private savedText: string;
   private report!: AreaReport;
   private isDrawing = false;
   private chosen = -1;
+  /** The first rows that the tables of the points and of the outline show. */
+  private firstPoint = 0;
+  private firstCorner = 0;
+  /** The edits, one after the other: each begins with the area that the previous one left. */
+  private edits: Promise<void> = Promise.resolve();
   private explained: Explanation | null = null;
   private directions: Float64Array | null = null;
   private directionFile: Uint8Array | null = null;
@@ -41,7 +57,7 @@ export class AreaView {
   private readonly facts = element("section", { class: "facts", "aria-label": "Area" });
   private readonly pointTable = element("section", { class: "points", "aria-label": "Points" });
   private readonly undoButton = button("Undo", () => void this.undo());
-  private readonly redoButton = button("Redo", () => void this.redo());
+  private readonly redoButton = button("Redo", () => void this.undo(this.undone, this.history));
   private readonly drawButton = button("Draw corners", () => this.setDrawing(!this.isDrawing), { "aria-pressed": "false" });
   private readonly unit = element("select", { "aria-label": "Unit of angles" },
     ...["rad", "deg", "gon"].map((name) => element("option", { value: name }, name)));
@@ -50,26 +66,28 @@ export class AreaView {
 
   /** Throws if the text is not an area file; the message says where and why. */
   static async open(client: Client, name: string, text: string): Promise<AreaView> {
-    AreaView.asked = undefined;
-    const report = await client.ask<AreaReport>("openArea", text, name);
-    return new AreaView(client, name, text, report);
+    const key = ++keys;
+    const report = await client.ask<AreaReport>("openArea", key, text, name);
+    return new AreaView(client, key, name, text, report);
   }
 
   private constructor(
     private readonly client: Client,
+    private readonly key: number,
     private readonly name: string,
     text: string,
     report: AreaReport,
   ) {
     this.text = text;
     this.savedText = text;
+    this.starts = client.starts;
     this.report = report;
     const views = (["plane", "zenith"] as const).map((view) => this.makeView(view));
     const csv = element("input", { type: "file", accept: ".csv,.txt", "aria-label": "Directions from CSV",
       change: () => { const [file] = csv.files ?? []; if (file) void this.addDirections(file); csv.value = ""; } });
     this.unit.addEventListener("change", () => void this.convert());
     this.root = element("div", { class: "area" },
-      element("header", {}, element("h2", {}, name),
+      element("header", {}, element("h2", {}, printable(name)),
         element("div", { class: "bar" },
           this.drawButton, this.undoButton, this.redoButton,
           button("Save area file", () => this.save()),
@@ -90,15 +108,16 @@ export class AreaView {
   }
 
   load(): Promise<void> {
-    return this.refresh();
+    return this.show(this.report);
   }
 
-  async restart(): Promise<void> {
-    await this.refresh();
+  restart(): Promise<void> {
+    return this.inOrder(() => this.set(this.text));
   }
 
   close(): void {
     this.pointerOrder++;
+    void this.client.ask("closeArea", this.key);
   }
 
   /** Shows the directions of a CSV file as points. */
@@ -107,10 +126,12 @@ export class AreaView {
       this.directionFile = new Uint8Array(await file.arrayBuffer());
       await this.answerDirections();
       const [count = 0, inside = 0] = this.directions ?? [];
-      say(`${file.name}: ${counted(count, "direction")}, ${inside} inside, ${count - inside} outside.`);
+      const shown = (answers(this.directions).length - 2) / DIRECTION;
+      say(`${printable(file.name)}: ${counted(count, "direction")}, ${inside} inside, ${count - inside} outside.` +
+        (shown < count ? ` The first ${shown} are drawn.` : ""));
     } catch (error) {
       this.directionFile = null;
-      say(`${file.name}: ${messageOf(error)}`, true);
+      complain(error, printable(file.name));
     }
     this.drawMarks();
   }
@@ -121,28 +142,47 @@ export class AreaView {
       : null;
   }
 
-  /** The module holds one area at a time. Opens the area of this view in it before each query. */
-  private ask<Result>(operation: string, ...values: unknown[]): Promise<Result> {
-    if (AreaView.asked !== this) {
-      AreaView.asked = this;
-      void this.client.ask("openArea", this.text, this.name);
-    }
-    return this.client.ask<Result>(operation, ...values);
+  private async ask<Result>(operation: string, ...values: unknown[]): Promise<Result> {
+    if (!this.isOpen) await this.openIn(this.text);
+    return this.client.ask<Result>(operation, this.key, ...values);
   }
 
-  private async refresh(): Promise<void> {
-    AreaView.asked = this;
-    this.report = await this.client.ask<AreaReport>("openArea", this.text, this.name);
-    const picture = await this.ask<AreaPicture>("areaPicture");
+  /** Whether the worker has the area: one that was started again has none. */
+  private get isOpen(): boolean {
+    return this.starts === this.client.starts;
+  }
+
+  private async openIn(text: string): Promise<AreaReport> {
+    const { starts } = this.client;
+    const report = await this.client.ask<AreaReport>("openArea", this.key, text, this.name);
+    this.starts = starts;
+    return report;
+  }
+
+  /** Shows another text of the area. Throws, and changes nothing, if the module refuses it. */
+  private async set(text: string, accepted = () => undefined as unknown): Promise<void> {
+    const report = await this.openIn(text);
+    accepted();
+    this.text = text;
+    await this.show(report);
+  }
+
+  private async show(report: AreaReport): Promise<void> {
+    this.report = report;
+    this.chosen = Math.min(this.chosen, report.points.length - 1);
+    if (this.firstCorner >= report.outline.length) this.firstCorner = 0;
+    const picture = await this.ask<AreaPicture>("areaPicture").catch((error: unknown) => {
+      if (error instanceof WorkerEnded) throw error;
+      complain(error);
+    });
     await this.answerDirections().catch(() => undefined);
     if (this.explained) {
       this.explained = await this.ask<Explanation>("explain", this.explained.hz, this.explained.v);
     }
-    this.unit.value = this.report.unit;
-    this.undoButton.disabled = this.history.length === 0;
-    this.redoButton.disabled = this.undone.length === 0;
-    this.drawButton.disabled = this.report.kind === "dome";
-    for (const view of ["plane", "zenith"] as const) this.drawPaths(view, picture);
+    this.setControls();
+    for (const view of ["plane", "zenith"] as const) {
+      if (picture) this.drawPaths(view, picture);
+    }
     this.drawMarks();
     this.tell();
     this.tellPoints();
@@ -222,15 +262,16 @@ export class AreaView {
     const faulty = new Set(this.report.faults.flatMap((fault) => fault.points));
     for (const view of ["plane", "zenith"] as const) {
       const marks: SVGElement[] = [];
-      const answers = this.directions ?? new Float64Array();
-      for (let i = 2; i < answers.length; i += 7) {
-        const [x, y] = view === "plane" ? [answers[i + 2]!, answers[i + 3]!] : [answers[i + 4]!, answers[i + 5]!];
-        marks.push(svg("circle", { cx: x, cy: y, r: 2, class: answers[i + 6] ? "probe in" : "probe out" }));
+      const all = answers(this.directions);
+      for (let i = 2; i < all.length; i += DIRECTION) {
+        const [x, y] = view === "plane" ? [all[i + 2]!, all[i + 3]!] : [all[i + 4]!, all[i + 5]!];
+        marks.push(svg("circle", { cx: x, cy: y, r: 2, class: all[i + 6] ? "probe in" : "probe out" }));
       }
       const { points } = this.report;
       if (points.length <= MOST_CORNERS) {
         points.forEach((point, i) => {
           const [x, y] = point[view];
+          if (x === null || y === null) return; // beyond the largest number
           const isFaulty = faulty.has(i + 1) ? " faulty" : "";
           marks.push(svg("circle", {
             cx: x, cy: y, r: i === this.chosen ? 6 : 4,
@@ -265,7 +306,7 @@ export class AreaView {
 
   private async point(view: View, place: Place): Promise<void> {
     const order = ++this.pointerOrder;
-    if (!this.isIn(view, place)) return;
+    if (!this.isOpen || !this.isIn(view, place)) return;
     const at = await this.at(view, place).catch(() => null);
     if (!at || order !== this.pointerOrder) return;
     const { unit } = this.report;
@@ -288,6 +329,7 @@ export class AreaView {
     const picture = this.pictures[view];
     picture.setPointerCapture(start.pointerId);
     this.chosen = index;
+    this.firstPoint = index - (index % MOST_ROWS);
     this.drawMarks();
     let last: Place | undefined;
     const move = (event: PointerEvent) => {
@@ -323,55 +365,66 @@ export class AreaView {
       this.hz.value = String(this.explained.hz);
       this.v.value = String(this.explained.v);
     } catch (error) {
-      say(messageOf(error), true);
+      complain(error);
     }
     this.drawMarks();
     this.tellAnswer();
   }
 
-  private async edit(edit: number, index: number, hz: number, v: number): Promise<void> {
-    try {
+  /** Does `work` after the previous edits. If it fails, the area stays as it was. */
+  private inOrder(work: () => Promise<void>): Promise<void> {
+    this.edits = this.edits.then(work).catch((error: unknown) => {
+      complain(error);
+      this.drawMarks();
+      this.tell();
+      this.tellPoints();
+      this.setControls();
+    });
+    return this.edits;
+  }
+
+  private edit(edit: number, index: number, hz: number, v: number): Promise<void> {
+    return this.inOrder(async () => {
       if (!Number.isFinite(hz) || !Number.isFinite(v)) throw new Error("an angle is no number");
-      const text = await this.ask<string>("editArea", edit, index, hz, v);
-      await this.change(text);
-    } catch (error) {
-      say(messageOf(error), true);
-      await this.refresh().catch(() => undefined);
-    }
+      await this.change(await this.ask<string>("editArea", edit, index, hz, v));
+    });
   }
 
-  private async change(text: string): Promise<void> {
-    this.history.push(this.text);
-    this.undone.length = 0;
-    this.text = text;
-    this.chosen = Math.min(this.chosen, this.report.points.length - 1);
-    await this.refresh();
+  private change(text: string): Promise<void> {
+    return this.set(text, () => {
+      this.history.push(this.text);
+      this.undone.length = 0;
+    });
   }
 
-  private async undo(): Promise<void> {
-    const text = this.history.pop();
-    if (text === undefined) return;
-    this.undone.push(this.text);
-    this.text = text;
-    await this.refresh();
+  private undo(from = this.history, to = this.undone): Promise<void> {
+    return this.inOrder(async () => {
+      const text = from.at(-1);
+      if (text === undefined) return;
+      await this.set(text, () => {
+        from.pop();
+        to.push(this.text);
+      });
+    });
   }
 
-  private async redo(): Promise<void> {
-    const text = this.undone.pop();
-    if (text === undefined) return;
-    this.history.push(this.text);
-    this.text = text;
-    await this.refresh();
+  private convert(): Promise<void> {
+    return this.inOrder(async () => {
+      const { explained } = this;
+      this.explained = null;
+      await this.change(await this.ask<string>("convertArea", this.unit.value));
+      if (explained) {
+        const at = await this.at("plane", explained.plane);
+        await this.explain(at.hz, at.v);
+      }
+    });
   }
 
-  private async convert(): Promise<void> {
-    const { explained } = this;
-    this.explained = null;
-    await this.change(await this.ask<string>("convertArea", this.unit.value));
-    if (explained) {
-      const at = await this.at("plane", explained.plane);
-      await this.explain(at.hz, at.v);
-    }
+  private setControls(): void {
+    this.unit.value = this.report.unit;
+    this.undoButton.disabled = this.history.length === 0;
+    this.redoButton.disabled = this.undone.length === 0;
+    this.drawButton.disabled = this.report.kind === "dome";
   }
 
   private save(): void {
@@ -393,31 +446,34 @@ export class AreaView {
     for (const input of [hzStep, vStep]) {
       input.addEventListener("change", () => void this.edit(STEPS, 0, hzStep.valueAsNumber, vStep.valueAsNumber));
     }
-    this.facts.replaceChildren(
+    replaceContent(this.facts,
       element("h3", {}, "Area"),
       element("dl", {}, ...lines.flatMap(([key, value]) => [element("dt", {}, key), element("dd", {}, value)]),
         element("dt", {}, `Steps [${report.unit}]`), element("dd", {}, "Hz ", hzStep, " V ", vStep)),
       report.faults.length > 0
         ? element("ul", { class: "alert" }, ...report.faults.map((fault) => element("li", {}, fault.text)))
         : "",
-      element("details", {}, element("summary", {}, "Outline"),
+      element("details", { open: this.facts.querySelector("details")?.open ?? false }, element("summary", {}, "Outline"),
+        this.pager("corner", report.outline.length, this.firstCorner, (first) => { this.firstCorner = first; this.tell(); }),
         element("table", {},
           element("thead", {}, element("tr", {}, ...["Corner", `Hz [${report.unit}]`, `V [${report.unit}]`, "Distance [m]"].map((title) => element("th", { scope: "col" }, title)))),
-          element("tbody", {}, ...report.outline.slice(0, MOST_CORNERS).map((point, i) =>
-            element("tr", {}, ...[String(i + 1), point.hzText, point.vText, point.distance].map((cell) => element("td", {}, cell)))))))
+          element("tbody", {}, ...report.outline.slice(this.firstCorner, this.firstCorner + MOST_ROWS).map((point, i) =>
+            element("tr", {}, ...[String(this.firstCorner + i + 1), point.hzText, point.vText, point.distance].map((cell) => element("td", {}, cell)))))))
     );
   }
 
   private tellPoints(): void {
     const { points, unit, kind } = this.report;
-    if (kind === "dome" || points.length > MOST_CORNERS) {
+    if (kind === "dome") {
       this.pointTable.replaceChildren();
       return;
     }
-    const rows = points.map((point, i) => {
+    if (this.firstPoint >= points.length) this.firstPoint = 0;
+    const rows = points.slice(this.firstPoint, this.firstPoint + MOST_ROWS).map((point, row) => {
+      const i = this.firstPoint + row;
       const inputs = (["hz", "v"] as const).map((key) =>
         element("input", {
-          type: "number", step: "any", value: point[key], "aria-label": `${key === "hz" ? "Hz" : "V"} of point ${i + 1}`,
+          type: "number", step: "any", value: point[key] ?? undefined, "aria-label": `${key === "hz" ? "Hz" : "V"} of point ${i + 1}`,
         }));
       const [hz, v] = inputs as [HTMLInputElement, HTMLInputElement];
       for (const input of inputs) {
@@ -431,12 +487,24 @@ export class AreaView {
           button("Delete", () => void this.edit(REMOVE, i, 0, 0), { "aria-label": `Delete point ${i + 1}` }),
           button("Insert after", () => void this.insertAfter(i), { "aria-label": `Insert after point ${i + 1}` })));
     });
-    this.pointTable.replaceChildren(
+    replaceContent(this.pointTable,
       element("h3", {}, "Points"),
+      this.pager("point", points.length, this.firstPoint, (first) => { this.firstPoint = first; this.tellPoints(); }),
       element("div", { class: "wide", tabindex: 0, role: "region", "aria-label": "Table of points" },
         element("table", {},
         element("thead", {}, element("tr", {}, ...["Point", `Hz [${unit}]`, `V [${unit}]`, "Distance [m]", "Change"].map((title) => element("th", { scope: "col" }, title)))),
         element("tbody", {}, ...rows))));
+  }
+
+  /** Of a long table, which rows are shown, with an input for others. */
+  private pager(what: string, count: number, first: number, show: (first: number) => void): HTMLElement | string {
+    if (count <= MOST_ROWS) return "";
+    const input = element("input", { type: "number", min: 1, max: count, value: first + 1, "aria-label": `First ${what} shown` });
+    input.addEventListener("change", () => {
+      const wanted = Math.floor(input.valueAsNumber) - 1;
+      show(Math.min(Math.max(wanted || 0, 0), count - 1));
+    });
+    return element("p", {}, `From ${what} `, input, ` to ${Math.min(first + MOST_ROWS, count)} of ${count}`);
   }
 
   /** Inserts a point halfway to the next one in the plane, from where it can be moved. */
@@ -444,7 +512,7 @@ export class AreaView {
     const { points } = this.report;
     const a = points[index]!;
     const b = points[(index + 1) % points.length]!;
-    const at = await this.at("plane", [(a.plane[0] + b.plane[0]) / 2, (a.plane[1] + b.plane[1]) / 2]);
+    const at = await this.at("plane", [(a.plane[0]! + b.plane[0]!) / 2, (a.plane[1]! + b.plane[1]!) / 2]);
     await this.edit(INSERT, index + 1, at.hz, at.v);
   }
 

@@ -1,7 +1,10 @@
 // Sends requests to the worker. The page contains the module and the source of the worker.
-import type { Progress, Reply, Request } from "./protocol";
+import { WorkerEnded, type Progress, type Reply, type Request } from "./protocol";
 
 declare const WORKER_SOURCE: string;
+
+/** Directions are sent in batches: one is prepared while the worker answers another. */
+const BATCH = 65_536;
 
 interface Waiting {
   resolve(result: unknown): void;
@@ -43,10 +46,13 @@ export function moduleBytes(): Uint8Array {
 export class Client {
   /** Called after the module has failed and was restarted; its open files are gone. */
   onRestart: () => void = () => undefined;
+  /** How often a worker was started. */
+  starts = 0;
   private worker!: Worker;
   private readonly waiting = new Map<number, Waiting>();
   private next = 1;
   private loaded!: Promise<unknown>;
+  private isLoaded = false;
 
   constructor() {
     this.start();
@@ -74,12 +80,31 @@ export class Client {
     onProgress: ((progress: Progress) => void) | undefined,
     operation: string,
     values: unknown[],
+    transferred: Transferable[] = [],
   ): Promise<Result> {
     return new Promise<Result>((resolve, reject) => {
       this.waiting.set(id, { resolve: resolve as (result: unknown) => void, reject, onProgress });
       const request: Request = { id, operation, values };
-      this.worker.postMessage(request);
+      this.worker.postMessage(request, transferred);
     });
+  }
+
+  /**
+   * Whether each direction (rad) is inside the area that the worker used last: 1 or 0.
+   * For the user's scripts.
+   */
+  async contains(hz: Float64Array, v: Float64Array): Promise<Uint8Array> {
+    await this.loaded;
+    const inside = new Uint8Array(hz.length);
+    const answers: Promise<void>[] = [];
+    for (let from = 0; from < hz.length; from += BATCH) {
+      const parts = [hz, v].map((all) => all.slice(from, from + BATCH));
+      const answer = this.send<Uint8Array>(
+        this.next++, undefined, "containsMany", parts, parts.map((part) => part.buffer));
+      answers.push(answer.then((part) => inside.set(part, from)));
+    }
+    await Promise.all(answers);
+    return inside;
   }
 
   private start(): void {
@@ -88,7 +113,15 @@ export class Client {
     URL.revokeObjectURL(source);
     this.worker.onmessage = (event: MessageEvent<Reply>) => this.receive(event.data);
     this.worker.onerror = (event) => this.fail(event.message || "the worker has failed");
-    this.loaded = this.send(this.next++, undefined, "load", [moduleBytes()]);
+    this.isLoaded = false;
+    ++this.starts;
+    const loaded = this.send(this.next++, undefined, "load", [moduleBytes()]);
+    this.loaded = loaded.then(
+      () => (this.isLoaded = true),
+      (error: Error) => {
+        throw new Error(`this browser cannot run the page: ${error.message}`);
+      },
+    );
     this.loaded.catch(() => undefined);
   }
 
@@ -104,15 +137,17 @@ export class Client {
       waiting.resolve(reply.result);
       return;
     }
-    waiting.reject(new Error(reply.error));
+    waiting.reject(reply.isFatal ? new WorkerEnded(reply.error) : new Error(reply.error));
     if (reply.isFatal) this.fail(reply.error);
   }
 
   /** Starts another worker: a module that has trapped cannot be used any more. */
   private fail(message: string): void {
     this.worker.terminate();
-    for (const waiting of this.waiting.values()) waiting.reject(new Error(message));
+    for (const waiting of this.waiting.values()) waiting.reject(new WorkerEnded(message));
     this.waiting.clear();
+    // A worker that does not even load would only fail again.
+    if (!this.isLoaded) return;
     this.start();
     this.onRestart();
   }

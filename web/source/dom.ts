@@ -1,5 +1,7 @@
 // Creates and finds elements.
 
+import { WorkerEnded } from "./protocol";
+
 type Child = Node | string | null | undefined;
 type Properties = Record<string, string | number | boolean | ((event: never) => void) | undefined>;
 
@@ -47,6 +49,33 @@ export function download(name: string, content: Blob): void {
   setTimeout(() => URL.revokeObjectURL(url), 60_000);
 }
 
+/** A name without characters that move or hide others. */
+export function printable(name: string): string {
+  return name.replace(/\p{C}/gu, "\uFFFD");
+}
+
+/**
+ * Replaces the content of an element. The focus, and what is being typed, go to the control in the
+ * new content that has the same label; if there is none, the focus goes to the last control.
+ */
+export function replaceContent(parent: HTMLElement, ...content: (Node | string)[]): void {
+  const all = () => [...parent.querySelectorAll<HTMLElement>("input, button, summary, [tabindex]")];
+  const label = (control: HTMLElement) =>
+    control.ariaLabel ?? control.getAttribute("name") ?? control.textContent;
+  const before = all().find((control) => control === document.activeElement);
+  parent.replaceChildren(...content);
+  if (!before) return;
+  const enabled = all().filter((control) => !control.matches(":disabled"));
+  const after = enabled.find((control) => label(control) === label(before)) ?? enabled.at(-1);
+  if (
+    before instanceof HTMLInputElement && after instanceof HTMLInputElement &&
+    before.type !== "checkbox" && before.value !== before.defaultValue
+  ) {
+    after.value = before.value;
+  }
+  after?.focus();
+}
+
 const numbers = new Intl.NumberFormat("en");
 export function counted(count: number, thing: string): string {
   return `${numbers.format(count)} ${thing}${count === 1 ? "" : "s"}`;
@@ -58,6 +87,12 @@ export function say(message: string, isAlert = false): void {
   place.textContent = message;
   place.classList.toggle("alert", isAlert);
   place.hidden = message === "";
+}
+
+/** Shows why something failed. The end of the worker has its own message. */
+export function complain(error: unknown, what = ""): void {
+  if (error instanceof WorkerEnded) return;
+  say((what && `${what}: `) + messageOf(error), true);
 }
 
 export function messageOf(error: unknown): string {

@@ -23,8 +23,11 @@ export interface Range {
   to: number;
 }
 
+let lists = 0;
+
 export class RecordList {
   readonly root: HTMLElement;
+  private readonly id = `list-${++lists}`;
   /** The row with the keyboard focus, and the fixed end of the selection. */
   current = 0;
   private anchor = 0;
@@ -40,6 +43,7 @@ export class RecordList {
     private readonly ask: (from: number, count: number) => Promise<ListRow[]>,
     private readonly onSelect: (range: Range) => void,
     private readonly onOpen: (row: number) => void,
+    private readonly onFailure: (error: unknown) => void,
   ) {
     const head = element(
       "div",
@@ -99,7 +103,12 @@ export class RecordList {
 
   async render(): Promise<void> {
     const order = ++this.asked;
-    const rows = await this.ask(this.top, this.visible + 1).catch(() => []);
+    let rows: ListRow[] = [];
+    try {
+      rows = await this.ask(this.top, this.visible + 1);
+    } catch (error) {
+      if (order === this.asked) this.onFailure(error);
+    }
     if (order !== this.asked) return;
     const { from, to } = this.selection;
     this.body.replaceChildren(
@@ -108,7 +117,7 @@ export class RecordList {
           "div",
           {
             class: `row${(row.kind & FINDINGS) !== 0 ? " finding" : ""}`,
-            id: `row-${row.row}`,
+            id: this.idOf(row.row),
             role: "row",
             "aria-rowindex": row.row + 2,
             "aria-selected": String(from <= row.row && row.row <= to),
@@ -124,11 +133,17 @@ export class RecordList {
         ),
       ),
     );
-    this.body.querySelector(`#row-${this.current}`)?.classList.add("current");
-    if (this.count > 0) this.root.setAttribute("aria-activedescendant", `row-${this.current}`);
+    const current = this.body.querySelector(`#${this.idOf(this.current)}`);
+    current?.classList.add("current");
+    // A row that is not in view has no element.
+    if (current) this.root.setAttribute("aria-activedescendant", current.id);
+    else this.root.removeAttribute("aria-activedescendant");
     this.body.style.transform = `translateY(${this.scroller.scrollTop}px)`;
   }
 
+  private idOf(row: number): string {
+    return `${this.id}-${row}`;
+  }
   private get visible(): number {
     return Math.max(1, Math.floor(this.scroller.clientHeight / ROW_HEIGHT) - 1);
   }

@@ -1,7 +1,7 @@
 // The page: files are dropped or chosen; each one has a tab.
 import { AreaView } from "./area_view";
 import { Client } from "./client";
-import { button, messageOf, say } from "./dom";
+import { button, complain, printable, say } from "./dom";
 import { RecordsView } from "./records_view";
 
 const MOST_AREA_BYTES = 64 << 20;
@@ -33,7 +33,7 @@ function show(tab: HTMLElement): void {
 let count = 0;
 async function add(name: string, view: View): Promise<void> {
   const number = ++count;
-  const tab = button(name, () => show(tab), {
+  const tab = button(printable(name), () => show(tab), {
     role: "tab", id: `tab-${number}`, "aria-controls": `view-${number}`,
   });
   view.root.id = `view-${number}`;
@@ -48,17 +48,21 @@ async function add(name: string, view: View): Promise<void> {
   await view.load();
 }
 
-/** Areas are JSON; all other files are read as records, which reports what is wrong with them. */
+/**
+ * Areas are JSON, in which no byte is 0; all other files are read as records, which reports what is
+ * wrong with them.
+ */
 async function isArea(file: File): Promise<boolean> {
   const head = new TextDecoder().decode(await file.slice(0, 4096).arrayBuffer());
-  return head.replace(/^\uFEFF/, "").trimStart().startsWith("{");
+  return /^\s*\{[^\0]*$/.test(head);
 }
 
 async function open(file: File): Promise<void> {
+  const name = printable(file.name);
   say("");
   try {
     if (file.size === 0) {
-      say(`${file.name} is empty.`, true);
+      say(`${name} is empty.`, true);
     } else if (/\.(csv|txt)$/i.test(file.name) && current() instanceof AreaView) {
       await (current() as AreaView).addDirections(file);
     } else if (await isArea(file)) {
@@ -69,7 +73,7 @@ async function open(file: File): Promise<void> {
       await add(file.name, new RecordsView(client, file));
     }
   } catch (error) {
-    say(`${file.name}: ${messageOf(error)}`, true);
+    complain(error, name);
   }
 }
 
@@ -103,7 +107,8 @@ input.addEventListener("change", () => {
 document.querySelector("#new-area")!.addEventListener("click", () => {
   void AreaView.open(client, "area.json",
     '{"kind": "polygon", "unit": "gon", "hzStep": 0.05, "vStep": 0.05, "points": []}')
-    .then((area) => add("area.json", area));
+    .then((area) => add("area.json", area))
+    .catch((error: unknown) => complain(error));
 });
 document.querySelector("#close")!.addEventListener("click", () => {
   for (const [tab, view] of opened) {
@@ -117,6 +122,7 @@ document.querySelector("#close")!.addEventListener("click", () => {
   const [first] = opened.keys();
   if (first) show(first);
   document.querySelector<HTMLElement>("#close")!.hidden = !first;
+  (first ?? input).focus(); // the button may be gone
 });
 
 addEventListener("dragover", (event) => {
@@ -133,10 +139,32 @@ addEventListener("beforeunload", (event) => {
   if ([...opened.values()].some((view) => view.hasUnsaved)) event.preventDefault();
 });
 
+// Opens the files again, one after the other. A file that makes the module fail once more is left out:
+// its changes are in the page, and can still be saved or undone.
+let restarts = 0;
+let restarting: View | undefined;
+const broken = new WeakSet<View>();
 client.onRestart = () => {
-  say("The module failed and was started again. Your changes are kept.", true);
-  for (const view of opened.values()) void view.restart();
+  if (restarting) broken.add(restarting);
+  say(restarting
+    ? "The module failed again when a file was opened in it. Your changes are kept: save or undo them."
+    : "The module failed and was started again. Your changes are kept.", true);
+  const order = ++restarts;
+  void (async () => {
+    for (const view of opened.values()) {
+      if (broken.has(view)) continue;
+      restarting = view;
+      await view.restart().catch(() => undefined); // `say` was called where it failed
+      if (order !== restarts) return;
+    }
+    restarting = undefined;
+  })();
 };
+// What was asked of a worker that ended is asked again by the restart.
+addEventListener("unhandledrejection", (event) => {
+  event.preventDefault();
+  complain(event.reason);
+});
 
 // A file that `surveydata view` has embedded in the page.
 const embedded = document.querySelector<HTMLTemplateElement>("template#file");
@@ -146,6 +174,6 @@ if (embedded) {
   embedded.remove();
   client.ask<Blob>("decode", text).then(
     (bytes) => open(new File([bytes], name)),
-    (error: unknown) => say(`${name}: ${messageOf(error)}`, true),
+    (error: unknown) => complain(error, printable(name)),
   );
 }

@@ -1,5 +1,8 @@
 // The messages between the page and its worker.
 
+/** The worker ended before it answered. */
+export class WorkerEnded extends Error {}
+
 export interface Request {
   id: number;
   operation: string;
@@ -100,7 +103,14 @@ export interface DirectionAt {
   zenith: Place;
 }
 
-export interface AreaPoint extends DirectionAt {
+/** A number is null if it is beyond the largest one. */
+export interface AreaPoint {
+  hz: number | null;
+  v: number | null;
+  hzText: string;
+  vText: string;
+  plane: [number | null, number | null];
+  zenith: [number | null, number | null];
   distance: number | null;
 }
 

@@ -1,7 +1,7 @@
 // One record: its fields, its bytes coloured by block, and the change of its name, number and
 // antenna height with a preview of the bytes.
 import type { Client } from "./client";
-import { button, element, messageOf } from "./dom";
+import { button, element, messageOf, replaceContent } from "./dom";
 import type { ByteField, Changes, RecordDetail } from "./protocol";
 
 const KEY_WIDTH = 22; // as in the program's table
@@ -114,11 +114,11 @@ export class RecordView {
   }
 
   clear(message: string): void {
-    this.root.replaceChildren(element("h3", {}, "Record"), element("p", {}, message));
+    replaceContent(this.root, element("h3", {}, "Record"), element("p", {}, message));
   }
 
   show(detail: RecordDetail): void {
-    this.root.replaceChildren(
+    replaceContent(this.root,
       element("h3", {}, `Record at ${detail.offset}`),
       detail.isWhole ? "" : element("p", { class: "alert" },
         `The frame cannot be decoded whole: ${detail.status === "done" ? "a block does not fit" : detail.status}.`),
@@ -139,6 +139,7 @@ export class RecordView {
     isSlant.checked = detail.isSlant;
     const preview = element("div", { class: "preview", "aria-live": "polite" });
     let after: Uint8Array | undefined;
+    let order = 0;
     const keep = button("Keep the change", () => {
       if (after) void this.onKeep(detail.offset, detail.frame, after);
     }, { disabled: true });
@@ -150,6 +151,7 @@ export class RecordView {
         : {}),
     });
     const update = async () => {
+      const own = ++order;
       after = undefined;
       keep.disabled = true;
       const wanted = changes();
@@ -157,19 +159,22 @@ export class RecordView {
         preview.replaceChildren(element("p", {}, "Nothing is changed."));
         return;
       }
-      if (wanted.number !== undefined && (!Number.isInteger(wanted.number) || Math.abs(wanted.number) > 0x7fffffff)) {
+      if (wanted.number !== undefined && wanted.number !== (wanted.number | 0)) {
         preview.replaceChildren(element("p", { class: "alert" }, "The number must be a whole number of 32 bits."));
         return;
       }
       try {
-        after = await this.client.ask<Uint8Array>("patch", detail.frame, wanted);
-        const changed = await this.client.ask<RecordDetail>("describe", detail.offset, after);
-        const count = after.reduce((sum, byte, i) => sum + (byte === detail.frame[i] ? 0 : 1), 0);
+        const patched = await this.client.ask<Uint8Array>("patch", detail.frame, wanted);
+        const changed = await this.client.ask<RecordDetail>("describe", detail.offset, patched);
+        if (own !== order) return; // the values have changed since
+        after = patched;
+        const count = patched.reduce((sum, byte, i) => sum + (byte === detail.frame[i] ? 0 : 1), 0);
         preview.replaceChildren(
           element("p", {}, `${count} bytes change; they are marked.`), byteDump(changed, detail.frame));
         keep.disabled = count === 0;
       } catch (error) {
-        preview.replaceChildren(element("p", { class: "alert" }, messageOf(error)));
+        if (own !== order) return;
+        preview.replaceChildren(element("p", { class: "alert" }, `The change is refused. ${messageOf(error)}.`));
       }
     };
     for (const input of [name, number, height, isSlant]) {

@@ -1,6 +1,6 @@
 // A record file: the list, the plots, one record, and saving.
 import type { Client, Job } from "./client";
-import { button, counted, download, element, messageOf, say } from "./dom";
+import { button, complain, counted, download, element, messageOf, printable, say } from "./dom";
 import { RecordList, type Range } from "./list";
 import { Plot, type TimeRange } from "./plot";
 import type { ListRow, Progress, RecordDetail, Series, Summary } from "./protocol";
@@ -8,7 +8,8 @@ import { RecordView } from "./record_view";
 import { FINDINGS } from "./row_index";
 
 let keys = 0;
-const MOST_REFINED = 2_000_000;
+/** More rows than these take a moment to draw: until then the whole series is enlarged. */
+const MANY_ROWS = 100_000;
 
 export class RecordsView {
   readonly root: HTMLElement;
@@ -33,16 +34,20 @@ export class RecordsView {
   });
   private exporting: Job<Blob | null> | undefined;
 
+  private readonly name: string;
+
   constructor(private readonly client: Client, private readonly file: File) {
+    this.name = printable(file.name);
     this.list = new RecordList(
       (from, count) => this.client.ask<ListRow[]>("rows", this.key, from, count),
       (range) => void this.selectedRows(range),
       (row) => void this.open(row),
+      (error) => complain(error, this.name),
     );
     this.plot = new Plot(client, (range) => void this.selectedTimes(range), (range) => void this.zoomed(range));
     this.record = new RecordView(client, (offset, before, after) => this.keep(offset, before, after));
     this.root = element("div", { class: "records" },
-      element("header", {}, element("h2", {}, file.name), this.status,
+      element("header", {}, element("h2", {}, this.name), this.status,
         element("div", { class: "bar progress" }, this.bar, this.cancelButton)),
       this.plot.root,
       element("section", { class: "table", "aria-label": "List of records" },
@@ -62,7 +67,7 @@ export class RecordsView {
     return !this.isSaved;
   }
 
-  async load(): Promise<void> {
+  async load(isRestart = false): Promise<void> {
     this.status.textContent = "Reading …";
     this.setProgress({ done: 0, total: this.file.size, rows: 0 });
     this.opening = this.client.run<Summary>((progress) => {
@@ -73,7 +78,7 @@ export class RecordsView {
       this.summary = await this.opening.result;
     } catch (error) {
       this.status.textContent = messageOf(error);
-      say(`${this.file.name}: ${messageOf(error)}`, true);
+      complain(error, this.name);
       return;
     } finally {
       this.opening = undefined;
@@ -89,12 +94,12 @@ export class RecordsView {
     this.plot.root.hidden = summary.measurements === 0;
     if (summary.measurements > 0) this.plot.setSeries(this.series, this.wholeTime, this.wholeTime);
     if (summary.rows > 0) this.list.go(0);
-    say(`${this.file.name}: ${this.status.textContent}`);
+    if (!isRestart) say(`${this.name}: ${this.status.textContent}`);
   }
 
   /** Opens the file again in a restarted worker; changes are kept here. */
   restart(): Promise<void> {
-    return this.load();
+    return this.load(true);
   }
 
   close(): void {
@@ -154,10 +159,9 @@ export class RecordsView {
     const from = await this.client.ask<number>("rowAt", this.key, range.from * 1000);
     const to = await this.client.ask<number>("rowAt", this.key, range.to * 1000);
     const [first, last] = [Math.min(from, to), Math.max(from, to)];
-    if (last - first > MOST_REFINED || last - first + 1 >= this.summary!.rows) {
-      this.plot.setSeries(this.series, range, this.wholeTime);
-      return;
-    }
+    const isWhole = last - first + 1 >= this.summary!.rows;
+    if (isWhole || last - first > MANY_ROWS) this.plot.setSeries(this.series, range, this.wholeTime);
+    if (isWhole) return;
     const margin = 1 + Math.ceil((last - first) / 50);
     const job = this.client.run<Series | null>(undefined, "partOfSeries", this.key,
       Math.max(first - margin, 0), Math.min(last + margin, this.summary!.rows - 1));
@@ -189,7 +193,7 @@ export class RecordsView {
       if (content) download(this.nameWith(isCsv ? ".csv" : ".jsonl"), content);
       else say("Saving was cancelled.");
     } catch (error) {
-      say(messageOf(error), true);
+      complain(error);
     } finally {
       this.exporting = undefined;
       this.setProgress(undefined);

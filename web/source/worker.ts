@@ -23,6 +23,7 @@ const SLICE_BYTES = 32 << 20;
 const SLICE_ROWS = 16_384;
 const READ_SIZE = 1 << 20;
 const SERIES_COUNT = 5;
+const PART_ROWS = 65_536;
 const BASE64_SLICE = 1 << 20; // a multiple of four characters
 
 /** A record file with the changes that were made in the page. */
@@ -63,6 +64,9 @@ let module: Module;
 let walking: RecordFile | undefined;
 let bytesLeft = 0;
 const files = new Map<number, RecordFile>();
+/** The areas of the page. The module holds one of them at a time. */
+const areas = new Map<number, { text: string; name: string }>();
+let areaInModule = 0;
 const cancelled = new Set<number>();
 
 function readWalked(offset: number, to: Uint8Array): number {
@@ -242,11 +246,10 @@ const operations: Record<string, Operation> = {
     const { name, number, antenna } = changes;
     const which =
       (name !== undefined ? 1 : 0) | (number !== undefined ? 2 : 0) | (antenna ? 4 : 0);
-    const status = module.call(
+    module.ask(
       "page_patch", frame, frame.length, which, name ?? "", number ?? 0, antenna?.height ?? 0,
       antenna?.isSlant ? 1 : 0,
     );
-    if (status !== STATUS_OK) throw new Error(`The change is refused: ${module.text()}.`);
     return module.bytes();
   },
 
@@ -290,13 +293,21 @@ const operations: Record<string, Operation> = {
   },
 
   async partOfSeries(id, report, key: number, from: number, to: number) {
+    const isCancelled = () => cancelled.has(id);
+    const { index } = file(key);
     module.call("page_part_begin");
-    if (addPlotted(file(key).index, from, to)) return takeSeries(true);
-    module.call("page_part_begin");
-    await eachFrame(file(key), from, to, () => cancelled.has(id), report, (address, _offset, size) => {
-      module.call("page_part_add", address, size);
-    });
-    return cancelled.has(id) ? null : takeSeries(true);
+    let isKept = true;
+    for (let row = from; row <= to && isKept && !isCancelled(); row += PART_ROWS) {
+      isKept = addPlotted(index, row, Math.min(row + PART_ROWS - 1, to));
+      await pause();
+    }
+    if (!isKept) {
+      module.call("page_part_begin");
+      await eachFrame(file(key), from, to, isCancelled, report, (address, _offset, size) => {
+        module.call("page_part_add", address, size);
+      });
+    }
+    return isCancelled() ? null : takeSeries(true);
   },
 
   timeTicks(_id, _report, first: number, last: number, wanted: number) {
@@ -337,33 +348,43 @@ const operations: Record<string, Operation> = {
     return new Blob(parts);
   },
 
-  openArea(_id, _report, text: string, name: string) {
-    const bytes = new TextEncoder().encode(text);
-    module.ask("page_area_open", bytes, bytes.length, name);
+  /** Opens an area, or replaces its text. If that fails, the previous text stays in use. */
+  openArea(_id, _report, key: number, text: string, name: string) {
+    loadArea(key, text, name);
+    areas.set(key, { text, name });
     module.ask("page_area_report");
     return module.json();
   },
-  areaPicture() {
+  closeArea(_id, _report, key: number) {
+    areas.delete(key);
+  },
+  areaPicture(_id, _report, key: number) {
+    useArea(key);
     module.ask("page_area_picture");
     return module.json();
   },
-  areaAt(_id, _report, isPlane: boolean, x: number, y: number) {
+  areaAt(_id, _report, key: number, isPlane: boolean, x: number, y: number) {
+    useArea(key);
     module.ask("page_area_at", isPlane ? 1 : 0, x, y);
     return module.json();
   },
-  explain(_id, _report, hz: number, v: number) {
+  explain(_id, _report, key: number, hz: number, v: number) {
+    useArea(key);
     module.ask("page_area_explain", hz, v);
     return module.json();
   },
-  editArea(_id, _report, edit: number, index: number, hz: number, v: number) {
+  editArea(_id, _report, key: number, edit: number, index: number, hz: number, v: number) {
+    useArea(key);
     module.ask("page_area_edit", edit, index, hz, v);
     return module.text();
   },
-  convertArea(_id, _report, unit: string) {
+  convertArea(_id, _report, key: number, unit: string) {
+    useArea(key);
     module.ask("page_area_convert", unit);
     return module.text();
   },
-  directions(_id, _report, text: Uint8Array) {
+  directions(_id, _report, key: number, text: Uint8Array) {
+    useArea(key);
     module.ask("page_area_directions", text, text.length);
     return module.doubles();
   },
@@ -378,6 +399,19 @@ const operations: Record<string, Operation> = {
     }
   },
 };
+
+function loadArea(key: number, text: string, name: string): void {
+  const bytes = new TextEncoder().encode(text);
+  module.ask("page_area_open", bytes, bytes.length, name);
+  areaInModule = key;
+}
+
+function useArea(key: number): void {
+  if (areaInModule === key) return;
+  const area = areas.get(key);
+  if (!area) throw new Error("the area is not open");
+  loadArea(key, area.text, area.name);
+}
 
 /** Adds the kept values of the rows to the series of a part; false if some are not kept. */
 function addPlotted(index: RowIndex, from: number, to: number): boolean {
@@ -417,7 +451,10 @@ async function answer(request: Request): Promise<void> {
   const report = (progress: Progress) => scope.postMessage({ id, progress });
   try {
     const run = operations[operation] as (...values: unknown[]) => unknown;
-    scope.postMessage({ id, result: await run(id, report, ...values) });
+    const result = await run(id, report, ...values);
+    // An array of its own needs no copy.
+    const isArray = operation === "containsMany" || operation === "directions";
+    scope.postMessage({ id, result }, isArray ? [(result as Uint8Array).buffer] : []);
   } catch (error) {
     // A trap, or an uncaught C++ exception.
     const { Exception } = WebAssembly as unknown as { Exception?: new () => unknown };

@@ -491,7 +491,7 @@ onPage("ten million answers are the native ones", async (page) => {
         v[i] = next() * 3.125;
       }
       const start = performance.now();
-      const answers = await window.surveydata.ask("containsMany", hz, v);
+      const answers = await window.surveydata.contains(hz, v);
       milliseconds += performance.now() - start;
       for (const answer of answers) {
         hash = Math.imul(hash ^ answer, 16777619) >>> 0;
@@ -501,8 +501,69 @@ onPage("ten million answers are the native ones", async (page) => {
     return { hash, inside, milliseconds };
   }, [DIRECTIONS, 1_000_000]);
   assert.equal(`${hash} ${inside}\n`, expected);
-  console.log(`# 10^6 directions: ${(milliseconds / (DIRECTIONS / 1e6)).toFixed(1)} ms, copies between page and worker included`);
+  console.log(`# 10^6 directions: ${(milliseconds / (DIRECTIONS / 1e6)).toFixed(1)} ms from arrays of the page to an array of the page`);
 });
+
+onPage("directions in a few batches of unequal size have the answers of single ones", async (page) => {
+  await openFiles(page, data("areas/facade.json"));
+  await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
+  const [count, length, different, inputs] = await page.evaluate(async () => {
+    const count = 150_001;
+    const hz = Float64Array.from({ length: count }, (_, i) => (i * 0.61803398875) % 6.25);
+    const v = Float64Array.from({ length: count }, (_, i) => (i * 0.41421356237) % 3.125);
+    const inside = await window.surveydata.contains(hz, v);
+    let different = 0;
+    for (let i = 0; i < count; i += 4999) {
+      const [one] = await window.surveydata.contains(hz.slice(i, i + 1), v.slice(i, i + 1));
+      if (one !== inside[i]) ++different;
+    }
+    const none = await window.surveydata.contains(new Float64Array(), new Float64Array());
+    return [none.length, inside.length, different, hz.length + v.length];
+  });
+  // The arrays of the caller stay usable.
+  assert.deepEqual([count, length, different, inputs], [0, 150_001, 0, 300_002]);
+});
+
+onPage("a change is kept only as it was previewed", async (page) => {
+  await openFiles(page, data("valley_drive.rec"));
+  await status(page);
+  await page.locator(".row", { hasText: /^960/ }).click();
+  await page.getByRole("heading", { name: "Record at 960" }).waitFor();
+  const keep = page.getByRole("button", { name: "Keep the change" });
+  // A value that fits and, before the preview is there, one that does not.
+  await page.evaluate(() => {
+    const number = document.querySelector("form.change [name=number]");
+    for (const value of ["5", "5.5"]) {
+      number.value = value;
+      number.dispatchEvent(new Event("input"));
+    }
+  });
+  await page.getByText("The number must be a whole number of 32 bits.").waitFor();
+  await page.evaluate(() => window.surveydata.ask("timeTicks", 0, 1, 2)); // after both replies
+  await page.getByText("The number must be a whole number of 32 bits.").waitFor();
+  assert.ok(await keep.isDisabled());
+  const height = "Antenna height [m]";
+  for (const [field, value, reason] of [
+    ["Number", "", /whole number/], ["Number", "2147483648", /whole number/], ["Number", "1.5", /whole number/],
+    [height, "", /must be from 0 to 1000 metres/], [height, "1000.5", /must be from 0/], [height, "-0.5", /must be from 0/],
+    ["Name", "\u{1f600}", /beyond U\+FFFF/], ["Name", "a\u0007b", /control character/],
+  ]) {
+    const input = page.getByLabel(field);
+    await page.getByLabel("Number").fill("41");
+    await page.locator(".preview .byte.changed").first().waitFor();
+    const given = await input.inputValue();
+    await input.fill(value);
+    assert.match(await page.locator(".preview .alert").textContent(), reason, `${field} ${value}`);
+    assert.ok(await keep.isDisabled(), `${field} ${value}`);
+    await input.fill(given);
+  }
+});
+
+/** A request that the page never makes: the module reads beyond the end of its memory. */
+const abort = () => {
+  const numbers = { length: 2 ** 26, buffer: new ArrayBuffer(8), byteOffset: 0, byteLength: 8 };
+  return window.surveydata.ask("containsMany", numbers, numbers).catch(() => undefined);
+};
 
 onPage("a failure of the module loses no edits", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
@@ -516,11 +577,7 @@ onPage("a failure of the module loses no edits", async (page) => {
   await openFiles(page, data("areas/facade.json"));
   await page.getByRole("button", { name: "Delete point 19" }).click();
   await page.getByText("polygon, 18 points").waitFor();
-  // A frame of 2 GiB, which the page never passes: the module aborts.
-  await page.evaluate(() => {
-    const frame = { length: 2 ** 31, buffer: new ArrayBuffer(8), byteOffset: 0, byteLength: 8 };
-    return window.surveydata.ask("patch", frame, { number: 1 }).catch(() => undefined);
-  });
+  await page.evaluate(abort);
   await page.getByText("The module failed and was started again. Your changes are kept.").waitFor();
   await page.getByRole("button", { name: "Delete point 18" }).click();
   await page.getByText("polygon, 17 points").waitFor();
@@ -530,6 +587,159 @@ onPage("a failure of the module loses no edits", async (page) => {
   const original = readFileSync(data("valley_drive.rec"));
   assert.equal(bytes.length, original.length);
   assert.ok(!bytes.equals(original));
+});
+
+onPage("a file that always makes the module fail is left alone, and the others go on", async (page) => {
+  await openFiles(page, data("valley_drive.rec"));
+  await status(page);
+  await openFiles(page, data("areas/ceiling.json"));
+  await page.getByRole("tab", { name: "ceiling.json", selected: true }).waitFor();
+  await openFiles(page, data("areas/facade.json"));
+  await page.getByText("polygon, 19 points").waitFor();
+  await button(page, "Delete point 19").click();
+  await page.getByText("polygon, 18 points").waitFor();
+  // From now on, the module fails whenever the facade is opened in it.
+  await page.evaluate(() => {
+    const { surveydata } = window;
+    const ask = surveydata.ask.bind(surveydata);
+    window.opened = 0;
+    surveydata.ask = (operation, ...values) => {
+      if (operation !== "openArea" || values[2] !== "facade.json") return ask(operation, ...values);
+      ++window.opened;
+      const numbers = { length: 2 ** 26, buffer: new ArrayBuffer(8), byteOffset: 0, byteLength: 8 };
+      return ask("containsMany", numbers, numbers);
+    };
+  });
+  await page.evaluate(abort);
+  await page.getByText("The module failed again when a file was opened in it.").waitFor();
+  await page.getByRole("tab", { name: "valley_drive.rec" }).click();
+  assert.match(await status(page), /^414 measurements/);
+  await page.getByRole("tab", { name: "ceiling.json" }).click();
+  await page.locator(".area:not([hidden])").getByRole("button", { name: "Explain this direction" }).click();
+  await page.locator(".area:not([hidden]) .answer dl").waitFor();
+  assert.equal(await page.evaluate(() => window.opened), 1);
+  await page.getByRole("tab", { name: "facade.json" }).click();
+  const kept = JSON.parse((await saved(page, page.locator(".area:not([hidden])").getByRole("button", { name: "Save area file" }))).bytes);
+  assert.equal(kept.points.length, 18);
+});
+
+test("a browser that cannot load the module says so, and does not try again", async () => {
+  const html = readFileSync(pageFile, "utf8");
+  const at = html.indexOf(">", html.indexOf('<template id="module"')) + 1000;
+  const broken = written("broken.html", `${html.slice(0, at)}~~~~~~~~${html.slice(at + 8)}`);
+  const { page, close } = await openPage({ file: broken });
+  await openFiles(page, data("valley_drive.rec"));
+  await page.getByText(/This browser cannot run the page: /).first().waitFor();
+  assert.equal(page.workers().length, 1);
+  await close();
+});
+
+onPage("a file that is gone gets a message, and its list is still there", async (page) => {
+  const sample = readFileSync(data("valley_drive.rec"));
+  const path = written("gone.rec", Buffer.concat(Array(40).fill(sample)));
+  await openFiles(page, path);
+  await status(page);
+  rmSync(path);
+  await page.locator(".list").focus();
+  await page.keyboard.press("End");
+  await page.locator("#message.alert", { hasText: "gone.rec: " }).waitFor();
+  assert.match(await status(page), /^16,560 measurements/);
+});
+
+onPage("names of files, areas and records stay text", async (page) => {
+  const markup = "<img src=x onerror=document.title=1>";
+  const frame = written("named.rec", readFileSync(data("valley_drive.rec")));
+  native("record", "set", "--offset", "960", "--name", "<b onclick=x>&'\"", frame);
+  const record = written(`${markup}.rec`.replaceAll("/", ""), readFileSync(frame));
+  await openFiles(page, record);
+  await status(page);
+  await page.locator(".row", { hasText: /^960/ }).click();
+  await page.getByRole("heading", { name: "Record at 960" }).waitFor();
+  assert.equal(await page.locator(".row", { hasText: /^960/ }).locator(".name").textContent(), "<b onclick=x>&'\"");
+  const area = JSON.parse(text("areas/facade.json"));
+  await openFiles(page, written("\u202Egpj.json", JSON.stringify({ ...area, name: `${markup}\u202E\u0007</script>` })));
+  await page.locator(".facts").getByText(markup).waitFor();
+  // A character that reverses the text is shown as a replacement character.
+  await page.getByRole("tab", { name: "\uFFFDgpj.json" }).waitFor();
+  assert.ok(!(await page.locator("main").textContent()).includes("\u202E"));
+  assert.equal(await page.locator("main img, main b, main script").count(), 0);
+  assert.equal(await page.title(), "surveydata");
+});
+
+onPage("areas that no program could use are shown or refused, and can be undone", async (page) => {
+  const area = (points, more = {}) => JSON.stringify({ kind: "polygon", unit: "rad", hzStep: 0.01, vStep: 0.01, points, ...more });
+  const facts = page.locator(".area:not([hidden]) .facts");
+  const files = {
+    none: area([]), one: area([[1, 1]]), same: area(Array(50).fill([1, 1])),
+    far: area([[-1e300, 1], [1e300, 1], [1, 2]]), turns: area([[-99, 1], [99, 1], [1, 2]]),
+    rectangle: area([[1, 1], [2, 2], [3, 3]], { kind: "rectangle" }),
+    beyond: area([[1e308, 1e308], [-1e308, 1], [1, -1e308]]),
+  };
+  for (const [name, content] of Object.entries(files)) {
+    await openFiles(page, written(`${name}.json`, content));
+    await page.getByRole("tab", { name: `${name}.json`, exact: true, selected: true }).waitFor();
+    await facts.getByText("Area", { exact: true }).waitFor();
+    assert.match(await facts.textContent(), /Validno/, name);
+  }
+  // In degrees these numbers are beyond the largest one: the area stays in radians.
+  const view = page.locator(".area:not([hidden])");
+  await view.getByLabel("Unit of angles").selectOption("deg");
+  await page.locator("#message.alert").getByText("An angle is too large for this unit").waitFor();
+  assert.equal(await view.getByLabel("Unit of angles").inputValue(), "rad");
+  assert.ok(await view.getByRole("button", { name: "Undo" }).isDisabled());
+  for (const content of ["[".repeat(100_000), `{"points":${"[".repeat(100_000)}`, `{${" ".repeat(5000)}`, '{"kind":"polygon","points":[[1e999,1]]}']) {
+    await openFiles(page, written("refused.json", content));
+    await page.locator("#message.alert", { hasText: /refused\.json: |not a record file/ }).or(page.getByText("This is no record file")).first().waitFor();
+  }
+});
+
+onPage("quick edits follow each other, and each area has its own", async (page) => {
+  await openFiles(page, data("areas/facade.json"), data("areas/ceiling.json"));
+  await page.getByRole("tab", { name: "ceiling.json", selected: true }).waitFor();
+  const before = JSON.parse(text("areas/facade.json")).points;
+  const corners = JSON.parse(text("areas/ceiling.json")).points;
+  // Both areas at once, without waiting for an answer.
+  await page.evaluate(() => {
+    const [facade, ceiling] = document.querySelectorAll(".area");
+    const press = (view, label) => view.querySelector(`[aria-label="${label}"]`).click();
+    press(facade, "Delete point 19");
+    press(ceiling, "Delete point 2");
+    press(facade, "Delete point 1");
+    press(facade, "Delete point 2");
+  });
+  await page.locator(".area").first().getByText("polygon, 16 points").waitFor({ state: "attached" });
+  const save = async (name) => {
+    await page.getByRole("tab", { name }).click();
+    return JSON.parse((await saved(page, page.locator(".area:not([hidden])").getByRole("button", { name: "Save area file" }))).bytes).points;
+  };
+  assert.deepEqual(await save("ceiling.json"), corners.filter((_, i) => i !== 1));
+  assert.deepEqual(await save("facade.json"), before.slice(1, 18).filter((_, i) => i !== 1));
+  for (let i = 0; i < 3; ++i) await page.locator(".area:not([hidden])").getByRole("button", { name: "Undo" }).click();
+  await page.locator(".area:not([hidden])").getByText("polygon, 19 points").waitFor();
+  assert.deepEqual(await save("facade.json"), before);
+});
+
+onPage("an area of many corners: every corner is reached", async (page) => {
+  const count = 3001;
+  const points = Array.from({ length: count }, (_, i) => {
+    const angle = (2 * Math.PI * i) / count;
+    return [3 + 0.8 * Math.cos(angle), 1.5 + 0.8 * Math.sin(angle)];
+  });
+  await openFiles(page, written("ring.json", JSON.stringify({ kind: "polygon", unit: "rad", hzStep: 0.01, vStep: 0.01, points })));
+  await page.getByText("polygon, 3,001 points").waitFor();
+  assert.equal(await page.getByRole("button", { name: /^Delete point/ }).count(), 200);
+  await page.getByLabel("First point shown").fill("2901");
+  await page.getByLabel("First point shown").press("Enter");
+  await page.getByText("to 3001 of 3001").first().waitFor();
+  await page.getByLabel("Hz of point 3000").fill("3.1");
+  await page.getByLabel("Hz of point 3000").press("Enter");
+  await until(page, () => document.querySelector("[aria-label='Hz of point 3000']")?.value === "3.1");
+  await page.locator(".facts summary").click();
+  const [, corners] = /From corner  to 200 of (\d+)/.exec(await page.locator(".facts details p").textContent());
+  await page.getByLabel("First corner shown").fill(corners);
+  await page.getByLabel("First corner shown").press("Enter");
+  await until(page, () => document.querySelectorAll(".facts details tbody tr").length === 1);
+  assert.equal(await page.evaluate(() => document.activeElement.ariaLabel), "First corner shown");
 });
 
 onPage("a file of 2 GB: in slices, cancellable, in 100 MB", async (page) => {
@@ -593,7 +803,22 @@ onPage("ten million rows stay quick: scaled scrolling shows every row", async (p
   await page.locator(".list").hover();
   await page.mouse.wheel(0, 26);
   await until(page, (row) => document.querySelector(".rows .row").dataset.row === String(Number(row) + 1), first);
-  console.log(`# 10^7 rows: ${(memory / 1e6).toFixed(1)} MB`);
+  // The plots are enlarged at once, and then drawn from every record in view.
+  const line = () => page.locator(".plot path.line.series-3").getAttribute("d");
+  const start = performance.now();
+  const exact = page.evaluate(async () => {
+    const before = performance.now();
+    const part = await window.surveydata.ask("partOfSeries", 1, 1_000_000, 8_999_999);
+    return [part[3].length, performance.now() - before];
+  });
+  // Meanwhile, the list answers.
+  await page.keyboard.press("Home");
+  await page.locator(".row[data-row='0']").waitFor();
+  const answered = performance.now() - start;
+  const [length, milliseconds] = await exact;
+  assert.ok(length > 0);
+  assert.notEqual(await line(), "");
+  console.log(`# 10^7 rows: ${(memory / 1e6).toFixed(1)} MB; 8 million of them are drawn in ${(milliseconds / 1e3).toFixed(2)} s, the list answers after ${(answered / 1e3).toFixed(2)} s`);
 });
 
 for (const colorScheme of ["light", "dark"]) {
@@ -614,11 +839,35 @@ for (const colorScheme of ["light", "dark"]) {
       await page.locator("form.change").getByLabel("Number").fill("3");
       await page.locator(".preview .byte.changed").first().waitFor();
       await check("records");
-      await openFiles(page, data("areas/bow_tie.json"));
-      await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
-      await page.locator("figure svg").first().click({ position: { x: 120, y: 60 } });
-      await page.locator(".answer dl").waitFor();
-      await check("area");
+      await page.locator(".record summary").click();
+      await check("every field of a record");
+      await selectAll(page);
+      await check("a selection");
+      const damaged = readFileSync(data("valley_drive.rec"));
+      damaged[1800] ^= 0xff;
+      await openFiles(page, written("damaged.rec", damaged));
+      await status(page, "damaged.rec");
+      await page.locator(".records:not([hidden])").getByRole("button", { name: "Next finding" }).click();
+      await page.locator(".records:not([hidden]) .row.finding.current").click();
+      await check("a finding");
+      await openFiles(page, written("empty.rec", ""));
+      await page.locator("#message.alert").waitFor();
+      await check("a message");
+      for (const name of ["bow_tie", "facade", "dome"]) {
+        await openFiles(page, data(`areas/${name}.json`));
+        const view = page.locator(".area:not([hidden])");
+        await page.getByRole("tab", { name: `${name}.json`, exact: true, selected: true }).waitFor();
+        await view.getByRole("heading", { name: "Area", exact: true }).waitFor();
+        await view.locator("summary").click();
+        if (name !== "dome") await view.getByRole("button", { name: "Draw corners" }).click();
+        await view.getByLabel("Directions from CSV").setInputFiles(written("few.csv", "hz,v\n57,92\n150,92\n"));
+        await page.getByText("few.csv: 2 directions").waitFor();
+        await view.getByLabel("Hz", { exact: true }).fill("57");
+        await view.getByLabel("V", { exact: true }).fill("92");
+        await view.getByRole("button", { name: "Explain this direction" }).click();
+        await view.locator(".answer dl").waitFor();
+        await check(`area ${name}`);
+      }
     }, { colorScheme, viewport });
   }
 }
@@ -665,6 +914,77 @@ onPage("everything is reached by keyboard", async (page) => {
   await page.locator(".dump").focus();
   await page.keyboard.press("ArrowRight");
   await page.getByText(/^Byte 0, /).waitFor();
+});
+
+onPage("an area is made and changed by keyboard alone, and the focus stays", async (page) => {
+  const focused = () => page.evaluate(() => document.activeElement.ariaLabel ?? document.activeElement.textContent);
+  await button(page, "New area").focus();
+  await page.keyboard.press("Enter");
+  await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
+  const type = async (hz, v) => {
+    for (const [label, value] of [["Hz", hz], ["V", v]]) {
+      await page.getByLabel(label, { exact: true }).focus();
+      await page.keyboard.press("Control+a");
+      await page.keyboard.type(value);
+    }
+    await button(page, "Add as last point").focus();
+    await page.keyboard.press("Enter");
+  };
+  for (const [i, [hz, v]] of [["10", "80"], ["60", "80"], ["60", "120"], ["10", "120"]].entries()) {
+    await type(hz, v);
+    await page.getByText(`polygon, ${i + 1} point`).waitFor();
+  }
+  // Tab leaves the changed field: the area is read again, and the next field keeps the focus.
+  await page.getByLabel("Hz of point 2").focus();
+  await page.keyboard.press("Control+a");
+  await page.keyboard.type("61.5");
+  await page.keyboard.press("Tab");
+  await page.locator(".facts").getByText("61.5000").first().waitFor({ state: "attached" });
+  assert.equal(await focused(), "V of point 2");
+  await page.keyboard.press("Control+a");
+  await page.keyboard.type("81.5");
+  await page.keyboard.press("Shift+Tab");
+  await page.locator(".facts").getByText("81.5000").first().waitFor({ state: "attached" });
+  assert.equal(await focused(), "Hz of point 2");
+  await button(page, "Delete point 4").focus();
+  await page.keyboard.press("Enter");
+  await page.getByText("polygon, 3 points").waitFor();
+  assert.equal(await focused(), "Insert after point 3"); // the last control of the table
+  await page.getByLabel("V step").focus();
+  await page.keyboard.press("Control+a");
+  await page.keyboard.type("0.25");
+  await page.keyboard.press("Shift+Tab");
+  await until(page, () => document.querySelector("[aria-label='V step']").defaultValue === "0.25");
+  assert.equal(await focused(), "Hz step");
+  const { bytes } = await saved(page, button(page, "Save area file"));
+  const area = JSON.parse(bytes);
+  assert.deepEqual(area.points, [[10, 80], [61.5, 81.5], [60, 120]]);
+  assert.equal(area.vStep, 0.25);
+  // Closing the file leaves the focus in the page.
+  await button(page, "Close this file").focus();
+  await page.keyboard.press("Enter");
+  await until(page, () => document.activeElement.id === "files");
+});
+
+onPage("a record is changed by keyboard alone, and the focus stays", async (page) => {
+  await openFiles(page, data("valley_drive.rec"));
+  await status(page);
+  await page.locator(".list").focus();
+  await page.keyboard.press("Home");
+  for (let i = 2; (await page.locator(".row.current .offset").textContent()) !== "960"; ++i) {
+    await page.keyboard.press("ArrowDown");
+    await page.locator(`.row.current[aria-rowindex="${i + 1}"]`).waitFor();
+  }
+  await page.keyboard.press("Enter");
+  await page.getByRole("heading", { name: "Record at 960" }).waitFor();
+  await page.locator("form.change").getByLabel("Number").focus();
+  await page.keyboard.press("Control+a");
+  await page.keyboard.type("77");
+  await page.locator(".preview .byte.changed").first().waitFor();
+  await button(page, "Keep the change").focus();
+  await page.keyboard.press("Enter");
+  await page.getByText("1 record changed").waitFor();
+  assert.ok(await page.evaluate(() => document.querySelector(".record").contains(document.activeElement)));
 });
 
 test("first paint", async () => {
