@@ -3,7 +3,8 @@
 #
 # INTERNAL links the static library, so that the test can use internal symbols. PROPERTY adds
 # RapidCheck, with the parameters in a cache variable. LABEL is the ctest label, by default unit or
-# property. EXHAUSTIVE optimises the test in every build.
+# property. EXHAUSTIVE optimises the test in every build. HEADERS names the target of
+# surveydata_test_headers() whose precompiled headers the test uses.
 include(GoogleTest)
 if(CMAKE_CROSSCOMPILING)
   # Debian ships the sources of GoogleTest, but RapidCheck and ICU only as binaries for its own
@@ -19,8 +20,36 @@ endif()
 set(SURVEYDATA_PROPERTY_PARAMS "seed=20260101 max_success=1000"
     CACHE STRING "RapidCheck parameters of the property tests")
 
+# surveydata_test_headers(<name> LIBRARIES ... HEADERS ...): precompiles GoogleTest, the headers of
+# the standard library that most tests include, and HEADERS, once for all tests with these libraries.
+# A compiler cache finds more without them.
+set(SURVEYDATA_PRECOMPILE_TESTS ON)
+if(CMAKE_CXX_COMPILER_LAUNCHER)
+  set(SURVEYDATA_PRECOMPILE_TESTS OFF)
+endif()
+function(surveydata_test_headers name)
+  if(NOT SURVEYDATA_PRECOMPILE_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;HEADERS")
+  file(CONFIGURE OUTPUT ${name}.cpp CONTENT "")
+  add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} surveydata_warnings GTest::gtest)
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  target_precompile_headers(${name} PRIVATE
+    <algorithm> <array> <cmath> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring> <filesystem>
+    <fstream> <functional> <iterator> <limits> <memory> <optional> <random> <span> <string>
+    <string_view> <type_traits> <utility> <vector> <gtest/gtest.h> ${arg_HEADERS})
+endfunction()
+
+surveydata_test_headers(surveydata_test_headers)
+surveydata_test_headers(surveydata_exhaustive_test_headers)
+if(TARGET surveydata_exhaustive_test_headers)
+  target_compile_options(surveydata_exhaustive_test_headers PRIVATE ${SURVEYDATA_OPTIMISED})
+endif()
+
 function(surveydata_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY;EXHAUSTIVE" "LABEL" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INTERNAL;PROPERTY;EXHAUSTIVE" "LABEL;HEADERS" "LIBRARIES")
   if(arg_INTERNAL)
     set(library surveydata::surveydata_static)
   else()
@@ -46,6 +75,14 @@ function(surveydata_test name)
     SURVEYDATA_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data/")
   target_link_libraries(${name} PRIVATE
     ${library} ${arg_LIBRARIES} surveydata_warnings Boost::headers GTest::gtest_main)
+  if(NOT arg_HEADERS AND arg_EXHAUSTIVE)
+    set(arg_HEADERS surveydata_exhaustive_test_headers)
+  elseif(NOT arg_HEADERS)
+    set(arg_HEADERS surveydata_test_headers)
+  endif()
+  if(TARGET ${arg_HEADERS})
+    target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS})
+  endif()
   if(CMAKE_CROSSCOMPILING)
     # One process for all cases, because programs start slowly under an emulator.
     add_test(NAME ${name} COMMAND ${name})
