@@ -32,6 +32,13 @@ ruff check python docs/site
 (cd "$out" && python -m mypy.stubtest --mypy-config-file ../../pyproject.toml \
   --ignore-disjoint-bases --allowlist ../../python/stubtest_allowlist.txt surveydata._core)
 
+step "flags of the extension module"
+cmake -S . -B "$out/flags" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSURVEYDATA_BUILD_PYTHON=ON \
+  -DSURVEYDATA_BUILD_{TESTS,TOOLS,BENCHMARKS,EXAMPLES}=OFF >/dev/null
+cmake -D BUILD_DIR="$out/flags" -D SOURCE_DIR="$PWD" -D LTO=OFF -D READELF=readelf -D NM=nm \
+  -D MODULE="$(cd "$out" && python -c 'import surveydata._core; print(surveydata._core.__file__)')" \
+  -P tests/package/flags.cmake
+
 step "wheels of a release"
 # Only the settings are checked: building these wheels needs the network.
 wheels=$(cibuildwheel --print-build-identifiers --platform linux "$out/source")

@@ -1,7 +1,7 @@
-# Checks the compile commands and the binaries of the release build BUILD_DIR. Library and program
-# have stack protection and buffer checks, and no source is compiled for size. Relocations are
-# read-only after loading and do not require a new C library. With LTO, the library uses link-time
-# optimisation.
+# Checks the compile commands of the release build BUILD_DIR, and its binaries: LIBRARY,
+# STATIC_LIBRARY, PROGRAM and the MODULE of the Python package, if they are given. Their sources have
+# stack protection and buffer checks, and none is compiled for size. Relocations are read-only after
+# loading and do not require a new C library. With LTO, the library uses link-time optimisation.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${BUILD_DIR}/compile_commands.json commands)
@@ -9,6 +9,7 @@ string(JSON count LENGTH "${commands}")
 math(EXPR last "${count} - 1")
 set(library 0)
 set(program 0)
+set(module 0)
 foreach(i RANGE ${last})
   string(JSON source GET "${commands}" ${i} file)
   string(JSON command GET "${commands}" ${i} command)
@@ -17,6 +18,8 @@ foreach(i RANGE ${last})
     math(EXPR library "${library} + 1")
   elseif(source MATCHES "^tools/")
     math(EXPR program "${program} + 1")
+  elseif(source MATCHES "^python/")
+    math(EXPR module "${module} + 1")
   else()
     continue()
   endif()
@@ -49,8 +52,8 @@ foreach(i RANGE ${last})
     message(SEND_ERROR "${source} is compiled without link-time optimisation")
   endif()
 endforeach()
-message(STATUS "${library} sources of the library, ${program} of the program")
-if(library EQUAL 0 OR (DEFINED PROGRAM AND program EQUAL 0))
+message(STATUS "Sources: library ${library}, program ${program}, Python module ${module}")
+if(library EQUAL 0 OR (DEFINED PROGRAM AND program EQUAL 0) OR (DEFINED MODULE AND module EQUAL 0))
   message(FATAL_ERROR "no commands found in ${BUILD_DIR}")
 endif()
 
@@ -74,9 +77,13 @@ function(linked file)
     message(SEND_ERROR "${file} does not check its stack")
   endif()
 endfunction()
-linked(${LIBRARY})
-if(DEFINED PROGRAM)
-  linked(${PROGRAM})
+foreach(file IN ITEMS LIBRARY PROGRAM MODULE)
+  if(DEFINED ${file})
+    linked(${${file}})
+  endif()
+endforeach()
+if(NOT DEFINED STATIC_LIBRARY)
+  return()
 endif()
 
 # The static library contains only machine code, whether or not the shared one uses LTO.
