@@ -135,7 +135,8 @@ class FieldListC {
   template <class Value>
   static std::uint32_t TypeOf() {
     if (std::is_floating_point_v<Value>) return SURVEYDATA_FIELD_FLOAT;
-    return std::is_signed_v<Value> ? SURVEYDATA_FIELD_SIGNED : SURVEYDATA_FIELD_UNSIGNED;
+    if (std::is_signed_v<Value>) return SURVEYDATA_FIELD_SIGNED;
+    return SURVEYDATA_FIELD_UNSIGNED;
   }
   static ValueWriterC Writer(surveydata_field& field) {
     return ValueWriterC(std::span(field.value).first<sizeof(field.value) - 1>());

@@ -134,7 +134,9 @@ surveydata_status surveydata_reader::Next(std::uint32_t kinds, surveydata_entry&
 surveydata_status surveydata_reader_open_file(const char* file_name, std::uint64_t begin,
                                               std::uint64_t end, surveydata_reader** reader) {
   return Open(begin, end, reader, [&](GPSRecordStretch stretch) {
-    return file_name == nullptr ? nullptr : std::make_unique<surveydata_reader>(file_name, stretch);
+    std::unique_ptr<surveydata_reader> made;
+    if (file_name != nullptr) made = std::make_unique<surveydata_reader>(file_name, stretch);
+    return made;
   });
 }
 
@@ -142,9 +144,10 @@ surveydata_status surveydata_reader_open_bytes(const std::uint8_t* bytes, std::s
                                                std::uint64_t begin, std::uint64_t end,
                                                surveydata_reader** reader) {
   return Open(begin, end, reader, [&](GPSRecordStretch stretch) {
-    return bytes == nullptr && size != 0
-               ? nullptr
-               : std::make_unique<surveydata_reader>(std::span(bytes, size), stretch);
+    std::unique_ptr<surveydata_reader> made;
+    if (bytes == nullptr && size != 0) return made;
+    made = std::make_unique<surveydata_reader>(std::span(bytes, size), stretch);
+    return made;
   });
 }
 

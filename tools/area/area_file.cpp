@@ -314,11 +314,15 @@ std::unique_ptr<AreaC> MakeArea(const std::string& kind) {
   Refuse("\"kind\"", "is none of rectangle, polygon, dome");
 }
 
+template <class Value>
+void SetSetting(const AreaText& text, std::string_view key, AreaC& area,
+                void (AreaC::*setter)(Value)) {
+  const double* const value = AreaText::Find(text.numbers, key);
+  if (value != nullptr) (area.*setter)(static_cast<Value>(*value));
+}
+
 void SetSettings(const AreaText& text, AreaC& area) {
-  const auto set = [&]<class Value>(std::string_view key, void (AreaC::*setter)(Value)) {
-    const double* const value = AreaText::Find(text.numbers, key);
-    if (value != nullptr) (area.*setter)(static_cast<Value>(*value));
-  };
+  const auto set = [&](std::string_view key, auto setter) { SetSetting(text, key, area, setter); };
   set("limitLow", &AreaC::SetLimitLow);
   set("limitHigh", &AreaC::SetLimitHigh);
   set("settingA", &AreaC::SetSettingA);
