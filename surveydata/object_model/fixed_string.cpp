@@ -185,6 +185,11 @@ bool FixedStringC<N>::operator==(const FixedStringC& other) const {
 }
 
 template <std::uint16_t N>
+bool FixedStringC<N>::operator!=(const FixedStringC& other) const {
+  return !(*this == other);
+}
+
+template <std::uint16_t N>
 bool FixedStringC<N>::operator<=(const FixedStringC& other) const {
   return NotAfter(data_, other.data_);
 }

@@ -50,6 +50,7 @@ class SURVEYDATA_VISIBLE FixedStringC {
   const char16_t* GetData() const { return data_; }
 
   bool operator==(const FixedStringC& other) const;
+  bool operator!=(const FixedStringC& other) const;
   /// Whether this text precedes or equals `other` in the order of their UTF-8 bytes.
   bool operator<=(const FixedStringC& other) const;
 

@@ -151,7 +151,7 @@ TEST(FixedString, TakesACStringOfUpToItsCapacityAndNoLongerOne) {
   });
 }
 
-TEST(FixedString, ReadsAWideCStringNoFartherThanOneUnitBehindItsCapacity) {
+TEST(FixedString, ReadsAWideCStringAtMostOneUnitPastItsCapacity) {
   const std::vector<char16_t> unterminated(11, u'x');  // a sanitizer detects reads beyond it
   ExpectHolds(FixedStringC<10>(unterminated.data()), u"");
 }
@@ -301,7 +301,20 @@ TEST(FixedString, IsEqualWhenLengthAndUnitsAre) {
   });
 }
 
-TEST(FixedString, EqualityLooksNoFartherThanTheTerminator) {
+// A member, as equality is, so that code that names the operator finds it.
+TEST(FixedString, UnequalIsTheNegationOfEqual) {
+  ForEachCapacity([](auto capacity) {
+    constexpr std::uint16_t N = capacity();
+    bool (FixedStringC<N>::*const isUnequal)(const FixedStringC<N>&) const =
+        &FixedStringC<N>::operator!=;
+    const auto units = Counting(N);
+    EXPECT_FALSE((Text<N>(units).*isUnequal)(Text<N>(units)));
+    EXPECT_TRUE((Text<N>(units).*isUnequal)(Text<N>(units.substr(1))));
+    EXPECT_TRUE(Text<N>(units).operator!=(Text<N>(units.substr(0, N - 1))));
+  });
+}
+
+TEST(FixedString, EqualityReadsUpToTheTerminator) {
   // Every operation leaves zeros after the text; a caller's memcpy may not.
   FixedStringC<10> a(u"abc");
   char16_t units[] = u"abc\0efghij";
