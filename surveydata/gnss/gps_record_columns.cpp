@@ -576,7 +576,8 @@ constexpr GPSColumn kColumns[] = {
         "size", "byte", "The size of the frame, header and checksum included"),
 
     Text<kLargestName, HasName, WriteName>("name", "The name, absent when it is empty"),
-    Number<[](R r) { return r.info->number; }>("number", "", "The number beside the name"),
+    Number<[](R r) { return r.info->number; }>("number", "",
+                                               "The number that is stored with the name"),
     Flag<[](const BlockC& block) {
       return block.Where([](R r) { return (r.info->flags & GPSRecordFileInfo::kKindZero) != 0; });
     }>("kind_zero", "Whether the frame has a kind byte that is 0"),

@@ -12,7 +12,7 @@ struct GPSRecordFileInfo {
   static constexpr std::uint32_t kKindZero = 0x1;     ///< Bit of `flags`: the kind byte was 0.
   static constexpr std::uint32_t kKindNonZero = 0x2;  ///< Bit of `flags`: it was not 0.
 
-  std::int32_t number = 0;   ///< Read and written: the number beside the name.
+  std::int32_t number = 0;   ///< Read and written: the number that is stored with the name.
   char name[49] = {};        ///< Read and written: UTF-8.
   char extension[7] = {};    ///< Given by the caller, without the dot.
   std::uint32_t offset = 0;  ///< Given by the caller: where the frame begins, in bytes.

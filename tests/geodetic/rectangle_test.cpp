@@ -17,9 +17,7 @@ const CoordinateReferenceSystemC kCrs(1, 2, 3);
 const CoordinatePointC kBottomLeft(4, 5, 6);
 const CoordinatePointC kTopRight(7, 8, 9);
 
-TEST(Rectangle, StandsInADefaultSystemByDefault) {
-  EXPECT_EQ(RectangleC().GetCRS().GetVariant(), 1);
-}
+TEST(Rectangle, IsInADefaultSystemByDefault) { EXPECT_EQ(RectangleC().GetCRS().GetVariant(), 1); }
 
 TEST(Rectangle, TakesSystemBottomLeftAndTopRight) {
   const Texts expected = {"1", "2", "3", "4", "5", "6", "7", "8", "9"};

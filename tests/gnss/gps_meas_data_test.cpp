@@ -869,7 +869,7 @@ TEST(MeasDataImplFull, EqualityTakesEveryFieldOfItsOwn) {
   EXPECT_FALSE(raised.isEqual(GPSMeasDataImplC()));
 }
 
-TEST(MeasDataImplFull, EqualityIgnoresWhatStandsBehindTextsAndTheListCount) {
+TEST(MeasDataImplFull, EqualityIgnoresWhatFollowsTextsAndTheListCount) {
   GPSMeasDataImplC a;
   GPSMeasDataImplC b;
   a.SetTextA(u"a longer text before");

@@ -276,7 +276,7 @@ TEST(RecordFileOffsets, OfTwoGigabytesAndMore) {
   }
 }
 
-TEST(RecordFileOffsets, BehindTheEndOfTheFile) {
+TEST(RecordFileOffsets, AfterTheEndOfTheFile) {
   const ByteVector frame = SmallFrame();
   const TempFileC file(frame);
   const GPSMeasDataImplC measurement;
@@ -527,7 +527,7 @@ TEST(RecordFileWrite, FramesThatTheEndOfTheFileCuts) {
   }
 }
 
-TEST(RecordFileWrite, ACutFrameHasZerosBehindTheCutAndARightChecksum) {
+TEST(RecordFileWrite, ATruncatedFrameHasZerosAfterTheCutAndACorrectChecksum) {
   const ByteVector frame = FrameBuilderC().Times().U16(0x0004).F32(5.0F).U8(1).Frame();
   const TempFileC file(ByteVector(frame.begin(), frame.begin() + 20));
   const GPSMeasDataImplC measurement = FilledMeasurement();

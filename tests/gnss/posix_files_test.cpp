@@ -217,7 +217,7 @@ TEST(RecordWriter, AFullDevice) {
 
 // The sequence at the end of the array would need the byte after it, which is the first of the
 // extension.
-TEST(RecordFileWrite, TheByteBehindTheNameIsNotRead) {
+TEST(RecordFileWrite, TheByteAfterTheNameIsNotRead) {
   const TempFileC file(FrameBuilderC().Times().U16(2).Fill(38, 2).Frame(), "file.\xA9");
   SDI::GPSRecordFileInfo info = file.Info();
   std::string name;

@@ -200,7 +200,7 @@ TEST_F(Decoding, EveryTruncationInMemoryIsRefused) {
   }
 }
 
-TEST_F(Decoding, BytesBehindTheFrameAreIgnored) {
+TEST_F(Decoding, BytesAfterTheFrameAreIgnored) {
   ByteVector frame = FrameWithEverything(random_);
   frame.resize(frame.size() + 600, 0xFF);
   EXPECT_EQ(Check(frame), 0U);
@@ -266,7 +266,7 @@ TEST_F(Decoding, EveryCountOfListEntries) {
   }
 }
 
-TEST_F(Decoding, EntriesBehindTheCountAreZero) {
+TEST_F(Decoding, EntriesAfterTheCountAreZero) {
   const ByteVector frame =
       FrameBuilderC().Times().U16(0x2000).U16(0x2000).U16(1).U8(1).U16(7).Frame();
   EXPECT_EQ(Check(frame), 0U);

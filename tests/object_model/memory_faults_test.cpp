@@ -209,7 +209,7 @@ TEST(ScanAreaMemory, AnAreaCanBeUsedAfterAnAssignmentThatFailed) {
   }
 }
 
-TEST(ScanAreaMemory, QuestionsLeaveNothingBehind) {
+TEST(ScanAreaMemory, QuestionsLeaveNoMemoryAllocated) {
   SDI::ScanPolygonAreaC area;
   area.SetPoints(Corners());
   area.SetSteps(0.1, 0.2);

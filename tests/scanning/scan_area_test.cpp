@@ -318,7 +318,7 @@ TEST(ScanArea, AnAreaOfAnotherClassWithTheCodeOfAKindIsNotEqual) {
 }
 
 #if !defined(_WIN32)
-TEST(ScanArea, VirtualFunctionsStandInTheirOrder) {
+TEST(ScanArea, VirtualFunctionsAreInTheirOrder) {
   EXPECT_EQ(VirtualSlot(&ScanDefPointImplC::GetBase), 1);
   EXPECT_EQ(VirtualSlot(&API::BaseC::SetImpl), 1);
   EXPECT_EQ(VirtualSlot(&ScanDefinitionImplC::GetBase), 1);
@@ -375,7 +375,7 @@ TEST(ScanArea, ThePointCountHasSixteenBits) {
   EXPECT_EQ(area.GetPointCount(), 65535u);
 }
 
-TEST(ScanArea, EachStepMustBeAboveZeroBeItEverSoLittle) {
+TEST(ScanArea, EachStepMustBeAboveZeroHoweverSmall) {
   constexpr double kUnit = std::numeric_limits<double>::denorm_min();
   const struct {
     double step;

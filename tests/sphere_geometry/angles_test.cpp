@@ -165,7 +165,7 @@ TEST(Angles, WrapIntoRangeRefusesAndLeavesTheAngle) {
   }
 }
 
-TEST(Angles, WrapIntoRangeAcceptsTenDigitsBesideTheRange) {
+TEST(Angles, WrapIntoRangeAcceptsTenDigitsOutsideTheRange) {
   double beside = 1.0 - TWO_PI + 5e-11;
   EXPECT_TRUE(WrapIntoRange(beside, 0.5, 1.0));
   EXPECT_NEAR(beside, 1.0 + 5e-11, 1e-14);

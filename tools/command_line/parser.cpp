@@ -180,7 +180,7 @@ std::string Explain(const CLI::App* top, const CLI::Error& error) {
   }
   if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
     const auto [one, other] = parts(" requires ");
-    return fmt::format("{} needs {} beside it", one, other);
+    return fmt::format("{} requires {}", one, other);
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
     const std::string name = parts(":").first;

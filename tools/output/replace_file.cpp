@@ -11,7 +11,7 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
-constexpr const char* kChanged = "the file changed meanwhile";
+constexpr const char* kChanged = "the file has been changed by another program";
 
 }  // namespace
 
@@ -78,7 +78,9 @@ void FileReplacementC::Verify(const CopiedFileC& copy, std::span<const FilePatch
     if (foundCount != count ||
         !std::equal(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(count),
                     found.begin())) {
-      original_.Refuse("the copy does not read back as written, or the file changed meanwhile");
+      original_.Refuse(
+          "the copy does not read back as written, or the file has been changed by another "
+          "program");
     }
     if (count < kBlock) return;  // both end here
     at = end;

@@ -240,7 +240,7 @@ CopiedFileC::CopiedFileC(OriginalFileC& original)
   const int error = errno;
   if (platform_->isNamed) unlink(name_.c_str());  // no destructor runs
   errno = error;
-  original_.Fail(fmt::format("cannot write a copy beside {}", original_.GetName()));
+  original_.Fail(fmt::format("cannot write a copy into the folder of {}", original_.GetName()));
 }
 
 CopiedFileC::~CopiedFileC() {

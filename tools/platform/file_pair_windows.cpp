@@ -177,7 +177,7 @@ CopiedFileC::CopiedFileC(OriginalFileC& original)
     own.file = HandleC(CreateFileW(own.path.c_str(), GENERIC_READ | GENERIC_WRITE | WRITE_DAC, 0,
                                    nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!own.file.IsOpen() && GetLastError() != ERROR_FILE_EXISTS) {
-      original_.Fail(fmt::format("cannot write a copy beside {}", original_.GetName()));
+      original_.Fail(fmt::format("cannot write a copy into the folder of {}", original_.GetName()));
     }
   }
   own.isThere = true;

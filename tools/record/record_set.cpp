@@ -280,7 +280,7 @@ Command RecordSetCommand() {
        .take = [options](const std::string& name) { options->changes.name = ToFrameName(name); }},
       {.names = {"--number"},
        .value = "N",
-       .description = "The number beside the name",
+       .description = "The number that is stored with the name",
        .take = [options](const std::string& text) { options->changes.number = ParseNumber(text); }},
       {.names = {"--antenna-height"},
        .value = "H",

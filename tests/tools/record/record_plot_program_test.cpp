@@ -118,7 +118,7 @@ TEST(RecordPlot, NamesFileAxesAndLines) {
   }
 }
 
-TEST(RecordPlot, SetsTheNamesOfTheLegendBehindTheirSamples) {
+TEST(RecordPlot, PutsTheNamesOfTheLegendAfterTheirSamples) {
   const TempFolderC folder;
   Plot(DataPath("valley_drive.rec"), folder / "out.svg");
   const ptree svg = ParseXml(ReadText(folder / "out.svg"));

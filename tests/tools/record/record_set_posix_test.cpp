@@ -262,7 +262,7 @@ void SetTime(const std::string& file, long nanoseconds) {
   ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
 }
 
-TEST_F(RecordSet, RefusesAFileThatChangesMeanwhile) {
+TEST_F(RecordSet, RefusesAFileThatChangesDuringTheChange) {
   const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
   Bytes after = before;
   Change{.name = {}, .number = 77, .height = {}}.Apply(after.data(), kFrameSize);
@@ -321,7 +321,7 @@ TEST_F(RecordSet, RefusesAFileThatChangesMeanwhile) {
   }
 }
 
-TEST_F(RecordSet, LeavesNoCopyBehindWhenASignalComes) {
+TEST_F(RecordSet, LeavesNoCopyWhenASignalComes) {
   const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ, SIGPIPE, SIGUSR1, SIGUSR2,
                            SIGALRM, SIGXCPU, SIGVTALRM, SIGPROF}) {

@@ -222,7 +222,8 @@ TEST_P(RecordSetSteps, RefusesAFileThatIsOnAnotherDeviceByNow) {
   ASSERT_GE(count, 2);
   const Outcome outcome = Set("device stat " + std::to_string(count - 1));
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("the file changed meanwhile"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("the file has been changed by another program"), std::string::npos)
+      << outcome.err;
   EXPECT_TRUE(ReadBytes(file_) == before_);
   ExpectNoCopyBehind();
 }
@@ -308,7 +309,8 @@ TEST_P(RecordSetSignals, RefusesAFileThatGrowsAtTheLastMomentWithTheTimeSetBack)
                                     "cp -p sample.rec old; printf x >>sample.rec; "
                                     "touch -r old sample.rec; rm old");
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("the file changed meanwhile"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("the file has been changed by another program"), std::string::npos)
+      << outcome.err;
   EXPECT_TRUE(ReadBytes(file_) == grown);
   ExpectNoCopyBehind();
 }

@@ -57,7 +57,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereAReaderKeepsItFromBeingReplaced) {
   ExpectUntouched();
 }
 
-TEST_F(RecordSet, LetsNobodyElseChangeTheFileMeanwhile) {
+TEST_F(RecordSet, LetsNobodyElseChangeTheFileDuringTheChange) {
   const Bytes before(before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
   Bytes after = before;
   const Change change{.name = {}, .number = 77, .height = {}};

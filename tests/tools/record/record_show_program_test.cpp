@@ -161,7 +161,7 @@ TEST(RecordShow, ShowsTheBytesOfAFrameWhoseBlocksDoNotFit) {
   EXPECT_TRUE(lines[10].starts_with("        22  ")) << lines[10];
 }
 
-TEST(RecordShow, ShowsBytesBehindTheLastBlockAsUnused) {
+TEST(RecordShow, ShowsBytesAfterTheLastBlockAsUnused) {
   const TempFolderC folder;
   const std::string file = folder / "one.rec";
   WriteBytes(file, MakeFrame(113, MakeBody(0x0000, {1, 2, 3})));
