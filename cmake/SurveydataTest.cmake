@@ -73,7 +73,7 @@ function(surveydata_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE
     SURVEYDATA_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data/")
-  target_link_libraries(${name} PRIVATE
+  target_link_libraries(${name} PRIVATE record_fields
     ${library} ${arg_LIBRARIES} surveydata_warnings Boost::headers GTest::gtest_main)
   if(NOT arg_HEADERS AND arg_EXHAUSTIVE)
     set(arg_HEADERS surveydata_exhaustive_test_headers)

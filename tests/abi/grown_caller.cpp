@@ -10,7 +10,7 @@
 
 #include <surveydata/surveydata.h>
 
-#include "tests/support/record_fields.h"
+#include "tests/support/record_field_lists.h"
 
 namespace {
 

@@ -14,6 +14,7 @@
 #include "tests/support/faults.h"
 #include "tests/support/pairs.h"
 #include "tests/support/temp_file.h"
+#include "tests/support/test_each.h"
 
 // Tests how many heap blocks an operation allocates, and its effect when an allocation fails.
 
@@ -45,9 +46,9 @@ TEST(Heap, IsCounted) {
 
 template <class P>
 class PairHeap : public testing::Test {};
-TYPED_TEST_SUITE(PairHeap, Pairs::AllPairs);
+TEST_EACH_SUITE(PairHeap, Pairs::AllPairs);
 
-TYPED_TEST(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
+TEST_EACH(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
   Public* object = nullptr;
@@ -67,7 +68,7 @@ TYPED_TEST(PairHeap, AnObjectIsTwoBlocksAndACopyTwoMore) {
   EXPECT_EQ(Allocations([&] { impl.GetBase(); }), 0U);
 }
 
-TYPED_TEST(PairHeap, WithoutMemoryNothingIsLeftBehind) {
+TEST_EACH(PairHeap, WithoutMemoryNothingIsLeftBehind) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
   Public* object = nullptr;

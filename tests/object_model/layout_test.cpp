@@ -10,6 +10,7 @@
 
 #include "tests/support/expect_layout.h"
 #include "tests/support/pairs.h"
+#include "tests/support/test_each.h"
 
 // Sizes and alignments of the exported classes, in bytes, and the order of the implementations'
 // fields, which separately compiled callers rely on. The sizes hold for 64-bit pointers.
@@ -57,9 +58,9 @@ const Field kDOPs{kShort, kShort, kShort};
 
 template <class P>
 class PublicLayout : public testing::Test {};
-TYPED_TEST_SUITE(PublicLayout, Pairs::AllPairs);
+TEST_EACH_SUITE(PublicLayout, Pairs::AllPairs);
 
-TYPED_TEST(PublicLayout, IsALinkAndNothingElse) {
+TEST_EACH(PublicLayout, IsALinkAndNothingElse) {
   EXPECT_EQ(sizeof(typename TypeParam::PublicT), 2 * sizeof(void*));
   EXPECT_EQ(alignof(typename TypeParam::PublicT), alignof(void*));
 }

@@ -12,6 +12,7 @@
 
 #include "tests/support/faults.h"
 #include "tests/support/pairs.h"
+#include "tests/support/test_each.h"
 
 // Makes every allocation of every operation fail once. Nothing may leak or be deleted twice (the
 // sanitizer checks that), links must be intact and sources unchanged; if an operation copies before
@@ -39,9 +40,9 @@ class PairMemory : public testing::Test {
     return object;
   }
 };
-TYPED_TEST_SUITE(PairMemory, Pairs::AllPairs);
+TEST_EACH_SUITE(PairMemory, Pairs::AllPairs);
 
-TYPED_TEST(PairMemory, AssignmentFailsOrCopies) {
+TEST_EACH(PairMemory, AssignmentFailsOrCopies) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
   this->Marked();  // allocates everything that is created only once
@@ -66,7 +67,7 @@ TYPED_TEST(PairMemory, AssignmentFailsOrCopies) {
   EXPECT_EQ(FailuresBeforeSuccess([&] { *impl = std::as_const(*impl); }), 0U);  // self-assignment
 }
 
-TYPED_TEST(PairMemory, ACopyOfAnImplementationHasNoOwnerOrDoesNotExist) {
+TEST_EACH(PairMemory, ACopyOfAnImplementationHasNoOwnerOrDoesNotExist) {
   using Impl = typename TypeParam::ImplT;
   const auto source = this->Marked();
   const std::string marked = Shown(*source->GetImpl());
@@ -81,7 +82,7 @@ TYPED_TEST(PairMemory, ACopyOfAnImplementationHasNoOwnerOrDoesNotExist) {
   EXPECT_EQ(Shown(*copy), marked);
 }
 
-TYPED_TEST(PairMemory, AnImplementationThatIsNotAdoptedKeepsItsOwner) {
+TEST_EACH(PairMemory, AnImplementationThatIsNotAdoptedKeepsItsOwner) {
   using Public = typename TypeParam::PublicT;
   auto* const first = this->Marked().release();
   auto* const impl = first->GetImpl();
@@ -97,7 +98,7 @@ TYPED_TEST(PairMemory, AnImplementationThatIsNotAdoptedKeepsItsOwner) {
   delete second;
 }
 
-TYPED_TEST(PairMemory, LinkingAndPartingTakesNone) {
+TEST_EACH(PairMemory, LinkingAndPartingTakesNone) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
   auto* const impl = new Impl;
@@ -113,7 +114,7 @@ TYPED_TEST(PairMemory, LinkingAndPartingTakesNone) {
   EXPECT_EQ(object.GetImpl(), impl);
 }
 
-TYPED_TEST(PairMemory, DestroyingTakesNone) {
+TEST_EACH(PairMemory, DestroyingTakesNone) {
   using Public = typename TypeParam::PublicT;
   auto* object = this->Marked().release();
   EXPECT_EQ(FailuresBeforeSuccess([&] { delete object; }), 0U);

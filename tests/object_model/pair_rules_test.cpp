@@ -6,6 +6,7 @@
 #include <surveydata/surveydata.h>
 
 #include "tests/support/pairs.h"
+#include "tests/support/test_each.h"
 
 // Tests the ownership rules for every pair. AddressSanitizer reports leaks and double deletions;
 // the tests count which objects are destroyed when.
@@ -49,9 +50,9 @@ class PairRules : public testing::Test {
     EXPECT_EQ(impl.GetBase(), &object);
   }
 };
-TYPED_TEST_SUITE(PairRules, Pairs::AllPairs);
+TEST_EACH_SUITE(PairRules, Pairs::AllPairs);
 
-TYPED_TEST(PairRules, ANewPublicObjectIsLinkedToAnImplementationOfItsOwn) {
+TEST_EACH(PairRules, ANewPublicObjectIsLinkedToAnImplementationOfItsOwn) {
   static_assert(std::is_base_of_v<API::BaseC, typename TestFixture::Public>);
   static_assert(std::is_base_of_v<API::ImplObjectC, typename TestFixture::Impl>);
   typename TestFixture::Public object;
@@ -60,7 +61,7 @@ TYPED_TEST(PairRules, ANewPublicObjectIsLinkedToAnImplementationOfItsOwn) {
   EXPECT_NE(IsMarked(*object.GetImpl()), Pairs::kHasData<typename TestFixture::Impl>);
 }
 
-TYPED_TEST(PairRules, EitherSideDestroysTheOther) {
+TEST_EACH(PairRules, EitherSideDestroysTheOther) {
   int objects = 0;
   int impls = 0;
   for (const bool isObjectFirst : {true, false}) {
@@ -81,7 +82,7 @@ TYPED_TEST(PairRules, EitherSideDestroysTheOther) {
   delete (new typename TestFixture::Public)->GetImpl();
 }
 
-TYPED_TEST(PairRules, AdoptingTakesTheImplementationFromItsEarlierOwner) {
+TEST_EACH(PairRules, AdoptingTakesTheImplementationFromItsEarlierOwner) {
   using Owner = Counted<typename TestFixture::Public>;
   int firsts = 0;
   int seconds = 0;
@@ -99,7 +100,7 @@ TYPED_TEST(PairRules, AdoptingTakesTheImplementationFromItsEarlierOwner) {
   EXPECT_EQ(impls, 0);
 }
 
-TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
+TEST_EACH(PairRules, SetImplLeavesTheOldImplementationBehind) {
   int impls = 0;
   auto* const old = new Counted<typename TestFixture::Impl>(impls);
   auto* const impl = new Counted<typename TestFixture::Impl>(impls);
@@ -126,7 +127,7 @@ TYPED_TEST(PairRules, SetImplLeavesTheOldImplementationBehind) {
   EXPECT_EQ(impls, 1);
 }
 
-TYPED_TEST(PairRules, AnImplementationDetachedFirstIsReplacedSafely) {
+TEST_EACH(PairRules, AnImplementationDetachedFirstIsReplacedSafely) {
   typename TypeParam::PublicT object;
   auto* const old = object.GetImpl();
   auto* const impl = new typename TypeParam::ImplT;
@@ -138,7 +139,7 @@ TYPED_TEST(PairRules, AnImplementationDetachedFirstIsReplacedSafely) {
   EXPECT_EQ(impl->GetBase(), &object);
 }
 
-TYPED_TEST(PairRules, SetImplTakesTheImplementationFromItsEarlierOwner) {
+TEST_EACH(PairRules, SetImplTakesTheImplementationFromItsEarlierOwner) {
   int objects = 0;
   auto* const other = new Counted<typename TestFixture::Public>(objects);
   auto* const impl = other->GetImpl();
@@ -151,7 +152,7 @@ TYPED_TEST(PairRules, SetImplTakesTheImplementationFromItsEarlierOwner) {
   this->ExpectLinked(object, *impl);
 }
 
-TYPED_TEST(PairRules, SetBaseDestroysTheEarlierOwner) {
+TEST_EACH(PairRules, SetBaseDestroysTheEarlierOwner) {
   int objects = 0;
   auto* const first = new Counted<typename TestFixture::Public>(objects);
   auto* const impl = first->GetImpl();
@@ -169,7 +170,7 @@ TYPED_TEST(PairRules, SetBaseDestroysTheEarlierOwner) {
   EXPECT_EQ(objects, 0);
 }
 
-TYPED_TEST(PairRules, DetachBaseLeavesTwoIndependentObjects) {
+TEST_EACH(PairRules, DetachBaseLeavesTwoIndependentObjects) {
   int objects = 0;
   int impls = 0;
   auto* const impl = new Counted<typename TestFixture::Impl>(impls);
@@ -184,7 +185,7 @@ TYPED_TEST(PairRules, DetachBaseLeavesTwoIndependentObjects) {
   EXPECT_EQ(objects + impls, 0);
 }
 
-TYPED_TEST(PairRules, GetBaseMakesOnePublicObjectThatDiesWithTheImplementation) {
+TEST_EACH(PairRules, GetBaseMakesOnePublicObjectThatDiesWithTheImplementation) {
   int impls = 0;
   {
     Counted<typename TestFixture::Impl> impl(impls);
@@ -201,7 +202,7 @@ TYPED_TEST(PairRules, GetBaseMakesOnePublicObjectThatDiesWithTheImplementation) 
   delete impl->GetBase();  // destroys `impl`
 }
 
-TYPED_TEST(PairRules, AnImplementationTakesAnOwner) {
+TEST_EACH(PairRules, AnImplementationTakesAnOwner) {
   int owners = 0;
   {
     auto* const owner = new Counted<API::BaseC>(owners);
@@ -213,7 +214,7 @@ TYPED_TEST(PairRules, AnImplementationTakesAnOwner) {
   EXPECT_EQ(owners, 0);
 }
 
-TYPED_TEST(PairRules, CopiesOfAnImplementationHaveNoOwner) {
+TEST_EACH(PairRules, CopiesOfAnImplementationHaveNoOwner) {
   typename TestFixture::Impl impl;
   Mark(impl);
   API::BaseC* const owner = impl.GetBase();
@@ -240,7 +241,7 @@ TYPED_TEST(PairRules, CopiesOfAnImplementationHaveNoOwner) {
   EXPECT_EQ(impl.GetBase(), owner);
 }
 
-TYPED_TEST(PairRules, CopiesOfAPublicObjectAreIndependent) {
+TEST_EACH(PairRules, CopiesOfAPublicObjectAreIndependent) {
   using Object = typename TestFixture::Public;
   if constexpr (std::is_copy_constructible_v<Object>) {
     Object source;
@@ -297,7 +298,7 @@ void ExpectNothingToCopy(Public& object) {
   EXPECT_TRUE(IsMarked(*full.GetImpl()));
 }
 
-TYPED_TEST(PairRules, WithoutItsImplementationAPublicObjectCopiesAsDefaults) {
+TEST_EACH(PairRules, WithoutItsImplementationAPublicObjectCopiesAsDefaults) {
   typename TestFixture::Public object;
   auto* const impl = object.GetImpl();
   impl->DetachBase();
@@ -317,9 +318,9 @@ TYPED_TEST(PairRules, WithoutItsImplementationAPublicObjectCopiesAsDefaults) {
 
 template <class P>
 class UnreadPairRules : public testing::Test {};
-TYPED_TEST_SUITE(UnreadPairRules, Pairs::UnreadPairs);
+TEST_EACH_SUITE(UnreadPairRules, Pairs::UnreadPairs);
 
-TYPED_TEST(UnreadPairRules, ThePublicObjectOwnsWhatItDoesNotRead) {
+TEST_EACH(UnreadPairRules, ThePublicObjectOwnsWhatItDoesNotRead) {
   using Public = typename TypeParam::PublicT;
   int impls = 0;
   int objects = 0;

@@ -11,6 +11,7 @@
 #include <surveydata/surveydata.h>
 
 #include "tests/support/pairs.h"
+#include "tests/support/test_each.h"
 
 // Runs random programs of constructors, copies, assignments, adoptions, links and deletions from
 // either side, and compares all links and the live objects with a model of ownership after every
@@ -290,9 +291,9 @@ testing::Types<P..., Q..., R...> Joined(testing::Types<P...>, testing::Types<Q..
 // The base of the areas is also a pair, although callers do not create it.
 using Bases = testing::Types<Pairs::Pair<SDI::ScanDefinitionC, SDI::ScanDefinitionImplC>>;
 using EveryPair = decltype(Joined(Pairs::AllPairs(), Pairs::UnreadPairs(), Bases()));
-TYPED_TEST_SUITE(RandomProgram, EveryPair);
+TEST_EACH_SUITE(RandomProgram, EveryPair);
 
-TYPED_TEST(RandomProgram, LeavesEveryLinkAndEveryObjectAsTheModelSays) {
+TEST_EACH(RandomProgram, LeavesEveryLinkAndEveryObjectAsTheModelSays) {
   for (int program = 0; program < kPrograms; ++program) {
     for (int step = 0; step < kSteps; ++step) {
       this->Step();

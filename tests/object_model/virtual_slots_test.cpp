@@ -8,6 +8,7 @@
 #include <surveydata/surveydata.h>
 
 #include "tests/support/pairs.h"
+#include "tests/support/test_each.h"
 
 // Tests the order of the virtual functions of both sides of every pair, which separately compiled
 // callers rely on.
@@ -16,7 +17,7 @@ namespace {
 
 template <class P>
 class PairSlots : public testing::Test {};
-TYPED_TEST_SUITE(PairSlots, Pairs::AllPairs);
+TEST_EACH_SUITE(PairSlots, Pairs::AllPairs);
 
 #if defined(__GXX_ABI_VERSION)  // the Itanium ABI: two destructors, then the virtual functions
 using Slot = void (*)();
@@ -30,7 +31,7 @@ Slot SlotOf(const void* object, std::size_t index) {
   return table[index];
 }
 
-TYPED_TEST(PairSlots, APublicObjectIsALinkWithTwoVirtualOperations) {
+TEST_EACH(PairSlots, APublicObjectIsALinkWithTwoVirtualOperations) {
   using Public = typename TypeParam::PublicT;
   static_assert(sizeof(Public) == sizeof(API::BaseC));
   static_assert(std::has_virtual_destructor_v<Public>);
@@ -57,15 +58,15 @@ void ExpectSlotsOfAnImplementation() {
   EXPECT_EQ(owner, made);
 }
 
-TYPED_TEST(PairSlots, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
+TEST_EACH(PairSlots, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
   ExpectSlotsOfAnImplementation<typename TypeParam::ImplT>();
 }
 
 template <class P>
 class UnreadPairSlots : public testing::Test {};
-TYPED_TEST_SUITE(UnreadPairSlots, Pairs::UnreadPairs);
+TEST_EACH_SUITE(UnreadPairSlots, Pairs::UnreadPairs);
 
-TYPED_TEST(UnreadPairSlots, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
+TEST_EACH(UnreadPairSlots, AnImplementationMakesItsPublicObjectInItsSecondVirtualOperation) {
   ExpectSlotsOfAnImplementation<typename TypeParam::ImplT>();
 }
 
