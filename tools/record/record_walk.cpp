@@ -11,7 +11,8 @@ RecordWalkC::RecordWalkC(std::shared_ptr<InputFileC> input, const RecordFile& fi
                          std::function<void(std::uint64_t)> reportProgress)
     : piece_(piece), input_(std::move(input)), reader_(ReadRecords(*input_, piece.stretch)) {
   if (!piece.IsWhole() && input_->FindSize() != file.size) {
-    throw FileErrorC(fmt::format("cannot read {}: it has been changed meanwhile", file.name));
+    throw FileErrorC(
+        fmt::format("cannot read {}: it has been changed by another program", file.name));
   }
   reader_.SetReportProgress(
       [last = piece.stretch.begin, report = std::move(reportProgress)](std::uint64_t at) mutable {
