@@ -161,14 +161,14 @@ std::string ExplainWord(const std::vector<const CLI::App*>& chain) {
 // The error as a sentence that names the words of the command line.
 std::string Explain(const CLI::App* top, const CLI::Error& error) {
   const std::vector<const CLI::App*> chain = Chain(top);
-  const std::string text = error.what();
+  std::string text = error.what();
   const auto parts = [&text](std::string_view between) {
     const std::size_t at = text.find(between);
     return std::pair{text.substr(0, at), text.substr(std::min(at + between.size(), text.size()))};
   };
   const bool isRequired = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
   if (isRequired || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
-    const std::string word = ExplainWord(chain);
+    std::string word = ExplainWord(chain);
     if (!word.empty()) return word;
     if (chain.back()->get_require_subcommand_min() > 0) {
       return ExplainCommand(*chain.back(), "a command is missing");

@@ -53,7 +53,7 @@ std::vector<std::string> RecordFilesOf(const std::string& folder, Iterator entri
 
 std::vector<std::string> FilesOfFolder(const std::string& folder, bool isRecursive) {
   const fs::path path = ToPath(folder);
-  const std::vector<std::string> names =
+  std::vector<std::string> names =
       isRecursive ? RecordFilesOf(folder, fs::recursive_directory_iterator(path))
                   : RecordFilesOf(folder, fs::directory_iterator(path));
   if (names.empty()) {
