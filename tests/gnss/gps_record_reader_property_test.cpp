@@ -213,6 +213,19 @@ TEST(ReaderStretches, AChainCostsReadingFromItsStart) {
   }
 }
 
+// The chain begins before the first look-back and after the second: twice as far is far enough.
+TEST(ReaderStretches, AShortChainCostsTwoLookBacks) {
+  std::mt19937_64 random(20260138);
+  ByteVector bytes(2'000'000, 0x11);
+  Append(bytes, ChainOf(100, 50, 150'000, random));
+  const std::uint64_t begin = 2'145'000;
+  CountedC counted{bytes};
+  GPSRecordReaderC reader(std::ref(counted), bytes.size(), {begin, begin + 1000});
+  EXPECT_EQ(Offsets(reader).size(), 10U);
+  EXPECT_GE(counted.count, 2U * 131'074U);
+  EXPECT_LE(counted.count, 131'074U + 2U * 131'074U + 200'000U);
+}
+
 // Reading a stretch of a real file reads its bytes, those of the look-back, and those that the last
 // header before its end needs after it.
 TEST(ReaderStretches, OfRealFilesReadFewBytesMore) {
