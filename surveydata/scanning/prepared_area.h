@@ -29,8 +29,8 @@ class SURVEYDATA_API PreparedAreaC {
 
   /// Prepares for few queries.
   /// \cost n log n for n points, or that of `ScanAreaC::IsAreaValid` if it is higher. A ring around
-  ///       the zenith that crosses itself nearly everywhere takes time proportional to n^2. Memory is
-  ///       proportional to n: at most about 5 KB for each point and 50 MB.
+  ///       the zenith that crosses itself nearly everywhere takes time proportional to n^2. Memory
+  ///       is proportional to n: at most about 5 KB for each point and 50 MB.
   explicit PreparedAreaC(const ScanAreaC& area);
   PreparedAreaC(const ScanAreaC& area, Questions questions);
   PreparedAreaC(const PreparedAreaC& other);

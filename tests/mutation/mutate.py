@@ -71,6 +71,10 @@ TYPE_AMPERSAND = re.compile(r"(const )?[\w:<>]+ & \w+[,)]")
 MOST_OF_A_FILE = 20
 LONGEST_RUN = 100  # seconds; a longer run counts as endless, unless the test is slow without a mutation
 
+# Headers of the program whose code is more than accessors.
+HEADERS_WITH_CODE = ["output/json_writer.h", "record/describe_record.h", "record/ordered_jobs.h",
+                     "record/record_pass.h"]
+
 # The tests that are relevant for a file: the entry with the longest matching prefix. Programs that
 # do not use GoogleTest are listed with their arguments.
 TESTS = {
@@ -154,7 +158,7 @@ TESTS = {
                                   "tps_correction_data_test", "tps_calibration_data_test",
                                   "record_rules_test", "pair_rules_test"],
     "tools/": ["program_test", "posix_program_test", "descriptions_test"],
-    "tools/area/": ["area_parts_test", "area_program_test"],
+    "tools/area/": ["area_parts_test", "area_program_test", "posix_program_test"],
     "tools/area/direction_reader": ["direction_reader_test", "area_program_test"],
     "tools/command_line/": ["descriptions_test", "program_test", "posix_program_test",
                             "record_set_steps_test"],
@@ -164,6 +168,10 @@ TESTS = {
                       "area_program_test"],
     "tools/output/chart": ["chart_test", "record_plot_program_test"],
     "tools/output/csv": ["csv_cell_test", "record_export_program_test", "area_program_test"],
+    "tools/output/json_writer": ["record_export_program_test", "record_list_program_test",
+                                 "record_check_program_test", "area_program_test"],
+    "tools/output/output": ["program_test", "posix_program_test", "record_files_program_test",
+                            "area_program_test", "view_command_test"],
     "tools/output/gps_time": ["gps_time_text_test", "record_list_program_test"],
     "tools/output/label_placer": ["label_placer_test", "area_program_test"],
     "tools/output/raster": ["raster_test", "area_program_test"],
@@ -175,6 +183,31 @@ TESTS = {
     "tools/record/": ["record_filter_test", "record_list_program_test", "record_show_program_test",
                       "record_export_program_test", "record_plot_program_test",
                       "record_set_program_test", "posix_program_test"],
+    "tools/record/changed_fields": ["record_diff_program_test"],
+    "tools/record/common_records": ["common_records_test", "record_diff_program_test"],
+    "tools/record/describe_record": ["record_export_program_test", "record_show_program_test",
+                                     "record_set_program_test"],
+    "tools/record/each_measurement": ["record_export_program_test", "record_files_program_test",
+                                      "record_plot_program_test"],
+    "tools/record/join_records": ["record_join_program_test", "record_files_program_test"],
+    "tools/record/kept_records": ["record_join_program_test", "record_files_program_test"],
+    "tools/record/ordered_jobs": ["ordered_jobs_test", "ordered_jobs_program_test",
+                                  "record_files_program_test"],
+    "tools/record/piece_output": ["record_files_program_test", "record_list_program_test",
+                                  "record_export_program_test", "posix_program_test"],
+    "tools/record/record_check": ["record_check_program_test", "record_files_program_test"],
+    "tools/record/record_columns": ["record_export_program_test", "record_filter_test"],
+    "tools/record/record_condition": ["record_filter_test"],
+    "tools/record/record_cut": ["record_join_program_test", "record_files_program_test"],
+    "tools/record/record_diff": ["record_diff_program_test"],
+    "tools/record/record_files": ["record_files_program_test", "record_join_program_test",
+                                  "record_check_program_test", "posix_program_test"],
+    "tools/record/record_findings": ["record_check_program_test", "record_files_program_test"],
+    "tools/record/record_join": ["record_join_program_test"],
+    "tools/record/record_pass": ["record_files_program_test", "ordered_jobs_program_test",
+                                 "record_list_program_test", "posix_program_test"],
+    "tools/record/record_walk": ["record_files_program_test", "record_list_program_test",
+                                 "input_file_program_test"],
     "tools/record/explain_frame": ["explain_frame_test", "record_show_program_test"],
     "tools/record/find_frame": ["record_set_program_test", "record_show_program_test"],
     "tools/record/patch_frame": ["record_set_program_test"],
@@ -226,7 +259,8 @@ def candidates(only):
     files += [PROJECT / "surveydata/object_model/handle.h", PROJECT / "surveydata/gnss/record_frame.h"]
     files += sorted(PROJECT.glob("surveydata/gnss/frame_*.h"))
     files += sorted(PROJECT.glob("surveydata/sphere_geometry/*.h"))
-    files += [path for path in sorted(PROJECT.glob("tools/**/*.cpp"))
+    files += [path for path in sorted(PROJECT.glob("tools/**/*.cpp")) + [
+                  PROJECT / "tools" / name for name in HEADERS_WITH_CODE]
               if not path.stem.endswith("_windows") and path.stem != "describe_commands"]
     found = []
     for path in files:
