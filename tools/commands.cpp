@@ -20,7 +20,8 @@ Command MakeCommands() {
       "  2  wrong usage\n"
       "  3  a file cannot be read or written, a browser cannot be started, or there is not enough\n"
       "     memory\n"
-      "  4  no answer, because the area is not valid (area contains, grid, outline, plot)\n\n"
+      "  4  no answer: the area is not valid (area contains, grid, outline, plot), or an angle is\n"
+      "     too large for the unit (area convert)\n\n"
       "Example:\n  surveydata record --help";
   top.options = {{.names = {"--version"},
                   .description = "Print the version of the program and exit",

@@ -237,7 +237,7 @@ TEST(RecordCommands, ReadAPipeAsAFile) {
     const Outcome expected = run("", file);
     std::vector<Outcome> outcomes = {
         run("rm -f pipe; mkfifo pipe; { sleep 0.1; cat " + file + "; } > pipe & ", "pipe")};
-    for (const char* const input : {"-", "/dev/stdin"}) {
+    for (const char* const input : {"-", "/dev/stdin", "/dev/fd/0"}) {
       if (command.find(" set ") != std::string::npos) continue;  // standard input cannot be changed
       outcomes.push_back(run("cat " + file + " | ", input));
       outcomes.push_back(run("", input, " < " + file));
@@ -274,6 +274,18 @@ TEST(AreaContains, ReadsDirectionsFromAPipeAsFromAFile) {
   EXPECT_EQ(
       run("cat facade.json | " + contains.substr(0, contains.rfind(' ')) + " - --csv d.csv").out,
       expected);
+}
+
+TEST(AreaContains, RefusesToReadBothFromStandardInput) {
+  const TempFolderC folder;
+  fs::copy(DataPath("areas/facade.json"), folder / "facade.json");
+  for (const std::string area : {"-", "/dev/stdin", "/dev/fd/0", "/proc/self/fd/0"}) {
+    EXPECT_EQ(RunShell("surveydata area contains " + area + " --csv - < facade.json",
+                       folder.Path().string())
+                  .exitCode,
+              2)
+        << area;
+  }
 }
 
 TEST(Pictures, OfStandardInputGoToStandardOutput) {
@@ -423,6 +435,39 @@ TEST(RecordExport, TakesAFixedAmountOfMemory) {
     EXPECT_LT(usage.memory, memory);
   }
 }
+
+#if defined(__linux__)
+// So that the messages of programs that run at the same time do not mix.
+TEST(Program, WritesAMessageInOneCallAndLimitsIt) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"record", "list", std::string(3000, '\n')},
+        {"record", "nonsense"},
+        {"area", "info", std::string(100'000, 'x')},
+        {std::string(100'000, 'x')}}) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_DIRECT), 0);  // each read gives the bytes of one call
+    std::vector<const char*> words = {"surveydata"};
+    for (const std::string& argument : arguments) words.push_back(argument.c_str());
+    words.push_back(nullptr);
+    const std::string program = ProgramPath();
+    const pid_t child = fork();
+    if (child == 0) {
+      dup2(ends[1], STDERR_FILENO);
+      execv(program.c_str(), const_cast<char* const*>(words.data()));
+      _exit(127);
+    }
+    close(ends[1]);
+    char text[8192];
+    const ssize_t size = read(ends[0], text, sizeof(text));
+    ASSERT_GT(size, 1);
+    EXPECT_LE(size, 4096);
+    EXPECT_EQ(text[size - 1], '\n');
+    EXPECT_EQ(read(ends[0], text, sizeof(text)), 0);
+    close(ends[0]);
+    EXPECT_EQ(waitpid(child, nullptr, 0), child);
+  }
+}
+#endif
 
 // Lines of very many cells, which go to the output.
 TEST(AreaContains, TakesALimitedAmountOfMemory) {

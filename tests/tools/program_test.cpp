@@ -131,6 +131,31 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
   }
 }
 
+TEST(Program, TakesNamesThatBeginWithADashAfterTwoDashes) {
+  const TempFolderC folder;
+  const std::string work = folder.Path().string();
+  for (const char* const name : {"a.rec", "-b.rec", "--json"}) {
+    WriteBytes(folder / name, ReadBytes(DataPath("valley_drive.rec")));
+  }
+  const Outcome expected =
+      RunProgram({"record", "list", "a.rec", "./-b.rec", "./--json"}, {.folder = work});
+  EXPECT_EQ(expected.exitCode, 1);
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"record", "list", "a.rec", "--", "-b.rec", "--json"},
+        {"record", "list", "--", "a.rec", "-b.rec", "--json"}}) {
+    const Outcome outcome = RunProgram(words, {.folder = work});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(Lines(outcome.out).size(), Lines(expected.out).size());
+    EXPECT_NE(outcome.out.find("\n-b.rec\n"), std::string::npos);
+  }
+  const Outcome wrong =
+      RunProgram({"record", "show", "a.rec", "--offset", "0", "--", "-c.rec"}, {.folder = work});
+  EXPECT_EQ(wrong.err,
+            "surveydata: '-c.rec' is one argument too many: surveydata record show takes one FILE\n"
+            "Run with --help for more information.\n");
+}
+
 // Each message names the wrong word and, if known, the correct one.
 TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
   const std::string area = DataPath("areas/facade.json");

@@ -167,7 +167,7 @@ class AnswerC {
   }
 
   void WriteCell(std::string_view text) {
-    out_.Print("{}{}", isFirstCell_ ? "" : ",", CsvCell(text, formulas_));
+    out_.Print("{}{}", isFirstCell_ ? "" : ",", CsvCell(ToPrintable(text), formulas_));
     isFirstCell_ = false;
   }
 

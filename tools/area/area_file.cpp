@@ -192,7 +192,8 @@ class AreaHandlerC : public json::json_sax_t {
 
   [[noreturn]] static void RefuseKey(const std::string& where, std::string_view key,
                                      const std::string& known) {
-    Refuse(where + Quoted(key), fmt::format("is not a member of this format ({})", known));
+    Refuse(where + Quoted(Shortened(key)),
+           fmt::format("is not a member of this format ({})", known));
   }
   [[noreturn]] static void RefuseRepeat(const std::string& where, std::string_view key) {
     Refuse(where + Quoted(key), "appears twice in one object");

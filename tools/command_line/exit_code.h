@@ -12,7 +12,7 @@ enum class ExitCode : int {
   kFinding = 1,        ///< A finding, such as a gap, a bad frame or a direction outside.
   kUsage = 2,          ///< The command line is wrong.
   kFileError = 3,      ///< A file cannot be read or written.
-  kCannotBeAsked = 4,  ///< The question has no answer: the area is not valid.
+  kCannotBeAsked = 4,  ///< The question has no answer, for example because the area is not valid.
 };
 
 /// Ends the command: `main` prints the message and exits with the code.

@@ -22,6 +22,31 @@ std::string Joined(const std::vector<std::string>& names) {
   return fmt::format("{}", fmt::join(names, ","));
 }
 
+// CLI11 understands "--" only before the first argument of a command. The words after it that begin
+// with a dash are given to it with this mark before them, and without the "--".
+constexpr char kMark = '\x01';
+
+std::vector<std::string> MarkArguments(int argc, char** argv) {
+  std::vector<std::string> words;
+  bool areArguments = false;
+  for (int i = 0; i < argc; ++i) {
+    const std::string_view word = argv[i];
+    if (word == "--" && !areArguments) {
+      areArguments = true;
+    } else {
+      words.emplace_back(word);
+      if (areArguments && word.starts_with('-')) words.back().insert(0, 1, kMark);
+    }
+  }
+  return words;
+}
+
+std::string WithoutMarks(std::string text) {
+  const char marked[] = {kMark, '-', '\0'};
+  for (std::size_t at = 0; (at = text.find(marked, at)) != std::string::npos;) text.erase(at, 1);
+  return text;
+}
+
 void AddOption(CLI::App& app, const CommandOption& option) {
   const std::string names = Joined(option.names);
   if (option.isHelp) {
@@ -41,7 +66,7 @@ void AddOption(CLI::App& app, const CommandOption& option) {
   const auto take = [&option, &name](const CLI::results_t& values) {
     for (const std::string& value : values) {
       try {
-        option.take(value);
+        option.take(WithoutMarks(value));
       } catch (const ValueErrorC& error) {
         throw CLI::ValidationError(name, error.what());
       }
@@ -199,13 +224,17 @@ Request Parse(const Command& top, int argc, char** argv) {
   app.allow_windows_style_options(false);  // a path that begins with a slash is not an option
   const Command* chosen = nullptr;
   AddContents(app, top, chosen);
+  const std::vector<std::string> words = MarkArguments(argc, argv);
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) pointers.push_back(word.c_str());
   try {
-    app.parse(argc, argv);
+    app.parse(static_cast<int>(pointers.size()), pointers.data());
   } catch (const CLI::ParseError& error) {
     std::ostringstream help;
     std::ostringstream complaint;
     if (app.exit(error, help, complaint) == 0) return {{}, help.str()};
-    throw ToolErrorC(ExitCode::kUsage, complaint.str(), "Run with --help for more information.");
+    throw ToolErrorC(ExitCode::kUsage, WithoutMarks(complaint.str()),
+                     "Run with --help for more information.");
   }
   return {chosen->run, {}};
 }

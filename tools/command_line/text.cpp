@@ -110,8 +110,30 @@ void WriteVisibleTo(std::string_view utf8, const Write& write) {
 
 }  // namespace
 
-void WriteVisible(std::string_view utf8, void (*write)(std::string_view part)) {
-  WriteVisibleTo(utf8, write);
+std::size_t ToVisible(std::string_view utf8, std::span<char> to) {
+  constexpr std::string_view kCut = "...";
+  std::size_t size = 0;
+  std::size_t sizeBeforeCut = 0;  // so long that the mark of a cut fits
+  bool isCut = false;
+  // Every byte takes at least one byte in the buffer.
+  WriteVisibleTo(utf8.substr(0, to.size() + 1), [&](std::string_view part) {
+    isCut = isCut || part.size() > to.size() - size;
+    if (isCut) return;
+    std::copy(part.begin(), part.end(), to.begin() + static_cast<std::ptrdiff_t>(size));
+    size += part.size();
+    if (size + kCut.size() <= to.size()) sizeBeforeCut = size;
+  });
+  if (!isCut) return size;
+  std::copy(kCut.begin(), kCut.end(), to.begin() + static_cast<std::ptrdiff_t>(sizeBeforeCut));
+  return sizeBeforeCut + kCut.size();
+}
+
+std::string Shortened(std::string_view utf8) {
+  constexpr std::size_t kMost = 60;
+  if (utf8.size() <= kMost) return std::string(utf8);
+  std::size_t size = kMost;
+  while (size > kMost - 4 && (static_cast<unsigned char>(utf8[size]) & 0xC0) == 0x80) --size;
+  return std::string(utf8.substr(0, size)) + "...";
 }
 
 std::string ToVisible(std::string_view utf8) {

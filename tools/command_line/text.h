@@ -2,7 +2,9 @@
 #define SURVEYDATA_TOOLS_COMMAND_LINE_TEXT_H_
 
 #include <charconv>
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -24,8 +26,12 @@ std::string ToUtf8(std::string_view text);
 /// are not UTF-8, as \xff; unpaired surrogates, as \ud83d.
 std::string ToVisible(std::u16string_view text);
 std::string ToVisible(std::string_view utf8);
-/// The same, part by part and without allocating.
-void WriteVisible(std::string_view utf8, void (*write)(std::string_view part));
+/// The same into a buffer of at least three bytes, without allocating. Returns the length. A text
+/// that is too long is cut after a character and ends with "...".
+std::size_t ToVisible(std::string_view utf8, std::span<char> to);
+
+/// A text for messages: one of more than 60 bytes is cut before a character and ends with "...".
+std::string Shortened(std::string_view utf8);
 
 /// Whether the text has a control character, or a line or paragraph separator.
 bool HasControl(std::u16string_view text);

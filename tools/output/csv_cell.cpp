@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <command_line/text.h>
 #include <output/csv_cell.h>
 
@@ -8,7 +10,8 @@ bool IsFormula(std::string_view text) {
   constexpr std::string_view kFirst = "=+-@\t\r";
   if (text.empty() || kFirst.find(text.front()) == std::string_view::npos) return false;
   const bool hasPlus = text.front() == '+' && text.substr(1, 1) != "-";
-  return !ToNumber<double>(hasPlus ? text.substr(1) : text);
+  const auto number = ToNumber<double>(hasPlus ? text.substr(1) : text);
+  return !number || !std::isfinite(*number);  // a spreadsheet takes -inf for a formula
 }
 
 }  // namespace
@@ -29,7 +32,7 @@ std::string CsvCell(std::string_view text, Formulas formulas) {
   std::string cell;
   if (formulas == Formulas::kEscape && IsFormula(text)) cell += '\'';
   cell += text;
-  if (cell.find_first_of(",\"\r\n") == std::string::npos) return cell;
+  if (cell.find_first_of(",;\t\"\r\n") == std::string::npos) return cell;
   std::string quoted = "\"";
   for (const char c : cell) {
     if (c == '"') quoted += '"';

@@ -15,7 +15,8 @@ enum class Formulas { kEscape, kKeep };
 CommandOption FormulasOption(Formulas& formulas);
 
 /// A text as a cell of a CSV table: in quotes, with its quotation marks doubled, if RFC 4180
-/// requires that. With `kEscape`, a text that is not a number and begins with = + - @, a tab or a
+/// requires that, or if it contains another separator, which some spreadsheets split at. With
+/// `kEscape`, a text that is not a finite number and begins with = + - @, a tab or a
 /// carriage return gets a leading apostrophe, so that a spreadsheet shows it instead of evaluating
 /// it.
 std::string CsvCell(std::string_view text, Formulas formulas);

@@ -67,11 +67,16 @@ void JsonWriterC::Write(std::u16string_view text) {
 
 void JsonWriterC::Write(std::string_view utf8) {
   out_.push_back('"');
-  for (const char byte : utf8) {
-    if (static_cast<unsigned char>(byte) < 0x80) {
-      AppendEscaped(out_, static_cast<unsigned char>(byte));
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(utf8[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < utf8.size() ? utf8[i + 1] : '\0');
+    if (byte < 0x80) {
+      AppendEscaped(out_, byte);
+    } else if (byte == 0xC2 && next < 0xA0) {  // a control character from U+0080 on
+      AppendEscaped(out_, next);
+      ++i;
     } else {
-      out_.push_back(byte);
+      out_.push_back(utf8[i]);
     }
   }
   out_.push_back('"');

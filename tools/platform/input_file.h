@@ -10,7 +10,8 @@
 
 namespace Tool {
 
-/// Whether this name from the command line means standard input: "-" or "/dev/stdin".
+/// Whether this name from the command line means standard input: "-" or "/dev/stdin", and on POSIX
+/// systems "/dev/fd/0" or "/proc/self/fd/0".
 bool IsStandardInput(const std::string& name);
 
 /// Whether both are the same regular file. `input` may mean standard input.

@@ -11,7 +11,9 @@
 
 namespace Tool {
 
-bool IsStandardInput(const std::string& name) { return name == "-" || name == "/dev/stdin"; }
+bool IsStandardInput(const std::string& name) {
+  return name == "-" || name == "/dev/stdin" || name == "/dev/fd/0" || name == "/proc/self/fd/0";
+}
 
 bool IsSameRegularFile(const std::string& output, const std::string& input) {
   struct stat one {};

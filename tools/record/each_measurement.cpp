@@ -29,7 +29,7 @@ MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filt
       continue;
     }
     ++counts.badFrames;
-    output.Tell(
+    output.TellOneOfMany(
         fmt::format("{}the frame at {} is left out: its blocks do not fit", prefix, entry.offset));
   }
   walk.SetReportDamaged(nullptr);

@@ -23,9 +23,9 @@ struct MeasurementCounts {
 };
 
 /// Reads the measurements of `walk` and visits those that `filter` selects. Bad frames are left out
-/// and counted; each frame whose blocks do not fit gives a message that begins with `prefix`.
-/// Headers in a gap whose frame would overlap the next record are ignored: random bytes can look
-/// like them.
+/// and counted; the first 100 frames of a file whose blocks do not fit give messages that begin
+/// with `prefix`. Headers in a gap whose frame would overlap the next record are ignored: random
+/// bytes can look like them.
 MeasurementCounts ForEachMeasurement(RecordWalkC& walk, const RecordFilter& filter,
                                      PieceOutputC& output, const std::string& prefix,
                                      const std::function<void(const DecodedRecord&)>& visit);

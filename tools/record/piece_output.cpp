@@ -19,17 +19,24 @@ void BufferPoolC::Give(Buffer buffer) {
   free_.push_back(std::move(buffer));
 }
 
-void PieceOutputC::Tell(std::string message) {
-  if (IsKept()) {
-    messages_.push_back(std::move(message));
-    return;
-  }
+void PieceOutputC::Tell(const std::string& message) {
   progress_->Wipe();
   Tool::Tell(message);
 }
 
+void PieceOutputC::TellOneOfMany(std::string message) {
+  constexpr std::size_t kMost = 100;
+  if (told_ == kMost) return;
+  ++told_;
+  if (IsKept()) {
+    messages_.push_back(std::move(message));
+  } else {
+    Tell(message);
+  }
+}
+
 void PieceOutputC::PutTo(PieceOutputC& direct) {
-  for (std::string& message : messages_) direct.Tell(std::move(message));
+  for (std::string& message : messages_) direct.TellOneOfMany(std::move(message));
   messages_.clear();
   if (kept_ == nullptr) return;
   if (kept_->size() > 0) direct.out_->Write({kept_->data(), kept_->size()});

@@ -1,6 +1,7 @@
 #ifndef SURVEYDATA_TOOLS_RECORD_PIECE_OUTPUT_H_
 #define SURVEYDATA_TOOLS_RECORD_PIECE_OUTPUT_H_
 
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -43,8 +44,12 @@ class PieceOutputC {
   void FlushIfFull() {
     if (kept_ == nullptr) out_->FlushIfFull();
   }
-  /// Writes a message to standard error.
-  void Tell(std::string message);
+  /// Writes a message to standard error. Not for output that is kept.
+  void Tell(const std::string& message);
+  /// The same for one of very many like it: of each file only the first 100 are written.
+  void TellOneOfMany(std::string message);
+  /// Begins the messages of the next file.
+  void BeginFile() { told_ = 0; }
   bool IsKept() const { return pool_ != nullptr; }
 
   /// Writes the kept output. Call it once.
@@ -53,7 +58,8 @@ class PieceOutputC {
  private:
   BufferPoolC* pool_ = nullptr;
   BufferPoolC::Buffer kept_;
-  std::vector<std::string> messages_;
+  std::vector<std::string> messages_;  // each of them one of many
+  std::size_t told_ = 0;
   OutputC* out_ = nullptr;
   ProgressC* progress_ = nullptr;
 };

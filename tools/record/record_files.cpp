@@ -35,33 +35,34 @@ bool IsRecordFile(const fs::directory_entry& entry) {
   return extension == ".rec" && entry.is_regular_file(ignored);
 }
 
-template <class Iterator>
-std::vector<std::string> RecordFilesOf(const std::string& folder, Iterator entries) {
-  std::vector<std::string> names;
+// The record files of a folder, and folders that cannot be read, with the reason.
+void FindIn(const fs::path& folder, bool isRecursive, std::vector<RecordFile>& found) {
   std::error_code error;
-  for (; entries != Iterator(); entries.increment(error)) {
-    if (error) break;
-    if (IsRecordFile(*entries)) names.push_back(ToName(entries->path()));
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (isRecursive && entry->symlink_status(ignored).type() == fs::file_type::directory) {
+      FindIn(entry->path(), isRecursive, found);
+    } else if (IsRecordFile(*entry)) {
+      found.push_back({.name = ToName(entry->path())});
+    }
   }
-  if (error) {
-    throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: {}", folder, error.message()));
-  }
-  std::ranges::sort(names);
-  return names;
+  if (!error) return;
+  const std::string name = ToName(folder);
+  found.push_back(
+      {.name = name, .fault = fmt::format("cannot read {}: {}", name, error.message())});
 }
 
-std::vector<std::string> FilesOfFolder(const std::string& folder, bool isRecursive) {
-  const fs::path path = ToPath(folder);
-  std::vector<std::string> names =
-      isRecursive ? RecordFilesOf(folder, fs::recursive_directory_iterator(path))
-                  : RecordFilesOf(folder, fs::directory_iterator(path));
-  if (names.empty()) {
+std::vector<RecordFile> FilesOfFolder(const std::string& folder, bool isRecursive) {
+  std::vector<RecordFile> found;
+  FindIn(ToPath(folder), isRecursive, found);
+  if (found.empty()) {
     throw ToolErrorC(ExitCode::kFileError,
                      fmt::format("cannot read {}: it is a folder without a file *.rec{}", folder,
                                  isRecursive ? "" : "; --recursive looks into those below"));
   }
-  return names;
+  std::ranges::sort(found, {}, &RecordFile::name);
+  return found;
 }
 
 RecordFile Look(const std::string& name) {
@@ -133,8 +134,8 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
       if (options.AreMany()) files.back().opened.reset();  // there may be too many to keep open
       continue;
     }
-    for (const std::string& below : FilesOfFolder(name, options.isRecursive)) {
-      files.push_back(Look(below));
+    for (const RecordFile& below : FilesOfFolder(name, options.isRecursive)) {
+      files.push_back(below.fault.empty() ? Look(below.name) : below);
       files.back().opened.reset();
     }
   }

@@ -74,6 +74,7 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
   ExitCode worst = ExitCode::kDone;
   std::optional<std::size_t> failed;  // the last file that cannot be read
   const auto take = [&](const RecordPiece& piece, Result& result, const std::string& fault) {
+    if (piece.isFirst) direct.BeginFile();
     if (piece.isLast) inputs.Close(piece.file);
     if (failed == piece.file) return;
     pass.Take(piece, result, direct);

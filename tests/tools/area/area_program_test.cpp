@@ -304,6 +304,29 @@ TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
   EXPECT_EQ(Area("info", AreaPath("bow_tie")).exitCode, 1);
 }
 
+// The table of exit codes names the commands that end with 4.
+TEST(AreaCommands, ThatGiveTheCodeFourAreInTheTableOfExitCodes) {
+  const std::string help = RunProgram({"--help"}).out;
+  const std::string before = "the area is not valid (area ";
+  const std::size_t begin = help.find(before, help.find("\n  4  "));
+  ASSERT_NE(begin, std::string::npos) << help;
+  const std::size_t end = help.find(')', begin);
+  const std::string named = help.substr(begin + before.size(), end - begin - before.size()) + ",";
+  const TempFolderC folder;
+  int codes = 0;
+  for (const auto& [command, more] : {std::pair<std::string, std::vector<std::string>>{"info", {}},
+                                      {"outline", {}},
+                                      {"contains", {"130,70"}},
+                                      {"grid", {}},
+                                      {"convert", {"--unit", "gon"}},
+                                      {"plot", {"-o", folder / "out.svg"}}}) {
+    const bool isFour = Area(command, AreaPath("bow_tie"), more).exitCode == 4;
+    EXPECT_EQ(named.find(command + ",") != std::string::npos, isFour) << command;
+    codes += isFour ? 1 : 0;
+  }
+  EXPECT_EQ(std::count(named.begin(), named.end(), ','), codes);
+}
+
 TEST(AreaCommands, ReportEightReasonsAndInfoReportsAll) {
   const TempFolderC folder;
   std::string points;
@@ -333,6 +356,19 @@ TEST(AreaContains, AnswersForDirectionsOfTheCommandLine) {
   EXPECT_EQ(mixed.out,
             "{\"hz\":-5.0,\"v\":90.0,\"inside\":true}\n"
             "{\"hz\":20.0,\"v\":90.0,\"inside\":false}\n");
+}
+
+// Otherwise they would look like options.
+TEST(AreaContains, TakesNegativeDirectionsAfterTwoDashes) {
+  const Outcome middle = Area("contains", AreaPath("doorway"), {"0,90", "--", "-5,95"});
+  EXPECT_TRUE(Lines(middle.out).back().starts_with("2 directions: ")) << middle.out << middle.err;
+  EXPECT_NE(middle.out.find(" -5 "), std::string::npos) << middle.out;
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"--", "0,90", "-5,95"},
+                                                {"--format", "text", "0,90", "--", "-5,95"}}) {
+    EXPECT_EQ(Area("contains", AreaPath("doorway"), words).out, middle.out);
+  }
+  EXPECT_EQ(Area("contains", AreaPath("doorway"), {"0,90", "--", "-5,95", "--json"}).err,
+            "surveydata: --json is not a direction HZ,V: two numbers, with a decimal point\n");
 }
 
 TEST(AreaContains, ReadsDirectionsFromAFileOrStandardInput) {
@@ -386,7 +422,7 @@ TEST(AreaContains, PassesOtherColumnsOn) {
             "               1                91  inside     \n"
             "3 directions: 2 inside, 1 outside\n");
   EXPECT_EQ(ask({"--format", "csv"}),
-            "id,V,remark,HZ,inside\r\nP;1,90,'=1+1,0,true\r\n"
+            "id,V,remark,HZ,inside\r\n\"P;1\",90,'=1+1,0,true\r\n"
             "#2,90.5,\"say \"\"x\"\"\",20,false\r\n,91,,+1,true\r\n");
   EXPECT_NE(ask({"--format", "csv", "--formulas", "keep"}).find(",=1+1,"), std::string::npos);
   const std::string jsonLines =
@@ -396,6 +432,34 @@ TEST(AreaContains, PassesOtherColumnsOn) {
       "{\"hz\":1.0,\"v\":91.0,\"inside\":true,\"columns\":{\"id\":\"\",\"remark\":\"\"}}\n";
   EXPECT_EQ(ask({"--json"}), jsonLines);
   EXPECT_EQ(ask({"--format", "json"}), jsonLines);
+}
+
+// As everywhere in CSV, control characters and bytes that are not UTF-8 become U+FFFD.
+TEST(AreaContains, WritesNoControlCharactersToCsvOrJson) {
+  const TempFolderC folder;
+  const std::string text = "hz,v,a\x1B\n0,90,\x1B[31m\xFF\u009B\u00E9\n";
+  WriteBytes(folder / "d.csv", Bytes(text.begin(), text.end()));
+  const std::vector<std::string> options = {"--csv", folder / "d.csv", "--format"};
+  const auto ask = [&](const std::string& format) {
+    std::vector<std::string> all = options;
+    all.push_back(format);
+    return Area("contains", AreaPath("doorway"), all).out;
+  };
+  EXPECT_EQ(ask("csv"), "hz,v,a\uFFFD,inside\r\n0,90,\uFFFD[31m\uFFFD\uFFFD\u00E9,true\r\n");
+  EXPECT_EQ(ask("json"),
+            "{\"hz\":0.0,\"v\":90.0,\"inside\":true,\"columns\":{\"a\\u001b\":"
+            "\"\\u001b[31m\uFFFD\\u009b\u00E9\"}}\n");
+}
+
+TEST(AreaFile, IsRefusedWithAShortMessage) {
+  const TempFolderC folder;
+  const Outcome outcome =
+      Area("info", Written(folder, "{\"" + std::string(5'000'000, 'A') + "\": 1}"));
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("\"" + std::string(60, 'A') + "...\" is not a member"),
+            std::string::npos)
+      << outcome.err.substr(0, 1000);
+  EXPECT_LT(outcome.err.size(), 1000u);
 }
 
 TEST(AreaContains, WritesCsvWithoutOtherColumns) {

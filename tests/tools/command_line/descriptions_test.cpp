@@ -13,6 +13,7 @@
 #include <command_line/command.h>
 #include <command_line/common_options.h>
 #include <command_line/completion.h>
+#include <command_line/exit_code.h>
 #include <command_line/man_page.h>
 #include <commands.h>
 
@@ -133,6 +134,27 @@ TEST(ManPage, GroupsTheCommandsByTask) {
       for (const std::string& path : task.paths) count += "surveydata " + path == command->path;
     }
     EXPECT_EQ(count, command->commands.empty() ? 1 : 0) << command->path;
+  }
+}
+
+// The compiler reports a code that is missing here.
+bool IsExitCode(int code) {
+  switch (static_cast<Tool::ExitCode>(code)) {
+    case Tool::ExitCode::kDone:
+    case Tool::ExitCode::kFinding:
+    case Tool::ExitCode::kUsage:
+    case Tool::ExitCode::kFileError:
+    case Tool::ExitCode::kCannotBeAsked:
+      return true;
+  }
+  return false;
+}
+
+TEST(ManPage, HasATableOfAllExitCodesAndNoOthers) {
+  const std::string table =
+      ManSection(Tool::ManPage(Tool::MakeCommands(), "2026-01-02", "1.2.3"), ".SH EXIT CODES");
+  for (int code = 0; code < 256; ++code) {
+    EXPECT_EQ(Contains(table, "\n  " + std::to_string(code) + "  "), IsExitCode(code)) << code;
   }
 }
 

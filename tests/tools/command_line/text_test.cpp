@@ -1,3 +1,4 @@
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -73,11 +74,37 @@ TEST(ToVisible, EscapesWhatCouldSteerATerminalOrLookLikeAnotherLine) {
   };
   for (const auto& [text, shown] : cases) {
     EXPECT_EQ(Tool::ToVisible(std::string_view(text)), shown);
-    static std::string written;
-    written.clear();
-    Tool::WriteVisible(text, [](std::string_view part) { written += part; });
-    EXPECT_EQ(written, shown);
+    char buffer[100];
+    EXPECT_EQ(std::string(buffer, Tool::ToVisible(text, buffer)), shown);
   }
+}
+
+TEST(ToVisible, CutsWhatDoesNotFitABufferAfterACharacter) {
+  const auto cut = [](std::string_view text, std::size_t size) {
+    std::string buffer(size + 2, '#');
+    const std::size_t length = Tool::ToVisible(text, std::span(buffer).first(size));
+    EXPECT_LE(length, size);
+    EXPECT_EQ(buffer.substr(size), "##");
+    return buffer.substr(0, length);
+  };
+  EXPECT_EQ(cut("abcdef", 6), "abcdef");
+  EXPECT_EQ(cut("abcdefg", 6), "abc...");
+  EXPECT_EQ(cut(std::string(100'000, 'x'), 6), "xxx...");
+  EXPECT_EQ(cut("abcd", 3), "...");
+  EXPECT_EQ(cut("\n\n\n", 6), "\\n\\n\\n");
+  EXPECT_EQ(cut("\n\n\n\n", 6), "\\n...");
+  EXPECT_EQ(cut("a\u20ACbc", 6), "a\u20ACbc");
+  EXPECT_EQ(cut("ab\u20ACcd", 6), "ab...");
+  EXPECT_EQ(cut("", 3), "");
+}
+
+TEST(Shortened, CutsLongTextsBeforeACharacter) {
+  EXPECT_EQ(Tool::Shortened(""), "");
+  EXPECT_EQ(Tool::Shortened(std::string(60, 'x')), std::string(60, 'x'));
+  EXPECT_EQ(Tool::Shortened(std::string(61, 'x')), std::string(60, 'x') + "...");
+  const std::string before(58, 'x');
+  EXPECT_EQ(Tool::Shortened(before + "\u20ACyyyy"), before + "...");
+  EXPECT_EQ(Tool::Shortened(std::string(70, '\x80')), std::string(56, '\x80') + "...");
 }
 
 TEST(ToVisible, EscapesUnitsAsCharacters) {

@@ -18,7 +18,9 @@ TEST(CsvCell, IsQuotedWhereItNeedsToBe) {
                                    {"\"", "\"\"\"\""},
                                    {"a\nb", "\"a\nb\""},
                                    {"a\rb", "\"a\rb\""},
-                                   {"a;b", "a;b"}}) {
+                                   {"a;b", "\"a;b\""},
+                                   {"x;=1+1", "\"x;=1+1\""},
+                                   {"a\tb", "\"a\tb\""}}) {
     EXPECT_EQ(CsvCell(text, Formulas::kEscape), cell);
     EXPECT_EQ(CsvCell(text, Formulas::kKeep), cell);
   }
@@ -29,7 +31,7 @@ TEST(CsvCell, EscapesWhatASpreadsheetWouldCompute) {
                                    {"+a", "'+a"},
                                    {"-a", "'-a"},
                                    {"@a", "'@a"},
-                                   {"\ta", "'\ta"},
+                                   {"\ta", "\"'\ta\""},
                                    {"\ra", "\"'\ra\""},
                                    {"=A1,B1", "\"'=A1,B1\""},
                                    {"-", "'-"},
@@ -37,14 +39,18 @@ TEST(CsvCell, EscapesWhatASpreadsheetWouldCompute) {
                                    {"--1", "'--1"},
                                    {"-1 m", "'-1 m"},
                                    {"=1", "'=1"},
-                                   {"-0x10", "'-0x10"}}) {
+                                   {"-0x10", "'-0x10"},
+                                   {"-inf", "'-inf"},
+                                   {"+inf", "'+inf"},
+                                   {"-nan(x)", "'-nan(x)"},
+                                   {"-1e999", "'-1e999"}}) {
     EXPECT_EQ(CsvCell(text, Formulas::kEscape), cell) << text;
   }
   EXPECT_EQ(CsvCell("=1+1", Formulas::kKeep), "=1+1");
 }
 
 TEST(CsvCell, LeavesNumbersAlone) {
-  for (const char* const number : {"-1", "+1", "-1.5e-3", "+.5", "-inf", "-0", "1", "0.5"}) {
+  for (const char* const number : {"-1", "+1", "-1.5e-3", "+.5", "-0", "1", "0.5"}) {
     EXPECT_EQ(CsvCell(number, Formulas::kEscape), number);
   }
 }

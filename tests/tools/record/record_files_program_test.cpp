@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
 #include "tests/tools/program.h"
 
 namespace {
@@ -194,6 +198,54 @@ TEST(RecordFiles, ReadsTheOthersWhenOneCannotBeRead) {
 
   EXPECT_EQ(Record({"export", "none.rec", "-o", "out.jsonl"}, work).exitCode, 3);
   EXPECT_FALSE(fs::exists(folder.Path() / "out.jsonl"));
+}
+
+#if !defined(_WIN32)
+TEST(RecordFiles, ReadTheOthersWhenAFolderCannotBeRead) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may read every folder";
+  const TempFolderC folder;
+  fs::create_directories(folder.Path() / "day" / "closed");
+  WriteBytes(folder / "day/a.rec", Sample());
+  WriteBytes(folder / "day/closed/b.rec", Sample());
+  const fs::path closed = folder.Path() / "day" / "closed";
+  const std::string work = folder.Path().string();
+  const std::string expected = Record({"list", "day", "--json"}, work).out;
+  fs::permissions(closed, fs::perms::none);
+  const Outcome outcome = Record({"list", "--recursive", "day", "--json"}, work);
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_EQ(outcome.err, "surveydata: cannot read day/closed: Permission denied\n");
+  EXPECT_EQ(outcome.out, expected);
+  const Outcome alone = Record({"list", "day/closed"}, work);
+  EXPECT_EQ(alone.exitCode, 3);
+  EXPECT_EQ(alone.err, "surveydata: cannot read day/closed: Permission denied\n");
+  EXPECT_EQ(Record({"join", "-r", "day", "-o", "out.rec"}, work).exitCode, 3);
+  EXPECT_FALSE(fs::exists(folder.Path() / "out.rec"));
+  fs::permissions(closed, fs::perms::owner_all);
+}
+#endif
+
+// The first 100 frames are reported, whatever the number of threads, and all are counted.
+TEST(RecordFiles, TellOfTheFirstFramesAndCountAll) {
+  const TempFolderC folder;
+  Bytes many;
+  while (many.size() < (std::size_t{2} << 20)) {
+    for (int i = 0; i < 60; ++i) many = std::move(many) + MakeFrame(113, MakeBody(0x0008, {2}));
+    many = std::move(many) + Sample();
+  }
+  WriteBytes(folder / "a.rec", many);
+  WriteBytes(folder / "b.rec", many);
+  for (const char* const jobs : {"1", "4"}) {
+    const Outcome outcome =
+        Record({"export", "a.rec", "b.rec", "--csv", "--columns", "offset", "--jobs", jobs},
+               folder.Path().string());
+    EXPECT_EQ(outcome.exitCode, 1);
+    const auto lines = Lines(outcome.err);
+    ASSERT_EQ(lines.size(), 202U) << jobs;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      EXPECT_TRUE(lines[i].starts_with(i < 101 ? "surveydata: a.rec: " : "surveydata: b.rec: "));
+      EXPECT_EQ(lines[i].find("the frame at") == std::string::npos, i % 101 == 100) << lines[i];
+    }
+  }
 }
 
 TEST(RecordFiles, TellWhichFileHasBadFramesOrNoMeasurement) {

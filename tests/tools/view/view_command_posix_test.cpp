@@ -55,8 +55,9 @@ class ViewOnPosix : public testing::Test {
 
   Outcome View(const std::string& arguments, const std::string& environment = {}) {
     const std::string variables = environment.empty() ? "HOME=" + (folder_ / "home") : environment;
+    // Without the folders of the environment: another user may not search them.
     return RunShell("PATH=" + (folder_ / "bin") +
-                        ":\"$PATH\" && unset HOME XDG_CACHE_HOME && env " + variables +
+                        ":/usr/bin:/bin && unset HOME XDG_CACHE_HOME && env " + variables +
                         " surveydata view " + arguments,
                     folder_ / "work");
   }
