@@ -1,5 +1,11 @@
 #include <algorithm>
 #include <cstring>
+#include <new>
+#include <numeric>
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 #include <extension/record_batch.h>
 
@@ -15,6 +21,12 @@ namespace {
 // fewer rows, but at least `kCertainRows` always fit.
 constexpr std::size_t kBytesInRow = 32;
 constexpr std::size_t kCertainRows = 1024;
+
+// The alignment of a column, and that of memory in huge pages.
+constexpr std::size_t kAlignment = 64;
+constexpr std::size_t kHugePage = std::size_t{1} << 21;
+
+std::size_t RoundUp(std::size_t size, std::size_t unit) { return (size + unit - 1) / unit * unit; }
 
 std::size_t BitBytes(std::size_t count) { return (count + 7) / 8; }
 
@@ -94,6 +106,27 @@ BatchColumn FilterColumn(const BatchColumn& from, std::span<const bool> keep, st
 
 }  // namespace
 
+BlockC::BlockC(std::size_t size) : size_(size) {
+  if (size == 0) return;
+  const auto alignment = std::align_val_t(size < kHugePage ? kAlignment : kHugePage);
+  const std::size_t rounded = RoundUp(size, static_cast<std::size_t>(alignment));
+  bytes_.reset(static_cast<std::uint8_t*>(::operator new(rounded, alignment)),
+               [alignment](std::uint8_t* bytes) { ::operator delete(bytes, alignment); });
+#ifdef __linux__
+  // Without huge pages, threads that read files spend much of their time in page faults, which
+  // take turns. Failure does not matter.
+  if (size >= kHugePage) static_cast<void>(madvise(bytes_.get(), rounded, MADV_HUGEPAGE));
+#endif
+}
+
+BlockC BlockC::Part(std::size_t at, std::size_t size) const {
+  BlockC part;
+  if (size == 0) return part;
+  part.bytes_ = std::shared_ptr<std::uint8_t>(bytes_, bytes_.get() + at);
+  part.size_ = size;
+  return part;
+}
+
 std::size_t ValueSize(GPSColumnType type) {
   switch (type) {
     using enum GPSColumnType;
@@ -116,24 +149,59 @@ std::size_t ValueSize(GPSColumnType type) {
   return 0;
 }
 
+namespace {
+
+std::size_t ValueBytes(const GPSColumn& column, std::size_t rows) {
+  return column.type == GPSColumnType::kBool ? BitBytes(rows) : rows * ValueSize(column.type);
+}
+
+std::size_t ValidityBytes(const GPSColumn& column, std::size_t rows) {
+  return column.canBeAbsent ? BitBytes(rows) : 0;
+}
+
+// Gives parts of one block to the columns of fixed width.
+class PartsC {
+ public:
+  PartsC(std::span<const GPSColumn* const> columns, std::size_t rows)
+      : block_(std::accumulate(columns.begin(), columns.end(), std::size_t{0},
+                               [rows](std::size_t sum, const GPSColumn* column) {
+                                 if (column->largest != 0) return sum;
+                                 return sum + RoundUp(ValueBytes(*column, rows), kAlignment) +
+                                        RoundUp(ValidityBytes(*column, rows), kAlignment);
+                               })) {}
+
+  BlockC Next(std::size_t size) {
+    const std::size_t at = used_;
+    used_ += RoundUp(size, kAlignment);
+    return block_.Part(at, size);
+  }
+
+ private:
+  BlockC block_;
+  std::size_t used_ = 0;
+};
+
+}  // namespace
+
 std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
                                              std::span<const GPSColumn* const> columns,
                                              std::size_t capacity) {
   auto batch = std::make_shared<RecordBatch>();
   std::vector<GPSColumnBuffer> buffers;
+  PartsC parts(columns, capacity);
   for (const GPSColumn* column : columns) {
     BatchColumn to;
     to.column = column;
+    const std::size_t validity = ValidityBytes(*column, capacity);
     if (column->largest != 0) {
       to.values = BlockC(
           std::max(capacity * kBytesInRow, std::min(capacity, kCertainRows) * column->largest));
       to.offsets = BlockC((capacity + 1) * sizeof(std::int64_t));
-    } else if (column->type == GPSColumnType::kBool) {
-      to.values = BlockC(BitBytes(capacity));
+      to.validity = BlockC(validity);
     } else {
-      to.values = BlockC(capacity * ValueSize(column->type));
+      to.values = parts.Next(ValueBytes(*column, capacity));
+      to.validity = parts.Next(validity);
     }
-    if (column->canBeAbsent) to.validity = BlockC(BitBytes(capacity));
     GPSColumnBuffer buffer;
     buffer.column = column;
     buffer.values = to.values.Get();

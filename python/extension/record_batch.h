@@ -13,21 +13,21 @@ struct ArrowArrayStream;
 
 namespace Python {
 
-/// Uninitialised memory for numbers of any type.
+/// Uninitialised memory for numbers of any type. It is shared by copies and by parts.
 class BlockC {
  public:
   BlockC() = default;
-  explicit BlockC(std::size_t size)
-      : bytes_(size != 0 ? std::make_unique_for_overwrite<std::uint64_t[]>((size + 7) / 8)
-                         : nullptr),
-        size_(size) {}
+  /// \throw std::bad_alloc
+  explicit BlockC(std::size_t size);
 
-  std::uint8_t* Get() { return reinterpret_cast<std::uint8_t*>(bytes_.get()); }
-  const std::uint8_t* Get() const { return reinterpret_cast<const std::uint8_t*>(bytes_.get()); }
+  std::uint8_t* Get() { return bytes_.get(); }
+  const std::uint8_t* Get() const { return bytes_.get(); }
   std::size_t GetSize() const { return size_; }
+  /// The `size` bytes from `at` on.
+  BlockC Part(std::size_t at, std::size_t size) const;
 
  private:
-  std::unique_ptr<std::uint64_t[]> bytes_;
+  std::shared_ptr<std::uint8_t> bytes_;
   std::size_t size_ = 0;
 };
 

@@ -16,7 +16,7 @@ from ._areas import (
     Unit,
     read_area,
 )
-from ._changes import ByteChange, set_record
+from ._changes import ByteChange, ChangeCounts, set_record, set_records
 from ._core import VERSION as __version__
 from ._core import (
     CoordinatePoint,
@@ -67,6 +67,7 @@ __all__ = [
     "AreaOptions",
     "Bounds",
     "ByteChange",
+    "ChangeCounts",
     "Column",
     "ColumnInfo",
     "CoordinatePoint",
@@ -112,4 +113,5 @@ __all__ = [
     "read_area",
     "read_records",
     "set_record",
+    "set_records",
 ]

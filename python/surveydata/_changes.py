@@ -4,9 +4,16 @@ from __future__ import annotations
 
 import os
 from pathlib import Path
-from typing import NamedTuple
+from typing import TYPE_CHECKING, NamedTuple
 
-from . import _core
+import numpy as np
+
+from . import _core, _records
+
+if TYPE_CHECKING:
+    from collections.abc import Callable
+
+    from numpy.typing import NDArray
 
 
 class ByteChange(NamedTuple):
@@ -18,6 +25,16 @@ class ByteChange(NamedTuple):
     new: int
     field: str
     """The field of the frame that the byte belongs to."""
+
+
+class ChangeCounts(NamedTuple):
+    """What became of the measurements that `set_records` took."""
+
+    changed: int
+    alike: int
+    """They had the values already."""
+    without_room: int
+    """Their frames have no room for one of the fields; they are left as they were."""
 
 
 def set_record(
@@ -42,15 +59,63 @@ def set_record(
     value is given, if a value does not fit, and if there is no such measurement or its frame has no
     room for the field. Raises OSError if the file cannot be changed; it then stays as it was.
     """
-    if name is None and number is None and antenna_height is None:
-        raise ValueError("nothing to set: give name, number or antenna_height")
-    if number is not None and not -(2**31) <= number < 2**31:
-        raise ValueError("number is not a number of 32 bits")
     if offset < 0:
         raise ValueError("offset is in bytes, not below 0")
-    with Path(path).open("rb"):  # for Python's own exceptions
-        pass
+    _check(path, name, number, antenna_height)
     changes = _core.set_record(
         os.fspath(path), offset, name, number, antenna_height, slant, dry_run
     )
     return [ByteChange(*change) for change in changes]
+
+
+def set_records(
+    path: str | os.PathLike[str],
+    where: Callable[[_records.RecordTable], NDArray[np.bool_]] | None = None,
+    start: int | None = None,
+    end: int | None = None,
+    *,
+    name: str | None = None,
+    number: int | None = None,
+    antenna_height: float | None = None,
+    slant: bool = False,
+    dry_run: bool = False,
+) -> ChangeCounts:
+    """Change the name, the number or the antenna height of all measurements that `where` keeps,
+    in one replacement of the file.
+
+    `where`, `start` and `end` are those of `read_records`; without them, all measurements are
+    changed. The file is locked before it is read, and until the change is made. All other rules and
+    exceptions are those of `set_record`, except that frames without room for a field are counted.
+    """
+    _check(path, name, number, antenna_height)
+    file = _core.LockedFileCore.open(os.fspath(path))
+    try:
+        begin = _records.check_stretch(start, end)
+        reader = _core.ReaderCore.open_source(file.read_at, file.size, begin, end)
+        columns = (
+            ["offset", "size"] if where is None else [info.name for info in _records.columns()]
+        )
+        tables = _records.batches_of(reader, Path(path), columns, where)
+        chosen = [(table.column("offset").values, table.column("size").values) for table in tables]
+        offsets, sizes = (
+            np.concatenate([np.empty(0, np.uint64), *arrays]).astype(np.uint64)
+            for arrays in (zip(*chosen, strict=True) if chosen else ((), ()))
+        )
+        counts = file.change(offsets, sizes, name, number, antenna_height, slant, dry_run)
+    finally:
+        file.close()
+    return ChangeCounts(*counts)
+
+
+def _check(
+    path: str | os.PathLike[str],
+    name: str | None,
+    number: int | None,
+    antenna_height: float | None,
+) -> None:
+    if name is None and number is None and antenna_height is None:
+        raise ValueError("nothing to set: give name, number or antenna_height")
+    if number is not None and not -(2**31) <= number < 2**31:
+        raise ValueError("number is not a number of 32 bits")
+    with Path(path).open("rb"):  # for Python's own exceptions
+        pass

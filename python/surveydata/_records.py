@@ -320,10 +320,16 @@ def _read_into(file: Any, memory: memoryview) -> int:
     return len(data)
 
 
-def _open(source: Source, start: int | None, end: int | None) -> _core.ReaderCore:
+def check_stretch(start: int | None, end: int | None) -> int:
+    """The offset where a stretch begins."""
     begin = start or 0
     if begin < 0 or (end is not None and end < 0):
         raise ValueError("start and end are offsets in bytes, not below 0")
+    return begin
+
+
+def _open(source: Source, start: int | None, end: int | None) -> _core.ReaderCore:
+    begin = check_stretch(start, end)
     if isinstance(source, Path):
         reader = _core.ReaderCore.open_file(os.fspath(source), begin, end)
     elif _is_bytes(source):
@@ -392,7 +398,7 @@ def read_records(
         batch_rows = min(max(size // _BYTES_OF_A_ROW, BATCH_ROWS), _LARGEST_BATCH)
         if where is not None or size >= 2**63:  # a pipe
             batch_rows = BATCH_ROWS
-        for table in _batches(reader, part, names, where, batch_rows):
+        for table in batches_of(reader, part, names, where, batch_rows):
             batches.extend(table._batches)
             rows += len(table)
         left_out += reader.left_out
@@ -431,7 +437,7 @@ def _iterate(
     rows: int,
 ) -> Iterator[RecordTable]:
     for part in _each_source(source, pattern):
-        yield from _batches(_open(part, start, end), part, names, where, rows)
+        yield from batches_of(_open(part, start, end), part, names, where, rows)
 
 
 def _check_names(names: list[str]) -> None:
@@ -442,13 +448,14 @@ def _check_names(names: list[str]) -> None:
         raise ValueError("a column is named twice")
 
 
-def _batches(
+def batches_of(
     reader: _core.ReaderCore,
     source: Source,
     names: list[str],
     where: Callable[[RecordTable], NDArray[np.bool_]] | None,
-    rows: int,
+    rows: int = BATCH_ROWS,
 ) -> Iterator[RecordTable]:
+    """The rest of a reader as tables."""
     left_out = 0
     while (batch := reader.read(names, rows)) is not None:
         new = reader.left_out - left_out

@@ -27,6 +27,13 @@ bool HasField(const std::vector<FrameField>& fields, Field field) {
                      [&](const FrameField& each) { return each.field == field; });
 }
 
+bool LacksName(const std::vector<FrameField>& fields, const FrameChanges& changes) {
+  return (changes.name || changes.number) && !HasField(fields, Field::kName);
+}
+bool LacksHeight(const std::vector<FrameField>& fields, const FrameChanges& changes) {
+  return changes.antennaHeight && !HasField(fields, Field::kHeight);
+}
+
 // Whether `after` has the requested changes and no others.
 bool IsAsAsked(const DecodedRecord& before, const DecodedRecord& after,
                const FrameChanges& changes) {
@@ -43,16 +50,21 @@ bool IsAsAsked(const DecodedRecord& before, const DecodedRecord& after,
 
 }  // namespace
 
+bool HasRoom(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
+  const std::vector<FrameField> fields = ExplainFrame(frame);
+  return !LacksName(fields, changes) && !LacksHeight(fields, changes);
+}
+
 PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
   const DecodedRecord before = Decode(0, frame);
   if (!before.IsDone()) {
     throw ToolErrorC(ExitCode::kFinding, "the blocks of the frame do not fit; it is left as it is");
   }
   const std::vector<FrameField> fields = ExplainFrame(frame);
-  if ((changes.name || changes.number) && !HasField(fields, Field::kName)) {
+  if (LacksName(fields, changes)) {
     throw ToolErrorC(ExitCode::kFinding, "the frame has no room for a name and number");
   }
-  if (changes.antennaHeight && !HasField(fields, Field::kHeight)) {
+  if (LacksHeight(fields, changes)) {
     throw ToolErrorC(ExitCode::kFinding, "the frame has no room for an antenna height");
   }
 

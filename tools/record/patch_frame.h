@@ -26,6 +26,9 @@ struct PatchedFrame {
   std::vector<FrameField> fields;  ///< Of `after`.
 };
 
+/// Whether the frame has the blocks of all fields that are to be changed.
+bool HasRoom(std::span<const std::uint8_t> frame, const FrameChanges& changes);
+
 /// Rewrites the changed fields as the library's writer does, and the checksum; all other bytes stay
 /// the same. The result is read back and compared.
 ///

@@ -12,7 +12,6 @@
 
 #include <fmt/format.h>
 
-#include <surveydata/gnss/frame_fields.h>
 #include <surveydata/gnss/gps_record_reader.h>
 
 #include <command_line/message.h>
@@ -105,16 +104,6 @@ std::vector<std::uint8_t> FindFrameIn(const Options& options,
   return FindFrame(readAt, replacement->GetSize(), options.offset);
 }
 
-// Whether the frame lacks the block of a field that is to be changed.
-bool HasNoRoom(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
-  const std::vector<FrameField> fields = ExplainFrame(frame);
-  const auto has = [&](SDI::RecordFrame::Field field) {
-    return std::ranges::any_of(fields, [field](const auto& each) { return each.field == field; });
-  };
-  return ((changes.name || changes.number) && !has(SDI::RecordFrame::Field::kName)) ||
-         (changes.antennaHeight && !has(SDI::RecordFrame::Field::kHeight));
-}
-
 // Tells the bytes of a frame from others.
 std::uint64_t MarkOf(std::span<const std::uint8_t> frame) {
   return std::hash<std::string_view>()({reinterpret_cast<const char*>(frame.data()), frame.size()});
@@ -175,7 +164,7 @@ class FilteredChangeC {
 
   void Take(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
     const FrameChanges& changes = options_.changes;
-    if (HasNoRoom(bytes, changes)) {
+    if (!HasRoom(bytes, changes)) {
       ++withoutRoom_;
       return;
     }
