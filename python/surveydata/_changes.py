@@ -95,13 +95,20 @@ def set_records(
         columns = (
             ["offset", "size"] if where is None else [info.name for info in _records.columns()]
         )
-        tables = _records.batches_of(reader, Path(path), columns, where)
-        chosen = [(table.column("offset").values, table.column("size").values) for table in tables]
-        offsets, sizes = (
-            np.concatenate([np.empty(0, np.uint64), *arrays]).astype(np.uint64)
-            for arrays in (zip(*chosen, strict=True) if chosen else ((), ()))
+        offsets, sizes = [np.empty(0, np.uint64)], [np.empty(0, np.uint64)]
+        for table in _records.batches_of(reader, Path(path), columns, where):
+            # Copies: views would keep all columns.
+            offsets.append(table.column("offset").values.astype(np.uint64))
+            sizes.append(table.column("size").values.astype(np.uint64))
+        counts = file.change(
+            np.concatenate(offsets),
+            np.concatenate(sizes),
+            name,
+            number,
+            antenna_height,
+            slant,
+            dry_run,
         )
-        counts = file.change(offsets, sizes, name, number, antenna_height, slant, dry_run)
     finally:
         file.close()
     return ChangeCounts(*counts)
