@@ -226,6 +226,17 @@ void BindProperty(nanobind::class_<Record>& cls, const P& property) {
   }
 }
 
+/// Runs `restore`, which reads a pickle with `size` values. Values of other types are refused.
+template <class Restore>
+void RestoreFrom(const nanobind::tuple& state, std::size_t size, const Restore& restore) {
+  if (state.size() != size) throw nanobind::value_error("a pickle of another version");
+  try {
+    restore();
+  } catch (const nanobind::cast_error&) {
+    throw nanobind::value_error("a pickle of another version");
+  }
+}
+
 /// Makes the class from its properties, which must cover all data of an object.
 template <class Record, class... P>
 nanobind::class_<Record> BindDataClass(nanobind::module_& module, const char* name,
@@ -251,11 +262,12 @@ nanobind::class_<Record> BindDataClass(nanobind::module_& module, const char* na
   cls.def(
       "__setstate__",
       [properties...](Record* self, const nb::tuple& state) {
-        if (state.size() != sizeof...(P)) throw nb::value_error("a pickle of another version");
-        Record record;
-        std::size_t i = 0;
-        (properties.Restore(record, state[i++]), ...);
-        new (self) Record(record);
+        RestoreFrom(state, sizeof...(P), [&] {
+          Record record;
+          std::size_t i = 0;
+          (properties.Restore(record, state[i++]), ...);
+          new (self) Record(record);
+        });
       },
       nb::arg("state"), nb::sig(kSetState));
   BindCopies(cls);

@@ -350,13 +350,16 @@ class MeasurementC : public SDI::GPSMeasDataC {
     for (std::uint8_t i = 0; i < GetValueCount(); ++i) values.push_back(GetValue(i));
     return values;
   }
+  void SetAll(const Values& values) {
+    if (values.size() > 2) throw nb::value_error("values: a measurement has two at most");
+    SetValues(values.data(), static_cast<std::uint8_t>(values.size()));
+  }
   void ChangeValues(const std::vector<Integer>& given) {
-    if (given.size() > 2) throw nb::value_error("values: a measurement has two at most");
     Values values;
     for (const Integer& value : given) {
       values.push_back(static_cast<std::uint16_t>(ToInteger("values", value, 0, 0xFFFF)));
     }
-    SetValues(values.data(), static_cast<std::uint8_t>(values.size()));
+    SetAll(values);
   }
   std::optional<GPSAntHeightC> HeldAntennaHeight() const {
     GPSAntHeightC height;
@@ -472,17 +475,16 @@ void AddMeasurements(nb::module_& module) {
       .def(
           "__setstate__",
           [](M* self, const nb::tuple& state) {
-            if (state.size() != 3) throw nb::value_error("a pickle of another version");
-            M made(FromBytes(state[0]));
-            // Only what was changed after decoding; setting a value would mark it as present.
-            const auto height = nb::cast<std::optional<GPSAntHeightC>>(state[1]);
-            const std::optional<GPSAntHeightC> held = made.HeldAntennaHeight();
-            if (height && !(held && held->IsEqual(*height))) made.SetAntennaHeight(*height);
-            const auto values = nb::cast<M::Values>(state[2]);
-            if (values != made.GetValues()) {
-              made.SetValues(values.data(), static_cast<std::uint8_t>(values.size()));
-            }
-            new (self) M(made);
+            RestoreFrom(state, 3, [&] {
+              M made(FromBytes(state[0]));
+              // Only what was changed after decoding; setting a value would mark it as present.
+              const auto height = nb::cast<std::optional<GPSAntHeightC>>(state[1]);
+              const std::optional<GPSAntHeightC> held = made.HeldAntennaHeight();
+              if (height && !(held && held->IsEqual(*height))) made.SetAntennaHeight(*height);
+              const auto values = nb::cast<M::Values>(state[2]);
+              if (values != made.GetValues()) made.SetAll(values);
+              new (self) M(made);
+            });
           },
           "state"_a, nb::sig(kSetState));
   BindCopies(cls);

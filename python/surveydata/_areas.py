@@ -116,6 +116,8 @@ def _as_angles(values: ArrayLike) -> NDArray[np.float64] | NDArray[np.float32]:
     array = np.asarray(values)
     if array.dtype == np.float32 or array.dtype == np.float64:
         return array if array.dtype.isnative else array.astype(array.dtype.newbyteorder("="))
+    if array.dtype.kind == "c":
+        raise TypeError("angles are real numbers")
     return array.astype(np.float64)
 
 

@@ -316,6 +316,8 @@ def _read_into(file: Any, memory: memoryview) -> int:
     data = file.read(len(memory))
     if data is None:
         raise BlockingIOError(errno.EAGAIN, "the file object has no bytes yet")
+    if len(data) > len(memory):
+        raise ValueError("the file object has returned more bytes than it was asked for")
     memory[: len(data)] = data
     return len(data)
 
@@ -325,6 +327,8 @@ def check_stretch(start: int | None, end: int | None) -> int:
     begin = start or 0
     if begin < 0 or (end is not None and end < 0):
         raise ValueError("start and end are offsets in bytes, not below 0")
+    if max(begin, end or 0) >= 2**64:
+        raise ValueError("start and end are offsets in bytes, below 2^64")
     return begin
 
 

@@ -578,3 +578,24 @@ def test_the_picture_is_the_programs(data: Path) -> None:
     with pytest.raises(ValueError, match="same length"):
         area.svg([1, 2], [1])
     assert facade()._repr_svg_().rstrip().endswith("</svg>")
+
+
+def test_arrays_of_other_kinds() -> None:
+    area = sd.PolygonArea([1, 2, 3], [1, 1, 2], unit="rad")
+    hz, v = np.linspace(0, 6, 1000), np.linspace(0, 3, 1000)
+    inside = area.contains(hz, v)
+    assert 0 < inside.sum() < 1000
+    fixed = hz.copy()
+    fixed.flags.writeable = False
+    unaligned = np.ndarray((1000,), np.float64, b"x" + hz.tobytes(), 1)
+    for same in (fixed, unaligned, hz.astype(">f8"), hz.astype(object), hz.tolist()):
+        assert (area.contains(same, v) == inside).all()
+    assert (area.contains(hz[::-1], v[::-1]) == inside[::-1]).all()
+    repeated = area.contains(np.broadcast_to(1.5, (3, 4)), np.broadcast_to(1.2, (3, 4)))
+    assert repeated.shape == (3, 4)
+    assert repeated.all() == area.contains(1.5, 1.2)
+    assert area.contains(np.empty((0, 5)), np.empty((0, 5))).shape == (0, 5)
+    with pytest.raises(TypeError, match="real numbers"):
+        area.contains(hz.astype(complex), v)
+    with pytest.raises(MemoryError):
+        area.contains(np.broadcast_to(1.5, (2**45,)), np.broadcast_to(1.2, (2**45,)))

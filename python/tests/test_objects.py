@@ -422,3 +422,18 @@ def test_no_object_outlives_its_last_name() -> None:
     # The smallest object has 40 bytes. In so many rounds, the few kilobytes that the interpreter
     # itself takes do not matter.
     assert after(1000) - first < 1000 * 32
+
+
+@pytest.mark.parametrize("kind", CLASSES)
+def test_a_pickle_with_other_values_is_refused(kind: type[Any]) -> None:
+    state = kind().__getstate__()
+    for wrong in ((), (*state, 1), (object(),) * len(state)):
+        with pytest.raises((ValueError, TypeError)):
+            kind.__new__(kind).__setstate__(wrong)
+
+
+def test_a_pickle_of_a_measurement_with_other_values_is_refused() -> None:
+    for wrong in ((b"x", None, []), (b"", None, [1, 2, 3]), (b"", None, [1] * 300),
+                  (b"", 5, []), (b"", None, "two"), ("text", None, [])):  # fmt: skip
+        with pytest.raises((ValueError, TypeError)):
+            sd.GPSMeasData.__new__(sd.GPSMeasData).__setstate__(wrong)

@@ -243,6 +243,8 @@ def test_what_cannot_be_read(data: Path, tmp_path: Path) -> None:
         sd.read_records(data / "valley_drive.rec", ["hdop", "hdop"])
     with pytest.raises(ValueError, match="not below 0"):
         sd.read_records(data / "valley_drive.rec", start=-1)
+    with pytest.raises(ValueError, match="below 2"):
+        sd.read_records(data / "valley_drive.rec", end=2**64)
     with pytest.raises(ValueError, match="at least one row"):
         sd.iter_batches(data / "valley_drive.rec", rows=0)
     with pytest.raises(ValueError, match="as a whole"):
@@ -282,6 +284,20 @@ def test_an_exception_of_a_file_object_comes_through() -> None:
 
     with pytest.raises(OSError, match="the cable"):
         sd.read_records(Fails(b"x" * 100))
+
+    class Interrupted(io.BytesIO):
+        def read(self, _size: int | None = -1) -> bytes:
+            raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        sd.read_records(Interrupted(b"x" * 100))
+
+    class TooMuch(io.BytesIO):
+        def read(self, size: int | None = -1) -> bytes:
+            return b"x" * ((size or 0) + 1)
+
+    with pytest.raises(ValueError, match="more bytes than it was asked for"):
+        sd.read_records(TooMuch(b"x" * 100))
 
     class NotReady(OneByOne):
         def read(self, _size: int = -1) -> bytes:
