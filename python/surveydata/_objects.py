@@ -68,6 +68,8 @@ class Scan(_core.ScanCore):
         return (super().__getstate__(), self.area)
 
     def __setstate__(self, state: tuple[Any, ...]) -> None:
+        if len(state) != 2 or not isinstance(state[1], _areas.Area | None):
+            raise ValueError("a pickle of another version")
         super().__setstate__(state[0])
         self.area = state[1]
 
