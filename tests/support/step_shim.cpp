@@ -12,9 +12,10 @@
 //   fail N ERRNO | fail NAME N ERRNO    the call does nothing and fails; N = -1: every call
 //   wait NAME MILLISECONDS   each call of the function takes that long
 //
-// Opening a file without a name is called "tmpfile"; if SURVEYDATA_SHIM_NAMED is set, it fails as
-// on a file system that has no such files, and is not counted. SURVEYDATA_SHIM_LOG names a file to
-// which the name of every call is appended.
+// Opening a file in a folder is called "openat", creating one there "create", and creating one
+// without a name "tmpfile"; if SURVEYDATA_SHIM_NAMED is set, that fails as on a file system that
+// has no such files, and is not counted. SURVEYDATA_SHIM_LOG names a file to which the name of
+// every call is appended.
 
 #include <cerrno>
 #include <csignal>
@@ -134,13 +135,19 @@ ssize_t CallWrite(const char* name, const void* bytes, size_t count, Write write
 
 bool HasMode(int flags) { return (flags & (O_CREAT | __O_TMPFILE)) != 0; }
 
-int Open(const char* path, int flags, mode_t mode) {
+int OpenIn(int folder, const char* path, int flags, mode_t mode) {
   const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
   if (isUnnamed && std::getenv("SURVEYDATA_SHIM_NAMED") != nullptr) {
     errno = EOPNOTSUPP;
     return -1;
   }
-  if (Enter(isUnnamed ? "tmpfile" : "open") == Turn::kFail) return -1;
+  const char* const name = isUnnamed ? "tmpfile" : (flags & O_CREAT) != 0 ? "create" : "openat";
+  if (Enter(name) == Turn::kFail) return -1;
+  return Next<int (*)(int, const char*, int, ...)>("openat")(folder, path, flags, mode);
+}
+
+int Open(const char* path, int flags, mode_t mode) {
+  if (Enter("open") == Turn::kFail) return -1;
   return Next<int (*)(const char*, int, ...)>("open")(path, flags, mode);
 }
 
@@ -158,9 +165,14 @@ extern "C" {
   return Open(path, flags, mode);
 }
 
-[[gnu::visibility("default")]] int mkostemp(char* path, int flags) {
-  return Call("mkostemp", path, flags);
+[[gnu::visibility("default")]] int openat(int folder, const char* path, int flags, ...) {
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = HasMode(flags) ? va_arg(more, mode_t) : 0;
+  va_end(more);
+  return OpenIn(folder, path, flags, mode);
 }
+
 [[gnu::visibility("default")]] int flock(int file, int operation) noexcept {
   return Call("flock", file, operation);
 }
@@ -171,11 +183,12 @@ extern "C" {
   return Call("fchmod", file, mode);
 }
 [[gnu::visibility("default")]] int fsync(int file) { return Call("fsync", file); }
-[[gnu::visibility("default")]] int rename(const char* from, const char* to) noexcept {
-  return Call("rename", from, to);
+[[gnu::visibility("default")]] int renameat(int fromFolder, const char* from, int toFolder,
+                                            const char* to) noexcept {
+  return Call("renameat", fromFolder, from, toFolder, to);
 }
-[[gnu::visibility("default")]] int unlink(const char* path) noexcept {
-  return Call("unlink", path);
+[[gnu::visibility("default")]] int unlinkat(int folder, const char* path, int flags) noexcept {
+  return Call("unlinkat", folder, path, flags);
 }
 [[gnu::visibility("default")]] int linkat(int fromFolder, const char* from, int toFolder,
                                           const char* to, int flags) noexcept {
@@ -214,6 +227,15 @@ extern "C" {
   if (turn == Turn::kOtherDevice) ++status->st_dev;
   return result;
 }
+[[gnu::visibility("default")]] int fstatat(int folder, const char* path, struct stat* status,
+                                           int flags) noexcept {
+  const Turn turn = Enter("fstatat");
+  if (turn == Turn::kFail) return -1;
+  const int result =
+      Next<int (*)(int, const char*, struct stat*, int)>("fstatat")(folder, path, status, flags);
+  if (turn == Turn::kOtherDevice) ++status->st_dev;
+  return result;
+}
 [[gnu::visibility("default")]] ssize_t write(int file, const void* bytes, size_t count) {
   return CallWrite("write", bytes, count, [&](const void* from, size_t size) {
     return Next<ssize_t (*)(int, const void*, size_t)>("write")(file, from, size);
@@ -248,8 +270,12 @@ extern "C" {
   va_end(more);
   return Open(path, flags, mode);
 }
-[[gnu::visibility("default")]] int mkostemp64(char* path, int flags) {
-  return mkostemp(path, flags);
+[[gnu::visibility("default")]] int openat64(int folder, const char* path, int flags, ...) {
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = HasMode(flags) ? va_arg(more, mode_t) : 0;
+  va_end(more);
+  return OpenIn(folder, path, flags, mode);
 }
 [[gnu::visibility("default")]] int ftruncate64(int file, off64_t size) noexcept {
   return ftruncate(file, size);
@@ -263,6 +289,10 @@ extern "C" {
 [[gnu::visibility("default")]] int stat64(const char* path, struct stat64* status) noexcept {
   static_assert(sizeof(struct stat) == sizeof(struct stat64));
   return stat(path, reinterpret_cast<struct stat*>(status));
+}
+[[gnu::visibility("default")]] int fstatat64(int folder, const char* path, struct stat64* status,
+                                             int flags) noexcept {
+  return fstatat(folder, path, reinterpret_cast<struct stat*>(status), flags);
 }
 [[gnu::visibility("default")]] ssize_t pread64(int file, void* bytes, size_t count,
                                                off64_t offset) {

@@ -24,6 +24,8 @@ class DescriptorC {
 
   int Get() const { return descriptor_; }
   bool IsOpen() const { return descriptor_ >= 0; }
+  /// Leaves closing it to the caller.
+  int Release() { return std::exchange(descriptor_, -1); }
 
  private:
   int descriptor_;

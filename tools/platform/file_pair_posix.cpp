@@ -1,15 +1,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <iterator>
+#include <memory>
 #include <random>
+#include <string>
 #include <string_view>
 #include <system_error>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/file.h>
@@ -27,9 +27,17 @@ namespace fs = std::filesystem;
 
 // Names of copies. They are short, because the name of the original may have the maximal length.
 constexpr std::string_view kCopyPrefix = ".surveydata.";
-constexpr std::string_view kCopyRandom = "XXXXXX";  // which mkostemp(3) replaces by these letters
+constexpr std::size_t kCopyRandom = 6;  // the number of random letters that follow
 constexpr std::string_view kCopyLetters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+
+// The folder is opened once, and all files in it through its descriptor: another user may make its
+// path lead elsewhere at any time. With O_PATH that takes no permission to read the folder.
+#if defined(O_PATH)
+constexpr int kOpenFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
+#else
+constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
 
 bool IsSameFile(const struct stat& a, const struct stat& b) {
   return a.st_ino == b.st_ino && a.st_dev == b.st_dev;
@@ -63,11 +71,22 @@ FileStretch FindData(int file, std::uint64_t offset, std::uint64_t size) {
 #endif
 }
 
+// Whether a file of this folder, which is not a link, is the one with this status.
+bool IsInFolder(int folder, const char* name, const struct stat& status) {
+  struct stat now {};
+  return fstatat(folder, name, &now, AT_SYMLINK_NOFOLLOW) == 0 && IsSameFile(status, now);
+}
+
+// The folder itself, to list it or to bring it to the disk.
+DescriptorC OpenToRead(int folder) {
+  return DescriptorC(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
 // A file without a name, which can get one later.
-DescriptorC OpenWithoutName(const fs::path& folder) {
+DescriptorC OpenWithoutName(int folder) {
   DescriptorC file;
 #if defined(O_TMPFILE)
-  file = DescriptorC(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  file = DescriptorC(openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
   struct stat status {};
   struct stat linked {};
   // It is named through /proc, which may be missing.
@@ -79,43 +98,61 @@ DescriptorC OpenWithoutName(const fs::path& folder) {
   return file;
 }
 
+std::string MakeCopyName() {
+  std::random_device random;
+  std::string name(kCopyPrefix);
+  for (std::size_t i = 0; i < kCopyRandom; ++i) {
+    name += kCopyLetters[random() % kCopyLetters.size()];
+  }
+  return name;
+}
+
 bool HasCopyName(std::string_view name) {
-  return name.size() == kCopyPrefix.size() + kCopyRandom.size() && name.starts_with(kCopyPrefix) &&
+  return name.size() == kCopyPrefix.size() + kCopyRandom && name.starts_with(kCopyPrefix) &&
          name.find_first_not_of(kCopyLetters, kCopyPrefix.size()) == std::string_view::npos;
 }
 
 // Removes the file if it is certainly a copy that a killed program has left: a regular file of one
 // of these users that is not locked. All other files stay.
-void RemoveIfStale(const fs::path& path, uid_t owner) {
-  const DescriptorC file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+void RemoveIfStale(int folder, const char* name, uid_t owner) {
+  const DescriptorC file(openat(folder, name, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
   if (!file.IsOpen() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
   const uid_t user = geteuid();
   // A copy created by root gets the owner of the original before it replaces it.
   if (status.st_uid != user && !(user == 0 && status.st_uid == owner)) return;
   if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return;
-  struct stat now {};
-  if (lstat(path.c_str(), &now) == 0 && IsSameFile(status, now)) unlink(path.c_str());
+  if (IsInFolder(folder, name, status)) unlinkat(folder, name, 0);
 }
 
-void RemoveStaleCopies(const fs::path& folder, uid_t owner) {
-  std::error_code ignored;
-  for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
-       entry.increment(ignored)) {
-    if (HasCopyName(entry->path().filename().native())) RemoveIfStale(entry->path(), owner);
+void RemoveStaleCopies(int folder, uid_t owner) {
+  DescriptorC file = OpenToRead(folder);
+  const std::unique_ptr<DIR, decltype([](DIR* list) { closedir(list); })> list(
+      file.IsOpen() ? fdopendir(file.Get()) : nullptr);
+  if (!list) return;
+  file.Release();  // belongs to the list now
+  while (const dirent* const entry = readdir(list.get())) {
+    if (HasCopyName(entry->d_name)) RemoveIfStale(folder, entry->d_name, owner);
   }
 }
 
 }  // namespace
 
 struct OriginalFileC::Platform {
-  // Whether the path leads to another file by now.
+  // Whether the path leads to another file by now, or the folder has another one of this name.
   bool IsReplaced() const {
     struct stat now {};
-    return stat(path.c_str(), &now) != 0 || !IsSameFile(now, status);
+    return stat(path.c_str(), &now) != 0 || !IsSameFile(now, status) ||
+           !IsInFolder(folder.Get(), name.c_str(), status);
   }
+  void Open(int mode) {
+    file = DescriptorC(openat(folder.Get(), name.c_str(), mode | O_NONBLOCK | O_CLOEXEC));
+  }
+  bool IsWritable() const { return faccessat(folder.Get(), name.c_str(), W_OK, 0) == 0; }
 
   fs::path path;
+  DescriptorC folder;
+  std::string name;  // in the folder
   DescriptorC file;
   struct stat status {};  // when it was locked
 };
@@ -132,12 +169,13 @@ OriginalFileC::OriginalFileC(const std::string& file)
       throw FileErrorC(fmt::format("cannot read {}: {}", file, error.message()));
     }
     name_ = own.path.string();
+    own.name = own.path.has_filename() ? own.path.filename().string() : ".";
+    own.folder = DescriptorC(open(own.path.parent_path().c_str(), kOpenFolder | O_NOFOLLOW));
+    if (!own.folder.IsOpen()) Fail(fmt::format("cannot read {}", name_));
     // Network file systems lock only files that are open for writing.
-    const int mode = access(own.path.c_str(), W_OK) == 0 ? O_RDWR : O_RDONLY;
-    own.file = DescriptorC(open(own.path.c_str(), mode | O_NONBLOCK | O_CLOEXEC));
-    if (!own.file.IsOpen() && mode == O_RDWR) {  // a folder, for example
-      own.file = DescriptorC(open(own.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    }
+    const int mode = own.IsWritable() ? O_RDWR : O_RDONLY;
+    own.Open(mode);
+    if (!own.file.IsOpen() && mode == O_RDWR) own.Open(O_RDONLY);  // a folder, for example
     if (!own.file.IsOpen() || fstat(own.file.Get(), &own.status) != 0) {
       Fail(fmt::format("cannot read {}", name_));
     }
@@ -171,7 +209,7 @@ FileStretch OriginalFileC::NextData(std::uint64_t offset) const {
 }
 
 void OriginalFileC::RequireWritable() const {
-  if (access(platform_->path.c_str(), W_OK) != 0) Fail(fmt::format("cannot write {}", name_));
+  if (!platform_->IsWritable()) Fail(fmt::format("cannot write {}", name_));
 }
 
 bool OriginalFileC::IsChanged() const {
@@ -183,29 +221,32 @@ bool OriginalFileC::IsChanged() const {
 }
 
 struct CopiedFileC::Platform {
-  DescriptorC file;
+  int folder;  // of the original, which keeps it open
+  DescriptorC file = DescriptorC();
   bool isNamed = false;  // and has not yet replaced the original
 
   // Opens a file without a name and locks it, so that it is locked when it gets one.
-  bool OpenUnnamed(const fs::path& folder) {
+  bool OpenUnnamed() {
     file = OpenWithoutName(folder);
     return file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
   }
 
-  // Opens a new file with this name, whose last characters are replaced, and locks it.
+  // Opens a new file, to which it gives a new name, and locks it.
   bool OpenNamed(std::string& name) {
-    const std::string pattern = name;
-    // Repeated if another program took it for a stale copy before it was locked.
+    // Repeated if the name is taken, or if another program took the file for a stale copy before it
+    // was locked.
     for (;;) {
-      name = pattern;
-      file = DescriptorC(mkostemp(name.data(), O_CLOEXEC));
+      name = MakeCopyName();
+      file = DescriptorC(
+          openat(folder, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+      if (!file.IsOpen() && errno == EEXIST) continue;
       if (!file.IsOpen()) return false;
       isNamed = true;
       struct stat status {};
       if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) {
-        struct stat now {};
         if (fstat(file.Get(), &status) != 0) return false;
-        if (stat(name.c_str(), &now) == 0) {
+        struct stat now {};
+        if (fstatat(folder, name.c_str(), &now, AT_SYMLINK_NOFOLLOW) == 0) {
           if (IsSameFile(status, now)) return true;
         } else if (errno != ENOENT) {
           return false;
@@ -217,34 +258,30 @@ struct CopiedFileC::Platform {
     }
   }
 
-  // Gives the unnamed file this name, whose last characters are replaced.
+  // Gives the unnamed file this new name.
   bool Name(std::string& name) {
     const std::string own = fmt::format("/proc/self/fd/{}", file.Get());
-    std::random_device random;
     do {
-      for (auto c = name.end() - std::ssize(kCopyRandom); c != name.end(); ++c) {
-        *c = kCopyLetters[random() % kCopyLetters.size()];
-      }
-      isNamed = linkat(AT_FDCWD, own.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+      name = MakeCopyName();
+      isNamed = linkat(AT_FDCWD, own.c_str(), folder, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
     } while (!isNamed && errno == EEXIST);
     return isNamed;
   }
 };
 
 CopiedFileC::CopiedFileC(OriginalFileC& original)
-    : original_(original), platform_(std::make_unique<Platform>()) {
-  const fs::path folder = original.platform_->path.parent_path();
-  RemoveStaleCopies(folder, original.platform_->status.st_uid);
-  name_ = (folder / fmt::format("{}{}", kCopyPrefix, kCopyRandom)).string();
-  if (platform_->OpenUnnamed(folder) || platform_->OpenNamed(name_)) return;
+    : original_(original),
+      platform_(std::make_unique<Platform>(Platform{.folder = original.platform_->folder.Get()})) {
+  RemoveStaleCopies(platform_->folder, original.platform_->status.st_uid);
+  if (platform_->OpenUnnamed() || platform_->OpenNamed(name_)) return;
   const int error = errno;
-  if (platform_->isNamed) unlink(name_.c_str());  // no destructor runs
+  if (platform_->isNamed) unlinkat(platform_->folder, name_.c_str(), 0);  // no destructor runs
   errno = error;
   original_.Fail(fmt::format("cannot write a copy into the folder of {}", original_.GetName()));
 }
 
 CopiedFileC::~CopiedFileC() {
-  if (platform_->isNamed) unlink(name_.c_str());
+  if (platform_->isNamed) unlinkat(platform_->folder, name_.c_str(), 0);
 }
 
 std::size_t CopiedFileC::Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
@@ -307,17 +344,17 @@ void CopiedFileC::Flush() {
 }
 
 void CopiedFileC::TakePlace() {
-  const fs::path& path = original_.platform_->path;
+  const int folder = platform_->folder;
   if (!platform_->isNamed && !platform_->Name(name_)) {
     original_.Fail(fmt::format("cannot name the copy of {}", original_.GetName()));
   }
-  if (std::rename(name_.c_str(), path.c_str()) != 0) {
+  if (renameat(folder, name_.c_str(), folder, original_.platform_->name.c_str()) != 0) {
     original_.Fail(fmt::format("cannot replace {}", original_.GetName()));
   }
   platform_->isNamed = false;
-  const DescriptorC folder(open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
+  const DescriptorC entries = OpenToRead(folder);
   // Some file systems have nothing to do for a folder and report that as an error.
-  if ((!folder.IsOpen() || fsync(folder.Get()) != 0) && errno != EINVAL && errno != ENOTSUP) {
+  if ((!entries.IsOpen() || fsync(entries.Get()) != 0) && errno != EINVAL && errno != ENOTSUP) {
     const int error = errno;
     throw FileErrorC(
         fmt::format("{} is replaced, but its folder could not be brought to the disk: "

@@ -422,6 +422,15 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
   // With all permissions it works, so the refusals above are due to the permissions.
   EXPECT_EQ(setAsOther().exitCode, 0);
   EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
+  // A folder that can be written but not read cannot be brought to the disk.
+  Replace(before_);
+  fs::permissions(folder_.Path(), fs::perms{0333});
+  const Outcome outcome = setAsOther();
+  fs::permissions(folder_.Path(), fs::perms{0777});
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("sample.rec is replaced"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("Permission denied"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
 }
 
 }  // namespace

@@ -101,21 +101,21 @@ TEST_P(RecordSetSteps, ChangesFilesByTheseCallsInThisOrder) {
   EXPECT_GE(std::erase(calls, "pread"), 3U);
   // The calls that read the file's status depend on the C++ library and on the attributes.
   std::erase_if(calls, [](const std::string& call) {
-    return call == "open" || call == "stat" || call == "lseek" || call == "fgetxattr" ||
-           call == "flistxattr";
+    return call == "open" || call == "openat" || call == "stat" || call == "fstatat" ||
+           call == "lseek" || call == "fgetxattr" || call == "flistxattr";
   });
   using Names = std::vector<std::string>;
   const Names middle = {"flock", "ftruncate", "pwrite", "pwrite", "fchown", "fchmod", "fsync"};
-  Names expected = {"flock", IsNamed() ? "mkostemp" : "tmpfile"};
+  Names expected = {"flock", IsNamed() ? "create" : "tmpfile"};
   expected.insert(expected.end(), middle.begin(), middle.end());
   if (!IsNamed()) expected.emplace_back("linkat");
-  expected.insert(expected.end(), {"rename", "fsync"});
+  expected.insert(expected.end(), {"renameat", "fsync"});
   EXPECT_EQ(calls, expected);
 }
 
 TEST_P(RecordSetSteps, KilledAtAnyStepLeavesTheOldFileOrTheNewOne) {
   const std::vector<std::string> calls = Calls();
-  const auto rename = std::find(calls.begin(), calls.end(), "rename") - calls.begin();
+  const auto rename = std::find(calls.begin(), calls.end(), "renameat") - calls.begin();
   for (std::ptrdiff_t step = 0; step < std::ssize(calls); ++step) {
     for (const std::string what : {"kill", "tear"}) {
       const std::string& call = calls[static_cast<std::size_t>(step)];
@@ -125,7 +125,7 @@ TEST_P(RecordSetSteps, KilledAtAnyStepLeavesTheOldFileOrTheNewOne) {
       EXPECT_TRUE(ReadBytes(file_) == (step <= rename ? before_ : after_));
       // No process is left to remove a copy that has a name.
       const auto names = folder_.Names();
-      EXPECT_LE(names.size(), IsNamed() || call == "rename" ? 2U : 1U);
+      EXPECT_LE(names.size(), IsNamed() || call == "renameat" ? 2U : 1U);
       EXPECT_EQ(names.back(), "sample.rec");
       EXPECT_TRUE(names.size() == 1 || IsCopy(names.front()));
       ExpectThatItWorksAgain();
@@ -144,7 +144,8 @@ TEST_P(RecordSetSteps, AnyCallThatFailsLeavesTheOldFileOrTheNewOneAndSaysSo) {
       ExpectNoCopyBehind();
       if (outcome.exitCode == 0) {
         // The program uses another call, or repeats this one.
-        const std::set<std::string> passable = {"open", "tmpfile", "stat", "flock", "lseek"};
+        const std::set<std::string> passable = {"open",    "openat", "tmpfile", "stat",
+                                                "fstatat", "flock",  "lseek"};
         EXPECT_TRUE(passable.contains(calls[step]));
         EXPECT_TRUE(bytes == after_);
       } else {
@@ -186,6 +187,14 @@ TEST_P(RecordSetSteps, IsDoneWhereAFolderHasNothingToBring) {
   EXPECT_TRUE(ReadBytes(file_) == before_);
 }
 
+TEST_P(RecordSetSteps, TakesAnotherNameIfOneIsTaken) {
+  const std::string call = IsNamed() ? "create" : "linkat";
+  const Outcome outcome = Set("fail " + call + " 0 " + std::to_string(EEXIST));
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+  EXPECT_TRUE(ReadBytes(file_) == after_);
+  ExpectNoCopyBehind();
+}
+
 TEST_P(RecordSetSteps, KeepsTheGroupOrRefuses) {
   // Only the owner cannot be kept.
   EXPECT_EQ(Set("fail fchown 0 " + std::to_string(EPERM)).exitCode, 0);
@@ -218,14 +227,17 @@ TEST_P(RecordSetSteps, RefusesACopyThatDoesNotReadBack) {
 // A file with the same number on another device is another file.
 TEST_P(RecordSetSteps, RefusesAFileThatIsOnAnotherDeviceByNow) {
   const std::vector<std::string> calls = Calls();
-  const auto count = std::count(calls.begin(), calls.end(), "stat");
-  ASSERT_GE(count, 2);
-  const Outcome outcome = Set("device stat " + std::to_string(count - 1));
-  EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("the file has been changed by another program"), std::string::npos)
-      << outcome.err;
-  EXPECT_TRUE(ReadBytes(file_) == before_);
-  ExpectNoCopyBehind();
+  for (const std::string call : {"stat", "fstatat"}) {
+    SCOPED_TRACE(call);
+    const auto count = std::count(calls.begin(), calls.end(), call);
+    ASSERT_GE(count, 2);
+    const Outcome outcome = Set("device " + call + " " + std::to_string(count - 1));
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_NE(outcome.err.find("the file has been changed by another program"), std::string::npos)
+        << outcome.err;
+    EXPECT_TRUE(ReadBytes(file_) == before_);
+    ExpectNoCopyBehind();
+  }
 }
 
 TEST_P(RecordSetSteps, KeepsEveryAttributeOrRefuses) {
@@ -249,9 +261,10 @@ TEST_P(RecordSetSteps, KeepsEveryAttributeOrRefuses) {
 class RecordSetSignals : public RecordSetSteps {
  protected:
   // Runs shell commands while the program is stopped before a call; $! is its process ID.
-  Outcome SetAndRun(const std::string& order, const std::string& commands) const {
-    return RunShell("{ " + Shim(order) +
-                        " surveydata record set sample.rec --offset 960 --number 4711 & "
+  Outcome SetAndRun(const std::string& order, const std::string& commands,
+                    const std::string& file = "sample.rec") const {
+    return RunShell("{ " + Shim(order) + " surveydata record set " + file +
+                        " --offset 960 --number 4711 & "
                         "while read -r id name state rest </proc/$!/stat && [ $state != T ]; do "
                         "[ $state != Z ] || exit 99; done; " +
                         commands + "; kill -CONT $!; wait $!; }",
@@ -299,6 +312,21 @@ TEST_P(RecordSetSignals, LocksTheFileThatItsNameLeadsTo) {
   ExpectNoCopyBehind();
 }
 
+// The same if it becomes a link to the file: a link is never replaced.
+TEST_P(RecordSetSignals, DoesNotReplaceALinkThatTheFileBecomes) {
+  for (const auto& [call, isReplaced] : {std::pair("openat 0", true), {"fsync 0", false}}) {
+    SCOPED_TRACE(call);
+    const Outcome outcome = SetAndRun("stop " + std::string(call),
+                                      "mv sample.rec moved.rec; ln -s moved.rec sample.rec");
+    EXPECT_EQ(outcome.exitCode, isReplaced ? 0 : 3) << outcome.err;
+    EXPECT_TRUE(fs::is_symlink(file_));
+    EXPECT_TRUE(ReadBytes(folder_ / "moved.rec") == (isReplaced ? after_ : before_));
+    fs::rename(folder_ / "moved.rec", file_);
+    ExpectNoCopyBehind();
+    WriteBytes(file_, before_);
+  }
+}
+
 // After the copy was compared with the file, only its size tells that the file was appended to.
 TEST_P(RecordSetSignals, RefusesAFileThatGrowsAtTheLastMomentWithTheTimeSetBack) {
   const std::vector<std::string> calls = Calls();
@@ -315,8 +343,46 @@ TEST_P(RecordSetSignals, RefusesAFileThatGrowsAtTheLastMomentWithTheTimeSetBack)
   ExpectNoCopyBehind();
 }
 
+// The folder is replaced by a link to another one while the program is stopped: nothing is created,
+// replaced or removed there. The file is replaced in its own folder, or the change is refused.
+TEST_P(RecordSetSignals, DoesNotFollowAFolderThatBecomesALink) {
+  struct Step {
+    std::string call;
+    bool isReplaced;
+  };
+  const std::vector<std::string> calls = Calls();
+  const auto opened = std::count(
+      calls.begin(), std::find(calls.begin(), calls.end(), std::string("openat")), "open");
+  std::vector<Step> steps = {{"open " + std::to_string(opened - 1), false},  // the folder
+                             {"openat 1", false},  // to look for copies that were left
+                             {IsNamed() ? "create 0" : "tmpfile 0", false},
+                             {"renameat 0", true},
+                             {"fsync 1", true}};
+  if (!IsNamed()) steps.push_back({"linkat 0", true});
+  const std::vector<std::string> others = {".surveydata.abcXYZ", "sample.rec"};
+  const Bytes other = before_ + Bytes{0x55};
+  for (const auto& [call, isReplaced] : steps) {
+    SCOPED_TRACE(call);
+    const TempFolderC elsewhere;
+    for (const std::string& name : others) WriteBytes(elsewhere / name, other);
+    const std::string own = folder_ / "own";
+    fs::create_directory(own);
+    WriteBytes(own + "/sample.rec", before_);
+    const Outcome outcome =
+        SetAndRun("stop " + call, "mv own moved; ln -s '" + elsewhere.Path().string() + "' own",
+                  "own/sample.rec");
+    EXPECT_EQ(outcome.exitCode, isReplaced ? 0 : 3) << outcome.err;
+    EXPECT_EQ(elsewhere.Names(), others);
+    for (const std::string& name : others) EXPECT_TRUE(ReadBytes(elsewhere / name) == other);
+    EXPECT_TRUE(ReadBytes(folder_ / "moved/sample.rec") == (isReplaced ? after_ : before_));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path() / "moved"), {}), 1);
+    fs::remove(own);
+    fs::remove_all(folder_.Path() / "moved");
+  }
+}
+
 TEST_P(RecordSetSignals, ThatComeLaterLetItBeReplacedFirst) {
-  for (const char* const step : {"rename 0", "fsync 1"}) {
+  for (const char* const step : {"renameat 0", "fsync 1"}) {
     SCOPED_TRACE(step);
     EXPECT_EQ(SetAndSignal("stop " + std::string(step), "TERM").exitCode, 128 + SIGTERM);
     EXPECT_TRUE(ReadBytes(file_) == after_);
