@@ -21,9 +21,8 @@ namespace {
 
 constexpr const char* kDescription =
     "Write an area file with its angles in another unit. Everything else stays, and the area need\n"
-    "not be valid. Angles come back as they were given when they are converted back, if they have "
-    "at\n"
-    "most 10 decimals.";
+    "not be valid. Degrees and gon come back as they were given when they are converted back, if\n"
+    "they have at most 10 decimals; radians may change in their last digits.";
 
 struct Options {
   std::string file;
