@@ -83,6 +83,14 @@ TEST_F(RecordDiff, EndsWithZeroForTheSameRecords) {
             (Numbers{2, 0, 0, 0}));
 }
 
+TEST_F(RecordDiff, EndsWithZeroForFilesWithoutARecord) {
+  WriteBytes(folder_ / "empty.rec", {});
+  const Outcome outcome =
+      RunProgram({"record", "diff", folder_ / "empty.rec", folder_ / "empty.rec"});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out, "0 the same, 0 changed, 0 removed, 0 added\n");
+}
+
 TEST_F(RecordDiff, TellsTheFieldsOfAChangedRecord) {
   const std::string file = DataPath("valley_drive.rec");
   const Bytes sample = ReadBytes(file);
