@@ -33,7 +33,10 @@ ExitCode Run(const JoinOptions& options) {
                      fmt::format("{} is a folder; surveydata record join takes it",
                                  options.files.names.front()));
   }
-  if (options.stretch.begin >= options.stretch.end) {
+  // An offset too large for 64 bits is after the end of every file, as any other that is.
+  constexpr std::uint64_t kNoEnd = SDI::GPSRecordStretch().end;
+  const auto [begin, end] = options.stretch;
+  if (begin > end || (begin == end && end != kNoEnd)) {
     throw ToolErrorC(ExitCode::kUsage, "--from-offset is not before --to-offset");
   }
   return JoinRecords(options);

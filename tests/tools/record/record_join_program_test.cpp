@@ -105,6 +105,11 @@ TEST(RecordCut, RefusesWhatItCannotCut) {
   EXPECT_EQ(Record({"cut", "none.rec", "-o", "b.rec"}, work).exitCode, 3);
   EXPECT_FALSE(std::filesystem::exists(folder.Path() / "b.rec"));
   EXPECT_EQ(ReadBytes(folder / "a.rec"), At(1000));
+  // No file has a record at these offsets, however large they are.
+  for (const char* const offset : {"1000000", "18446744073709551615", "99999999999999999999"}) {
+    EXPECT_EQ(Record({"cut", "a.rec", "--from-offset", offset, "-o", "b.rec"}, work).exitCode, 1)
+        << offset;
+  }
   // No measurement is left.
   EXPECT_EQ(Record({"cut", "a.rec", "--name", "nobody", "-o", "b.rec"}, work).exitCode, 1);
 }
