@@ -694,15 +694,17 @@ TEST(AreaCommands, RefuseToOverwriteAnyFileThatTheyRead) {
   const std::string text = "hz,v\n0,90\n";
   const Bytes table(text.begin(), text.end());
   WriteBytes(folder / "d.csv", table);
-  fs::create_symlink("d.csv", fs::path(folder / "link.csv"));
   const auto refused = [&](const std::string& command, const std::vector<std::string>& more) {
     const Outcome outcome = Area(command, folder / "a.json", more);
     EXPECT_EQ(outcome.exitCode, 2) << command;
     EXPECT_TRUE(outcome.err.ends_with(" is the input itself\n")) << outcome.err;
   };
   refused("plot", {"--csv", folder / "d.csv", "-o", folder / "d.csv"});
+#if !defined(_WIN32)  // there the standard library makes no links
+  fs::create_symlink("d.csv", fs::path(folder / "link.csv"));
   refused("plot", {"--csv", folder / "d.csv", "-o", folder / "link.csv"});
   refused("plot", {"--csv", folder / "link.csv", "-o", folder / "d.csv"});
+#endif
   refused("plot", {"--csv", folder / "d.csv", "-o", folder / "a.json"});
   refused("plot", {"-o", folder / "a.json"});
   refused("grid", {"-o", folder / "a.json"});
