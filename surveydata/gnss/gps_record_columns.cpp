@@ -131,7 +131,7 @@ class BlockC {
   const RecordView& Get(std::size_t row) const { return views_[row]; }
   Writers& GetWriters() const { return writers_; }
 
-  Bits All() const { return kWhole >> (kBlock - count_); }
+  Bits All() const { return count_ == 0 ? Bits{0} : kWhole >> (kBlock - count_); }
   /// The rows with this bit of the set mask.
   Bits WithSet(std::uint16_t bit) const { return set_.With(bit, groups_) & All(); }
   /// The rows with this bit of the status mask.

@@ -68,7 +68,7 @@ class DateWriterC {
     std::memcpy(to + 7, text_.data() + 7, 16);
   }
   static void PutTwo(std::uint32_t number, char* to) {
-    std::memcpy(to, kTwoDigits.data() + 2 * number, 2);
+    std::memcpy(to, kTwoDigits.data() + std::size_t{2} * number, 2);
   }
   static void PutThree(std::uint32_t number, char* to) {
     to[0] = static_cast<char>('0' + number / 100);

@@ -35,7 +35,7 @@ set(layer_area_uses scanning sphere_geometry)
 set(layer_view_uses "")
 set(layer_top_uses "")
 # The other headers that they may include: only `platform` uses the operating system.
-set(layer_platform_outside "^(sys/[a-z]+|fcntl|unistd|spawn|mach-o/dyld|windows|aclapi|io|shellapi|fmt/format(-inl)?)\\.h$")
+set(layer_platform_outside "^(sys/[a-z]+|dirent|fcntl|unistd|spawn|mach-o/dyld|windows|aclapi|io|shellapi|fmt/format(-inl)?)\\.h$")
 set(layer_command_line_outside "^(CLI/CLI\\.hpp|fmt/format\\.h)$")
 set(layer_output_outside "^fmt/(compile|format)\\.h$")
 set(layer_record_outside "^fmt/format\\.h$")

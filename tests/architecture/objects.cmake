@@ -68,6 +68,7 @@ set(language
   __cxa_throw_bad_array_new_length __dynamic_cast __errno_location __gxx_personality_v0
   __stack_chk_fail __stack_chk_fail_local _GLOBAL_OFFSET_TABLE_ _Unwind_Resume
   __divdi3 __moddi3 __udivdi3 __umoddi3  # 64-bit division on 32-bit platforms
+  __ctzdi2  # the lowest bit of 64 on 32-bit platforms
   __libc_single_threaded)  # reference counts check whether the process has one thread
 list(JOIN files "|" files)
 list(JOIN numbers "|" numbers)
