@@ -21,8 +21,7 @@ namespace {
 
 constexpr std::size_t kLongestLine = 65'535;  // without the line end
 
-std::string Trimmed(const std::string& text) {
-  const char* const blanks = " \t\r\n";
+std::string Trimmed(const std::string& text, const char* blanks = " \t\r\n") {
   const std::size_t first = text.find_first_not_of(blanks);
   if (first == std::string::npos) return "";
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
@@ -155,16 +154,19 @@ class TableParserC {
 
  private:
   bool Take(const std::string& line, bool isFirst) {
-    std::string text = Trimmed(line);
-    if (isFirst && text.starts_with("\xEF\xBB\xBF")) text = Trimmed(text.substr(3));
-    if (text.empty()) return true;
-    if (text[0] == '#' && (columns_ == 0 || hz_ == 0 || v_ == 0)) return true;
+    const bool hasMark = isFirst && line.starts_with("\xEF\xBB\xBF");
+    std::string text = Trimmed(hasMark ? line.substr(3) : line);
     const bool isLayout = columns_ == 0;
+    if (text.starts_with('#') && (isLayout || hz_ == 0 || v_ == 0)) return true;
     if (isLayout) {
+      if (text.empty()) return true;
       const std::set<char> separators = SeparatorsIn(text);
       if (separators.size() > 1) return false;
       separator_ = separators.empty() ? ' ' : *separators.begin();
     }
+    // The first or the last cell between tabs may be empty.
+    if (separator_ == '\t') text = Trimmed(hasMark ? line.substr(3) : line, " \r\n");
+    if (text.empty()) return true;
     const auto cells = CellsIn(text, separator_);
     if (!cells) return false;
     if (isLayout) {

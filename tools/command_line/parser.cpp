@@ -226,6 +226,7 @@ Request Parse(const Command& top, int argc, char** argv) {
   AddContents(app, top, chosen);
   const std::vector<std::string> words = MarkArguments(argc, argv);
   std::vector<const char*> pointers;
+  pointers.reserve(words.size());
   for (const std::string& word : words) pointers.push_back(word.c_str());
   try {
     app.parse(static_cast<int>(pointers.size()), pointers.data());
