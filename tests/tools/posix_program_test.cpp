@@ -23,19 +23,12 @@
 #include <command_line/command.h>
 #include <commands.h>
 
+#include "tests/support/sanitizer.h"
 #include "tests/tools/program.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 // The paths of all commands but `view`, whose examples need a browser and have a test of their own.
 std::vector<std::string> CommandPaths() {

@@ -1,57 +1,15 @@
 // Which output of the program is coloured: asked through a pseudo terminal.
 
-#include <cstddef>
 #include <regex>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include "tests/tools/program.h"
+#include "tests/tools/terminal.h"
 
 namespace {
-
-// A terminal that leaves the output as it is.
-class TerminalC {
- public:
-  TerminalC() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) return;
-    name_ = ptsname(master_);
-    slave_ = open(name_.c_str(), O_RDWR | O_NOCTTY);
-    termios settings{};
-    if (tcgetattr(slave_, &settings) != 0) return;
-    settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    isThere_ = tcsetattr(slave_, TCSANOW, &settings) == 0;
-    fcntl(master_, F_SETFL, O_NONBLOCK);
-  }
-  TerminalC(const TerminalC&) = delete;
-  TerminalC& operator=(const TerminalC&) = delete;
-  ~TerminalC() {
-    if (slave_ >= 0) close(slave_);
-    if (master_ >= 0) close(master_);
-  }
-
-  bool IsThere() const { return isThere_; }
-  const std::string& Name() const { return name_; }
-  // What was written to it since. It holds about 4 KB.
-  std::string Read() const {
-    std::string text;
-    char bytes[4096];
-    for (ssize_t size = 0; (size = read(master_, bytes, sizeof(bytes))) > 0;) {
-      text.append(bytes, static_cast<std::size_t>(size));
-    }
-    return text;
-  }
-
- private:
-  int master_;
-  int slave_ = -1;
-  std::string name_;
-  bool isThere_ = false;
-};
 
 std::string WithoutColours(const std::string& text) {
   return std::regex_replace(text, std::regex("\x1b\\[[0-9]*m"), "");

@@ -6,17 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/sanitizer.h"
 #include "tests/tools/program.h"
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 TEST(RecordJobs, GoOnWithTheThreadsThatTheSystemStarts) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer starts the threads";

@@ -13,19 +13,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/sanitizer.h"
 #include "tests/tools/program.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 // The largest memory of a comparison in KiB; its output goes to `out`.
 long MemoryOfDiff(const std::string& a, const std::string& b, const std::string& out) {

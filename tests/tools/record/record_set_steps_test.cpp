@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "tests/tools/program.h"
+#include "tests/tools/terminal.h"
 
 // `record set` is killed, stopped or fails at every single step: the old file or the new one is
 // left. tests/support/step_shim.cpp describes how this is done.
@@ -444,38 +445,6 @@ TEST_P(RecordSetSteps, OnAFileSizeThatIsLimitedLeavesTheFileAsItWas) {
 }
 
 // --- The progress bar
-
-// A terminal for the program to write to.
-class TerminalC {
- public:
-  TerminalC() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) return;
-    name_ = ptsname(master_);
-    keptOpen_ = open(name_.c_str(), O_RDWR | O_NOCTTY);
-  }
-  TerminalC(const TerminalC&) = delete;
-  TerminalC& operator=(const TerminalC&) = delete;
-  ~TerminalC() {
-    if (keptOpen_ >= 0) close(keptOpen_);
-    if (master_ >= 0) close(master_);
-  }
-  bool IsThere() const { return keptOpen_ >= 0; }
-  const std::string& Name() const { return name_; }
-  /// Everything that was written to it.
-  std::string Read() const {
-    std::string text;
-    char block[4096];
-    for (ssize_t size = 0; (size = read(master_, block, sizeof(block))) > 0;) {
-      text.append(block, static_cast<std::size_t>(size));
-    }
-    return text;
-  }
-
- private:
-  int master_;
-  int keptOpen_ = -1;
-  std::string name_;
-};
 
 TEST_P(RecordSetSteps, DrawsAProgressBarOnATerminalWhenTheWorkIsLong) {
   const TerminalC terminal;
