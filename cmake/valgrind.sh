@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs a selection of the tests under valgrind, which reports leaks and, unlike the sanitizers,
-# branches that depend on uninitialised memory. Exits with 1 at the first finding.
+# branches that depend on uninitialised memory. Fails if there is a finding.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . cmake/install_dependencies.sh
@@ -36,22 +36,30 @@ for entry in "${selection[@]}"; do
 done
 cmake --build --preset dev --target "${targets[@]}" >/dev/null
 
-# soname-synonyms keeps valgrind from replacing a program's own operator `new`, which injects
-# allocation failures.
+# Runs a command, a line with tabs between its words, and prints its output at its end, because others
+# run at the same time. soname-synonyms
+# keeps valgrind from replacing a program's own operator `new`, which injects allocation failures.
 checked() {
-  echo "== $*"
-  RC_PARAMS="seed=20260101 max_success=50" valgrind --quiet --error-exitcode=1 \
+  local words output result=0
+  IFS=$'\t' read -ra words <<<"$1"
+  output=$(valgrind --quiet --error-exitcode=1 \
     --soname-synonyms=somalloc=nouserintercepts \
-    --leak-check=full --errors-for-leak-kinds=definite,indirect "$@"
+    --leak-check=full --errors-for-leak-kinds=definite,indirect "${words[@]}" 2>&1) || result=1
+  printf '%s\n' "== ${words[*]}" "$output"
+  return $result
 }
+export -f checked
+export RC_PARAMS="seed=20260101 max_success=50"
 
+commands=()
 for entry in "${selection[@]}"; do
   program="build/dev/tests/${entry%% *}"
   filter="--gtest_filter=${entry#* }"
   tests=$("$program" "$filter" --gtest_list_tests)
   grep -q '^  ' <<<"$tests" || { echo "no such test: $entry" >&2; exit 1; }
-  checked "$program" --gtest_brief=1 "$filter"
+  commands+=("$program"$'\t'"--gtest_brief=1"$'\t'"$filter")
 done
 for target in "${fuzz_targets[@]}"; do
-  checked "build/dev/tests/fuzz/fuzz_$target" "tests/fuzz/corpus/$target"
+  commands+=("build/dev/tests/fuzz/fuzz_$target"$'\t'"tests/fuzz/corpus/$target")
 done
+printf '%s\n' "${commands[@]}" | xargs -d '\n' -n 1 -P "$(nproc)" bash -c 'checked "$0"'
