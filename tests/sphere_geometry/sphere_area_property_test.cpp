@@ -12,6 +12,7 @@
 #include "tests/support/compare_areas.h"
 #include "tests/support/literal_sphere_area.h"
 #include "tests/support/ring_generator.h"
+#include "tests/support/sanitizer.h"
 
 namespace GMAT {
 namespace {
@@ -22,11 +23,7 @@ using CompareAreas::CompareRing;
 using CompareAreas::Tally;
 
 // SURVEYDATA_SPHERE_AREA_CASES sets another number of cases.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr std::uint64_t kDefaultCases = 100'000;
-#else
-constexpr std::uint64_t kDefaultCases = 1'000'000;
-#endif
+constexpr std::uint64_t kDefaultCases = kIsSanitized ? 100'000 : 1'000'000;
 
 std::uint64_t NumberOfCases() {
   const char* const text = std::getenv("SURVEYDATA_SPHERE_AREA_CASES");
