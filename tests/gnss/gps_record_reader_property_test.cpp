@@ -201,6 +201,42 @@ TEST(ReaderStretches, ALookBackKnowsNoSumsOfTheOneBefore) {
   }
 }
 
+// The true walk passes the first positions of the look-back in one record and visits only the last
+// of the 65,537. A frame in that record, 1,000 bytes earlier, leads to the other frames of a chain.
+TEST(ReaderStretches, TheLastOfTheFirstPositionsCounts) {
+  std::mt19937_64 random(20260139);
+  constexpr std::size_t kBegin = 400'000;
+  constexpr std::size_t kFirst = kBegin - 131'074;
+  constexpr std::size_t kChain = kFirst + 65'536;
+  constexpr std::size_t kBefore = 1'000;
+  const auto put = [](ByteVector& bytes, std::size_t at, std::size_t size) {
+    const ByteVector header{0x9C, 0xAE, static_cast<std::uint8_t>((size - 2) & 0xFF),
+                            static_cast<std::uint8_t>((size - 2) >> 8), 113};
+    std::copy(header.begin(), header.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  ByteVector bytes(kChain, 0x11);
+  put(bytes, kFirst - 1, 65'537);
+  put(bytes, kChain - kBefore, kBefore + 50);
+  TestSupport::Seal(bytes, kFirst - 1);
+  Append(bytes, ChainOf(100, 50, 150'000, random));
+  TestSupport::Seal(bytes, kChain - kBefore);
+  for (std::size_t at = kChain; at + 100 <= bytes.size(); at += 50) TestSupport::Seal(bytes, at);
+
+  const Listed whole = Whole(bytes);
+  const auto from = [](const Listed& listed, std::uint64_t begin) {
+    return *std::find_if(listed.entries.begin(), listed.entries.end(),
+                         [&](const auto& entry) { return entry.offset >= begin; });
+  };
+  ASSERT_EQ(from(whole, kFirst - 1).size, 65'537U);
+  ASSERT_EQ(from(whole, kFirst).offset, kChain);
+  GPSRecordReaderC other(bytes, {kChain - kBefore, kChain});
+  ASSERT_EQ(List(other), Listed());  // the true walk does not visit that frame
+  GPSRecordReaderC reader(bytes, {kBegin, kBegin + 1'000});
+  const Listed part = List(reader);
+  ASSERT_FALSE(part.entries.empty());
+  EXPECT_EQ(part.entries.front(), from(whole, kBegin));
+}
+
 TEST(ReaderStretches, AChainCostsReadingFromItsStart) {
   std::mt19937_64 random(20260133);
   const ByteVector bytes = ChainOf(100, 50, 3'000'000, random);
