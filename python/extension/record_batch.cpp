@@ -1,12 +1,16 @@
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <numeric>
+#include <utility>
 
 #ifdef __linux__
 #include <sys/mman.h>
 #endif
 
+#include <boost/endian/conversion.hpp>
 #include <extension/record_batch.h>
 
 namespace Python {
@@ -55,6 +59,83 @@ BlockC CopyOf(const BlockC& block, std::size_t size) {
 
 bool IsBitSet(const std::uint8_t* bits, std::size_t at) {
   return (bits[at / 8] >> at % 8 & 1) != 0;
+}
+
+// Blocks of huge pages that were released, for the next ones: the kernel clears new pages, which
+// took up to a fifth of the time of reading, and page faults of threads take turns.
+class SparesC {
+ public:
+  // Never destroyed, because blocks may be released until the process ends.
+  static SparesC& Get() {
+    static SparesC* const spares = new SparesC;
+    return *spares;
+  }
+
+  // A block of at least `room` bytes, which becomes its size.
+  std::uint8_t* Take(std::size_t& room) {
+    {
+      const std::lock_guard lock(mutex_);
+      for (Spare& spare : spares_) {
+        if (spare.size < room || spare.size > room + room / 2) continue;
+        room = spare.size;
+        bytes_ -= room;
+        spare.size = 0;
+        return spare.bytes;
+      }
+    }
+    auto* const bytes = static_cast<std::uint8_t*>(::operator new(room, kAligned));
+#ifdef __linux__
+    static_cast<void>(madvise(bytes, room, MADV_HUGEPAGE));  // failure does not matter
+#endif
+    return bytes;
+  }
+
+  // Keeps a block, in place of the oldest ones if there are too many.
+  void Keep(std::uint8_t* bytes, std::size_t size) {
+    if (size > kMostSpareBytes) return ::operator delete(bytes, kAligned);
+#ifdef __linux__
+    static_cast<void>(madvise(bytes, size, MADV_FREE));  // the kernel may take its pages
+#endif
+    const std::lock_guard lock(mutex_);
+    for (bool isKept = false; !isKept;) {
+      Spare& oldest = spares_[next_++ % spares_.size()];
+      if (oldest.size != 0) ::operator delete(oldest.bytes, kAligned);
+      bytes_ -= std::exchange(oldest.size, 0);
+      isKept = bytes_ + size <= kMostSpareBytes;
+      if (isKept) oldest = {bytes, size};
+    }
+    bytes_ += size;
+  }
+
+  std::size_t GetBytes() {
+    const std::lock_guard lock(mutex_);
+    return bytes_;
+  }
+
+ private:
+  static constexpr std::align_val_t kAligned{kHugePage};
+
+  struct Spare {
+    std::uint8_t* bytes = nullptr;
+    std::size_t size = 0;  // 0 if there is no block
+  };
+
+  std::mutex mutex_;
+  std::array<Spare, 8> spares_;
+  std::size_t next_ = 0;  // where the next block goes
+  std::size_t bytes_ = 0;
+};
+
+// A byte, 0 or 1, for each bit.
+void UnpackBits(const std::uint8_t* bits, std::size_t count, std::uint8_t* to) {
+  std::size_t i = 0;
+  for (; count - i >= 8; i += 8) {
+    // Each of eight copies keeps one bit, which the addition moves to the top if it is set.
+    const std::uint64_t each = bits[i / 8] * 0x0101'0101'0101'0101U & 0x8040'2010'0804'0201U;
+    boost::endian::store_little_u64(to + i,
+                                    (each + 0x7F7F'7F7F'7F7F'7F7FU) >> 7 & 0x0101'0101'0101'0101U);
+  }
+  for (; i < count; ++i) to[i] = IsBitSet(bits, i) ? 1 : 0;
 }
 
 // The bits of the kept rows, without gaps.
@@ -108,16 +189,18 @@ BatchColumn FilterColumn(const BatchColumn& from, std::span<const bool> keep, st
 
 BlockC::BlockC(std::size_t size) : size_(size) {
   if (size == 0) return;
-  const auto alignment = std::align_val_t(size < kHugePage ? kAlignment : kHugePage);
-  const std::size_t rounded = RoundUp(size, static_cast<std::size_t>(alignment));
-  bytes_.reset(static_cast<std::uint8_t*>(::operator new(rounded, alignment)),
-               [alignment](std::uint8_t* bytes) { ::operator delete(bytes, alignment); });
-#ifdef __linux__
-  // Without huge pages, threads that read files spend much of their time in page faults, which
-  // take turns. Failure does not matter.
-  if (size >= kHugePage) static_cast<void>(madvise(bytes_.get(), rounded, MADV_HUGEPAGE));
-#endif
+  if (size >= kHugePage) {
+    std::size_t room = RoundUp(size, kHugePage);
+    std::uint8_t* const bytes = SparesC::Get().Take(room);
+    bytes_.reset(bytes, [room](std::uint8_t* to) { SparesC::Get().Keep(to, room); });
+    return;
+  }
+  constexpr std::align_val_t kAligned{kAlignment};
+  bytes_.reset(static_cast<std::uint8_t*>(::operator new(RoundUp(size, kAlignment), kAligned)),
+               [](std::uint8_t* bytes) { ::operator delete(bytes, kAligned); });
 }
+
+std::size_t SpareBytes() { return SparesC::Get().GetBytes(); }
 
 BlockC BlockC::Part(std::size_t at, std::size_t size) const {
   BlockC part;
@@ -159,11 +242,13 @@ std::size_t ValidityBytes(const GPSColumn& column, std::size_t rows) {
   return column.canBeAbsent ? BitBytes(rows) : 0;
 }
 
-// Gives parts of one block to the columns of fixed width.
+// Gives parts of one block.
 class PartsC {
  public:
+  explicit PartsC(std::size_t size) : block_(size) {}
+  // For the columns of fixed width.
   PartsC(std::span<const GPSColumn* const> columns, std::size_t rows)
-      : block_(std::accumulate(columns.begin(), columns.end(), std::size_t{0},
+      : PartsC(std::accumulate(columns.begin(), columns.end(), std::size_t{0},
                                [rows](std::size_t sum, const GPSColumn* column) {
                                  if (column->largest != 0) return sum;
                                  return sum + RoundUp(ValueBytes(*column, rows), kAlignment) +
@@ -232,6 +317,33 @@ std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
     }
   }
   return batch;
+}
+
+std::vector<Bools> Unpack(const RecordBatch& batch, std::span<const std::size_t> columns) {
+  const auto isFlag = [](const BatchColumn& column) {
+    return column.column->type == GPSColumnType::kBool;
+  };
+  std::size_t count = 0;
+  for (const std::size_t i : columns) {
+    const BatchColumn& column = batch.columns[i];
+    count += std::size_t{isFlag(column)} + std::size_t{column.absent != 0};
+  }
+  PartsC parts(count * RoundUp(batch.rows, kAlignment));
+  std::vector<Bools> all;
+  for (const std::size_t i : columns) {
+    const BatchColumn& column = batch.columns[i];
+    Bools bools;
+    if (isFlag(column)) {
+      bools.values = parts.Next(batch.rows);
+      UnpackBits(column.values.Get(), batch.rows, bools.values.Get());
+    }
+    if (column.absent != 0) {
+      bools.validity = parts.Next(batch.rows);
+      UnpackBits(column.validity.Get(), batch.rows, bools.validity.Get());
+    }
+    all.push_back(std::move(bools));
+  }
+  return all;
 }
 
 std::shared_ptr<const RecordBatch> Filter(const RecordBatch& batch, std::span<const bool> keep) {

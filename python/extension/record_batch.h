@@ -13,6 +13,11 @@ struct ArrowArrayStream;
 
 namespace Python {
 
+/// The most bytes of released memory that are kept for the next tables.
+constexpr std::size_t kMostSpareBytes = std::size_t{256} << 20;
+/// How many bytes are kept now.
+std::size_t SpareBytes();
+
 /// Uninitialised memory for numbers of any type. It is shared by copies and by parts.
 class BlockC {
  public:
@@ -59,6 +64,15 @@ struct RecordBatch {
 std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
                                              std::span<const SDI::GPSColumn* const> columns,
                                              std::size_t capacity);
+
+/// Flags and validities as bools, with one element per row.
+struct Bools {
+  BlockC values;    ///< Empty for columns that are no flags.
+  BlockC validity;  ///< Empty where every row has a value.
+};
+
+/// The bools of each of `columns`, numbered as in the batch, as parts of one block.
+std::vector<Bools> Unpack(const RecordBatch& batch, std::span<const std::size_t> columns);
 
 /// The rows for which `keep`, with one element per row, is true.
 std::shared_ptr<const RecordBatch> Filter(const RecordBatch& batch, std::span<const bool> keep);

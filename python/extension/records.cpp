@@ -50,6 +50,18 @@ Bytes View(const BlockC& block, nb::handle owner) {
   return Bytes(block.Get(), {block.GetSize()}, owner);
 }
 
+// The same for bools, which nothing else refers to.
+using BoolArray = nb::ndarray<nb::numpy, bool, nb::ndim<1>>;
+std::optional<BoolArray> ArrayOf(const BlockC& block) {
+  if (block.GetSize() == 0) return {};
+  auto memory = std::make_unique<BlockC>(block);
+  std::uint8_t* const bools = memory->Get();
+  const nb::capsule owner(memory.get(),
+                          [](void* held) noexcept { delete static_cast<BlockC*>(held); });
+  memory.release();  // NOLINT(bugprone-unused-return-value): `owner` deletes it
+  return BoolArray(bools, {block.GetSize()}, owner);
+}
+
 // Reads a record file, bytes or a file object once, from front to back. Only one thread may use it
 // at a time.
 class ReaderC {
@@ -145,6 +157,8 @@ void AddRecords(nb::module_& module) {
     return columns;
   });
 
+  module.def("spare_bytes", SpareBytes);
+
   nb::class_<RecordBatch>(module, "BatchCore")
       .def_prop_ro("rows", [](const RecordBatch& self) { return self.rows; })
       .def_prop_ro("names",
@@ -176,6 +190,22 @@ void AddRecords(nb::module_& module) {
       .def(
           "absent", [](const RecordBatch& self, std::size_t i) { return ColumnAt(self, i).absent; },
           "column"_a)
+      .def(
+          "bools",
+          [](const RecordBatch& self, const std::vector<std::size_t>& columns) {
+            for (const std::size_t i : columns) ColumnAt(self, i);
+            std::vector<Bools> unpacked;
+            {
+              const nb::gil_scoped_release unlocked;
+              unpacked = Unpack(self, columns);
+            }
+            std::vector<std::tuple<std::optional<BoolArray>, std::optional<BoolArray>>> arrays;
+            for (const Bools& bools : unpacked) {
+              arrays.emplace_back(ArrayOf(bools.values), ArrayOf(bools.validity));
+            }
+            return arrays;
+          },
+          "columns"_a)
       .def(
           "filter",
           [](const RecordBatch& self, nb::handle keep) {

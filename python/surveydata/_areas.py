@@ -95,6 +95,25 @@ class Bounds(NamedTuple):
     encloses_zenith: bool
 
 
+# The limits of grids: of a column, which is in memory, of arrays, and where numbers get inexact.
+_MOST_IN_COLUMN = 10**7
+_MOST_IN_GRID = 10**8
+_MOST_COLUMNS = 2**53
+
+
+class _Lattice(NamedTuple):
+    """The directions of a grid before those outside are left out, in rad."""
+
+    columns: int
+    rows: int
+    hz_min: float
+    width: float
+    hz_step: float
+    v_min: float
+    v_max: float
+    v_step: float
+
+
 class Directions(NamedTuple):
     """Directions, one per element."""
 
@@ -323,13 +342,14 @@ class Area:
         left out.
 
         The grid starts at the lowest Hz and V of the bounds, or at Hz 0 and V 0 for a dome and for
-        an area around the zenith. Raises ValueError with the first fault if the area is not valid.
+        an area around the zenith. Raises ValueError with the first fault if the area is not valid,
+        and if a column has more than 10^7 steps of V or there are more than 2^53 columns.
         """
+        return self._sweep(self._lattice(), unit or self.unit)
+
+    def _lattice(self) -> _Lattice:
         if not self.is_valid():
             raise ValueError(f"the area is not valid: {self.faults()[0].text}")
-        return self._sweep(unit or self.unit)
-
-    def _sweep(self, unit: Unit) -> Iterator[Directions]:
         bounds = self.bounds("rad")
         assert bounds is not None
         hz_step, v_step = self._impl.steps("rad")
@@ -338,18 +358,29 @@ class Area:
             hz_min, hz_max, v_min = 0.0, 2 * math.pi, 0.0
             v_max = _LOWEST_OF_DOME if self.kind == "dome" else v_max
         width = hz_max - hz_min if hz_max >= hz_min else hz_max - hz_min + 2 * math.pi
+        for steps, limit, what in (
+            ((v_max - v_min) / v_step, _MOST_IN_COLUMN, "steps of V in a column"),
+            (width / hz_step, _MOST_COLUMNS, "columns"),
+        ):
+            if steps >= limit:
+                raise ValueError(f"the grid has {steps:.4g} {what}, more than {limit:,}")
         # A full turn does not end where it begins; rounding may miss the last step.
         most = 1e-9
         columns = math.floor(width / hz_step + most) + 1
         if width >= 2 * math.pi - most:
             columns = max(1, math.ceil(2 * math.pi / hz_step - most))
         rows = math.floor((v_max - v_min) / v_step + most) + 1
-        v = np.minimum(v_min + v_step * np.arange(rows, dtype=np.float64), v_max)
+        return _Lattice(columns, rows, hz_min, width, hz_step, v_min, v_max, v_step)
+
+    def _sweep(self, lattice: _Lattice, unit: Unit) -> Iterator[Directions]:
+        v = lattice.v_min + lattice.v_step * np.arange(lattice.rows, dtype=np.float64)
+        v = np.minimum(v, lattice.v_max)
         prepared = self.prepare(many=True)
         scale = _TURN[unit] / (2 * math.pi)
         is_down = True
-        for column in range(columns):
-            hz = math.fmod(hz_min + min(column * hz_step, width), 2 * math.pi)
+        for column in range(lattice.columns):
+            turn = min(column * lattice.hz_step, lattice.width)
+            hz = math.fmod(lattice.hz_min + turn, 2 * math.pi)
             inside = v[prepared.contains(np.full(v.shape, hz), v, "rad")]
             if inside.size:
                 ordered = inside if is_down else inside[::-1]
@@ -357,8 +388,18 @@ class Area:
                 is_down = not is_down
 
     def grid(self, unit: Unit | None = None) -> Directions:
-        """All directions of `iter_grid` as two arrays."""
-        columns = list(self.iter_grid(unit))
+        """All directions of `iter_grid` as two arrays.
+
+        Also raises ValueError if there are more than 10^8 directions at the steps in the bounds of
+        the area; `iter_grid` takes more.
+        """
+        lattice = self._lattice()
+        if (count := lattice.columns * lattice.rows) > _MOST_IN_GRID:
+            raise ValueError(
+                f"the grid has {count:,} directions in its bounds, more than {_MOST_IN_GRID:,}; "
+                "iter_grid gives them column by column"
+            )
+        columns = list(self._sweep(lattice, unit or self.unit))
         if not columns:
             return Directions(np.empty(0), np.empty(0))
         hz, v = zip(*columns, strict=True)

@@ -137,23 +137,32 @@ class RecordTable:
         """
         if name not in self._names:
             raise KeyError(f"the table has no column {name!r}")
-        info = _INFOS[name]
-        at = self._names.index(name)
-        parts = [self._values(batch, at, info.type) for batch in self._batches]
-        if info.type in _DTYPES and not parts:
-            parts = [np.empty(0, _DTYPES[info.type])]
-        if not parts:
-            parts = [np.empty(0, np.bool_ if info.type == "bool" else np.object_)]
-        values = parts[0] if len(parts) == 1 else np.concatenate(parts)
-        if not any(batch.absent(at) for batch in self._batches):
-            return Column(values, None)
-        valid = [
-            _bits(batch.validity(at), batch.rows)
-            if batch.absent(at)
-            else np.ones(batch.rows, np.bool_)
-            for batch in self._batches
-        ]
-        return Column(values, valid[0] if len(valid) == 1 else np.concatenate(valid))
+        return self._columns([self._names.index(name)])[0]
+
+    def _columns(self, places: Sequence[int]) -> list[Column]:
+        bools = [batch.bools(places) for batch in self._batches]
+        columns = []
+        for i, at in enumerate(places):
+            kind = _INFOS[self._names[at]].type
+            parts: list[NDArray[Any]] = []
+            valid: list[NDArray[np.bool_]] = []
+            has_absent = any(batch.absent(at) for batch in self._batches)
+            for batch, unpacked in zip(self._batches, bools, strict=True):
+                flags, present = unpacked[i]
+                parts.append(self._values(batch, at, kind) if flags is None else flags)
+                if has_absent:
+                    valid.append(np.ones(batch.rows, np.bool_) if present is None else present)
+            if not parts:
+                empty = np.bool_ if kind == "bool" else np.object_
+                parts = [np.empty(0, _DTYPES.get(kind, empty))]
+            values = parts[0] if len(parts) == 1 else np.concatenate(parts)
+            if not has_absent:
+                columns.append(Column(values, None))
+            else:
+                columns.append(
+                    Column(values, valid[0] if len(valid) == 1 else np.concatenate(valid))
+                )
+        return columns
 
     @staticmethod
     def _values(batch: _core.BatchCore, at: int, kind: str) -> NDArray[Any]:
@@ -161,8 +170,6 @@ class RecordTable:
         if kind in _DTYPES:
             numbers: NDArray[Any] = values.view(_DTYPES[kind])
             return numbers[: batch.rows]
-        if kind == "bool":
-            return _bits(values, batch.rows)
         ends = batch.offsets(at).view(np.int64)[: batch.rows + 1].tolist()
         objects = np.empty(batch.rows, np.object_)
         valid = [True] * batch.rows
@@ -186,8 +193,13 @@ class RecordTable:
         return values if valid is None else np.ma.MaskedArray(values, mask=~valid)
 
     def to_numpy(self) -> dict[str, Column]:
-        """All columns with their validity."""
-        return {name: self.column(name) for name in self._names}
+        """All columns with their validity.
+
+        If the table is one batch, the arrays of numbers are views of its memory, and those of flags
+        and validity share a block of their own: an array that is kept keeps its block.
+        """
+        columns = self._columns(range(len(self._names)))
+        return dict(zip(self._names, columns, strict=True))
 
     def to_pandas(self) -> pandas.DataFrame:
         """A data frame; needs pandas and pyarrow (the extra `pandas`)."""

@@ -331,6 +331,28 @@ def test_a_grid_has_the_directions_inside(area: sd.Area, seed: int) -> None:
     assert sum(len(column.hz) for column in stepped.iter_grid()) == hz.size
 
 
+def test_a_grid_has_a_limit() -> None:
+    def area(hz_step: float, v_step: float) -> sd.Area:
+        return sd.RectangularArea([10, 20], [80, 90], unit="deg", hz_step=hz_step, v_step=v_step)
+
+    for v_step in (1e-9, 1e-300):
+        with pytest.raises(
+            ValueError, match=r"has 1e\+\d+ steps of V in a column, more than 10,000"
+        ):
+            area(1, v_step).iter_grid()
+    with pytest.raises(ValueError, match=r"columns, more than 9,007,199,254,740,992"):
+        area(1e-300, 1).iter_grid()
+    fine = area(1e-9, 1)
+    with pytest.raises(ValueError, match=r"has 1\d\d,\d{3},\d{3},\d{3} directions .* 100,000,000;"):
+        fine.grid()
+    first = next(fine.iter_grid())
+    assert first.hz[0] == pytest.approx(10, abs=1e-6)
+    # The limit counts all directions in the bounds, with both ends.
+    just_too_many = area(10 / 99_999, 10 / 1_000)
+    with pytest.raises(ValueError, match=r"has 100,100,000 directions"):
+        just_too_many.grid()
+
+
 # ----- Definition
 
 

@@ -610,3 +610,31 @@ def test_the_size_of_batches_does_not_change_a_table(data: Path) -> None:
     assert all_valid is not None
     assert all_valid.tolist() == valid.tolist() * 300
     pa.table(table).validate(full=True)
+
+
+def test_memory_is_reused_when_no_array_refers_to_it(data: Path) -> None:
+    contents = [
+        (data / f"{name}.rec").read_bytes() * 40 for name in ("valley_drive", "desert_highway")
+    ]
+    kept = sd.read_records(contents[0], sd.FIXED_WIDTH).to_numpy()
+    expected = {name: (values.copy(), valid) for name, (values, valid) in kept.items()}
+    for _ in range(3):
+        for content in contents:
+            sd.read_records(content, sd.FIXED_WIDTH).to_numpy()
+            assert 0 < sd._core.spare_bytes() <= 256 << 20
+    for name, (values, valid) in expected.items():
+        assert np.array_equal(kept[name].values, values, equal_nan=values.dtype.kind == "f"), name
+        assert kept[name].valid is valid
+    again = sd.read_records(contents[0], sd.FIXED_WIDTH).to_numpy()
+    for name, (values, valid) in again.items():
+        assert np.array_equal(values, expected[name][0], equal_nan=values.dtype.kind == "f"), name
+        assert np.array_equal(valid, expected[name][1]), name
+
+
+def test_little_memory_is_kept(data: Path) -> None:
+    # Blocks of 14 MB, more of them than are kept.
+    content = (data / "valley_drive.rec").read_bytes() * 160
+    tables = [sd.read_records(content, sd.FIXED_WIDTH) for _ in range(24)]
+    before = sd._core.spare_bytes()
+    del tables
+    assert before < sd._core.spare_bytes() <= 256 << 20
