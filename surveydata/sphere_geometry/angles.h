@@ -1,6 +1,8 @@
 #ifndef SURVEYDATA_SPHERE_GEOMETRY_ANGLES_H_
 #define SURVEYDATA_SPHERE_GEOMETRY_ANGLES_H_
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -74,6 +76,15 @@ inline double NormalizeAngle(double a) {
 /// \return false, with `a` unchanged, if `lo` is not below `hi`, if one of the three is outside
 ///         [-100, 100], or if no number of turns moves `a` into the range, to 10 decimal digits.
 bool WrapIntoRange(double& a, double lo, double hi);
+
+/// The bits of a double. Those of doubles that are not negative have the order of the doubles;
+/// those of all others, -0.0 and NaN included, are greater.
+inline std::uint64_t OrderedBits(double x) { return std::bit_cast<std::uint64_t>(x); }
+
+/// Whether both are in [0, 2 pi]; false for -0.0.
+inline bool AreInTurn(double hz, double v) {
+  return std::max(OrderedBits(hz), OrderedBits(v)) <= OrderedBits(TWO_PI);
+}
 
 /// The same direction seen in the first face: a V beyond pi becomes 2 pi - V at the opposite Hz.
 void ToFirstFace(AnglePointC& p);

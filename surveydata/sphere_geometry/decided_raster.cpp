@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -321,6 +322,48 @@ class DecidedRasterC::BuilderC {
 DecidedRasterC::DecidedRasterC(const AreaFrame& frame, const RingCurves& ring,
                                const SlabIndexC& slabs) {
   BuilderC(*this, frame, ring, slabs).Build();
+}
+
+const std::uint8_t* DecidedRasterC::FindSharedColumn(std::span<const double> hz,
+                                                     std::span<const double> v) const {
+  if (!AreInTurn(hz.front(), hz.back())) return nullptr;
+  // In random order, nearly all runs end here.
+  const std::uint32_t column = ColumnOf(ToRasterUnits(hz.front()));
+  if (column != ColumnOf(ToRasterUnits(hz.back()))) return nullptr;
+  std::uint64_t low = OrderedBits(hz.front());
+  std::uint64_t high = low;
+  std::uint64_t highV = 0;
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    low = std::min(low, OrderedBits(hz[i]));
+    high = std::max(high, OrderedBits(hz[i]));
+    highV = std::max(highV, OrderedBits(v[i]));
+  }
+  // At 2 pi the units begin anew.
+  if (high >= OrderedBits(TWO_PI) || highV > OrderedBits(TWO_PI)) return nullptr;
+  const std::uint32_t first = ToRasterUnits(std::bit_cast<double>(low));
+  const std::uint32_t last = ToRasterUnits(std::bit_cast<double>(high));
+  // If neither block begins between them, the columns ascend, too.
+  const bool isAscending = first <= last && first - band_.start <= last - band_.start;
+  if (!isAscending || ColumnOf(first) != column || ColumnOf(last) != column) return nullptr;
+  return intervals_.MayContainAny(first, last) ? nullptr : cells_.data() + column * kStride;
+}
+
+void DecidedRasterC::FindBits(std::span<const double> hz, std::span<const double> v,
+                              std::span<std::uint8_t> bits) const {
+  constexpr std::size_t kRun = 64;
+  for (std::size_t begin = 0; begin < hz.size(); begin += kRun) {
+    const std::size_t end = std::min(begin + kRun, hz.size());
+    const std::uint8_t* const cells =
+        FindSharedColumn(hz.subspan(begin, end - begin), v.subspan(begin, end - begin));
+    if (cells != nullptr) {
+      for (std::size_t i = begin; i < end; ++i) bits[i] = cells[RowOf(v[i])];
+    } else {
+      for (std::size_t i = begin; i < end; ++i) {
+        const bool isInTurn = AreInTurn(hz[i], v[i]);
+        bits[i] = static_cast<std::uint8_t>(isInTurn ? BitsAt(hz[i], v[i]) : kUndecidedBit);
+      }
+    }
+  }
 }
 
 }  // namespace GMAT

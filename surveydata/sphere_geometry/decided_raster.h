@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_frame.h>
@@ -33,21 +34,18 @@ class DecidedRasterC {
 
   DecidedRasterC(const AreaFrame& frame, const RingCurves& ring, const SlabIndexC& slabs);
 
-  /// For `hz` and `v` in [0, 2 pi]. One lookup in the cells and one in the table, without a branch.
+  /// For `hz` and `v` in [0, 2 pi].
   Verdict Find(double hz, double v) const {
-    return static_cast<Verdict>(std::min(FindBits(hz, v), kUndecidedBit));
+    return static_cast<Verdict>(std::min(BitsAt(hz, v), kUndecidedBit));
   }
 
-  /// The same for many queries: the verdict, or a value with `kUndecidedBit` set.
-  std::uint32_t FindBits(double hz, double v) const {
-    const std::uint32_t hz32 = ToTurnUnits(hz) - origin_;
-    const std::uint32_t inRing = ring_.ColumnOf(hz32);
-    // All bits are set if the direction is beyond the columns of the ring.
-    const std::uint32_t isBeyond = 0U - static_cast<std::uint32_t>(inRing >= kRingColumns);
-    const std::uint32_t column = inRing + (band_.ColumnOf(hz32 - band_.start) & isBeyond);
-    const std::uint32_t cell = cells_[column * kStride + RowOf(v)];
-    return cell | (intervals_.MayContain(hz32) ? kUndecidedBit : 0U);
-  }
+  /// The same for many queries: the verdict, or a value with `kUndecidedBit` set, as for all
+  /// directions with an angle outside [0, 2 pi]. Fastest if directions that follow each other have
+  /// nearly the same Hz, as in a scan.
+  ///
+  /// \param bits  at least as many as directions.
+  void FindBits(std::span<const double> hz, std::span<const double> v,
+                std::span<std::uint8_t> bits) const;
   static constexpr auto kUndecidedBit = static_cast<std::uint32_t>(Verdict::kUndecided);
   static_assert(kUndecidedBit == 2 && static_cast<int>(Verdict::kInside) == 1);
 
@@ -102,11 +100,31 @@ class DecidedRasterC {
     }
   };
 
+  std::uint32_t ToRasterUnits(double hz) const { return ToTurnUnits(hz) - origin_; }
+
+  std::uint32_t ColumnOf(std::uint32_t units) const {
+    const std::uint32_t inRing = ring_.ColumnOf(units);
+    // All bits are set if the direction is beyond the columns of the ring.
+    const std::uint32_t isBeyond = 0U - static_cast<std::uint32_t>(inRing >= kRingColumns);
+    return inRing + (band_.ColumnOf(units - band_.start) & isBeyond);
+  }
+
   std::size_t RowOf(double v) const {
     const auto row = static_cast<std::int64_t>((v - vTop_) * rowsPerRadian_ + 1.0);
     const std::int64_t fromTop = row > 0 ? row : 0;
     return static_cast<std::size_t>(fromTop <= kLastRow ? fromTop : kLastRow);
   }
+
+  // One lookup in the cells and one in the table, without a branch.
+  std::uint32_t BitsAt(double hz, double v) const {
+    const std::uint32_t units = ToRasterUnits(hz);
+    const std::uint32_t cell = cells_[ColumnOf(units) * kStride + RowOf(v)];
+    return cell | (intervals_.MayContain(units) ? kUndecidedBit : 0U);
+  }
+
+  // The cells of the column in which all directions of a run lie. Null if they do not share one, if
+  // the table may have an interval there, or if an angle is outside [0, 2 pi].
+  const std::uint8_t* FindSharedColumn(std::span<const double> hz, std::span<const double> v) const;
 
   std::uint32_t origin_ = 0;  // in units of a turn
   Block ring_;

@@ -72,6 +72,15 @@ void HzIntervalsC::Build(std::uint32_t mostBuckets) {
   }
 }
 
+bool HzIntervalsC::MayContainAny(std::uint32_t first, std::uint32_t last) const {
+  const std::size_t end = BucketOf(std::min(last, lastUnit_));
+  for (std::size_t bucket = BucketOf(std::min(first, lastUnit_)); bucket <= end; ++bucket) {
+    const Hull& hull = hulls_[bucket];
+    if (hull.low <= last && first <= hull.low + hull.length) return true;
+  }
+  return false;
+}
+
 std::uint32_t HzIntervalsC::ToUnits(double hz, double added) const {
   const double units = std::floor(hz * (0x1p32 / TWO_PI)) + added;
   return static_cast<std::uint32_t>(std::clamp(units, 0.0, static_cast<double>(lastUnit_)));

@@ -54,10 +54,11 @@ class HzIntervalsC {
   /// Whether an Hz may lie in an interval: true for all that do and for few others. One lookup,
   /// without a branch.
   bool MayContain(std::uint32_t units) const {
-    const std::uint32_t inWidth = units < lastUnit_ ? units : lastUnit_;
-    const Hull& hull = hulls_[BucketOf(inWidth)];
+    const Hull& hull = hulls_[BucketOf(std::min(units, lastUnit_))];
     return units - hull.low <= hull.length;
   }
+  /// The same for a range of units: true if it is for one of them, and for few other ranges.
+  bool MayContainAny(std::uint32_t first, std::uint32_t last) const;
   bool Contains(double hz) const { return MayContain(ToTurnUnits(hz)) && Find(hz); }
 
  private:

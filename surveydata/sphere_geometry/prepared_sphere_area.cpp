@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -31,13 +30,6 @@ double WidthOf(const AreaFrame& frame) {
 constexpr double kTurns[] = {0.0, TWO_PI};
 
 bool IsInTurn(double x) { return x >= 0.0 && x <= TWO_PI; }
-
-// Whether both are in [0, 2 pi]; false for -0.0. Doubles that are not negative have the order of
-// their bits, and the bits of all others, NaN included, are greater.
-bool AreInTurn(double hz, double v) {
-  return std::max(std::bit_cast<std::uint64_t>(hz), std::bit_cast<std::uint64_t>(v)) <=
-         std::bit_cast<std::uint64_t>(TWO_PI);
-}
 
 // For a in (-2 pi, 2 pi] what `NormalizeAngle` returns, without a branch that depends on a.
 double NormalizeOneTurn(double a) {
@@ -174,11 +166,7 @@ void PreparedSphereAreaC::AskPolygonBlock(std::span<const double> hz, std::span<
 void PreparedSphereAreaC::AskRasterBlock(std::span<const double> hz, std::span<const double> v,
                                          std::span<bool> inside) const {
   std::array<std::uint8_t, kBlock> verdicts{};
-  for (std::size_t i = 0; i < hz.size(); ++i) {
-    std::uint32_t bits = DecidedRasterC::kUndecidedBit;
-    if (AreInTurn(hz[i], v[i])) bits = raster_->FindBits(hz[i], v[i]);
-    verdicts[i] = static_cast<std::uint8_t>(bits);
-  }
+  raster_->FindBits(hz, v, verdicts);
   // A separate loop, which the compiler vectorizes.
   for (std::size_t i = 0; i < hz.size(); ++i) {
     inside[i] = verdicts[i] == static_cast<std::uint8_t>(Verdict::kInside);

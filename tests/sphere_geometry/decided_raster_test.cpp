@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -28,6 +29,8 @@ std::vector<AnglePointC> Lobed(std::size_t n, double hz) {
   }
   return ring;
 }
+
+const std::vector<AnglePointC> kSquare{{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}};
 
 std::vector<AnglePointC> AroundZenith(double v) {
   std::vector<AnglePointC> ring;
@@ -88,6 +91,93 @@ TEST(DecidedRaster, WhatItDecidesIsWhatTheAreaSays) {
   EXPECT_GT(tally.asked, 4000);
 }
 
+// Directions that follow each other in one column, or nearly so, are looked up together.
+TEST(DecidedRaster, ManyAreFoundAsOneByOne) {
+  RingGenerator random(8);
+  int shared = 0;
+  for (int i = 0; i < 300; ++i) {
+    const SphereAreaC area = MakeArea(i % 8 == 0 ? AroundZenith(1.2) : random.Ring(60, false));
+    const PreparedSphereAreaC prepared(area, true);
+    if (prepared.GetRaster() == nullptr) continue;
+    const DecidedRasterC& raster = *prepared.GetRaster();
+    std::vector<AnglePointC> edges;
+    double hzOrigin = 0.0;
+    area.BuildEdgeList(edges, hzOrigin);
+    for (int line = 0; line < 20; ++line) {
+      // From one Hz to one up to two columns further: of equal Hz, in ascending or in any order.
+      const double column = TWO_PI / 512.0;
+      const double width = line % 4 == 0 ? 0.0 : random.Uniform(0.0, 2.0 * column);
+      double start = random.Uniform(-column, TWO_PI);
+      if (line % 3 == 0) start = random.Probe(edges, hzOrigin, false).Hz;
+      if (line % 3 == 1) start = raster.GetCellCorner(random.Below(513), 0).Hz - width / 2.0;
+      const std::size_t count = 1 + random.Below(150);
+      std::vector<double> hz;
+      std::vector<double> v;
+      for (std::size_t k = 0; k < count; ++k) {
+        const double part = static_cast<double>(k) / static_cast<double>(count);
+        hz.push_back(start + width * (line % 2 == 0 ? part : random.Uniform(0.0, 1.0)));
+        v.push_back(random.Uniform(line % 5 == 0 ? -0.01 : 0.0, line % 5 == 1 ? 6.3 : PI));
+      }
+      std::vector<std::uint8_t> bits(count, 77);
+      raster.FindBits(hz, v, bits);
+      for (std::size_t k = 0; k < count; ++k) {
+        const Verdict found =
+            static_cast<Verdict>(std::min<std::uint32_t>(bits[k], DecidedRasterC::kUndecidedBit));
+        const bool isInTurn = hz[k] >= 0.0 && hz[k] <= TWO_PI && v[k] >= 0.0 && v[k] <= TWO_PI;
+        const Verdict expected = isInTurn ? raster.Find(hz[k], v[k]) : Verdict::kUndecided;
+        ASSERT_EQ(found, expected) << hz[k] << ", " << v[k] << " in " << i << ", " << line;
+        shared += expected != Verdict::kUndecided;
+      }
+    }
+  }
+  EXPECT_GT(shared, 100000);
+}
+
+// 2 pi has the units of 0: a run from one to the other includes every column.
+TEST(DecidedRaster, ARunFromHz0ToAFullTurnSharesNoColumn) {
+  const PreparedSphereAreaC prepared(MakeArea(Lobed(10, 3.0)), true);
+  const std::vector<double> hz{1.0, 0.0, 3.05, TWO_PI, 5.0};
+  const std::vector<double> v(hz.size(), 1.3);
+  std::vector<std::uint8_t> bits(hz.size(), 77);
+  prepared.GetRaster()->FindBits(hz, v, bits);
+  EXPECT_EQ(bits, (std::vector<std::uint8_t>{0, 0, 1, 0, 0}));
+}
+
+// So does one in which the frame begins, even if its ends share the column outside.
+TEST(DecidedRaster, ARunAroundRingAndBandSharesNoColumn) {
+  const PreparedSphereAreaC prepared(MakeArea(kSquare), true);
+  const DecidedRasterC& raster = *prepared.GetRaster();
+  const std::vector<double> hz{0.5, 1.5, 4.0, TWO_PI - 0.7, 0.6};
+  const std::vector<double> v(hz.size(), 1.0);
+  std::vector<std::uint8_t> bits(hz.size(), 77);
+  raster.FindBits(hz, v, bits);
+  for (std::size_t i = 0; i < hz.size(); ++i) {
+    EXPECT_EQ(bits[i], static_cast<std::uint8_t>(raster.Find(hz[i], v[i]))) << hz[i];
+  }
+  EXPECT_EQ(bits[3] & DecidedRasterC::kUndecidedBit, DecidedRasterC::kUndecidedBit);
+}
+
+TEST(DecidedRaster, AnglesOutsideATurnAreUndecidedAmongOthers) {
+  const PreparedSphereAreaC prepared(MakeArea(Lobed(10, 3.0)), true);
+  const DecidedRasterC& raster = *prepared.GetRaster();
+  ASSERT_EQ(raster.Find(3.05, 1.3), Verdict::kInside);
+  for (const double strange : {-1.0, 7.0, std::nan(""), 1e300, -1e300}) {
+    for (const std::size_t at : {0U, 40U, 63U, 64U, 99U}) {
+      for (const bool isHz : {false, true}) {
+        std::vector<double> hz(100, 3.05);
+        std::vector<double> v(100, 1.3);
+        (isHz ? hz : v)[at] = strange;
+        std::vector<std::uint8_t> bits(100, 77);
+        raster.FindBits(hz, v, bits);
+        for (std::size_t k = 0; k < bits.size(); ++k) {
+          const Verdict expected = k == at ? Verdict::kUndecided : Verdict::kInside;
+          ASSERT_EQ(static_cast<Verdict>(bits[k]), expected) << strange << " at " << at;
+        }
+      }
+    }
+  }
+}
+
 TEST(DecidedRaster, DecidesNearlyAllDirectionsAroundALobedRing) {
   for (const std::size_t n : {4U, 100U, 1000U}) {
     for (const double hz : {3.0, 0.1}) {
@@ -111,8 +201,7 @@ TEST(DecidedRaster, DecidesNearlyAllDirectionsAroundALobedRing) {
 
 // The band lies at the Hz of the ring less twice the Hz at which the frame begins.
 TEST(DecidedRaster, TheDisplacedBandIsLeftToBeAsked) {
-  const std::vector<AnglePointC> square{{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}};
-  const SphereAreaC area = MakeArea(square);
+  const SphereAreaC area = MakeArea(kSquare);
   const PreparedSphereAreaC prepared(area, true);
   const DecidedRasterC& raster = *prepared.GetRaster();
   const double band = TWO_PI - 1.0;  // where the band of the frame's Hz 0 lies

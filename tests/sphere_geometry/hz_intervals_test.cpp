@@ -156,6 +156,41 @@ TEST(HzIntervals, TheTableOutlivesTheIntervals) {
   EXPECT_FALSE(set.MayContain(ToTurnUnits(5.0))) << "beyond the width";
 }
 
+TEST(HzIntervals, ARangeMayContainOneIfAnyOfItsHzMay) {
+  std::mt19937_64 random(4);
+  HzIntervalsC set(TWO_PI);
+  std::vector<HzIntervalsC::Interval> all;
+  for (int i = 0; i < 40; ++i) {
+    const double low = 6.0 * static_cast<double>(i) / 40.0;
+    all.push_back({low, low + (i % 4 == 0 ? 0.1 : 1e-9)});
+    set.Add(all.back().low, all.back().high);
+  }
+  set.Build(4096);
+  int apart = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const auto first = static_cast<std::uint32_t>(random() >> 32);
+    const auto length = static_cast<std::uint32_t>(random() >> (33 + random() % 12));
+    const std::uint32_t last = first + std::min(length, ~first);
+    bool isIn = set.MayContain(first) || set.MayContain(last);
+    for (const HzIntervalsC::Interval& interval : all) {
+      const std::uint32_t units = ToTurnUnits(interval.low);
+      isIn = isIn || (first <= units && units <= last);
+    }
+    if (isIn) {
+      ASSERT_TRUE(set.MayContainAny(first, last)) << first << " to " << last;
+    }
+    apart += !set.MayContainAny(first, last);
+  }
+  EXPECT_GT(apart, 5000);
+  HzIntervalsC narrow(1.0);
+  narrow.Add(0.9, 1.0);
+  narrow.Build(64);
+  EXPECT_TRUE(narrow.MayContainAny(ToTurnUnits(0.5), ToTurnUnits(0.95)));
+  EXPECT_TRUE(narrow.MayContainAny(ToTurnUnits(0.95), ToTurnUnits(5.0)));
+  EXPECT_FALSE(narrow.MayContainAny(ToTurnUnits(0.1), ToTurnUnits(0.8)));
+  EXPECT_FALSE(narrow.MayContainAny(ToTurnUnits(1.1), ToTurnUnits(5.0)));
+}
+
 TEST(HzIntervals, TheTableIsNoLargerThanAsked) {
   HzIntervalsC set(1.0);
   for (int i = 0; i < 1000; ++i) set.Add(i * 1e-3, i * 1e-3 + 1e-9);

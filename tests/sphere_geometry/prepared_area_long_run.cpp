@@ -174,9 +174,12 @@ int main(int argc, char** argv) {
   const std::uint64_t seed = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 20260101;
   const std::uint64_t perRing = argc > 3 ? std::strtoull(argv[3], nullptr, 10) : 100'000;
   constexpr std::uint64_t kAskedOfArea = 80;
+  const std::uint64_t line = perRing < 1000 ? perRing / 4 + 1 : 250;
+  constexpr double kLineWidth = 1e-4;
   RingGenerator random(seed);
   Tally adversarial;
   Tally cells;
+  Tally lines;
   Tally uniform;
   Tally crowded;
   std::uint64_t probes = 0;
@@ -184,8 +187,18 @@ int main(int argc, char** argv) {
     // One in a hundred, or one in ten if many directions are tested per ring.
     const bool isCrowded = rings % (perRing > 1000 ? 10 : 100) == 0;
     RingC ring(isCrowded ? CrowdedRing(random) : random.Ring(200, true));
+    double lineHz = 0.0;
     for (std::uint64_t i = 0; i < perRing; ++i, ++probes) {
       bool isSame = true;
+      // Every fourth group of directions is a line of a scan: batches look these up together.
+      if (i / line % 4 == 3) {
+        AnglePointC probe = random.Probe(ring.GetFrame().edges, ring.GetFrame().hzOrigin, true);
+        if (i % line == 0) lineHz = probe.Hz;
+        probe.Hz = lineHz + (i % 2 == 0 ? 0.0 : random.Uniform(0.0, kLineWidth));
+        if (i % 4 == 0) probe.V = random.Uniform(0.0, GMAT::PI);
+        if (!ring.Compare(probe, false, lines)) return 1;
+        continue;
+      }
       if (i % 2 == 0) {
         const AnglePointC anywhere{random.Uniform(0.0, GMAT::TWO_PI),
                                    random.Uniform(0.0, GMAT::PI)};
@@ -203,6 +216,7 @@ int main(int argc, char** argv) {
   }
   adversarial.Print("adversarial");
   cells.Print("cell borders");
+  lines.Print("scan lines");
   uniform.Print("uniform");
   crowded.Print("crowded");
   return 0;
