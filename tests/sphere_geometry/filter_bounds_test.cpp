@@ -16,6 +16,7 @@
 #include <surveydata/sphere_geometry/boundary_band.h>
 #include <surveydata/sphere_geometry/cell_grid.h>
 #include <surveydata/sphere_geometry/filter_bounds.h>
+#include <surveydata/sphere_geometry/great_circle_arc.h>
 #include <surveydata/sphere_geometry/hz_intervals.h>
 #include <surveydata/sphere_geometry/quick_trig.h>
 #include <surveydata/sphere_geometry/ring_curves.h>
@@ -76,6 +77,45 @@ TEST_F(FilterBounds, TurnsOfAFrame) {
     used = std::max(used, error.convert_to<double>());
   }
   Expect("kRoundingMargin/4", used + kDigitsReach, kRoundingMargin / 4.0);
+}
+
+// Edges of all widths, many of them along the equator, where a vertex is least accurate.
+TEST_F(FilterBounds, VerticesOfEdges) {
+  double used = 0.0;
+  double opposite = 0.0;
+  for (int i = 0; i < 200'000; ++i) {
+    const double width = OneIn(2) ? Scaled(1e-9, kWidestWithoutOpposite)
+                                  : kWidestWithoutOpposite * Uniform(0.9, 1.0);
+    const double start = (OneIn(4) ? kLargestHz : TWO_PI) * Uniform(0.0, 0.99);
+    const bool isNearEquator = OneIn(2);
+    const auto anyV = [&] {
+      if (!isNearEquator) return Uniform(1e-3, PI - 1e-3);
+      return HALF_PI + (OneIn(2) ? Scaled(1e-12, 1e-2) : -Scaled(1e-12, 1e-2));
+    };
+    const AnglePointC current{start, anyV()};
+    const double end = OneIn(2) ? current.V : anyV();  // symmetric: the vertex is in the middle
+    const AnglePointC previous{start + (OneIn(2) ? width : -width), end};
+    const GreatCircleArcC arc{SpherePointC(current), SpherePointC(previous)};
+    double latitude = 0.0;
+    double longitude = 0.0;
+    if (!arc.GetVertex(latitude, longitude)) continue;
+    // The opposite candidate.
+    opposite = std::max(opposite,
+                        HALF_PI - std::fabs(std::remainder(longitude + PI - current.Hz, TWO_PI)));
+    if (!InRange(longitude, std::min(start, previous.Hz), std::max(start, previous.Hz))) continue;
+    const double farthest = std::fabs(latitude - (HALF_PI - current.V)) - width;
+    used = std::max(used, farthest);
+    // The claim behind it, exactly: a cos x + b sin x has its vertex at x0, no farther in latitude.
+    if (i % 40 != 0 || arc.IsMeridian()) continue;
+    const Exact d = Exact(previous.Hz) - Exact(current.Hz);
+    const Exact a = 1 / tan(Exact(current.V));
+    const Exact b = (1 / tan(Exact(previous.V)) - a * cos(d)) / sin(d);
+    const Exact vertex = atan(sqrt(a * a + b * b));
+    const Exact x0 = atan(b / a);
+    EXPECT_LE(vertex - atan(abs(a)), abs(x0));
+  }
+  Expect("kVertexMargin", used, kVertexMargin);
+  Expect("kWidestWithoutOpposite", opposite, HALF_PI - kWidestWithoutOpposite);
 }
 
 // Probes at the limit of the tolerance next to edges of all lengths.
