@@ -25,7 +25,7 @@ class PreparedSphereAreaC {
   /// \param manySideBySide  the average number of edges on a meridian from which on edges are kept
   ///                        in order. Tests, which have fewer, set it.
   /// \cost at least n log n for n points, that of `SphereAreaC::IsValid` included; up to n^2 for a
-  ///       ring around the zenith that crosses itself. Memory proportional to n.
+  ///       ring around the zenith that crosses itself nearly everywhere. Memory proportional to n.
   explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
                                double manySideBySide = CellGridC::kManySideBySide);
 
@@ -35,7 +35,8 @@ class PreparedSphereAreaC {
   };
 
   /// \cost grows with the number of edges in the direction's cell, about ten or twenty unless many
-  ///       edges are in a small part of the area.
+  ///       edges are in a small part of the area. Where the rules decide, with the number of edges
+  ///       in its column of Hz.
   Answer Ask(double hz, double v) const;
 
   /// The edges and bounds to which the rules are applied; null if the points do not form an area.
