@@ -1,7 +1,7 @@
 // An area: both views of it, its report, the explanation of a direction, and the editing of its
 // points. The text of the file is the state: every edit makes a new text, and undo restores the old one.
 import type { Client } from "./client";
-import { button, complain, counted, download, element, printable, replaceContent, say, svg } from "./dom";
+import { button, complain, counted, download, element, printable, say, svg, updateContent } from "./dom";
 import { WorkerEnded } from "./protocol";
 import type { AreaPicture, AreaReport, DirectionAt, Explanation, Place, View } from "./protocol";
 
@@ -90,7 +90,7 @@ export class AreaView {
       element("header", {}, element("h2", {}, printable(name)),
         element("div", { class: "bar" },
           this.drawButton, this.undoButton, this.redoButton,
-          button("Save area file", () => this.save()),
+          button("Save area file", () => void this.inOrder(async () => this.save())),
           element("label", {}, "Unit ", this.unit),
           element("label", {}, "Directions from CSV ", csv))),
       this.pointer,
@@ -99,7 +99,7 @@ export class AreaView {
         element("label", {}, "Hz ", this.hz),
         element("label", {}, "V ", this.v),
         element("button", { type: "submit" }, "Explain this direction"),
-        button("Add as last point", () => void this.edit(INSERT, this.report.points.length, this.hz.valueAsNumber, this.v.valueAsNumber))),
+        button("Add as last point", () => void this.add(this.hz.valueAsNumber, this.v.valueAsNumber))),
       this.answer, this.facts, this.pointTable);
   }
 
@@ -320,7 +320,7 @@ export class AreaView {
       this.dragCorner(view, placeOf, event, Number(corner.dataset["point"]));
     } else if (this.isIn(view, place)) {
       const at = await this.at(view, place);
-      if (this.isDrawing) await this.edit(INSERT, this.report.points.length, at.hz, at.v);
+      if (this.isDrawing) await this.add(at.hz, at.v);
       else await this.explain(at.hz, at.v);
     }
   }
@@ -346,7 +346,7 @@ export class AreaView {
       picture.removeEventListener("pointercancel", end);
       if (!last) return;
       const at = await this.at(view, last);
-      await this.edit(MOVE, index, at.hz, at.v);
+      await this.edit(MOVE, () => [index, at.hz, at.v]);
     };
     picture.addEventListener("pointermove", move);
     picture.addEventListener("pointerup", end);
@@ -383,11 +383,17 @@ export class AreaView {
     return this.edits;
   }
 
-  private edit(edit: number, index: number, hz: number, v: number): Promise<void> {
+  /** `values` gives the number of a point and two angles, from the area that the previous edits left. */
+  private edit(edit: number, values: () => [number, number | null, number | null]): Promise<void> {
     return this.inOrder(async () => {
+      const [index, hz, v] = values();
       if (!Number.isFinite(hz) || !Number.isFinite(v)) throw new Error("an angle is no number");
       await this.change(await this.ask<string>("editArea", edit, index, hz, v));
     });
+  }
+
+  private add(hz: number, v: number): Promise<void> {
+    return this.edit(INSERT, () => [this.report.points.length, hz, v]);
   }
 
   private change(text: string): Promise<void> {
@@ -443,10 +449,15 @@ export class AreaView {
     }
     const hzStep = element("input", { type: "number", step: "any", value: report.hzStep, "aria-label": "Hz step" });
     const vStep = element("input", { type: "number", step: "any", value: report.vStep, "aria-label": "V step" });
-    for (const input of [hzStep, vStep]) {
-      input.addEventListener("change", () => void this.edit(STEPS, 0, hzStep.valueAsNumber, vStep.valueAsNumber));
-    }
-    replaceContent(this.facts,
+    hzStep.addEventListener("change", () => {
+      const step = hzStep.valueAsNumber;
+      void this.edit(STEPS, () => [0, step, this.report.vStep]);
+    });
+    vStep.addEventListener("change", () => {
+      const step = vStep.valueAsNumber;
+      void this.edit(STEPS, () => [0, this.report.hzStep, step]);
+    });
+    updateContent(this.facts,
       element("h3", {}, "Area"),
       element("dl", {}, ...lines.flatMap(([key, value]) => [element("dt", {}, key), element("dd", {}, value)]),
         element("dt", {}, `Steps [${report.unit}]`), element("dd", {}, "Hz ", hzStep, " V ", vStep)),
@@ -471,23 +482,28 @@ export class AreaView {
     if (this.firstPoint >= points.length) this.firstPoint = 0;
     const rows = points.slice(this.firstPoint, this.firstPoint + MOST_ROWS).map((point, row) => {
       const i = this.firstPoint + row;
-      const inputs = (["hz", "v"] as const).map((key) =>
-        element("input", {
+      const [hz, v] = (["hz", "v"] as const).map((key) => {
+        const input = element("input", {
           type: "number", step: "any", value: point[key] ?? undefined, "aria-label": `${key === "hz" ? "Hz" : "V"} of point ${i + 1}`,
-        }));
-      const [hz, v] = inputs as [HTMLInputElement, HTMLInputElement];
-      for (const input of inputs) {
-        input.addEventListener("change", () => void this.edit(MOVE, i, hz.valueAsNumber, v.valueAsNumber));
-      }
+        });
+        input.addEventListener("change", () => {
+          const angle = input.valueAsNumber;
+          void this.edit(MOVE, () => {
+            const moved = { ...this.report.points[i]!, [key]: angle };
+            return [i, moved.hz, moved.v];
+          });
+        });
+        return input;
+      });
       return element("tr", {},
         element("th", { scope: "row" }, String(i + 1)),
         element("td", {}, hz), element("td", {}, v),
         element("td", {}, point.distance === null ? "–" : String(point.distance)),
         element("td", {},
-          button("Delete", () => void this.edit(REMOVE, i, 0, 0), { "aria-label": `Delete point ${i + 1}` }),
+          button("Delete", () => void this.edit(REMOVE, () => [i, 0, 0]), { "aria-label": `Delete point ${i + 1}` }),
           button("Insert after", () => void this.insertAfter(i), { "aria-label": `Insert after point ${i + 1}` })));
     });
-    replaceContent(this.pointTable,
+    updateContent(this.pointTable,
       element("h3", {}, "Points"),
       this.pager("point", points.length, this.firstPoint, (first) => { this.firstPoint = first; this.tellPoints(); }),
       element("div", { class: "wide", tabindex: 0, role: "region", "aria-label": "Table of points" },
@@ -502,7 +518,7 @@ export class AreaView {
     const input = element("input", { type: "number", min: 1, max: count, value: first + 1, "aria-label": `First ${what} shown` });
     input.addEventListener("change", () => {
       const wanted = Math.floor(input.valueAsNumber) - 1;
-      show(Math.min(Math.max(wanted || 0, 0), count - 1));
+      show(Math.min(Math.max(wanted || 0, 0), Number(input.max) - 1));
     });
     return element("p", {}, `From ${what} `, input, ` to ${Math.min(first + MOST_ROWS, count)} of ${count}`);
   }
@@ -513,7 +529,7 @@ export class AreaView {
     const a = points[index]!;
     const b = points[(index + 1) % points.length]!;
     const at = await this.at("plane", [(a.plane[0]! + b.plane[0]!) / 2, (a.plane[1]! + b.plane[1]!) / 2]);
-    await this.edit(INSERT, index + 1, at.hz, at.v);
+    await this.edit(INSERT, () => [index + 1, at.hz, at.v]);
   }
 
   private tellAnswer(): void {

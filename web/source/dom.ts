@@ -54,26 +54,67 @@ export function printable(name: string): string {
   return name.replace(/\p{C}/gu, "\uFFFD");
 }
 
+/** The inputs with a text of which no event `change` has told yet. */
+const typed = new WeakSet<EventTarget>();
+addEventListener("input", (event) => event.target && typed.add(event.target), true);
+addEventListener("change", (event) => event.target && typed.delete(event.target), true);
+
+const labelOf = (control: Element) =>
+  control.ariaLabel ?? control.getAttribute("name") ?? control.textContent;
+
 /**
- * Replaces the content of an element. The focus, and what is being typed, go to the control in the
- * new content that has the same label; if there is none, the focus goes to the last control.
+ * Changes the content of an element. If that takes the focus away, it goes to the control with the
+ * same label; if there is none, to the last control.
  */
-export function replaceContent(parent: HTMLElement, ...content: (Node | string)[]): void {
-  const all = () => [...parent.querySelectorAll<HTMLElement>("input, button, summary, [tabindex]")];
-  const label = (control: HTMLElement) =>
-    control.ariaLabel ?? control.getAttribute("name") ?? control.textContent;
-  const before = all().find((control) => control === document.activeElement);
-  parent.replaceChildren(...content);
-  if (!before) return;
-  const enabled = all().filter((control) => !control.matches(":disabled"));
-  const after = enabled.find((control) => label(control) === label(before)) ?? enabled.at(-1);
-  if (
-    before instanceof HTMLInputElement && after instanceof HTMLInputElement &&
-    before.type !== "checkbox" && before.value !== before.defaultValue
-  ) {
-    after.value = before.value;
-  }
+function keepFocus(parent: HTMLElement, change: () => void): void {
+  const before = document.activeElement;
+  const had = before !== parent && parent.contains(before);
+  change();
+  if (!had || parent.contains(document.activeElement)) return;
+  const all = [...parent.querySelectorAll<HTMLElement>("input, button, summary, [tabindex]")]
+    .filter((control) => !control.matches(":disabled"));
+  const after = all.find((control) => labelOf(control) === labelOf(before!)) ?? all.at(-1);
   after?.focus();
+}
+
+export function replaceContent(parent: HTMLElement, ...content: (Node | string)[]): void {
+  keepFocus(parent, () => parent.replaceChildren(...content));
+}
+
+/**
+ * Makes the content of an element equal to other content, and keeps its elements where the other
+ * ones have the same name and label: with them their listeners, the focus and what is being typed.
+ */
+export function updateContent(parent: HTMLElement, ...content: (Node | string)[]): void {
+  keepFocus(parent, () => update(parent, content));
+}
+
+function update(parent: Element, content: (Node | string)[]): void {
+  const old = [...parent.childNodes];
+  const made = content.filter((each) => each !== "");
+  made.forEach((each, i) => {
+    const before = old[i];
+    if (
+      before instanceof Element && each instanceof Element &&
+      before.tagName === each.tagName && before.ariaLabel === each.ariaLabel
+    ) {
+      for (const name of before.getAttributeNames()) {
+        if (!each.hasAttribute(name)) before.removeAttribute(name);
+      }
+      for (const { name, value } of each.attributes) {
+        if (before.getAttribute(name) !== value) before.setAttribute(name, value);
+      }
+      if (!(before instanceof HTMLInputElement)) update(before, [...each.childNodes]);
+      else if (!typed.has(before) && before.value !== before.defaultValue) before.value = before.defaultValue;
+    } else if (before instanceof Text && typeof each === "string") {
+      if (before.data !== each) before.data = each;
+    } else if (before) {
+      before.replaceWith(each);
+    } else {
+      parent.append(each);
+    }
+  });
+  for (const node of old.slice(made.length)) node.remove();
 }
 
 const numbers = new Intl.NumberFormat("en");
@@ -89,8 +130,15 @@ export function say(message: string, isAlert = false): void {
   place.hidden = message === "";
 }
 
+/** What failed with a file. */
+export class FileError extends Error {
+  constructor(readonly file: string, message: string) {
+    super(message);
+  }
+}
+
 /** Shows why something failed. The end of the worker has its own message. */
-export function complain(error: unknown, what = ""): void {
+export function complain(error: unknown, what = error instanceof FileError ? error.file : ""): void {
   if (error instanceof WorkerEnded) return;
   say((what && `${what}: `) + messageOf(error), true);
 }

@@ -78,11 +78,14 @@ export class RecordList {
     return { from: Math.min(this.anchor, this.current), to: Math.max(this.anchor, this.current) };
   }
 
-  setCount(count: number): void {
+  setCount(count: number): Promise<void> {
     this.count = count;
+    const last = Math.max(count - 1, 0);
+    this.current = Math.min(this.current, last);
+    this.anchor = Math.min(this.anchor, last);
     this.root.setAttribute("aria-rowcount", String(count + 1));
     this.space.style.height = `${Math.min(count * ROW_HEIGHT, MOST_HEIGHT)}px`;
-    void this.render();
+    return this.render();
   }
 
   /** Shows a row, and selects it or extends the selection to it. */

@@ -69,11 +69,11 @@ export class Plot {
   }
 
   /** Times are in seconds of GPS time. */
-  setSeries(series: Series, view: TimeRange, whole: TimeRange): void {
+  setSeries(series: Series, view: TimeRange, whole: TimeRange): Promise<void> {
     this.series = series;
     this.view = view;
     this.whole = whole;
-    void this.draw();
+    return this.draw();
   }
 
   setSelection(selection: TimeRange | null): void {

@@ -16,6 +16,37 @@ if (!existsSync(pageFile)) throw new Error(`${pageFile} is not built`);
 
 export const folder = mkdtempSync(join(tmpdir(), "surveydata-page-"));
 
+/** How long a test waits for the page at most, in milliseconds: far longer than any machine takes. */
+const PATIENCE = 300_000;
+
+/**
+ * Two ways to find tests that pass only on a quick machine: SURVEYDATA_DELAY delays each request to the worker and
+ * each of its replies by up to so many milliseconds, SURVEYDATA_SLOWNESS makes the page so many times as slow.
+ */
+const usualDelay = Number(process.env.SURVEYDATA_DELAY ?? 0);
+const slowness = Number(process.env.SURVEYDATA_SLOWNESS ?? 1);
+
+/** In the page: the order of the messages stays. */
+function delayReplies(most) {
+  const later = (before) =>
+    before.then(() => new Promise((resolve) => setTimeout(resolve, Math.random() * most)));
+  const { Worker } = window;
+  window.Worker = class extends Worker {
+    sent = Promise.resolve();
+    received = Promise.resolve();
+    postMessage(message, transferred) {
+      // As without a delay, what is sent is what the message was now.
+      const copy = structuredClone(message, { transfer: transferred ?? [] });
+      this.sent = later(this.sent).then(() => super.postMessage(copy));
+    }
+    set onmessage(listener) {
+      super.onmessage = (event) => {
+        this.received = later(this.received).then(() => listener.call(this, event));
+      };
+    }
+  };
+}
+
 let browser;
 export async function startBrowser() {
   browser = await chromium.launch({
@@ -29,14 +60,15 @@ export async function stopBrowser() {
 }
 
 /**
- * Opens the page, from disk unless there is a `url`. `init` runs in it before its own scripts. `requests` and `complaints`
- * collect what happens in it.
+ * Opens the page, from disk unless there is a `url`. `init` runs in it before its own scripts; `delay` is as
+ * SURVEYDATA_DELAY. `requests` and `complaints` collect what happens in it.
  */
 export async function openPage(options = {}) {
-  const { file = pageFile, url = pathToFileURL(file).href, init, ...context } = options;
+  const { file = pageFile, url = pathToFileURL(file).href, init, delay = usualDelay, ...context } = options;
   const opened = await browser.newContext({
     acceptDownloads: true, viewport: { width: 1280, height: 900 }, ...context,
   });
+  opened.setDefaultTimeout(PATIENCE);
   const requests = [];
   const complaints = [];
   opened.on("request", (request) => requests.push(request.url()));
@@ -47,6 +79,11 @@ export async function openPage(options = {}) {
   page.on("pageerror", (error) => complaints.push(String(error)));
   page.on("dialog", (dialog) => void dialog.accept());
   if (init) await page.addInitScript(init);
+  if (delay > 0) await page.addInitScript(delayReplies, delay);
+  if (slowness > 1) {
+    const session = await opened.newCDPSession(page);
+    await session.send("Emulation.setCPUThrottlingRate", { rate: slowness });
+  }
   await page.goto(url);
   return { page, requests, complaints, close: () => opened.close() };
 }
@@ -56,17 +93,22 @@ export async function openFiles(page, ...files) {
   await page.setInputFiles("#files", files);
 }
 
-/** What the page says of the record file in view, when it has read it. */
-export async function status(page, name) {
-  for (let i = 0; i < 1200; ++i) {
-    const [title, line] = await page.evaluate(() => {
-      const view = document.querySelector(".records:not([hidden])");
-      return [view?.querySelector("h2").textContent, view?.querySelector(".status").textContent];
-    });
-    if (line?.endsWith(".") && (name === undefined || title === name)) return line;
+/** Waits until a function of the page answers true. Playwright's own wait needs `eval`, which the policy forbids. */
+export async function until(page, condition, argument) {
+  for (const start = Date.now(); Date.now() - start < PATIENCE; ) {
+    if (await page.evaluate(condition, argument)) return;
     await page.waitForTimeout(50);
   }
-  throw new Error("the file was not read");
+  throw new Error(`waited in vain for ${condition}`);
+}
+
+/** What the page says of the record file in view, when it has read it and shows its rows and plots. */
+export async function status(page, name) {
+  await until(page, (name) => {
+    const view = document.querySelector(".records:not([hidden])");
+    return view && view.ariaBusy === null && (!name || view.querySelector("h2").textContent === name);
+  }, name);
+  return page.locator(".records:not([hidden]) .status").textContent();
 }
 
 /** What pressing `locator` saves. */
