@@ -925,6 +925,9 @@ onPage("plots, list and record are in view together", async (page) => {
     const box = await page.locator(part).first().boundingBox();
     assert.ok(box.y > 0 && box.y + box.height < 1000, `${part}: ${box.y} to ${box.y + box.height}`);
   }
+  const cut = await page.locator(".list").evaluate((list) => [list, ...list.querySelectorAll(".row span")]
+    .filter((each) => each.scrollWidth > each.clientWidth).map((each) => each.textContent));
+  assert.deepEqual(cut, [], "the list shows its columns whole");
   // The picture of docs/page.md.
   if (process.env.SURVEYDATA_PICTURE) await page.screenshot({ path: process.env.SURVEYDATA_PICTURE });
 }, { viewport: { width: 1280, height: 1000 } });
