@@ -65,6 +65,8 @@ async function open(file: File): Promise<void> {
       say(`${name} is empty.`, true);
     } else if (/\.(csv|txt)$/i.test(file.name) && current() instanceof AreaView) {
       await (current() as AreaView).addDirections(file);
+    } else if (/\.csv$/i.test(file.name)) {
+      say(`${name}: Open an area first; it answers the directions of a table.`, true);
     } else if (await isArea(file)) {
       if (file.size > MOST_AREA_BYTES) throw new Error("The area file is too large.");
       const area = await AreaView.open(client, file.name, await file.text());

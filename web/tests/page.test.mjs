@@ -275,6 +275,9 @@ onPage("damaged, empty and foreign files get a clear message", async (page) => {
   await page.getByText(/broken\.json: Point 2/).waitFor();
   await openFiles(page, written("cut.json", '{"kind": '));
   await page.getByText(/cut\.json: .*JSON/).waitFor();
+  await openFiles(page, written("loose.csv", "hz,v\n1,2\n"));
+  await page.getByText("loose.csv: Open an area first").waitFor();
+  assert.equal(await page.getByRole("tab", { name: "loose.csv" }).count(), 0);
 });
 
 onPage("files that are dropped are opened", async (page) => {
@@ -574,6 +577,9 @@ onPage("a failure of the module loses no edits", async (page) => {
   await page.getByText("polygon, 17 points").waitFor();
   await page.getByRole("tab", { name: "valley_drive.rec" }).click();
   await status(page);
+  // The list is where it was.
+  await page.getByText("Row 6 is selected.").waitFor();
+  await page.locator(".row.current", { hasText: /^960/ }).waitFor();
   const { bytes } = await saved(page, button(page, "Save changed copy"));
   const original = readFileSync(data("valley_drive.rec"));
   assert.equal(bytes.length, original.length);
