@@ -1,7 +1,8 @@
 # Checks the compile commands of the release build BUILD_DIR, and its binaries: LIBRARY,
 # STATIC_LIBRARY, PROGRAM and the MODULE of the Python package, if they are given. Their sources have
 # stack protection and buffer checks, and none is compiled for size. Relocations are read-only after
-# loading and do not require a new C library. With LTO, the library uses link-time optimisation.
+# loading and do not require a new C library. The module does not export the library. With LTO, the
+# library uses link-time optimisation.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${BUILD_DIR}/compile_commands.json commands)
@@ -82,6 +83,14 @@ foreach(file IN ITEMS LIBRARY PROGRAM MODULE)
     linked(${${file}})
   endif()
 endforeach()
+# The library in the module is for its own use: calls between its functions cannot be redirected.
+if(DEFINED MODULE)
+  execute_process(COMMAND ${NM} -D --defined-only ${MODULE}
+    OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+  if(symbols MATCHES " T (_ZNK?3SDI[^\n]*)")
+    message(SEND_ERROR "${MODULE} exports functions of the library: ${CMAKE_MATCH_1}")
+  endif()
+endif()
 if(NOT DEFINED STATIC_LIBRARY)
   return()
 endif()
