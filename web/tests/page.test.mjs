@@ -130,6 +130,7 @@ onPage("the list has what the program lists", async (page) => {
   const count = (kind) => listed.filter((entry) => entry.kind === kind).length;
   assert.match(shown, new RegExp(`^${count("measurement")} measurements, ${count("other")} other records, ${count("gap")} gaps \\([\\d,]+ bytes\\), ${count("badFrame")} bad frames\\.`));
   const rows = page.locator(".rows .row");
+  await rows.nth(11).waitFor();
   for (let i = 0; i < 12; ++i) {
     const cells = await rows.nth(i).locator("span").allTextContents();
     assert.equal(cells[0], String(listed[i].offset));
