@@ -1,12 +1,16 @@
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <deque>
+#include <limits>
 #include <map>
 #include <span>
+#include <utility>
 
 #include <record/common_records.h>
 #include <record/compare_records.h>
 #include <record/decoded_record.h>
+#include <record/ordered_jobs.h>
 
 namespace Tool {
 namespace {
@@ -32,6 +36,8 @@ class SourceC {
     return false;
   }
   std::span<const std::uint8_t> GetBytes() const { return walk_.GetBytes(); }
+  // Where the record ends that `Next` gave last.
+  std::uint64_t GetEnd() const { return entry_.offset + entry_.size; }
   // Holds the record that `Next` gave last.
   void Hold() {
     const std::span<const std::uint8_t> bytes = walk_.GetBytes();
@@ -83,13 +89,24 @@ class SourceC {
   std::size_t heldBytes_ = 0;
 };
 
+// A place in both files up to which they have been compared.
+struct Place {
+  std::uint64_t a = 0;
+  std::uint64_t b = 0;
+};
+
 class ComparisonC {
  public:
   ComparisonC(SourceC& a, SourceC& b, RecordDifferencesI& differences)
       : a_(a), b_(b), differences_(differences) {}
 
-  void Run() {
-    while (SkipSame()) {
+  // Stops where `enough` bytes in a row are the same and nothing is held, and returns that place;
+  // nothing at the ends of the files.
+  std::optional<Place> Run(std::uint64_t enough) {
+    for (;;) {
+      const Stop stop = SkipSame(enough);
+      if (stop == Stop::kEnds) return {};
+      if (stop == Stop::kEnough) return Place{a_.GetEnd(), b_.GetEnd()};
       if (a_.GetHeld().empty() || b_.GetHeld().empty()) {
         ReportRest();
       } else {
@@ -99,15 +116,20 @@ class ComparisonC {
   }
 
  private:
-  // Goes to the next records that differ and holds them; false when there are none.
-  bool SkipSame() {
+  enum class Stop { kDifference, kEnough, kEnds };
+
+  // Goes to the next records that differ and holds them.
+  Stop SkipSame(std::uint64_t enough) {
+    std::uint64_t same = 0;
     for (;;) {
       while (a_.GetHeld().empty() && b_.GetHeld().empty()) {
+        if (same >= enough) return Stop::kEnough;
         const bool isA = !a_.IsEnded() && a_.Next();
         const bool isB = !b_.IsEnded() && b_.Next();
-        if (!isA && !isB) return false;
+        if (!isA && !isB) return Stop::kEnds;
         if (isA && isB && std::ranges::equal(a_.GetBytes(), b_.GetBytes())) {
-          differences_.Same();
+          differences_.Same(1);
+          same += a_.GetBytes().size();
           continue;
         }
         if (isA) a_.Hold();
@@ -115,9 +137,9 @@ class ComparisonC {
       }
       a_.HoldUpTo(1);
       b_.HoldUpTo(1);
-      if (a_.GetHeld().empty() || b_.GetHeld().empty()) return true;
-      if (a_.GetHeld().front().bytes != b_.GetHeld().front().bytes) return true;
-      differences_.Same();
+      if (a_.GetHeld().empty() || b_.GetHeld().empty()) return Stop::kDifference;
+      if (a_.GetHeld().front().bytes != b_.GetHeld().front().bytes) return Stop::kDifference;
+      differences_.Same(1);
       a_.Drop(1);
       b_.Drop(1);
     }
@@ -191,7 +213,7 @@ class ComparisonC {
     for (const CommonPlace& place : common) {
       if (place.a >= end.a || place.b >= end.b) break;
       ReportReplaced(done, place);
-      differences_.Same();
+      differences_.Same(1);
       done = {place.a + 1, place.b + 1};
     }
     ReportReplaced(done, end);
@@ -240,6 +262,80 @@ class ComparisonC {
   RecordDifferencesI& differences_;
 };
 
+// What the beginnings of two stretches have in common.
+struct SameRecords {
+  std::uint64_t count = 0;
+  std::optional<Place> end;  // of the last ones that are the same; empty if all are
+};
+
+// Skips records that are the same: threads read stretches that are equally far from the place from
+// which on the files go on together.
+class SameStretchesC {
+ public:
+  SameStretchesC(const ComparedFileC& a, const ComparedFileC& b, const CompareOptions& options,
+                 RecordDifferencesI& differences)
+      : a_(a), b_(b), options_(options), differences_(differences) {}
+
+  // From `from` on to the next difference, or to where stretches are not worth it.
+  Place SkipFrom(const Place& from) {
+    constexpr std::uint64_t kLongest = std::uint64_t{16} << 20;
+    const std::uint64_t rest = std::min(Rest(a_, from.a), Rest(b_, from.b));
+    const std::uint64_t stretch = StretchOf(rest, options_.jobs, kLongest);
+    const std::uint64_t count = rest / stretch;
+    if (count < 2) return from;
+    const auto begin = [&](std::uint64_t i) {
+      return Place{from.a + i * stretch, from.b + i * stretch};
+    };
+    isStopped_ = false;
+    OrderedJobsC<SameRecords> work(
+        count, static_cast<unsigned>(std::min<std::uint64_t>(options_.jobs, count)),
+        [&](std::size_t i) { return CountSame(begin(i), begin(i + 1)); });
+    for (std::uint64_t i = 0; i < count; ++i) {
+      const SameRecords same = work.Take([] {});
+      differences_.Same(same.count);
+      if (same.end) {
+        isStopped_ = true;
+        return *same.end;
+      }
+      options_.reportProgress(begin(i + 1).a + begin(i + 1).b);
+    }
+    return begin(count);
+  }
+
+ private:
+  static std::uint64_t Rest(const ComparedFileC& file, std::uint64_t from) {
+    return file.GetSize() > from ? file.GetSize() - from : 0;
+  }
+
+  // Called from several threads at once.
+  SameRecords CountSame(const Place& begin, const Place& end) const {
+    const auto ignore = [](std::uint64_t) {};
+    RecordWalkC walkA = a_.Walk(begin.a, end.a, ignore);
+    RecordWalkC walkB = b_.Walk(begin.b, end.b, ignore);
+    SourceC a(walkA, options_.filter);
+    SourceC b(walkB, options_.filter);
+    SameRecords same{.end = begin};
+    while (!isStopped_) {
+      const bool isA = a.Next();
+      const bool isB = b.Next();
+      if (!isA && !isB) {
+        same.end.reset();
+        break;
+      }
+      if (!isA || !isB || !std::ranges::equal(a.GetBytes(), b.GetBytes())) break;
+      ++same.count;
+      same.end = {a.GetEnd(), b.GetEnd()};
+    }
+    return same;
+  }
+
+  const ComparedFileC& a_;
+  const ComparedFileC& b_;
+  const CompareOptions& options_;
+  RecordDifferencesI& differences_;
+  std::atomic<bool> isStopped_ = false;  // the results of further stretches are not needed
+};
+
 }  // namespace
 
 std::optional<RecordTime> TimeOf(const ComparedRecord& record) {
@@ -250,11 +346,32 @@ std::optional<RecordTime> TimeOf(const ComparedRecord& record) {
   return RecordTime(time.week, time.timeOfWeek);
 }
 
-void CompareRecords(RecordWalkC& a, RecordWalkC& b, const RecordFilter& filter,
+RecordWalkC ComparedFileC::Walk(std::uint64_t begin, std::optional<std::uint64_t> end,
+                                std::function<void(std::uint64_t)> reportProgress) const {
+  RecordPiece piece{.isFirst = begin == 0, .isLast = !end};
+  piece.stretch.begin = begin;
+  if (end) piece.stretch.end = *end;
+  return RecordWalkC(input_, file_, piece, std::move(reportProgress));
+}
+
+void CompareRecords(const ComparedFileC& a, const ComparedFileC& b, const CompareOptions& options,
                     RecordDifferencesI& differences) {
-  SourceC sourceA(a, filter);
-  SourceC sourceB(b, filter);
-  ComparisonC(sourceA, sourceB, differences).Run();
+  // As far as both files go on together after a difference before threads read them again.
+  constexpr std::uint64_t kEnoughSame = std::uint64_t{256} << 10;
+  // Which of every N measurements is selected depends on all before.
+  const bool mayCut = options.jobs > 1 && options.filter.every == 1;
+  std::optional<Place> place = Place{};
+  while (place) {
+    if (mayCut) *place = SameStretchesC(a, b, options, differences).SkipFrom(*place);
+    std::uint64_t done = place->a + place->b;
+    const auto report = [&](std::uint64_t bytes) { options.reportProgress(done += bytes); };
+    RecordWalkC walkA = a.Walk(place->a, {}, report);
+    RecordWalkC walkB = b.Walk(place->b, {}, report);
+    SourceC sourceA(walkA, options.filter);
+    SourceC sourceB(walkB, options.filter);
+    place = ComparisonC(sourceA, sourceB, differences)
+                .Run(mayCut ? kEnoughSame : std::numeric_limits<std::uint64_t>::max());
+  }
 }
 
 }  // namespace Tool

@@ -39,7 +39,7 @@ class DifferenceWriterC : public RecordDifferencesI {
   DifferenceWriterC(PieceOutputC& out, const DifferenceFormat& format, std::string_view file)
       : out_(out), format_(format), file_(file) {}
 
-  void Same() override { ++counts_.same; }
+  void Same(std::uint64_t count) override { counts_.same += count; }
   void Removed(const ComparedRecord& a) override;
   void Added(const ComparedRecord& b) override;
   void Changed(const ComparedRecord& a, const ComparedRecord& b) override;

@@ -16,17 +16,18 @@
 
 namespace Tool {
 
-/// Runs jobs in threads and returns their results in the order of the jobs. At most as many results
-/// as threads plus two are held, so a slow consumer stops the threads. If the system does not start
+/// Runs jobs in threads and returns their results in the order of the jobs. Only a limited
+/// number of results is held, so a slow consumer stops the threads. If the system does not start
 /// as many threads as requested, those that it starts do the work, or without any, `Take` does it.
 template <class Result>
 class OrderedJobsC {
  public:
   using Work = std::function<Result(std::size_t piece)>;
 
-  /// `work` is called for 0, 1, ... below `count`, from several threads at once.
-  OrderedJobsC(std::size_t count, unsigned threads, Work work)
-      : count_(count), work_(std::move(work)), slots_(std::size_t{threads} + 2) {
+  /// `work` is called for 0, 1, ... below `count`, from several threads at once. At most as many
+  /// results as threads and `ahead` are held.
+  OrderedJobsC(std::size_t count, unsigned threads, Work work, std::size_t ahead = 2)
+      : count_(count), work_(std::move(work)), slots_(threads + ahead) {
     threads_.reserve(threads);
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { Run(); });

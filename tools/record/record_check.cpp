@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -190,16 +191,17 @@ class CheckPassC : public RecordPassI<CheckedPiece> {
 };
 
 ExitCode Run(const Options& options) {
-  // A stretch needs little memory, because its records are not written, so it can be much longer
-  // than the look-back.
-  constexpr std::uint64_t kStretch = std::uint64_t{16} << 20;
+  // The findings take little memory, because records are not written.
+  constexpr std::uint64_t kLongestStretch = std::uint64_t{64} << 20;
+  constexpr std::size_t kAhead = 1000;
   const std::vector<RecordFile> files = FindRecordFiles(options.files);
   OutputC out;
   CheckPassC pass(options);
   const ExitCode result = RunPass(files,
                                   {.jobs = options.files.jobs,
                                    .mayCut = options.filter.every == 1,
-                                   .stretch = kStretch,
+                                   .longestStretch = kLongestStretch,
+                                   .ahead = kAhead,
                                    .out = &out},
                                   pass);
   pass.WriteWhole(out);

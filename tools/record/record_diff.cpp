@@ -117,7 +117,7 @@ class DiffC {
       std::uint64_t done = 0;
       for (const FilePair& pair : pairs_) {
         ComparedPair compared{.output = PieceOutputC(&out, progress)};
-        Compare(pair, compared, [&](std::uint64_t bytes) { progress.Update(done += bytes); });
+        Compare(pair, jobs, compared, [&](std::uint64_t bytes) { progress.Update(done += bytes); });
         Take(pair, compared, direct);
       }
     } else {
@@ -125,7 +125,7 @@ class DiffC {
       std::atomic<std::uint64_t> done = 0;
       OrderedJobsC<ComparedPair> work(pairs_.size(), threads, [&](std::size_t i) {
         ComparedPair compared{.output = PieceOutputC(pool)};
-        Compare(pairs_[i], compared, [&done](std::uint64_t bytes) { done += bytes; });
+        Compare(pairs_[i], 1, compared, [&done](std::uint64_t bytes) { done += bytes; });
         return compared;
       });
       for (const FilePair& pair : pairs_) {
@@ -154,7 +154,7 @@ class DiffC {
   }
 
   // Called from several threads at once.
-  void Compare(const FilePair& pair, ComparedPair& compared,
+  void Compare(const FilePair& pair, unsigned jobs, ComparedPair& compared,
                const std::function<void(std::uint64_t)>& report) const {
     PieceOutputC& out = compared.output;
     const bool isFirst = &pair == pairs_.data();
@@ -169,9 +169,14 @@ class DiffC {
     const std::string file = ToUtf8(pair.title);
     DifferenceWriterC writer(out, format_, file);
     try {
-      RecordWalkC a(pair.a->Open(), *pair.a, {}, report);
-      RecordWalkC b(pair.b->Open(), *pair.b, {}, report);
-      CompareRecords(a, b, options_.filter, writer);
+      std::uint64_t last = 0;
+      const auto reportDone = [&](std::uint64_t done) {
+        if (done <= last) return;
+        report(done - last);
+        last = done;
+      };
+      CompareRecords(ComparedFileC(*pair.a), ComparedFileC(*pair.b),
+                     {options_.filter, jobs, reportDone}, writer);
     } catch (const FileErrorC& error) {
       compared.fault = error.what();
       return;

@@ -171,6 +171,12 @@ RecordFile FindRecordFile(const std::string& name) {
   return FindRecordFiles(options).front();
 }
 
+std::uint64_t StretchOf(std::uint64_t total, unsigned jobs, std::uint64_t longest) {
+  constexpr std::uint64_t kOfAThread = 4;
+  const std::uint64_t count = kOfAThread * jobs;
+  return std::clamp((total + count - 1) / count, kShortestStretch, longest);
+}
+
 std::vector<RecordPiece> CutIntoPieces(const std::vector<RecordFile>& files,
                                        std::uint64_t stretch) {
   std::vector<RecordPiece> pieces;

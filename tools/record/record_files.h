@@ -71,6 +71,16 @@ struct RecordPiece {
   bool IsWhole() const { return isFirst && isLast; }
 };
 
+/// A stretch of 1 MiB is long enough that looking back 128 KiB takes little time in comparison with
+/// decoding and writing, and short enough that its output, about five times as large, fits in
+/// memory several times.
+inline constexpr std::uint64_t kShortestStretch = std::uint64_t{1} << 20;
+
+/// The size of the stretches in which `jobs` threads read `total` bytes, at most `longest`: each
+/// thread reads at least four if there are enough bytes, so that all threads end at nearly the same
+/// time.
+std::uint64_t StretchOf(std::uint64_t total, unsigned jobs, std::uint64_t longest);
+
 /// The files that are being read, each opened once for all its pieces: if another program replaces
 /// a file meanwhile, no piece is read from the new one. Several threads may use it at once.
 class OpenRecordFilesC {

@@ -400,9 +400,12 @@ ExitCode Run(const Options& options) {
   const std::vector<RecordFile> files = FindRecordFiles(options.files);
   OutputC out;
   ListPassC pass(options, files);
+  // The list is shorter than the records.
+  constexpr std::uint64_t kLongestStretch = std::uint64_t{2} << 20;
   const ExitCode result = RunPass(files,
                                   {.jobs = options.files.jobs,
                                    .mayCut = options.filter.every == 1,
+                                   .longestStretch = kLongestStretch,
                                    .out = &out,
                                    .hasRows = true},
                                   pass);

@@ -43,13 +43,13 @@ class RecordPassI {
                         PieceOutputC& /*direct*/) {}
 };
 
-/// A stretch of 1 MiB is long enough that looking back 128 KiB takes little time in comparison with
-/// decoding and writing, and short enough that its output, about five times as large, fits in
-/// memory several times.
 struct PassOptions {
-  unsigned jobs = 0;                               ///< 0: one for each processor.
-  bool mayCut = true;                              ///< Whether files may be read in stretches.
-  std::uint64_t stretch = std::uint64_t{1} << 20;  ///< The size of one, in bytes.
+  unsigned jobs = 0;                                ///< 0: one for each processor.
+  bool mayCut = true;                               ///< Whether files may be read in stretches.
+  std::uint64_t longestStretch = kShortestStretch;  ///< As in `StretchOf`.
+  /// How many results more than there are jobs may wait for their turn. If files differ much in
+  /// size, threads stop less often the larger it is.
+  std::size_t ahead = 2;
   OutputC* out = nullptr;  ///< Null for a command without output during the pass.
   bool hasRows = false;    ///< As in `ProgressC`.
 };
@@ -62,10 +62,10 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
                  RecordPassI<Result>& pass) {
   const unsigned jobs =
       options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-  const std::vector<RecordPiece> pieces =
-      CutIntoPieces(files, options.mayCut && jobs > 1 ? options.stretch : 0);
   std::uint64_t total = 0;
   for (const RecordFile& file : files) total += file.size;
+  const std::vector<RecordPiece> pieces = CutIntoPieces(
+      files, options.mayCut && jobs > 1 ? StretchOf(total, jobs, options.longestStretch) : 0);
   ProgressC progress(total, options.hasRows);
   std::atomic<std::uint64_t> done = 0;
   PieceOutputC direct(options.out, progress);
@@ -117,12 +117,15 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
     Result result;
     std::string fault;
   };
-  OrderedJobsC<Kept> work(pieces.size(), threads, [&](std::size_t i) {
-    Kept kept;
-    kept.result.output = PieceOutputC(pool);
-    kept.fault = read(pieces[i], kept.result, [&](std::uint64_t bytes) { done += bytes; });
-    return kept;
-  });
+  OrderedJobsC<Kept> work(
+      pieces.size(), threads,
+      [&](std::size_t i) {
+        Kept kept;
+        kept.result.output = PieceOutputC(pool);
+        kept.fault = read(pieces[i], kept.result, [&](std::uint64_t bytes) { done += bytes; });
+        return kept;
+      },
+      options.ahead);
   for (const RecordPiece& piece : pieces) {
     Kept kept = work.Take([&] { progress.Update(done); });
     take(piece, kept.result, kept.fault);

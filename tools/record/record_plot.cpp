@@ -1,5 +1,7 @@
 #include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -37,19 +39,43 @@ std::string TitleOf(const std::vector<RecordFile>& files) {
   return IsStandardInput(name) ? files.front().Title() : ToPath(name).filename().string();
 }
 
-// The result of a piece.
-struct Samples {
-  PieceOutputC output;
-  MeasurementCounts counts;
-  std::vector<SatelliteSeriesC::Sample> samples;  // kept until the pieces before are written
+using Samples = std::vector<SatelliteSeriesC::Sample>;
+
+// Reuses the memory of samples. Several threads may use it at once.
+class SamplePoolC {
+ public:
+  Samples Take() {
+    const std::lock_guard lock(mutex_);
+    if (free_.empty()) return {};
+    Samples samples = std::move(free_.back());
+    free_.pop_back();
+    return samples;
+  }
+  void Give(Samples samples) {
+    samples.clear();
+    const std::lock_guard lock(mutex_);
+    free_.push_back(std::move(samples));
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<Samples> free_;
 };
 
-class PlotPassC : public RecordPassI<Samples> {
+// The result of a piece.
+struct PlottedPiece {
+  PieceOutputC output;
+  MeasurementCounts counts;
+  Samples samples;  // kept until the pieces before are written
+};
+
+class PlotPassC : public RecordPassI<PlottedPiece> {
  public:
   PlotPassC(const Options& options, const std::vector<RecordFile>& files)
       : options_(options), files_(files) {}
 
-  void Read(RecordWalkC& walk, Samples& result) const override {
+  void Read(RecordWalkC& walk, PlottedPiece& result) const override {
+    if (result.output.IsKept()) result.samples = pool_.Take();
     result.counts =
         ForEachMeasurement(walk, options_.filter, result.output,
                            Prefix(files_[walk.GetPiece().file]), [&](const DecodedRecord& record) {
@@ -61,9 +87,10 @@ class PlotPassC : public RecordPassI<Samples> {
                              }
                            });
   }
-  void Take(const RecordPiece& piece, Samples& result, PieceOutputC& direct) override {
+  void Take(const RecordPiece& piece, PlottedPiece& result, PieceOutputC& direct) override {
     result.output.PutTo(direct);
     for (const SatelliteSeriesC::Sample& sample : result.samples) series_.Add(sample);
+    pool_.Give(std::move(result.samples));
     if (piece.isFirst) counts_ = {};
     counts_.Add(result.counts);
   }
@@ -80,7 +107,8 @@ class PlotPassC : public RecordPassI<Samples> {
 
   const Options& options_;
   const std::vector<RecordFile>& files_;
-  MeasurementCounts counts_;         // of the file
+  MeasurementCounts counts_;  // of the file
+  mutable SamplePoolC pool_;
   mutable SatelliteSeriesC series_;  // changed by `Read` only when one thread reads everything
 };
 
@@ -88,8 +116,13 @@ ExitCode Run(const Options& options) {
   for (const std::string& name : options.files.names) options.output.Require(name);
   const std::vector<RecordFile> files = FindRecordFiles(options.files, options.output.file);
   PlotPassC pass(options, files);
-  const ExitCode result =
-      RunPass(files, {.jobs = options.files.jobs, .mayCut = options.filter.every == 1}, pass);
+  // The samples of a stretch take less memory than its bytes.
+  constexpr std::uint64_t kLongestStretch = std::uint64_t{8} << 20;
+  const ExitCode result = RunPass(files,
+                                  {.jobs = options.files.jobs,
+                                   .mayCut = options.filter.every == 1,
+                                   .longestStretch = kLongestStretch},
+                                  pass);
   if (pass.GetSeries().GetRecordCount() == 0) return result;
   const std::string svg = DrawRecords(pass.GetSeries(), TitleOf(files));
   OutputC out(options.output.file);

@@ -117,9 +117,9 @@ TEST(RecordCheck, FindsAFileWithoutMeasurementsFaulty) {
   }
 }
 
-// Pieces of 16 MiB, whose ends divide a gap, measurements that repeat and a time that goes back.
+// Pieces of 1 MiB, whose ends divide a gap, measurements that repeat and a time that goes back.
 TEST(RecordCheck, FindsTheSameInStretches) {
-  constexpr std::size_t kStretch = std::size_t{16} << 20;
+  constexpr std::size_t kStretch = std::size_t{1} << 20;
   const TempFolderC folder;
   Bytes bytes = FrameAt(100);
   const auto put = [&bytes](std::size_t at, const Bytes& what) {

@@ -253,6 +253,71 @@ TEST_F(RecordDiff, ComparesOnlyTheMeasurementsThatFiltersTake) {
   EXPECT_EQ(Diff(a, b, {"--where", "time_of_week < 2000"}).exitCode, 0);
 }
 
+// Threads read stretches of both files up to a difference: near the ends of stretches, which are at
+// whole mebibytes, in two stretches at once, and after records and gaps that only one file has.
+TEST_F(RecordDiff, FindsTheSameInStretches) {
+  constexpr std::size_t kStretch = std::size_t{1} << 20;
+  Bytes a;
+  Bytes b;
+  const auto put = [](Bytes& bytes, const Bytes& what) {
+    bytes.insert(bytes.end(), what.begin(), what.end());
+  };
+  std::uint32_t time = 0;
+  int same = 0;
+  // The same records in both files, up to this size of A.
+  const auto fill = [&](std::size_t size) {
+    for (; a.size() < size; ++same) {
+      const Bytes record = ++time % 3 == 0 ? MakeFrame(17, Bytes(900, 7)) : At(time);
+      put(a, record);
+      put(b, record);
+    }
+  };
+  const auto change = [&] {
+    put(a, At(++time, 1));
+    put(b, At(time, 2));
+  };
+  fill(2 * kStretch - 1);
+  change();
+  fill(3 * kStretch - 500);
+  change();
+  fill(3 * kStretch + 500);
+  put(a, At(++time));  // removed; from here on, stretches of B begin earlier
+  fill(5 * kStretch);
+  put(b, Bytes(1000, 1));  // a gap
+  fill(6 * kStretch);
+  change();
+  fill(9 * kStretch);
+  put(b, Bytes(kStretch, 1));  // a gap over a whole stretch
+  fill(12 * kStretch);
+  put(b, At(time + 1) + At(time + 2));  // added
+  time += 2;
+  fill(14 * kStretch);
+  put(b, At(++time));  // at the end
+  for (const std::vector<std::string>& format :
+       {std::vector<std::string>{}, {"--json"}, {"--every", "5"}, {"--where", "offset >= 0"}}) {
+    SCOPED_TRACE(format.empty() ? "" : format[0]);
+    const auto diff = [&](const std::string& jobs) {
+      std::vector<std::string> options = format;
+      options.insert(options.end(), {"--jobs", jobs});
+      return Diff(a, b, options);
+    };
+    const Outcome expected = diff("1");
+    if (format.empty()) {
+      EXPECT_EQ(::Lines(expected.out).back(),
+                std::to_string(same) + " the same, 3 changed, 1 removed, 3 added");
+    }
+    for (const char* const jobs : {"2", "3", "16"}) {
+      const Outcome outcome = diff(jobs);
+      EXPECT_TRUE(outcome.out == expected.out) << jobs;
+      EXPECT_EQ(outcome.exitCode, 1);
+      EXPECT_EQ(outcome.err, "");
+    }
+  }
+  const Outcome whole = Diff(a, a, {"--jobs", "4"});
+  EXPECT_EQ(whole.exitCode, 0);
+  EXPECT_TRUE(::Lines(whole.out).back().ends_with(" the same, 0 changed, 0 removed, 0 added"));
+}
+
 class FolderDiff : public testing::Test {
  protected:
   FolderDiff() {
