@@ -53,9 +53,10 @@ def main() -> None:
     parser.add_argument("program")
     parser.add_argument("--megabytes", type=int, default=132)
     parser.add_argument("--runs", type=int, default=9)
-    parser.add_argument("command", nargs="*", default=list(COMMANDS), help=f"of {', '.join(COMMANDS)}; all by default")
-    options = parser.parse_args()
-    for name in options.command:
+    parser.add_argument("command", nargs="*", help=f"of {', '.join(COMMANDS)}; all by default")
+    options = parser.parse_intermixed_args()
+    commands = options.command or list(COMMANDS)
+    for name in commands:
         if name not in COMMANDS:
             parser.error(f"{name} is none of {', '.join(COMMANDS)}")
 
@@ -73,7 +74,7 @@ def main() -> None:
                         file.write(other)
         print("| command | one job | two jobs | times as quick | two programs | processor time of two jobs to one |")
         print("|---|---|---|---|---|---|")
-        for name in options.command:
+        for name in commands:
             words = [names.get(word, word) for word in COMMANDS[name].split()]
             command = [options.program, "record", *words, "--jobs"]
             results = []

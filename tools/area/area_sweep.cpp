@@ -3,6 +3,9 @@
 #include <cmath>
 #include <cstddef>
 #include <span>
+#include <string_view>
+
+#include <fmt/format.h>
 
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/sphere_geometry/angles.h>
@@ -25,10 +28,16 @@ struct Sweep {
   std::uint64_t rows;
 };
 
-std::uint64_t ToCount(double count) {
-  constexpr double kMost = 9007199254740992.0;  // 2^53: up to there doubles count in ones
-  if (count <= kMost) return static_cast<std::uint64_t>(count);
-  throw ToolErrorC(ExitCode::kCannotBeAsked, "the steps are too small for directions to be listed");
+// As in Python's `iter_grid`: up to 2^53 doubles count in ones, and a column of 10^7 directions
+// takes a tenth of a second, so that the first directions come at once.
+constexpr double kMostColumns = 9007199254740992.0;
+constexpr double kMostRows = 1e7;
+
+std::uint64_t ToCount(double count, double most, std::string_view what) {
+  if (count <= most) return static_cast<std::uint64_t>(count);
+  throw ToolErrorC(ExitCode::kCannotBeAsked,
+                   fmt::format("the grid has {:.4g} {}, more than {:.4g}: the step is too small",
+                               count, what, most));
 }
 
 Sweep PlanSweep(const AreaFile& file) {
@@ -54,9 +63,11 @@ Sweep PlanSweep(const AreaFile& file) {
   // A full turn does not end where it began; the last step may fail by rounding.
   constexpr double kMost = 1e-9;
   const bool isTurn = sweep.width >= GMAT::TWO_PI - kMost;
-  sweep.columns = ToCount(isTurn ? std::max(1.0, std::ceil(GMAT::TWO_PI / sweep.hzStep - kMost))
-                                 : std::floor(sweep.width / sweep.hzStep + kMost) + 1);
-  sweep.rows = ToCount(std::floor((sweep.vMax - sweep.vMin) / sweep.vStep + kMost) + 1);
+  const double columns = isTurn ? std::max(1.0, std::ceil(GMAT::TWO_PI / sweep.hzStep - kMost))
+                                : std::floor(sweep.width / sweep.hzStep + kMost) + 1;
+  const double rows = std::floor((sweep.vMax - sweep.vMin) / sweep.vStep + kMost) + 1;
+  sweep.columns = ToCount(columns, kMostColumns, "columns");
+  sweep.rows = ToCount(rows, kMostRows, "directions in a column");
   return sweep;
 }
 

@@ -15,7 +15,7 @@ namespace Tool {
 /// Python's `Area.iter_grid` gives the same.
 /// \param file  a valid area.
 /// \return the number of directions.
-/// \throw ToolErrorC  when there are more than 2^53 columns or directions in one.
+/// \throw ToolErrorC  when there are more than 2^53 columns, or more than 10^7 directions in one.
 std::uint64_t SweepArea(const AreaFile& file, const std::function<void(double, double)>& visit);
 
 }  // namespace Tool

@@ -32,18 +32,14 @@ class ScannerC {
     return true;
   }
   void Need(char c) {
-    if (!Skip(c))
-      Refuse(IsAtEnd() ? "it ends too early" : fmt::format("\"{}\" is not a {}", rest_, c));
+    if (Skip(c)) return;
+    Refuse(IsAtEnd() ? "it ends too early" : fmt::format("expected {} before \"{}\"", c, rest_));
   }
   int Number(std::size_t digits, std::string_view name) {
+    const std::string_view all = Digits();
+    if (all.size() != digits) Refuse(fmt::format("the {} has {} digits", name, digits));
     int number = 0;
-    for (std::size_t i = 0; i < digits; ++i) {
-      if (i == rest_.size() || !IsDigit(rest_[i])) {
-        Refuse(fmt::format("the {} has {} digits", name, digits));
-      }
-      number = number * 10 + (rest_[i] - '0');
-    }
-    rest_.remove_prefix(digits);
+    for (const char digit : all) number = number * 10 + (digit - '0');
     return number;
   }
   std::string_view Digits() {

@@ -591,10 +591,21 @@ TEST(AreaGrid, TellsThatThereIsNoDirectionOrThatTheStepsAreTooSmall) {
   EXPECT_EQ(none.exitCode, 1);
   EXPECT_EQ(none.out, "hz,v\r\n");
   EXPECT_EQ(none.err, "surveydata: no direction at these steps is inside the area\n");
-  const Outcome small = Area("grid", Written(folder, R"({"kind": "dome", "unit": "deg",
-      "hzStep": 1e-300, "vStep": 1})"));
-  EXPECT_EQ(small.exitCode, 4);
-  EXPECT_EQ(small.err, "surveydata: the steps are too small for directions to be listed\n");
+  const auto refusal = [&](const std::string& hzStep, const std::string& vStep) {
+    const Outcome small =
+        Area("grid", Written(folder, R"({"kind": "dome", "unit": "deg", "hzStep": )" + hzStep +
+                                         R"(, "vStep": )" + vStep + "}"));
+    EXPECT_EQ(small.exitCode, 4);
+    EXPECT_EQ(small.out, "");
+    return small.err;
+  };
+  EXPECT_EQ(
+      refusal("1e-300", "1"),
+      "surveydata: the grid has 3.6e+302 columns, more than 9.007e+15: the step is too small\n");
+  EXPECT_EQ(
+      refusal("1", "1e-9"),
+      "surveydata: the grid has 1.44e+11 directions in a column, more than 1e+07: the step is too "
+      "small\n");
 }
 
 TEST(AreaConvert, WritesTheSameAreaInAnotherUnit) {

@@ -38,6 +38,11 @@ TEST(ParseMoment, ReadsDatesAndTimesOfGpsTimeAndUtc) {
       {"2020-02-07Z", kStart - 8'075'000 + 18'000},
       {"1980-01-06", 0},
       {"1970-01-01", 0},
+      {"0000-01-01", 0},
+      {"1980-01-05T23:59:59.999", 0},
+      {"3236-01-06", 65'535 * kWeek},
+      {"3236-01-12T23:59:59.999", 65'536 * kWeek - 1},
+      {"3236-01-13", 65'536 * kWeek},
       {"9999-12-31", 65'536 * kWeek},
       // GPS time was 17 s ahead before the leap second of 2016, and 18 s after it.
       {"2016-12-31T23:59:59Z", 1930 * kWeek + 16'000},
@@ -73,6 +78,37 @@ TEST(ParseMoment, RefusesWhatIsNoTime) {
                                  " 2020-02-07",
                                  "2020-02-07 "}) {
     EXPECT_THROW(Tool::ParseMoment(text), Tool::ValueErrorC) << text;
+  }
+}
+
+// Years have four digits, as in ISO 8601; none is rejected because no measurement can be in it.
+TEST(ParseMoment, SaysWhatIsWrong) {
+  const struct {
+    const char* text;
+    const char* reason;
+  } cases[] = {
+      {"9999999-01-01", "the year has 4 digits"},
+      {"10000-01-01", "the year has 4 digits"},
+      {"999-01-01", "the year has 4 digits"},
+      {"-001-01-01", "the year has 4 digits"},
+      {"2020-002-07", "the month has 2 digits"},
+      {"2020-02-077", "the day has 2 digits"},
+      {"2020-02-07T002:14", "the hour has 2 digits"},
+      {"2020-02-07T02:14:355", "the second has 2 digits"},
+      {"2020/02/07", "expected - before \"/02/07\""},
+      {"2020-02", "it ends too early"},
+      {"2020-02-07x", "it goes on after its end"},
+  };
+  for (const auto& [text, reason] : cases) {
+    try {
+      Tool::ParseMoment(text);
+      ADD_FAILURE() << text;
+    } catch (const Tool::ValueErrorC& error) {
+      EXPECT_EQ(std::string(error.what()),
+                std::string(reason) +
+                    "; a time is like 2020-02-06T18:14:35.5, GPS time, or UTC "
+                    "with a Z at the end");
+    }
   }
 }
 
