@@ -345,10 +345,11 @@ void AddAreas(nb::module_& module) {
           "limit_low"_a, "limit_high"_a, "setting_b"_a, "setting_c"_a, "setting_d"_a, "setting_e"_a)
       .def_static(
           "read",
-          [](const std::string& path) {
+          [](nb::handle path) {
+            const std::string name = ToFileName(path);
             try {
               const nb::gil_scoped_release unlocked;
-              return std::make_shared<const AreaC>(Tool::LoadAreaFile(path));
+              return std::make_shared<const AreaC>(Tool::LoadAreaFile(name));
             } catch (const Tool::ToolErrorC& error) {
               throw nb::value_error(Tool::ToPrintable(std::string_view(error.what())).c_str());
             }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #ifdef __linux__
+#include <pthread.h>
 #include <sys/mman.h>
 #endif
 
@@ -114,6 +115,14 @@ class SparesC {
 
  private:
   static constexpr std::align_val_t kAligned{kHugePage};
+
+  SparesC() {
+#ifdef __linux__
+    // A child process gets the lock free, even if another thread holds it while it is forked.
+    static_cast<void>(pthread_atfork([] { Get().mutex_.lock(); }, [] { Get().mutex_.unlock(); },
+                                     [] { Get().mutex_.unlock(); }));
+#endif
+  }
 
   struct Spare {
     std::uint8_t* bytes = nullptr;

@@ -181,11 +181,12 @@ Tool::FrameChanges Changes(const std::optional<std::string>& name,
 void AddRecordChanges(nb::module_& module) {
   module.def(
       "set_record",
-      [](const std::string& path, std::uint64_t offset, const std::optional<std::string>& name,
+      [](nb::handle path, std::uint64_t offset, const std::optional<std::string>& name,
          std::optional<std::int32_t> number, std::optional<double> height, bool isSlant,
          bool isDryRun) {
+        const std::string file = ToFileName(path);
         const Tool::FrameChanges changes = Changes(name, number, height, isSlant);
-        return Unlocked([&] { return SetRecord(path, offset, changes, isDryRun); });
+        return Unlocked([&] { return SetRecord(file, offset, changes, isDryRun); });
       },
       "path"_a, "offset"_a, "name"_a.none(), "number"_a.none(), "antenna_height"_a.none(),
       "slant"_a, "dry_run"_a);
@@ -193,8 +194,9 @@ void AddRecordChanges(nb::module_& module) {
   nb::class_<LockedFileC>(module, "LockedFileCore")
       .def_static(
           "open",
-          [](const std::string& path) {
-            return Unlocked([&] { return std::make_unique<LockedFileC>(path); });
+          [](nb::handle path) {
+            const std::string name = ToFileName(path);
+            return Unlocked([&] { return std::make_unique<LockedFileC>(name); });
           },
           "path"_a)
       .def_prop_ro("size",

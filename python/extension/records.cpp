@@ -124,9 +124,16 @@ class ReaderC {
     const nb::gil_scoped_acquire locked;
     const nb::object memory = nb::steal(PyMemoryView_FromMemory(
         reinterpret_cast<char*>(to.data()), static_cast<Py_ssize_t>(to.size()), PyBUF_WRITE));
-    const auto count = nb::cast<std::ptrdiff_t>(readAt_(offset, memory));
-    // Python must not write to the buffer after the call.
-    nb::object(memory.attr("release"))();
+    // Python must not use the buffer after the call; tracebacks keep objects.
+    const auto release = [&] { nb::object(memory.attr("release"))(); };
+    std::ptrdiff_t count = 0;
+    try {
+      count = nb::cast<std::ptrdiff_t>(readAt_(offset, memory));
+    } catch (...) {
+      release();
+      throw;
+    }
+    release();
     return std::min(count, static_cast<std::ptrdiff_t>(to.size()));
   }
 
@@ -214,8 +221,12 @@ void AddRecords(nb::module_& module) {
                 buffer.GetCount() != self.rows) {
               throw nb::value_error("one bool for each row is needed");
             }
+            // A copy: other threads may change the array, and NumPy's bools may be other bytes.
+            const auto kept = std::make_unique<bool[]>(self.rows);
+            std::transform(buffer.GetBytes(), buffer.GetBytes() + self.rows, kept.get(),
+                           [](std::uint8_t byte) { return byte != 0; });
             const nb::gil_scoped_release unlocked;
-            return Filter(self, {reinterpret_cast<const bool*>(buffer.GetBytes()), self.rows});
+            return Filter(self, {kept.get(), self.rows});
           },
           "keep"_a);
 
@@ -247,9 +258,10 @@ void AddRecords(nb::module_& module) {
   nb::class_<ReaderC>(module, "ReaderCore")
       .def_static(
           "open_file",
-          [](const std::string& path, std::uint64_t begin, std::optional<std::uint64_t> end) {
+          [](nb::handle path, std::uint64_t begin, std::optional<std::uint64_t> end) {
+            const std::string name = ToFileName(path);
             const nb::gil_scoped_release unlocked;  // opening a pipe waits
-            return std::make_shared<ReaderC>(path, Stretch(begin, end));
+            return std::make_shared<ReaderC>(name, Stretch(begin, end));
           },
           "path"_a, "begin"_a, "end"_a.none())
       .def_static(
@@ -285,11 +297,12 @@ void AddRecords(nb::module_& module) {
       .value("LEFT_OVER", GPSAppendOutcome::kLeftOver);
   module.def(
       "append",
-      [](const std::string& path, nb::handle records) {
+      [](nb::handle path, nb::handle records) {
+        const std::string name = ToFileName(path);
         const BufferC buffer(records);
         if (!buffer.IsContiguous()) throw nb::value_error("the bytes have gaps");
         const nb::gil_scoped_release unlocked;
-        return SDI::GPSRecordWriterC::Append(path.c_str(),
+        return SDI::GPSRecordWriterC::Append(name.c_str(),
                                              std::span(buffer.GetBytes(), buffer.GetByteCount()));
       },
       "path"_a, "records"_a);

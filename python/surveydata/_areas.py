@@ -9,6 +9,7 @@ Distances are in metres.
 from __future__ import annotations
 
 import math
+import operator
 import os
 from pathlib import Path
 from typing import (
@@ -79,6 +80,12 @@ _DEFAULTS: AreaOptions = {
     "setting_e": 1,
 }
 _SETTINGS = tuple(_DEFAULTS)[3:]
+_LARGEST = {
+    "setting_a": 2**32 - 1,
+    "setting_b": 2**32 - 1,
+    "setting_c": 2**32 - 1,
+    "setting_e": 2**16 - 1,
+}
 _LOWEST_OF_DOME = 0.8 * math.pi
 
 
@@ -131,11 +138,16 @@ class Outline(NamedTuple):
 
 
 def _as_angles(values: ArrayLike) -> NDArray[np.float64] | NDArray[np.float32]:
-    """float32 and float64 without a copy, whatever their strides; everything else as float64."""
+    """float32 and float64 without a copy, whatever their strides; everything else as float64.
+
+    Masked values become NaN.
+    """
+    if isinstance(values, np.ma.MaskedArray):
+        values = np.ma.filled(np.ma.asarray(values, np.float64), np.nan)
     array = np.asarray(values)
     if array.dtype == np.float32 or array.dtype == np.float64:
         return array if array.dtype.isnative else array.astype(array.dtype.newbyteorder("="))
-    if array.dtype.kind == "c":
+    if array.dtype.kind in "cmM":  # complex numbers and times
         raise TypeError("angles are real numbers")
     return array.astype(np.float64)
 
@@ -307,9 +319,9 @@ class Area:
 
         `hz` and `v` are two numbers, or arrays that broadcast against each other; the result has
         their shape. Arrays of float64 and float32 are not copied, whatever their strides; others
-        are converted. The result is False for NaN and beyond 100 rad. The steps do not matter.
-        Raises ValueError with the first fault if the points do not make an area; `explain` works
-        for such an area, too.
+        are converted. The result is False for NaN, for masked values and beyond 100 rad. The steps
+        do not matter. Raises ValueError with the first fault if the points do not make an area;
+        `explain` works for such an area, too.
 
         Each call with arrays prepares the area; `prepare` does that once. Other threads can run
         during the call.
@@ -553,12 +565,8 @@ def _prepare(area: Area, many: bool) -> PreparedArea:
 def _triples(
     hz: ArrayLike, v: ArrayLike, distance: ArrayLike | None
 ) -> list[tuple[float, float, float]]:
-    columns = [np.asarray(hz, dtype=np.float64), np.asarray(v, dtype=np.float64)]
-    columns.append(
-        np.full(columns[0].shape, -1.0)
-        if distance is None
-        else np.asarray(distance, dtype=np.float64)
-    )
+    columns = [_as_angles(hz), _as_angles(v)]
+    columns.append(np.full(columns[0].shape, -1.0) if distance is None else _as_angles(distance))
     if any(column.ndim != 1 or column.shape != columns[0].shape for column in columns):
         raise ValueError("hz, v and distance need one dimension and the same length")
     return list(zip(*(column.tolist() for column in columns), strict=True))
@@ -574,6 +582,10 @@ def _fill(
     if unknown := options.keys() - _DEFAULTS.keys():
         raise TypeError(f"{type(area).__name__} has no argument {min(unknown)!r}")
     values: dict[str, Any] = {**_DEFAULTS, **options}
+    for setting, most in _LARGEST.items():
+        if not 0 <= operator.index(values[setting]) <= most:
+            raise ValueError(f"{setting}: {values[setting]} is not from 0 to {most}")
+    str.encode(values["name"])  # raises ValueError for unpaired surrogates
     area._impl = _core.AreaCore.make(
         type(area)._kind,
         points,

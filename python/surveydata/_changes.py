@@ -59,8 +59,8 @@ def set_record(
     value is given, if a value does not fit, and if there is no such measurement or its frame has no
     room for the field. Raises OSError if the file cannot be changed; it then stays as it was.
     """
-    if offset < 0:
-        raise ValueError("offset is in bytes, not below 0")
+    if not 0 <= offset < 2**64:
+        raise ValueError("offset is in bytes, not below 0, and below 2^64")
     _check(path, name, number, antenna_height)
     changes = _core.set_record(
         os.fspath(path), offset, name, number, antenna_height, slant, dry_run
@@ -124,5 +124,7 @@ def _check(
         raise ValueError("nothing to set: give name, number or antenna_height")
     if number is not None and not -(2**31) <= number < 2**31:
         raise ValueError("number is not a number of 32 bits")
+    if name is not None:
+        name.encode()  # raises ValueError for unpaired surrogates
     with Path(path).open("rb"):  # for Python's own exceptions
         pass

@@ -220,6 +220,9 @@ class RecordTable:
 
     def filter(self, keep: NDArray[np.bool_]) -> RecordTable:
         """The rows for which `keep` is true."""
+        keep = np.asarray(keep)
+        if keep.size and keep.dtype.kind not in "bO":  # not numbers: they could be indices
+            raise TypeError(f"one bool for each row is needed, not {keep.dtype}")
         keep = np.ascontiguousarray(keep, dtype=np.bool_)
         if keep.shape != (len(self),):
             raise ValueError(f"one bool for each of the {len(self)} rows is needed")
@@ -281,6 +284,8 @@ def _table(
 
 
 def _is_bytes(source: object) -> bool:
+    if isinstance(source, np.ndarray) and source.dtype.kind in "OUT":
+        return False  # paths
     try:
         memoryview(source).release()  # type: ignore[arg-type]
     except TypeError:
@@ -404,8 +409,7 @@ def read_records(
     batches: list[_core.BatchCore] = []
     sources: list[tuple[Source, int]] = []
     left_out, times_after_expiry = 0, False
-    names = list(_INFOS) if columns is None else list(columns)
-    _check_names(names)
+    names = _names_of(columns)
     for part in _each_source(source, pattern):
         rows = 0
         reader = _open(part, start, end)
@@ -433,14 +437,13 @@ def iter_batches(
     pattern: str = "*.rec",
     rows: int = BATCH_ROWS,
 ) -> Iterator[RecordTable]:
-    """The same in tables of at most `rows` rows, one at a time. The memory does not depend on the
-    sizes of the files. A table has rows of only one file.
+    """The same in tables of at most `rows` rows, and at most 2^20, one at a time. The memory does
+    not depend on the sizes of the files. A table has rows of only one file.
     """
-    names = list(_INFOS) if columns is None else list(columns)
-    _check_names(names)
+    names = _names_of(columns)
     if rows < 1:
         raise ValueError("a batch has at least one row")
-    return _iterate(source, names, where, start, end, pattern, rows)
+    return _iterate(source, names, where, start, end, pattern, min(rows, _LARGEST_BATCH))
 
 
 def _iterate(
@@ -454,6 +457,14 @@ def _iterate(
 ) -> Iterator[RecordTable]:
     for part in _each_source(source, pattern):
         yield from batches_of(_open(part, start, end), part, names, where, rows)
+
+
+def _names_of(columns: Sequence[str] | None) -> list[str]:
+    if isinstance(columns, str):
+        raise TypeError(f"columns is a list of names: [{columns!r}]")
+    names = list(_INFOS) if columns is None else list(columns)
+    _check_names(names)
+    return names
 
 
 def _check_names(names: list[str]) -> None:
@@ -498,7 +509,10 @@ def find_damage(
     the type and a possible length of a measurement, but does not begin a whole frame. The kind
     "runs into next record" may also be random bytes.
     """
-    (part,) = _each_source(source, "*.rec")
+    parts = list(_each_source(source, "*.rec"))
+    if len(parts) != 1:
+        raise ValueError(f"one file is needed, not {len(parts)}")
+    (part,) = parts
     reader = _open(part, start, end)
     found = reader.find_damage(others)
     _check(reader, part)

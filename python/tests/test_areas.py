@@ -1,6 +1,7 @@
 import copy
 import json
 import math
+import os
 import pickle
 import threading
 from pathlib import Path
@@ -185,6 +186,18 @@ def test_numbers_of_other_types_are_converted() -> None:
     assert area.contains(np.array(1.0), 1.5)
     with pytest.raises(ValueError, match="could not convert"):
         area.contains(["north"], [1.0])
+    for kind in ("M8[s]", "m8[s]"):
+        with pytest.raises(TypeError, match="real numbers"):
+            area.contains(np.array([1, 2], kind), 1.5)
+
+
+def test_masked_directions_are_outside() -> None:
+    area = sd.RectangularArea([0, 3], [1, 2], unit="rad")
+    for dtype in (np.float64, np.float32, np.int16):
+        hz = np.ma.MaskedArray(np.array([1, 2], dtype), mask=[True, False])
+        assert area.contains(hz, [1.5, 1.5]).tolist() == [False, True]
+        assert area.contains([1, 2], hz).tolist() == [False, True]
+        assert area.prepare().contains(hz, 1.5).tolist() == [False, True]
 
 
 @pytest.mark.parametrize("unit", ["rad", "deg", "gon"])
@@ -375,6 +388,10 @@ def test_points_that_do_not_match_are_refused() -> None:
         sd.PolygonArea([[1, 2]], [[1, 2]], unit="rad")
     with pytest.raises(ValueError, match="same length"):
         sd.PolygonArea([1, 2, 3], [1, 2, 3], [5], unit="rad")
+    with pytest.raises(TypeError, match="real numbers"):
+        sd.PolygonArea(np.array([1j, 2, 3]), [1, 2, 3], unit="rad")
+    masked = np.ma.MaskedArray([1, 2, 3], mask=[False, True, False])
+    assert not sd.PolygonArea(masked, [1, 1, 2], unit="rad").is_area_valid()
     with pytest.raises(TypeError, match="an area is a"):
         sd.Area()
 
@@ -408,6 +425,21 @@ def test_it_is_what_it_was_made_of() -> None:
     for value in ("hz", "hz_step", "unit", "setting_a"):
         with pytest.raises(AttributeError):
             setattr(area, value, 1)
+
+
+def test_settings_that_do_not_fit_are_refused() -> None:
+    most = {"setting_a": 2**32 - 1, "setting_b": 2**32 - 1, "setting_c": 2**32 - 1,
+            "setting_e": 2**16 - 1}  # fmt: skip
+    for name, largest in most.items():
+        for value in (0, largest, np.uint32(7)):
+            assert getattr(sd.DomeArea(unit="rad", **{name: value}), name) == value
+        for value in (-1, largest + 1, 2**100):
+            with pytest.raises(ValueError, match=f"{name}: {value} is not from 0 to {largest}"):
+                sd.DomeArea(unit="rad", **{name: value})
+        with pytest.raises(TypeError):
+            sd.DomeArea(unit="rad", **{name: 1.5})
+    with pytest.raises(ValueError, match="surrogates not allowed"):
+        sd.DomeArea(unit="rad", name="\ud800")
 
 
 def test_defaults_are_those_of_the_library() -> None:
@@ -580,6 +612,9 @@ def test_files_that_are_none(data: Path, tmp_path: Path) -> None:
         sd.read_area(tmp_path / "none.json")
     with pytest.raises(IsADirectoryError):
         sd.read_area(tmp_path)
+    named = tmp_path / os.fsdecode(b"S\xfcd.json")  # not UTF-8
+    named.write_bytes((data / "areas" / "facade.json").read_bytes())
+    assert sd.read_area(named) == sd.read_area(data / "areas" / "facade.json")
     bad = tmp_path / "bad.json"
     bad.write_text('{"kind": "circle", "unit": "deg"}')
     with pytest.raises(ValueError, match="kind"):

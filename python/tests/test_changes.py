@@ -67,6 +67,7 @@ def test_what_does_not_fit_is_refused(data: Path, tmp_path: Path) -> None:
         ("name has 18 characters; a frame holds 17", {"name": "x" * 18}),
         ("control character", {"name": "a\tb"}),
         ("beyond U\\+FFFF", {"name": "\U0001f600"}),
+        ("surrogates not allowed", {"name": "\ud800"}),
         ("32 bits", {"number": 2**31}),
         ("antenna_height must be from 0 to 1000", {"antenna_height": 1000.5}),
         ("antenna_height must be", {"antenna_height": -0.0}),
@@ -77,6 +78,8 @@ def test_what_does_not_fit_is_refused(data: Path, tmp_path: Path) -> None:
         sd.set_record(path, OFFSET + 1, number=1)
     with pytest.raises(ValueError, match="not below 0"):
         sd.set_record(path, -1, number=1)
+    with pytest.raises(ValueError, match="below 2"):
+        sd.set_record(path, 2**64, number=1)
     with pytest.raises(FileNotFoundError):
         sd.set_record(tmp_path / "none.rec", OFFSET, number=1)
     with pytest.raises(IsADirectoryError):

@@ -307,7 +307,105 @@ def test_an_exception_of_a_file_object_comes_through() -> None:
         sd.read_records(NotReady(b""))
 
 
+def test_names_of_files_are_those_of_python(data: Path, tmp_path: Path) -> None:
+    content = (data / "valley_drive.rec").read_bytes()
+    path = tmp_path / os.fsdecode(b"S\xfcd.rec")  # not UTF-8
+    path.write_bytes(content)
+    whole = sd.read_records(content)
+    assert same(sd.read_records(path), whole)
+    assert same(sd.read_records(tmp_path), whole)
+    sd.append(path, content[854:894])
+    sd.append(os.fsencode(path), content[854:894])
+    assert len(sd.read_records(str(path))) == 416
+    assert sd.set_record(path, 960, number=4321)
+    assert sd.set_records(path, number=4321).alike >= 1
+    assert list(tmp_path.iterdir()) == [path]
+    for refused in (
+        lambda name: sd.read_records(name),
+        lambda name: sd.append(name, content[854:894]),
+        lambda name: sd.set_record(name, 960, number=1),
+        lambda name: sd.set_records(name, number=1),
+    ):
+        with pytest.raises(ValueError, match="null byte"):
+            refused(f"{path}\0x")
+    with pytest.raises(FileNotFoundError):
+        sd.read_records(tmp_path / os.fsdecode(b"\xfc.rec"))
+
+
+def test_arrays_of_paths_are_paths(data: Path) -> None:
+    names = [str(data / f"{name}.rec") for name in SAMPLES]
+    whole = sd.read_records(names, ["offset"])
+    assert len(whole) == 794
+    for array in (np.array(names), np.array(names, dtype=object)):
+        assert same(sd.read_records(array, ["offset"]), whole)
+    with pytest.raises(TypeError, match=r"\['pdop'\]"):
+        sd.read_records(names[0], "pdop")
+    with pytest.raises(ValueError, match="one file is needed, not 2"):
+        sd.find_damage(names)
+
+
+def test_a_file_object_cannot_keep_the_memory_of_the_reader() -> None:
+    class Fails(io.BytesIO):
+        def read(self, _size: int | None = -1) -> bytes:
+            raise OSError(errno.EIO, "the cable")
+
+    with pytest.raises(OSError, match="the cable") as failure:
+        sd.read_records(Fails(b"x" * 100))
+    memories = []
+    place = failure.value.__traceback__
+    while place is not None:
+        memories += [m for m in place.tb_frame.f_locals.values() if isinstance(m, memoryview)]
+        place = place.tb_next
+    assert memories
+    for memory in memories:
+        with pytest.raises(ValueError, match="released"):
+            bytes(memory)
+
+
 # ----- Tables
+
+
+def test_a_batch_has_a_limit(data: Path) -> None:
+    for rows in (2**61, 2**61 + 1, 2**64):  # sizes in bytes would exceed 64 bits
+        (table,) = sd.iter_batches(data / "valley_drive.rec", ["offset"], rows=rows)
+        assert len(table) == 414
+
+
+def test_rows_are_kept_by_bools(data: Path) -> None:
+    table = sd.read_records(data / "valley_drive.rec", ["offset", "name"])
+    for numbers in (np.arange(414), np.full(414, np.nan), np.full(414, "False")):
+        with pytest.raises(TypeError, match="one bool for each row"):
+            table.filter(numbers)
+    keep = np.arange(414) % 3 == 0
+    odd = (keep * np.uint8(6)).view(np.bool_)  # true, but not 1
+    for same_rows in (keep, odd, keep.tolist(), keep.astype(object)):
+        assert same(table.filter(same_rows), table.filter(keep))
+        assert len(table.filter(same_rows)) == 138
+
+
+CHILDREN = """
+import os, signal, sys, threading
+import surveydata as sd
+
+content = open(sys.argv[1], "rb").read() * 40
+def work():
+    while True:
+        del_at_once = [sd.read_records(content, sd.FIXED_WIDTH) for _ in range(20)]
+for _ in range(2):
+    threading.Thread(target=work, daemon=True).start()
+for _ in range(8):
+    child = os.fork()
+    if child == 0:
+        signal.alarm(60)
+        os._exit(len(sd.read_records(content, sd.FIXED_WIDTH)) != 40 * 414)
+    assert os.waitpid(child, 0)[1] == 0
+os._exit(0)
+"""
+
+
+def test_child_processes_read_while_threads_read(data: Path) -> None:
+    path = data / "valley_drive.rec"
+    subprocess.run([sys.executable, "-P", "-c", CHILDREN, path], check=True)
 
 
 def test_batches_join_to_the_table(data: Path) -> None:
