@@ -390,10 +390,10 @@ import surveydata as sd
 content = open(sys.argv[1], "rb").read() * 40
 def work():
     while True:
-        del_at_once = [sd.read_records(content, sd.FIXED_WIDTH) for _ in range(20)]
+        del_at_once = [sd.read_records(content, sd.FIXED_WIDTH) for _ in range(8)]
 for _ in range(2):
     threading.Thread(target=work, daemon=True).start()
-for _ in range(8):
+for _ in range(5):
     child = os.fork()
     if child == 0:
         signal.alarm(60)
