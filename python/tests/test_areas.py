@@ -632,6 +632,8 @@ def test_the_picture_is_the_programs(data: Path) -> None:
     assert "South facade with annex" in area._repr_svg_()
     with pytest.raises(ValueError, match="larger Hz"):
         area.svg(window=(10, 50, 5, 120))
+    with pytest.raises(ValueError, match="larger Hz"):
+        area.svg(window=(0, 50, 801, 120))  # more than two turns
     with pytest.raises(ValueError, match="same length"):
         area.svg([1, 2], [1])
     assert facade()._repr_svg_().rstrip().endswith("</svg>")

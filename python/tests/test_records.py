@@ -208,6 +208,8 @@ def test_folders_and_several_files(data: Path, tmp_path: Path) -> None:
     assert len(sd.read_records(tmp_path, ["offset"], pattern="v*")) == 414
     assert len(sd.read_records([])) == 0
     assert sum(len(batch) for batch in sd.iter_batches(tmp_path, rows=100)) == 794
+    first = table.filter(np.arange(794) < 390)
+    assert [rows for _, rows in first.sources] == [380, 10]
 
 
 @given(
@@ -641,6 +643,7 @@ def test_frames_with_a_block_that_does_not_fit_are_left_out_and_counted(data: Pa
     assert "block" in damage.kind[0]
     tables = list(sd.iter_batches(bad + whole + bad + whole, ["offset"], rows=1))
     assert [table.left_out for table in tables] == [1, 1]
+    assert sd.read_records([bad + whole, whole, bad], ["offset"]).left_out == 2
 
 
 # ----- Appending
