@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Tests the extension module with the address and undefined-behaviour sanitizers. Leaks are not
 # checked here: the interpreter itself leaks, and test_objects.py measures what objects leave.
+# The sanitizer's own allocator does not survive a fork beside threads.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . python/environment.sh
@@ -20,4 +21,5 @@ LD_PRELOAD="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libubsan.s
   python -P -m pytest -q --hypothesis-profile=few \
   python/tests/test_changes.py python/tests/test_records.py \
   python/tests/test_objects.py python/tests/test_areas.py \
-  --deselect python/tests/test_objects.py::test_no_object_outlives_its_last_name "$@"
+  --deselect python/tests/test_objects.py::test_no_object_outlives_its_last_name \
+  --deselect python/tests/test_records.py::test_child_processes_read_while_threads_read "$@"
