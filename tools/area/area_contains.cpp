@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <surveydata/scanning/prepared_area.h>
@@ -23,6 +22,7 @@
 #include <output/csv_cell.h>
 #include <output/json_writer.h>
 #include <output/output.h>
+#include <platform/format.h>
 #include <platform/platform.h>
 
 namespace Tool {
@@ -199,15 +199,18 @@ class AnswerC {
   }
 
   void WriteText(std::size_t i) {
-    fmt::format_to(fmt::appender(out_.GetBuffer()), FMT_COMPILE("{:>16}  {:>16}  {}"), given_[i].hz,
-                   given_[i].v,
-                   !isInside_[i] ? "outside"
-                   : hasOthers_  ? "inside "
-                                 : "inside");
+    constexpr std::size_t kWidth = 16;
+    constexpr std::string_view kGap = "  ";
+    fmt::memory_buffer& line = out_.GetBuffer();
+    AppendNumber(line, given_[i].hz, kWidth);
+    line.append(kGap);
+    AppendNumber(line, given_[i].v, kWidth);
+    line.append(kGap);
+    line.append(std::string_view(!isInside_[i] ? "outside" : hasOthers_ ? "inside " : "inside"));
     for (std::size_t k = 0; hasOthers_ && k < columns_.size(); ++k) {
       if (!columns_[k].isCoordinate) out_.Print("  {}", ToVisible(CellOf(i, k)));
     }
-    out_.GetBuffer().push_back('\n');
+    line.push_back('\n');
     if (hasReasons_) out_.Print("{}", ReasonsText(area_.Explain(hz_[i], v_[i]), unit_, "    "));
   }
 
@@ -316,10 +319,9 @@ Command AreaContainsCommand() {
   for (CommandOption& option : DirectionFormatOptions(options->format)) {
     option.excludes = {"DIRECTION"};
     command.arguments[1].excludes.push_back(option.names.back());
-    command.options.push_back(std::move(option));
+    command.options.Add(std::move(option));
   }
-  command.options.insert(
-      command.options.end(),
+  command.options.Add(
       {{.names = {"--format"},
         .value = "text|csv|json",
         .description = "The form of the output: aligned text, the default; a CSV table; JSON Lines",

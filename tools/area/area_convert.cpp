@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include <surveydata/sphere_geometry/angles.h>
 
@@ -49,7 +48,7 @@ class AreaWriterC {
 
   void Write() {
     out_.Print("{{\n  \"kind\": \"{}\",\n  \"unit\": \"{}\"", KindName(area_), UnitName(unit_));
-    if (file_.isNamed) Member("name", nlohmann::json(file_.name).dump());
+    if (file_.isNamed) Member("name", JsonText(file_.name));
     Member("hzStep", ToUnit(area_.GetHzStep(), unit_));
     Member("vStep", ToUnit(area_.GetVStep(), unit_));
     Member("limitLow", area_.GetLimitLow(), -1.0);

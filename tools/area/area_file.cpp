@@ -372,6 +372,8 @@ AreaFile LoadAreaFile(const std::string& path) {
   }
 }
 
+std::string JsonText(const std::string& utf8) { return json(utf8).dump(); }
+
 std::string_view KindName(const SDI::ScanAreaC& area) {
   switch (area.GetType()) {
     case SDI::kRectangularArea:

@@ -35,6 +35,9 @@ struct AreaFile {
 /// \cost linear in the size of the file.
 AreaFile LoadAreaFile(const std::string& path);
 
+/// A text as JSON writes it, with its quotes.
+std::string JsonText(const std::string& utf8);
+
 /// "rectangle", "polygon" or "dome".
 std::string_view KindName(const SDI::ScanAreaC& area);
 

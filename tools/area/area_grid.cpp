@@ -2,7 +2,6 @@
 #include <memory>
 #include <string>
 
-#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <area/area_commands.h>
@@ -11,6 +10,7 @@
 #include <command_line/common_options.h>
 #include <command_line/message.h>
 #include <output/output.h>
+#include <platform/format.h>
 
 namespace Tool {
 namespace {
@@ -36,8 +36,12 @@ ExitCode Run(const Options& options) {
   OutputC out(options.output, {&options.file, 1});
   out.Print("hz,v\r\n");
   const std::uint64_t count = SweepArea(file, [&](double hz, double v) {
-    fmt::format_to(fmt::appender(out.GetBuffer()), FMT_COMPILE("{},{}\r\n"),
-                   FromRadians(hz, file.unit), FromRadians(v, file.unit));
+    fmt::memory_buffer& line = out.GetBuffer();
+    AppendNumber(line, FromRadians(hz, file.unit));
+    line.push_back(',');
+    AppendNumber(line, FromRadians(v, file.unit));
+    line.push_back('\r');
+    line.push_back('\n');
     out.FlushIfFull();
   });
   out.Close();

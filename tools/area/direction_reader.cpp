@@ -120,7 +120,7 @@ Direction RequireDirection(const std::string& text) {
   return *direction;
 }
 
-std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format) {
+CommandOptionsC DirectionFormatOptions(DirectionFormat& format) {
   return {{.names = {"--columns"},
            .value = "HZ,V",
            .description = "The columns of Hz and V in a file of directions: their names in its "

@@ -40,7 +40,7 @@ struct DirectionFormat {
 
 /// The options --columns, --separator and --no-header. The options that they require or exclude are
 /// not set.
-std::vector<CommandOption> DirectionFormatOptions(DirectionFormat& format);
+CommandOptionsC DirectionFormatOptions(DirectionFormat& format);
 
 /// Reads a table of directions, a line of at most 64 KiB at a time, in a limited amount of memory.
 ///

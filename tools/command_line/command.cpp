@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include <command_line/command.h>
 
@@ -8,14 +9,40 @@ namespace {
 
 void AddBelow(Command& command, const std::string& before) {
   command.path = before + command.name;
-  command.options.insert(command.options.begin(),
-                         {.names = {"-h", "--help"},
-                          .description = "Print this help message and exit",
-                          .isHelp = true});
+  command.options.Insert(0, {.names = {"-h", "--help"},
+                             .description = "Print this help message and exit",
+                             .isHelp = true});
   for (Command& below : command.commands) AddBelow(below, command.path + " ");
 }
 
 }  // namespace
+
+CommandOption::~CommandOption() = default;
+
+CommandOptionsC::CommandOptionsC() = default;
+CommandOptionsC::CommandOptionsC(std::initializer_list<CommandOption> options) : vector(options) {}
+CommandOptionsC::CommandOptionsC(const CommandOptionsC&) = default;
+CommandOptionsC::CommandOptionsC(CommandOptionsC&&) noexcept = default;
+CommandOptionsC& CommandOptionsC::operator=(const CommandOptionsC&) = default;
+CommandOptionsC& CommandOptionsC::operator=(CommandOptionsC&&) noexcept = default;
+CommandOptionsC::~CommandOptionsC() = default;
+
+void CommandOptionsC::Add(CommandOption option) { push_back(std::move(option)); }
+
+void CommandOptionsC::Add(const CommandOptionsC& options) {
+  insert(end(), options.begin(), options.end());
+}
+
+void CommandOptionsC::Insert(std::size_t index, CommandOption option) {
+  insert(begin() + static_cast<std::ptrdiff_t>(index), std::move(option));
+}
+
+Command::Command() = default;
+Command::Command(const Command&) = default;
+Command::Command(Command&&) noexcept = default;
+Command& Command::operator=(const Command&) = default;
+Command& Command::operator=(Command&&) noexcept = default;
+Command::~Command() = default;
 
 std::string CommandOption::Extension() const {
   const std::size_t dot = value.rfind('.');

@@ -1,7 +1,9 @@
 #ifndef SURVEYDATA_TOOLS_COMMAND_LINE_COMMAND_H_
 #define SURVEYDATA_TOOLS_COMMAND_LINE_COMMAND_H_
 
+#include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -38,11 +40,31 @@ struct CommandOption {
   /// Words that can occur in the value, of letters, digits and underscores; completed in it.
   std::vector<std::string> words = {};
 
+  ~CommandOption();
+
   /// Whether the value is the name of a file: the help calls it or its argument FILE or OUT, or
   /// gives it an extension, e.g. AREA.json.
   bool IsFile() const;
   /// That of the files, e.g. ".json"; empty for any.
   std::string Extension() const;
+};
+
+/// Options or arguments. Its members are compiled once, not in the file of each command, which
+/// takes a second for each.
+class CommandOptionsC : public std::vector<CommandOption> {
+ public:
+  CommandOptionsC();
+  CommandOptionsC(std::initializer_list<CommandOption> options);
+  CommandOptionsC(const CommandOptionsC&);
+  CommandOptionsC(CommandOptionsC&&) noexcept;
+  CommandOptionsC& operator=(const CommandOptionsC&);
+  CommandOptionsC& operator=(CommandOptionsC&&) noexcept;
+  ~CommandOptionsC();
+
+  void Add(CommandOption option);
+  void Add(const CommandOptionsC& options);
+  /// Before the one at this index.
+  void Insert(std::size_t index, CommandOption option);
 };
 
 /// A group of commands in the manual page.
@@ -53,12 +75,19 @@ struct CommandTask {
 
 /// A command with its subcommands: it has those, or can be run.
 struct Command {
+  Command();
+  Command(const Command&);
+  Command(Command&&) noexcept;
+  Command& operator=(const Command&);
+  Command& operator=(Command&&) noexcept;
+  ~Command();
+
   std::string path;  ///< The words that call it, e.g. "surveydata record list".
   std::string name;  ///< The last of them.
   std::string description;
   std::string footer;
-  std::vector<CommandOption> options;
-  std::vector<CommandOption> arguments;  ///< In their order.
+  CommandOptionsC options;
+  CommandOptionsC arguments;  ///< In their order.
   std::vector<Command> commands;
   std::vector<CommandTask> tasks = {};  ///< Of the program, in the order of the manual page.
   std::function<ExitCode()> run;

@@ -41,7 +41,7 @@ std::string Patterns(const std::vector<std::string>& texts, std::string_view bet
   std::vector<std::string> quoted;
   quoted.reserve(texts.size());
   for (const std::string& text : texts) quoted.push_back(Quoted(text));
-  return fmt::format("{}", fmt::join(quoted, between));
+  return Joined(quoted, between);
 }
 
 std::vector<std::string> OptionNames(const Command& command) {
@@ -115,8 +115,7 @@ class ZshSpecC {
       if (!option.isRepeatable && option.names.size() > 1) excluded = option.names;
       for (const std::string& name : option.excludes) excluded.push_back(Excluded(name));
     }
-    const std::string before =
-        excluded.empty() ? "" : fmt::format("({})", fmt::join(excluded, " "));
+    const std::string before = excluded.empty() ? "" : fmt::format("({})", Joined(excluded, " "));
     std::string lines;
     for (const std::string& name : option.names) {
       std::string spec = fmt::format("{}{}{}", before, option.isRepeatable ? "*" : "", name);
@@ -144,7 +143,7 @@ class ZshSpecC {
     const std::string action = !option.words.empty() ? fmt::format(
                                                            "{{compset -P \"*[^a-zA-Z0-9_]\"; "
                                                            "compadd -S \"\" -- {}}}",
-                                                           fmt::join(option.words, " "))
+                                                           Joined(option.words, " "))
                                : pattern.empty() ? " "
                                : pattern == "*"  ? "_files"
                                                  : fmt::format("_files -g \"{}\"", pattern);
@@ -175,8 +174,7 @@ std::string BashCompletion(const Command& top) {
       if (!option.IsFile() && option.words.empty()) continue;
       Append(values, "      {})\n        {}={}\n        ;;\n", Patterns(Calls(*command, option)),
              option.IsFile() ? "files" : "parts",
-             option.IsFile() ? Quoted(FilePattern(option))
-                             : Quoted(fmt::format("{}", fmt::join(option.words, " "))));
+             option.IsFile() ? Quoted(FilePattern(option)) : Quoted(Joined(option.words, " ")));
     }
     std::vector<std::string> files;
     for (const CommandOption& argument : command->arguments) {
@@ -185,8 +183,8 @@ std::string BashCompletion(const Command& top) {
     Append(commands,
            "      {})\n        words={}\n        options={}\n        arguments=({})\n{}"
            "        ;;\n",
-           Quoted(command->path), Quoted(fmt::format("{}", fmt::join(CommandNames(*command), " "))),
-           Quoted(fmt::format("{}", fmt::join(OptionNames(*command), " "))), fmt::join(files, " "),
+           Quoted(command->path), Quoted(Joined(CommandNames(*command), " ")),
+           Quoted(Joined(OptionNames(*command), " ")), Joined(files, " "),
            EndsInFiles(*command) ? "        files_go_on=1\n" : "");
   }
   return fmt::format(R"(# Completes the commands of {0} in bash. Made from the program.
@@ -290,7 +288,7 @@ std::string ZshCompletion(const Command& top) {
   return ret
 }}
 )",
-           function, specs, names, fmt::join(CommandNames(*command), " | "));
+           function, specs, names, Joined(CommandNames(*command), " | "));
   }
   Append(out, "\n{} \"$@\"\n", ZshFunction(top));
   return out;
@@ -344,7 +342,7 @@ complete -c {0} -f
                   top.name, Patterns(Paths(top), " "), Patterns(CallsWithValue(top), " "));
   const auto values = [&top](const CommandOption& option) -> std::string {
     if (!option.words.empty()) {
-      return fmt::format(" -x -a '(__{}_parts {})'", top.name, fmt::join(option.words, " "));
+      return fmt::format(" -x -a '(__{}_parts {})'", top.name, Joined(option.words, " "));
     }
     return option.value.empty() ? "" : option.IsFile() ? " -r -F" : " -x";
   };

@@ -132,7 +132,7 @@ class PageC {
     std::string text = option.description;
     if (option.isRequired) text += " (required)";
     if (!option.excludes.empty()) {
-      text += fmt::format("; excludes {}", fmt::join(option.excludes, ", "));
+      text += fmt::format("; excludes {}", Joined(option.excludes, ", "));
     }
     Text(text + ".");
   }

@@ -12,15 +12,12 @@
 #include <command_line/exit_code.h>
 #include <command_line/parser.h>
 #include <command_line/suggestion.h>
+#include <platform/format.h>
 
 // The only file that includes CLI11, which takes seconds to compile.
 
 namespace Tool {
 namespace {
-
-std::string Joined(const std::vector<std::string>& names) {
-  return fmt::format("{}", fmt::join(names, ","));
-}
 
 // CLI11 understands "--" only before the first argument of a command. The words after it that begin
 // with a dash are given to it with this mark before them, and without the "--".
@@ -48,7 +45,7 @@ std::string WithoutMarks(std::string text) {
 }
 
 void AddOption(CLI::App& app, const CommandOption& option) {
-  const std::string names = Joined(option.names);
+  const std::string names = Joined(option.names, ",");
   if (option.isHelp) {
     app.set_help_flag(names, option.description);
     return;
@@ -153,11 +150,11 @@ std::string ExplainArgument(const CLI::App& app, const std::string& word) {
   }
   return fmt::format(
       "'{}' is one argument too many: {} takes {}", word, PathOf(app),
-      arguments.empty() ? "none" : fmt::format("one {}", fmt::join(arguments, ", one ")));
+      arguments.empty() ? "none" : fmt::format("one {}", Joined(arguments, ", one ")));
 }
 
 std::string ExplainCommand(const CLI::App& app, const std::string& what) {
-  return fmt::format("{}: {} has {}", what, app.get_name(), fmt::join(CommandNames(app), ", "));
+  return fmt::format("{}: {} has {}", what, app.get_name(), Joined(CommandNames(app), ", "));
 }
 
 // The word that no command, option or argument accepts; empty if there is none.

@@ -1,12 +1,13 @@
 #include <cmath>
 
-#include <fmt/compile.h>
-
 #include <command_line/text.h>
 #include <output/json_writer.h>
+#include <platform/format.h>
 
 namespace Tool {
 namespace {
+
+constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 // The short escape of `unit` in JSON, or 0.
 char ShortEscape(char16_t unit) {
@@ -31,7 +32,6 @@ char ShortEscape(char16_t unit) {
 }
 
 void AppendEscaped(fmt::memory_buffer& out, char16_t unit) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   if (const char escape = ShortEscape(unit); escape != 0) {
     out.push_back('\\');
     out.push_back(escape);
@@ -40,10 +40,10 @@ void AppendEscaped(fmt::memory_buffer& out, char16_t unit) {
   } else {
     const char escaped[] = {'\\',
                             'u',
-                            kDigits[unit >> 12],
-                            kDigits[(unit >> 8) & 0xFu],
-                            kDigits[(unit >> 4) & 0xFu],
-                            kDigits[unit & 0xFu]};
+                            kHexDigits[unit >> 12],
+                            kHexDigits[(unit >> 8) & 0xFu],
+                            kHexDigits[(unit >> 4) & 0xFu],
+                            kHexDigits[unit & 0xFu]};
     out.append(escaped, escaped + sizeof(escaped));
   }
 }
@@ -53,7 +53,7 @@ void AppendEscaped(fmt::memory_buffer& out, char16_t unit) {
 void JsonWriterC::Write(double value) {
   if (!std::isfinite(value)) return Raw("null");
   const std::size_t start = out_.size();
-  fmt::format_to(fmt::appender(out_), FMT_COMPILE("{}"), value);
+  AppendNumber(out_, value);
   const std::string_view digits(out_.data() + start, out_.size() - start);
   const bool isWhole = digits.find_first_not_of("-0123456789") == std::string_view::npos;
   if (isWhole) Raw(".0");
@@ -85,7 +85,9 @@ void JsonWriterC::Write(std::string_view utf8) {
 void JsonWriterC::Write(HexBytes value) {
   out_.push_back('"');
   for (const char byte : value.bytes) {
-    fmt::format_to(fmt::appender(out_), FMT_COMPILE("{:02x}"), static_cast<unsigned char>(byte));
+    const auto bits = static_cast<unsigned char>(byte);
+    out_.push_back(kHexDigits[bits >> 4]);
+    out_.push_back(kHexDigits[bits & 0xF]);
   }
   out_.push_back('"');
 }

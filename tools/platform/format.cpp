@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <iterator>
 
+#include <fmt/compile.h>
 #ifdef SURVEYDATA_COMPILE_FMT
 #include <fmt/format-inl.h>
 #endif
@@ -30,6 +32,52 @@ void AppendFormatted(std::string& out, fmt::string_view format, fmt::format_args
 
 void AppendFormatted(fmt::memory_buffer& out, fmt::string_view format, fmt::format_args args) {
   fmt::vformat_to(fmt::appender(out), format, args);
+}
+
+void AppendNumber(fmt::memory_buffer& out, double number, std::size_t width) {
+  const std::size_t start = out.size();
+  fmt::format_to(fmt::appender(out), FMT_COMPILE("{}"), number);
+  const std::size_t size = out.size() - start;
+  if (size >= width) return;
+  out.resize(start + width);
+  char* const cell = out.data() + start;
+  std::copy_backward(cell, cell + size, cell + width);
+  std::fill_n(cell, width - size, ' ');
+}
+
+void AppendNumber(fmt::memory_buffer& out, float number) {
+  fmt::format_to(fmt::appender(out), FMT_COMPILE("{}"), number);
+}
+
+std::string Joined(std::span<const std::string> texts, std::string_view between) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    if (&text != texts.data()) joined += between;
+    joined += text;
+  }
+  return joined;
+}
+
+std::string Joined(std::span<const std::uint16_t> numbers, std::string_view between) {
+  std::string joined;
+  for (const std::uint16_t& number : numbers) {
+    if (&number != numbers.data()) joined += between;
+    const fmt::format_int digits(number);
+    joined.append(digits.data(), digits.size());
+  }
+  return joined;
+}
+
+std::string SpacedHex(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string hex;
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    if (!hex.empty()) hex += ' ';
+    hex += kDigits[value >> 4];
+    hex += kDigits[value & 0xF];
+  }
+  return hex;
 }
 
 }  // namespace Tool

@@ -73,7 +73,7 @@ std::string ToText(const Value& value) {
         } else if constexpr (std::is_same_v<Held, std::string_view>) {
           return fmt::format("\"{}\"", ToVisible(held));
         } else if constexpr (std::is_same_v<Held, std::span<const std::uint16_t>>) {
-          return fmt::format("{}", fmt::join(held, " "));
+          return Joined(held, " ");
         } else {
           return fmt::format("{}", held);
         }

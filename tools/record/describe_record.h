@@ -11,7 +11,7 @@
 #include <record/decoded_record.h>
 
 /// \file
-/// The only description of the fields of a measurement record, used for JSON, CSV and text. The
+/// The only description of the fields of a measurement record, used for JSON and text. The
 /// type of a value defines its meaning; each writer decides its format.
 
 namespace Tool {

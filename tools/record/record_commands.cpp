@@ -38,15 +38,15 @@ CommandOption OffsetOption(FrameOffset& offset) {
       .isRequired = true};
 }
 
-void AddOffsetOrFilters(Command& command, FrameOffset& offset, std::vector<CommandOption> filters) {
+void AddOffsetOrFilters(Command& command, FrameOffset& offset, CommandOptionsC filters) {
   CommandOption option = OffsetOption(offset);
   option.isRequired = false;
   for (CommandOption& filter : filters) {
     filter.excludes = {"--offset"};
     option.excludes.push_back(filter.names.front());
   }
-  command.options.insert(command.options.begin(), std::move(option));
-  command.options.insert(command.options.end(), filters.begin(), filters.end());
+  command.options.Insert(0, std::move(option));
+  command.options.Add(filters);
 }
 
 Command RecordCommands() {

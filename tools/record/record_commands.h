@@ -41,7 +41,7 @@ CommandOption FileArgument(std::string& file, bool mayBeInput = true);
 CommandOption OffsetOption(FrameOffset& offset);
 
 /// Gives a command --offset and `filters`, which exclude each other.
-void AddOffsetOrFilters(Command& command, FrameOffset& offset, std::vector<CommandOption> filters);
+void AddOffsetOrFilters(Command& command, FrameOffset& offset, CommandOptionsC filters);
 
 }  // namespace Tool
 

@@ -96,7 +96,7 @@ bool RecordFileOptions::AreMany() const {
 std::string RecordFile::Title() const { return IsStandardInput(name) ? "standard input" : name; }
 
 void AddNamesOptions(Command& command, RecordFileOptions& options) {
-  command.arguments.push_back(
+  command.arguments.Add(
       {.names = {"FILE"},
        .value = "TEXT",
        .description = "Record files, - for standard input, and folders, of which the files *.rec "
@@ -110,14 +110,14 @@ void AddNamesOptions(Command& command, RecordFileOptions& options) {
            },
        .isRequired = true,
        .isRepeatable = true});
-  command.options.push_back({.names = {"-r", "--recursive"},
-                             .description = "Read the folders below a folder, too",
-                             .flag = &options.isRecursive});
+  command.options.Add({.names = {"-r", "--recursive"},
+                       .description = "Read the folders below a folder, too",
+                       .flag = &options.isRecursive});
 }
 
 void AddFileOptions(Command& command, RecordFileOptions& options) {
   AddNamesOptions(command, options);
-  command.options.push_back(
+  command.options.Add(
       {.names = {"-j", "--jobs"},
        .value = "N",
        .description = "Work in N threads, as many as there are processors by default: the output "

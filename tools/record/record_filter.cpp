@@ -52,7 +52,7 @@ std::string RecordFilter::NoneIn(std::string_view file) const {
   return fmt::format("{} holds no measurement{}", file, TakesAll() ? "" : " that the filters take");
 }
 
-std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter) {
+CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter) {
   return {
       TimeOption("--from",
                  "Only measurements from this time on: GPS time such as "
@@ -77,13 +77,12 @@ std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter) {
 }
 
 void AddFilterOptions(Command& command, RecordFilter& filter) {
-  const std::vector<CommandOption> options = FilterOptions(filter);
-  command.options.insert(command.options.end(), options.begin(), options.end());
+  command.options.Add(FilterOptions(filter));
 }
 
-std::vector<CommandOption> FilterOptions(RecordFilter& filter) {
-  std::vector<CommandOption> options = FilterOptionsWithoutName(filter);
-  options.insert(options.begin() + 2,
+CommandOptionsC FilterOptions(RecordFilter& filter) {
+  CommandOptionsC options = FilterOptionsWithoutName(filter);
+  options.Insert(2,
                  {.names = {"--name"},
                   .value = "NAME",
                   .description = "Only measurements of this name: several times for several names",

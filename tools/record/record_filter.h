@@ -30,9 +30,9 @@ struct RecordFilter {
 /// Gives a command --from, --to, --name, --where and --every. `filter` must outlive the parsing.
 void AddFilterOptions(Command& command, RecordFilter& filter);
 /// These options.
-std::vector<CommandOption> FilterOptions(RecordFilter& filter);
+CommandOptionsC FilterOptions(RecordFilter& filter);
 /// Those without --name, for a command that has a --name of its own.
-std::vector<CommandOption> FilterOptionsWithoutName(RecordFilter& filter);
+CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter);
 
 /// Applies a filter to the measurements of one file.
 class RecordSieveC {

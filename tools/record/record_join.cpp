@@ -26,7 +26,7 @@ Command RecordJoinCommand() {
   command.description = kDescription;
   command.footer = "Example:\n  surveydata record join --recursive . -o joined.rec";
   AddNamesOptions(command, options->files);
-  command.options.push_back(RecordOutputOption(options->output));
+  command.options.Add(RecordOutputOption(options->output));
   AddFilterOptions(command, options->filter);
   command.run = [options] { return JoinRecords(*options); };
   return command;

@@ -285,8 +285,8 @@ Command RecordSetCommand() {
       {.names = {"--dry-run"},
        .description = "Print the bytes that would change, and leave the file as it is",
        .flag = &options->isDryRun}};
-  std::vector<CommandOption> filters = FilterOptionsWithoutName(options->filter);
-  filters.push_back(
+  CommandOptionsC filters = FilterOptionsWithoutName(options->filter);
+  filters.Add(
       {.names = {"--all"}, .description = "All measurements of the file", .flag = &options->isAll});
   AddOffsetOrFilters(command, options->offset, std::move(filters));
   command.run = [options] { return Run(*options); };

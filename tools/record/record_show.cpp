@@ -71,7 +71,7 @@ void WriteBytes(fmt::memory_buffer& out, std::uint64_t offset,
   for (const FrameField& field : ExplainFrame(frame)) {
     for (std::size_t i = 0; i < field.size; i += kPerLine) {
       const auto bytes = frame.subspan(field.at + i, std::min(kPerLine, field.size - i));
-      const std::string hex = fmt::format("{:02x}", fmt::join(bytes, " "));
+      const std::string hex = SpacedHex(ToView(bytes));
       if (i > 0) {
         Append(out, "{:>10}  {}\n", offset + field.at + i, hex);
       } else {

@@ -38,11 +38,7 @@ std::string ShowWriterC::Told(std::u16string_view text) {
 }
 
 std::string ShowWriterC::Told(HexBytes value) {
-  std::string told;
-  for (const char byte : value.bytes) {
-    told += fmt::format("{}{:02x}", told.empty() ? "" : " ", static_cast<unsigned char>(byte));
-  }
-  return told.empty() ? "-" : told;
+  return value.bytes.empty() ? "-" : SpacedHex(value.bytes);
 }
 
 std::string ShowWriterC::Told(TimeOfWeek value) { return Seconds(value.milliseconds); }
@@ -70,7 +66,7 @@ std::string ShowWriterC::Told(const Pair& pair) {
 }
 
 std::string ShowWriterC::Told(std::span<const std::uint16_t> values) {
-  return values.empty() ? "-" : fmt::format("{}", fmt::join(values, " "));
+  return values.empty() ? "-" : Joined(values, " ");
 }
 
 }  // namespace Tool
