@@ -13,7 +13,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 if ! { cmake --preset release -B build/demo -D SURVEYDATA_BUILD_TESTS=OFF \
          -D SURVEYDATA_BUILD_BENCHMARKS=OFF -D SURVEYDATA_BUILD_EXAMPLES=OFF \
-         -D SURVEYDATA_LTO=OFF -D CMAKE_CXX_FLAGS_RELEASE="-O1 -DNDEBUG" \
+         -D SURVEYDATA_LTO=OFF -D SURVEYDATA_UNITY=ON -D CMAKE_CXX_FLAGS_RELEASE="-O1 -DNDEBUG" \
          -D SURVEYDATA_WARNINGS_AS_ERRORS=OFF &&
        cmake --build build/demo --target surveydata_tool; } >"$log" 2>&1; then
   cat "$log" >&2

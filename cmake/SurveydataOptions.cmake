@@ -14,6 +14,8 @@ option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, with g++"
   ${SURVEYDATA_CAN_LTO})
+option(SURVEYDATA_UNITY "Compile the sources of a folder of the library and of drawings as one, which takes
+  half the time if all of them are built" OFF)
 set(SURVEYDATA_PAGE "" CACHE FILEPATH
   "The page for the browser, which `./test.sh --page` builds; installed with the program")
 set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined")
@@ -46,6 +48,20 @@ endif()
 if(SURVEYDATA_SANITIZE)
   set(SURVEYDATA_OPTIMISED $<$<CONFIG:Debug>:-O1>)
 endif()
+
+# surveydata_unity(<target>): compiles the sources of each folder of the target as one, if the option
+# SURVEYDATA_UNITY is on. Names without linkage must then be unique in a folder.
+function(surveydata_unity target)
+  if(NOT SURVEYDATA_UNITY)
+    return()
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    get_filename_component(folder ${source} DIRECTORY)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder})
+  endforeach()
+endfunction()
 
 # The warnings enabled for every source of the project. Tests and tools may assume 64-bit sizes; the
 # library may not, so it is compiled with -Wconversion on every platform.

@@ -10,8 +10,6 @@
 namespace SDI {
 namespace {
 
-using Rule = AreaFault::Rule;
-
 constexpr std::size_t kMostCrossings = 8;
 
 // In the order of the enumerators, which start at 1.
@@ -21,7 +19,7 @@ constexpr const char* kRules[] = {
     "two points are equal",         "both corners have the same Hz",
     "both corners have the same V", "edges cross",
 };
-static_assert(std::size(kRules) == static_cast<std::size_t>(Rule::kCrossingEdges));
+static_assert(std::size(kRules) == static_cast<std::size_t>(AreaFault::Rule::kCrossingEdges));
 
 class FaultFinderC {
  public:
@@ -44,20 +42,20 @@ class FaultFinderC {
   }
 
  private:
-  void Report(Rule rule) { faults_.push_back({.rule = rule}); }
-  void Report(Rule rule, std::size_t first, std::size_t second = AreaFault::kNone) {
+  void Report(AreaFault::Rule rule) { faults_.push_back({.rule = rule}); }
+  void Report(AreaFault::Rule rule, std::size_t first, std::size_t second = AreaFault::kNone) {
     faults_.push_back({.rule = rule, .points = {first, second}});
   }
 
   void CheckSteps() {
-    if (!(area_.GetHzStep() > 0)) Report(Rule::kHzStepNotPositive);
-    if (!(area_.GetVStep() > 0)) Report(Rule::kVStepNotPositive);
+    if (!(area_.GetHzStep() > 0)) Report(AreaFault::Rule::kHzStepNotPositive);
+    if (!(area_.GetVStep() > 0)) Report(AreaFault::Rule::kVStepNotPositive);
   }
 
   void CheckCount() {
     const std::size_t count = points_.size();
     const bool isGood = area_.GetType() == kRectangularArea ? count == 2 : count >= 3;
-    if (!isGood) Report(Rule::kPointCount);
+    if (!isGood) Report(AreaFault::Rule::kPointCount);
   }
 
   // A V beyond half a turn has been replaced by the same direction in the first face.
@@ -65,7 +63,7 @@ class FaultFinderC {
     for (std::size_t i = 0; i < corners_.size(); ++i) {
       const bool isGood = GMAT::InRange(corners_[i].Hz, 0.0, GMAT::TWO_PI) &&
                           GMAT::InRange(corners_[i].V, 0.0, GMAT::PI);
-      if (!isGood) Report(Rule::kPointOutOfRange, i);
+      if (!isGood) Report(AreaFault::Rule::kPointOutOfRange, i);
     }
   }
 
@@ -86,7 +84,7 @@ class FaultFinderC {
     });
     for (std::size_t k = 1; k < order.size(); ++k) {
       if (corners_[order[k - 1]] == corners_[order[k]]) {
-        Report(Rule::kEqualPoints, order[k - 1], order[k]);
+        Report(AreaFault::Rule::kEqualPoints, order[k - 1], order[k]);
       }
     }
     if (area_.GetType() == kRectangularArea && points_.size() != 2) return;
@@ -94,7 +92,7 @@ class FaultFinderC {
       const std::size_t next = (i + 1) % points_.size();
       if (points_.size() < 2 || !(points_[i] == points_[next])) continue;
       if (!(corners_[i] == corners_[next])) {
-        Report(Rule::kEqualPoints, std::min(i, next), std::max(i, next));
+        Report(AreaFault::Rule::kEqualPoints, std::min(i, next), std::max(i, next));
       }
       if (points_.size() == 2) break;
     }
@@ -102,8 +100,8 @@ class FaultFinderC {
 
   void CheckSides() {
     if (points_.size() != 2) return;
-    if (points_[0].GetHz() - points_[1].GetHz() == 0.0) Report(Rule::kEqualHz, 0, 1);
-    if (points_[0].GetV() - points_[1].GetV() == 0.0) Report(Rule::kEqualV, 0, 1);
+    if (points_[0].GetHz() - points_[1].GetHz() == 0.0) Report(AreaFault::Rule::kEqualHz, 0, 1);
+    if (points_[0].GetV() - points_[1].GetV() == 0.0) Report(AreaFault::Rule::kEqualV, 0, 1);
   }
 
   void FindCrossings() {
@@ -111,7 +109,7 @@ class FaultFinderC {
     double hzOrigin = 0.0;
     area_.GetSphereArea().BuildEdgeList(edges, hzOrigin);
     for (const GMAT::EdgeCrossing& crossing : GMAT::FindEdgeCrossings(edges, kMostCrossings)) {
-      faults_.push_back({.rule = Rule::kCrossingEdges,
+      faults_.push_back({.rule = AreaFault::Rule::kCrossingEdges,
                          .edges = {crossing.first, crossing.second},
                          .hz = GMAT::NormalizeAngle(crossing.at.Hz + hzOrigin),
                          .v = crossing.at.V});

@@ -10,11 +10,6 @@ constexpr double kSamePlane = 1e-10;
 
 double Length(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
 
-cVec3 Cross(const cVec3& a, const cVec3& b) {
-  return {a.Y() * b.Z() - a.Z() * b.Y(), a.Z() * b.X() - a.X() * b.Z(),
-          a.X() * b.Y() - a.Y() * b.X()};
-}
-
 bool IsBetween(double x, double end1, double end2) {
   return InRange(x, std::min(end1, end2), std::max(end1, end2));
 }

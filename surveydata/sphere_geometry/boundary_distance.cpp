@@ -57,11 +57,6 @@ double AccurateSin(const ExactSum& angle) { return AccurateCosSin(angle).sine; }
 
 double Dot(const cVec3& a, const cVec3& b) { return a.X() * b.X() + a.Y() * b.Y() + a.Z() * b.Z(); }
 
-cVec3 Cross(const cVec3& a, const cVec3& b) {
-  return {a.Y() * b.Z() - a.Z() * b.Y(), a.Z() * b.X() - a.X() * b.Z(),
-          a.X() * b.Y() - a.Y() * b.X()};
-}
-
 double Length(double x, double y) { return std::sqrt(x * x + y * y); }
 double Length(const cVec3& a) { return std::sqrt(Dot(a, a)); }
 

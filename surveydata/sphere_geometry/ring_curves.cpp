@@ -1,12 +1,8 @@
-#include <limits>
-
 #include <surveydata/sphere_geometry/area_edges.h>
 #include <surveydata/sphere_geometry/ring_curves.h>
 
 namespace GMAT {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // t of a direction. It falls from infinity at the zenith to -infinity at the nadir, and does not
 // change beyond the poles.

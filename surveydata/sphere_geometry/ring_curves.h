@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include <surveydata/sphere_geometry/area_frame.h>
@@ -16,6 +17,8 @@
 /// great circle is a sinusoid.
 
 namespace GMAT {
+
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The amplitude of the sinusoid a cos(x) + b sin(x).
 inline double Swing(double a, double b) { return std::sqrt(a * a + b * b); }

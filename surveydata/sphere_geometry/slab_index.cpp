@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include <surveydata/sphere_geometry/area_rules.h>
@@ -11,7 +10,6 @@
 namespace GMAT {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // Narrower frames get columns as if they were this wide.
 constexpr double kMinWidth = 1e-3;
 // A frame that lacks less than this of a full turn counts as a full turn.

@@ -64,6 +64,12 @@ class cVec3 : public VectorC<cVec3, 3> {
   void Scale(double d);
 };
 
+/// The vector product.
+inline cVec3 Cross(const cVec3& a, const cVec3& b) {
+  return {a.Y() * b.Z() - a.Z() * b.Y(), a.Z() * b.X() - a.X() * b.Z(),
+          a.X() * b.Y() - a.Y() * b.X()};
+}
+
 class cVec4 : public VectorC<cVec4, 4> {
  public:
   static constexpr const char* kIllegalAccess = "cVec4 [] operator: illegal access";

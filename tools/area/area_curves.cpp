@@ -20,7 +20,7 @@ Curve ThroughPole(const AnglePointC& other, const AnglePointC& pole, bool isReve
 }
 
 // The arc, parameterised by the fraction of the angle between its ends.
-Curve Arc(const AnglePointC& a, const AnglePointC& b) {
+Curve ArcOf(const AnglePointC& a, const AnglePointC& b) {
   const auto isPole = [](const AnglePointC& p) { return GMAT::IsPole(GMAT::HALF_PI - p.V); };
   if (isPole(b)) return ThroughPole(a, b, false);
   if (isPole(a)) return ThroughPole(b, a, true);
@@ -99,7 +99,7 @@ std::vector<EdgeCurve> MakeEdges(const AreaFile& file, const std::vector<AreaFau
     const bool isArc =
         isStraight || GMAT::GreatCircleArcC(GMAT::SpherePointC(a), GMAT::SpherePointC(b)).IsValid();
     const bool isFaulty = faulty.contains(i / 2 + 1);
-    curves.push_back({isStraight || !isArc ? Straight(a, b) : Arc(a, b), isArc, isFaulty});
+    curves.push_back({isStraight || !isArc ? Straight(a, b) : ArcOf(a, b), isArc, isFaulty});
   }
   return curves;
 }  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it loses track of a moved std::function

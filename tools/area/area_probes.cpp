@@ -7,7 +7,7 @@ namespace Tool {
 namespace {
 
 constexpr double kCell = 2;  // pixels
-constexpr std::size_t kMostRuns = 8'000;
+constexpr std::size_t kMostProbeRuns = 8'000;
 
 RasterC PlaneRaster() { return RasterC({kPlaneLeft, kPlaneTop}, kPlaneWidth, kPlaneHeight, kCell); }
 RasterC PolarRaster() {
@@ -49,8 +49,8 @@ void AreaProbesC::DrawInPolar(SvgC& svg) const {
 
 // If a cell has both marks, the one for outside is visible.
 void AreaProbesC::Draw(SvgC& svg, const Rasters& rasters) {
-  rasters.inside.Draw(svg, kInsideProbe, kMostRuns);
-  rasters.outside.Draw(svg, kOutsideProbe, kMostRuns);
+  rasters.inside.Draw(svg, kInsideProbe, kMostProbeRuns);
+  rasters.outside.Draw(svg, kOutsideProbe, kMostProbeRuns);
 }
 
 }  // namespace Tool

@@ -6,7 +6,7 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t kMostPoints = 10'000;
-constexpr std::size_t kMostRuns = 6'000;
+constexpr std::size_t kMostStrokeRuns = 6'000;
 constexpr double kNear = 0.5;  // pixels
 
 double Distance(SvgPoint a, SvgPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
@@ -51,7 +51,7 @@ void RingDrawingC::Mark(const std::vector<SvgPoint>& points, const SvgStroke& st
 
 void RingDrawingC::Draw(SvgC& svg) const {
   if (isRaster_) {
-    for (const Marks& marks : marks_) marks.raster.Draw(svg, marks.stroke->colour, kMostRuns);
+    for (const Marks& marks : marks_) marks.raster.Draw(svg, marks.stroke->colour, kMostStrokeRuns);
     return;
   }
   for (const Line& line : lines_) svg.Polyline(line.points, *line.stroke);
