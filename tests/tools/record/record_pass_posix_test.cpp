@@ -1,0 +1,58 @@
+// The progress bar of several files, as a terminal shows it.
+
+#include <algorithm>
+#include <cstddef>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/tools/program.h"
+#include "tests/tools/terminal.h"
+
+namespace {
+
+// Three files of 4 MiB, with pipes between them that delay the program: the bar is shown after half
+// a second. The pipes are opened when the program reads them.
+TEST(RecordProgress, IsOneBarForAllFiles) {
+  const TerminalC terminal;
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  constexpr std::size_t kSize = std::size_t{4} << 20;
+  const TempFolderC folder;
+  const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
+  Bytes bytes;
+  while (bytes.size() < kSize) bytes.insert(bytes.end(), sample.begin(), sample.end());
+  bytes.resize(kSize);
+  for (const char* const name : {"a.rec", "b.rec", "c.rec"}) WriteBytes(folder / name, bytes);
+  for (const char* const jobs : {"1", "2"}) {
+    SCOPED_TRACE(jobs);
+    const Outcome outcome = RunShell(
+        "mkfifo one two;"
+        "(exec 3>one; sleep 0.7; exec 3>&-; exec 3>two; sleep 0.4; exec 3>&-) &"
+        "surveydata record check a.rec one b.rec two c.rec --jobs " +
+            std::string(jobs) + " 2>" + terminal.Name() + "; rm one two",
+        folder.Path().string());
+    EXPECT_EQ(Lines(outcome.out).size(), 6U);
+    const std::string shown = terminal.Read();
+    const std::regex bar(R"(\r\[(#*) *\] +(\d+)%  (\d+) of (\d+) MiB)");
+    std::size_t bars = 0;
+    int last = 0;
+    for (std::sregex_iterator it(shown.begin(), shown.end(), bar), end; it != end; ++it, ++bars) {
+      EXPECT_EQ((*it)[4], "12");
+      const int percent = std::stoi((*it)[2]);
+      EXPECT_GE(percent, last) << shown;
+      // All are rounded down.
+      EXPECT_NEAR(static_cast<double>((*it)[1].length()), percent * 0.4, 1);
+      EXPECT_NEAR(std::stoi((*it)[3]), percent * 0.12, 1);
+      last = percent;
+    }
+    EXPECT_GE(bars, jobs == std::string("1") ? 2U : 1U) << shown;
+    EXPECT_GE(last, 50) << shown;
+    // Every bar begins at the start of the line, and at the end it is erased.
+    EXPECT_EQ(static_cast<std::size_t>(std::count(shown.begin(), shown.end(), '[')), bars);
+    EXPECT_TRUE(std::regex_search(shown, std::regex("MiB\\r +\\r$"))) << shown;
+  }
+}
+
+}  // namespace
