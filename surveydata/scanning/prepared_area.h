@@ -40,8 +40,8 @@ class SURVEYDATA_API PreparedAreaC {
   /// Whether a direction is inside or in the boundary band, which is displaced from the boundary
   /// (`ScanAreaC::Contains`). Angles in rad.
   /// \cost depends on the number of edges near the direction, not on that of all edges. Where many
-  ///       edges cross each other, on a ring around the zenith, it grows with the number of edges on
-  ///       the direction's meridian.
+  ///       edges cross each other, on a ring around the zenith, it grows with the number of edges
+  ///       on the direction's meridian.
   bool Contains(double hz, double v) const;
 
   /// Stores the answer for each pair hz[i], v[i] in inside[i], up to the end of the shortest of the
