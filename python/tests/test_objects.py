@@ -11,6 +11,7 @@ import numpy as np
 import pytest
 
 import surveydata as sd
+from surveydata import _core
 
 WHOLES = {
     sd.Position: {
@@ -422,6 +423,27 @@ def test_no_object_outlives_its_last_name() -> None:
     # The smallest object has 40 bytes. In so many rounds, the few kilobytes that the interpreter
     # itself takes do not matter.
     assert after(1000) - first < 1000 * 32
+
+
+def test_the_extension_has_public_classes_alone() -> None:
+    """Data classes, and what the package wraps; no implementations, no adoption."""
+    found = {kind for kind in vars(_core).values() if isinstance(kind, type)}
+    wrapped = {
+        _core.AppendOutcome,
+        _core.AreaCore,
+        _core.BatchCore,
+        _core.Explanation,
+        _core.Fault,
+        _core.LockedFileCore,
+        _core.PreparedCore,
+        _core.ReaderCore,
+        _core.ReaderState,
+        _core.Rule,
+        _core.ScanCore,
+    }
+    assert found == wrapped | {sd.GPSMeasData} | (set(CLASSES) - {sd.Scan})
+    for kind in found:
+        assert not [name for name in dir(kind) if "impl" in name.lower() or "base" == name]
 
 
 @pytest.mark.parametrize("kind", CLASSES)

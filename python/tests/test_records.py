@@ -16,6 +16,7 @@ from typing import Any
 
 import duckdb
 import numpy as np
+import pandas as pd
 import polars
 import pyarrow as pa
 import pytest
@@ -258,6 +259,14 @@ def test_what_cannot_be_read(data: Path, tmp_path: Path) -> None:
             sd.read_records(secret)
 
 
+@pytest.mark.skipif(not Path("/proc/self/mem").exists(), reason="Linux")
+def test_a_file_that_cannot_be_read_raises() -> None:
+    # The first page of a process is not mapped.
+    for read in (sd.read_records, sd.find_damage, lambda path: list(sd.iter_batches(path))):
+        with pytest.raises(OSError, match=os.strerror(errno.EIO)):
+            read("/proc/self/mem")
+
+
 def test_a_pipe_is_read_as_a_whole(data: Path, tmp_path: Path) -> None:
     pipe = tmp_path / "pipe.rec"
     os.mkfifo(pipe)
@@ -478,6 +487,18 @@ def test_other_libraries_read_it(data: Path) -> None:
     assert row == (414, 414 - pandas_frame["hdop"].isna().sum(), 854)
 
 
+def test_other_libraries_share_the_memory_of_the_table(data: Path) -> None:
+    table = sd.read_records(data / "valley_drive.rec")
+    address = lambda values: values.__array_interface__["data"][0]  # noqa: E731
+    offsets = address(table.column("offset").values)
+    (chunk,) = pa.table(table).column("offset").chunks
+    assert chunk.buffers()[1].address == offsets
+    assert address(polars.DataFrame(table)["offset"].to_numpy(allow_copy=False)) == offsets
+    frame = pa.table(table).to_pandas(types_mapper=pd.ArrowDtype)
+    (chunk,) = frame["offset"].array.__arrow_array__().chunks
+    assert chunk.buffers()[1].address == offsets
+
+
 def test_schema_has_units_and_meanings(data: Path) -> None:
     schema = pa.table(sd.read_records(data / "valley_drive.rec")).schema
     for info in sd.columns():
@@ -570,6 +591,25 @@ def test_a_table_says_what_it_is(data: Path) -> None:
     assert set(sd.FIXED_WIDTH) < {info.name for info in sd.columns()}
     assert "name" not in sd.FIXED_WIDTH
     assert "hdop" in sd.FIXED_WIDTH
+
+
+def test_other_threads_run_while_records_are_read(data: Path) -> None:
+    content = (data / "valley_drive.rec").read_bytes() * 100
+    started, finished = threading.Event(), threading.Event()
+    seen_before_the_end = []
+
+    def read() -> None:
+        started.set()
+        sd.read_records(content, sd.FIXED_WIDTH)
+        finished.set()
+
+    thread = threading.Thread(target=read)
+    thread.start()
+    started.wait()
+    while not finished.is_set():  # needs the lock, which `read` must have released
+        seen_before_the_end.append(1)
+    thread.join()
+    assert len(seen_before_the_end) > 1000
 
 
 def test_several_threads_read_at_once(data: Path) -> None:
@@ -669,6 +709,33 @@ def test_append_adds_whole_records(data: Path, tmp_path: Path) -> None:
 
 
 # ----- Pictures
+
+
+WITHOUT_ROOM = """
+import os, resource, signal, sys
+import surveydata as sd
+
+signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+path = sys.argv[1]
+size = os.path.getsize(path)
+resource.setrlimit(resource.RLIMIT_FSIZE, (size + 100, resource.RLIM_INFINITY))
+try:
+    sd.append(path, open(sys.argv[2], "rb").read())
+except OSError as error:
+    print(error.errno)
+"""
+
+
+def test_append_that_fails_leaves_the_file_as_it_was(data: Path, tmp_path: Path) -> None:
+    path = tmp_path / "full.rec"
+    shutil.copy(data / "valley_drive.rec", path)
+    content = (data / "desert_highway.rec").read_bytes()
+    offset, size = (expected(data, "desert_highway")[0][name] for name in ("offset", "size"))
+    (tmp_path / "record").write_bytes(content[offset : offset + size] * 100)
+    command = [sys.executable, "-c", WITHOUT_ROOM, str(path), str(tmp_path / "record")]
+    output = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    assert output == f"{errno.EIO}\n"
+    assert path.read_bytes() == (data / "valley_drive.rec").read_bytes()
 
 
 def test_the_picture_of_a_table_is_the_programs(data: Path) -> None:
