@@ -594,7 +594,7 @@ def test_a_table_says_what_it_is(data: Path) -> None:
 
 
 def test_other_threads_run_while_records_are_read(data: Path) -> None:
-    content = (data / "valley_drive.rec").read_bytes() * 100
+    content = (data / "valley_drive.rec").read_bytes() * 500
     started, finished = threading.Event(), threading.Event()
     seen_before_the_end = []
 
