@@ -54,11 +54,17 @@ DWORD Run(const std::string& command, const std::string& folder, const std::stri
   startup.hStdOutput = out.Get();
   startup.hStdError = err.Get();
   PROCESS_INFORMATION process{};
-  std::wstring line = Wide(command);
   const std::wstring where = Wide(folder);
-  if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                     where.empty() ? nullptr : where.c_str(), &startup, &process) == 0) {
-    throw std::runtime_error("cannot run " + command);
+  bool isStarted = false;
+  // On a busy machine, wine sometimes fails to start a program.
+  for (int attempt = 0; attempt < 3 && !isStarted; ++attempt) {
+    if (attempt > 0) Sleep(1000);
+    std::wstring line = Wide(command);  // CreateProcessW may change it
+    isStarted = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                               where.empty() ? nullptr : where.c_str(), &startup, &process) != 0;
+  }
+  if (!isStarted) {
+    throw std::runtime_error("cannot run " + command + ": error " + std::to_string(GetLastError()));
   }
   DWORD exitCode = 0;
   WaitForSingleObject(process.hProcess, INFINITE);

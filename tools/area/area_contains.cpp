@@ -5,7 +5,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -319,7 +318,7 @@ Command AreaContainsCommand() {
   for (CommandOption& option : DirectionFormatOptions(options->format)) {
     option.excludes = {"DIRECTION"};
     command.arguments[1].excludes.push_back(option.names.back());
-    command.options.Add(std::move(option));
+    command.options.Add(option);
   }
   command.options.Add(
       {{.names = {"--format"},

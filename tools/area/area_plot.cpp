@@ -126,7 +126,7 @@ Command AreaPlotCommand() {
        .take = StoreIn(options->window)}};
   for (CommandOption& option : DirectionFormatOptions(options->format)) {
     option.needs = {"--csv"};
-    command.options.Add(std::move(option));
+    command.options.Add(option);
   }
   command.run = [options] { return Run(*options); };
   return command;

@@ -80,7 +80,7 @@ const char* NameOf(char separator) {
 
 std::array<std::string, 2> ParseColumns(const std::string& text) {
   const std::size_t comma = text.find(',');
-  const std::array<std::string, 2> columns = {
+  std::array<std::string, 2> columns = {
       std::string(Trimmed(std::string_view(text).substr(0, comma))),
       comma == std::string::npos ? ""
                                  : std::string(Trimmed(std::string_view(text).substr(comma + 1)))};

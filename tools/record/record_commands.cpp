@@ -1,7 +1,6 @@
 #include <charconv>
 #include <limits>
 #include <string_view>
-#include <utility>
 
 #include <command_line/common_options.h>
 #include <record/record_commands.h>
@@ -45,7 +44,7 @@ void AddOffsetOrFilters(Command& command, FrameOffset& offset, CommandOptionsC f
     filter.excludes = {"--offset"};
     option.excludes.push_back(filter.names.front());
   }
-  command.options.Insert(0, std::move(option));
+  command.options.Insert(0, option);
   command.options.Add(filters);
 }
 
