@@ -11,6 +11,7 @@ import shutil
 import subprocess
 import sys
 import threading
+from collections.abc import Callable
 from pathlib import Path
 from typing import Any
 
@@ -593,23 +594,11 @@ def test_a_table_says_what_it_is(data: Path) -> None:
     assert "hdop" in sd.FIXED_WIDTH
 
 
-def test_other_threads_run_while_records_are_read(data: Path) -> None:
+def test_other_threads_run_while_records_are_read(
+    data: Path, steps_beside: Callable[[Callable[[], object]], int]
+) -> None:
     content = (data / "valley_drive.rec").read_bytes() * 500
-    started, finished = threading.Event(), threading.Event()
-    seen_before_the_end = []
-
-    def read() -> None:
-        started.set()
-        sd.read_records(content, sd.FIXED_WIDTH)
-        finished.set()
-
-    thread = threading.Thread(target=read)
-    thread.start()
-    started.wait()
-    while not finished.is_set():  # needs the lock, which `read` must have released
-        seen_before_the_end.append(1)
-    thread.join()
-    assert len(seen_before_the_end) > 1000
+    assert steps_beside(lambda: sd.read_records(content, sd.FIXED_WIDTH)) > 1000
 
 
 def test_several_threads_read_at_once(data: Path) -> None:
