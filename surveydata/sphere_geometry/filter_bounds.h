@@ -95,9 +95,10 @@ inline constexpr double kQuickArcTangentError = 2.1e-8;
 ///
 /// Both take a = -nx / nz and b = -ny / nz from the same computed normal n. The rules round cosine
 /// and sine by 1 u, two products, their sum and the quotient by nz: 5 u. The filter rounds a and b
-/// by 1 u, product and sum by 2 u, after an error of `kQuickTrigError`.
-inline constexpr double kCurveError = 32.0 * kUnitRoundoff;
-static_assert(kCurveError > kQuickTrigError + 8.0 * kUnitRoundoff);
+/// by 1 u, product and sum by 2 u, after an error of `kQuickTrigError`. The border of a column and
+/// the column of a direction are rounded by 2 u of Hz, 4 pi u, which is less than 13 u.
+inline constexpr double kCurveError = 40.0 * kUnitRoundoff;
+static_assert(kCurveError > kQuickTrigError + (8.0 + 13.0) * kUnitRoundoff);
 
 /// Directions this close to a pole are left to the rules: s > kPoleMargin for all others.
 inline constexpr double kPoleMargin = 1e-8;

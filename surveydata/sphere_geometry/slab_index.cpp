@@ -156,7 +156,7 @@ class SlabIndexC::BuilderC {
       const Point to = i == last || !isArc ? end : CrossBorder(curve, i + 1, column + 1);
       if (!allCount && !AllCount(curve, from, to)) {
         if (NoneCounts(curve, from, to)) {
-          from = isArc ? to : from;
+          from = to;
           continue;
         }
         LeaveToRules(column);
@@ -208,8 +208,13 @@ class SlabIndexC::BuilderC {
   bool AllCount(const ArcCurve& curve, const Point& from, const Point& to) const {
     return line_.AllCount(RangeOf(curve, from, to));
   }
+  // The rules may count a curve slightly beyond its ends. A steep one may be anywhere there: the
+  // rules must know it.
   bool NoneCounts(const ArcCurve& curve, const Point& from, const Point& to) const {
-    return line_.NoneCounts(RangeOf(curve, from, to));
+    if (curve.kind != ArcCurve::kArc) return false;
+    const double change = kColumnOverlap * (std::fabs(curve.a) + std::fabs(curve.b));
+    const TangentRange range = RangeOf(curve, from, to);
+    return line_.NoneCounts({range.low - change, range.high + change});
   }
 
   // Adds the same curve a turn further west and returns its number.

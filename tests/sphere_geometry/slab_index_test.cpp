@@ -116,6 +116,54 @@ TEST(SlabIndex, TheEdgesItFindsAreEnoughForTheRules) {
   }
 }
 
+// Below the end of the search line nothing counts. Still, at an Hz slightly beyond the end of an
+// edge that leads there almost along a meridian, the crossing may lie above the end of the line.
+TEST(SlabIndex, FindsEdgesThatCountBeyondAnEndBelowTheSearchLine) {
+  // The fifth edge ends at V = 2.524; 4e-11 further east, the rules have a crossing at V = 2.500.
+  const Indexed area({{0.0, 2.1804076942357176},
+                      {3.0910735542446068, 0.50542331804152552},
+                      {4.9421616411627385, 2.5243104999406962},
+                      {3.2254427824539169, 2.1804076942357176},
+                      {4.3338154026183684, 3.141592652589793},
+                      {4.9421616511627384, 2.5243104999406962}});
+  const double h = 4.9421616512027384;
+  const std::vector<std::uint32_t> found = area.slabs->FindEdges(h);
+  EXPECT_EQ(std::count(found.begin(), found.end(), 4U), 1);
+  EXPECT_TRUE(area.AskRules(h, 0.685));
+  EXPECT_TRUE(area.slabs->AskRules(area.frame, h, 0.685));
+}
+
+TEST(SlabIndex, FindsEveryEdgeThatCountsBeyondAnEnd) {
+  RingGenerator random(9);
+  int crossings = 0;
+  int curved = 0;
+  for (int i = 0; i < 20000; ++i) {
+    // The second edge is almost along a meridian, below the line, where nothing counts.
+    const double hz = random.Uniform(1.0, 5.0);
+    const double hzBefore = hz - std::pow(10.0, random.Uniform(-10.0, 0.0));
+    const AnglePointC end{hz, V_LIMIT + std::pow(10.0, random.Uniform(-6.0, -1.0))};
+    const bool isNearNadir = random.Below(2) == 0;
+    const AnglePointC begin{hzBefore, isNearNadir ? PI - std::pow(10.0, random.Uniform(-9.5, -7.0))
+                                                  : random.Uniform(2.6, 3.1)};
+    const Indexed ring({{0.0, 2.0}, begin, end, {5.5, 2.0}, {5.9, 2.2}});
+    const ArcCurve& curve = ring.ring.curves[1];
+    for (const double beyond : {0.0, 2e-11, 6e-11, 1e-10, 1.5e-10}) {
+      for (const double h : {hz + beyond, hzBefore - beyond}) {
+        double v = 0.0;
+        const SearchMeridianC meridian(ring.frame, h);
+        if (!meridian.Crosses(ring.frame.GetStart(1), ring.frame.GetEnd(1), v)) continue;
+        ++crossings;
+        curved += curve.kind == ArcCurve::kArc;
+        const std::vector<std::uint32_t> edges = ring.slabs->FindEdges(h);
+        ASSERT_EQ(std::count(edges.begin(), edges.end(), 1U), 1)
+            << begin.Hz << ", " << begin.V << " to " << end.Hz << ", " << end.V << " at " << h;
+      }
+    }
+  }
+  EXPECT_GT(crossings, 100);
+  EXPECT_GT(curved, 20);
+}
+
 TEST(SlabIndex, DecidesInsideAndOutside) {
   const Indexed area(kSquare);
   EXPECT_EQ(area.Ask(0.5, 1.5), Verdict::kInside);
