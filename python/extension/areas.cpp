@@ -10,6 +10,7 @@
 
 #include <extension/buffer.h>
 #include <extension/data_class.h>
+#include <extension/file_name.h>
 #include <extension/module.h>
 #include <nanobind/nanobind.h>
 #include <nanobind/stl/optional.h>

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <extension/buffer.h>
+#include <extension/file_name.h>
 #include <extension/module.h>
 #include <nanobind/nanobind.h>
 #include <nanobind/stl/optional.h>

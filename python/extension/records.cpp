@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <extension/buffer.h>
+#include <extension/file_name.h>
 #include <extension/module.h>
 #include <extension/record_batch.h>
 #include <nanobind/nanobind.h>
