@@ -190,9 +190,10 @@ void WalkC::GoTo(std::uint64_t begin, std::uint64_t end, LookBackC& lookBack) {
 // walk from the start of the source visits it, too, and the front is moved to it. False if several
 // positions are left at `begin`.
 bool WalkC::MeetOne(std::uint64_t begin, LookBackC& lookBack) {
-  for (;; window_.Advance(1)) {
+  const std::uint64_t runEnd = lookBack.GetRunEnd();
+  for (;;) {
     const std::uint64_t at = window_.GetOffset();
-    const bool isInRun = at - lookBack.first_ < kLongestRecord;
+    const bool isInRun = at < runEnd;
     if (!isInRun && lookBack.count_ > 1 && at >= begin) return false;
     const bool isAhead = lookBack.IsAhead(at);
     if (!isInRun && lookBack.count_ == 1 && isAhead) return true;
@@ -201,15 +202,22 @@ bool WalkC::MeetOne(std::uint64_t begin, LookBackC& lookBack) {
       isLost_ = HasFailed();
       return true;
     }
-    if (!isInRun && !isAhead) continue;
     const bool isCandidate = *window_.GetFront() == RecordFrame::kFirstByte;
-    const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
-    if (IsUnknown()) {
-      isLost_ = true;
-      return true;
+    std::uint64_t passed = 1;
+    if (isInRun && !isCandidate) {
+      // A walk begins at each of these positions anyway.
+      passed = std::min<std::uint64_t>(ToNextCandidate(), runEnd - at);
+      lookBack.Step(at + passed - 1, at + passed);
+    } else if (isInRun || isAhead) {
+      const std::size_t step = isCandidate ? std::max<std::size_t>(RecordSize(), 1) : 1;
+      if (IsUnknown()) {
+        isLost_ = true;
+        return true;
+      }
+      // After everything that reads, because reading may throw.
+      lookBack.Step(at, at + step);
     }
-    // After everything that reads, because reading may throw.
-    lookBack.Step(at, at + step);
+    window_.Advance(static_cast<std::size_t>(passed));
   }
 }
 
@@ -235,6 +243,7 @@ void LookBackC::Step(std::uint64_t from, std::uint64_t to) {
   const auto old = static_cast<std::size_t>(from % kRing);
   if (ahead_[old]) --count_;
   ahead_[old] = false;
+  if (to < GetRunEnd()) return;
   const auto next = static_cast<std::size_t>(to % kRing);
   if (!ahead_[next]) ++count_;
   ahead_[next] = true;

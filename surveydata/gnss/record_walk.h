@@ -100,12 +100,14 @@ class LookBackC {
  private:
   friend class WalkC;
 
-  // The next positions of the walks, none more than one step ahead.
+  // The next positions of the walks after the first run, none more than one step ahead.
   static constexpr std::size_t kRing = std::size_t{1} << 17;
   static_assert(kRing > kLongestRecord);
 
   void Begin(std::uint64_t first);
   void GoFurtherBack();
+  // A walk begins at each position of the first run, from `first_` up to here.
+  std::uint64_t GetRunEnd() const { return first_ + kLongestRecord; }
   bool IsAhead(std::uint64_t position) const;
   // Moves a walk from a position to its next one.
   void Step(std::uint64_t from, std::uint64_t to);
