@@ -278,13 +278,15 @@ class SameStretchesC {
 
   // From `from` on to the next difference, or to where stretches are not worth it.
   Place SkipFrom(const Place& from) {
-    constexpr std::uint64_t kLongest = std::uint64_t{16} << 20;
+    // At a difference, stretches are read in vain, and for each the reader looks back 128 KiB.
+    constexpr std::uint64_t kLongest = std::uint64_t{4} << 20;
     const std::uint64_t rest = std::min(Rest(a_, from.a), Rest(b_, from.b));
     const std::uint64_t stretch = StretchOf(rest, options_.jobs, kLongest);
-    const std::uint64_t count = rest / stretch;
-    if (count < 2) return from;
+    if (rest < 2 * stretch) return from;
+    const std::uint64_t count = (rest + stretch - 1) / stretch;
     const auto begin = [&](std::uint64_t i) {
-      return Place{from.a + i * stretch, from.b + i * stretch};
+      const std::uint64_t passed = std::min(i * stretch, rest);
+      return Place{from.a + passed, from.b + passed};
     };
     isStopped_ = false;
     OrderedJobsC<SameRecords> work(
