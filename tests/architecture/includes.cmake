@@ -1,4 +1,4 @@
-# Checks the layers of the library and of the program: reads every #include of their sources.
+# Checks the layers of the library and of the program, and the includes of tests: reads every #include.
 #   cmake -D SOURCE_DIR=<the project> -P includes.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -60,13 +60,13 @@ macro(read_headers file)
   math(EXPR seen "${seen} + ${count}")
 endmacro()
 
-# Notes that `source` includes the library's header `name`, as units: a header and its source are one
-# unit, named without the extension.
+# Notes that the file `source` includes the header `name`, as units: a header and its source are one
+# unit, named without the extension and the operating system. Both paths begin with surveydata or tools.
 set(units "")
 macro(note_use source name)
-  string(REGEX REPLACE "\\.(h|cpp)$" "" user ${source})
-  string(REGEX REPLACE "^surveydata/(.*)\\.h$" "\\1" used_unit ${name})
-  if(NOT user STREQUAL used_unit AND user MATCHES "^sphere_geometry/")
+  string(REGEX REPLACE "(_posix|_windows)?\\.(h|cpp)$" "" user ${source})
+  string(REGEX REPLACE "\\.h$" "" used_unit ${name})
+  if(NOT user STREQUAL used_unit)
     list(APPEND units ${user})
     list(APPEND used_by_${user} ${used_unit})
   endif()
@@ -87,7 +87,7 @@ foreach(source ${sources})
     if(name MATCHES "^surveydata/([a-z_]+)/[a-z0-9_]+\\.h$")
       set(used ${CMAKE_MATCH_1})
       if(used STREQUAL subsystem OR used IN_LIST ${subsystem}_may)
-        note_use(${source} ${name})
+        note_use(surveydata/${source} ${name})
         continue()
       endif()
     elseif(name MATCHES "^[a-z0-9_]+(\\.h)?$" OR name MATCHES ${library_outside})
@@ -96,30 +96,6 @@ foreach(source ${sources})
     complain("surveydata/${source} must not include ${name}")
   endforeach()
 endforeach()
-
-# The units of the sphere geometry must not include each other in a cycle. Repeatedly remove the units
-# that include no remaining unit.
-list(REMOVE_DUPLICATES units)
-set(removed TRUE)
-while(removed AND units)
-  set(removed FALSE)
-  foreach(unit ${units})
-    set(waits FALSE)
-    foreach(used ${used_by_${unit}})
-      if(used IN_LIST units)
-        set(waits TRUE)
-      endif()
-    endforeach()
-    if(NOT waits)
-      list(REMOVE_ITEM units ${unit})
-      set(removed TRUE)
-    endif()
-  endforeach()
-endwhile()
-if(units)
-  list(JOIN units ", " units)
-  complain("these units include each other in a cycle, or include such units: ${units}")
-endif()
 
 set(found_layers "")
 file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}/tools
@@ -147,12 +123,67 @@ foreach(source ${sources})
         set(used ${CMAKE_MATCH_1})
       endif()
       if(used STREQUAL layer OR used IN_LIST layer_${layer}_may)
+        note_use(tools/${source} tools/${name})
         continue()
       endif()
     elseif(name MATCHES ${standard} OR name MATCHES "${layer_${layer}_outside}")
       continue()
     endif()
     complain("tools/${source} must not include ${name}")
+  endforeach()
+endforeach()
+
+list(REMOVE_DUPLICATES units)
+
+# Within gnss, the sources that describe the frame of a measurement do not know files.
+foreach(unit ${units})
+  if(unit MATCHES "^surveydata/gnss/(byte_sum|frame_[a-z]+|record_(change|encode|frame))$")
+    set(frame_units TRUE)
+    foreach(used ${used_by_${unit}})
+      if(used MATCHES "/(file_access|gps_record_(columns|file|index|reader|writer)|record_(damage|source|walk))$")
+        complain("${unit} must not include ${used}.h, which is about files")
+      endif()
+    endforeach()
+  endif()
+endforeach()
+if(NOT frame_units)
+  complain("no sources describe the frame of a measurement")
+endif()
+
+# In these folders, units must not include each other in a cycle. Repeatedly remove the units that
+# include no remaining unit.
+list(FILTER units INCLUDE REGEX
+  "^(surveydata/sphere_geometry|tools/(platform|command_line|output|record|view))/")
+set(removed TRUE)
+while(removed AND units)
+  set(removed FALSE)
+  foreach(unit ${units})
+    set(waits FALSE)
+    foreach(used ${used_by_${unit}})
+      if(used IN_LIST units)
+        set(waits TRUE)
+      endif()
+    endforeach()
+    if(NOT waits)
+      list(REMOVE_ITEM units ${unit})
+      set(removed TRUE)
+    endif()
+  endforeach()
+endwhile()
+if(units)
+  list(JOIN units ", " units)
+  complain("these units include each other in a cycle, or include such units: ${units}")
+endif()
+
+# Tests include their own headers by the full path in quotation marks, and all others in angle brackets.
+file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}
+  ${SOURCE_DIR}/tests/*.h ${SOURCE_DIR}/tests/*.cpp ${SOURCE_DIR}/tests/*.c)
+foreach(source ${sources})
+  read_headers(${SOURCE_DIR}/${source})
+  foreach(header ${headers})
+    if(header MATCHES "^<tests/" OR (header MATCHES "^\"" AND NOT header MATCHES "^\"tests/"))
+      complain("${source}: write <header>, or \"tests/FOLDER/header\": ${header}")
+    endif()
   endforeach()
 endforeach()
 

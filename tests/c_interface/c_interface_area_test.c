@@ -4,7 +4,7 @@
 #include <math.h>
 #include <stdlib.h>
 
-#include "check.h"
+#include "tests/c_interface/check.h"
 
 static const double pi = 3.141592653589793;
 

@@ -2,8 +2,8 @@
 
 #include <stdlib.h>
 
-#include "check.h"
-#include "frames.h"
+#include "tests/c_interface/check.h"
+#include "tests/c_interface/frames.h"
 
 enum { MOST_COLUMNS = 128, FRAMES = 40, SIZE = 24 };
 

@@ -3,8 +3,8 @@
 #include <math.h>
 #include <stdlib.h>
 
-#include "check.h"
-#include "frames.h"
+#include "tests/c_interface/check.h"
+#include "tests/c_interface/frames.h"
 
 static surveydata_measurement new_measurement(void) {
   surveydata_measurement measurement;

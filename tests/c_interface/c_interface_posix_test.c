@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "check.h"
-#include "frames.h"
+#include "tests/c_interface/check.h"
+#include "tests/c_interface/frames.h"
 
 enum { FRAME = 100, NOBODY = 65534 };
 

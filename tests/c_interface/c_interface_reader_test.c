@@ -2,8 +2,8 @@
 
 #include <stdlib.h>
 
-#include "check.h"
-#include "frames.h"
+#include "tests/c_interface/check.h"
+#include "tests/c_interface/frames.h"
 
 /* A file with every kind of entry: a gap with a header whose checksum is wrong, a measurement,
    another record, a record of the measurements' type that is too long for one, a gap with a header

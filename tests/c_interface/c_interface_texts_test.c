@@ -1,6 +1,6 @@
 /* The version, and the texts of every enumeration. */
 
-#include "check.h"
+#include "tests/c_interface/check.h"
 
 enum { LAST_STATUS = SURVEYDATA_NOT_VALID, LAST_TEXT = SURVEYDATA_TEXT_RULE };
 
