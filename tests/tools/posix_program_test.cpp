@@ -325,57 +325,85 @@ TEST(RecordExport, RefusesToOverwriteItsStandardInput) {
 }
 
 #if defined(__linux__)
-// Counts how often a file is opened.
+// Counts how often a file of a folder is opened. The system merges equal events in a row, so each
+// opening is also reported for the folder, which separates the events of the file.
 class OpenedC {
  public:
-  explicit OpenedC(const std::string& file) : events_(inotify_init1(IN_NONBLOCK)) {
-    EXPECT_GE(inotify_add_watch(events_, file.c_str(), IN_OPEN), 0);
+  OpenedC(const std::string& folder, const std::string& name)
+      : events_(inotify_init1(IN_NONBLOCK)),
+        file_(inotify_add_watch(events_, (folder + "/" + name).c_str(), IN_OPEN)) {
+    EXPECT_GE(file_, 0);
+    EXPECT_GE(inotify_add_watch(events_, folder.c_str(), IN_OPEN), 0);
   }
   OpenedC(const OpenedC&) = delete;
   OpenedC& operator=(const OpenedC&) = delete;
   ~OpenedC() { close(events_); }
 
   // How often the file was opened since.
-  std::size_t Count() const {
-    constexpr std::size_t kEventSize = sizeof(inotify_event);  // events of a file carry no name
-    char events[64 * kEventSize];
-    const ssize_t size = read(events_, events, sizeof(events));
-    std::size_t count = 0;
-    for (std::size_t at = 0; size > 0 && at < static_cast<std::size_t>(size); at += kEventSize) {
-      std::uint32_t mask;
-      std::memcpy(&mask, events + at + offsetof(inotify_event, mask), sizeof(mask));
-      if ((mask & IN_OPEN) != 0) ++count;  // other events report that the file was replaced
+  int Count() const {
+    int count = 0;
+    char events[4096];
+    ssize_t size = 0;
+    while ((size = read(events_, events, sizeof(events))) > 0) {
+      for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
+        inotify_event event;
+        std::memcpy(&event, events + at, sizeof(event));
+        if (event.wd == file_ && (event.mask & IN_OPEN) != 0) ++count;
+        at += sizeof(event) + event.len;
+      }
     }
     return count;
   }
 
  private:
   int events_;
+  int file_;
 };
 
-TEST(RecordCommands, OpenTheFileOnce) {
-  const TempFolderC folder;
-  const std::string file = folder / "valley_drive.rec";
-  WriteBytes(file, LargeFile());
-  const std::vector<std::vector<std::string>> commands = {
-      {"list", file},
-      {"list", file, "--jobs", "4"},
-      {"export", file, "--jobs", "4"},
-      {"plot", file, "-o", folder / "plot.svg", "--jobs", "4"},
-      {"export", file},
-      {"plot", file, "-o", folder / "plot.svg"},
-      {"show", file, "--offset", "960"},
-      {"show", file, "--offset", "961"},
-      {"set", file, "--offset", "960", "--number", "5", "--dry-run"},
-      {"set", file, "--offset", "961", "--number", "5"},
-      {"set", file, "--offset", "960", "--number", "5"},
+TEST(Program, OpensEachFileOnce) {
+  const std::pair<const char*, std::vector<const char*>> cases[] = {
+      {"record list a.rec", {"a.rec"}},
+      {"record list a.rec --jobs 4", {"a.rec"}},
+      {"record list a.rec b.rec", {"a.rec", "b.rec"}},
+      {"record show a.rec --offset 960 --bytes", {"a.rec"}},
+      {"record show a.rec --offset 961", {"a.rec"}},
+      {"record show a.rec --where 'pdop > 6'", {"a.rec"}},
+      {"record export a.rec", {"a.rec"}},
+      {"record export a.rec --jobs 4", {"a.rec"}},
+      {"record check a.rec --jobs 4", {"a.rec"}},
+      {"record diff a.rec b.rec", {"a.rec", "b.rec"}},
+      {"record diff a.rec b.rec --jobs 4", {"a.rec", "b.rec"}},
+      {"record cut a.rec -o out.rec", {"a.rec"}},
+      {"record join a.rec b.rec -o out.rec", {"a.rec", "b.rec"}},
+      {"record plot a.rec -o out.svg", {"a.rec"}},
+      {"record plot a.rec -o out.svg --jobs 4", {"a.rec"}},
+      {"record set b.rec --offset 960 --number 5 --dry-run", {"b.rec"}},
+      {"record set b.rec --offset 961 --number 5", {"b.rec"}},
+      {"record set b.rec --offset 960 --number 5", {"b.rec"}},
+      {"record set b.rec --all --number 6", {"b.rec"}},
+      {"area info a.json", {"a.json"}},
+      {"area outline a.json", {"a.json"}},
+      {"area contains a.json --csv d.csv", {"a.json", "d.csv"}},
+      {"area grid a.json -o grid.csv", {"a.json"}},
+      {"area convert a.json --unit deg", {"a.json"}},
+      {"area plot a.json -o out.svg --csv d.csv", {"a.json", "d.csv"}},
   };
-  for (std::vector<std::string> command : commands) {
-    command.insert(command.begin(), "record");
-    SCOPED_TRACE(Joined(command));
-    const OpenedC opened(file);
-    EXPECT_LE(RunProgram(command).exitCode, 1);
-    EXPECT_EQ(opened.Count(), 1u);
+  const TempFolderC folder;
+  WriteBytes(folder / "a.rec", LargeFile());
+  WriteBytes(folder / "b.rec", ReadBytes(DataPath("valley_drive.rec")));
+  WriteBytes(folder / "a.json", ReadBytes(DataPath("areas/facade.json")));
+  const std::string directions = "57,92\n60,93\n";
+  WriteBytes(folder / "d.csv", Bytes(directions.begin(), directions.end()));
+  for (const auto& [command, files] : cases) {
+    SCOPED_TRACE(command);
+    for (const char* const file : files) {
+      SCOPED_TRACE(file);
+      const OpenedC opened(folder.Path().string(), file);
+      const Outcome outcome =
+          RunShell(std::string("surveydata ") + command, folder.Path().string());
+      EXPECT_LE(outcome.exitCode, 1) << outcome.err;
+      EXPECT_EQ(opened.Count(), 1);
+    }
   }
 }
 #endif
@@ -535,7 +563,7 @@ TEST(RecordExport, RefusesToOverwriteItsInputThroughALink) {
 TEST(AreaContains, SaysOnATerminalThatItWaitsForDirections) {
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
-    GTEST_SKIP() << "no terminal to be had";
+    GTEST_SKIP() << "no pseudo terminal available";
   }
   const std::string name = ptsname(terminal);
   const int keptOpen = open(name.c_str(), O_RDWR | O_NOCTTY);

@@ -17,6 +17,10 @@ bool IsStandardInput(const std::string& name);
 /// Whether both are the same regular file. `input` may mean standard input.
 bool IsSameRegularFile(const std::string& output, const std::string& input);
 
+/// The size in bytes of a file that can be opened for reading, without opening it on POSIX systems;
+/// 0 if it is not a regular file. \throw FileErrorC  with the reason if it cannot be opened.
+std::uint64_t ReadableSize(const std::string& name);
+
 /// A file, a pipe or standard input, opened once for reading. Only regular files are seekable; a
 /// pipe is read from front to back. Throws `FileErrorC` on failure, with the reason of the failed
 /// call.

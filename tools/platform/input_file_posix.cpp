@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,6 +24,15 @@ bool IsSameRegularFile(const std::string& output, const std::string& input) {
       (IsStandardInput(input) ? fstat(STDIN_FILENO, &other) : stat(input.c_str(), &other)) == 0;
   return areThere && S_ISREG(one.st_mode) && one.st_ino == other.st_ino &&
          one.st_dev == other.st_dev;
+}
+
+std::uint64_t ReadableSize(const std::string& name) {
+  struct stat status {};
+  if (stat(name.c_str(), &status) != 0 ||
+      faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) != 0) {
+    throw FileErrorC(fmt::format("cannot read {}: {}", name, std::strerror(errno)));
+  }
+  return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 InputFileC::InputFileC(const std::string& name)

@@ -24,6 +24,8 @@ bool IsSameRegularFile(const std::string& output, const std::string& input) {
          std::filesystem::equivalent(ToPath(output), ToPath(input), ignored);
 }
 
+std::uint64_t ReadableSize(const std::string& name) { return InputFileC(name).GetSize(); }
+
 InputFileC::InputFileC(const std::string& name)
     : name_(IsStandardInput(name) ? "standard input" : name),
       file_(IsStandardInput(name) ? stdin : _wfopen(ToPath(name).c_str(), L"rb")) {

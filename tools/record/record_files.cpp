@@ -58,23 +58,30 @@ std::vector<RecordFile> FilesOfFolder(const std::string& folder, bool isRecursiv
   FindIn(ToPath(folder), isRecursive, found);
   if (found.empty()) {
     throw ToolErrorC(ExitCode::kFileError,
-                     fmt::format("cannot read {}: it is a folder without a file *.rec{}", folder,
-                                 isRecursive ? "" : "; --recursive looks into those below"));
+                     fmt::format("cannot read {}: it is a folder without files *.rec{}", folder,
+                                 isRecursive ? "" : "; --recursive reads the folders below, too"));
   }
   std::ranges::sort(found, {}, &RecordFile::name);
   return found;
 }
 
-RecordFile Look(const std::string& name) {
+// Opens the only file of a command. Several files may be too many to keep open, so each is opened
+// when it is read.
+RecordFile Look(const std::string& name, bool isOnly) {
   RecordFile file{.name = name};
   std::error_code error;
   // A pipe is opened only once, when it is read.
   const bool isThere = IsStandardInput(name) || fs::exists(fs::status(ToPath(name), error));
   if (isThere && !IsStandardInput(name) && !fs::is_regular_file(ToPath(name), error)) return file;
+  // Standard input has one position, and is read by one reader.
+  const bool hasSize = !IsStandardInput(name);
   try {
-    file.opened = std::make_shared<InputFileC>(name);
-    // Standard input has one position, and is read by one reader.
-    if (!IsStandardInput(name)) file.size = file.opened->GetSize();
+    if (isOnly) {
+      file.opened = std::make_shared<InputFileC>(name);
+      if (hasSize) file.size = file.opened->GetSize();
+    } else if (hasSize) {
+      file.size = ReadableSize(name);
+    }
   } catch (const FileErrorC& fault) {
     file.fault = fault.what();
   }
@@ -99,12 +106,12 @@ void AddNamesOptions(Command& command, RecordFileOptions& options) {
   command.arguments.Add(
       {.names = {"FILE"},
        .value = "TEXT",
-       .description = "Record files, - for standard input, and folders, of which the files *.rec "
-                      "are read",
+       .description = "Record files, folders, of which the files *.rec are read, or - for standard "
+                      "input",
        .take =
            [&options](const std::string& name) {
              if (IsStandardInput(name) && std::ranges::any_of(options.names, IsStandardInput)) {
-               throw ValueErrorC("standard input is read once");
+               throw ValueErrorC("standard input can be read only once");
              }
              options.names.push_back(name);
            },
@@ -120,8 +127,8 @@ void AddFileOptions(Command& command, RecordFileOptions& options) {
   command.options.Add(
       {.names = {"-j", "--jobs"},
        .value = "N",
-       .description = "Work in N threads, as many as there are processors by default: the output "
-                      "is the same",
+       .description = "The number of threads, by default that of processors; the output does not "
+                      "depend on it",
        .take = [&options](const std::string& text) { options.jobs = ParseJobs(text); }});
 }
 
@@ -130,13 +137,11 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
   std::vector<RecordFile> files;
   for (const std::string& name : options.names) {
     if (!IsFolder(name)) {
-      files.push_back(Look(name));
-      if (options.AreMany()) files.back().opened.reset();  // there may be too many to keep open
+      files.push_back(Look(name, !options.AreMany()));
       continue;
     }
     for (const RecordFile& below : FilesOfFolder(name, options.isRecursive)) {
-      files.push_back(below.fault.empty() ? Look(below.name) : below);
-      files.back().opened.reset();
+      files.push_back(below.fault.empty() ? Look(below.name, false) : below);
     }
   }
   if (!options.AreMany() && !files.front().fault.empty()) {
