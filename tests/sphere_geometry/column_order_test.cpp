@@ -67,6 +67,21 @@ TEST(ColumnOrder, ListsTheCurvesThatLeadThroughAColumnFromBelow) {
   EXPECT_TRUE(lines.rejected.empty());
 }
 
+TEST(ColumnOrder, ReplacesThePreviousOrder) {
+  LinesC lines({{3.0, 0.0}, {1.0, 0.0}, {2.0, 0.1}});
+  ColumnOrderC order;
+  order.Build(4, {{0, 0, 3}, {1, 1, 2}, {2, 0, 1}}, lines);
+  order.Build(2, {{2, 1, 1}}, lines);
+  EXPECT_EQ(CurvesOf(order, 0), Curves{});
+  EXPECT_EQ(CurvesOf(order, 1), Curves{2});
+  order.Build(2, {}, lines);
+  EXPECT_TRUE(order.IsEmpty());
+  EXPECT_TRUE(order.Get(1).empty());
+}
+
+// A ring of many edges has millions of items.
+TEST(ColumnOrder, AnItemHasFourBytes) { EXPECT_EQ(sizeof(ColumnOrderC::Item), 4u); }
+
 TEST(ColumnOrder, LeavesOutCurvesThatChangePlacesWhereTheyDo) {
   LinesC lines({{0.0, 0.0}, {1.5, -1.0}, {3.0, 0.0}});  // the second crosses the first in column 1
   ColumnOrderC order;

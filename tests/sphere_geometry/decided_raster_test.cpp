@@ -197,6 +197,27 @@ TEST(DecidedRaster, DecidesNearlyAllDirectionsAroundALobedRing) {
   }
 }
 
+TEST(DecidedRaster, ItsColumnsCoverTheRingOnly) {
+  const PreparedSphereAreaC prepared(MakeArea(Lobed(100, 3.0)), true);
+  const DecidedRasterC& raster = *prepared.GetRaster();
+  const AnglePointC first = raster.GetCellCorner(0, 0);
+  const AnglePointC last =
+      raster.GetCellCorner(DecidedRasterC::kRingColumns, DecidedRasterC::kRows);
+  EXPECT_GT(first.Hz, 3.0 - 0.49);  // the radius is at most 0.48
+  EXPECT_LT(last.Hz, 3.0 + 0.49);
+  EXPECT_GT(first.V, 1.3 - 0.49);
+  EXPECT_LT(last.V, 1.3 + 0.49);
+}
+
+TEST(DecidedRaster, ItsSizeIsThatOfCellsAndTable) {
+  static_assert(DecidedRasterC::kMostBytes == 524'288, "PreparedAreaC promises 512 KB");
+  const PreparedSphereAreaC few(MakeArea(Lobed(4, 3.0)), true);
+  const PreparedSphereAreaC many(MakeArea(Lobed(1000, 3.0)), true);
+  EXPECT_GE(few.GetRaster()->GetSize(), DecidedRasterC::kRows * DecidedRasterC::kRingColumns);
+  EXPECT_GT(many.GetRaster()->GetSize(), few.GetRaster()->GetSize());  // its table is larger
+  EXPECT_LE(many.GetRaster()->GetSize(), DecidedRasterC::kMostBytes);
+}
+
 // The band lies at the Hz of the ring less twice the Hz at which the frame begins.
 TEST(DecidedRaster, TheDisplacedBandIsLeftToBeAsked) {
   const SphereAreaC area = MakeArea(kSquare);
