@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Builds the documentation site: build/site/html/index.html. After the installation of what it needs it works
-# offline.
+# Builds the documentation site: build/site/html/index.html. Needs the network only to install packages.
 set -euo pipefail
 cd "$(dirname "$0")"
 . cmake/install_dependencies.sh

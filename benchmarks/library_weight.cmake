@@ -1,5 +1,5 @@
-# Says what the shared library LIBRARY weighs, and what it makes the loader do. It fails when the library
-# needs more than the C++ and C runtimes, or runs code when it is loaded. Its size has no bound.
+# Reports the size of the shared library LIBRARY and the work of the loader. Fails if the library needs
+# more than the C++ and C runtimes, or runs code when it is loaded. The size has no limit.
 cmake_minimum_required(VERSION 3.25)
 
 set(runtimes libstdc++.so.6 libm.so.6 libgcc_s.so.1 libc.so.6)

@@ -12,7 +12,7 @@ struct Direction {
   double v;
 };
 
-/// A star-shaped ring of `n` corners, some 0.4 rad wide, such as one around a building: five
+/// A star-shaped ring of `n` corners, about 0.4 rad wide, such as one around a building: five
 /// lobes, and noise of a fifth of the distance between neighbours.
 inline std::vector<Direction> LobedRing(std::size_t n) {
   std::mt19937_64 random(n);

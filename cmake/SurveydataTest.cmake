@@ -22,7 +22,7 @@ set(SURVEYDATA_PROPERTY_PARAMS "seed=20260101 max_success=1000"
 
 # surveydata_test_headers(<name> LIBRARIES ... HEADERS ...): precompiles GoogleTest, the headers of
 # the standard library that most tests include, and HEADERS, once for all tests with these libraries.
-# A compiler cache finds more without them.
+# Not with a compiler cache, which has more hits without them.
 set(SURVEYDATA_PRECOMPILE_TESTS ON)
 if(CMAKE_CXX_COMPILER_LAUNCHER)
   set(SURVEYDATA_PRECOMPILE_TESTS OFF)
@@ -80,7 +80,7 @@ function(surveydata_test name)
   elseif(NOT arg_HEADERS)
     set(arg_HEADERS surveydata_test_headers)
   endif()
-  # g++ 12 takes joined std::strings for overflows.
+  # g++ 12 reports false overflows for concatenated std::strings.
   target_compile_options(${name} PRIVATE
     $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow>)
   if(TARGET ${arg_HEADERS})

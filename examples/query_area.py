@@ -1,6 +1,6 @@
-"""Reads records out of a Python object, and asks an area, through the C interface: with ctypes alone.
+"""Reads records from a Python object and queries an area through the C interface, with ctypes only.
 
-The library is the file that the environment variable SURVEYDATA_LIBRARY names.
+The environment variable SURVEYDATA_LIBRARY has the path of the library.
 """
 
 import array
@@ -66,7 +66,7 @@ def measurements(content):
 
 
 def inside(corners, directions):
-    """Tells for each direction (Hz, V) in rad whether it lies in the polygon of these corners."""
+    """Whether each direction (Hz, V), in rad, lies in the polygon with these corners."""
     hz = array.array("d", (corner[0] for corner in corners))
     v = array.array("d", (corner[1] for corner in corners))
     definition = AreaDefinition(ctypes.sizeof(AreaDefinition), POLYGON, len(corners),
@@ -78,7 +78,7 @@ def inside(corners, directions):
         pairs = array.array("d", (angle for direction in directions for angle in direction))
         first = pairs.buffer_info()[0]
         answers = (ctypes.c_uint8 * len(directions))()
-        # Hz and V alternate: each next angle is 16 bytes on.
+        # Hz and V alternate, so the strides are 16 bytes.
         check(library.surveydata_area_contains_many(
             prepared, ctypes.c_void_p(first), ctypes.c_ssize_t(16), ctypes.c_void_p(first + 8),
             ctypes.c_ssize_t(16), ctypes.c_size_t(len(directions)), answers))

@@ -1,8 +1,8 @@
-"""Checks the pages of the site, doxygen's included.
+"""Checks the pages of the site, including those of doxygen.
 
-What a page links to and loads must be there, anchors included, and it must load nothing from
-elsewhere. Each page must have one heading of the first level, and the reference of Python every
-public name.
+Every target of a link, with its anchor, and every loaded file must exist, and pages must load
+nothing from other sites. Each page must have one heading of the first level. The reference of
+Python must have every public name.
 
 check_links.py FOLDER
 """
@@ -16,7 +16,7 @@ from sphinx.util.inventory import InventoryFile
 
 import surveydata
 
-# What these elements name is loaded, by their attribute.
+# The attribute of these elements names a file that is loaded.
 LOADED = {"img": "src", "script": "src", "iframe": "src", "source": "src", "object": "data"}
 
 
@@ -32,7 +32,7 @@ class Page(HTMLParser):
         self.feed(path.read_text(encoding="utf-8"))
 
     def handle_starttag(self, tag: str, attrs: list[tuple[str, str | None]]) -> None:
-        """Notes what the element has."""
+        """Collects the link, the file and the anchor of the element."""
         values = {name: value or "" for name, value in attrs}
         self.headings += tag == "h1"
         self.anchors |= {values[name] for name in ("id", "name") if name in values}
@@ -45,7 +45,7 @@ class Page(HTMLParser):
 
 
 def faults_of(pages: dict[Path, Page], root: Path) -> tuple[list[str], int]:
-    """What is wrong, and the number of links that were followed."""
+    """The faults, and the number of links that were followed."""
     faults = []
     followed = 0
     for path, page in pages.items():
@@ -61,14 +61,14 @@ def faults_of(pages: dict[Path, Page], root: Path) -> tuple[list[str], int]:
             followed += 1
             target = (path.parent / unquote(parts.path)).resolve() if parts.path else path
             if not target.is_file():
-                faults.append(f"{here}: {url} leads nowhere")
+                faults.append(f"{here}: {url} does not exist")
             elif target in pages and unquote(parts.fragment) not in {"", *pages[target].anchors}:
                 faults.append(f"{here}: {url} has no such anchor")
     return faults, followed
 
 
 def main(folder: str) -> None:
-    """Exits with 1 if something is wrong."""
+    """Exits with 1 if there is a fault."""
     root = Path(folder).resolve()
     pages = {path: Page(path) for path in sorted(root.rglob("*.html"))}
     faults, followed = faults_of(pages, root)

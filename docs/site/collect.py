@@ -1,10 +1,10 @@
 """Collects the sources of the site in a folder.
 
-They are the documents, and pages made from the program, from doxygen's reference and from the
-examples, which are run.
+They are the documents, and pages generated from the program, from doxygen's reference and from
+the examples, which are run.
 
-collect.py FOLDER TOOLS DOXYGEN: FOLDER is replaced; TOOLS has the program and its manual page,
-DOXYGEN what doxygen wrote.
+collect.py FOLDER TOOLS DOXYGEN: FOLDER is replaced; TOOLS contains the program and its manual page,
+DOXYGEN the output of doxygen.
 """
 
 import json
@@ -23,7 +23,7 @@ from reference import Reference
 ROOT = Path(__file__).resolve().parents[2]
 SITE = ROOT / "docs" / "site"
 
-# The files that each example of Python gets, and its arguments; the last one may be a picture.
+# The input files and the arguments of each Python example; the last argument may be a picture.
 PYTHON_EXAMPLES = {
     "drive_quality": (["valley_drive.rec"], "drive_quality.svg"),
     "facade_coverage": (["facade.json"], "facade_coverage.svg"),
@@ -36,7 +36,7 @@ def with_links_of_site(text: str, document: Path, pages: set[str]) -> str:
     """The document with links that work on the site.
 
     Links to examples become links to their pages, and links to other files of the repository become
-    plain text. A link to nothing is an error.
+    plain text. A link without a target is an error.
     """
 
     def changed(match: re.Match[str]) -> str:
@@ -46,7 +46,7 @@ def with_links_of_site(text: str, document: Path, pages: set[str]) -> str:
             return match[0]
         place = Path(os.path.normpath(document.parent / path))
         if not (ROOT / place).exists():
-            raise SystemExit(f"{document}: the link {target} leads nowhere")
+            raise SystemExit(f"{document}: the link {target} has no target")
         if str(place) in pages or mark == "!":
             return match[0]
         if f"{place}.md" in pages:
@@ -59,7 +59,7 @@ def with_links_of_site(text: str, document: Path, pages: set[str]) -> str:
 
 
 def run_python_example(name: str) -> tuple[str, str | None]:
-    """What an example prints, and the picture that it draws."""
+    """The output of an example, and the picture that it draws."""
     arguments, picture = PYTHON_EXAMPLES[name]
     data = ROOT / "tests" / "data"
     with tempfile.TemporaryDirectory() as folder:
@@ -101,7 +101,7 @@ def examples() -> dict[str, str]:
             )
     sources = sorted((ROOT / "python" / "examples").glob("*.py"))
     if {source.stem for source in sources} != set(PYTHON_EXAMPLES):
-        raise SystemExit("collect.py: the examples of Python are others than those of the folder")
+        raise SystemExit("collect.py: the list of Python examples is not that of the folder")
     for source in sources:
         output, picture = run_python_example(source.stem)
         call = " ".join([*PYTHON_EXAMPLES[source.stem][0], PYTHON_EXAMPLES[source.stem][1] or ""])
@@ -118,9 +118,9 @@ def examples() -> dict[str, str]:
 
 
 def with_output(page: str, tools: Path) -> str:
-    """The page with the output of the commands in its blocks of the kind console.
+    """The page with the output of the commands in its blocks of kind console.
 
-    Blocks of C++ and Python must be lines of what runs as a test.
+    Blocks of C++ and Python must consist of lines from examples that run as tests.
     """
     documents = ("README.md", "docs/python.md")
     tested = {

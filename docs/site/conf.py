@@ -1,4 +1,4 @@
-"""Settings of Sphinx for the site, for the sources that `collect.py` collects."""
+"""Settings of Sphinx for the site, whose sources `collect.py` collects."""
 
 import ast
 import inspect
@@ -21,13 +21,13 @@ root_doc = "index"
 
 extensions = ["myst_parser", "sphinx.ext.autodoc", "sphinx_design"]
 myst_enable_extensions = ["attrs_block", "attrs_inline", "colon_fence", "deflist"]
-# GitHub's anchors, so that a link works on the site as it does in the repository.
+# The same anchors as GitHub, so that links work both on the site and in the repository.
 myst_heading_anchors = 4
 highlight_language = "none"
 
 autodoc_member_order = "bysource"
 autodoc_typehints = "signature"
-# Of these only names are needed.
+# Only the names of these modules are needed.
 autodoc_mock_imports = ["dask", "fsspec", "pandas", "pyarrow", "pyspark"]
 # Docstrings name Python objects and parameters in backquotes.
 default_role = "py:obj"
@@ -49,7 +49,7 @@ html_theme_options = {
 
 
 class LinkNames(SphinxPostTransform):
-    """Makes names in backquotes links.
+    """Turns names in backquotes into links.
 
     Names of C++ and C lead to doxygen's pages, commands to the manual, names of Python to its
     reference.
@@ -58,7 +58,7 @@ class LinkNames(SphinxPostTransform):
     default_priority = 400
 
     def run(self, **_: object) -> None:
-        """Links those of the document."""
+        """Turns the names in the document into links."""
         docname = self.env.docname
         objects = self.env.get_domain("py").objects
         up = "../" * docname.count("/")
@@ -88,7 +88,7 @@ class LinkNames(SphinxPostTransform):
 
     @staticmethod
     def is_in_title(node: nodes.Node) -> bool:
-        """Titles stay as they are: they are in the navigation, too."""
+        """Whether the node is in a title. Titles get no links: the navigation repeats them."""
         while node is not None:
             if isinstance(node, nodes.title):
                 return True
@@ -97,7 +97,7 @@ class LinkNames(SphinxPostTransform):
 
 
 def _of_stub() -> tuple[dict[str, str], dict[str, str]]:
-    """Constructors and types of properties of the extension module, which only its stub has."""
+    """Constructors and property types of the extension module, from its stub."""
     stub = Path(surveydata.__file__).with_name("_core.pyi").read_text(encoding="utf-8")
     constructors, types = {}, {}
     for one in ast.parse(stub).body:

@@ -3,12 +3,12 @@
 import re
 import textwrap
 
-# What the manual page is written in; any other request is an error.
+# The roff requests that the manual page uses; any other is an error.
 _SPECIAL = {"\\e": "\\", "\\-": "-", "\\(aq": "'", "\\(dq": '"', "\\&": "", "\\ ": "\xa0"}
 
 
 def _plain(text: str) -> str:
-    """The text without its fonts and escapes."""
+    """The text without font changes and escapes."""
 
     def character(match: re.Match[str]) -> str:
         escape = match[0]
@@ -103,7 +103,7 @@ def to_markdown(page: str) -> str:
         elif request == ".PP":
             out.append("")
         elif line.startswith("."):
-            raise ValueError(f"the manual page has a request that is not known here: {line}")
+            raise ValueError(f"the manual page has an unknown request: {line}")
         else:
             if title:
                 first_lines.setdefault(title, "")

@@ -1,17 +1,17 @@
-"""Overviews of doxygen's pages, and the addresses of the names that they explain."""
+"""Overviews of doxygen's pages, and the URLs of the documented names."""
 
 import re
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
-# The folders of the public headers, in the order of a reader who is new, and what they hold.
+# The folders of the public headers, in reading order for newcomers, with their contents.
 SUBSYSTEMS = {
     "gnss": "GNSS measurements, record files",
     "scanning": "Scan areas and scans",
     "geodetic": "Coordinates and their quality",
     "total_station": "Total-station records",
     "imaging": "Camera orientations",
-    "object_model": "What every record has",
+    "object_model": "The base of all records",
     "platform": "The instrument platform",
 }
 
@@ -25,7 +25,7 @@ def _text(element: ElementTree.Element | None) -> str:
 
 
 class Reference:
-    """What doxygen wrote to `folder`: its HTML, its XML and its tag file."""
+    """The output of doxygen in `folder`: HTML, XML and tag file."""
 
     def __init__(self, folder: Path, url: str) -> None:
         self.xml = folder / "xml"
@@ -33,9 +33,9 @@ class Reference:
         self.compounds = ElementTree.parse(folder / "tags.xml").getroot().findall("compound")
 
     def names(self) -> dict[str, str]:
-        """The addresses of classes, of their members, of functions and of what is in C.
+        """The URLs of classes, their members, functions and the declarations of the C interface.
 
-        A name without its namespace is there too if only one thing has it.
+        A name without its namespace is included if it is unique.
         """
         found: dict[str, set[str]] = {}
 
@@ -64,7 +64,7 @@ class Reference:
                         add(f"{name.split('::', 1)[1]}::{own}", url)
                     if kind == "namespace":
                         add(own, url)
-        # Overloads have one address: that of the first.
+        # Overloads share the URL of the first one.
         return {
             name: self.url + min(urls)
             for name, urls in found.items()

@@ -19,7 +19,7 @@ before(async () => {
 });
 after(() => browser.close());
 
-/** Runs `work` with a page, which must neither complain nor load anything from elsewhere. */
+/** Runs `work` with a page, which must report no error and load nothing from other sites. */
 async function onPage(options, work) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 900 }, ...options });
   const complaints = [];
@@ -78,7 +78,7 @@ for (const [words, expected] of [
   }));
 }
 
-test("a search for what is not there finds nothing", () => onPage({}, async (page) => {
+test("a search for an unknown word finds nothing", () => onPage({}, async (page) => {
   await open(page, "index.html");
   await page.fill(".sidebar-search", "xylophone");
   await page.press(".sidebar-search", "Enter");
@@ -105,7 +105,7 @@ for (const colorScheme of ["light", "dark"]) {
     }));
 }
 
-test("a reader's choice of light or dark counts, in doxygen's pages too", () =>
+test("a reader's choice of light or dark applies to doxygen's pages, too", () =>
   onPage({ colorScheme: "light" }, async (page) => {
     await open(page, "index.html");
     assert.equal(await isInverted(page, "article img"), false);

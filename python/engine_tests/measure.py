@@ -31,7 +31,7 @@ DATA = Path(__file__).resolve().parents[2] / "tests" / "data"
 
 
 def make_archive(folder: Path, size: int) -> int:
-    """Four files of together about so many bytes; the answer is the number of measurements."""
+    """Creates four files of about `size` bytes in total; returns the number of measurements."""
     sample = b"".join(
         (DATA / f"{name}.rec").read_bytes() for name in ("valley_drive", "desert_highway")
     )
@@ -147,14 +147,14 @@ def measure_queries(work: Path) -> None:
             ["pyarrow", "Parquet", f"{by_pyarrow * 1e3:,.1f} ms"],
         ],
     )
-    print(f"\nIn DuckDB, Parquet is {slow / quick:,.0f} times as quick as JSON Lines.")
+    print(f"\nIn DuckDB, Parquet is {slow / quick:,.0f} times as fast as JSON Lines.")
 
 
 BLOCKSIZES = itertools.count(16 << 20)
 
 
 def ask_frame(archive: Path) -> Any:
-    """Another one each time: Dask does not compute again what it has."""
+    """A different one each time, because Dask does not compute a result again."""
     import surveydata.dask as sdd
 
     return sdd.read_records(archive, blocksize=next(BLOCKSIZES), index=None)
@@ -189,7 +189,7 @@ def measure_dask(archive: Path, size: int, rows: int) -> None:
 
 def time_spark(spark: Any, archive: Path, rows: int) -> list[float]:
     def load(**options: object) -> Any:
-        """Another one each time: Spark does not compute again what it has."""
+        """A different one each time, because Spark does not compute a result again."""
         reader = spark.read.format("surveydata").options(blocksize=16 << 20, **options)
         return reader.load(str(archive))
 

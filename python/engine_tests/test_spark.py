@@ -233,7 +233,7 @@ def test_spark_keeps_filters_of_the_query_before(pushing: SparkSession, data: Pa
 
 
 def test_spark_mixes_filters_of_one_query(pushing: SparkSession, data: Path) -> None:
-    """Why a filter that is always there would not help. If this fails, Spark is fixed."""
+    """The reason why always adding a filter would not help. If this fails, Spark is fixed."""
     frame = load(pushing, data, columns="offset")
     first = frame.where("file = 'valley_drive.rec'")
     both = first.union(frame.where("file = 'desert_highway.rec'"))
@@ -261,7 +261,7 @@ def test_options_for_times(spark: SparkSession, data: Path) -> None:
         assert frame.where("file = 'valley_drive.rec'").count() <= frame.count()
         assert frame.count() == len(expected(keep))
     for wrong in ("yesterday", "now", "2026-03-01T06:00:00Z", "2026-13-01", "20260301", ""):
-        with pytest.raises(Exception, match="is no GPS time"):
+        with pytest.raises(Exception, match="is not a GPS time"):
             load(spark, data, **{"from": wrong}).count()
 
 

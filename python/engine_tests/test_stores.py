@@ -175,7 +175,7 @@ def test_a_changed_file_has_another_version(tmp_path: Path, samples: list[bytes]
 
 def test_what_has_no_stretches_is_refused(tmp_path: Path) -> None:
     os.mkfifo(tmp_path / "pipe")
-    with pytest.raises(ValueError, match="no regular file"):
+    with pytest.raises(ValueError, match="not a regular file"):
         list(_stores.list_files(tmp_path / "pipe"))
     with pytest.raises(FileNotFoundError):
         list(_stores.list_files(tmp_path / "none"))

@@ -259,9 +259,8 @@ std::string Draw(const AreaC& area, const Pairs& probes, const std::optional<Win
 void AddAreas(nb::module_& module) {
   using Rule = AreaExplanation::Rule;
   nb::enum_<Rule>(module, "Rule", "The rule that decided whether a direction lies inside.")
-      .value("OUT_OF_RANGE", Rule::kOutOfRange,
-             "An angle is no number, or beyond 100 rad: outside.")
-      .value("DOME", Rule::kDome, "Inside where V, brought into a full turn, is at most 0.8 pi.")
+      .value("OUT_OF_RANGE", Rule::kOutOfRange, "An angle is NaN, or beyond 100 rad: outside.")
+      .value("DOME", Rule::kDome, "Inside if V, wrapped into a full turn, is at most 0.8 pi.")
       .value("NOT_VALID", Rule::kNotValid, "The points make no area: outside.")
       .value("BAND", Rule::kBand, "Within the boundary band of an edge: inside.")
       .value("NO_SEARCH_LINE", Rule::kNoSearchLine,
@@ -273,11 +272,11 @@ void AddAreas(nb::module_& module) {
 
   nb::class_<Explanation>(module, "Explanation",
                           "Why an area contains a direction, or does not. Angles are in the unit "
-                          "that was asked in; edges are counted from 0.")
+                          "of the call; edges are counted from 0.")
       .def_ro("is_inside", &Explanation::isInside, "The answer of `contains`.")
       .def_ro("rule", &Explanation::rule, "The rule that decided.")
       .def_ro("hz", &Explanation::hz,
-              "The direction, brought into a full turn; as given where it is out of range.")
+              "The direction, wrapped into a full turn; as given if it is out of range.")
       .def_ro("v", &Explanation::v, "Likewise.")
       .def_ro("crossings", &Explanation::crossings,
               "Where the meridian of the direction crosses edges, by ascending V: the edge, V, and "

@@ -170,7 +170,7 @@ void AddPositions(nb::module_& module) {
   BindDataClass<R>(
       module, "Rectangle",
       "An area between two corners in a reference system. The three parts are its own. There is no "
-      "equality: == asks for the same object.",
+      "equality: == tests for the same object.",
       MakeProperty<R>(
           "crs", [](auto& r) -> auto& { return r.GetCRS(); }, &R::SetCRS, "The reference system."),
       MakeProperty<R>(
@@ -181,7 +181,7 @@ void AddPositions(nb::module_& module) {
   using D = DisplayAttributesC;
   BindDataClass<D>(
       module, "DisplayAttributes",
-      "Display settings of the caller's own meaning. There is no equality: == asks for "
+      "Display settings whose meaning the caller defines. There is no equality: == tests for "
       "the same object.",
       MakeProperty<D>("mode", &D::GetMode, &D::SetMode),
       MakeProperty<D>("param_1", &D::GetParam1, &D::SetParam1),
@@ -397,9 +397,10 @@ void AddMeasurements(nb::module_& module) {
       return std::tuple<std::uint16_t, std::int32_t>(stored.week, stored.timeOfWeek);
     };
   };
-  nb::class_<M> cls(module, "GPSMeasData",
-                    "One GNSS measurement. Without a frame it has antenna height and values alone. "
-                    "What is not set is None.");
+  nb::class_<M> cls(
+      module, "GPSMeasData",
+      "One GNSS measurement. Without a frame it has only an antenna height and values. "
+      "What is not set is None.");
   cls.def(
          "__init__",
          [](M* self, const std::optional<nb::object>& frame, const GPSAntHeightC* antennaHeight,

@@ -40,7 +40,7 @@ class BlockC {
 struct BatchColumn {
   const SDI::GPSColumn* column = nullptr;
   BlockC values;
-  BlockC offsets;   ///< Empty but for texts and lists.
+  BlockC offsets;   ///< Empty except for texts and lists.
   BlockC validity;  ///< Empty where every row has a value.
   std::uint64_t absent = 0;
 
@@ -67,7 +67,7 @@ std::shared_ptr<const RecordBatch> ReadBatch(SDI::GPSColumnReaderC& reader,
 
 /// Flags and validities as bools, with one element per row.
 struct Bools {
-  BlockC values;    ///< Empty for columns that are no flags.
+  BlockC values;    ///< Empty for columns other than flags.
   BlockC validity;  ///< Empty where every row has a value.
 };
 

@@ -254,12 +254,12 @@ class Area:
 
     @property
     def setting_c(self) -> int:
-        """Of the caller's own meaning; 0 by default."""
+        """The caller defines its meaning; 0 by default."""
         return self._impl.settings()[4]
 
     @property
     def setting_d(self) -> float:
-        """Of the caller's own meaning; 0 by default."""
+        """The caller defines its meaning; 0 by default."""
         return self._impl.settings()[5]
 
     @property

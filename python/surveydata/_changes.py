@@ -28,13 +28,13 @@ class ByteChange(NamedTuple):
 
 
 class ChangeCounts(NamedTuple):
-    """What became of the measurements that `set_records` took."""
+    """The numbers of measurements that `set_records` changed and did not change."""
 
     changed: int
     alike: int
-    """They had the values already."""
+    """Those that had the values already."""
     without_room: int
-    """Their frames have no room for one of the fields; they are left as they were."""
+    """Those whose frame has no room for one of the fields; they stay unchanged."""
 
 
 def set_record(
@@ -57,7 +57,7 @@ def set_record(
 
     Returns the changed bytes, none if the record has these values already. Raises ValueError if no
     value is given, if a value does not fit, and if there is no such measurement or its frame has no
-    room for the field. Raises OSError if the file cannot be changed; it then stays as it was.
+    room for the field. Raises OSError if the file cannot be changed; it then stays unchanged.
     """
     if not 0 <= offset < 2**64:
         raise ValueError("offset is in bytes, not below 0, and below 2^64")

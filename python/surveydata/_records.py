@@ -334,7 +334,7 @@ def _read_into(file: Any, memory: memoryview) -> int:
     if data is None:
         raise BlockingIOError(errno.EAGAIN, "the file object has no bytes yet")
     if len(data) > len(memory):
-        raise ValueError("the file object has returned more bytes than it was asked for")
+        raise ValueError("the file object has returned more bytes than requested")
     memory[: len(data)] = data
     return len(data)
 

@@ -74,7 +74,7 @@ def _list_local(path: Path, pattern: str) -> Iterator[RecordFile]:
     for file in files:
         status = file.stat()
         if not file.is_file():
-            raise ValueError(f"{file} is no regular file, and has no stretches")
+            raise ValueError(f"{file} is not a regular file, so it has no stretches")
         name = file.relative_to(path).as_posix() if file != path else file.name
         yield RecordFile(str(file), status.st_size, name, str(status.st_mtime_ns))
 

@@ -232,7 +232,7 @@ def _time_in(option: str, text: str) -> np.datetime64:
     if re.fullmatch(r"\d{4}-\d\d-\d\d([T ]\d\d:\d\d(:\d\d(\.\d{1,6})?)?)?", text):
         with contextlib.suppress(ValueError):
             return np.datetime64(text, "us")
-    raise ValueError(f"option {option}: {text} is no GPS time such as 2026-03-01T06:00:00")
+    raise ValueError(f"option {option}: {text} is not a GPS time such as 2026-03-01T06:00:00")
 
 
 class RecordSource(datasource.DataSource):

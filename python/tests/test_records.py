@@ -308,7 +308,7 @@ def test_an_exception_of_a_file_object_comes_through() -> None:
         def read(self, size: int | None = -1) -> bytes:
             return b"x" * ((size or 0) + 1)
 
-    with pytest.raises(ValueError, match="more bytes than it was asked for"):
+    with pytest.raises(ValueError, match="more bytes than requested"):
         sd.read_records(TooMuch(b"x" * 100))
 
     class NotReady(OneByOne):

@@ -23,7 +23,7 @@ using RecordColumns::BytesOfValues;
 using RecordColumns::IsLong;
 
 constexpr std::size_t kRowsInBatch = 65536;
-/// Before so many rows are read, there is room for their longest texts and lists.
+/// Before this many rows are read, there is room for their longest texts and lists.
 constexpr std::size_t kRowsAtOnce = 256;
 /// The smallest frame of a measurement, in bytes.
 constexpr std::uint64_t kSmallestFrame = 19;

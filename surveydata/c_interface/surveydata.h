@@ -529,8 +529,8 @@ typedef struct surveydata_area_definition {
   double v_step;           ///< Likewise.
 } surveydata_area_definition;
 
-/// Creates an area from any points; `surveydata_area_faults` tells whether they are valid. `*area`
-/// is set to the area, or to null on failure.
+/// Creates an area from any points; `surveydata_area_faults` checks them. `*area` is set to the
+/// area, or to null on failure.
 SURVEYDATA_API surveydata_status
 surveydata_area_create(const surveydata_area_definition* definition, surveydata_area** area);
 

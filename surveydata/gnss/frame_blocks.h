@@ -142,7 +142,7 @@ struct Name {
   }
   /// The first units of the name, whatever follows them.
   void Take(const GPSRecordFileInfo& info) {
-    char16_t units[sizeof(info.name)];  // its bytes make no more
+    char16_t units[sizeof(info.name)];  // its bytes decode to at most as many
     DecodeName(info.name, sizeof(info.name), units, std::size(units));
     std::copy_n(units, kNameUnits, name);
     number = info.number;

@@ -68,8 +68,8 @@ class SURVEYDATA_API ScanImplC : public API::ImplC<ScanImplC, ScanC> {
   std::unique_ptr<ScanDefinitionC> area_;
 };
 
-/// One laser scan job: four texts, four values and two words of the callers' own meaning, and at
-/// most one area, which the scan owns.
+/// One laser scan job: four texts, four values and two words whose meaning the caller defines,
+/// and at most one area, which the scan owns.
 ///
 /// Texts are empty and numbers 0 at first; there is no area.
 class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {

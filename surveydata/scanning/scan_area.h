@@ -77,8 +77,8 @@ class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
 
 /// Which directions around the instrument a scan covers.
 ///
-/// An area keeps any points and steps; whether they make sense is asked by `IsValid`. The settings
-/// A to E and the limits are the callers': they are stored, copied and partly compared.
+/// An area accepts any points and steps; `IsValid` checks them. The caller defines the meaning of
+/// the settings A to E and of the limits: they are stored, copied and partly compared.
 class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
  public:
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.
@@ -87,7 +87,7 @@ class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
 
   /// The two corners of the bounds, their distances untouched.
   ///
-  /// \param normalize  whether Hz and V of `high` are brought into [0, 2 pi]; `low` never is.
+  /// \param normalize  whether Hz and V of `high` are wrapped into [0, 2 pi]; `low` never is.
   /// \return false, with both points untouched, when the area is not valid.
   virtual bool GetBoundingPoints(ScanDefPointC& low, ScanDefPointC& high, bool normalize) const;
 

@@ -23,7 +23,7 @@ class GreatCircleArcC {
   /// Whether the ends are on opposite meridians, with longitudes on any turn.
   bool IsOpposite() const { return opposite_; }
 
-  /// The course at the start towards the end, from north over east, in [0, 2 pi).
+  /// The course at the start towards the end, measured from north through east, in [0, 2 pi).
   /// \source c = atan(sin d / (tan latE cos latS - cos d sin latS)), d = lonE - lonS, moved into
   ///         the half turn that the sign of d requires.
   double GetCourse() const;

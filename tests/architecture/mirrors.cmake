@@ -14,7 +14,7 @@ set(surveydata_several
   c_interface/c_interface_area c_interface/c_interface_columns c_interface/c_interface_faults
   c_interface/c_interface_measurement c_interface/c_interface_posix c_interface/c_interface_reader
   c_interface/c_interface_texts c_interface/c_interface_threads c_interface/c_interface_values
-  # what readers and writers do with files, with damaged frames, with the samples, with texts
+  # readers and writers with files, failing calls, the samples and invalid texts
   gnss/posix_files gnss/windows_files gnss/record_faults gnss/record_samples
   gnss/invalid_parameter_handler
   # the rules of every pair
@@ -22,7 +22,7 @@ set(surveydata_several
   object_model/pair_rules object_model/random_program object_model/record_rules
   object_model/virtual_slots
   object_model/hardened_format
-  # recorded answers of all questions
+  # recorded results of all functions
   sphere_geometry/geometry_cases)
 set(tools_several
   # the program as a whole
@@ -80,12 +80,12 @@ function(check_tests root tests)
       if(${folder}/${test} IN_LIST several)
         list(REMOVE_ITEM several ${folder}/${test})
         if(found)
-          complain("${folder}/${test} is named after a source and needs not be listed")
+          complain("${folder}/${test} is named after a source and need not be listed")
         endif()
       elseif(NOT found)
         complain("${tests}/${folder}/${file} is named after no source of ${root}/${folder}")
       endif()
-      # By its name, or by a function that is given the last word of it.
+      # By its name, or by a function whose argument is the last word of the name.
       string(REGEX REPLACE "^.*_" "" last ${test})
       string(FIND "${built}" "${test}_test" place)
       if(place EQUAL -1 AND NOT last MATCHES "^(posix|windows)$"
@@ -95,7 +95,7 @@ function(check_tests root tests)
     endforeach()
   endforeach()
   foreach(test ${several})
-    complain("${tests}/${test}_test is listed, and is not there")
+    complain("${tests}/${test}_test is listed but does not exist")
   endforeach()
   set(seen ${seen} PARENT_SCOPE)
   set(violations ${violations} PARENT_SCOPE)

@@ -224,7 +224,7 @@ def tests_for(file):
 
 
 def stale_entries():
-    """What the tables of tests and of explanations name and is not there."""
+    """Entries of the tables and of explained.json whose file, test or mutation does not exist."""
     built = {path.stem for path in PROJECT.glob("tests/**/*") if path.suffix in (".cpp", ".c")}
     for file, tests in TESTS.items():
         if not any(PROJECT.glob(file + "*")):

@@ -105,7 +105,8 @@ TEST_F(FilterBounds, VerticesOfEdges) {
     if (!InRange(longitude, std::min(start, previous.Hz), std::max(start, previous.Hz))) continue;
     const double farthest = std::fabs(latitude - (HALF_PI - current.V)) - width;
     used = std::max(used, farthest);
-    // The claim behind it, exactly: a cos x + b sin x has its vertex at x0, no farther in latitude.
+    // The claim on which it rests, exactly: a cos x + b sin x has its vertex at x0, no farther in
+    // latitude.
     if (i % 40 != 0 || arc.IsMeridian()) continue;
     const Exact d = Exact(previous.Hz) - Exact(current.Hz);
     const Exact a = 1 / tan(Exact(current.V));

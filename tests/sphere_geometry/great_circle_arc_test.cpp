@@ -10,7 +10,7 @@ namespace {
 
 GreatCircleArcC Arc(AnglePointC a, AnglePointC b) { return {SpherePointC(a), SpherePointC(b)}; }
 
-TEST(GreatCircleArc, WhichEndsHaveAnArcAndOfWhichKind) {
+TEST(GreatCircleArc, EndsDetermineWhetherThereIsAnArcAndItsKind) {
   const struct {
     const char* what;
     AnglePointC a, b;
@@ -44,7 +44,7 @@ TEST(GreatCircleArc, WhichEndsHaveAnArcAndOfWhichKind) {
   }
 }
 
-TEST(GreatCircleArc, CourseTurnsFromNorthOverEast) {
+TEST(GreatCircleArc, CourseIsMeasuredFromNorthThroughEast) {
   const AnglePointC from{1.0, HALF_PI};
   EXPECT_NEAR(Arc(from, {1.0, 1.0}).GetCourse(), 0.0, 1e-15);
   EXPECT_NEAR(Arc(from, {1.001, HALF_PI - 0.001}).GetCourse(), PI / 4.0, 1e-6);
@@ -72,7 +72,7 @@ TEST(GreatCircleArc, VertexIsTheHighestPointOfTheCircle) {
   ASSERT_TRUE(Arc({8.0, 0.8}, {9.0, 0.8}).GetVertex(lat, lon));
   EXPECT_NEAR(lon, 8.5, 1e-14);
   EXPECT_FALSE(Arc({1.0, 0.8}, {1.0, 0.8}).GetVertex(lat, lon));
-  EXPECT_NEAR(lon, 8.5, 1e-14) << "a failure leaves the arguments";
+  EXPECT_NEAR(lon, 8.5, 1e-14) << "a failure does not change the arguments";
 }
 
 TEST(GreatCircleArc, CircleOfLatitudeIsCrossedTwiceOrNever) {
@@ -193,7 +193,7 @@ TEST(ArcEdge, AShortArcIsCrossedWhereItIs) {
   }
 }
 
-TEST(ArcEdge, AMeridianCrossesOnItsOwnSideAlone) {
+TEST(ArcEdge, AMeridianCrossesOnlyOnItsOwnSide) {
   const ArcEdgeC arc{SpherePointC({1.0, 1.0}), SpherePointC({2.0, 1.0})};
   double v = -1.0;
   ASSERT_TRUE(arc.CrossesMeridian(1.5, std::cos(1.5), std::sin(1.5), 0.0, 3.0, v));

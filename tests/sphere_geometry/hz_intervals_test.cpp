@@ -50,7 +50,7 @@ TEST(HzIntervals, ContainsWhatOneOfItsIntervalsContains) {
     }
   }
   EXPECT_GT(inside, 10000);
-  EXPECT_LT(needlesslyNear, 2000) << "of some 24000 that lie anywhere";
+  EXPECT_LT(needlesslyNear, 2000) << "of about 24000 at random";
 }
 
 // More intervals than may be stored: the set grows where gaps are narrow, and never shrinks.

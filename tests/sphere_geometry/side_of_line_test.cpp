@@ -18,7 +18,7 @@ int ExactSide(const PlanePoint& a, const PlanePoint& b, const PlanePoint& p) {
   return cross.sign();
 }
 
-TEST(SideOfLine, TellsLeftFromRight) {
+TEST(SideOfLine, DistinguishesLeftFromRight) {
   const PlanePoint a{1.0, 1.0};
   const PlanePoint b{2.0, 3.0};
   EXPECT_EQ(SideOfLine(a, b, {1.5, 2.5}), 1);
@@ -30,7 +30,7 @@ TEST(SideOfLine, TellsLeftFromRight) {
 }
 
 // 2^-40 is the grid: of these products, which differ by 2^-80, both round to the same double.
-TEST(SideOfLine, TellsProductsThatRoundAlike) {
+TEST(SideOfLine, DistinguishesProductsThatRoundAlike) {
   const PlanePoint origin{0.0, 0.0};
   const PlanePoint b{1.0 + kPlaneGrid, 1.0};
   EXPECT_EQ((1.0 + kPlaneGrid) * (1.0 - kPlaneGrid), 1.0 * 1.0);

@@ -4,8 +4,8 @@
 #include "tests/support/record_field_lists.h"
 
 /// \file
-/// The lists of the fields of all records, compiled once, in record_fields.cpp: each takes
-/// compilers up to a second.
+/// The lists of the fields of all records. They are compiled only once, in record_fields.cpp,
+/// because each takes up to a second to compile.
 
 // clang-format off
 #define RECORDS_EACH_LIST(prefix) \

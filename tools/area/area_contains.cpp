@@ -28,22 +28,19 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Report whether each direction lies inside an area. A direction outside, or none at all, "
-    "gives\n"
-    "the exit code 1; an area that is not valid gives the exit code 4 and no answers.\n\n"
-    "Directions come from the command line, or from a table with one in each line, in the unit of\n"
-    "the area file. A heading names the columns, hz and v and any others, in any order; it may "
-    "name\n"
-    "that unit too, as in Hz [gon]. Without a heading there are two columns, Hz and V. Commas,\n"
-    "semicolons, tabs or blanks separate them. Other columns go to the output. A line that is not "
-    "a\n"
-    "direction is an error. Empty lines are skipped, and so are lines that begin with #, if the\n"
-    "first column is Hz or V.\n\n"
-    "A direction in the boundary band is inside. The band reaches 0.0005 gon to both sides of "
-    "lines\n"
-    "that are displaced from the boundary: they have its Hz less twice the least Hz of the area,\n"
-    "and are straight in Hz and V where the boundary follows arcs. The closing edge of a polygon\n"
-    "has no band.";
+    "Report whether each direction lies inside an area. A direction outside, or no direction at\n"
+    "all, gives the exit code 1; an area that is not valid gives the exit code 4 and no\n"
+    "answers.\n\n"
+    "Directions come from the command line, or from a table with one direction in each line, in\n"
+    "the unit of the area file. A heading names the columns: hz, v and any others, in any\n"
+    "order. It may also name that unit, as in Hz [gon]. Without a heading there are two\n"
+    "columns, Hz and V. Commas, semicolons, tabs or blanks separate them. Other columns are\n"
+    "copied to the output. A line that is not a direction is an error. Empty lines are skipped,\n"
+    "and so are lines that begin with #, if the first column is Hz or V.\n\n"
+    "A direction in the boundary band is inside. The band extends 0.0005 gon to both sides of\n"
+    "lines that are displaced from the boundary: their Hz is that of the boundary less twice\n"
+    "the least Hz of the area, and they are straight in Hz and V where the boundary follows\n"
+    "arcs. The closing edge of a polygon has no band.";
 
 enum class Form { kText, kCsv, kJson };
 

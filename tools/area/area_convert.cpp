@@ -19,9 +19,9 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Write an area file with its angles in another unit. Everything else stays, and the area need\n"
-    "not be valid. Degrees and gon come back as they were given when they are converted back, if\n"
-    "they have at most 10 decimals; radians may change in their last digits.";
+    "Write an area file with its angles in another unit. Everything else stays the same, and\n"
+    "the area need not be valid. Degrees and gon with at most 10 decimals are restored exactly\n"
+    "when they are converted back; radians may change in their last digits.";
 
 struct Options {
   std::string file;
@@ -29,7 +29,7 @@ struct Options {
   std::string output;
 };
 
-// The angle in the unit with as few digits as mean the same angle, but for what rounding takes.
+// The angle in the unit with the fewest digits that give the same angle, except for rounding.
 double ToUnit(double radians, AngleUnit unit) {
   const double rounded = FromRadians(radians, unit);
   const double slack = 2 * std::numeric_limits<double>::epsilon() * std::fabs(radians);

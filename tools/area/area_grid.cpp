@@ -17,12 +17,11 @@ namespace {
 
 constexpr const char* kDescription =
     "List the directions of an area at its steps as a CSV table, in the order in which an\n"
-    "instrument sweeps: columns by ascending Hz, and V down and up in turns. The first direction "
-    "is\n"
-    "that of the lowest Hz and V of the bounds, around the zenith Hz 0 and V 0. Those that area\n"
-    "contains takes for inside are listed, in the unit of the area file. The table is written "
-    "while\n"
-    "it is computed. No direction at all gives the exit code 1, an area that is not valid 4.";
+    "instrument sweeps: columns by ascending Hz, with V ascending and descending alternately.\n"
+    "The grid begins at the lowest Hz and V of the bounds; around the zenith, at Hz 0 and V 0.\n"
+    "The table has the directions that area contains reports as inside, in the unit of the area\n"
+    "file. It is written while it is computed. If it has no direction, the exit code is 1; if\n"
+    "the area is not valid, 4.";
 
 struct Options {
   std::string file;

@@ -109,7 +109,7 @@ Command AreaOutlineCommand() {
   command.options = {
       {.names = {"--default-distance"},
        .value = "M",
-       .description = "Where no corner has a distance, m; none by default",
+       .description = "The distance in metres if no corner has one; none by default",
        .take =
            [options](const std::string& text) { options->defaultDistance = ParseDistance(text); }},
       {.names = {"--json"},

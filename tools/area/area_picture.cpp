@@ -21,7 +21,7 @@ constexpr double kLegendTop = 500;
 constexpr double kLegendLine = 18;
 constexpr double kNotesTop = 540;
 
-// Below the panels; contains only what is in the picture.
+// The legend below the panels. It explains only what the picture contains.
 class LegendC {
  public:
   LegendC(SvgC& svg, LabelPlacerC& labels) : svg_(svg), labels_(labels) {}
@@ -98,7 +98,7 @@ std::string Subtitle(const AreaPicture& picture, const std::optional<AreaBounds>
   return text;
 }
 
-// What the picture shows only to its resolution, or not at all.
+// Notes on what the picture shows only at its resolution, or not at all.
 std::string Notes(const AreaPicture& picture) {
   std::string notes;
   const auto add = [&notes](std::string_view note) {
@@ -107,17 +107,19 @@ std::string Notes(const AreaPicture& picture) {
   };
   const std::size_t corners = picture.file.Sphere().GetPoints().size();
   if (corners > kManyCorners) {
-    add(fmt::format("{} corners: drawn to the resolution of the picture, and not marked", corners));
+    std::string note =
+        fmt::format("{} corners: drawn at the resolution of the picture, without marks", corners);
     const std::size_t faulty = Faulty(picture.faults, &AreaFault::points).size();
     if (faulty > kManyCorners) {
-      add(fmt::format("the first {} of {} that break a rule are", kManyCorners, faulty));
+      note += fmt::format(" except at the first {} of {} that break a rule", kManyCorners, faulty);
     } else if (faulty > 0) {
-      add(fmt::format("but for the {} that break a rule", faulty));
+      note += fmt::format(" except at the {} that break a rule", faulty);
     }
+    add(note);
   }
-  if (!IsInsideDrawn(picture)) add("what is inside is not drawn");
+  if (!IsInsideDrawn(picture)) add("the inside is not drawn");
   if (picture.probes.IsRaster()) {
-    add(fmt::format("{} directions: drawn to the resolution of the picture",
+    add(fmt::format("{} directions: drawn at the resolution of the picture",
                     picture.probes.GetCount(true) + picture.probes.GetCount(false)));
   }
   return notes;

@@ -22,12 +22,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, "
-    "with\n"
-    "its bounds and the lowest usable direction. What the library calls inside is filled. The\n"
-    "picture has at most 2 MB: many directions and large rings are drawn to its resolution, and "
-    "it\n"
-    "says so. An area that is not valid is drawn with its faults, and gives the exit code 4.";
+    "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith,\n"
+    "with its bounds and the lowest usable direction. The inside, as the library defines it, is\n"
+    "filled. The picture has at most 2 MB: many directions and large rings are drawn at its\n"
+    "resolution, and it says so. An area that is not valid is drawn with its faults, and gives\n"
+    "the exit code 4.";
 
 struct Options {
   std::string file;

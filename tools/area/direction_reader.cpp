@@ -121,19 +121,20 @@ Direction RequireDirection(const std::string& text) {
 }
 
 CommandOptionsC DirectionFormatOptions(DirectionFormat& format) {
-  return {{.names = {"--columns"},
-           .value = "HZ,V",
-           .description = "The columns of Hz and V in a file of directions: their names in its "
-                          "heading, or their numbers from 1 on",
-           .take = [&format](const std::string& text) { format.columns = ParseColumns(text); }},
-          {.names = {"--separator"},
-           .value = "NAME",
-           .description = "What separates the columns: comma, semicolon, tab or blanks; by default "
-                          "what the first line has",
-           .take = [&format](const std::string& text) { format.separator = ParseSeparator(text); }},
-          {.names = {"--no-header"},
-           .description = "The first line is a direction, not a heading",
-           .flag = &format.hasNoHeading}};
+  return {
+      {.names = {"--columns"},
+       .value = "HZ,V",
+       .description = "The columns of Hz and V in a file of directions: their names in its "
+                      "heading, or their numbers from 1 on",
+       .take = [&format](const std::string& text) { format.columns = ParseColumns(text); }},
+      {.names = {"--separator"},
+       .value = "NAME",
+       .description = "The separator of the columns: comma, semicolon, tab or blanks; by default "
+                      "that of the first line",
+       .take = [&format](const std::string& text) { format.separator = ParseSeparator(text); }},
+      {.names = {"--no-header"},
+       .description = "The first line is a direction, not a heading",
+       .flag = &format.hasNoHeading}};
 }
 
 DirectionReaderC::DirectionReaderC(const std::string& path, const DirectionFormat& format)

@@ -73,7 +73,7 @@ struct CommandTask {
   std::vector<std::string> paths;  ///< Those of the commands without the program's name.
 };
 
-/// A command with its subcommands: it has those, or can be run.
+/// A command, which either has subcommands or can be run.
 struct Command {
   Command();
   Command(const Command&);

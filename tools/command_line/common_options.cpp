@@ -25,8 +25,7 @@ CommandOption OutputOption(std::string& output, const std::string& description,
                            const std::string& value) {
   return {.names = {"-o", "--output"},
           .value = value,
-          .description =
-              description + "; written in place, so that a run that fails leaves a part of it",
+          .description = description + "; written directly: a failed run leaves an incomplete file",
           .take = [&output](const std::string& name) {
             if (name.empty()) throw ValueErrorC("needs the name of a file");
             output = name == "-" ? "" : name;
@@ -42,7 +41,7 @@ void PictureOutput::Require(const std::string& input) const {
 CommandOption PictureOption(PictureOutput& output) {
   CommandOption option = OutputOption(
       output.file,
-      "The picture to write, - for standard output; required, unless standard input is drawn",
+      "The picture to write, - for standard output; required unless the input is standard input",
       "OUT.svg");
   option.take = [&output, take = option.take](const std::string& name) {
     const std::string extension = LowerCaseExtension(name);

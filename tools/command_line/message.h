@@ -6,7 +6,7 @@
 
 namespace Tool {
 
-/// The most bytes of a message: pipes take so many without a break.
+/// The most bytes of a message: a pipe accepts this many in one piece.
 inline constexpr std::size_t kLongestMessage = 4096;
 
 /// Writes a message of one line to standard error, with the name of the program before it, and a

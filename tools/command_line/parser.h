@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// What a command line asks for: a command to be run, or a text, such as the help, to be printed.
+/// The result of parsing a command line: a command to run, or a text to print, such as the help.
 struct Request {
   std::function<ExitCode()> run;  ///< Empty when there is only a text.
   std::string text;

@@ -17,15 +17,16 @@ bool IsFormula(std::string_view text) {
 }  // namespace
 
 CommandOption FormulasOption(Formulas& formulas) {
-  return {.names = {"--formulas"},
-          .value = "escape|keep",
-          .description =
-              "Texts in CSV that a spreadsheet would compute get a leading apostrophe, "
-              "the default, or stay as they are",
-          .take = [&formulas](const std::string& text) {
-            if (text != "escape" && text != "keep") throw ValueErrorC("must be escape or keep");
-            formulas = text == "keep" ? Formulas::kKeep : Formulas::kEscape;
-          }};
+  return {
+      .names = {"--formulas"},
+      .value = "escape|keep",
+      .description =
+          "Texts in CSV that a spreadsheet would evaluate as formulas: escape writes them with a "
+          "leading apostrophe, the default; keep writes them unchanged",
+      .take = [&formulas](const std::string& text) {
+        if (text != "escape" && text != "keep") throw ValueErrorC("must be escape or keep");
+        formulas = text == "keep" ? Formulas::kKeep : Formulas::kEscape;
+      }};
 }
 
 std::string CsvCell(std::string_view text, Formulas formulas) {

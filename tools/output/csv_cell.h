@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// How to write a text that a spreadsheet would take for a formula.
+/// How to write a text that a spreadsheet would evaluate as a formula.
 enum class Formulas { kEscape, kKeep };
 
 /// The option --formulas escape|keep. The options that it requires are not set.

@@ -15,7 +15,7 @@ namespace Tool {
 struct FilePatch {
   std::uint64_t offset;
   std::size_t size;
-  std::uint64_t mark = 0;  ///< Of the caller's own meaning.
+  std::uint64_t mark = 0;  ///< The caller defines its meaning.
 };
 
 /// Changes the bytes of a patch, given as the file has them; false where they are not those that
@@ -23,7 +23,7 @@ struct FilePatch {
 using ChangeBytes = std::function<bool(const FilePatch& patch, std::span<std::uint8_t> bytes)>;
 
 /// A change of a file that is made completely or not at all: in a copy that replaces the file in
-/// one step. Follows symbolic links. Throws `FileErrorC` on failure, with the file as it was and no
+/// one step. Follows symbolic links. Throws `FileErrorC` on failure, with the file unchanged and no
 /// copy left.
 class FileReplacementC {
  public:

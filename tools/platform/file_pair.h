@@ -11,8 +11,8 @@
 
 /// \file
 /// A file that is to be replaced and the copy that replaces it: `file_pair_posix.cpp` or
-/// `file_pair_windows.cpp`. Every operation throws `FileErrorC` on failure and leaves the file as
-/// it was.
+/// `file_pair_windows.cpp`. Every operation throws `FileErrorC` on failure and leaves the file
+/// unchanged.
 
 namespace Tool {
 
@@ -47,7 +47,7 @@ class OriginalFileC {
 
   /// Throws `FileErrorC` with `what`.
   [[noreturn]] void Refuse(const std::string& what) const {
-    throw FileErrorC(what + "; " + name_ + " is as it was");
+    throw FileErrorC(what + "; " + name_ + " is unchanged");
   }
   /// The same, with the reason of the operating system.
   [[noreturn]] void Fail(const std::string& what) const;
@@ -101,9 +101,9 @@ class CopiedFileC {
   std::unique_ptr<Platform> platform_;
 };
 
-/// Delays, as long as it exists, what would end the program and leave a copy behind: all signals
-/// that end a program by default, except those raised by faults; on Windows Ctrl-C and closing the
-/// console. They take effect afterwards. Signals that are ignored stay ignored.
+/// Delays, as long as it exists, the signals that would end the program before the copy is
+/// removed: all that end a program by default, except those raised by faults; on Windows Ctrl-C and
+/// closing the console. They take effect afterwards. Signals that are ignored stay ignored.
 class HeldSignalsC {
  public:
   HeldSignalsC();

@@ -77,7 +77,7 @@ bool IsInFolder(int folder, const char* name, const struct stat& status) {
   return fstatat(folder, name, &now, AT_SYMLINK_NOFOLLOW) == 0 && IsSameFile(status, now);
 }
 
-// The folder itself, to list it or to bring it to the disk.
+// The folder itself, to list it or to flush it to the disk.
 DescriptorC OpenToRead(int folder) {
   return DescriptorC(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
@@ -357,7 +357,7 @@ void CopiedFileC::TakePlace() {
   if ((!entries.IsOpen() || fsync(entries.Get()) != 0) && errno != EINVAL && errno != ENOTSUP) {
     const int error = errno;
     throw FileErrorC(
-        fmt::format("{} is replaced, but its folder could not be brought to the disk: "
+        fmt::format("{} is replaced, but its folder could not be flushed to the disk: "
                     "{}",
                     original_.GetName(), std::strerror(error)));
   }

@@ -119,7 +119,7 @@ OriginalFileC::OriginalFileC(const std::string& file)
     Fail(fmt::format("cannot read {}", file));
   }
   if (GetFileType(own.file.Get()) != FILE_TYPE_DISK) {
-    Refuse(fmt::format("cannot read {}: no regular file", file));
+    Refuse(fmt::format("cannot read {}: not a regular file", file));
   }
   own.path = PathOf(own.file.Get());
   if (own.path.empty() || GetFileInformationByHandle(own.file.Get(), &own.status) == 0) {

@@ -42,7 +42,7 @@ void PrepareStandardStreams() {
   std::atexit([] { SetConsoleOutputCP(codePageBefore); });
 }
 
-// The test of the runtime mistakes the null device for a terminal.
+// `_isatty` of the runtime reports the null device as a terminal.
 bool IsTerminal(StandardStream stream) {
   DWORD mode = 0;
   return GetConsoleMode(HandleOf(stream), &mode) != 0;

@@ -11,11 +11,11 @@
 #include <record/decoded_record.h>
 
 /// \file
-/// The columns in which two measurements differ, but for the offset and the times in UTC.
+/// The columns in which two measurements differ, except the offset and the times in UTC.
 
 namespace Tool {
 
-/// How many floating-point numbers of their type lie between two of them, one of them included: 0
+/// The distance of two floating-point numbers in units in the last place of their type: 0
 /// for equal numbers, zeros of either sign among them; nothing if one is NaN.
 /// @{
 std::optional<std::uint64_t> UlpDistance(float a, float b);
@@ -26,7 +26,7 @@ std::optional<std::uint64_t> UlpDistance(double a, double b);
 /// values, NaN and infinities are null.
 void WriteChangedFields(JsonWriterC& out, const DecodedRecord& a, const DecodedRecord& b);
 
-/// A line for each of them; a line that says so when there is none.
+/// A line for each of them, or a line that says that there is none.
 void PrintChangedFields(fmt::memory_buffer& out, const DecodedRecord& a, const DecodedRecord& b);
 
 }  // namespace Tool

@@ -15,19 +15,19 @@
 namespace Tool {
 namespace {
 
-// Where so many records in a row are the same, the files go on together.
+// If this many records in a row are the same, a run of differences ends before them.
 constexpr std::size_t kEnoughCommon = 32;
 constexpr std::size_t kFirstWindow = 2 * kEnoughCommon;
 constexpr std::size_t kLargestWindow = 8192;
-constexpr std::size_t kMostBytes = std::size_t{8} << 20;  // held of a file, but for the last record
+constexpr std::size_t kMostBytes = std::size_t{8} << 20;  // held of a file, without the last record
 
-// The records of a file, those that are needed read ahead.
+// The records of a file. Reads as many ahead as are needed.
 class SourceC {
  public:
   SourceC(RecordWalkC& walk, const RecordFilter& filter)
       : walk_(walk), takesAll_(filter.TakesAll()), sieve_(filter) {}
 
-  // Goes on to the next record, beyond gaps; false at the end. Only while nothing is held.
+  // Advances to the next record, beyond gaps; false at the end. Only while nothing is held.
   bool Next() {
     while (walk_.Next(entry_)) {
       if (!entry_.isGap && Takes()) return true;
@@ -36,9 +36,9 @@ class SourceC {
     return false;
   }
   std::span<const std::uint8_t> GetBytes() const { return walk_.GetBytes(); }
-  // Where the record ends that `Next` gave last.
+  // The end of the record that `Next` found last.
   std::uint64_t GetEnd() const { return entry_.offset + entry_.size; }
-  // Holds the record that `Next` gave last.
+  // Holds the record that `Next` found last.
   void Hold() {
     const std::span<const std::uint8_t> bytes = walk_.GetBytes();
     held_.push_back({.offset = entry_.offset,
@@ -118,7 +118,7 @@ class ComparisonC {
  private:
   enum class Stop { kDifference, kEnough, kEnds };
 
-  // Goes to the next records that differ and holds them.
+  // Advances to the next records that differ and holds them.
   Stop SkipSame(std::uint64_t enough) {
     std::uint64_t same = 0;
     for (;;) {
@@ -145,7 +145,7 @@ class ComparisonC {
     }
   }
 
-  // One file is at its end: whatever the other one has differs.
+  // One file is at its end: all further records of the other one are differences.
   void ReportRest() {
     for (;; a_.Drop(1)) {
       a_.HoldUpTo(1);
@@ -159,7 +159,7 @@ class ComparisonC {
     }
   }
 
-  // Reports what differs up to the place from where on the files go on together.
+  // Reports a run of differences, which ends where enough records in a row are the same.
   void ReportDifference() {
     for (std::size_t window = kFirstWindow;; window *= 2) {
       a_.HoldUpTo(window);
@@ -174,7 +174,7 @@ class ComparisonC {
     }
   }
 
-  // Where enough records in a row begin to be common.
+  // The first of enough common records in a row.
   static std::optional<CommonPlace> FindEnd(const std::vector<CommonPlace>& common) {
     std::size_t begin = 0;
     for (std::size_t i = 0; i < common.size(); ++i) {
@@ -185,7 +185,7 @@ class ComparisonC {
     return {};
   }
 
-  // As far as both windows have the same times; all of them where there are no times.
+  // The end of the times that both windows cover; the end of both windows if there are no times.
   CommonPlace CutByTime() const {
     const std::vector<std::optional<RecordTime>> timesA = Times(a_.GetHeld());
     const std::vector<std::optional<RecordTime>> timesB = Times(b_.GetHeld());
@@ -207,7 +207,7 @@ class ComparisonC {
     return times;
   }
 
-  // Reports what is held up to `end`, and drops it.
+  // Reports the held records up to `end`, and drops them.
   void Report(const std::vector<CommonPlace>& common, const CommonPlace& end) {
     CommonPlace done{0, 0};
     for (const CommonPlace& place : common) {
@@ -221,7 +221,7 @@ class ComparisonC {
     b_.Drop(end.b);
   }
 
-  // Nothing is the same in these runs: measurements of the same time are pairs.
+  // No record is the same in these runs: measurements with the same time are pairs.
   void ReportReplaced(const CommonPlace& begin, const CommonPlace& end) {
     std::map<RecordTime, std::deque<std::size_t>> places;  // in B
     if (begin.a < end.a) {
@@ -262,21 +262,21 @@ class ComparisonC {
   RecordDifferencesI& differences_;
 };
 
-// What the beginnings of two stretches have in common.
+// The records that are the same at the beginnings of two stretches.
 struct SameRecords {
   std::uint64_t count = 0;
   std::optional<Place> end;  // of the last ones that are the same; empty if all are
 };
 
-// Skips records that are the same: threads read stretches that are equally far from the place from
-// which on the files go on together.
+// Skips records that are the same: threads read stretches at equal distances from the place up to
+// which the files have been compared.
 class SameStretchesC {
  public:
   SameStretchesC(const ComparedFileC& a, const ComparedFileC& b, const CompareOptions& options,
                  RecordDifferencesI& differences)
       : a_(a), b_(b), options_(options), differences_(differences) {}
 
-  // From `from` on to the next difference, or to where stretches are not worth it.
+  // Skips from `from` to the next difference, or to a rest that is too short for stretches.
   Place SkipFrom(const Place& from) {
     // At a difference, stretches are read in vain, and for each the reader looks back 128 KiB.
     constexpr std::uint64_t kLongest = std::uint64_t{4} << 20;
@@ -358,7 +358,7 @@ RecordWalkC ComparedFileC::Walk(std::uint64_t begin, std::optional<std::uint64_t
 
 void CompareRecords(const ComparedFileC& a, const ComparedFileC& b, const CompareOptions& options,
                     RecordDifferencesI& differences) {
-  // As far as both files go on together after a difference before threads read them again.
+  // After a difference, threads read again once this many bytes are the same.
   constexpr std::uint64_t kEnoughSame = std::uint64_t{256} << 10;
   // Which of every N measurements is selected depends on all before.
   const bool mayCut = options.jobs > 1 && options.filter.every == 1;

@@ -76,14 +76,14 @@ struct CompareOptions {
 
 /// Compares the records of two files: all records, or the measurements that the filter selects.
 /// Gaps are ignored. Records that are the same are a longest common subsequence of equal bytes,
-/// found up to the place from which on 32 records in a row are the same; between them, measurements
-/// with the same time A are pairs. In a run of differences longer than 8192 records or 8 MiB, the
-/// subsequence is one of parts, which are cut at the same time A.
+/// searched up to the first 32 records in a row that are the same; between them, measurements with
+/// the same time A are pairs. In a run of differences longer than 8192 records or 8 MiB, the
+/// subsequence is searched in parts, which are cut at the same time A.
 ///
 /// With several jobs, threads read stretches of both files and count the records that are the same,
 /// up to the next difference. The differences do not depend on the number of jobs.
 /// \cost linear in the size of the files, plus n² / 64 for a run of differences of n records. The
-///       memory is that of the longest run, at most some 30 MB.
+///       memory depends on the longest run, at most about 30 MB.
 /// \throw FileErrorC  if a file cannot be read
 void CompareRecords(const ComparedFileC& a, const ComparedFileC& b, const CompareOptions& options,
                     RecordDifferencesI& differences);

@@ -15,7 +15,7 @@ namespace Tool {
 struct DecodedRecord {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;
-  std::uint32_t result = 0;  ///< As of `GPSRecordFileC::ReadGPSMeasData`.
+  std::uint32_t result = 0;  ///< As returned by `GPSRecordFileC::ReadGPSMeasData`.
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info;
 

@@ -18,7 +18,7 @@ namespace Tool {
 
 std::vector<std::uint8_t> FindFrame(const std::string& file, const FrameOffset& offset);
 
-/// In a file that is open already: `readAt` and `size` are as in `GPSRecordReaderC`; `readAt`
+/// In an open file: `readAt` and `size` are as in `GPSRecordReaderC`; `readAt`
 /// reports failures by exceptions.
 std::vector<std::uint8_t> FindFrame(SDI::GPSRecordReaderC::ReadAt readAt, std::uint64_t size,
                                     const FrameOffset& offset);

@@ -92,7 +92,7 @@ Moment Scan(std::string_view text) {
   Moment moment;
   moment.isUTC = scanner.Skip('Z');
   moment.isLeapSecond = second == 60;
-  if (!scanner.IsAtEnd()) Refuse("it goes on after its end");
+  if (!scanner.IsAtEnd()) Refuse("unexpected characters after the time");
   if (hour > 23 || minute > 59 || second > (moment.isUTC ? 60 : 59)) {
     Refuse("there is no such time of day");
   }
@@ -146,7 +146,7 @@ std::int64_t ParseMoment(std::string_view text) {
 }
 
 void TellAboutLeapSeconds() {
-  Tell(fmt::format("times in UTC from {} on take it that the leap seconds of the {} are all",
+  Tell(fmt::format("times in UTC from {} on assume that the {} has all leap seconds",
                    SDI::kLeapSecondExpiry, SDI::kLeapSecondSource));
 }
 

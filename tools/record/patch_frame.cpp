@@ -58,7 +58,7 @@ bool HasRoom(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
 PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges& changes) {
   const DecodedRecord before = Decode(0, frame);
   if (!before.IsDone()) {
-    throw ToolErrorC(ExitCode::kFinding, "the blocks of the frame do not fit; it is left as it is");
+    throw ToolErrorC(ExitCode::kFinding, "the blocks of the frame do not fit; it is not changed");
   }
   const std::vector<FrameField> fields = ExplainFrame(frame);
   if (LacksName(fields, changes)) {
@@ -76,7 +76,8 @@ PatchedFrame PatchFrame(std::span<const std::uint8_t> frame, const FrameChanges&
   std::vector<std::uint8_t> after(frame.begin(), frame.end());
   const bool isChanged = Frame::Change(after, rewritten);
   if (!isChanged || !IsAsAsked(before, Decode(0, after), changes)) {
-    throw ToolErrorC(ExitCode::kFileError, "the patched frame does not read back as asked");
+    throw ToolErrorC(ExitCode::kFileError,
+                     "the patched frame does not read back with the requested values");
   }
   std::vector<FrameField> explained = ExplainFrame(after);
   return {{frame.begin(), frame.end()}, std::move(after), std::move(explained)};

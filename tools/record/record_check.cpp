@@ -24,11 +24,11 @@ namespace {
 
 constexpr const char* kDescription =
     "Check record files: one verdict for each file and one for all of them, with counts and the\n"
-    "offset of the first fault of each kind. A file is faulty that has bytes which belong to no\n"
-    "record (gaps, with the damaged headers of measurements in them), frames whose blocks do not\n"
-    "fit, measurements that are earlier than the one before or have the same bytes, or no\n"
-    "measurement. Faulty files give the exit code 1, files that cannot be read 3. Filters choose\n"
-    "the measurements that are counted and compared.";
+    "offset of the first fault of each kind. A file is faulty if it has bytes that belong to no\n"
+    "record (gaps, and damaged headers of measurements in them), frames whose blocks do not\n"
+    "fit, measurements that are earlier than the previous one or have the same bytes, or no\n"
+    "measurement. Faulty files give the exit code 1, files that cannot be read 3. Filters\n"
+    "select the measurements that are counted and compared.";
 
 struct Options {
   RecordFileOptions files;

@@ -39,7 +39,7 @@ RecordColumns ParseColumns(std::string_view text) {
     const std::string_view name = text.substr(at, end - at);
     const SDI::GPSColumn* const column = &FindRecordColumn(name);
     if (std::ranges::find(columns, column) != columns.end()) {
-      throw ValueErrorC(fmt::format("the column {} is there twice", name));
+      throw ValueErrorC(fmt::format("the column {} is listed twice", name));
     }
     columns.push_back(column);
     at = end + 1;
@@ -48,9 +48,8 @@ RecordColumns ParseColumns(std::string_view text) {
 }
 
 constexpr const char* kDescription =
-    "List the columns of a table of measurements: name, type, unit and what they hold. Values "
-    "that\n"
-    "can be absent have a question mark after their type.";
+    "List the columns of a table of measurements: name, type, unit and description. A question\n"
+    "mark after the type means that a value can be absent.";
 
 ExitCode Run(bool isJson) {
   OutputC out;
@@ -106,8 +105,8 @@ CommandOption RecordColumnsOption(RecordColumns& columns) {
   return {.names = {"--columns"},
           .value = "NAMES",
           .description =
-              "The columns of the CSV table, with commas in between; surveydata record "
-              "columns lists them",
+              "The columns of the CSV table, separated by commas; surveydata record columns "
+              "lists them all",
           .take = [&columns](const std::string& text) { columns = ParseColumns(text); },
           .words = RecordColumnNames()};
 }
@@ -118,7 +117,7 @@ Command RecordColumnsCommand() {
   command.name = "columns";
   command.description = kDescription;
   command.footer =
-      "surveydata record export --csv --columns chooses some of them.\n\n"
+      "surveydata record export --csv --columns selects some of them.\n\n"
       "Example:\n  surveydata record columns";
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object per column",

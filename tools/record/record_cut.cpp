@@ -11,13 +11,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Write a part of a record file as a new file: the measurements that the filters take, and "
-    "those\n"
-    "from one offset to another, byte for byte. Records of other kinds are kept with the "
-    "measurement\n"
-    "before them, and always before the first one. Gaps and bad frames are left out and told "
-    "about\n"
-    "on standard error; bad frames give the exit code 1, and so does a part without a measurement.";
+    "Write a part of a record file as a new file, byte for byte: the measurements that the\n"
+    "filters select and that begin between two offsets. Records of other kinds are kept with\n"
+    "the measurement before them; those before the first measurement are always kept. Gaps and\n"
+    "bad frames are left out and reported on standard error. Bad frames give the exit code 1,\n"
+    "and so does a part without a measurement.";
 
 CommandOption OffsetLimit(const std::string& name, const std::string& description,
                           std::uint64_t& offset) {
@@ -30,7 +28,7 @@ CommandOption OffsetLimit(const std::string& name, const std::string& descriptio
 ExitCode Run(const JoinOptions& options) {
   if (options.files.AreMany()) {
     throw ToolErrorC(ExitCode::kUsage,
-                     fmt::format("{} is a folder; surveydata record join takes it",
+                     fmt::format("{} is a folder; surveydata record join reads folders",
                                  options.files.names.front()));
   }
   // An offset too large for 64 bits is after the end of every file, as any other that is.

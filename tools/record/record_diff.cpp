@@ -34,18 +34,16 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Compare the records of two files, A and B, or of the files *.rec of two folders that have "
-    "the\n"
-    "same path in both: which records were removed, added and changed, and the columns of a "
-    "changed\n"
-    "measurement with both values, floating-point ones with their distance in units in the last\n"
-    "place (ULP). Records that are the same are a longest common subsequence of equal bytes; of\n"
-    "what lies between them, measurements with the same time A are changed ones. Gaps are not\n"
-    "compared. With filters only the measurements that they take are compared. The exit code is 0\n"
-    "for the same records, 1 for others or for files that only one folder has. Memory depends on\n"
-    "the longest run of differences, up to a limit: in runs of more than 8192 records or 8 MiB "
-    "the\n"
-    "subsequence is one of parts.";
+    "Compare the records of two files, A and B, or of the files *.rec that have the same path\n"
+    "in two folders. The differences are removed, added and changed records; for a changed\n"
+    "measurement, the columns that differ, with both values and, if they are floating-point\n"
+    "numbers, their distance in units in the last place (ULP). Records that are the same are a\n"
+    "longest common subsequence of equal bytes; of the records between them, measurements with\n"
+    "the same time A are changed ones. Gaps are not compared. With filters, only the\n"
+    "measurements that they select are compared. The exit code is 0 if the records are the\n"
+    "same, and 1 if they differ or if only one folder has a file. Memory depends on the longest\n"
+    "run of differences, up to a limit: in runs of more than 8192 records or 8 MiB, the common\n"
+    "subsequence is searched in parts.";
 
 struct Options {
   std::string a;
@@ -55,7 +53,7 @@ struct Options {
   RecordFilter filter;
 };
 
-// The files to compare; of one that only one folder has, the other is null.
+// The files to compare. If only one folder has the file, the other pointer is null.
 struct FilePair {
   std::string title = {};  // empty if there is one pair
   const RecordFile* a = nullptr;
@@ -93,7 +91,7 @@ class DiffC {
     if (areMany_ != optionsB.AreMany()) {
       throw ToolErrorC(
           ExitCode::kFileError,
-          fmt::format("cannot read {}: it is a folder, and {} is none",
+          fmt::format("cannot read {}: it is a folder, but {} is not",
                       areMany_ ? options.a : options.b, areMany_ ? options.b : options.a));
     }
     filesA_ = FindRecordFiles(optionsA);

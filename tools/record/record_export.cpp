@@ -25,14 +25,12 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Write every measurement with all its fields, as JSON Lines or as a CSV table, whose columns\n"
-    "surveydata record columns lists; what is absent is an empty cell. Of several files, or a "
-    "folder,\n"
-    "both begin with the name of the file.\n"
-    "Bad frames are left out, counted on standard error, and give the exit code 1; so does a file\n"
-    "without a measurement to write. Other kinds of records and gaps are passed over, with chance "
-    "bytes in\n"
-    "a gap that look like a header whose frame runs into the next record.";
+    "Write every measurement with all its fields, as JSON Lines or as a CSV table. Its columns\n"
+    "are those that surveydata record columns lists; a cell without a value is empty. With\n"
+    "several files, or a folder, each line or row begins with the name of the file.\n\n"
+    "Bad frames are left out, counted on standard error, and give the exit code 1; so does a\n"
+    "file without a measurement to write. Records of other kinds and gaps are skipped, and so\n"
+    "are random bytes in a gap that look like a header whose frame runs into the next record.";
 
 struct Options {
   RecordFileOptions files;

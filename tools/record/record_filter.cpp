@@ -39,7 +39,7 @@ std::uint64_t ParseCount(const std::string& text) {
   return *count;
 }
 
-// What a condition consists of besides values.
+// The words of conditions other than values.
 std::vector<std::string> WordsOfConditions() {
   std::vector<std::string> words = RecordColumnNames();
   words.insert(words.end(), {"in_view", "used", "and", "or", "not", "present"});
@@ -49,7 +49,8 @@ std::vector<std::string> WordsOfConditions() {
 }  // namespace
 
 std::string RecordFilter::NoneIn(std::string_view file) const {
-  return fmt::format("{} holds no measurement{}", file, TakesAll() ? "" : " that the filters take");
+  return fmt::format("{} contains no measurement{}", file,
+                     TakesAll() ? "" : " that the filters select");
 }
 
 CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter) {
@@ -58,7 +59,7 @@ CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter) {
                  "Only measurements from this time on: GPS time such as "
                  "2020-02-06T18:14:35.5, or UTC with a Z at the end",
                  filter, &RecordFilter::from),
-      TimeOption("--to", "Only measurements before this time: as --from", filter,
+      TimeOption("--to", "Only measurements before this time, written as for --from", filter,
                  &RecordFilter::to),
       {.names = {"--where"},
        .value = "CONDITION",
@@ -72,7 +73,7 @@ CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter) {
        .words = WordsOfConditions()},
       {.names = {"--every"},
        .value = "N",
-       .description = "Only the first and every Nth of these measurements of a file",
+       .description = "Only the first and then every Nth of these measurements of each file",
        .take = [&filter](const std::string& text) { filter.every = ParseCount(text); }}};
 }
 
@@ -82,12 +83,11 @@ void AddFilterOptions(Command& command, RecordFilter& filter) {
 
 CommandOptionsC FilterOptions(RecordFilter& filter) {
   CommandOptionsC options = FilterOptionsWithoutName(filter);
-  options.Insert(2,
-                 {.names = {"--name"},
-                  .value = "NAME",
-                  .description = "Only measurements of this name: several times for several names",
-                  .take = [&filter](const std::string& name) { filter.names.push_back(name); },
-                  .isRepeatable = true});
+  options.Insert(2, {.names = {"--name"},
+                     .value = "NAME",
+                     .description = "Only measurements with this name; can be repeated",
+                     .take = [&filter](const std::string& name) { filter.names.push_back(name); },
+                     .isRepeatable = true});
   return options;
 }
 

@@ -20,7 +20,7 @@ struct RecordFilter {
   std::optional<std::int64_t> to;    ///< Time A is earlier.
   std::vector<std::string> names;    ///< The name is one of these, in UTF-8.
   std::shared_ptr<const RecordConditionC> where;
-  std::uint64_t every = 1;  ///< Of what the others take, the first and every so many after it.
+  std::uint64_t every = 1;  ///< Of those that the others select, the first and then every Nth.
 
   bool TakesAll() const { return !from && !to && names.empty() && !where && every == 1; }
   /// The message that `file` has no such measurement.

@@ -7,15 +7,12 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Join record files to a new one, byte for byte, in the order of time A: the next record is "
-    "that\n"
-    "of the file whose next measurement is the earliest, of the first one of equals. Within a "
-    "file\n"
-    "the order stays. Records of other kinds stay with the measurement before them; those before "
-    "the\n"
-    "first measurement of each file are at the start. Nothing is dropped because two files have "
-    "it.\n"
-    "Filters, gaps and bad frames as in record cut.";
+    "Join record files to a new one, byte for byte, in the order of time A. The next record is\n"
+    "always from the file whose next measurement is the earliest, and from the first of them if\n"
+    "several are equally early. Within a file the order stays the same. Records of other kinds\n"
+    "stay with the measurement before them; those before the first measurement of each file are\n"
+    "at the start. A record that several files have is written several times. Filters, gaps and\n"
+    "bad frames are handled as by record cut.";
 
 }  // namespace
 

@@ -29,13 +29,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "List every record of files with time, dilutions of precision, satellites and name.\n"
-    "Gaps and bad frames are listed too, and give the exit code 1: bytes that belong to no "
-    "record,\n"
-    "headers of measurement frames among them, and frames whose blocks do not fit. So does a file\n"
-    "without a measurement. With filters only measurements are listed; the rest is counted, and "
-    "gives\n"
-    "the same exit code.";
+    "List every record of files with time, dilutions of precision, satellites and name. Gaps\n"
+    "and bad frames are listed too, and give the exit code 1: bytes that belong to no record,\n"
+    "headers of measurement frames in them, and frames whose blocks do not fit. So does a file\n"
+    "without a measurement. With filters, only measurements are listed; gaps and bad frames are\n"
+    "counted, and give the same exit code.";
 
 struct Options {
   RecordFileOptions files;
@@ -107,7 +105,7 @@ class TextListC : public ListI {
 
   void Measurement(const DecodedRecord& record) override {
     const Summary summary = Summarise(record);
-    const auto told = [](const std::optional<double>& dop) {
+    const auto textOf = [](const std::optional<double>& dop) {
       return dop ? fmt::format("{:.1f}", *dop) : std::string("-");
     };
     const auto satellites = summary.satellites ? fmt::format("{}/{}", (*summary.satellites)[1],
@@ -117,8 +115,9 @@ class TextListC : public ListI {
         "{:>10}  {:<11} {:>6}  {:<23}  {:>4}  {:>10.3f} s {:>5} {:>5} {:>5} {:>5}  {:>9}  {}",
         record.offset, "measurement", record.size,
         isUTC_ ? UtcOf(summary.time) : GpsDateTime(GpsMilliseconds(summary.time)),
-        summary.time.week, summary.time.timeOfWeek / 1000.0, told(summary.hdop), told(summary.vdop),
-        told(summary.tdop), told(summary.pdop), satellites, ToVisible(summary.name));
+        summary.time.week, summary.time.timeOfWeek / 1000.0, textOf(summary.hdop),
+        textOf(summary.vdop), textOf(summary.tdop), textOf(summary.pdop), satellites,
+        ToVisible(summary.name));
     Print("{}\n", std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
   }
   void Other(const SDI::GPSRecordEntry& entry) override {

@@ -22,10 +22,9 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Draw dilutions of precision and satellites over time as an SVG picture, one for all files. "
-    "Lines are broken\n"
-    "where time steps by more than three times the median step. Bad frames are left out, counted\n"
-    "on standard error, and give the exit code 1, as in export.";
+    "Draw dilutions of precision and satellites over time as an SVG picture, one for all files.\n"
+    "Lines are interrupted where time advances by more than three times the median step. Bad\n"
+    "frames are left out, counted on standard error, and give the exit code 1, as in export.";
 
 struct Options {
   RecordFileOptions files;

@@ -34,18 +34,17 @@ namespace {
 
 constexpr const char* kDescription =
     "Change the name, the number or the antenna height of one measurement frame, or of all that\n"
-    "filters take. Frames without room for a name or an antenna height are then left as they are.\n"
-    "Only the fields that are given are rewritten: the 17 characters of the name (zeros follow a\n"
-    "shorter one), the number, the value and kind of the antenna height; and the checksum. All\n"
-    "other bytes of the file stay. The change is made completely or not at all: in a copy that is\n"
-    "read back and then replaces the file in one step. Group, permissions, access control list "
-    "and\n"
-    "extended attributes are kept, or the change is refused; only root keeps another owner. "
-    "Sparse\n"
-    "files stay sparse. The file gets a new inode, so other hard links keep the old content;\n"
-    "symbolic links are followed. The file is locked in the meantime: of several such commands at\n"
-    "once, all but one end with 3. Other programs must not write to it; a change that is noticed\n"
-    "is refused.";
+    "the filters select. In the latter case, frames without room for a name or an antenna\n"
+    "height are left unchanged. Only the given fields are rewritten: the 17 characters of the\n"
+    "name (zeros follow a shorter one), the number, the value and kind of the antenna height;\n"
+    "and the checksum. All other bytes of the file stay the same. The change is made completely\n"
+    "or not at all: in a copy that is read back and then replaces the file in one step. Group,\n"
+    "permissions, access control list and extended attributes are preserved, or the change is\n"
+    "refused; only root can preserve the owner of another user's file. Sparse files stay\n"
+    "sparse. The file gets a new inode, so other hard links keep the old content; symbolic\n"
+    "links are followed. The file is locked during the change: if several such commands run at\n"
+    "once, all but one end with the exit code 3. Other programs must not write to the file; a\n"
+    "change that is noticed is refused.";
 
 struct Options {
   std::string file;
@@ -104,12 +103,12 @@ std::vector<std::uint8_t> FindFrameIn(const Options& options,
   return FindFrame(readAt, replacement->GetSize(), options.offset);
 }
 
-// Tells the bytes of a frame from others.
+// Distinguishes the bytes of a frame from others.
 std::uint64_t MarkOf(std::span<const std::uint8_t> frame) {
   return std::hash<std::string_view>()({reinterpret_cast<const char*>(frame.data()), frame.size()});
 }
 
-// Changes all measurements of a file that a filter takes.
+// Changes all measurements of a file that a filter selects.
 class FilteredChangeC {
  public:
   FilteredChangeC(const Options& options, OutputC& out) : options_(options), out_(out) {}
@@ -187,9 +186,9 @@ class FilteredChangeC {
       Tell(fmt::format("without --slant, {} slant height{} become{} vertical", slant_,
                        slant_ == 1 ? "" : "s", slant_ == 1 ? "s" : ""));
     }
-    out_.Print("{} measurement{} {}, {} hold{} this already, {} without room\n", changed_,
+    out_.Print("{} measurement{} {}, {} with these values already, {} without room\n", changed_,
                changed_ == 1 ? "" : "s", options_.isDryRun ? "would change" : "changed", alike_,
-               alike_ == 1 ? "s" : "", withoutRoom_);
+               withoutRoom_);
     ProgressC none(0);
     PieceOutputC messages(&out_, none);
     const ExitCode result =
@@ -238,8 +237,8 @@ ExitCode Run(const Options& options) {
   }
   OutputC out;
   if (frame.before == frame.after) {
-    Tell(
-        fmt::format("the frame at {} holds this already; nothing is changed", options.offset.text));
+    Tell(fmt::format("the frame at {} has these values already; nothing is changed",
+                     options.offset.text));
   } else if (options.isDryRun) {
     WriteHeading(out);
     WriteChanges(out, options.offset.value, frame);
@@ -283,7 +282,7 @@ Command RecordSetCommand() {
        .flag = &options->changes.isSlant,
        .needs = {"--antenna-height"}},
       {.names = {"--dry-run"},
-       .description = "Print the bytes that would change, and leave the file as it is",
+       .description = "Print the bytes that would change, without changing the file",
        .flag = &options->isDryRun}};
   CommandOptionsC filters = FilterOptionsWithoutName(options->filter);
   filters.Add(

@@ -35,8 +35,8 @@ struct Options {
 };
 
 constexpr const char* kDescription =
-    "Show one measurement frame, or all that filters take: its fields, or what each of its bytes "
-    "is.";
+    "Show one measurement frame, or all that the filters select: its fields, or with --bytes\n"
+    "the meaning of each byte.";
 
 std::string_view ToView(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -96,7 +96,7 @@ void Write(fmt::memory_buffer& out, const DecodedRecord& record,
   }
 }
 
-// Shows the measurements that the filters take, with empty lines between them.
+// Shows the measurements that the filters select, with empty lines between them.
 ExitCode ShowFiltered(const Options& options) {
   if (options.filter.TakesAll()) {
     throw ToolErrorC(ExitCode::kUsage, "give --offset, or a filter such as --where",

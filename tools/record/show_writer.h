@@ -47,9 +47,9 @@ class ShowWriterC {
   static std::string Told(const Pair& pair);
   template <class Value, std::size_t N>
   static std::string Told(const std::array<Value, N>& values) {
-    std::string told;
-    for (const Value& value : values) told += (told.empty() ? "" : ", ") + Told(value);
-    return told;
+    std::string text;
+    for (const Value& value : values) text += (text.empty() ? "" : ", ") + Told(value);
+    return text;
   }
   static std::string Told(std::span<const std::uint16_t> values);
   template <class Value>

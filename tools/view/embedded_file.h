@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// Where a page for the browser takes a file; the page of the project has it once.
+/// The place for a file in a page for the browser; the project's page has one.
 inline constexpr std::string_view kFilePlace = "<!-- file -->";
 
 /// Writes `page` with a file at the first `kFilePlace`, in Base64 (RFC 4648) in an HTML element

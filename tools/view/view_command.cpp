@@ -24,13 +24,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kDescription =
-    "Show a record file or an area in a browser: list, plots and records, or the area in two "
-    "views.\n"
-    "The file, of at most 50 MB, is put into a copy of the page, which sends nothing anywhere. "
-    "The\n"
-    "copy is written to a folder that only you can read, and its name to standard output; the "
-    "next\n"
-    "run removes copies that are older than a minute.";
+    "Show a record file or an area in a browser: a record file as list, plots and records, an\n"
+    "area in two views. The file, of at most 50 MB, is embedded in a copy of the page, which\n"
+    "sends nothing anywhere. The copy is written to a folder that only you can read, and its\n"
+    "name to standard output; the next run removes copies that are older than a minute.";
 
 constexpr std::size_t kMostBytes = 50'000'000;
 constexpr std::size_t kMostPageBytes = 10'000'000;
@@ -70,7 +67,7 @@ std::string NameOfPage(const std::string& given) {
   const fs::path installed = (ProgramFolder() / ToPath(SURVEYDATA_PAGE_PATH)).lexically_normal();
   std::error_code ignored;
   if (!fs::exists(installed, ignored)) {
-    throw FileErrorC(fmt::format("{} is not there: the page was not installed; --page names one",
+    throw FileErrorC(fmt::format("{} does not exist: the page was not installed; --page names one",
                                  Utf8(installed)));
   }
   return Utf8(installed);
@@ -156,8 +153,8 @@ Command ViewCommand() {
                         .take = StoreIn(options->file),
                         .isRequired = true}};
   CommandOption output = OutputOption(
-      options->output,
-      "Where the copy is written instead; with - to standard output, and not shown", "OUT.html");
+      options->output, "The copy to write instead; - for standard output, without showing it",
+      "OUT.html");
   output.take = [options, take = output.take](const std::string& name) {
     take(name);
     options->hasOutput = true;
@@ -165,13 +162,12 @@ Command ViewCommand() {
   command.options = {output,
                      {.names = {"--browser"},
                       .value = "PROGRAM",
-                      .description = "The program that shows the page, which gets its name; by "
+                      .description = "The browser, which is started with the name of the copy; by "
                                      "default that of your desktop",
                       .take = StoreIn(options->browser)},
                      {.names = {"--page"},
                       .value = "PAGE.html",
-                      .description = "The page; by default the one that was installed with the "
-                                     "program",
+                      .description = "The page; by default the installed one",
                       .take = StoreIn(options->page)}};
   command.run = [options] { return Run(*options); };
   return command;

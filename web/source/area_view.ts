@@ -371,7 +371,7 @@ export class AreaView {
     this.tellAnswer();
   }
 
-  /** Does `work` after the previous edits. If it fails, the area stays as it was. */
+  /** Does `work` after the previous edits. If it fails, the area stays unchanged. */
   private inOrder(work: () => Promise<void>): Promise<void> {
     this.edits = this.edits.then(work).catch((error: unknown) => {
       complain(error);
@@ -387,7 +387,7 @@ export class AreaView {
   private edit(edit: number, values: () => [number, number | null, number | null]): Promise<void> {
     return this.inOrder(async () => {
       const [index, hz, v] = values();
-      if (!Number.isFinite(hz) || !Number.isFinite(v)) throw new Error("an angle is no number");
+      if (!Number.isFinite(hz) || !Number.isFinite(v)) throw new Error("an angle is not a number");
       await this.change(await this.ask<string>("editArea", edit, index, hz, v));
     });
   }

@@ -54,7 +54,7 @@ export function printable(name: string): string {
   return name.replace(/\p{C}/gu, "\uFFFD");
 }
 
-/** The inputs with a text of which no event `change` has told yet. */
+/** The inputs with a new text that no `change` event has reported yet. */
 const typed = new WeakSet<EventTarget>();
 addEventListener("input", (event) => event.target && typed.add(event.target), true);
 addEventListener("change", (event) => event.target && typed.delete(event.target), true);

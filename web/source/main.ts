@@ -162,7 +162,7 @@ client.onRestart = () => {
     restarting = undefined;
   })();
 };
-// What was asked of a worker that ended is asked again by the restart.
+// The restart repeats the requests to a worker that ended.
 addEventListener("unhandledrejection", (event) => {
   event.preventDefault();
   complain(event.reason);

@@ -148,8 +148,8 @@ export class RecordsView {
     if (summary.fault) text += ` ${summary.fault}`;
     else if (summary.measurements === 0 && !summary.isCancelled) {
       text += summary.others > 0
-        ? " The file holds records, but no measurement."
-        : " This is no record file: it holds no record at all.";
+        ? " The file contains records, but no measurement."
+        : " This is not a record file: it contains no records.";
     }
     return text;
   }
@@ -203,7 +203,7 @@ export class RecordsView {
     const detail = await this.ask<RecordDetail | null>("record", this.key, row);
     if (this.shown !== row) return;
     if (detail) this.record.show(detail);
-    else this.record.clear("This row is no measurement: it has no fields.");
+    else this.record.clear("This row is not a measurement: it has no fields.");
   }
 
   private async find(step: number): Promise<void> {
@@ -235,7 +235,7 @@ export class RecordsView {
     await this.ask("keep", this.key, offset, after);
     await this.list.render();
     await this.open(this.shown);
-    say(`${counted(this.edits.size, "record")} changed; the file itself stays as it is until you save a copy.`);
+    say(`${counted(this.edits.size, "record")} changed; the file itself is unchanged; save a copy to keep the changes.`);
   }
 
   private savePatched(): void {

@@ -51,7 +51,7 @@ test("the page is one file of at most 300 KB, and its policy names its own scrip
   assert.match(policy, /^default-src 'none'; script-src 'sha256-[^']+' 'wasm-unsafe-eval'; worker-src blob:; style-src 'sha256-[^']+'; img-src data: blob:; base-uri 'none'; form-action 'none'$/);
 });
 
-/** A server of the page for `work`, which gets its address and the list of what it was asked for. */
+/** A server of the page for `work`, which gets its address and the list of requests. */
 async function withServer(work) {
   const asked = [];
   const server = createServer((request, response) => {
@@ -245,7 +245,7 @@ onPage("the plots have the values of every measurement", async (page) => {
   });
 });
 
-onPage("what is plotted is kept: zooming needs the file no more", async (page) => {
+onPage("what is plotted is kept: zooming does not need the file any more", async (page) => {
   const path = written("moved.rec", readFileSync(data("valley_drive.rec")));
   await openFiles(page, path);
   await status(page);
@@ -267,7 +267,7 @@ onPage("damaged, empty and foreign files get a clear message", async (page) => {
   await openFiles(page, written("empty.rec", ""));
   await page.getByText("empty.rec is empty.").waitFor();
   await openFiles(page, written("foreign.bin", Buffer.alloc(5000, 0x41)));
-  assert.match(await status(page, "foreign.bin"), /This is no record file/);
+  assert.match(await status(page, "foreign.bin"), /This is not a record file/);
   const sample = readFileSync(data("valley_drive.rec"));
   sample[1800] ^= 0xff;
   await openFiles(page, written("damaged.rec", sample));
@@ -435,7 +435,7 @@ onPage("corners are drawn, dragged, deleted, undone, and saved as an area file",
   assert.equal(again.points[0][0], 120.5);
 });
 
-onPage("rad, deg and gon: angles come back as they were", async (page) => {
+onPage("rad, deg and gon: converted angles are restored exactly", async (page) => {
   await openFiles(page, data("areas/facade.json"));
   await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
   for (const unit of ["deg", "rad", "gon"]) {
@@ -587,7 +587,7 @@ onPage("a failure of the module loses no edits", async (page) => {
   assert.ok(!bytes.equals(original));
 });
 
-onPage("a file that always makes the module fail is left alone, and the others go on", async (page) => {
+onPage("a file that always makes the module fail is not opened again, and the others work", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
   await status(page);
   await openFiles(page, data("areas/ceiling.json"));
@@ -693,7 +693,7 @@ onPage("areas that no program could use are shown or refused, and can be undone"
   assert.ok(await view.getByRole("button", { name: "Undo" }).isDisabled());
   for (const content of ["[".repeat(100_000), `{"points":${"[".repeat(100_000)}`, `{${" ".repeat(5000)}`, '{"kind":"polygon","points":[[1e999,1]]}']) {
     await openFiles(page, written("refused.json", content));
-    await page.locator("#message.alert", { hasText: /refused\.json: |not a record file/ }).or(page.getByText("This is no record file")).first().waitFor();
+    await page.locator("#message.alert", { hasText: /refused\.json: |not a record file/ }).or(page.getByText("This is not a record file")).first().waitFor();
   }
 });
 

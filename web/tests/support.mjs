@@ -21,7 +21,7 @@ const PATIENCE = 300_000;
 
 /**
  * Two ways to find tests that pass only on a quick machine: SURVEYDATA_DELAY delays each request to the worker and
- * each of its replies by up to so many milliseconds, SURVEYDATA_SLOWNESS makes the page so many times as slow.
+ * each of its replies by up to that many milliseconds, SURVEYDATA_SLOWNESS makes the page that many times slower.
  */
 const usualDelay = Number(process.env.SURVEYDATA_DELAY ?? 0);
 const slowness = Number(process.env.SURVEYDATA_SLOWNESS ?? 1);

@@ -65,7 +65,7 @@ bool HasText(const ptree& svg, const std::string& text) {
       [&](const auto& child) { return child.first == "text" && child.second.data() == text; });
 }
 
-TEST(AreaInfo, TellsWhatIsKnownOfTheSamples) {
+TEST(AreaInfo, ReportsTheSamples) {
   for (const char* const name : kAreas) {
     SCOPED_TRACE(name);
     const Outcome outcome = Area("info", AreaPath(name));
@@ -111,7 +111,7 @@ TEST(AreaInfo, GivesJsonInTheUnitOfTheFile) {
 }
 
 // The bounds need only the points.
-TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
+TEST(AreaInfo, ReportsTheBoundsOfAnAreaWithoutSteps) {
   const TempFolderC folder;
   const std::string file = Written(folder, R"({"kind": "rectangle", "unit": "deg", "hzStep": 0,
       "vStep": -1, "points": [[10, 20], [30, 50]]})");
@@ -126,7 +126,7 @@ TEST(AreaInfo, TellsTheBoundsOfAnAreaWithoutSteps) {
 
 // The library returns bounds for two points of a polygon, which form a rectangle on the sphere, but
 // they are not a polygon.
-TEST(AreaInfo, TellsNoBoundsOfPointsThatAreNoPolygon) {
+TEST(AreaInfo, ReportsNoBoundsOfPointsThatMakeNoPolygon) {
   const TempFolderC folder;
   for (const char* const points :
        {"[10, 20], [30, 50]", "[10, 20], [30, 50], [30.00000000000001, 50], [20, 60]",
@@ -536,7 +536,7 @@ std::vector<std::pair<double, double>> DirectionsOf(const std::string& csv) {
   return directions;
 }
 
-// What the grids of the Python package are compared with, too.
+// The tests of the Python package compare grids with the same file.
 TEST(AreaGrid, ListsTheDirectionsInTheOrderOfASweep) {
   const TempFolderC folder;
   const json grids = json::parse(ReadText(DataPath("area_grids.json")));
@@ -583,7 +583,7 @@ TEST(AreaGrid, ListsAsManyDirectionsAsInfoCountsAndAllAreInside) {
                                   info["directions"]["count"].dump() + " inside, 0 outside\n"));
 }
 
-TEST(AreaGrid, TellsThatThereIsNoDirectionOrThatTheStepsAreTooSmall) {
+TEST(AreaGrid, ReportsThatThereIsNoDirectionOrThatTheStepsAreTooSmall) {
   const TempFolderC folder;
   const Outcome none =
       Area("grid", Written(folder, R"({"kind": "polygon", "unit": "deg", "hzStep": 300,
@@ -734,12 +734,12 @@ TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
     std::vector<std::string> inside;
     std::vector<std::string> outside;
   } cases[] = {
-      {"A direction in the boundary band is inside. The band reaches 0.0005 gon to both sides of "
-       "lines that are displaced from the boundary: they have its Hz less twice the least Hz of "
-       "the area,",
+      {"A direction in the boundary band is inside. The band extends 0.0005 gon to both sides of "
+       "lines that are displaced from the boundary: their Hz is that of the boundary less twice "
+       "the least Hz of the area,",
        {"320,85", "319.99956,85", "320.00044,85"},
        {"319.9995,85", "320.0005,85", "290,85"}},
-      {"and are straight in Hz and V where the boundary follows arcs.",
+      {"and they are straight in Hz and V where the boundary follows arcs.",
        {"290,60", "290,60.0004", "290,110"},
        {"290,56.5", "290,112.5"}},
       {"The closing edge of a polygon has no band.", {}, {"260,70", "260,85", "260,100"}}};
@@ -1086,7 +1086,7 @@ TEST(AreaPlot, WritesAtMostTwoMegabytesAndSaysWhatItLeavesOut) {
                   std::to_string(i * 3571 % 180'000 / 1000.0) + "\n";
   }
   WriteBytes(folder / "d.csv", Bytes(directions.begin(), directions.end()));
-  const std::string asked = "100000 directions: drawn to the resolution of the picture";
+  const std::string asked = "100000 directions: drawn at the resolution of the picture";
   const struct {
     const char* what;
     std::string area;
@@ -1097,13 +1097,14 @@ TEST(AreaPlot, WritesAtMostTwoMegabytesAndSaysWhatItLeavesOut) {
       {"a few corners", Comb(3), true, 2 * 14, asked},
       {"just few enough corners", Comb(499), true, 2 * 1998, asked},
       {"many corners", Comb(20'000), true, 0,
-       "80002 corners: drawn to the resolution of the picture, and not marked; " + asked},
+       "80002 corners: drawn at the resolution of the picture, without marks; " + asked},
       {"corners out of range", Tangle(50'000, -360), false, 2 * 2000,
-       "50000 corners: drawn to the resolution of the picture, and not marked; the first 2000 of "},
+       "50000 corners: drawn at the resolution of the picture, without marks except at the first "
+       "2000 of "},
       {"a tangle", Tangle(1990, 0.5), false, 2 * 1990, ""},
       {"a large ring that crosses itself", CrossedRing(2'500), false, 0,
-       "2500 corners: drawn to the resolution of the picture, and not marked; what is inside is "
-       "not drawn"},
+       "2500 corners: drawn at the resolution of the picture, without marks; the inside is not "
+       "drawn"},
   };
   for (const auto& [what, area, hasDirections, titles, notes] : cases) {
     SCOPED_TRACE(what);

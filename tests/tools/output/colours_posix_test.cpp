@@ -1,4 +1,4 @@
-// Which output of the program is coloured: asked through a pseudo terminal.
+// Which output of the program is coloured, on a pseudo terminal.
 
 #include <regex>
 #include <string>
@@ -29,7 +29,7 @@ class Colours : public testing::Test {
     WriteBytes(folder_ / "ok.rec", frame);
   }
   void SetUp() override {
-    if (!terminal_.IsThere()) GTEST_SKIP() << "no terminal to be had";
+    if (!terminal_.IsThere()) GTEST_SKIP() << "no pseudo terminal available";
   }
 
   Outcome Run(const std::string& command) const {

@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(ExplainFrame, TellsEveryByteOfEverySampleFrameOnce) {
+TEST(ExplainFrame, ExplainsEveryByteOfEverySampleFrameOnce) {
   for (const char* const name : kSamples) {
     const Bytes file = ReadBytes(DataPath(std::string(name) + ".rec"));
     const auto index = SampleIndex(name);
@@ -30,7 +30,7 @@ TEST(ExplainFrame, TellsEveryByteOfEverySampleFrameOnce) {
 }
 
 // For any length of a frame whose flags words announce many blocks.
-TEST(ExplainFrame, TellsEveryByteOnceHoweverShortTheFrame) {
+TEST(ExplainFrame, ExplainsEveryByteOnceForFramesOfAnyLength) {
   const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
   const Bytes body(sample.begin() + 965, sample.begin() + 960 + 465);
   for (std::size_t length = 0; length <= body.size(); ++length) {

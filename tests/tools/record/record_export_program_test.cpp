@@ -176,7 +176,7 @@ TEST(RecordExport, RefusesColumnsThatAreNoneAndHintsAtTheNearest) {
        "there is no column \"measurement.timeA.week\"; surveydata record columns lists them"},
       {"", "there is no column \"\"; surveydata record columns lists them"},
       {"hdop,", "there is no column \"\"; surveydata record columns lists them"},
-      {"hdop,vdop,hdop", "the column hdop is there twice"},
+      {"hdop,vdop,hdop", "the column hdop is listed twice"},
   };
   for (const auto& [columns, message] : cases) {
     const Outcome outcome = Export(DataPath("valley_drive.rec"), {"--csv", "--columns", columns});
@@ -196,8 +196,8 @@ TEST(RecordExport, SaysOnceThatTimesInUtcAreAfterTheExpiryOfTheLeapSeconds) {
     return MakeFrame(113, body);
   };
   const std::string message =
-      "surveydata: times in UTC from 2027-06-28 on take it that the leap seconds of the IERS "
-      "leap-seconds.list of 2026-07-06 are all\n";
+      "surveydata: times in UTC from 2027-06-28 on assume that the IERS "
+      "leap-seconds.list of 2026-07-06 has all leap seconds\n";
   const std::string late = WriteFrames(folder, frameOf(2600) + frameOf(2601));
   EXPECT_EQ(Export(late, {"--csv"}).err, message);
   EXPECT_EQ(Export(late, {"--csv", "--columns", "time_utc"}).err, message);
@@ -328,7 +328,7 @@ TEST(RecordExport, ReportsAFileWithoutMeasurements) {
     const Outcome outcome = Export(folder / "none.rec");
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "surveydata: " + folder / "none.rec" + " holds no measurement\n");
+    EXPECT_EQ(outcome.err, "surveydata: " + folder / "none.rec" + " contains no measurement\n");
     const Outcome csv = Export(folder / "none.rec", {"--csv"});
     EXPECT_EQ(csv.exitCode, 1);
     EXPECT_EQ(Lines(csv.out).size(), 1u);

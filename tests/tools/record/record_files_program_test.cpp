@@ -178,10 +178,9 @@ TEST(RecordFiles, ReadsTheRecordFilesOfFolders) {
 
   const Outcome empty = Record({"list", "other.rec"}, folder.Path().string());
   EXPECT_EQ(empty.exitCode, 3);
-  EXPECT_EQ(
-      empty.err,
-      "surveydata: cannot read other.rec: it is a folder without a file *.rec; --recursive looks "
-      "into those below\n");
+  EXPECT_EQ(empty.err,
+            "surveydata: cannot read other.rec: it is a folder without files *.rec; --recursive "
+            "reads the folders below, too\n");
 }
 
 TEST(RecordFiles, ReadsTheOthersWhenOneCannotBeRead) {
@@ -260,7 +259,7 @@ TEST(RecordFiles, TellWhichFileHasBadFramesOrNoMeasurement) {
       << outcome.err;
   EXPECT_NE(outcome.err.find("surveydata: bad.rec: 2 bad frames are left out"), std::string::npos)
       << outcome.err;
-  EXPECT_NE(outcome.err.find("surveydata: empty.rec holds no measurement\n"), std::string::npos);
+  EXPECT_NE(outcome.err.find("surveydata: empty.rec contains no measurement\n"), std::string::npos);
 }
 
 TEST(RecordFiles, TakeStandardInputOnceAmongFiles) {

@@ -97,7 +97,7 @@ TEST(ParseMoment, SaysWhatIsWrong) {
       {"2020-02-07T02:14:355", "the second has 2 digits"},
       {"2020/02/07", "expected - before \"/02/07\""},
       {"2020-02", "it ends too early"},
-      {"2020-02-07x", "it goes on after its end"},
+      {"2020-02-07x", "unexpected characters after the time"},
   };
   for (const auto& [text, reason] : cases) {
     try {
@@ -376,14 +376,14 @@ TEST(RecordFilter, SaysThatNoMeasurementIsTaken) {
         RunProgram({"record", command, DataPath("valley_drive.rec"), "--name", "nobody"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.err, "surveydata: " + DataPath("valley_drive.rec") +
-                               " holds no measurement that the filters take\n");
+                               " contains no measurement that the filters select\n");
   }
 }
 
 TEST(RecordFilter, SaysThatLeapSecondsAreNotCertain) {
   EXPECT_EQ(Export("valley_drive", {"--to", "2028-01-01Z"}).err,
-            "surveydata: times in UTC from 2027-06-28 on take it that the leap seconds of the IERS "
-            "leap-seconds.list of 2026-07-06 are all\n");
+            "surveydata: times in UTC from 2027-06-28 on assume that the IERS "
+            "leap-seconds.list of 2026-07-06 has all leap seconds\n");
   EXPECT_EQ(Export("valley_drive", {"--to", "2028-01-01"}).err, "");
 }
 

@@ -39,7 +39,7 @@ Bytes Cut(const Bytes& bytes, std::vector<std::string> options) {
   return ReadBytes(folder / "b.rec");
 }
 
-TEST(RecordCut, KeepsTheMeasurementsThatTheFiltersTakeAndWhatBelongsToThem) {
+TEST(RecordCut, KeepsTheSelectedMeasurementsAndTheRecordsAfterThem) {
   const Bytes file = Other(1) + Other(2) + At(1000) + Other(3) + At(2000) + Other(4) + Other(5) +
                      At(3000) + Other(6);
   EXPECT_EQ(Cut(file, {}), file);
@@ -79,7 +79,7 @@ TEST(RecordCut, CutsAPipeAtTheSameOffsets) {
 #endif
 }
 
-TEST(RecordCut, LeavesOutGapsAndBadFramesAndTellsIt) {
+TEST(RecordCut, LeavesOutAndReportsGapsAndBadFrames) {
   const TempFolderC folder;
   Bytes damaged = At(1500);
   damaged.back() ^= 1;
@@ -153,7 +153,7 @@ TEST(RecordJoin, KeepsTheOrderOfEqualTimesAndOfTimesThatGoBack) {
       << "a measurement without a time stays with the one before";
 }
 
-TEST(RecordJoin, TakesTheFilesOfTheSamplesWhole) {
+TEST(RecordJoin, JoinsTheSampleFiles) {
   const TempFolderC folder;
   for (const char* const name : kSamples) {
     std::filesystem::copy(DataPath(std::string(name) + ".rec"), folder.Path());

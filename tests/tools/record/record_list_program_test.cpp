@@ -135,7 +135,7 @@ TEST(RecordList, ReportsAFileWithoutMeasurements) {
   for (const Bytes& bytes : {Bytes{}, MakeFrame(17, {1, 2, 3})}) {
     const Outcome outcome = List(OneFrame(folder, bytes));
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.err, "surveydata: " + folder / "one.rec" + " holds no measurement\n");
+    EXPECT_EQ(outcome.err, "surveydata: " + folder / "one.rec" + " contains no measurement\n");
   }
 }
 

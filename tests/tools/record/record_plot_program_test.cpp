@@ -199,7 +199,7 @@ TEST(RecordPlot, TellsHowManyBadFramesItLeavesOut) {
   const Outcome none = Plot(folder / "none.rec", folder / "none.svg");
   EXPECT_EQ(none.exitCode, 1);
   EXPECT_EQ(none.err,
-            BadFramesTold(2) + "surveydata: " + folder / "none.rec" + " holds no measurement\n");
+            BadFramesTold(2) + "surveydata: " + folder / "none.rec" + " contains no measurement\n");
 }
 
 TEST(RecordPlot, RefusesNamesOfOtherPicturesAsAreaPlotDoes) {
@@ -239,7 +239,7 @@ TEST(RecordPlot, RefusesAFileWithoutMeasurementsAndItsOwnInput) {
     WriteBytes(folder / "none.rec", bytes);
     const Outcome outcome = Plot(folder / "none.rec", folder / "out.svg");
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_NE(outcome.err.find("holds no measurement"), std::string::npos);
+    EXPECT_NE(outcome.err.find("contains no measurement"), std::string::npos);
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"none.rec"});
   }
 

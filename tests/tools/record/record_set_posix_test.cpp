@@ -352,7 +352,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhenTheDiskTakesNoMore) {
   const Outcome outcome =
       Set({"--number", "5"}, {.shell = "trap '' XFSZ; ulimit -f 16;"});  // 8 KiB or 16 KiB
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("sample.rec is unchanged"), std::string::npos) << outcome.err;
   ExpectUntouched();
 }
 
@@ -363,7 +363,7 @@ TEST_F(RecordSet, EndsByTheSignalOfAFileThatBecomesTooLarge) {
 }
 
 // Root may write everywhere, so another user tries.
-TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
+TEST_F(RecordSet, LeavesTheFileUnchangedIfItMayNotBeWritten) {
   if (geteuid() == 0 && std::system("command -v setpriv >/dev/null") != 0) {
     GTEST_SKIP() << "root, and no setpriv";
   }
@@ -398,7 +398,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
     fs::permissions(file_, fs::perms{file});
     const Outcome outcome = setAsOther();
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("sample.rec is unchanged"), std::string::npos) << outcome.err;
     ExpectUntouched();
   }
   fs::permissions(folder_.Path(), fs::perms{0777});
@@ -422,7 +422,7 @@ TEST_F(RecordSet, LeavesTheFileAsItWasWhereItMayNotBeWritten) {
   // With all permissions it works, so the refusals above are due to the permissions.
   EXPECT_EQ(setAsOther().exitCode, 0);
   EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 5, .height = {}}));
-  // A folder that can be written but not read cannot be brought to the disk.
+  // A folder that can be written but not read cannot be flushed to the disk.
   Replace(before_);
   fs::permissions(folder_.Path(), fs::perms{0333});
   const Outcome outcome = setAsOther();

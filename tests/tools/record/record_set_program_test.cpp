@@ -23,7 +23,7 @@ fs::file_time_type MakeOld(const std::string& file) {
   return fs::last_write_time(file);
 }
 
-TEST_F(RecordSet, ChangesWhatIsAskedForAndTheChecksumInEveryCombination) {
+TEST_F(RecordSet, ChangesTheGivenFieldsAndTheChecksumInEveryCombination) {
   for (unsigned choice = 1; choice < 16; ++choice) {
     SCOPED_TRACE(choice);
     Change change;
@@ -83,7 +83,7 @@ TEST_F(RecordSet, ChangesWhatIsAskedForAndTheChecksumInEveryCombination) {
   }
 }
 
-TEST_F(RecordSet, TellsInADryRunWhatEachChangedByteIs) {
+TEST_F(RecordSet, ExplainsEachChangedByteInADryRun) {
   EXPECT_EQ(Set({"--number", "7", "--dry-run"}).out,
             "    offset  old  new  field\n"
             "      1023   01   07  name, number = 7\n"
@@ -109,7 +109,7 @@ Bytes ChangedOneByOne(const Bytes& before, const std::vector<std::uint64_t>& off
   return ReadBytes(file);
 }
 
-TEST_F(RecordSet, ChangesAllFramesThatAFilterTakesInOneReplacement) {
+TEST_F(RecordSet, ChangesAllFramesThatAFilterSelectsInOneReplacement) {
   const std::vector<std::string> filter = {"--where", "number > 0", "--every", "40"};
   std::vector<std::string> arguments = {"record", "export", file_};
   arguments.insert(arguments.end(), filter.begin(), filter.end());
@@ -130,19 +130,20 @@ TEST_F(RecordSet, ChangesAllFramesThatAFilterTakesInOneReplacement) {
   const Outcome told = RunProgram(dry);
   EXPECT_EQ(told.exitCode, exitCode);
   EXPECT_EQ(told.out, dryRun + count +
-                          " measurements would change, 0 hold this already, 0 without "
+                          " measurements would change, 0 with these values already, 0 without "
                           "room\n");
   ExpectUntouched();
 
   const Outcome done = RunProgram(arguments);
   EXPECT_EQ(done.exitCode, exitCode);
-  EXPECT_EQ(done.out, count + " measurements changed, 0 hold this already, 0 without room\n");
+  EXPECT_EQ(done.out,
+            count + " measurements changed, 0 with these values already, 0 without room\n");
   EXPECT_TRUE(ReadBytes(file_) == expected);
   EXPECT_EQ(folder_.Names(), std::vector<std::string>{"sample.rec"});
 
   // The same measurements, by what they have now.
   EXPECT_EQ(RunProgram({"record", "set", file_, "--where", "name = \"Wall\"", "--number", "7"}).out,
-            "0 measurements changed, " + count + " hold this already, 0 without room\n");
+            "0 measurements changed, " + count + " with these values already, 0 without room\n");
   EXPECT_TRUE(ReadBytes(file_) == expected);
 }
 
@@ -162,18 +163,19 @@ TEST_F(RecordSet, ChangesAllFramesOfAFileOfSeveralBlocks) {
   Replace(all);
   const Outcome outcome = RunProgram({"record", "set", file_, "--all", "--number", "7"});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-  EXPECT_EQ(outcome.out, "5000 measurements changed, 0 hold this already, 0 without room\n");
+  EXPECT_EQ(outcome.out,
+            "5000 measurements changed, 0 with these values already, 0 without room\n");
   EXPECT_TRUE(ReadBytes(file_) == expected);
 }
 
-TEST_F(RecordSet, LeavesFramesWithoutRoomAsTheyAre) {
+TEST_F(RecordSet, DoesNotChangeFramesWithoutRoom) {
   const Bytes bare = MakeFrame(113, MakeBody(0, {}));
   Bytes all = bare;
   all.insert(all.end(), before_.begin() + kFrame, before_.begin() + kFrame + kFrameSize);
   Replace(all);
   const Outcome outcome = RunProgram({"record", "set", file_, "--all", "--number", "7"});
   EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_EQ(outcome.out, "1 measurement changed, 0 hold this already, 1 without room\n");
+  EXPECT_EQ(outcome.out, "1 measurement changed, 0 with these values already, 1 without room\n");
   Change change;
   change.number = 7;
   change.Apply(&all[bare.size()], kFrameSize);
@@ -181,8 +183,8 @@ TEST_F(RecordSet, LeavesFramesWithoutRoomAsTheyAre) {
   const Outcome none =
       RunProgram({"record", "set", file_, "--where", "number = 99", "--number", "7"});
   EXPECT_EQ(none.exitCode, 1);
-  EXPECT_EQ(none.out, "0 measurements changed, 0 hold this already, 0 without room\n");
-  EXPECT_NE(none.err.find("holds no measurement that the filters take"), std::string::npos);
+  EXPECT_EQ(none.out, "0 measurements changed, 0 with these values already, 0 without room\n");
+  EXPECT_NE(none.err.find("contains no measurement that the filters select"), std::string::npos);
   EXPECT_TRUE(ReadBytes(file_) == all);
 }
 
@@ -294,7 +296,7 @@ TEST_F(RecordSet, KeepsBytesThatTheWriterWouldNormalise) {
   EXPECT_TRUE(ReadBytes(file_) == Expected(name));
 }
 
-TEST_F(RecordSet, LeavesTheFileAloneWhenItHoldsTheValuesAlready) {
+TEST_F(RecordSet, DoesNotReplaceAFileThatHasTheValuesAlready) {
   const auto time = MakeOld(file_);
   const Outcome outcome = Set({"--name", "Süd-Ø1", "--number", "1"});
   EXPECT_EQ(outcome.exitCode, 0);

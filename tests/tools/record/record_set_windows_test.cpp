@@ -43,17 +43,17 @@ TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasOpenToWrite) {
   const Outcome outcome = Set({"--number", "5"});
   EXPECT_EQ(outcome.exitCode, 3);
   EXPECT_NE(outcome.err.find("locked"), std::string::npos) << outcome.err;
-  EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("sample.rec is unchanged"), std::string::npos) << outcome.err;
   EXPECT_EQ(Set({"--number", "5", "--dry-run"}).exitCode, 0);  // writes nothing
   ExpectUntouched();
 }
 
-TEST_F(RecordSet, LeavesTheFileAsItWasWhereAReaderKeepsItFromBeingReplaced) {
+TEST_F(RecordSet, LeavesTheFileUnchangedIfAReaderPreventsItsReplacement) {
   const OpenFileC holder(file_, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
   ASSERT_TRUE(holder.IsOpen());
   const Outcome outcome = Set({"--number", "5"});
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("sample.rec is unchanged"), std::string::npos) << outcome.err;
   ExpectUntouched();
 }
 
@@ -83,7 +83,7 @@ TEST_F(RecordSet, LeavesAReadOnlyFileAsItWas) {
   ASSERT_NE(SetFileAttributesW(fs::path(file_).c_str(), FILE_ATTRIBUTE_READONLY), 0);
   const Outcome outcome = Set({"--number", "5"});
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("sample.rec is as it was"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("sample.rec is unchanged"), std::string::npos) << outcome.err;
   ExpectUntouched();
   SetFileAttributesW(fs::path(file_).c_str(), FILE_ATTRIBUTE_NORMAL);
   EXPECT_EQ(Set({"--number", "5"}).exitCode, 0);

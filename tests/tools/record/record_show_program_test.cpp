@@ -206,7 +206,7 @@ TEST(RecordShow, ShowsTheMeasurementsThatFiltersTake) {
   const Outcome none = run({Valley(), "--name", "nobody"});
   EXPECT_EQ(none.exitCode, 1);
   EXPECT_EQ(none.out, "");
-  EXPECT_NE(none.err.find("holds no measurement that the filters take"), std::string::npos);
+  EXPECT_NE(none.err.find("contains no measurement that the filters select"), std::string::npos);
   EXPECT_EQ(run({DataPath("areas"), "--every", "2"}).exitCode, 3);
   EXPECT_EQ(run({DataPath("none.rec"), "--every", "2"}).exitCode, 3);
 }

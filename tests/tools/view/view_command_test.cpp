@@ -114,7 +114,7 @@ TEST(View, SaysThatThePageIsNotInstalled) {
   WriteBytes(folder / "a.rec", BytesOf("f"));
   const Outcome outcome = RunProgram({"view", folder / "a.rec"});
   EXPECT_EQ(outcome.exitCode, 3);
-  EXPECT_NE(outcome.err.find("surveydata.html is not there: the page was not installed; --page "
+  EXPECT_NE(outcome.err.find("surveydata.html does not exist: the page was not installed; --page "
                              "names one"),
             std::string::npos)
       << outcome.err;
