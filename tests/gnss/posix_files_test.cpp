@@ -62,6 +62,18 @@ TEST(RecordFileRead, EveryWayOutClosesTheFile) {
   }
 }
 
+TEST(RecordReaderOpen, AFolderIsRefusedAndClosed) {
+  const TempFolderC folder;
+  const std::ptrdiff_t before = OpenFiles();
+  for (int i = 0; i < 2; ++i) {
+    const SDI::GPSRecordReaderC reader(folder.Path().c_str());
+    EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kCannotOpen);
+    EXPECT_EQ(OpenFiles(), before);
+    EXPECT_FALSE(GPSRecordIndexC(folder.Path().c_str()).IsOpen());
+  }
+  EXPECT_EQ(OpenFiles(), before);
+}
+
 // A file that can be read, but that not even root can open for writing.
 TEST(RecordFileOpen, ARunningProgramIsNoFile) {
   const TempFolderC folder;

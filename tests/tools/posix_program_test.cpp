@@ -40,12 +40,6 @@ std::vector<std::string> CommandPaths() {
   return paths;
 }
 
-std::string Joined(const std::vector<std::string>& words) {
-  std::string text = "surveydata";
-  for (const std::string& word : words) text += " " + word;
-  return text;
-}
-
 // The lines after "Example:" that begin with the program's name.
 std::vector<std::string> Examples(const std::string& help) {
   std::vector<std::string> examples;
