@@ -89,8 +89,12 @@ RecordFile Look(const std::string& name, bool isOnly) {
 }
 
 unsigned ParseJobs(const std::string& text) {
+  // Each thread may have two files open, and some systems allow a program hardly more than 512.
+  constexpr unsigned kMost = 250;
   const auto jobs = ToNumber<unsigned>(text);
-  if (!jobs || *jobs == 0 || *jobs > 1024) throw ValueErrorC("not a whole number from 1 to 1024");
+  if (!jobs || *jobs == 0 || *jobs > kMost) {
+    throw ValueErrorC(fmt::format("not a whole number from 1 to {}", kMost));
+  }
   return *jobs;
 }
 
@@ -155,6 +159,12 @@ std::vector<RecordFile> FindRecordFiles(const RecordFileOptions& options,
   return files;
 }
 
+OpenRecordFilesC::OpenRecordFilesC(const std::vector<RecordFile>& files,
+                                   const std::vector<RecordPiece>& pieces)
+    : files_(files), inputs_(files.size()) {
+  for (const RecordPiece& piece : pieces) ++inputs_[piece.file].unread;
+}
+
 std::shared_ptr<InputFileC> OpenRecordFilesC::Open(std::size_t file) {
   Input& input = inputs_[file];
   const std::lock_guard lock(input.mutex);
@@ -162,10 +172,10 @@ std::shared_ptr<InputFileC> OpenRecordFilesC::Open(std::size_t file) {
   return input.opened;
 }
 
-void OpenRecordFilesC::Close(std::size_t file) {
+void OpenRecordFilesC::EndPiece(std::size_t file) {
   Input& input = inputs_[file];
   const std::lock_guard lock(input.mutex);
-  input.opened.reset();
+  if (--input.unread == 0) input.opened.reset();
 }
 
 RecordFile FindRecordFile(const std::string& name) {

@@ -82,21 +82,22 @@ inline constexpr std::uint64_t kShortestStretch = std::uint64_t{1} << 20;
 std::uint64_t StretchOf(std::uint64_t total, unsigned jobs, std::uint64_t longest);
 
 /// The files that are being read, each opened once for all its pieces: if another program replaces
-/// a file meanwhile, no piece is read from the new one. Several threads may use it at once.
+/// a file meanwhile, no piece is read from the new one. A file is closed when its last piece has
+/// been read, so that no more files are open than threads read. Several threads may use it at once.
 class OpenRecordFilesC {
  public:
-  explicit OpenRecordFilesC(const std::vector<RecordFile>& files)
-      : files_(files), inputs_(files.size()) {}
+  OpenRecordFilesC(const std::vector<RecordFile>& files, const std::vector<RecordPiece>& pieces);
 
   /// \throw FileErrorC  if the file cannot be opened
   std::shared_ptr<InputFileC> Open(std::size_t file);
-  /// To be called when all pieces of the file have been read.
-  void Close(std::size_t file);
+  /// To be called for each piece of the file when it has been read, or could not be.
+  void EndPiece(std::size_t file);
 
  private:
   struct Input {
     std::mutex mutex;  // of each one: opening a pipe waits for its writer
     std::shared_ptr<InputFileC> opened;
+    std::size_t unread = 0;  // pieces
   };
 
   const std::vector<RecordFile>& files_;

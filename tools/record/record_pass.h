@@ -69,13 +69,12 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
   ProgressC progress(total, options.hasRows);
   std::atomic<std::uint64_t> done = 0;
   PieceOutputC direct(options.out, progress);
-  OpenRecordFilesC inputs(files);
+  OpenRecordFilesC inputs(files, pieces);
 
   ExitCode worst = ExitCode::kDone;
   std::optional<std::size_t> failed;  // the last file that cannot be read
   const auto take = [&](const RecordPiece& piece, Result& result, const std::string& fault) {
     if (piece.isFirst) direct.BeginFile();
-    if (piece.isLast) inputs.Close(piece.file);
     if (failed == piece.file) return;
     pass.Take(piece, result, direct);
     if (!fault.empty()) {
@@ -90,14 +89,17 @@ ExitCode RunPass(const std::vector<RecordFile>& files, const PassOptions& option
   // Returns why the piece cannot be read, or an empty text.
   const auto read = [&](const RecordPiece& piece, Result& result, const auto& report) {
     const RecordFile& file = files[piece.file];
-    if (!file.fault.empty()) return file.fault;
-    try {
-      RecordWalkC walk(inputs.Open(piece.file), file, piece, report);
-      pass.Read(walk, result);
-    } catch (const FileErrorC& error) {
-      return std::string(error.what());
+    std::string fault = file.fault;
+    if (fault.empty()) {
+      try {
+        RecordWalkC walk(inputs.Open(piece.file), file, piece, report);
+        pass.Read(walk, result);
+      } catch (const FileErrorC& error) {
+        fault = error.what();
+      }
     }
-    return std::string();
+    inputs.EndPiece(piece.file);
+    return fault;
   };
 
   const unsigned threads = static_cast<unsigned>(std::min<std::size_t>(jobs, pieces.size()));

@@ -297,7 +297,10 @@ TEST(RecordFiles, RefuseToBeOverwritten) {
 }
 
 TEST(RecordJobs, AreWholeNumbersFromOneOn) {
-  for (const char* const jobs : {"0", "-1", "x", "", "1.5", "100000"}) {
+  for (const char* const jobs : {"1", "250"}) {
+    EXPECT_EQ(Record({"export", DataPath("valley_drive.rec"), "--jobs", jobs}).exitCode, 0) << jobs;
+  }
+  for (const char* const jobs : {"0", "-1", "x", "", "1.5", "251", "100000"}) {
     EXPECT_EQ(Record({"list", DataPath("valley_drive.rec"), "--jobs", jobs}).exitCode, 2) << jobs;
   }
 }

@@ -1,7 +1,8 @@
-// The progress bar of several files, as a terminal shows it.
+// Several files: their progress bar, as a terminal shows it, and how many are open at once.
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <regex>
 #include <string>
 #include <vector>
@@ -53,6 +54,22 @@ TEST(RecordProgress, IsOneBarForAllFiles) {
     EXPECT_EQ(static_cast<std::size_t>(std::count(shown.begin(), shown.end(), '[')), bars);
     EXPECT_TRUE(std::regex_search(shown, std::regex("MiB\\r +\\r$"))) << shown;
   }
+}
+
+// A pipe holds up the output, and a thread reads all other files meanwhile.
+TEST(RecordFiles, AreOpenOnlyWhileTheyAreRead) {
+  constexpr int kFiles = 60;
+  const TempFolderC folder;
+  for (int i = 0; i < kFiles; ++i) {
+    std::filesystem::copy_file(DataPath("valley_drive.rec"), folder / (std::to_string(i) + ".rec"));
+  }
+  const Outcome outcome = RunShell(
+      "mkfifo pipe; (exec 3>pipe; sleep 0.5; exec 3>&-) &"
+      "ulimit -n 16; surveydata record check pipe . --jobs 2 --json; rm pipe",
+      folder.Path().string());
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(JsonLines(outcome.out).back()["files"], kFiles + 1);
+  EXPECT_EQ(JsonLines(outcome.out).back()["unreadable"], 0);
 }
 
 }  // namespace
