@@ -82,7 +82,7 @@ class BoundaryBandC::BuilderC {
   static ColumnOrderC::Relation Relate(std::size_t /*column*/, const ColumnOrderC::Crossing& lower,
                                        const ColumnOrderC::Crossing& upper) {
     return lower.left <= upper.left && lower.right <= upper.right
-               ? ColumnOrderC::Relation::kApart
+               ? ColumnOrderC::Relation::kInOrder
                : ColumnOrderC::Relation::kOutOfOrder;
   }
   void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {

@@ -137,12 +137,12 @@ ColumnOrderC::Relation CurveComparisonC::Relate(const ColumnOrderC::Crossing& lo
   const double closest = ClosestOf(a, b);
   const double least = std::min(b.west - a.west, b.east - a.east);
   const double most = std::max(b.west - a.west, b.east - a.east);
-  if (least > closest) return ColumnOrderC::Relation::kApart;
+  if (least > closest) return ColumnOrderC::Relation::kInOrder;
   // The gap changes sign at most once, near one border. Outside the interval it has its sign at the
   // other border.
   if (!(most > closest && least > -closest)) return ColumnOrderC::Relation::kOutOfOrder;
   AddInterval(a, b);
-  return ColumnOrderC::Relation::kClose;
+  return ColumnOrderC::Relation::kInOrder;
 }
 
 void CurveComparisonC::CompareWithOrder(const ArcCurve& curve,

@@ -15,8 +15,7 @@ namespace GMAT {
 class ColumnOrderC {
  public:
   struct Item {
-    std::uint32_t curve : 31;
-    std::uint32_t isClose : 1;  ///< To the item before or after it, somewhere in the column.
+    std::uint32_t curve;
   };
 
   /// A curve that crosses all columns from `first` to `last`.
@@ -35,8 +34,7 @@ class ColumnOrderC {
   };
 
   enum class Relation {
-    kApart,
-    kClose,       ///< In order, except in a part of the column that the caller handles.
+    kInOrder,     ///< Perhaps except in a part of the column that the caller handles.
     kOutOfOrder,  ///< They may be exchanged.
   };
 
@@ -112,15 +110,11 @@ class ColumnOrderC {
   void AddColumn(std::size_t column, const std::vector<Crossing>& open, Curves& curves) {
     const Crossing* lower = nullptr;
     for (const Crossing& upper : open) {
-      const Relation relation =
-          lower == nullptr ? Relation::kApart : curves.Relate(column, *lower, upper);
-      if (relation == Relation::kOutOfOrder) {
+      if (lower != nullptr && curves.Relate(column, *lower, upper) == Relation::kOutOfOrder) {
         curves.Reject(column, upper);
         continue;
       }
-      const bool isClose = relation == Relation::kClose;
-      if (isClose) items_.back().isClose = 1;
-      items_.push_back({upper.curve & 0x7fffffffU, isClose});
+      items_.push_back({upper.curve});
       lower = &upper;
     }
   }

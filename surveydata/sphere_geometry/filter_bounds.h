@@ -138,6 +138,10 @@ static_assert(LeastInV(kDirectionMargin - kOrderError, kPoleTangent) >
 /// do if crossings differ by less than 1e-10.
 inline constexpr double kCrossingsApart = 1.5e-10;
 static_assert(LeastInV(kCrossingsApart, 1.0 / kSteepSine) > 1e-10 + 16.0 * kUnitRoundoff);
+/// So are arcs on an ordered list that are not neighbours: of their errors, those in the rules are
+/// an eighth, and |t| is at most `kOrderError` / `kCurveError`.
+static_assert(LeastInV(kCrossingsApart - kOrderError / 4.0, kOrderError / kCurveError) >
+              1e-10 + 16.0 * kUnitRoundoff);
 
 // --- The extremes of a sinusoid within a span ---
 

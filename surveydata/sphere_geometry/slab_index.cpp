@@ -293,8 +293,8 @@ std::vector<std::uint32_t> SlabIndexC::FindEdgesOfCells(double h) const {
 }
 
 /// The crossings of one meridian to which the rules are applied: with the edges in cells, and with
-/// those edges in order that the filter cannot decide. Each of the others counts once, on a known
-/// side.
+/// those edges in order that are not clear of the direction or of another crossing. Each of the
+/// others counts once, on a known side.
 class SlabIndexC::OpenCrossingsC {
  public:
   OpenCrossingsC(const SlabIndexC& index, const AreaFrame& frame, double h)
@@ -305,9 +305,7 @@ class SlabIndexC::OpenCrossingsC {
         order_(index.order_.Get(index.grid_.ColumnOf(h))) {
     ForEachCrossing(frame, index.FindEdgesOfCells(h), meridian_,
                     [this](std::size_t, double v) { crossings_.push_back(v); });
-    for (std::size_t i = 0; i < order_.size(); ++i) {
-      if (order_[i].isClose != 0) asked_.push_back(i);
-    }
+    if (index.intervals_.Contains(h)) Sort();
     for (const double v : crossings_) AskNear(v);
   }
 
@@ -328,6 +326,31 @@ class SlabIndexC::OpenCrossingsC {
   }
 
  private:
+  // Within the intervals, neighbours on the list may be exchanged, and many in a row may be
+  // exchanged by more than two are. Sorts the list by the heights on the meridian, and collects
+  // the edges that may count as one with another.
+  void Sort() {
+    std::vector<std::pair<double, ColumnOrderC::Item>> heights;
+    heights.reserve(order_.size());
+    for (const ColumnOrderC::Item& item : order_) {
+      heights.emplace_back(index_.curves_[item.curve].At(atH_), item);
+    }
+    std::sort(heights.begin(), heights.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    sorted_.reserve(heights.size());
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+      sorted_.push_back(heights[i].second);
+      if (i == 0) continue;
+      const double lower = heights[i - 1].first;
+      const double upper = heights[i].first;
+      const double extreme = std::max(std::fabs(lower), std::fabs(upper));
+      if (upper - lower > InTangent(kCrossingsApart, extreme) + 2.0 * kOrderError) continue;
+      asked_.push_back(i - 1);
+      asked_.push_back(i);
+    }
+    order_ = sorted_;
+  }
+
   // Collects the edges in order that are not clear of V. Returns the number of edges below V.
   std::size_t AskNear(double v) {
     const CosSin atV{std::cos(v), std::sin(v)};
@@ -344,7 +367,8 @@ class SlabIndexC::OpenCrossingsC {
   const AreaFrame& frame_;
   const SearchMeridianC meridian_;
   const CosSin atH_;
-  const std::span<const ColumnOrderC::Item> order_;
+  std::span<const ColumnOrderC::Item> order_;
+  std::vector<ColumnOrderC::Item> sorted_;
   std::vector<double> crossings_;
   std::vector<std::size_t> asked_;  // indices in the order
 };

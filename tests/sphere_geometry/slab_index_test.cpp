@@ -257,6 +257,32 @@ TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   EXPECT_GT(inside, 500);
 }
 
+// The edges of several turns, nearly on each other. Where three or more change places, an edge may
+// be close to one that is not its neighbour on the list.
+TEST(SlabIndex, AsksTheRulesWhereManyEdgesOnAListChangePlaces) {
+  RingGenerator random(10);
+  int ordered = 0;
+  int undecided = 0;
+  for (int i = 0; i < 300; ++i) {
+    constexpr std::uint64_t kCorners = 4;
+    const double width = std::pow(10.0, random.Uniform(-9.5, -8.0));
+    std::vector<AnglePointC> points;
+    for (std::uint64_t k = 0; k < kCorners * (4 + random.Below(4)); ++k) {
+      points.push_back({TWO_PI / kCorners * static_cast<double>(k % kCorners),
+                        1.2 + random.Uniform(0.0, width)});
+    }
+    const Indexed area(points, kAlways);
+    ordered += area.slabs->HasOrder();
+    for (int k = 0; k < 200; ++k) {
+      const double h = random.Uniform(0.0, TWO_PI);
+      undecided += area.Ask(h, 0.5) == Verdict::kUndecided;
+      ASSERT_EQ(area.slabs->AskRules(area.frame, h, 0.5), area.AskRules(h, 0.5)) << i << ": " << h;
+    }
+  }
+  EXPECT_GT(ordered, 250);
+  EXPECT_GT(undecided, 10000);
+}
+
 // Nearly all directions of a comb at an angle are decided, including those between its teeth.
 TEST(SlabIndex, DecidesACombAtAnAngle) {
   std::vector<AnglePointC> points;
