@@ -111,8 +111,8 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
 
   // A direction takes some nanoseconds, but hundreds of them where its meridian may cross thousands
   // of edges.
-  constexpr std::size_t kManyPoints = 10'000;
-  const bool hasManyPoints = file.Sphere().GetPoints().size() > kManyPoints;
+  constexpr std::size_t kSlowPoints = 10'000;
+  const bool hasManyPoints = file.Sphere().GetPoints().size() > kSlowPoints;
   const double mostColumns = hasManyPoints ? 1024 : 4096;
   const double mostProbes = hasManyPoints ? 1e6 : 2e7;
   const bool isExact = columns * rows <= mostProbes && columns <= mostProbes / 16;
