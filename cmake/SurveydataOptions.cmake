@@ -36,6 +36,11 @@ if(PROJECT_IS_TOP_LEVEL)
                         # g++ reports false positives about its own instrumentation
                         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${SURVEYDATA_SANITIZE})
+    # lld links a program with sanitizers in a third of the time.
+    find_program(SURVEYDATA_LLD ld.lld)
+    if(SURVEYDATA_LLD AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+      add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-fuse-ld=lld>)
+    endif()
   endif()
   if(SURVEYDATA_COVERAGE)
     add_compile_options(--coverage -fprofile-abs-path)

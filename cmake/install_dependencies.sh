@@ -44,7 +44,7 @@ install_dependencies() {
 build_packages=(cmake g++ ninja-build libboost-dev libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(abigail-tools clang doxygen dpkg-dev file fish gdb libabsl-dev libbenchmark-dev
                libclang-rt-14-dev libgtest-dev libicu-dev librapidcheck-dev libs2-dev libssl-dev lintian
-               mandoc pkgconf python3 python3-venv zsh)
+               lld mandoc pkgconf python3 python3-venv zsh)
 
 # Additional packages for the Windows build and its tests.
 windows_compiler_packages=(g++-mingw-w64-x86-64-posix)
