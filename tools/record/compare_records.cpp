@@ -279,7 +279,7 @@ class SameStretchesC {
   // Skips from `from` to the next difference, or to a rest that is too short for stretches.
   Place SkipFrom(const Place& from) {
     // At a difference, stretches are read in vain, and for each the reader looks back 128 KiB.
-    constexpr std::uint64_t kLongest = std::uint64_t{4} << 20;
+    constexpr std::uint64_t kLongest = std::uint64_t{16} << 20;
     const std::uint64_t rest = std::min(Rest(a_, from.a), Rest(b_, from.b));
     const std::uint64_t stretch = StretchOf(rest, options_.jobs, kLongest);
     if (rest < 2 * stretch) return from;
