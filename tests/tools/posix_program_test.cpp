@@ -157,6 +157,7 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
     const Outcome help = RunShell(command + " --help", "/");
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(help.err, "");
+    EXPECT_FALSE(help.out.starts_with("Usage:")) << "without a description";
     const std::vector<std::string> examples = Examples(help.out);
     EXPECT_FALSE(examples.empty()) << help.out;
     for (const std::string& example : examples) {

@@ -121,6 +121,8 @@ TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
       {{"record", "--json"}, "a command is missing: " + kRecordCommands},
       {{"area", "foo"}, "there is no command 'foo': " + kAreaCommands},
       {{"record", "list"}, "FILE is required"},
+      {{"record", "show", "--offset", "0"}, "FILE is required"},
+      {{"record", "cut", "-o", "part.rec"}, "FILE is required"},
   };
   for (const auto& [arguments, message] : cases) {
     SCOPED_TRACE(Joined(arguments));

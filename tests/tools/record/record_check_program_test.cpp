@@ -128,15 +128,17 @@ TEST(RecordCheck, FindsTheSameInStretches) {
   };
   put(kStretch - kFrame, FrameAt(200) + FrameAt(200) + FrameAt(300));
   put(2 * kStretch - kFrame, FrameAt(400) + FrameAt(350));
-  put(4 * kStretch + 10, DamagedFrame() + FrameAt(100));
+  // The only one of a stretch, and the same again in the next.
+  put(4 * kStretch - kFrame, FrameAt(500) + FrameAt(500));
+  put(4 * kStretch + 100, DamagedFrame() + FrameAt(100));
   bytes.resize(bytes.size() + 50);
   WriteBytes(folder / "a.rec", bytes);
   const json found = CheckOne(folder / "a.rec", {"--jobs", "1"});
-  EXPECT_EQ(found["measurements"], 7);
-  EXPECT_EQ(found["gaps"], (json{{"count", 4}, {"first", kFrame}}));
-  EXPECT_EQ(found["gapBytes"], bytes.size() - 7 * kFrame);
-  EXPECT_EQ(found["damagedHeaders"], (json{{"count", 1}, {"first", 4 * kStretch + 10}}));
-  EXPECT_EQ(found["repeated"], (json{{"count", 1}, {"first", kStretch}}));
+  EXPECT_EQ(found["measurements"], 9);
+  EXPECT_EQ(found["gaps"], (json{{"count", 5}, {"first", kFrame}}));
+  EXPECT_EQ(found["gapBytes"], bytes.size() - 9 * kFrame);
+  EXPECT_EQ(found["damagedHeaders"], (json{{"count", 1}, {"first", 4 * kStretch + 100}}));
+  EXPECT_EQ(found["repeated"], (json{{"count", 2}, {"first", kStretch}}));
   EXPECT_EQ(found["timesBack"], (json{{"count", 2}, {"first", 2 * kStretch}}));
   for (const char* const jobs : {"2", "5"}) {
     EXPECT_EQ(CheckOne(folder / "a.rec", {"--jobs", jobs}), found);

@@ -330,6 +330,7 @@ class FolderDiff : public testing::Test {
     Put("b/changed.rec", At(1) + At(2, 5));
     Put("a/old.rec", At(1));
     Put("b/new.rec", At(1));
+    Put("b/newer.rec", At(2));
     Put("a/sub/x.rec", At(7));
     Put("b/sub/x.rec", At(7) + At(8));
     Put("b/sub/text.txt", {1, 2, 3});
@@ -354,23 +355,24 @@ TEST_F(FolderDiff, ComparesTheFilesOfTheSamePath) {
             "removed          38           -  2020-02-02T00:00:00.003\n"
             "1 the same, 1 changed, 1 removed, 0 added\n"
             "\nnew.rec\nadded    the file; only B has it\n"
+            "\nnewer.rec\nadded    the file; only B has it\n"
             "\nold.rec\nremoved  the file; only A has it\n"
             "\nsame.rec\n2 the same, 0 changed, 0 removed, 0 added\n"
-            "\n4 files: 1 the same, 1 different, 1 removed, 1 added, 0 unreadable; "
+            "\n5 files: 1 the same, 1 different, 1 removed, 2 added, 0 unreadable; "
             "records: 3 the same, 1 changed, 1 removed, 0 added\n");
   std::vector<json> lines = JsonLines(Diff({"--recursive", "--json"}).out);
-  ASSERT_EQ(lines.size(), 9U);
+  ASSERT_EQ(lines.size(), 10U);
   EXPECT_EQ(lines[0]["file"], "changed.rec");
   EXPECT_EQ(lines[0]["change"], "changed");
   EXPECT_EQ(lines[3], (json{{"file", "new.rec"}, {"change", "added"}}));
-  EXPECT_EQ(lines[4], (json{{"file", "old.rec"}, {"change", "removed"}}));
-  EXPECT_EQ(lines[6]["file"], "sub/x.rec");
-  EXPECT_EQ(lines[6]["offsetB"], 19);
-  EXPECT_EQ(lines.back(), (json{{"files", 5},
+  EXPECT_EQ(lines[5], (json{{"file", "old.rec"}, {"change", "removed"}}));
+  EXPECT_EQ(lines[7]["file"], "sub/x.rec");
+  EXPECT_EQ(lines[7]["offsetB"], 19);
+  EXPECT_EQ(lines.back(), (json{{"files", 6},
                                 {"sameFiles", 1},
                                 {"differentFiles", 2},
                                 {"removedFiles", 1},
-                                {"addedFiles", 1},
+                                {"addedFiles", 2},
                                 {"unreadableFiles", 0},
                                 {"same", 4},
                                 {"changed", 1},
@@ -410,7 +412,7 @@ TEST_F(FolderDiff, WritesTheSameWithAnyNumberOfThreads) {
 }
 
 TEST_F(FolderDiff, EndsWithZeroForTheSameFiles) {
-  for (const char* const name : {"changed.rec", "old.rec", "new.rec"}) {
+  for (const char* const name : {"changed.rec", "old.rec", "new.rec", "newer.rec"}) {
     std::filesystem::remove(folder_.Path() / "a" / name);
     std::filesystem::remove(folder_.Path() / "b" / name);
   }

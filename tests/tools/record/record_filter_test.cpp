@@ -230,6 +230,9 @@ TEST(RecordCondition, PointsAtTheErrors) {
       {"pdop < 4 5", "at character 10, \"5\": and, or, or the end is expected"},
       {"pdop < 4 and pdob > 1",
        "at character 14, \"pdob > 1\": there is no column \"pdob\"; did you mean pdop?"},
+      {"AZ > 1",
+       "at character 1, \"AZ > 1\": there is no column \"AZ\"; surveydata record columns lists "
+       "them"},
       {"(pdop < 4", "at its end: and, or, or ) is expected"},
       {"pdop < 4)", "at character 9, \")\": and, or, or the end is expected"},
       {"pdop < 4x", "at character 8, \"4x\": this is not a number"},
@@ -360,14 +363,25 @@ TEST(RecordFilter, PlotsTheMeasurementsThatItTakes) {
 }
 
 TEST(RecordFilter, LeavesOutTimesOfWeekThatAreNoneWhenItAsksForTimes) {
-  const TempFolderC folder;
-  Bytes body = MakeBody(0, {});
-  for (std::size_t i = 2; i < 6; ++i) body[i] = 0xFF;  // time A: -1 ms
-  WriteBytes(folder / "a.rec", MakeFrame(113, body));
-  const std::string file = folder / "a.rec";
-  EXPECT_EQ(Lines(RunProgram({"record", "export", file}).out).size(), 1U);
-  EXPECT_EQ(RunProgram({"record", "export", file, "--from", "1980-01-06"}).out, "");
-  EXPECT_EQ(RunProgram({"record", "export", file, "--to", "9999-01-01"}).out, "");
+  const struct {
+    std::uint32_t timeOfWeek;
+    bool isTime;
+  } cases[] = {{0, true}, {604'799'999, true}, {604'800'000, false}, {0xFFFF'FFFF, false}};
+  for (const auto& [timeOfWeek, isTime] : cases) {
+    SCOPED_TRACE(timeOfWeek);
+    const TempFolderC folder;
+    Bytes body = MakeBody(0, {});
+    for (std::size_t i = 0; i < 4; ++i) {
+      body[2 + i] = static_cast<std::uint8_t>(timeOfWeek >> (8 * i));
+    }
+    WriteBytes(folder / "a.rec", MakeFrame(113, body));
+    const std::string file = folder / "a.rec";
+    const std::string all = RunProgram({"record", "export", file}).out;
+    EXPECT_EQ(Lines(all).size(), 1U);
+    const std::string expected = isTime ? all : "";
+    EXPECT_EQ(RunProgram({"record", "export", file, "--from", "1980-01-06"}).out, expected);
+    EXPECT_EQ(RunProgram({"record", "export", file, "--to", "9999-01-01"}).out, expected);
+  }
 }
 
 TEST(RecordFilter, SaysThatNoMeasurementIsTaken) {

@@ -265,6 +265,25 @@ TEST_F(RecordSet, SaysThatASlantHeightBecomesAVerticalOne) {
   EXPECT_EQ(Set({"--antenna-height", "1.6"}).err, "");
 }
 
+TEST_F(RecordSet, CountsTheSlantHeightsThatBecomeVertical) {
+  std::size_t slant = 0;
+  for (const std::string& cell :
+       Lines(RunProgram({"record", "export", file_, "--csv", "--columns", "antenna_is_vertical"})
+                 .out)) {
+    if (cell.starts_with("false")) ++slant;
+  }
+  ASSERT_GT(slant, 1U);
+  const auto messages = [this](std::vector<std::string> options) {
+    options.insert(options.begin(), {"record", "set", file_, "--all", "--dry-run"});
+    return RunProgram(options).err;
+  };
+  EXPECT_EQ(
+      messages({"--antenna-height", "1.5"}),
+      "surveydata: without --slant, " + std::to_string(slant) + " slant heights become vertical\n");
+  EXPECT_EQ(messages({"--antenna-height", "1.5", "--slant"}), "");
+  EXPECT_EQ(messages({"--number", "3"}), "");
+}
+
 TEST_F(RecordSet, ReadsNumbersAsDecimal) {
   EXPECT_EQ(Set({"--number", "010", "--antenna-height", "010"}).exitCode, 0);
   EXPECT_TRUE(ReadBytes(file_) == Expected({.name = {}, .number = 10, .height = 10.0F}));
