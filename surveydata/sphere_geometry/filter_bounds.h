@@ -162,10 +162,16 @@ inline constexpr double kColumnRise = 1.09;
 
 /// asin(x) is at most this times x, up to `kShortReach`: the sinusoid S sin(Hz - Hz0) is below y
 /// only within kZeroReach y / S of its zero. The rest of the hundredth, which asin(0.01) does not
-/// need, covers the rounding of S and of the quotient. The zero is displaced by the error of a and
-/// b, which y includes.
+/// need, covers the rounding of S and of the quotient.
+///
+/// y includes `kCurveError` times the sum of |a| and |b| of both curves, which is at least S. Of
+/// these 40 u, the rules need 5 u; a, b and their differences, whose rounding displaces the zero,
+/// 2 u. The zero itself is rounded by less than 24 u: an arc tangent up to pi by 4 u; its
+/// difference from the middle of the column, up to 3 pi, by 8 u; `PI` is 1.1 u off, up to three
+/// times; the sum and the end of the interval, up to 2 pi, are rounded by 4 u each.
 inline constexpr double kZeroReach = 1.01;
 inline constexpr double kShortReach = 0.01;
+static_assert(kCurveError >= (5.0 + 2.0 + 24.0) * kUnitRoundoff);
 
 // --- Ends ---
 
