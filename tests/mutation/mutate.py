@@ -113,6 +113,7 @@ TESTS = {
     "surveydata/gnss/gps_record_writer": ["gps_record_writer_test", "record_faults_test",
                                           "posix_files_test"],
     "surveydata/gnss/gps_time": ["gps_time_test"],
+    "surveydata/gnss/record_change": ["c_interface_measurement_test", "record_set_program_test"],
     "surveydata/gnss/record_damage": ["gps_record_reader_test", "gps_record_reader_property_test"],
     "surveydata/gnss/record_source": ["gps_record_reader_test", "gps_record_index_test",
                                       "record_faults_test"],
