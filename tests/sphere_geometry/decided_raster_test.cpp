@@ -205,6 +205,7 @@ TEST(DecidedRaster, ItsColumnsCoverTheRingOnly) {
       raster.GetCellCorner(DecidedRasterC::kRingColumns, DecidedRasterC::kRows);
   EXPECT_GT(first.Hz, 3.0 - 0.49);  // the radius is at most 0.48
   EXPECT_LT(last.Hz, 3.0 + 0.49);
+  EXPECT_GT(last.Hz, 3.0 + 0.35);  // after a full turn it would be at the first one
   EXPECT_GT(first.V, 1.3 - 0.49);
   EXPECT_LT(last.V, 1.3 + 0.49);
 }
