@@ -63,6 +63,10 @@ class FrameCursorC {
   void Fail() { ok_ = false; }
   bool Ok() const { return ok_; }
 
+ protected:
+  /// What has not been read.
+  Bytes Rest() const { return {at_, Left()}; }
+
  private:
   void Load(char16_t* units, std::size_t count) const {
     for (std::size_t i = 0; i < count; ++i) {

@@ -1,21 +1,6 @@
-#include <algorithm>
-#include <cmath>
-
+#include <surveydata/gnss/dilution.h>
 #include <surveydata/gnss/gps_dops.h>
 #include <surveydata/object_model/compare.h>
-
-namespace {
-
-// The root of the sum of the squares of `dops`, or -1 if one of them is not available.
-template <class... Dops>
-double Combined(Dops... dops) {
-  if (std::max({dops...}) == SDI::DOP_NOT_AVAILABLE) return -1.0;
-  if constexpr (sizeof...(dops) == 1) return (dops + ...) / 10.0;  // the root of a square
-  const auto squared = [](double tenths) { return tenths * tenths; };
-  return std::sqrt((squared(dops) + ...)) / 10.0;
-}
-
-}  // namespace
 
 namespace ODM {
 
@@ -28,11 +13,11 @@ API::BaseC* GPSDOPsC::GetBase() { return ImplC::GetBase(); }
 GPSDOPsC::GPSDOPsC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop)
     : hdop_(hdop), vdop_(vdop), tdop_(tdop) {}
 
-double GPSDOPsC::GetHDOP() const { return Combined(hdop_); }
-double GPSDOPsC::GetVDOP() const { return Combined(vdop_); }
-double GPSDOPsC::GetTDOP() const { return Combined(tdop_); }
-double GPSDOPsC::GetPDOP() const { return Combined(hdop_, vdop_); }
-double GPSDOPsC::GetGDOP() const { return Combined(hdop_, vdop_, tdop_); }
+double GPSDOPsC::GetHDOP() const { return SDI::Dilution::Combined(hdop_); }
+double GPSDOPsC::GetVDOP() const { return SDI::Dilution::Combined(vdop_); }
+double GPSDOPsC::GetTDOP() const { return SDI::Dilution::Combined(tdop_); }
+double GPSDOPsC::GetPDOP() const { return SDI::Dilution::Combined(hdop_, vdop_); }
+double GPSDOPsC::GetGDOP() const { return SDI::Dilution::Combined(hdop_, vdop_, tdop_); }
 std::uint16_t GPSDOPsC::GetHDOPTenths() const { return hdop_; }
 std::uint16_t GPSDOPsC::GetVDOPTenths() const { return vdop_; }
 std::uint16_t GPSDOPsC::GetTDOPTenths() const { return tdop_; }
@@ -54,11 +39,11 @@ API::BaseC* GPSDOPsImplC::GetBase() { return ImplC::GetBase(); }
 GPSDOPsImplC::GPSDOPsImplC(std::uint16_t hdop, std::uint16_t vdop, std::uint16_t tdop)
     : hdop_(hdop), vdop_(vdop), tdop_(tdop) {}
 
-double GPSDOPsImplC::GetHDOP() const { return Combined(hdop_); }
-double GPSDOPsImplC::GetVDOP() const { return Combined(vdop_); }
-double GPSDOPsImplC::GetTDOP() const { return Combined(tdop_); }
-double GPSDOPsImplC::GetPDOP() const { return Combined(hdop_, vdop_); }
-double GPSDOPsImplC::GetGDOP() const { return Combined(hdop_, vdop_, tdop_); }
+double GPSDOPsImplC::GetHDOP() const { return Dilution::Combined(hdop_); }
+double GPSDOPsImplC::GetVDOP() const { return Dilution::Combined(vdop_); }
+double GPSDOPsImplC::GetTDOP() const { return Dilution::Combined(tdop_); }
+double GPSDOPsImplC::GetPDOP() const { return Dilution::Combined(hdop_, vdop_); }
+double GPSDOPsImplC::GetGDOP() const { return Dilution::Combined(hdop_, vdop_, tdop_); }
 std::uint16_t GPSDOPsImplC::GetHDOPTenths() const { return hdop_; }
 std::uint16_t GPSDOPsImplC::GetVDOPTenths() const { return vdop_; }
 std::uint16_t GPSDOPsImplC::GetTDOPTenths() const { return tdop_; }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <span>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -16,6 +17,9 @@
 #include <emmintrin.h>
 #endif
 
+#include <surveydata/gnss/dilution.h>
+#include <surveydata/gnss/frame_blocks.h>
+#include <surveydata/gnss/frame_cursors.h>
 #include <surveydata/gnss/gps_record_columns.h>
 #include <surveydata/gnss/record_columns.h>
 #include <surveydata/gnss/record_frame.h>
@@ -33,9 +37,9 @@ using ImplC = GPSMeasDataImplC;
 using List = std::span<const std::uint16_t>;
 using R = const RecordView&;
 
-/// The number of rows that go through all columns together. What columns read of them fits the
-/// second-level cache, and what one column reads fits the first. Most columns write whole cache
-/// lines.
+/// The number of rows that go through all columns together. Their numbers and texts are collected
+/// right after each frame is decoded, in arrays that one column reads from the first-level cache.
+/// Most columns write whole cache lines.
 constexpr std::size_t kBlock = 64;
 /// A bit for each row of a block.
 using Bits = std::uint64_t;
@@ -79,7 +83,49 @@ class MasksC {
 #endif
   }
 
-  alignas(16) std::array<std::uint16_t, kBlock> masks_;
+  alignas(16) std::array<std::uint16_t, kBlock> masks_ = {};
+};
+
+/// A flag of each row of a block.
+class FlagsC {
+ public:
+  void Set(std::size_t row, bool flag) { flags_[row] = flag ? kHighest : 0; }
+  /// The rows, among the first `groups`, whose flag is set.
+  Bits Get(std::size_t groups) const {
+    Bits bits = 0;
+    for (std::size_t group = 0; group < groups; ++group) {
+      bits |= Bits{InGroup(flags_.data() + group * kGroup)} << group * kGroup;
+    }
+    return bits;
+  }
+
+ private:
+  static constexpr std::uint8_t kHighest = 0x80;
+
+  static std::uint32_t InGroup(const std::uint8_t* flags) {
+#if defined(__SSE2__)
+    return static_cast<std::uint32_t>(
+        _mm_movemask_epi8(_mm_load_si128(reinterpret_cast<const __m128i*>(flags))));
+#else
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < kGroup; ++i) bits |= (std::uint32_t{flags[i]} >> 7) << i;
+    return bits;
+#endif
+  }
+
+  alignas(16) std::array<std::uint8_t, kBlock> flags_ = {};
+};
+
+/// The texts of a frame.
+enum class TextPlace : std::uint8_t { kName, kA, kB, kC, kD, kCount };
+constexpr std::size_t kTexts = static_cast<std::size_t>(TextPlace::kCount);
+
+/// A decoded record and the sizes of the texts that were written, as UTF-8, while it was decoded.
+/// They are empty in the measurement and in the info.
+struct RowView : RecordView {
+  std::array<std::uint8_t, kTexts> textSizes = {};
+
+  std::size_t SizeOf(TextPlace place) const { return textSizes[static_cast<std::size_t>(place)]; }
 };
 
 /// State of the text writers, kept from one record to the next.
@@ -88,88 +134,174 @@ struct Writers {
   TimeText::UTCWriterC utc;
 };
 
-/// What several columns need to know of each row.
+Vorlin::TimeC ExtraTime(R r) {
+  Vorlin::TimeC time;
+  r.measurement->GetExtraTime(time.week, time.timeOfWeek);
+  return time;
+}
+
+std::pair<float, bool> AntennaHeight(R r) {
+  std::pair<float, bool> answer;
+  r.measurement->GetAntennaHeight().GetHeight(answer.first, answer.second);
+  return answer;
+}
+
+/// What columns need to know of each row, apart from the masks of the measurement.
 enum class Trait : std::uint8_t {
+  kHasName,
+  kIsKindZero,
+  kIsKindNonZero,
   kHasTime,
   kHasExtraTime,
   kHasExtraTimeInRange,
+  kIsHeightVertical,
+  kHasValue0,
+  kHasValue1,
   kHasHDOP,
   kHasVDOP,
   kHasTDOP,
+  kHasFlagA,
+  kHasTextA,
+  kHasTextB,
+  kHasTextC,
+  kHasFlagE,
+  kHasTextD,
   kCount,
 };
+constexpr std::size_t kTraits = static_cast<std::size_t>(Trait::kCount);
 
-/// Up to `kBlock` records, and their masks.
+/// Whether a record has a trait.
+template <Trait trait>
+bool Has(R r) {
+  const ImplC& measurement = *r.measurement;
+  switch (trait) {
+    using enum Trait;
+    case kHasName:
+      return r.info->name[0] != 0;
+    case kIsKindZero:
+      return (r.info->flags & GPSRecordFileInfo::kKindZero) != 0;
+    case kIsKindNonZero:
+      return (r.info->flags & GPSRecordFileInfo::kKindNonZero) != 0;
+    case kHasTime:
+      return TimeText::IsInRange(measurement.GetTimeA());
+    case kHasExtraTime:
+      return measurement.GetExtraTimeCount() != 0;
+    case kHasExtraTimeInRange:
+      return measurement.GetExtraTimeCount() != 0 && TimeText::IsInRange(ExtraTime(r));
+    case kIsHeightVertical:
+      return AntennaHeight(r).second;
+    case kHasValue0:
+      return measurement.GetValueCount() > 0;
+    case kHasValue1:
+      return measurement.GetValueCount() > 1;
+    case kHasHDOP:
+      return measurement.GetDOPs().GetHDOPTenths() != DOP_NOT_AVAILABLE;
+    case kHasVDOP:
+      return measurement.GetDOPs().GetVDOPTenths() != DOP_NOT_AVAILABLE;
+    case kHasTDOP:
+      return measurement.GetDOPs().GetTDOPTenths() != DOP_NOT_AVAILABLE;
+    case kHasFlagA:
+      return measurement.GetFlagA() != 0;
+    case kHasTextA:
+      return *measurement.GetTextA() != 0;
+    case kHasTextB:
+      return *measurement.GetTextB() != 0;
+    case kHasTextC:
+      return *measurement.GetTextC() != 0;
+    case kHasFlagE:
+      return measurement.GetFlagE() != 0;
+    case kHasTextD:
+      return *measurement.GetTextD() != 0;
+    case kCount:
+      break;
+  }
+  return false;
+}
+
+/// The same for a record whose texts have been written.
+template <Trait trait>
+bool HasInRow(const RowView& r) {
+  switch (trait) {
+    using enum Trait;
+    case kHasName:
+      return r.SizeOf(TextPlace::kName) != 0;
+    case kHasTextA:
+      return r.SizeOf(TextPlace::kA) != 0;
+    case kHasTextB:
+      return r.SizeOf(TextPlace::kB) != 0;
+    case kHasTextC:
+      return r.SizeOf(TextPlace::kC) != 0;
+    case kHasTextD:
+      return r.SizeOf(TextPlace::kD) != 0;
+    default:
+      return Has<trait>(r);
+  }
+}
+
+/// Masks and traits of the rows of a block.
+struct Presence {
+  MasksC set;
+  MasksC status;
+  std::array<FlagsC, kTraits> traits;
+
+  void Put(std::size_t row, const RowView& r) {
+    set.Set(row, r.measurement->GetSetMask());
+    status.Set(row, r.measurement->GetStatusMask());
+    [&]<std::size_t... trait>(std::index_sequence<trait...>) {
+      (traits[trait].Set(row, HasInRow<static_cast<Trait>(trait)>(r)), ...);
+    }
+    (std::make_index_sequence<kTraits>());
+  }
+};
+
+/// The numbers of the rows of a block.
+struct Values;
+
+/// Up to `kBlock` records.
 ///
 /// Which values are present varies from record to record. It is determined for a whole block
 /// without branches, which would be mispredicted; then the present values are read.
 class BlockC {
  public:
-  using Views = std::array<RecordView, kBlock>;
-
-  /// The first `count` of `views`; the others point to valid records, too.
-  BlockC(const Views& views, std::size_t count, Writers& writers)
-      : views_(views.data()), count_(count), groups_(GroupsOf(count)), writers_(writers) {
-    for (std::size_t i = 0; i < groups_ * kGroup; ++i) {
-      set_.Set(i, views[i].measurement->GetSetMask());
-      status_.Set(i, views[i].measurement->GetStatusMask());
-    }
-  }
+  /// The first `count` rows that were put into `presence` and `values`.
+  BlockC(const Presence& presence, const Values& values, std::size_t count, Writers& writers)
+      : presence_(&presence), values_(&values), count_(count), writers_(writers) {}
 
   /// One record, for a single value, which must not cost as much as those of a block.
   BlockC(const RecordView& record, Writers& writers)
-      : views_(&record), count_(1), groups_(1), isSingle_(true), writers_(writers) {
-    set_.Set(0, record.measurement->GetSetMask());
-    status_.Set(0, record.measurement->GetStatusMask());
-    for (std::size_t i = 1; i < kGroup; ++i) {
-      set_.Set(i, 0);
-      status_.Set(i, 0);
-    }
-  }
+      : record_(&record), count_(1), writers_(writers) {}
 
   std::size_t GetCount() const { return count_; }
-  const RecordView& Get(std::size_t row) const { return views_[row]; }
+  /// The single record.
+  const RecordView& Get() const { return *record_; }
   Writers& GetWriters() const { return writers_; }
+  /// Not of a single record.
+  const Values& GetValues() const { return *values_; }
 
   Bits All() const { return count_ == 0 ? Bits{0} : kWhole >> (kBlock - count_); }
   /// The rows with this bit of the set mask.
-  Bits WithSet(std::uint16_t bit) const { return set_.With(bit, groups_) & All(); }
-  /// The rows with this bit of the status mask.
-  Bits WithStatus(std::uint16_t bit) const { return status_.With(bit, groups_) & All(); }
-  /// The rows for which `is(row)`.
-  template <class Is>
-  Bits Where(Is is) const {
-    if (isSingle_) return is(views_[0]) ? 1 : 0;
-    Bits bits = 0;
-    for (std::size_t group = 0; group < groups_; ++group) {
-      const RecordView* const views = views_ + group * kGroup;
-      std::uint32_t found = 0;
-      for (std::size_t i = 0; i < kGroup; ++i) found |= std::uint32_t{is(views[i])} << i;
-      bits |= Bits{found} << group * kGroup;
-    }
-    return bits & All();
+  Bits WithSet(std::uint16_t bit) const {
+    if (record_ != nullptr) return (record_->measurement->GetSetMask() & bit) != 0 ? 1 : 0;
+    return presence_->set.With(bit, GroupsOf(count_)) & All();
   }
-  /// The same for a trait, which is examined once.
-  template <class Is>
-  Bits Where(Trait trait, Is is) const {
-    const auto place = static_cast<std::size_t>(trait);
-    if ((known_ & 1U << place) == 0) {
-      traits_[place] = Where(is);
-      known_ |= 1U << place;
-    }
-    return traits_[place];
+  /// The rows with this bit of the status mask.
+  Bits WithStatus(std::uint16_t bit) const {
+    if (record_ != nullptr) return (record_->measurement->GetStatusMask() & bit) != 0 ? 1 : 0;
+    return presence_->status.With(bit, GroupsOf(count_)) & All();
+  }
+  /// The rows with this trait.
+  template <Trait trait>
+  Bits With() const {
+    if (record_ != nullptr) return Has<trait>(*record_) ? 1 : 0;
+    return presence_->traits[static_cast<std::size_t>(trait)].Get(GroupsOf(count_)) & All();
   }
 
  private:
-  const RecordView* views_;
+  const RecordView* record_ = nullptr;  // null for a block
+  const Presence* presence_ = nullptr;
+  const Values* values_ = nullptr;
   std::size_t count_;
-  std::size_t groups_;
-  bool isSingle_ = false;
   Writers& writers_;
-  MasksC set_;
-  MasksC status_;
-  mutable std::uint32_t known_ = 0;  // a bit for each trait
-  mutable std::array<Bits, static_cast<std::size_t>(Trait::kCount)> traits_;
 };
 
 }  // namespace
@@ -177,9 +309,11 @@ class BlockC {
 /// The values of a column, for one record and for a block.
 struct GPSColumnFunctions {
   using Ask = void (*)(const BlockC& record, GPSColumnValueC& value);
+  using Put = void (*)(const RowView& record, Values& values, std::size_t row);
   using Fill = void (*)(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at);
 
   Ask ask;
+  Put put;
   Fill fill;
 
   static GPSColumnValueC::Variant& ValueOf(GPSColumnValueC& to) { return to.value_; }
@@ -246,6 +380,55 @@ void ForEach(Bits bits, Visit visit) {
   }
 }
 
+/// Rows of which nothing is kept for a column.
+struct Nothing {};
+
+#if defined(__SSE2__)
+/// A byte for each of 16 rows: all bits of it set where `bits` has a bit.
+inline __m128i BytesWhere(std::uint32_t bits) {
+  constexpr std::uint64_t kEach = 0x0101'0101'0101'0101;
+  const __m128i row = _mm_set1_epi64x(static_cast<std::int64_t>(0x8040'2010'0804'0201));
+  const __m128i spread = _mm_set_epi64x(static_cast<std::int64_t>((bits >> 8 & 0xFF) * kEach),
+                                        static_cast<std::int64_t>((bits & 0xFF) * kEach));
+  return _mm_cmpeq_epi8(_mm_and_si128(spread, row), row);
+}
+
+/// Copies the values of 16 rows where the lanes of `where` are set, and writes 0 elsewhere. Each
+/// step doubles the width of the lanes.
+template <std::size_t kWidth, std::size_t kLanes = 1>
+void CopyWhere(const std::uint8_t* from, __m128i where, std::uint8_t* to) {
+  if constexpr (kLanes == kWidth) {
+    const __m128i value = _mm_loadu_si128(reinterpret_cast<const __m128i_u*>(from));
+    _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm_and_si128(value, where));
+  } else {
+    constexpr std::size_t kHalf = kGroup * kWidth / (2 * kLanes);
+    CopyWhere<kWidth, 2 * kLanes>(from, _mm_unpacklo_epi8(where, where), to);
+    CopyWhere<kWidth, 2 * kLanes>(from + kHalf, _mm_unpackhi_epi8(where, where), to + kHalf);
+  }
+}
+#endif
+
+/// Copies the first `count` values, and writes 0 where `present` has no bit.
+template <class Value>
+void CopyPresent(const std::array<Value, kBlock>& values, Bits present, std::size_t count,
+                 Value* to) {
+  if (present == kWhole) {
+    std::memcpy(to, values.data(), sizeof(values));
+    return;
+  }
+#if defined(__SSE2__)
+  if (count == kBlock) {
+    for (std::size_t i = 0; i < kBlock; i += kGroup) {
+      CopyWhere<sizeof(Value)>(reinterpret_cast<const std::uint8_t*>(values.data() + i),
+                               BytesWhere(static_cast<std::uint32_t>(present >> i & 0xFFFF)),
+                               reinterpret_cast<std::uint8_t*>(to + i));
+    }
+    return;
+  }
+#endif
+  for (std::size_t i = 0; i < count; ++i) to[i] = (present >> i & 1) != 0 ? values[i] : Value{};
+}
+
 /// Marks a column without absent values.
 constexpr std::nullptr_t kAlways = nullptr;
 
@@ -263,45 +446,69 @@ Bits PresentIn(const BlockC& block) {
   }
 }
 
-/// Columns of numbers: `get(record)` is the value where it is present.
+/// Sets a value that is a number.
+template <class Value>
+void SetNumber(GPSColumnValueC& to, bool isPresent, Value value) {
+  if (!isPresent) {
+    Functions::ValueOf(to) = std::monostate();
+    // NOLINTNEXTLINE(bugprone-branch-clone): the conversions differ
+  } else if constexpr (std::is_floating_point_v<Value>) {
+    Functions::ValueOf(to) = value;
+  } else if constexpr (std::is_signed_v<Value>) {
+    Functions::ValueOf(to) = std::int64_t{value};
+  } else {
+    Functions::ValueOf(to) = std::uint64_t{value};
+  }
+}
+
+/// Columns of numbers: `get(record)` is the value where it is present, and any value elsewhere.
 template <auto present, auto get>
 struct OfNumber {
   using Value = std::invoke_result_t<decltype(get), R>;
+  using Rows = std::array<Value, kBlock>;
 
   static void Ask(const BlockC& record, GPSColumnValueC& to) {
-    const Value value = get(record.Get(0));
-    if (PresentIn<present>(record) == 0) {
-      Functions::ValueOf(to) = std::monostate();
-      // NOLINTNEXTLINE(bugprone-branch-clone): the conversions differ
-    } else if constexpr (std::is_floating_point_v<Value>) {
-      Functions::ValueOf(to) = value;
-    } else if constexpr (std::is_signed_v<Value>) {
-      Functions::ValueOf(to) = std::int64_t{value};
-    } else {
-      Functions::ValueOf(to) = std::uint64_t{value};
-    }
+    SetNumber(to, PresentIn<present>(record) != 0, get(record.Get()));
+  }
+  static void Put(R r, Rows& rows, std::size_t row) { rows[row] = get(r); }
+  static void Fill(const BlockC& block, const Rows& rows, GPSColumnBuffer& buffer, std::size_t at) {
+    const Bits bits = PresentIn<present>(block);
+    CopyPresent(rows, bits, block.GetCount(), static_cast<Value*>(buffer.values) + at);
+    MarkPresent(block, buffer, at, bits);
+  }
+};
+
+/// Columns of dilutions of precision, of one or several that are stored.
+template <auto present, auto... tenths>
+struct OfDilution {
+  using Value = double;
+  using Stored = std::array<std::uint16_t, sizeof...(tenths)>;
+  using Rows = std::array<Stored, kBlock>;
+
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    SetNumber(to, PresentIn<present>(record) != 0, Combined(Get(record.Get())));
+  }
+  static void Put(R r, Rows& rows, std::size_t row) { rows[row] = Get(r); }
+  static void Fill(const BlockC& block, const Rows& rows, GPSColumnBuffer& buffer, std::size_t at) {
+    const Bits bits = PresentIn<present>(block);
+    double* const values = static_cast<double*>(buffer.values) + at;
+    std::fill_n(values, block.GetCount(), 0.0);
+    ForEach(bits, [&](std::size_t i) { values[i] = Combined(rows[i]); });
+    MarkPresent(block, buffer, at, bits);
   }
 
-  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
-    const Bits bits = PresentIn<present>(block);
-    Value* const values = static_cast<Value*>(buffer.values) + at;
-    if (bits == kWhole) {
-      for (std::size_t i = 0; i < kBlock; ++i) values[i] = get(block.Get(i));
-    } else {
-      if (block.GetCount() == kBlock) {
-        std::fill_n(values, kBlock, Value{});
-      } else {
-        std::fill_n(values, block.GetCount(), Value{});
-      }
-      ForEach(bits, [&](std::size_t i) { values[i] = get(block.Get(i)); });
-    }
-    MarkPresent(block, buffer, at, bits);
+ private:
+  static Stored Get(R r) { return {(r.measurement->GetDOPs().*tenths)()...}; }
+  static double Combined(const Stored& stored) {
+    return std::apply([](auto... each) { return Dilution::Combined(each...); }, stored);
   }
 };
 
 /// Columns of flags: `flags(block)` are the rows for which they are true.
 template <auto present, auto flags>
 struct OfFlag {
+  using Rows = Nothing;
+
   static void Ask(const BlockC& record, GPSColumnValueC& to) {
     if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
@@ -317,116 +524,171 @@ struct OfFlag {
   }
 };
 
-/// Writes texts or lists: `write(record, to)` returns how many elements it wrote.
-template <class Element, class Write>
-void FillLong(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at, Bits present,
-              Write write) {
-  auto* const elements = static_cast<Element*>(buffer.values);
-  std::int64_t* const offsets = buffer.offsets + at;
-  std::int64_t end = offsets[0];
-  std::array<std::uint8_t, kBlock> sizes = {};
-  static_assert(GPSColumnValueC::kLargestText <= std::numeric_limits<std::uint8_t>::max());
-  ForEach(present, [&](std::size_t i) {
-    const std::size_t size = write(block.Get(i), elements + end);
-    sizes[i] = static_cast<std::uint8_t>(size);
-    end += static_cast<std::int64_t>(size);
-  });
-  end = offsets[0];
-  for (std::size_t i = 0; i < block.GetCount(); ++i) offsets[i + 1] = end += sizes[i];
-  MarkPresent(block, buffer, at, present);
-}
+/// The texts or lists of the rows of a block, one after the other; empty where there is none.
+template <class Element, std::size_t largest>
+class LongRowsC {
+ public:
+  /// Where row `row` begins. There is room for `largest` elements and `kSpare` after them, which
+  /// may be overwritten.
+  Element* At(std::size_t row) { return elements_.data() + ends_[row]; }
+  /// Row `row` has `size` elements, which have been written to `At(row)`.
+  void Take(std::size_t row, std::size_t size) {
+    ends_[row + 1] = static_cast<std::uint16_t>(ends_[row] + size);
+  }
+  void Fill(std::size_t count, GPSColumnBuffer& buffer, std::size_t at) const {
+    std::int64_t* const offsets = buffer.offsets + at;
+    const std::int64_t begin = offsets[0];
+    std::copy_n(elements_.data(), ends_[count], static_cast<Element*>(buffer.values) + begin);
+    for (std::size_t i = 1; i <= count; ++i) offsets[i] = begin + ends_[i];
+  }
 
-/// Columns of texts: `write(record, writers, to)` writes at most `largest` bytes to `to` and
-/// returns how many.
-template <auto present, auto write>
+ private:
+  static constexpr std::size_t kSpare = 16;
+  static_assert(kBlock * largest <= std::numeric_limits<std::uint16_t>::max());
+
+  std::array<std::uint16_t, kBlock + 1> ends_;  // the first is 0: that is where row 0 begins
+  std::array<Element, kBlock * largest + kSpare> elements_;
+};
+
+/// Columns of texts: `write(record, to)` writes at most `kLargest` bytes to `to` and returns how
+/// many. The texts of rows are written while their frames are decoded.
+template <TextPlace place, std::size_t largest, auto present, auto write>
 struct OfText {
+  static constexpr TextPlace kPlace = place;
+  static constexpr std::size_t kLargest = largest;
+  using Rows = LongRowsC<char, largest>;
+
   static void Ask(const BlockC& record, GPSColumnValueC& to) {
     if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
       return;
     }
     char* const text = Functions::TextOf(to);
-    Functions::ValueOf(to) =
-        std::string_view(text, write(record.Get(0), record.GetWriters(), text));
+    Functions::ValueOf(to) = std::string_view(text, write(record.Get(), text));
   }
-
-  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
-    FillLong<char>(block, buffer, at, PresentIn<present>(block),
-                   [&](R r, char* to) { return write(r, block.GetWriters(), to); });
+  static void Put(const RowView& r, Rows& rows, std::size_t row) {
+    rows.Take(row, r.SizeOf(place));
+  }
+  static void Fill(const BlockC& block, const Rows& rows, GPSColumnBuffer& buffer, std::size_t at) {
+    rows.Fill(block.GetCount(), buffer, at);
+    MarkPresent(block, buffer, at, PresentIn<present>(block));
   }
 };
 
-/// Columns of lists: `get(record)` is the list where it is present.
-template <auto present, auto get>
-struct OfList {
+/// Columns of times as text: `writer` of `Writers` writes `get(record)` where it is in range.
+template <auto present, auto get, auto writer>
+struct OfTime {
+  static constexpr std::size_t kLargest = kTimeTextSize;
+  using Rows = std::array<Vorlin::TimeC, kBlock>;
+
   static void Ask(const BlockC& record, GPSColumnValueC& to) {
     if (PresentIn<present>(record) == 0) {
       Functions::ValueOf(to) = std::monostate();
       return;
     }
-    const List list = get(record.Get(0));
-    std::uint16_t* const entries = Functions::ListOf(to);
-    std::copy(list.begin(), list.end(), entries);
-    Functions::ValueOf(to) = List(entries, list.size());
+    char* const text = Functions::TextOf(to);
+    (record.GetWriters().*writer).Write(TimeText::SinceEpoch(get(record.Get())), text);
+    Functions::ValueOf(to) = std::string_view(text, kTimeTextSize);
   }
-
-  static void Fill(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
-    FillLong<std::uint16_t>(block, buffer, at, PresentIn<present>(block),
-                            [](R r, std::uint16_t* to) {
-                              const List list = get(r);
-                              std::copy(list.begin(), list.end(), to);
-                              return list.size();
-                            });
+  static void Put(R r, Rows& rows, std::size_t row) { rows[row] = get(r); }
+  static void Fill(const BlockC& block, const Rows& rows, GPSColumnBuffer& buffer, std::size_t at) {
+    const Bits bits = PresentIn<present>(block);
+    std::int64_t* const offsets = buffer.offsets + at;
+    std::int64_t end = offsets[0];
+    char* to = static_cast<char*>(buffer.values) + end;
+    auto& from = block.GetWriters().*writer;
+    ForEach(bits, [&](std::size_t i) {
+      from.Write(TimeText::SinceEpoch(rows[i]), to);
+      to += kTimeTextSize;
+    });
+    for (std::size_t i = 0; i < block.GetCount(); ++i) {
+      offsets[i + 1] = end += (bits >> i & 1) != 0 ? kTimeTextSize : 0;
+    }
+    MarkPresent(block, buffer, at, bits);
   }
 };
 
-template <class Of>
-constexpr Functions kFunctionsOf{&Of::Ask, &Of::Fill};
+/// Columns of lists: `get(record)` is the list.
+template <auto present, auto get>
+struct OfList {
+  using Rows = LongRowsC<std::uint16_t, GPSListBlock::kCapacity>;
+
+  static void Ask(const BlockC& record, GPSColumnValueC& to) {
+    if (PresentIn<present>(record) == 0) {
+      Functions::ValueOf(to) = std::monostate();
+      return;
+    }
+    const GPSListBlock& list = get(record.Get());
+    std::uint16_t* const entries = Functions::ListOf(to);
+    std::copy_n(list.entries, list.count, entries);
+    Functions::ValueOf(to) = List(entries, list.count);
+  }
+  // Copies all entries, because a size that varies would be mispredicted.
+  static void Put(R r, Rows& rows, std::size_t row) {
+    const GPSListBlock& list = get(r);
+    std::copy_n(list.entries, GPSListBlock::kCapacity, rows.At(row));
+    rows.Take(row, list.count);
+  }
+  static void Fill(const BlockC& block, const Rows& rows, GPSColumnBuffer& buffer, std::size_t at) {
+    rows.Fill(block.GetCount(), buffer, at);
+    MarkPresent(block, buffer, at, PresentIn<present>(block));
+  }
+};
+
+/// A row of the table: a column, apart from its functions, which are those of `OfType`.
+template <class OfType>
+struct Described {
+  using Of = OfType;
+
+  GPSColumn column;
+};
 
 template <auto present, auto get>
-constexpr GPSColumn Number(const char* name, const char* unit, const char* description) {
+constexpr auto Number(const char* name, const char* unit, const char* description) {
   using Of = OfNumber<present, get>;
-  return {name,
-          TypeFor<typename Of::Value>(),
-          kIsOptional<present>,
-          unit,
-          description,
-          0,
-          &kFunctionsOf<Of>};
+  return Described<Of>{
+      {name, TypeFor<typename Of::Value>(), kIsOptional<present>, unit, description, 0, nullptr}};
 }
 template <auto get>
-constexpr GPSColumn Number(const char* name, const char* unit, const char* description) {
+constexpr auto Number(const char* name, const char* unit, const char* description) {
   return Number<kAlways, get>(name, unit, description);
+}
+template <auto present, auto... tenths>
+constexpr auto DilutionOf(const char* name, const char* description) {
+  return Described<OfDilution<present, tenths...>>{
+      {name, GPSColumnType::kFloat64, true, "", description, 0, nullptr}};
 }
 
 template <auto present, auto flags>
-constexpr GPSColumn Flag(const char* name, const char* description) {
-  using Of = OfFlag<present, flags>;
-  return {name, GPSColumnType::kBool, kIsOptional<present>, "", description, 0, &kFunctionsOf<Of>};
+constexpr auto Flag(const char* name, const char* description) {
+  return Described<OfFlag<present, flags>>{
+      {name, GPSColumnType::kBool, kIsOptional<present>, "", description, 0, nullptr}};
 }
 template <auto flags>
-constexpr GPSColumn Flag(const char* name, const char* description) {
+constexpr auto Flag(const char* name, const char* description) {
   return Flag<kAlways, flags>(name, description);
 }
 
-template <std::size_t largest, auto present, auto write>
-constexpr GPSColumn Text(const char* name, const char* description) {
-  static_assert(largest <= GPSColumnValueC::kLargestText);
-  return {name,
-          GPSColumnType::kText,
-          true,
-          "",
-          description,
-          largest,
-          &kFunctionsOf<OfText<present, write>>};
+template <class Of>
+constexpr auto TextBy(const char* name, const char* description) {
+  static_assert(Of::kLargest <= GPSColumnValueC::kLargestText);
+  return Described<Of>{{name, GPSColumnType::kText, true, "", description, Of::kLargest, nullptr}};
+}
+template <TextPlace place, std::size_t largest, auto present, auto write>
+constexpr auto Text(const char* name, const char* description) {
+  return TextBy<OfText<place, largest, present, write>>(name, description);
+}
+template <auto present, auto get, auto writer>
+constexpr auto Time(const char* name, const char* description) {
+  return TextBy<OfTime<present, get, writer>>(name, description);
 }
 
 template <auto present, auto get>
-constexpr GPSColumn ListOf(const char* name, const char* description) {
+constexpr auto ListOf(const char* name, const char* description) {
   static_assert(GPSListBlock::kCapacity == GPSColumnValueC::kLargestList);
   constexpr std::size_t kLargest = GPSListBlock::kCapacity * sizeof(std::uint16_t);
-  return {name,     GPSColumnType::kUInt16List,         true, "", description,
-          kLargest, &kFunctionsOf<OfList<present, get>>};
+  return Described<OfList<present, get>>{
+      {name, GPSColumnType::kUInt16List, true, "", description, kLargest, nullptr}};
 }
 
 // Adapters for the getters.
@@ -458,45 +720,19 @@ GPSCounterPair System1Pair(R r) {
   return hasSystems ? r.measurement->GetStoredSystem1Pair() : r.measurement->GetStoredTotalPair();
 }
 
-Bits HasExtraTime(const BlockC& block) {
-  return block.Where(Trait::kHasExtraTime,
-                     [](R r) { return r.measurement->GetExtraTimeCount() != 0; });
-}
-Vorlin::TimeC ExtraTime(R r) {
-  Vorlin::TimeC time;
-  r.measurement->GetExtraTime(time.week, time.timeOfWeek);
-  return time;
+template <Trait trait>
+Bits With(const BlockC& block) {
+  return block.With<trait>();
 }
 
-template <std::uint8_t index>
-Bits HasValue(const BlockC& block) {
-  return block.Where([](R r) { return r.measurement->GetValueCount() > index; });
-}
-
-/// A dilution of precision, by its stored value.
-template <Trait trait, auto tenths>
-Bits HasDilution(const BlockC& block) {
-  return block.Where(trait,
-                     [](R r) { return (r.measurement->GetDOPs().*tenths)() != DOP_NOT_AVAILABLE; });
-}
-constexpr auto kHasHDOP = &HasDilution<Trait::kHasHDOP, &GPSDOPsImplC::GetHDOPTenths>;
-constexpr auto kHasVDOP = &HasDilution<Trait::kHasVDOP, &GPSDOPsImplC::GetVDOPTenths>;
-constexpr auto kHasTDOP = &HasDilution<Trait::kHasTDOP, &GPSDOPsImplC::GetTDOPTenths>;
-/// The rows whose dilutions are set and for which `has...` are available.
-template <auto... has>
+/// The rows whose dilutions are set and available.
+template <Trait... available>
 Bits HasDilutions(const BlockC& block) {
-  return (block.WithSet(ImplC::kHasDOPs) & ... & has(block));
+  return (block.WithSet(ImplC::kHasDOPs) & ... & block.With<available>());
 }
-template <auto get>
-double Dilution(R r) {
-  return (r.measurement->GetDOPs().*get)();
-}
-
-std::pair<float, bool> AntennaHeight(R r) {
-  std::pair<float, bool> answer;
-  r.measurement->GetAntennaHeight().GetHeight(answer.first, answer.second);
-  return answer;
-}
+constexpr auto kHTenths = &GPSDOPsImplC::GetHDOPTenths;
+constexpr auto kVTenths = &GPSDOPsImplC::GetVDOPTenths;
+constexpr auto kTTenths = &GPSDOPsImplC::GetTDOPTenths;
 
 template <std::size_t axis>
 double Component(R r) {
@@ -505,37 +741,17 @@ double Component(R r) {
   return vector[axis];
 }
 
-Bits HasTime(const BlockC& block) {
-  return block.Where(Trait::kHasTime,
-                     [](R r) { return TimeText::IsInRange(r.measurement->GetTimeA()); });
-}
-Bits HasExtraTimeInRange(const BlockC& block) {
-  return block.Where(Trait::kHasExtraTimeInRange, [](R r) {
-    return r.measurement->GetExtraTimeCount() != 0 && TimeText::IsInRange(ExtraTime(r));
-  });
-}
-template <class WriterC>
-std::size_t WriteTime(const Vorlin::TimeC& time, WriterC& writer, char* to) {
-  writer.Write(TimeText::SinceEpoch(time), to);
-  return kTimeTextSize;
-}
+Vorlin::TimeC TimeA(R r) { return r.measurement->GetTimeA(); }
 
-template <auto get>
-Bits HasText(const BlockC& block) {
-  return block.Where([](R r) { return *(r.measurement->*get)() != 0; });
-}
 template <std::size_t capacity, auto get>
-std::size_t WriteText(R r, Writers& /*writers*/, char* to) {
+std::size_t WriteText(R r, char* to) {
   return TextColumn::Write((r.measurement->*get)(), capacity, to);
 }
 
-Bits HasName(const BlockC& block) {
-  return block.Where([](R r) { return r.info->name[0] != 0; });
-}
 // `EncodeName` encodes each unit on its own, so surrogates are the only sequences that are not
 // valid UTF-8. They all begin with this byte.
 constexpr char kSurrogateLead = '\xED';
-std::size_t WriteName(R r, Writers& /*writers*/, char* to) {
+std::size_t WriteName(R r, char* to) {
   const char* const name = r.info->name;
 #if defined(__SSE2__)
   // Nearly every name has fewer than sixteen bytes.
@@ -562,6 +778,114 @@ std::size_t WriteName(R r, Writers& /*writers*/, char* to) {
   return TextColumn::Write(units, std::size(units), to);
 }
 
+/// Reads the fields of a frame, but writes its texts as UTF-8 and leaves them empty in the blocks.
+class RowCursorC : public RecordFrame::FrameCursorC {
+ public:
+  /// `places` has room for the longest texts and 16 bytes more.
+  RowCursorC(RecordFrame::Bytes payload, const std::array<char*, kTexts>& places, RowView& row)
+      : FrameCursorC(payload), places_(places), row_(row) {}
+
+  void BeginBlock(RecordFrame::Block block) { block_ = block; }
+
+  template <std::size_t N>
+  void Units(RecordFrame::Field field, char16_t (&units)[N]) {
+#if defined(__SSE2__)
+    // Nearly every name is ASCII and has fewer than sixteen units.
+    if (WriteAscii(TextPlace::kName, 16)) {
+      units[0] = 0;
+      return Ignored(sizeof(units));
+    }
+#endif
+    FrameCursorC::Units(field, units);
+  }
+
+  template <std::size_t N>
+  void Text(RecordFrame::Field field, char16_t (&text)[N]) {
+    const TextPlace place = PlaceOf(block_);
+#if defined(__SSE2__)
+    if (WriteAscii(place, N)) {
+      text[0] = 0;
+      return Ignored((row_.SizeOf(place) + 1) * sizeof(char16_t));
+    }
+#endif
+    FrameCursorC::Text(field, text);
+    if (Ok()) Take(place, TextColumn::Write(text, N, At(place)));
+    text[0] = 0;
+  }
+
+ private:
+  static TextPlace PlaceOf(RecordFrame::Block block) {
+    switch (block) {
+      case RecordFrame::Block::kTextA:
+        return TextPlace::kA;
+      case RecordFrame::Block::kTextB:
+        return TextPlace::kB;
+      case RecordFrame::Block::kTextC:
+        return TextPlace::kC;
+      default:
+        return TextPlace::kD;
+    }
+  }
+
+  char* At(TextPlace place) const { return places_[static_cast<std::size_t>(place)]; }
+  void Take(TextPlace place, std::size_t size) {
+    row_.textSizes[static_cast<std::size_t>(place)] = static_cast<std::uint8_t>(size);
+  }
+
+#if defined(__SSE2__)
+  /// Writes a text if it is ASCII and has a terminator among its first `most` units.
+  bool WriteAscii(TextPlace place, std::size_t most) {
+    const RecordFrame::Bytes rest = Rest();
+    char* const to = At(place);
+    for (std::size_t i = 0; (i + 16) * sizeof(char16_t) <= rest.size(); i += 16) {
+      const auto* const from =
+          reinterpret_cast<const __m128i_u*>(rest.data() + i * sizeof(char16_t));
+      // As in `TextColumn::Write`.
+      const __m128i low = _mm_loadu_si128(from);
+      const __m128i high = _mm_loadu_si128(from + 1);
+      const __m128i none = _mm_setzero_si128();
+      const __m128i bytes = _mm_packus_epi16(low, high);
+      const __m128i isEnd =
+          _mm_packs_epi16(_mm_cmpeq_epi16(low, none), _mm_cmpeq_epi16(high, none));
+      const auto ends = static_cast<unsigned>(_mm_movemask_epi8(isEnd));
+      const auto highs = static_cast<unsigned>(_mm_movemask_epi8(bytes));
+      const auto zeros = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, none)));
+      const unsigned others = highs | (zeros ^ ends);  // not ASCII
+      const auto end = static_cast<std::size_t>(std::countr_zero(ends | 0x10000));
+      if (std::cmp_less(std::countr_zero(others | 0x10000), end) || i + end >= most) return false;
+      _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + i), bytes);
+      if (end != 16) {
+        Take(place, i + end);
+        return true;
+      }
+    }
+    return false;
+  }
+#endif
+
+  RecordFrame::Block block_ = RecordFrame::Block::kTimes;
+  const std::array<char*, kTexts>& places_;
+  RowView& row_;
+};
+
+/// Decodes a frame whose checksum is right.
+/// \return whether all blocks fit.
+// Flattened, so that the cursor is kept in registers.
+[[gnu::flatten, gnu::noinline]] bool DecodeRow(RecordFrame::Bytes frame,
+                                               const std::array<char*, kTexts>& places,
+                                               GPSMeasDataImplC& measurement,
+                                               GPSRecordFileInfo& info, RowView& row) {
+  RowCursorC in(frame.subspan(RecordFrame::kHeaderSize,
+                              frame.size() - RecordFrame::kHeaderSize - RecordFrame::kChecksumSize),
+                places, row);
+  if (RecordFrame::ReadPayload(in, RecordFrame::Target{measurement, info})) return false;
+  constexpr auto kName = static_cast<std::size_t>(TextPlace::kName);
+  if (info.name[0] != 0) {  // it is not ASCII or is long
+    row.textSizes[kName] = static_cast<std::uint8_t>(WriteName(row, places[kName]));
+  }
+  return true;
+}
+
 // The longest texts: three bytes for each unit before the terminator; for the name, its own size.
 constexpr std::size_t kLargestText = 3 * (ImplC::kTextUnits - 1);
 constexpr std::size_t kLargestTextD = 3 * (ImplC::kTextDUnits - 1);
@@ -570,46 +894,39 @@ static_assert(kLargestText == GPSColumnValueC::kLargestText);
 
 // The table. Each row: when the value is present, if it can be absent, and how it is read; name,
 // unit and description.
-constexpr GPSColumn kColumns[] = {
+constexpr std::tuple kTable{
     Number<[](R r) { return r.offset; }>("offset", "byte", "Where the frame begins in the source"),
     Number<[](R r) { return static_cast<std::uint16_t>(r.size); }>(
         "size", "byte", "The size of the frame, header and checksum included"),
 
-    Text<kLargestName, HasName, WriteName>("name", "The name, absent when it is empty"),
+    Text<TextPlace::kName, kLargestName, With<Trait::kHasName>, WriteName>(
+        "name", "The name, absent when it is empty"),
     Number<[](R r) { return r.info->number; }>("number", "",
                                                "The number that is stored with the name"),
-    Flag<[](const BlockC& block) {
-      return block.Where([](R r) { return (r.info->flags & GPSRecordFileInfo::kKindZero) != 0; });
-    }>("kind_zero", "Whether the frame has a kind byte that is 0"),
-    Flag<[](const BlockC& block) {
-      return block.Where(
-          [](R r) { return (r.info->flags & GPSRecordFileInfo::kKindNonZero) != 0; });
-    }>("kind_non_zero", "Whether the frame has a kind byte that is not 0"),
+    Flag<With<Trait::kIsKindZero>>("kind_zero", "Whether the frame has a kind byte that is 0"),
+    Flag<With<Trait::kIsKindNonZero>>("kind_non_zero",
+                                      "Whether the frame has a kind byte that is not 0"),
 
     Number<[](R r) { return r.measurement->GetTimeA().week; }>(
         "gps_week", "week", "Time A as stored: the GPS week, counted from 6 January 1980"),
     Number<[](R r) { return r.measurement->GetTimeA().timeOfWeek; }>(
         "time_of_week", "ms", "Time A as stored: the time since the start of the GPS week"),
-    Text<kTimeTextSize, HasTime,
-         [](R r, Writers& w, char* to) { return WriteTime(r.measurement->GetTimeA(), w.gps, to); }>(
+    Time<With<Trait::kHasTime>, TimeA, &Writers::gps>(
         "time_gps",
         "Time A in GPS time, in ISO 8601, absent when the time of week is out of range"),
-    Text<kTimeTextSize, HasTime,
-         [](R r, Writers& w, char* to) { return WriteTime(r.measurement->GetTimeA(), w.utc, to); }>(
+    Time<With<Trait::kHasTime>, TimeA, &Writers::utc>(
         "time_utc", "Time A in UTC, in ISO 8601, absent when the time of week is out of range"),
     Number<[](R r) { return r.measurement->GetTimeB().timeOfWeek; }>(
         "time_b_of_week", "ms", "Time B as stored: the time since the start of a GPS week"),
-    Number<HasExtraTime, [](R r) { return ExtraTime(r).week; }>(
+    Number<With<Trait::kHasExtraTime>, [](R r) { return ExtraTime(r).week; }>(
         "extra_gps_week", "week", "The extra time as stored: the GPS week"),
-    Number<HasExtraTime, [](R r) { return ExtraTime(r).timeOfWeek; }>(
+    Number<With<Trait::kHasExtraTime>, [](R r) { return ExtraTime(r).timeOfWeek; }>(
         "extra_time_of_week", "ms",
         "The extra time as stored: the time since the start of the GPS week"),
-    Text<kTimeTextSize, HasExtraTimeInRange,
-         [](R r, Writers& w, char* to) { return WriteTime(ExtraTime(r), w.gps, to); }>(
+    Time<With<Trait::kHasExtraTimeInRange>, ExtraTime, &Writers::gps>(
         "extra_time_gps",
         "The extra time in GPS time, in ISO 8601, absent when the time of week is out of range"),
-    Text<kTimeTextSize, HasExtraTimeInRange,
-         [](R r, Writers& w, char* to) { return WriteTime(ExtraTime(r), w.utc, to); }>(
+    Time<With<Trait::kHasExtraTimeInRange>, ExtraTime, &Writers::utc>(
         "extra_time_utc",
         "The extra time in UTC, in ISO 8601, absent when the time of week is out of range"),
 
@@ -624,10 +941,8 @@ constexpr GPSColumn kColumns[] = {
 
     Number<IsSet<ImplC::kHasAntennaHeight>, [](R r) { return AntennaHeight(r).first; }>(
         "antenna_height", "m", "The antenna height as measured, vertical or slant"),
-    Flag<IsSet<ImplC::kHasAntennaHeight>,
-         [](const BlockC& block) {
-           return block.Where([](R r) { return AntennaHeight(r).second; });
-         }>("antenna_is_vertical", "Whether the antenna height was measured vertically"),
+    Flag<IsSet<ImplC::kHasAntennaHeight>, With<Trait::kIsHeightVertical>>(
+        "antenna_is_vertical", "Whether the antenna height was measured vertically"),
     Number<IsSet<ImplC::kHasAntennaHeight>,
            [](R r) { return r.measurement->GetAntennaHeight().GetHorizontalOffset(); }>(
         "antenna_horizontal_offset", "m",
@@ -636,21 +951,21 @@ constexpr GPSColumn kColumns[] = {
            [](R r) { return r.measurement->GetAntennaHeight().GetVerticalHeight(); }>(
         "antenna_vertical_height", "m", "The antenna height reduced to the vertical"),
 
-    Number<HasValue<0>, [](R r) { return r.measurement->GetValue(0); }>(
+    Number<With<Trait::kHasValue0>, [](R r) { return r.measurement->GetValue(0); }>(
         "value_0", "", "The first of the two values"),
-    Number<HasValue<1>, [](R r) { return r.measurement->GetValue(1); }>(
+    Number<With<Trait::kHasValue1>, [](R r) { return r.measurement->GetValue(1); }>(
         "value_1", "", "The second of the two values"),
 
-    Number<HasDilutions<kHasHDOP>, Dilution<&GPSDOPsImplC::GetHDOP>>(
-        "hdop", "", "Horizontal dilution of precision, absent when not available"),
-    Number<HasDilutions<kHasVDOP>, Dilution<&GPSDOPsImplC::GetVDOP>>(
-        "vdop", "", "Vertical dilution of precision, absent when not available"),
-    Number<HasDilutions<kHasTDOP>, Dilution<&GPSDOPsImplC::GetTDOP>>(
-        "tdop", "", "Time dilution of precision, absent when not available"),
-    Number<HasDilutions<kHasHDOP, kHasVDOP>, Dilution<&GPSDOPsImplC::GetPDOP>>(
-        "pdop", "", "Position dilution of precision, of hdop and vdop"),
-    Number<HasDilutions<kHasHDOP, kHasVDOP, kHasTDOP>, Dilution<&GPSDOPsImplC::GetGDOP>>(
-        "gdop", "", "Geometric dilution of precision, of hdop, vdop and tdop"),
+    DilutionOf<HasDilutions<Trait::kHasHDOP>, kHTenths>(
+        "hdop", "Horizontal dilution of precision, absent when not available"),
+    DilutionOf<HasDilutions<Trait::kHasVDOP>, kVTenths>(
+        "vdop", "Vertical dilution of precision, absent when not available"),
+    DilutionOf<HasDilutions<Trait::kHasTDOP>, kTTenths>(
+        "tdop", "Time dilution of precision, absent when not available"),
+    DilutionOf<HasDilutions<Trait::kHasHDOP, Trait::kHasVDOP>, kHTenths, kVTenths>(
+        "pdop", "Position dilution of precision, of hdop and vdop"),
+    DilutionOf<HasDilutions<Trait::kHasHDOP, Trait::kHasVDOP, Trait::kHasTDOP>, kHTenths, kVTenths,
+               kTTenths>("gdop", "Geometric dilution of precision, of hdop, vdop and tdop"),
 
     Number<IsSet<ImplC::kHasWord16>,
            [](R r) {
@@ -693,24 +1008,24 @@ constexpr GPSColumn kColumns[] = {
     Number<IsSet<ImplC::kHasVector>, Component<2>>("vector_z", "m",
                                                    "The vector: its third component"),
 
-    Flag<[](const BlockC& block) {
-      return block.Where([](R r) { return r.measurement->GetFlagA() != 0; });
-    }>("flag_a", "Flag A"),
+    Flag<With<Trait::kHasFlagA>>("flag_a", "Flag A"),
     Number<[](R r) { return r.measurement->GetValueB(); }>("value_b", "", "Value B"),
     Number<IsSet<ImplC::kHasValueC>, [](R r) { return r.measurement->GetValueC(); }>(
         "value_c", "", "Value C, absent when it is 0"),
-    Text<kLargestText, HasText<&ImplC::GetTextA>, WriteText<ImplC::kTextUnits, &ImplC::GetTextA>>(
-        "text_a", "Text A, absent when it is empty"),
-    Text<kLargestText, HasText<&ImplC::GetTextB>, WriteText<ImplC::kTextUnits, &ImplC::GetTextB>>(
-        "text_b", "Text B, absent when it is empty"),
+    Text<TextPlace::kA, kLargestText, With<Trait::kHasTextA>,
+         WriteText<ImplC::kTextUnits, &ImplC::GetTextA>>("text_a",
+                                                         "Text A, absent when it is empty"),
+    Text<TextPlace::kB, kLargestText, With<Trait::kHasTextB>,
+         WriteText<ImplC::kTextUnits, &ImplC::GetTextB>>("text_b",
+                                                         "Text B, absent when it is empty"),
     Number<[](R r) { return r.measurement->GetValueD(); }>("value_d", "", "Value D"),
-    Text<kLargestText, HasText<&ImplC::GetTextC>, WriteText<ImplC::kTextUnits, &ImplC::GetTextC>>(
-        "text_c", "Text C, absent when it is empty"),
-    Flag<[](const BlockC& block) {
-      return block.Where([](R r) { return r.measurement->GetFlagE() != 0; });
-    }>("flag_e", "Flag E"),
-    Text<kLargestTextD, HasText<&ImplC::GetTextD>, WriteText<ImplC::kTextDUnits, &ImplC::GetTextD>>(
-        "text_d", "Text D, absent when it is empty"),
+    Text<TextPlace::kC, kLargestText, With<Trait::kHasTextC>,
+         WriteText<ImplC::kTextUnits, &ImplC::GetTextC>>("text_c",
+                                                         "Text C, absent when it is empty"),
+    Flag<With<Trait::kHasFlagE>>("flag_e", "Flag E"),
+    Text<TextPlace::kD, kLargestTextD, With<Trait::kHasTextD>,
+         WriteText<ImplC::kTextDUnits, &ImplC::GetTextD>>("text_d",
+                                                          "Text D, absent when it is empty"),
     Number<[](R r) { return r.measurement->GetValueF(); }>("value_f", "", "Value F"),
     Number<[](R r) { return r.measurement->GetValueG(); }>("value_g", "", "Value G"),
     Number<IsSet<ImplC::kHasValueH>, [](R r) { return r.measurement->GetValueH(); }>("value_h", "",
@@ -721,11 +1036,98 @@ constexpr GPSColumn kColumns[] = {
     Number<IsSet<ImplC::kHasListBlock>, [](R r) { return r.measurement->GetListBlock()->head; }>(
         "list_head", "", "The list: its head value"),
     ListOf<IsSet<ImplC::kHasListBlock>,
-           [](R r) {
-             const GPSListBlock& list = *r.measurement->GetListBlock();
-             return List(list.entries, list.count);
-           }>("list_entries", "The list: its entries"),
+           [](R r) -> const GPSListBlock& { return *r.measurement->GetListBlock(); }>(
+        "list_entries", "The list: its entries"),
 };
+
+template <std::size_t column>
+using OfColumn = typename std::tuple_element_t<column, decltype(kTable)>::Of;
+constexpr std::size_t kColumnCount = std::tuple_size_v<decltype(kTable)>;
+constexpr auto kEachColumn = std::make_index_sequence<kColumnCount>();
+
+template <std::size_t... column>
+auto EmptyValues(std::index_sequence<column...>) -> std::tuple<typename OfColumn<column>::Rows...>;
+
+struct Values {
+  decltype(EmptyValues(kEachColumn)) ofColumns;
+};
+
+template <std::size_t column>
+void PutColumn(const RowView& record, Values& values, std::size_t row) {
+  using Of = OfColumn<column>;
+  if constexpr (!std::is_same_v<typename Of::Rows, Nothing>) {
+    Of::Put(record, std::get<column>(values.ofColumns), row);
+  }
+}
+
+template <std::size_t column>
+void FillColumn(const BlockC& block, GPSColumnBuffer& buffer, std::size_t at) {
+  using Of = OfColumn<column>;
+  if constexpr (std::is_same_v<typename Of::Rows, Nothing>) {
+    Of::Fill(block, buffer, at);
+  } else {
+    Of::Fill(block, std::get<column>(block.GetValues().ofColumns), buffer, at);
+  }
+}
+
+template <std::size_t... column>
+constexpr std::array<Functions, kColumnCount> AllFunctions(std::index_sequence<column...>) {
+  return {Functions{&OfColumn<column>::Ask, &PutColumn<column>, &FillColumn<column>}...};
+}
+constexpr std::array<Functions, kColumnCount> kFunctions = AllFunctions(kEachColumn);
+
+// Calling a function for each column of a row takes longer than putting the values of all columns
+// if they are more than a few.
+constexpr std::size_t kFew = 12;
+
+/// Where the texts of row `row` are to be written.
+template <std::size_t... column>
+std::array<char*, kTexts> PlacesOf(Values& values, std::size_t row,
+                                   std::index_sequence<column...>) {
+  std::array<char*, kTexts> places;
+  const auto set = [&]<std::size_t at>(std::integral_constant<std::size_t, at>) {
+    using Of = OfColumn<at>;
+    if constexpr (requires { Of::kPlace; }) {
+      places[static_cast<std::size_t>(Of::kPlace)] = std::get<at>(values.ofColumns).At(row);
+    }
+  };
+  (set(std::integral_constant<std::size_t, column>()), ...);
+  return places;
+}
+
+/// Puts the values of rows for the columns of some buffers.
+class PutterC {
+ public:
+  explicit PutterC(std::span<const GPSColumnBuffer> buffers) : count_(buffers.size()) {
+    if (count_ > kFew) return;
+    std::ranges::transform(buffers, functions_.begin(), [](const GPSColumnBuffer& buffer) {
+      return buffer.column->functions->put;
+    });
+  }
+
+  void Put(const RowView& r, Values& values, std::size_t row) const {
+    if (count_ > kFew) return PutAll(r, values, row, kEachColumn);
+    for (std::size_t i = 0; i < count_; ++i) functions_[i](r, values, row);
+  }
+
+ private:
+  template <std::size_t... column>
+  static void PutAll(const RowView& r, Values& values, std::size_t row,
+                     std::index_sequence<column...>) {
+    (PutColumn<column>(r, values, row), ...);
+  }
+
+  std::size_t count_;
+  std::array<Functions::Put, kFew> functions_;
+};
+
+template <std::size_t... column>
+constexpr std::array<GPSColumn, kColumnCount> WithFunctions(std::index_sequence<column...>) {
+  std::array<GPSColumn, kColumnCount> columns = {std::get<column>(kTable).column...};
+  ((columns[column].functions = &kFunctions[column]), ...);
+  return columns;
+}
+constexpr std::array<GPSColumn, kColumnCount> kColumns = WithFunctions(kEachColumn);
 
 }  // namespace
 
@@ -782,39 +1184,34 @@ void AskGPSColumn(const GPSColumn& column, const GPSRecordC& record, GPSColumnVa
 }
 
 struct GPSColumnReaderC::State {
-  explicit State(GPSRecordReaderC& from) : reader(from) {
-    for (std::size_t i = 0; i < kBlock; ++i) views[i] = {&rows[i].measurement, &rows[i].info};
-  }
+  explicit State(GPSRecordReaderC& from) : reader(from) {}
 
-  /// A decoded record that is not yet in the columns.
-  struct Row {
-    GPSMeasDataImplC measurement;
-    GPSRecordFileInfo info;
-  };
-
-  void Stage(std::size_t most, std::size_t& staged);
+  void Stage(std::size_t most, const PutterC& putter, std::size_t& staged);
 
   GPSRecordReaderC& reader;
   std::uint64_t leftOut = 0;
   Writers writers;
-  std::array<Row, kBlock> rows;
-  BlockC::Views views;
+  GPSMeasDataImplC measurement;  // of the current record
+  GPSRecordFileInfo info;
+  Presence presence;
+  Values values;
 };
 
 // Decodes up to `most` records whose outcome is `kDone`, and counts them in `staged`.
-void GPSColumnReaderC::State::Stage(std::size_t most, std::size_t& staged) {
+void GPSColumnReaderC::State::Stage(std::size_t most, const PutterC& putter, std::size_t& staged) {
   GPSRecordEntry entry;
   while (staged < most && reader.NextEntry(entry)) {
     if (!entry.IsMeasurement()) continue;
-    Row& row = rows[staged];
     // Keeps what every frame stores and what has no value in a column while it is absent.
-    RecordColumns::Renewal::Renew(row.measurement);
-    row.info.number = 0;  // the other fields are never set
-    row.info.flags = 0;
-    std::memset(row.info.name, 0, sizeof(row.info.name));
-    if (RecordFrame::DecodeChecked(reader.GetBytes(), row.measurement, row.info).IsDone()) {
-      views[staged].offset = entry.offset;
-      views[staged].size = entry.size;
+    RecordColumns::Renewal::Renew(measurement);
+    info.number = 0;  // the other fields are never set
+    info.flags = 0;
+    std::memset(info.name, 0, sizeof(info.name));
+    RowView record{{&measurement, &info, entry.offset, entry.size}};
+    const std::array<char*, kTexts> places = PlacesOf(values, staged, kEachColumn);
+    if (DecodeRow(reader.GetBytes(), places, measurement, info, record)) {
+      presence.Put(staged, record);
+      putter.Put(record, values, staged);
       ++staged;
     } else {
       ++leftOut;
@@ -865,17 +1262,18 @@ GPSColumnsOutcome GPSColumnReaderC::ReadOn(std::span<GPSColumnBuffer> buffers, s
   const std::size_t before = rows;
   const auto fill = [&](std::size_t staged) {
     if (staged == 0) return;
-    const BlockC block(state.views, staged, state.writers);
+    const BlockC block(state.presence, state.values, staged, state.writers);
     for (GPSColumnBuffer& buffer : buffers) buffer.column->functions->fill(block, buffer, rows);
     rows += staged;
   };
+  const PutterC putter(buffers);
   while (rows < capacity) {
     const std::size_t most =
         RowsWithRoom(buffers, rows, std::min(kBlock - rows % kBlock, capacity - rows));
     if (most == 0) break;
     std::size_t staged = 0;
     try {
-      state.Stage(most, staged);
+      state.Stage(most, putter, staged);
     } catch (...) {
       fill(staged);
       throw;
