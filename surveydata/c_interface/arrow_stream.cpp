@@ -24,7 +24,7 @@ using RecordColumns::IsLong;
 
 constexpr std::size_t kRowsInBatch = 65536;
 /// Before this many rows are read, there is room for their longest texts and lists.
-constexpr std::size_t kRowsAtOnce = 256;
+constexpr std::size_t kRowsAtOnce = 1024;
 /// The smallest frame of a measurement, in bytes.
 constexpr std::uint64_t kSmallestFrame = 19;
 

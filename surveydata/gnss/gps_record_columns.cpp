@@ -28,6 +28,7 @@
 
 namespace SDI {
 
+using RecordColumns::BytesOfValues;
 using RecordColumns::IsLong;
 using RecordColumns::RecordView;
 
@@ -1226,6 +1227,30 @@ bool IsBuffer(const GPSColumnBuffer& buffer) {
          (!IsLong(*buffer.column) || buffer.offsets != nullptr);
 }
 
+// Loads the memory that the next block will be written to while its frames are decoded. There are
+// more columns than a processor recognises as sequences by itself.
+void FetchNextBlock(const GPSColumnBuffer& buffer, std::size_t rows, std::size_t staged,
+                    std::size_t capacity) {
+  constexpr std::size_t kLine = 64;
+  const std::size_t next = rows + staged;
+  if (capacity - next < kBlock) return;
+  const auto fetch = [](const std::uint8_t* begin, std::size_t size) {
+    for (std::size_t i = 0; i < size; i += kLine) __builtin_prefetch(begin + i, 1);
+  };
+  const auto* const values = static_cast<const std::uint8_t*>(buffer.values);
+  const GPSColumnType type = buffer.column->type;
+  if (!IsLong(*buffer.column)) {
+    return fetch(values + BytesOfValues(type, next), BytesOfValues(type, kBlock));
+  }
+  fetch(reinterpret_cast<const std::uint8_t*>(buffer.offsets + next),
+        kBlock * sizeof(std::int64_t));
+  // As many bytes as this block has.
+  const std::size_t unit = type == GPSColumnType::kText ? 1 : sizeof(std::uint16_t);
+  const std::size_t begin = static_cast<std::size_t>(buffer.offsets[rows]) * unit;
+  const std::size_t end = static_cast<std::size_t>(buffer.offsets[next]) * unit;
+  fetch(values + end, std::min(end - begin, buffer.size - end));
+}
+
 // How many rows, at most `most`, are certain to fit after the first `rows`.
 std::size_t RowsWithRoom(std::span<const GPSColumnBuffer> buffers, std::size_t rows,
                          std::size_t most) {
@@ -1263,7 +1288,10 @@ GPSColumnsOutcome GPSColumnReaderC::ReadOn(std::span<GPSColumnBuffer> buffers, s
   const auto fill = [&](std::size_t staged) {
     if (staged == 0) return;
     const BlockC block(state.presence, state.values, staged, state.writers);
-    for (GPSColumnBuffer& buffer : buffers) buffer.column->functions->fill(block, buffer, rows);
+    for (GPSColumnBuffer& buffer : buffers) {
+      buffer.column->functions->fill(block, buffer, rows);
+      FetchNextBlock(buffer, rows, staged, capacity);
+    }
     rows += staged;
   };
   const PutterC putter(buffers);
