@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -69,6 +71,7 @@ class BatchC {
   /// `room` is the initial number of bytes for each text and list column.
   BatchC(const Columns& columns, std::size_t capacity, std::span<const std::size_t> room)
       : capacity_(capacity), memory_(std::make_shared<BatchMemory>()) {
+    if (capacity > kMostRows) throw std::bad_alloc();  // their bytes could not be counted
     memory_->fixed = MemoryC(Lay(columns, nullptr));
     Lay(columns, memory_->fixed.Get());
     for (const std::size_t size : room) memory_->longs.emplace_back(size);
@@ -96,6 +99,11 @@ class BatchC {
   }
 
  private:
+  static constexpr std::size_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max();
+  /// One buffer of so many rows takes less than half of `kMostBytes`: no row takes more than 8
+  /// bytes in it, or its offset.
+  static constexpr std::size_t kMostRows = kMostBytes / 32;
+
   /// Places the buffers at `at` and returns the number of bytes that they take.
   std::size_t Lay(const Columns& columns, std::uint8_t* at) {
     buffers_.clear();
@@ -104,6 +112,7 @@ class BatchC {
       std::uint8_t* const taken = at != nullptr ? at + size : nullptr;
       // Leaves a spare cache line, so that columns do not map to the same sets of the cache.
       size += (bytes + 127) / 64 * 64;
+      if (size > kMostBytes) throw std::bad_alloc();
       return taken;
     };
     for (const GPSColumn* const column : columns) {

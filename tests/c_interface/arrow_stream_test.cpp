@@ -440,6 +440,32 @@ TEST(ArrowStream, IsRefusedWithoutTakingTheReader) {
   surveydata_reader_close(reader);
 }
 
+// The number of bytes of such a batch exceeds 64 bits: without a check it would look small. The
+// size of the source is no limit, because the caller states it.
+TEST(ArrowStream, SaysThatABatchOfTooManyRowsExceedsMemory) {
+  surveydata_source definition = {};
+  definition.struct_size = sizeof(definition);
+  definition.read_at = [](void*, std::uint64_t, std::uint8_t*, std::size_t) {
+    return std::int64_t{0};
+  };
+  const auto resultOf = [&](std::uint64_t size, std::size_t columns, std::size_t rows) {
+    definition.size = size;
+    surveydata_reader* reader = nullptr;
+    EXPECT_EQ(surveydata_reader_open_source(&definition, 0, SURVEYDATA_NO_END, &reader),
+              SURVEYDATA_OK);
+    StreamC stream(reader, std::vector<std::uint32_t>(columns, 0), rows);  // of "offset", 8 bytes
+    Array batch;
+    const int result = stream->get_next(stream.Get(), batch.Get());
+    EXPECT_EQ(batch->release, nullptr);
+    return result;
+  };
+  EXPECT_EQ(resultOf(UINT64_MAX, 19, SIZE_MAX), ENOMEM);  // 19 bytes of the source for each row
+  EXPECT_EQ(resultOf(0, 1, SIZE_MAX), ENOMEM);            // a source of unknown size
+  EXPECT_EQ(resultOf(0, 1, SIZE_MAX / 8 + 1), ENOMEM);
+  EXPECT_EQ(resultOf(0, 1024, SIZE_MAX / 8 / 1024 + 1), ENOMEM);
+  EXPECT_EQ(resultOf(UINT64_MAX, 19, 100), 0);
+}
+
 // Every allocation fails once: nothing leaks (the sanitizer checks that, too), and no row is lost.
 TEST(ArrowStream, SaysThatMemoryIsExhaustedAndLosesNothing) {
   const auto columns = Columns::All();
