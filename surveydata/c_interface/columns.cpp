@@ -93,11 +93,11 @@ surveydata_status surveydata_reader_read_columns(surveydata_reader* reader,
                                                  std::size_t buffer_size, std::size_t buffer_count,
                                                  std::size_t capacity, std::size_t* rows,
                                                  std::uint64_t* left_out) {
+  if (rows != nullptr) *rows = 0;  // whatever else is refused
   if (reader == nullptr || rows == nullptr || (buffers == nullptr && buffer_count != 0)) {
     return SURVEYDATA_INVALID_ARGUMENT;
   }
   if (buffer_size != sizeof(surveydata_column_buffer)) return SURVEYDATA_WRONG_SIZE;
-  *rows = 0;
   const surveydata_status status = Guarded([&] {
     return ReadColumns(*reader, {buffers, buffer_count}, capacity, *rows);
   });

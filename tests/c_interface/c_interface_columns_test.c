@@ -164,13 +164,19 @@ static void test_refused(const uint8_t* bytes, size_t size) {
   CHECK(rows == 0);
   CHECK_STATUS(surveydata_reader_read_columns(reader, &buffer, sizeof(buffer), 1, 0, &rows, NULL),
                SURVEYDATA_BUFFER_TOO_SMALL);
+  rows = 7;
   CHECK_STATUS(
       surveydata_reader_read_columns(reader, &buffer, sizeof(buffer) + 8, 1, 2, &rows, NULL),
       SURVEYDATA_WRONG_SIZE);
+  CHECK(rows == 0);
+  rows = 7;
   CHECK_STATUS(surveydata_reader_read_columns(NULL, &buffer, sizeof(buffer), 1, 2, &rows, NULL),
                SURVEYDATA_INVALID_ARGUMENT);
+  CHECK(rows == 0);
+  rows = 7;
   CHECK_STATUS(surveydata_reader_read_columns(reader, NULL, sizeof(buffer), 1, 2, &rows, NULL),
                SURVEYDATA_INVALID_ARGUMENT);
+  CHECK(rows == 0);
   CHECK_STATUS(surveydata_reader_read_columns(reader, &buffer, sizeof(buffer), 1, 2, NULL, NULL),
                SURVEYDATA_INVALID_ARGUMENT);
   buffer.offsets = NULL;
