@@ -1,5 +1,6 @@
 # Windows programs refer to the library's symbols by ordinal, so ordinals never change: each symbol
-# in abi/surveydata.exports has its recorded ordinal, and no ordinal is used twice.
+# in abi/surveydata.exports has its recorded ordinal, and no ordinal is used twice. Also limits the
+# number of functions of the C interface.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Exports.cmake)
 
@@ -29,3 +30,11 @@ foreach(symbols exports_elf exports_windows)
     message(SEND_ERROR "${symbols} contains a symbol twice")
   endif()
 endforeach()
+
+# The C interface is to stay small: what a caller can compose gets no function.
+set(functions ${exports_elf})
+list(FILTER functions INCLUDE REGEX "${exports_c}")
+list(LENGTH functions count)
+if(count EQUAL 0 OR count GREATER 32)
+  message(SEND_ERROR "the C interface has ${count} functions; 1 to 32 are allowed")
+endif()
