@@ -184,6 +184,14 @@ TEST(RecordReader, AFileThatMustNotBeRead) {
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kNoPermission);
 }
 
+// Nobody, not even the superuser, may open a running program to write.
+TEST(RecordReader, AFileThatCannotBeWrittenIsRead) {
+  const SDI::GPSRecordReaderC reader("/proc/self/exe");
+  EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
+  const GPSRecordIndexC index("/proc/self/exe");
+  EXPECT_TRUE(index.IsOpen());
+}
+
 TEST(RecordReader, AFileWithoutASizeIsRead) {
   // The system reports its size as 0.
   SDI::GPSRecordReaderC reader("/proc/self/maps");
