@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <fstream>
 #include <map>
+#include <numeric>
 #include <random>
 #include <set>
 #include <span>
@@ -383,6 +384,51 @@ TEST(GPSColumns, LeaveOutAFrameWhoseBlocksDoNotFitAndCountIt) {
   EXPECT_EQ(batches.GetLeftOut(), 4U);
   const std::size_t second = 2 * good.size() + 3 * bad.size() - good.size();
   EXPECT_EQ(table, (Table{{std::to_string(bad.size())}, {std::to_string(second)}}));
+}
+
+// Frames without their last bytes, between whole ones: the texts and numbers before the missing
+// bytes were already read. One reader reads a different choice of columns in each batch.
+TEST(GPSColumns, AreTheSameAfterFramesWhoseBlocksDoNotFit) {
+  std::mt19937_64 random(20261123);
+  ByteVector bytes;
+  for (int i = 0; i < 1000; ++i) {
+    const auto bits = static_cast<unsigned>(random());
+    const ByteVector frame =
+        TestSupport::WellFormedFrame((bits & 0x30CF) | 0x2000, bits >> 16, random);
+    FrameBuilderC cut;
+    const std::size_t end = frame.size() - 2;
+    const std::size_t lost = random() % 2 * (random() % std::min<std::size_t>(end - 5, 40));
+    for (std::size_t at = 5; at < end - lost; ++at) cut.U8(frame[at]);
+    Append(bytes, cut.Frame());
+  }
+  auto columns = Columns::All();
+  const Table table = Asked(bytes, columns);
+  EXPECT_GT(table.size(), 400U);
+  EXPECT_LT(table.size(), 800U);
+  EXPECT_TRUE(InBatches(bytes, columns, 1000) == table);
+
+  std::vector<std::size_t> order(columns.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  GPSRecordReaderC reader(bytes);
+  GPSColumnReaderC batches(reader);
+  for (std::size_t first = 0; first < table.size();) {
+    std::shuffle(order.begin(), order.end(), random);
+    std::vector<const GPSColumn*> some;
+    const std::size_t count = 1 + random() % (random() % 2 == 0 ? 12 : order.size());
+    for (std::size_t i = 0; i < count; ++i) some.push_back(columns[order[i]]);
+    BuffersC buffers(some, 100);
+    const Result result = Read(batches, buffers.Get(), 1 + random() % 100);
+    ASSERT_EQ(result.outcome, GPSColumnsOutcome::kDone);
+    buffers.ExpectWhole(result.rows);
+    Table batch;
+    buffers.Read(result.rows, batch);
+    for (std::size_t row = 0; row < result.rows; ++row) {
+      for (std::size_t i = 0; i < count; ++i) {
+        ASSERT_EQ(batch[row][i], table[first + row][order[i]]) << some[i]->name;
+      }
+    }
+    first += result.rows;
+  }
 }
 
 TEST(GPSColumns, PassOnWhatTheReadersFunctionThrowsAndKeepTheRowsBefore) {
