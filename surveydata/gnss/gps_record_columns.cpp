@@ -1101,9 +1101,8 @@ class PutterC {
  public:
   explicit PutterC(std::span<const GPSColumnBuffer> buffers) : count_(buffers.size()) {
     if (count_ > kFew) return;
-    std::ranges::transform(buffers, functions_.begin(), [](const GPSColumnBuffer& buffer) {
-      return buffer.column->functions->put;
-    });
+    std::transform(buffers.begin(), buffers.end(), functions_.begin(),
+                   [](const GPSColumnBuffer& buffer) { return buffer.column->functions->put; });
   }
 
   void Put(const RowView& r, Values& values, std::size_t row) const {
