@@ -28,4 +28,16 @@ DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame) 
   return record;
 }
 
+void DecodeChecked(std::uint64_t offset, std::span<const std::uint8_t> frame,
+                   DecodedRecord& record) {
+  static const SDI::GPSMeasDataImplC kFresh;
+  record.offset = offset;
+  record.size = frame.size();
+  record.measurement = kFresh;
+  record.info = {};
+  record.result = SDI::RecordFrame::DecodeChecked(frame, record.measurement, record.info).IsDone()
+                      ? SDI::GPSRecordFileC::kDone
+                      : SDI::GPSRecordFileC::kBadFrame;
+}
+
 }  // namespace Tool

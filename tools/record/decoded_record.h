@@ -28,6 +28,9 @@ struct DecodedRecord {
 
 /// Reads a frame in memory.
 DecodedRecord Decode(std::uint64_t offset, std::span<const std::uint8_t> frame);
+/// The same for a frame whose checksum is known to be correct. `record` may have been used before.
+void DecodeChecked(std::uint64_t offset, std::span<const std::uint8_t> frame,
+                   DecodedRecord& record);
 
 }  // namespace Tool
 
