@@ -42,7 +42,10 @@ Outcome RunProgram(const std::vector<std::string>& arguments, const RunOptions& 
   if (!options.folder.empty()) command += "cd " + Quoted(options.folder) + " && ";
   command += options.shell + " ";
   command += Quoted(options.program.empty() ? ProgramPath() : options.program);
-  for (const std::string& argument : arguments) command += " " + Quoted(argument);
+  for (const std::string& argument : arguments) {
+    command += ' ';
+    command += Quoted(argument);
+  }
   return options.input.empty() ? Run(command) : Run(command, options.input);
 }
 
