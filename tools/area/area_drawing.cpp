@@ -9,6 +9,7 @@
 
 #include <area/angle_unit.h>
 #include <area/area_drawing.h>
+#include <area/picture_colours.h>
 
 namespace Tool {
 namespace {
@@ -21,7 +22,7 @@ constexpr std::size_t kMostRasterRuns = 10'000;
 constexpr double kSlowCell = 4;  // pixels
 
 // Whether each answer may need all edges, as for a ring around the zenith that crosses itself.
-bool IsSlow(const AreaPicture& picture) {
+bool IsSlow(const PictureContents& picture) {
   constexpr std::size_t kManyEdges = 200;
   return !picture.faults.empty() && picture.file.Sphere().GetPoints().size() > kManyEdges;
 }
@@ -54,25 +55,11 @@ std::vector<Curve> BoundsLines(const AreaBounds& bounds) {
   return lines;
 }
 
-void DrawProbe(SvgC& svg, SvgPoint at, bool isInside) {
-  constexpr double kArm = 3.6;
-  if (isInside) {
-    svg.Dot(at, 4.6, "#ffffff");
-    svg.Dot(at, 3.6, kInsideProbe);
-    return;
-  }
-  for (const auto& [stroke, arm] : {std::pair{SvgStroke{"#ffffff", 4.4}, kArm + 1},
-                                    std::pair{SvgStroke{kOutsideProbe, 2.2}, kArm}}) {
-    svg.Line({at.x - arm, at.y - arm}, {at.x + arm, at.y + arm}, stroke);
-    svg.Line({at.x - arm, at.y + arm}, {at.x + arm, at.y - arm}, stroke);
-  }
-}
-
-bool IsInsideDrawn(const AreaPicture& picture) {
+bool IsInsideDrawn(const PictureContents& picture) {
   return picture.faults.empty() || picture.file.Sphere().GetPoints().size() <= kManyCorners;
 }
 
-InsideDrawingC::InsideDrawingC(const AreaPicture& picture) : picture_(picture) {
+InsideDrawingC::InsideDrawingC(const PictureContents& picture) : picture_(picture) {
   using Questions = SDI::PreparedAreaC::Questions;
   if (!IsInsideDrawn(picture)) return;
   prepared_.emplace(*picture.file.area, IsSlow(picture) ? Questions::kFew : Questions::kMany);
@@ -95,7 +82,7 @@ void InsideDrawingC::DrawRaster(SvgC& svg, SvgPoint corner, double width, double
   raster.Draw(svg, kInsideFill, kMostRasterRuns);
 }
 
-void DrawCorners(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawCorners(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                  const std::function<AnglePointC(const AnglePointC&)>& show, const PageMap& map,
                  const std::function<bool(SvgPoint)>& isShown) {
   constexpr double kAway = 12;

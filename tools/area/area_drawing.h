@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include <surveydata/scanning/prepared_area.h>
@@ -13,41 +12,19 @@
 #include <area/area_curves.h>
 #include <area/area_maps.h>
 #include <area/area_measure.h>
-#include <area/area_picture.h>
+#include <area/picture_contents.h>
 #include <output/label_placer.h>
 #include <output/raster.h>
 #include <output/svg.h>
 
 /// \file
-/// Shared by the panels of an area's picture: colours, and the marks of edges, corners and probes.
+/// Shared by the panels of an area's picture: edges, corners, bounds and the inside.
 
 namespace Tool {
-
-/// The page.
-/// @{
-inline constexpr double kPageWidth = 1100;
-inline constexpr double kPageHeight = 550;
-/// @}
 
 /// If there are more corners than this, only those that break a rule are marked, up to this number.
 /// The edges are then too short to be halved, and are drawn as one joined line.
 inline constexpr std::size_t kManyCorners = 2000;
-
-/// Colours that can be distinguished with any colour vision; their shades differ as well.
-/// @{
-inline constexpr std::string_view kInsideFill = "#cfe3f3";
-inline constexpr std::string_view kQuiet = "#555555";
-inline constexpr std::string_view kFault = "#cc3311";
-inline constexpr std::string_view kInsideProbe = "#117733";
-inline constexpr std::string_view kOutsideProbe = "#aa3377";
-inline constexpr SvgStroke kGrid{"#e3e3e3", 1.0};
-inline constexpr SvgStroke kFrame{"#555555", 1.0};
-inline constexpr SvgStroke kEdge{"#0072b2", 2.0};
-inline constexpr SvgStroke kFaultyEdge{kFault, 2.4};
-inline constexpr SvgStroke kNoArc{kFault, 1.2, "2 3"};
-inline constexpr SvgStroke kBounds{"#333333", 1.1, "6 4"};
-inline constexpr SvgStroke kLowest{"#d55e00", 1.2, "9 3 2 3"};
-/// @}
 
 /// The minimal number of halvings of the curves of the edges: 0 if there are many edges.
 int LeastHalvings(const std::vector<EdgeCurve>& edges);
@@ -57,15 +34,13 @@ const SvgStroke& EdgeStroke(const EdgeCurve& edge);
 /// The bounds as four straight lines in the plane.
 std::vector<Curve> BoundsLines(const AreaBounds& bounds);
 
-void DrawProbe(SvgC& svg, SvgPoint at, bool isInside);
-
 /// False for a ring of many corners that is not valid: each answer would need all edges.
-bool IsInsideDrawn(const AreaPicture& picture);
+bool IsInsideDrawn(const PictureContents& picture);
 
 /// Draws the inside, as the library defines it, in both panels: the area is prepared once.
 class InsideDrawingC {
  public:
-  explicit InsideDrawingC(const AreaPicture& picture);
+  explicit InsideDrawingC(const PictureContents& picture);
 
   /// The inside as strips of exact runs. Empty if that is too much for the picture, or takes too
   /// long for a large ring that is not valid: draw a raster instead.
@@ -76,13 +51,13 @@ class InsideDrawingC {
                   const std::function<GMAT::AnglePointC(SvgPoint)>& directionAt) const;
 
  private:
-  const AreaPicture& picture_;
+  const PictureContents& picture_;
   std::optional<SDI::PreparedAreaC> prepared_;  // if the inside is drawn
 };
 
 /// Dots at the corners, with their angles as titles, and their numbers on the outer side of the
 /// turn that the ring makes there. `show` converts a corner to the frame of `map`.
-void DrawCorners(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawCorners(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                  const std::function<GMAT::AnglePointC(const GMAT::AnglePointC&)>& show,
                  const PageMap& map, const std::function<bool(SvgPoint)>& isShown);
 

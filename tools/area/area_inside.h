@@ -7,6 +7,7 @@
 
 #include <surveydata/scanning/prepared_area.h>
 #include <surveydata/scanning/scan_area.h>
+#include <surveydata/sphere_geometry/angles.h>
 
 namespace Tool {
 
@@ -17,6 +18,9 @@ struct AngleWindow {
   double vMin;
   double vMax;
 };
+
+/// The whole sphere.
+inline constexpr AngleWindow kWholeSphere{0, GMAT::TWO_PI, 0, GMAT::PI};
 
 /// A range of Hz that is inside at one V.
 struct InsideRun {

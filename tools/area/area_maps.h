@@ -11,6 +11,12 @@
 
 namespace Tool {
 
+/// The page.
+/// @{
+inline constexpr double kPageWidth = 1100;
+inline constexpr double kPageHeight = 550;
+/// @}
+
 /// The plane of Hz and V.
 /// @{
 inline constexpr double kPlaneLeft = 76;

@@ -6,10 +6,12 @@
 
 #include <area/area_curves.h>
 #include <area/area_drawing.h>
+#include <area/area_maps.h>
 #include <area/area_measure.h>
 #include <area/area_picture.h>
 #include <area/area_plane_panel.h>
 #include <area/area_polar_panel.h>
+#include <area/picture_colours.h>
 #include <command_line/text.h>
 #include <output/label_placer.h>
 #include <output/svg.h>
@@ -63,7 +65,7 @@ class LegendC {
   double y_ = kLegendTop;
 };
 
-void DrawLegend(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawLegend(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                 const std::vector<EdgeCurve>& edges, bool hasBounds) {
   LegendC legend(svg, labels);
   if (IsInsideDrawn(picture)) legend.Fill("inside");
@@ -85,7 +87,7 @@ void DrawLegend(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
   }
 }
 
-std::string Subtitle(const AreaPicture& picture, const std::optional<AreaBounds>& bounds) {
+std::string Subtitle(const PictureContents& picture, const std::optional<AreaBounds>& bounds) {
   const AreaFile& file = picture.file;
   std::string text(KindName(*file.area));
   if (file.area->GetType() == SDI::kPolygonArea) {
@@ -99,7 +101,7 @@ std::string Subtitle(const AreaPicture& picture, const std::optional<AreaBounds>
 }
 
 // Notes on what the picture shows only at its resolution, or not at all.
-std::string Notes(const AreaPicture& picture) {
+std::string Notes(const PictureContents& picture) {
   std::string notes;
   const auto add = [&notes](std::string_view note) {
     notes += notes.empty() ? "" : "; ";
@@ -127,7 +129,7 @@ std::string Notes(const AreaPicture& picture) {
 
 }  // namespace
 
-std::string DrawArea(const AreaPicture& picture) {
+std::string DrawArea(const PictureContents& picture) {
   const std::optional<AreaBounds> bounds = MeasureBounds(picture.file);
   const std::vector<EdgeCurve> edges = MakeEdges(picture.file, picture.faults);
   constexpr SvgFont kTitle{.size = 19, .isBold = true};

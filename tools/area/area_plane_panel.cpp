@@ -11,6 +11,7 @@
 #include <area/area_inside.h>
 #include <area/area_plane_panel.h>
 #include <area/area_ring.h>
+#include <area/picture_colours.h>
 #include <output/chart.h>
 
 namespace Tool {
@@ -40,7 +41,7 @@ std::vector<double> AngleTicks(double first, double last, AngleUnit unit, int wa
 
 class PlanePanelC {
  public:
-  PlanePanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+  PlanePanelC(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
               const InsideDrawingC& inside)
       : svg_(svg),
         labels_(labels),
@@ -162,7 +163,7 @@ class PlanePanelC {
 
   SvgC& svg_;
   LabelPlacerC& labels_;
-  const AreaPicture& picture_;
+  const PictureContents& picture_;
   const InsideDrawingC& inside_;
   PlaneMapC map_;
   AngleWindow window_;
@@ -170,7 +171,7 @@ class PlanePanelC {
 
 }  // namespace
 
-void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                     const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
                     const std::optional<AreaBounds>& bounds) {
   PlanePanelC(svg, labels, picture, inside).Draw(edges, bounds);

@@ -7,14 +7,14 @@
 #include <area/area_curves.h>
 #include <area/area_drawing.h>
 #include <area/area_measure.h>
-#include <area/area_picture.h>
+#include <area/picture_contents.h>
 #include <output/label_placer.h>
 #include <output/svg.h>
 
 namespace Tool {
 
 /// The area in the plane of Hz and V, with axes in the unit of the file.
-void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawPlanePanel(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                     const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
                     const std::optional<AreaBounds>& bounds);
 

@@ -11,6 +11,7 @@
 #include <area/area_inside.h>
 #include <area/area_polar_panel.h>
 #include <area/area_ring.h>
+#include <area/picture_colours.h>
 
 namespace Tool {
 namespace {
@@ -21,7 +22,7 @@ constexpr double kRadius = kPolarRadius;
 
 class PolarPanelC {
  public:
-  PolarPanelC(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+  PolarPanelC(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
               const InsideDrawingC& inside)
       : svg_(svg), labels_(labels), picture_(picture), inside_(inside) {}
 
@@ -104,13 +105,13 @@ class PolarPanelC {
 
   SvgC& svg_;
   LabelPlacerC& labels_;
-  const AreaPicture& picture_;
+  const PictureContents& picture_;
   const InsideDrawingC& inside_;
 };
 
 }  // namespace
 
-void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                     const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
                     const std::optional<AreaBounds>& bounds) {
   PolarPanelC(svg, labels, picture, inside).Draw(edges, bounds);

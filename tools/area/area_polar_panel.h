@@ -7,7 +7,7 @@
 #include <area/area_curves.h>
 #include <area/area_drawing.h>
 #include <area/area_measure.h>
-#include <area/area_picture.h>
+#include <area/picture_contents.h>
 #include <output/label_placer.h>
 #include <output/svg.h>
 
@@ -15,7 +15,7 @@ namespace Tool {
 
 /// The area as seen from the zenith: the distance from the centre is V, north (Hz 0) is up, Hz
 /// increases clockwise.
-void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const AreaPicture& picture,
+void DrawPolarPanel(SvgC& svg, LabelPlacerC& labels, const PictureContents& picture,
                     const InsideDrawingC& inside, const std::vector<EdgeCurve>& edges,
                     const std::optional<AreaBounds>& bounds);
 

@@ -1,7 +1,9 @@
+#include <utility>
+
 #include <surveydata/sphere_geometry/angles.h>
 
-#include <area/area_drawing.h>
 #include <area/area_probes.h>
+#include <area/picture_colours.h>
 
 namespace Tool {
 namespace {
@@ -18,6 +20,20 @@ RasterC PolarRaster() {
 bool IsInPolar(double v) { return 0 <= v && v <= GMAT::PI; }
 
 }  // namespace
+
+void DrawProbe(SvgC& svg, SvgPoint at, bool isInside) {
+  constexpr double kArm = 3.6;
+  if (isInside) {
+    svg.Dot(at, 4.6, "#ffffff");
+    svg.Dot(at, 3.6, kInsideProbe);
+    return;
+  }
+  for (const auto& [stroke, arm] : {std::pair{SvgStroke{"#ffffff", 4.4}, kArm + 1},
+                                    std::pair{SvgStroke{kOutsideProbe, 2.2}, kArm}}) {
+    svg.Line({at.x - arm, at.y - arm}, {at.x + arm, at.y + arm}, stroke);
+    svg.Line({at.x - arm, at.y + arm}, {at.x + arm, at.y - arm}, stroke);
+  }
+}
 
 AreaProbesC::AreaProbesC(const AngleWindow& window)
     : plane_(window),

@@ -11,6 +11,9 @@
 
 namespace Tool {
 
+/// A mark that shows the answer of a direction.
+void DrawProbe(SvgC& svg, SvgPoint at, bool isInside);
+
 /// Directions with their answers, for a picture, in a fixed amount of memory: if there are too
 /// many to be distinguished, they are marks on a raster.
 class AreaProbesC {

@@ -1,6 +1,8 @@
 #include <cmath>
 
+#include <area/area_drawing.h>
 #include <area/area_ring.h>
+#include <area/picture_colours.h>
 
 namespace Tool {
 namespace {

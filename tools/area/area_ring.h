@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <vector>
 
-#include <area/area_drawing.h>
 #include <output/raster.h>
 #include <output/svg.h>
 
