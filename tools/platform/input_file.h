@@ -17,8 +17,9 @@ bool IsStandardInput(const std::string& name);
 /// Whether both are the same regular file. `input` may mean standard input.
 bool IsSameRegularFile(const std::string& output, const std::string& input);
 
-/// The size in bytes of a file that can be opened for reading, without opening it on POSIX systems;
-/// 0 if it is not a regular file. \throw FileErrorC  with the reason if it cannot be opened.
+/// The size in bytes of a file that is to be opened later, 0 if it is not a regular file.
+/// \throw FileErrorC  with the reason if it cannot be opened; on Windows only opening shows that
+///                    another program has locked a file, or that this user must not read it.
 std::uint64_t ReadableSize(const std::string& name);
 
 /// A file, a pipe or standard input, opened once for reading. Only regular files are seekable; a

@@ -24,7 +24,13 @@ bool IsSameRegularFile(const std::string& output, const std::string& input) {
          std::filesystem::equivalent(ToPath(output), ToPath(input), ignored);
 }
 
-std::uint64_t ReadableSize(const std::string& name) { return InputFileC(name).GetSize(); }
+// Reads the folder. Only a name without a size of its own, such as a link, is opened, and one that is
+// not there, for the reason.
+std::uint64_t ReadableSize(const std::string& name) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(ToPath(name), error);
+  return error || size == 0 ? InputFileC(name).GetSize() : size;
+}
 
 InputFileC::InputFileC(const std::string& name)
     : name_(IsStandardInput(name) ? "standard input" : name),

@@ -59,14 +59,17 @@ ExitCode JoinRecords(const JoinOptions& options) {
   ProgressC progress(total);
   std::uint64_t done = 0;
   const auto report = [&](std::uint64_t bytes) { progress.Update(done += bytes); };
+  // All files are opened before anything is written.
+  std::vector<std::unique_ptr<SourceC>> sources;
+  for (const RecordFile& file : files) {
+    sources.push_back(std::make_unique<SourceC>(file, options, report));
+  }
   OutputC out(options.output);
   PieceOutputC messages(&out, progress);
 
-  std::vector<std::unique_ptr<SourceC>> sources;
   std::vector<SourceC*> left;  // those that are at a measurement, in the order of the files
-  for (const RecordFile& file : files) {
-    sources.push_back(std::make_unique<SourceC>(file, options, report));
-    if (sources.back()->GoOn(out)) left.push_back(sources.back().get());
+  for (const std::unique_ptr<SourceC>& source : sources) {
+    if (source->GoOn(out)) left.push_back(source.get());
   }
   while (!left.empty()) {
     const auto next =

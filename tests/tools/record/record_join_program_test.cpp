@@ -191,4 +191,20 @@ TEST(RecordJoin, RefusesFilesThatCannotBeReadBeforeItWrites) {
   EXPECT_EQ(Record({"join", "a.rec", "-o", "a.rec"}, folder.Path().string()).exitCode, 2);
 }
 
+#if !defined(_WIN32)
+TEST(RecordJoin, OpensAllFilesBeforeItWrites) {
+  const TempFolderC folder;
+  std::vector<std::string> arguments = {"record", "join", "-o", "joined"};
+  for (char name = 'a'; name < 'z'; ++name) {
+    arguments.push_back(name + std::string(".rec"));
+    WriteBytes(folder / arguments.back(), At(1000));
+  }
+  const Outcome outcome =
+      RunProgram(arguments, {.folder = folder.Path().string(), .shell = "ulimit -n 20;"});
+  EXPECT_EQ(outcome.exitCode, 3);
+  EXPECT_NE(outcome.err.find("Too many open files"), std::string::npos) << outcome.err;
+  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "joined"));
+}
+#endif
+
 }  // namespace
