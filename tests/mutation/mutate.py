@@ -135,6 +135,7 @@ TESTS = {
                              "prepared_area_test", "pair_rules_test", "layout_test",
                              "memory_faults_test"],
     "surveydata/sphere_geometry/": ["angles_test", "vectors_test", "sphere_point_test",
+                                    "area_edges_test", "quick_trig_test",
                                     "area_rules_test", "filter_bounds_test", "cell_grid_test",
                                     "hz_intervals_test", "slab_index_test", "boundary_band_test",
                                     "decided_raster_test", "prepared_sphere_area_test",
