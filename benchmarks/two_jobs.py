@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""How many times as quick the record commands of the program are with two jobs as with one.
+"""The speedup of the record commands of the program with two jobs.
 
     benchmarks/two_jobs.py build/release/tools/surveydata [--megabytes 132] [--runs 9] [COMMAND...]
 
 The input is copies of the sample valley_drive.rec. Times are elapsed times, so the machine must be idle. For
 comparison, two programs with one job each run at the same time: their speed is what the two cores allow at that
 moment, which can be less than twice that of one if the processor is virtual. Runs of one job, of two jobs and of
-two programs alternate; figures are medians, after one run of each that does not count.
+two programs alternate; figures are medians, after one run of each that is not counted.
 """
 
 from __future__ import annotations
@@ -58,7 +58,7 @@ def main() -> None:
     commands = options.command or list(COMMANDS)
     for name in commands:
         if name not in COMMANDS:
-            parser.error(f"{name} is none of {', '.join(COMMANDS)}")
+            parser.error(f"{name} is not one of {', '.join(COMMANDS)}")
 
     sample = (SAMPLES / "valley_drive.rec").read_bytes()
     other = (SAMPLES / "desert_highway.rec").read_bytes()
@@ -72,7 +72,7 @@ def main() -> None:
                     file.write(sample)
                     if i in [place * copies // 4 for place in places]:
                         file.write(other)
-        print("| command | one job | two jobs | times as quick | two programs | processor time of two jobs to one |")
+        print("| command | one job | two jobs | speedup | two programs | processor time of two jobs to one |")
         print("|---|---|---|---|---|---|")
         for name in commands:
             words = [names.get(word, word) for word in COMMANDS[name].split()]

@@ -36,9 +36,9 @@ for entry in "${selection[@]}"; do
 done
 cmake --build --preset dev --target "${targets[@]}" >/dev/null
 
-# Runs a command, a line with tabs between its words, and prints its output at its end, because others
-# run at the same time. soname-synonyms keeps valgrind from replacing a program's own operator `new`,
-# which injects allocation failures.
+# Runs a command, a line with tabs between its words, and prints its output when it ends, because
+# others run at the same time. soname-synonyms keeps valgrind from replacing a program's own operator
+# `new`, which injects allocation failures.
 checked() {
   local words output result=0
   IFS=$'\t' read -ra words <<<"$1"

@@ -1,6 +1,6 @@
 # Runs PROGRAM in WORK_DIR, with a copy of DATA if given, and compares its standard output with
-# the file EXPECTED. With ERROR instead, the program must end with 1, print nothing on standard output
-# and exactly this line on standard error.
+# the file EXPECTED. With ERROR instead, the program must exit with 1, print nothing on standard
+# output and exactly this line on standard error.
 cmake_minimum_required(VERSION 3.25)
 
 file(MAKE_DIRECTORY ${WORK_DIR})

@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 . python/environment.sh
 rm -rf "$out/dist" "$out/wheelhouse" "$out/clean"
 
-step "source distribution, and the wheel that it builds in a folder of its own"
+step "source distribution, and the wheel that it builds in a separate folder"
 # Only from files in git: a used checkout contains gigabytes of builds.
 rm -rf "$out/source"
 mkdir "$out/source"

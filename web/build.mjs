@@ -37,7 +37,7 @@ const hash = (text) => `'sha256-${createHash("sha256").update(text).digest("base
 const TAKEN = ["\0", "\r", "&", "<"].map((character) => character.charCodeAt(0));
 
 /**
- * Seven bits for each character of one byte; for each of two bytes, from U+0100 on, a taken
+ * Seven bits for each character of one byte; for each of two bytes, U+0100 or above, a taken
  * character and the seven bits after it: a tenth less than base85.
  */
 function encoded(bytes) {

@@ -63,7 +63,8 @@ bool IsBitSet(const std::uint8_t* bits, std::size_t at) {
 }
 
 // Blocks of huge pages that were released, for the next ones: the kernel clears new pages, which
-// took up to a fifth of the time of reading, and page faults of threads take turns.
+// took up to a fifth of the time of reading, and the kernel handles the page faults of threads one
+// at a time.
 class SparesC {
  public:
   // Never destroyed, because blocks may be released until the process ends.

@@ -28,7 +28,7 @@ class BlockC {
   std::uint8_t* Get() { return bytes_.get(); }
   const std::uint8_t* Get() const { return bytes_.get(); }
   std::size_t GetSize() const { return size_; }
-  /// The `size` bytes from `at` on.
+  /// The `size` bytes starting at `at`.
   BlockC Part(std::size_t at, std::size_t size) const;
 
  private:

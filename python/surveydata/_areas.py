@@ -342,7 +342,7 @@ class Area:
         """Prepare the area for many queries; the results are the same.
 
         With `many`, the preparation also builds a raster of decided cells, which takes up to 512 KB
-        and up to a millisecond. It pays off from about ten thousand directions on. Raises
+        and up to a millisecond. It is worthwhile for about ten thousand directions or more. Raises
         ValueError as `contains` does.
         """
         return PreparedArea(self, many=many)

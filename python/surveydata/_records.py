@@ -196,7 +196,7 @@ class RecordTable:
         """All columns with their validity.
 
         If the table is one batch, the arrays of numbers are views of its memory, and those of flags
-        and validity share a block of their own: an array that is kept keeps its block.
+        and validity share a separate block. An array keeps its whole block in memory.
         """
         columns = self._columns(range(len(self._names)))
         return dict(zip(self._names, columns, strict=True))
@@ -316,7 +316,7 @@ def _each_source(source: Source, pattern: str) -> Iterator[Source]:
 
 
 def _reader_of(file: Any) -> tuple[Callable[[int, memoryview], int], int]:
-    """A function that reads a file object from its current position on, and the size from there."""
+    """A function that reads a file object from its current position, and the size from there."""
     if not file.seekable():
         return lambda _offset, memory: _read_into(file, memory), 2**64 - 1
     start = file.tell()

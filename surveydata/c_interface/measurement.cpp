@@ -113,7 +113,7 @@ void Store(const GPSMeasDataImplC& from, Struct& to) {
 }
 
 // --- From a struct of the caller. A value that the setters cannot produce is refused with its
-// field; the encoder refuses what has no place in a frame.
+// field; the encoder refuses what a frame cannot store.
 
 template <std::size_t N>
 bool LoadText(const std::uint16_t (&from)[N], GPSMeasDataImplC& to,

@@ -316,12 +316,12 @@ SURVEYDATA_API surveydata_status surveydata_decode(const uint8_t* frame, size_t 
 
 /// Creates the shortest frame that decodes to this measurement.
 ///
-/// Left out are fields whose presence bit, or bit of the status mask, is not set (but not the pairs
+/// Omits fields whose presence bit, or bit of the status mask, is not set (but not the pairs
 /// of the systems 2 and 3 with a second value of 0, which frames hold without it); the extra time
 /// if its count is 0, the values if theirs is 0, list entries after the count, and what follows the
 /// first zero of the name or of a text. `block` is not read.
 ///
-/// Refused with `SURVEYDATA_NO_PLACE` are values that decoding never returns: an extra time count
+/// Refuses values that decoding never returns with `SURVEYDATA_NO_PLACE`: an extra time count
 /// above 1, a value count other than 0 and 2, a list count above 31, a week of time B, status bit
 /// 2, a status bit or flags without exactly one of the flags 0x1 and 0x2, a name of more than 49
 /// bytes or 17 UTF-16 units or not in the shortest UTF-8, a text without a zero unit, a horizontal
@@ -390,7 +390,7 @@ typedef struct surveydata_field {
   const char* block_name;  ///< "antenna height"
   const char* name;        ///< "height"; unique only within the block.
   const char* unit;        ///< "m", "ms", "0.1" for tenths, or "".
-  /// The value as text for people; "" for bytes. Control characters and lone surrogates are
+  /// The value as human-readable text; "" for bytes. Control characters and lone surrogates are
   /// replaced by U+FFFD.
   char value[240];
 } surveydata_field;
@@ -536,8 +536,8 @@ surveydata_area_create(const surveydata_area_definition* definition, surveydata_
 
 /// The number of directions for which an area is prepared. The answers are the same.
 enum {
-  SURVEYDATA_QUESTIONS_FEW = 1,  ///< Quick to prepare; pays off from a few directions on.
-  SURVEYDATA_QUESTIONS_MANY = 2  ///< Up to 512 KB and a millisecond; pays off from 10,000 on.
+  SURVEYDATA_QUESTIONS_FEW = 1,  ///< Fast to prepare; worthwhile for a few directions.
+  SURVEYDATA_QUESTIONS_MANY = 2  ///< Up to 512 KB and a millisecond; for 10,000 or more.
 };
 
 /// Creates an area with the same points and steps that finds faster which directions it contains.
@@ -605,7 +605,7 @@ SURVEYDATA_API surveydata_status surveydata_area_outline(const surveydata_area* 
                                                          double* v, double* distance,
                                                          size_t capacity, size_t* count);
 
-/// Sets `*inside` to 1 if a direction lies inside the area or in its boundary band, else to 0. It
+/// Sets `*inside` to 1 if a direction is inside the area or in its boundary band, else to 0. It
 /// is 0 for NaN and for angles beyond 100 rad. The steps do not matter.
 /// \cost that of validity; less for a prepared area.
 SURVEYDATA_API surveydata_status surveydata_area_contains(const surveydata_area* area, double hz,

@@ -28,7 +28,7 @@ constexpr const char* kStatusTexts[] = {
     "cut",
     "wrong checksum",
     "a block does not fit",
-    "has no place in the frame",
+    "cannot be stored in the frame",
     "makes the frame longer than 500 bytes",
     "the points make no area",
 };

@@ -6,8 +6,8 @@
 #include <limits>
 
 /// \file
-/// Internal: what the platforms do differently with files: offsets of 64 bits, cutting a file
-/// short, and why a file cannot be opened.
+/// Internal: file operations that differ between platforms: 64-bit offsets, truncation, and the
+/// reason why a file cannot be opened.
 
 namespace SDI::FileAccess {
 
@@ -34,7 +34,7 @@ bool IsBeyondAnyFile();
 bool SeekToEnd(std::FILE* file);
 /// The position; negative on failure.
 Offset Tell(std::FILE* file);
-/// Cuts the file to `size` bytes.
+/// Truncates the file to `size` bytes.
 bool Truncate(std::FILE* file, Offset size);
 
 enum class OpenFailure : std::uint8_t { kNoSuchFile, kNoPermission, kOther };

@@ -108,7 +108,7 @@ struct FileFlags {
     if ((status & kRaisesBit1) != 0) out.measurement.SetStatusBit1();
     if ((moreStatus & kRaisesBit0) != 0) out.measurement.SetStatusBit0();
   }
-  /// The block carries one of the two flags, so status bits without a flag have no place.
+  /// The block carries one of the two flags, so it cannot store status bits without a flag.
   bool Load(Source& from) {
     const GPSMeasDataImplC& measurement = from.measurement;
     if (measurement.IsStatusBit2()) from.Refuse(RecordField::kStatusBit2);
@@ -147,7 +147,7 @@ struct Name {
     std::copy_n(units, kNameUnits, name);
     number = info.number;
   }
-  /// A name that would not be read back byte for byte has no place: one with too many units, or
+  /// Refuses a name that would not be read back byte for byte: one with too many units, or
   /// with bytes that are not the shortest UTF-8 of a unit.
   bool Load(Source& from) {
     Take(from.info);
@@ -252,7 +252,7 @@ struct Values {
     cursor.Number(Field::kSecondValue, values[1]);
   }
   void Store(const Target& out) const { out.measurement.SetValues(values, 2); }
-  /// The block has both values, so one alone has no place.
+  /// The block has both values, so it cannot store a single one.
   bool Load(Source& from) {
     const std::uint8_t count = from.measurement.GetValueCount();
     if (count == 1) from.Refuse(kField);
@@ -316,7 +316,7 @@ struct Vector {
     cursor.Number(Field::kZ, z);
   }
   void Store(const Target& out) const { out.measurement.SetVector({x, y, z}); }
-  /// A component that single precision cannot represent, bit for bit, has no place.
+  /// Refuses a component that single precision cannot represent bit for bit.
   bool Load(Source& from) {
     double vector[3];
     if (!from.measurement.GetVector(vector)) return false;
@@ -371,8 +371,8 @@ struct SystemPairs {
     if (two.IsValid()) out.measurement.SetSystem2Pair(two.pair.first, two.pair.second);
     if (three.IsValid()) out.measurement.SetSystem3Pair(three.pair.first, three.pair.second);
   }
-  /// Takes the pairs that are present and those that are only stored. A present pair of system 2 or
-  /// 3 whose second value is 0 has no place: reading it would not make it present.
+  /// Takes the pairs that are present and those that are only stored. Refuses a present pair of
+  /// system 2 or 3 whose second value is 0: reading it would not make it present.
   bool Load(Source& from) {
     const GPSMeasDataImplC& measurement = from.measurement;
     const bool hasSystems = from.IsSet(GPSMeasDataImplC::kHasSystems);

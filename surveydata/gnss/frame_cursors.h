@@ -51,7 +51,7 @@ class FrameCursorC {
   template <std::size_t N>
   void Text(Field /*field*/, char16_t (&text)[N]) {
     const std::size_t most = std::min(N, Left() / sizeof(char16_t));
-    Load(text, most);  // in one go, including what follows the terminator
+    Load(text, most);  // all at once, including what follows the terminator
     const auto length = static_cast<std::size_t>(std::find(text, text + most, u'\0') - text);
     if (length == most && most < N) return Fail();
     const std::size_t taken = std::min(length + 1, N);

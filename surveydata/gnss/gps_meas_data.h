@@ -58,7 +58,7 @@ struct SURVEYDATA_API GPSListBlock {
 };
 static_assert(sizeof(GPSListBlock) == 66);
 
-/// The parts that the two implementations of a measurement declare with classes of their own.
+/// The parts for which the two implementations of a measurement have different classes.
 template <class Self>
 struct GPSMeasParts;
 

@@ -50,7 +50,7 @@ class SURVEYDATA_API GPSColumnValueC {
   GPSColumnValueC();
   GPSColumnValueC(const GPSColumnValueC&) = delete;
   GPSColumnValueC& operator=(const GPSColumnValueC&) = delete;
-  ~GPSColumnValueC();  // NOLINT(performance-trivially-destructible): it leaves the library
+  ~GPSColumnValueC();  // NOLINT(performance-trivially-destructible): it is exported
 
   bool IsAbsent() const;
   /// Texts and lists are valid until this object is destroyed or set again.

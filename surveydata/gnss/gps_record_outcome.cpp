@@ -78,7 +78,7 @@ static_assert(std::size(kFields) == std::size_t{1} + static_cast<int>(GPSRecordF
 
 constexpr const char* kEncodeOutcomes[] = {
     "done",
-    "has no place in a frame",
+    "cannot be stored in a frame",
     "makes the frame longer than 500 bytes",
 };
 static_assert(std::size(kEncodeOutcomes) ==

@@ -73,9 +73,9 @@ class SURVEYDATA_API GPSRecordC {
 ///
 /// **Stretches.** A reader of the stretch `[begin, end)` returns the records, gaps and damaged
 /// headers that begin there in the walk from the start of the source: the results of adjacent
-/// stretches join to those of the whole. To find the first record, it reads the 131,074 bytes
+/// stretches together are those of the whole. To find the first record, it reads the 131,074 bytes
 /// before `begin`. If the bytes were crafted so that several possible walks never meet, it doubles
-/// this distance, at last to the start of the source.
+/// this distance repeatedly, if necessary back to the start of the source.
 ///
 /// A stretch that begins at or after the end of the source is empty, however far away it is.
 ///
@@ -84,7 +84,7 @@ class SURVEYDATA_API GPSRecordC {
 ///       construction.
 class SURVEYDATA_API GPSRecordReaderC {
  public:
-  /// Reads bytes of a source, from `offset` on, into `to`. Returns how many were read, possibly
+  /// Reads bytes of a source, starting at `offset`, into `to`. Returns how many were read, possibly
   /// fewer than requested; 0 at the end of the source; a negative number if reading failed. An
   /// exception passes through the reader, which can continue afterwards.
   using ReadAt = std::function<std::ptrdiff_t(std::uint64_t offset, std::span<std::uint8_t> to)>;

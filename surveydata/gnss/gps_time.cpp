@@ -22,7 +22,7 @@ constexpr Milliseconds Midnight(year_month_day date) {
 }
 
 // The days that begin after a leap second, since the start of GPS time, which was equal to UTC
-// then: the entries of `kLeapSecondSource` from 1 July 1981 on.
+// then: the entries of `kLeapSecondSource` since 1 July 1981.
 constexpr year_month_day kDaysAfterLeapSeconds[] = {
     July / 1 / 1981,    July / 1 / 1982,    July / 1 / 1983,    July / 1 / 1985,
     January / 1 / 1988, January / 1 / 1990, January / 1 / 1991, July / 1 / 1992,

@@ -8,7 +8,7 @@
 namespace SDI::RecordFrame {
 namespace {
 
-// False when the name has no place in a frame.
+// False if a frame cannot store the name.
 bool TakeName(std::string_view text, GPSRecordFileInfo& info) {
   if (text.size() > sizeof(info.name) || text.find('\0') != text.npos) return false;
   text.copy(info.name, text.size());

@@ -23,7 +23,7 @@ class SourceI {
   SourceI& operator=(const SourceI&) = delete;
   virtual ~SourceI() = default;
 
-  /// Reads the bytes from `offset` on into `to` and sets `count` to their number, also if it
+  /// Reads the bytes starting at `offset` into `to` and sets `count` to their number, also if it
   /// throws: these bytes need not be read again. Reads fewer bytes than requested if the source
   /// ends there, reading failed, or it throws. If the source cannot seek, `offset` must be that of
   /// the next byte.

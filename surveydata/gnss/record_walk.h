@@ -33,13 +33,13 @@ class WindowC {
   /// The offset of the front in the source.
   std::uint64_t GetOffset() const { return offset_; }
   const std::uint8_t* GetFront() const { return bytes_ + begin_; }
-  /// The number of bytes from the front on.
+  /// The number of bytes at and after the front.
   std::size_t GetLeft() const { return end_ - begin_; }
 
-  /// Makes `count` bytes, at most `kLongestRecord`, available from the front on. False if the
-  /// source ends before. May move the bytes.
+  /// Makes `count` bytes, at most `kLongestRecord`, available at the front. False if the source
+  /// ends earlier. May move the bytes.
   bool Need(std::size_t count) { return GetLeft() >= count || Fetch(count); }
-  /// `count` is at most what is left.
+  /// `count` is at most the number of bytes left.
   void Advance(std::size_t count) {
     begin_ += count;
     offset_ += count;
@@ -140,7 +140,7 @@ class WalkC {
   std::uint8_t GetType() const { return GetFront()[RecordFrame::kTypeAt]; }
 
   /// Walks up to the next record and returns its size; 0 if the source ends or `limit` is reached
-  /// before. The whole record is then available at the front.
+  /// earlier. The whole record is then available at the front.
   std::size_t FindRecord(std::uint64_t limit = kNoLimit);
   /// Moves the front to the end of the record there.
   void Pass(std::size_t size) { window_.Advance(size); }

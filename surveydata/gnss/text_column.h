@@ -49,8 +49,8 @@ inline char* PutCharacter(char32_t c, char* to) {
   return to;
 }
 
-/// Writes the rest of a text, from unit `i` on, for any characters. The parameters and the result
-/// are those of `Write`.
+/// Writes the rest of a text, starting at unit `i`, for any characters. The parameters and the
+/// result are those of `Write`.
 std::size_t WriteRest(const char16_t* units, std::size_t i, std::size_t capacity, char* to);
 
 /// Writes `units`, up to the first 0 or `capacity`, as UTF-8 and returns the number of bytes: at

@@ -74,7 +74,7 @@ class SURVEYDATA_VISIBLE FixedStringC {
   /// This text followed by as many units of `s` as fit.
   FixedStringC operator+(const FixedStringC& s) const;
 
-  /// Keeps the `count` units from `start` on and returns `count`. If the text has fewer units, it
+  /// Keeps `count` units, starting at `start`, and returns `count`. If the text has fewer units, it
   /// is unchanged, and the result is `start + count`.
   std::uint32_t SubString(std::uint16_t start, std::uint16_t count);
 
@@ -99,7 +99,8 @@ class SURVEYDATA_VISIBLE FixedStringC {
   int ToUtf8(char* dst, std::size_t dstSize) const;
 
   /// Replaces the text with the decoding of `src`: sequences of one to three bytes up to the first
-  /// 0 byte. Overlong sequences are accepted; lead bytes from 0xF0 on start three-byte sequences.
+  /// 0 byte. Overlong sequences are accepted; the lead bytes 0xF0 to 0xFF start three-byte
+  /// sequences.
   ///
   /// `src` must be readable up to its 0 byte or up to the byte at the limit, whichever comes first.
   ///

@@ -28,8 +28,8 @@ class LentC final : public Public {
 };
 #endif
 
-/// The public object of `part`, an implementation that another one holds by value. It lives as long
-/// as `part`; repeated calls return the same object.
+/// The public object of `part`, an implementation that another one holds by value. It exists as
+/// long as `part`; repeated calls return the same object.
 template <class Public, class Part>
 Public& PublicOf(Part& part) {
 #ifndef NDEBUG

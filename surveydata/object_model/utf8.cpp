@@ -52,7 +52,7 @@ char16_t Join(unsigned lead, char second, char third) {
 constexpr std::uint64_t Lanes16(std::uint64_t value) { return value * 0x0001'0001'0001'0001; }
 constexpr std::uint64_t Lanes8(std::uint64_t value) { return value * 0x0101'0101'0101'0101; }
 
-// In four 16-bit lanes: the bits from n on are 0 for a unit from 1 to 2^n - 1, and all 1 for the
+// In four 16-bit lanes: bits n and above are 0 for a unit from 1 to 2^n - 1, and all 1 for the
 // unit 0. A mask of these bits tests four units together.
 std::uint64_t UpperBits(const char16_t* units) {
   const auto lanes = Load<std::uint64_t>(units);

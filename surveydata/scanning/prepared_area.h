@@ -22,7 +22,7 @@ class SURVEYDATA_API PreparedAreaC {
  public:
   /// How many queries to prepare for. The answers do not depend on it.
   enum class Questions {
-    kFew,  ///< Quick to prepare.
+    kFew,  ///< Fast to prepare.
     kMany  ///< Adds a raster of decided cells: up to 512 KB, and up to a millisecond for rings of a
            ///< thousand points. Use it for about ten thousand directions or more.
   };

@@ -80,7 +80,7 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   ScanC& operator=(const ScanC& other);
   ~ScanC() override;
 
-  /// The text, terminated by 0. The pointer lives as long as the scan and shows later changes.
+  /// The text, terminated by 0. The pointer is valid as long as the scan, and shows later changes.
   /// @{
   const char16_t* GetText1() const;
   const char16_t* GetText2() const;
@@ -109,7 +109,8 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   std::uint32_t GetWord2() const;
   void SetWord2(std::uint32_t word);
 
-  /// The area, or null. It stays the scan's, and lives until the scan dies or gets another area.
+  /// The area, or null. It belongs to the scan, and is valid until the scan is destroyed or gets
+  /// another area.
   ScanDefinitionC* GetArea() const;
 
   /// Replaces the area by a new one of the kind `type` (`ScanAreaType`); an unknown kind leaves the
@@ -117,8 +118,8 @@ class SURVEYDATA_API ScanC : public API::HandleC<ScanImplC> {
   /// \return the new area, or null.
   ScanDefinitionC* CreateArea(std::uint32_t type);
 
-  /// Replaces the area by a copy of `area`, which may be the scan's own. Null changes nothing; an
-  /// unknown kind leaves the scan without an area.
+  /// Replaces the area by a copy of `area`, which may be that of this scan. Null changes nothing;
+  /// an unknown kind leaves the scan without an area.
   /// \return the new area, or null.
   ScanDefinitionC* SetArea(const ScanDefinitionC* area);
 

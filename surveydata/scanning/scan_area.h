@@ -14,7 +14,7 @@
 namespace SDI {
 
 /// What the data of all scan areas share: the defining points, mirrored into the sphere area that
-/// does the geometry, and the settings.
+/// computes the geometry, and the settings.
 // NOLINTNEXTLINE(readability-identifier-naming): an implementation, though abstract
 class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
  public:
@@ -75,7 +75,7 @@ class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
   std::vector<ScanDefPointC> points_;
 };
 
-/// Which directions around the instrument a scan covers.
+/// The directions around the instrument that a scan covers.
 ///
 /// An area accepts any points and steps; `IsValid` checks them. The caller defines the meaning of
 /// the settings A to E and of the limits: they are stored, copied and partly compared.

@@ -71,7 +71,7 @@ class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
   bool HasDistance() const;
 
   /// Whether both angles agree to less than the smallest normal double, so in effect exactly. The
-  /// distance takes no part.
+  /// distance is not compared.
   bool IsEqual(const ScanDefPointC& other) const;
   /// The same as `IsEqual`, and its negation.
   /// @{

@@ -36,7 +36,7 @@ class SURVEYDATA_API ScanPolygonAreaC : public API::HandleC<ScanPolygonAreaImplC
   explicit ScanPolygonAreaC(ScanPolygonAreaImplC* impl);
   ~ScanPolygonAreaC() override;
 
-  /// Appends the points; those that are there already stay.
+  /// Appends the points to the existing ones.
   void SetPoints(const std::vector<ScanDefPointC>& points);
 };
 

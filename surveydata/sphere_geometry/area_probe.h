@@ -17,10 +17,10 @@ namespace GMAT {
 /// measured.
 AnglePointC BandProbe(double hz, double v, double hzOrigin);
 
-/// Whether neither end of the edge is farther from the probe than from the other end.
+/// Whether the distance from the probe to each end is at most the length of the edge.
 bool IsBeside(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b);
 
-/// Whether the edge brings the probe within the tolerance of the boundary.
+/// Whether the probe is beside the edge and within the tolerance of its line.
 bool IsInBand(const AnglePointC& probe, const AnglePointC& a, const AnglePointC& b);
 
 /// False only where `IsInBand` is false.

@@ -37,8 +37,8 @@ struct BandStrip {
 /// can have a probe in their band.
 class BoundaryBandC {
  public:
-  /// \param manySideBySide  the average number of edges at one Hz from which on edges that cross
-  ///                        a whole column are kept on an ordered list.
+  /// \param manySideBySide the smallest average number of edges at one Hz for which edges that
+  /// cross a whole column are kept on an ordered list.
   explicit BoundaryBandC(const AreaFrame& frame,
                          double manySideBySide = CellGridC::kManySideBySide);
 

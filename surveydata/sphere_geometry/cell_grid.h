@@ -42,7 +42,7 @@ class CellGridC {
   /// the number of curves between the cell's lower left corner and the point.
   struct Item {
     std::uint32_t curve : 29;
-    std::uint32_t isLowest : 1;  ///< Whether no cell below has the curve; true once a column.
+    std::uint32_t isLowest : 1;  ///< Whether no cell below has the curve; true once per column.
     std::uint32_t startsBelow : 1;
     std::uint32_t endsBelow : 1;
   };

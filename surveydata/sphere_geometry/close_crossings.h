@@ -21,7 +21,7 @@ namespace GMAT {
 /// are close, whole steep edges, and the meridians of edges at a pole.
 void AddIntervalsOfCorners(const AreaFrame& frame, const RingCurves& ring, HzIntervalsC& intervals);
 
-/// Compares the curves of one column of an index after another, and adds the Hz at which two of
+/// Compares the curves of an index column by column, and adds the Hz at which two of
 /// them come close to each other.
 class CurveComparisonC {
  public:
@@ -46,7 +46,7 @@ class CurveComparisonC {
  private:
   // A curve between two Hz, mostly the borders of the column.
   struct Line {
-    double west;  // t there, where the curve, or what would continue it, is
+    double west;  // t of the curve, or of its continuation, at the first Hz
     double east;
     double closest;      // in t: crossings closer to it may count as one with it
     double highestEast;  // of the lines up to this one

@@ -40,8 +40,8 @@ class DecidedRasterC {
   }
 
   /// The same for many queries: the verdict, or a value with `kUndecidedBit` set, as for all
-  /// directions with an angle outside [0, 2 pi]. Fastest if directions that follow each other have
-  /// nearly the same Hz, as in a scan.
+  /// directions with an angle outside [0, 2 pi]. Fastest if consecutive directions have nearly the
+  /// same Hz, as in a scan.
   ///
   /// \param bits  at least as many as directions.
   void FindBits(std::span<const double> hz, std::span<const double> v,

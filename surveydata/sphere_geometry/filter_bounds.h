@@ -46,7 +46,8 @@ static_assert(kRoundingMargin > 4.0 * (kDigitsReach + 4.0 * kUnitRoundoff * kWid
 /// d) <= 2 T sin d <= tan d + T^2 sin d. The vertex that the rules compute is off by
 /// `kVertexAccuracy`, and counts within the span of the edge to 10 digits.
 inline constexpr double kVertexMargin = 1e-6;
-/// Up to this Hz, a tenth of the margin is more than Hz is rounded, and rounded to digits, by.
+/// Up to this Hz, a tenth of the margin exceeds the rounding error of Hz plus that of the
+/// comparison to 10 digits.
 inline constexpr double kLargestHz = 1e6;
 static_assert(kVertexMargin / 10.0 > kVertexAccuracy + 16.0 * kUnitRoundoff * kLargestHz + 3e-10);
 /// The second candidate is at least this far from an end: a quarter turn, less the error of the
@@ -102,7 +103,7 @@ static_assert(kCurveError > kQuickTrigError + (8.0 + 13.0) * kUnitRoundoff);
 
 /// Directions this close to a pole are left to the rules: s > kPoleMargin for all others.
 inline constexpr double kPoleMargin = 1e-8;
-/// |t| is less than that of all directions that are answered.
+/// |t| is less than this for all directions that the filter decides.
 inline constexpr double kPoleTangent = 1.0 / kPoleMargin;
 
 /// Converts a difference of V into one of t with the derivative, 1 / s^2 = 1 + t^2.

@@ -22,8 +22,8 @@ namespace GMAT {
 class PreparedSphereAreaC {
  public:
   /// \param hasRaster  whether to build a raster of decided cells.
-  /// \param manySideBySide  the average number of edges on a meridian from which on edges are kept
-  ///                        in order. Tests, which have fewer, set it.
+  /// \param manySideBySide the smallest average number of edges on a meridian for which edges are
+  /// kept in order. Tests, which have fewer, set it.
   /// \cost at least n log n for n points, that of `SphereAreaC::IsValid` included; up to n^2 for a
   ///       ring around the zenith that crosses itself nearly everywhere. Memory proportional to n.
   explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
@@ -31,7 +31,7 @@ class PreparedSphereAreaC {
 
   struct Answer {
     bool isInside;
-    bool isProven;  ///< Whether the bounds proved it, and the rules were not asked.
+    bool isProven;  ///< Whether the bounds proved it, without the rules.
   };
 
   /// \cost grows with the number of edges in the direction's cell, about ten or twenty unless many

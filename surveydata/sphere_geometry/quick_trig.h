@@ -59,7 +59,8 @@ inline constexpr TrigTableC kTrigTable;
 
 /// Cosine and sine of x in [0, 2 pi], without a branch.
 /// \accuracy `kQuickTrigError`.
-/// \source the addition theorem about the nearest entry of the table; Taylor's series of the rest,
+/// \source the addition theorem about the nearest entry of the table; Taylor's series of the
+/// remainder,
 ///         which is at most pi / 256.
 inline CosSin QuickCosSin(double x) {
   // NOLINTNEXTLINE(bugprone-incorrect-roundings): x is not negative, and either neighbour would do

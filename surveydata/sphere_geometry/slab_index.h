@@ -30,8 +30,8 @@ enum class Verdict : std::uint8_t { kOutside, kInside, kUndecided };
 /// answer, the rules must decide. The boundary band is not considered.
 class SlabIndexC {
  public:
-  /// \param manySideBySide  the average number of edges on a meridian from which on ordered lists
-  ///                        are used.
+  /// \param manySideBySide the smallest average number of edges on a meridian for which ordered
+  /// lists are used.
   /// \cost n log n for n edges that are spread over the ring.
   SlabIndexC(const AreaFrame& frame, const RingCurves& ring,
              double manySideBySide = CellGridC::kManySideBySide);
@@ -62,7 +62,7 @@ class SlabIndexC {
   /// Directions with their Hz in one of these are not decided: corners, and crossings so close that
   /// they may count as one. In [0, `GetWidth`].
   const HzIntervalsC& GetIntervals() const { return intervals_; }
-  /// The width in Hz of what is decomposed, a full turn or less.
+  /// The width in Hz of the decomposed range, a full turn or less.
   double GetWidth() const { return grid_.GetWidth(); }
 
  private:
@@ -107,7 +107,7 @@ class SlabIndexC {
   bool isAlwaysUndecided_;
   std::uint32_t edgeCount_;
   std::vector<std::uint32_t> poleEdges_;
-  std::vector<ArcCurve> curves_;  // and another a turn apart of an edge that crosses Hz 0
+  std::vector<ArcCurve> curves_;  // an edge that crosses Hz 0 has two, a turn apart
   CellGridC grid_;
   ColumnOrderC order_;
   HzIntervalsC intervals_;

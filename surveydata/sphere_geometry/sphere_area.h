@@ -9,7 +9,7 @@
 
 namespace GMAT {
 
-/// The root of what manages areas.
+/// The base class of area managers.
 class AreaManagerI {  // NOLINT(readability-identifier-naming): it has no pure function
  public:
   AreaManagerI() = default;

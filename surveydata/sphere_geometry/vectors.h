@@ -27,7 +27,7 @@ class VectorC {
   double v_[N] = {};  // NOLINT(misc-non-private-member-variables-in-classes)
 
  private:
-  // Goes around what the compiler knows of the array's end.
+  // Hides the end of the array from the compiler.
   double* Begin() { return reinterpret_cast<double*>(reinterpret_cast<char*>(this)); }
   static void Check(int index) {
     if (index < 0 || index >= N) ReportVectorError(Self::kIllegalAccess);

@@ -4,7 +4,7 @@
 #   cmake -D SOURCE_DIR=<the project> -P mirrors.cmake
 cmake_minimum_required(VERSION 3.25)
 
-# Folders without tests of their own: the time is a struct, which object_model/layout_test checks.
+# Folders without their own tests: the time is a struct, which object_model/layout_test checks.
 set(surveydata_untested platform)
 set(tools_untested "")
 

@@ -204,7 +204,7 @@ static void test_refused(const uint8_t* bytes, size_t size) {
 typedef struct source_state {
   const uint8_t* bytes;
   size_t size;
-  int64_t answer; /* instead of bytes, from offset 500 on */
+  int64_t answer; /* instead of bytes, at offset 500 and after */
 } source_state;
 
 static int64_t read_at(void* context, uint64_t offset, uint8_t* to, size_t count) {

@@ -283,7 +283,7 @@ static void test_encode_refuses(void) {
                SURVEYDATA_INVALID_ARGUMENT);
 }
 
-/* Each field that has no place is named. `name` is the library's name of the field. */
+/* Each field that is refused is named. `name` is the library's name of the field. */
 static void check_refused(const surveydata_measurement* m, surveydata_status status,
                           const char* name) {
   uint8_t frame[SURVEYDATA_LONGEST_FRAME];

@@ -75,7 +75,7 @@ TEST(RecordReaderOpen, AFolderIsRefusedAndClosed) {
 }
 
 // A file that can be read, but that not even root can open for writing.
-TEST(RecordFileOpen, ARunningProgramIsNoFile) {
+TEST(RecordFileOpen, ARunningProgramIsRefused) {
   const TempFolderC folder;
   fs::create_symlink(fs::read_symlink("/proc/self/exe"), folder.Path() / "running.rec");
   ASSERT_TRUE(std::ifstream(folder.Path() / "running.rec"));
@@ -89,7 +89,7 @@ TEST(RecordFileOpen, AFileThatCannotBePositionedIsABadFrame) {
   ExpectNoFile(TestSupport::InfoFor(pipe), 2);
 }
 
-TEST(RecordFileOpen, TheNameMayBeOfAnyBytes) {
+TEST(RecordFileOpen, TheNameMayContainAnyBytes) {
   const TempFileC file(FrameOf(20), "\xC3\xA9t\xC3\xA9.\xFF");
   SDI::GPSMeasDataImplC measurement;
   SDI::GPSRecordFileInfo info = file.Info();
@@ -184,7 +184,7 @@ TEST(RecordReader, AFileThatMustNotBeRead) {
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kNoPermission);
 }
 
-// Nobody, not even the superuser, may open a running program to write.
+// Nobody, not even the superuser, may open a running program for writing.
 TEST(RecordReader, AFileThatCannotBeWrittenIsRead) {
   const SDI::GPSRecordReaderC reader("/proc/self/exe");
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
@@ -215,12 +215,12 @@ TEST(RecordWriter, AFileThatMustNotBeWritten) {
   EXPECT_EQ(file.Bytes(), FrameOf(20));
 }
 
-TEST(RecordWriter, APipeIsNoFileToAppendTo) {
+TEST(RecordWriter, APipeIsRefused) {
   const TempFolderC folder;
   const fs::path pipe = folder.Path() / "pipe.rec";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   const int reader =
-      open(pipe.c_str(), O_RDONLY | O_NONBLOCK);  // or opening it to write would wait
+      open(pipe.c_str(), O_RDONLY | O_NONBLOCK);  // otherwise, opening it for writing would block
   ASSERT_GE(reader, 0);
   EXPECT_EQ(SDI::GPSRecordWriterC::Append(pipe.c_str(), FrameOf(20)),
             SDI::GPSAppendOutcome::kCannotOpen);

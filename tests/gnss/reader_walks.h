@@ -89,7 +89,7 @@ inline ByteVector ChainOf(std::size_t size, std::size_t step, std::size_t bytes,
     chain[at + 3] = static_cast<std::uint8_t>(length >> 8);
     chain[at + 4] = 113;
   }
-  // The bytes before a checksum are final once those of the frames before are.
+  // From front to back: a checksum covers those of the frames before it.
   for (std::size_t at = 0; at + size <= bytes; at += step) TestSupport::Seal(chain, at);
   return chain;
 }

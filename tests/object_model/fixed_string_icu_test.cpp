@@ -48,7 +48,7 @@ TEST(FixedStringUtf8, AgreesWithIcuOnTextsWithoutSurrogates) {
 }
 
 // ICU and the fixed strings agree on which byte sequences are characters, except for surrogates,
-// overlong sequences and lead bytes from F0 on.
+// overlong sequences and lead bytes F0 to FF.
 TEST(FixedStringUtf8, AgreesWithIcuOnWhichSequencesAreCharacters) {
   for (unsigned lead = 1; lead < 0xF0; ++lead) {
     for (unsigned second = 1; second < 0x100; ++second) {

@@ -261,7 +261,7 @@ class HugeText {
   bool ok_ = false;
 };
 
-TEST(FixedString, ThrowsForABytesTextOfTwoGigabytes) {
+TEST(FixedString, ThrowsForACStringOfTwoGigabytes) {
   const HugeText huge(std::size_t{1} << 31);
   if (!huge.Ok()) GTEST_SKIP() << "the address space has no room for a text of 2 GB";
   EXPECT_THROW(FixedStringC<10>{huge.Get()}, boost::numeric::positive_overflow);
@@ -470,7 +470,7 @@ TEST(FixedString, ZeroExtendsTheBytesOfAnAppendedCString) {
   ExpectHolds(text, u"a\u00E9");
 }
 
-TEST(FixedString, DoublesItselfAndCuts) {
+TEST(FixedString, AppendsItselfAndTruncates) {
   ForEachCapacity([](auto capacity) {
     constexpr std::uint16_t N = capacity();
     for (const int length : {0, 1, N / 2, N / 2 + 1, N - 1, N + 0}) {

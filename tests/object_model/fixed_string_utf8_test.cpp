@@ -72,7 +72,7 @@ TEST(FixedStringFromUtf8, DecodesTheKnownExamples) {
       {"\xC1\x81", 2, 0, 2, u"A"},  // overlong sequences are accepted
       {"\xE0\x81\x81", 3, 0, 3, u"A"},
       {"\xED\xA0\x80", 3, 0, 3, std::u16string(1, char16_t{0xD800})},
-      {"\xF1\x82\x83", 3, 0, 3, u"\u1083"},  // lead bytes from F0 on are like those from E0 on
+      {"\xF1\x82\x83", 3, 0, 3, u"\u1083"},  // lead bytes F0 to FF are like E0 to EF
       {"\xFF\xBF\xBF", 3, 0, 3, u"\uFFFF"},
       {"\xF0\x90\x8D\x88", 4, -3, 3, u"\u040D"},  // the fourth byte is a stray continuation byte
       {"\xC0\x80"

@@ -91,7 +91,7 @@ TEST(DecidedRaster, WhatItDecidesIsWhatTheAreaSays) {
   EXPECT_GT(tally.asked, 4000);
 }
 
-// Directions that follow each other in one column, or nearly so, are looked up together.
+// Consecutive directions in one column, or nearly so, are looked up together.
 TEST(DecidedRaster, ManyAreFoundAsOneByOne) {
   RingGenerator random(8);
   int shared = 0;

@@ -34,8 +34,8 @@ class Field {
   Field(std::size_t size, std::size_t alignment) : layout_{size, alignment} {}
   Field(std::initializer_list<Field> part) : part_(part) {}
 
-  /// Places the field at the next aligned offset from `end` on, and appends its range, or those of
-  /// the part's fields, to `places`. Returns its end.
+  /// Places the field at the first aligned offset at or after `end`, and appends its range, or
+  /// those of the part's fields, to `places`. Returns its end.
   std::size_t Place(std::size_t end, std::vector<Range>& places) const;
 
  private:

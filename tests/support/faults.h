@@ -92,9 +92,9 @@ class BalanceC {
 /// How a read or a write fails: without effect, or after half of the data.
 enum class Extent { kNothing, kHalf };
 
-/// Makes only the file call with this number fail, counting from 0 from now on: `fopen`, `fseek`,
-/// `fseeko`, `ftello`, `fread`, `fwrite`, `ftruncate`, `fclose`. A failing close still closes the
-/// file. `another` is the number of a second call that fails.
+/// Makes only the file call with this number fail, counting from 0 after this call: `fopen`,
+/// `fseek`, `fseeko`, `ftello`, `fread`, `fwrite`, `ftruncate`, `fclose`. A failing close still
+/// closes the file. `another` is the number of a second call that fails.
 void FailFileCall(std::size_t number, Extent extent = Extent::kNothing,
                   std::size_t another = kNever);
 /// Lets all file calls succeed.

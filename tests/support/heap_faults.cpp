@@ -39,7 +39,7 @@ void LimitAllocations(std::size_t count) { g_left = count; }
 // Not inlined, so that the compiler does not report mismatched allocation functions.
 [[gnu::noinline]] void* operator new(std::size_t size) { return Faults::Allocate(size); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return Faults::Allocate(size); }
-// The default does the same, but that of the address sanitizer has blocks of its own.
+// The default does the same, but that of the address sanitizer has its own blocks.
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   try {
     return Faults::Allocate(size);

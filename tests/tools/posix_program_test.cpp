@@ -30,7 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The paths of all commands but `view`, whose examples need a browser and have a test of their own.
+// The paths of all commands but `view`, whose examples need a browser and have a separate test.
 std::vector<std::string> CommandPaths() {
   const Tool::Command top = Tool::MakeCommands();
   std::vector<std::string> paths;
@@ -121,7 +121,7 @@ TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
 
 // Running out of memory ends the program with a message, never with a signal.
 TEST(Program, EndsWithTheCodeThreeWhereMemoryRunsOut) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   const TempFolderC folder;
   std::string points;
   for (int i = 0; i < 200'000; ++i) points += std::string(i > 0 ? "," : "") + R"({"hz":1,"v":2})";
@@ -431,7 +431,7 @@ Usage UsageOf(const std::vector<std::string>& arguments) {
 // A file that is larger than the memory that the program may use: with one job, and with several,
 // which keep their output until its turn.
 TEST(RecordExport, TakesAFixedAmountOfMemory) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   constexpr std::size_t kFileSize = std::size_t{80} << 20;
   const TempFolderC folder;
   const std::string file = folder / "large.rec";
@@ -487,7 +487,7 @@ TEST(Program, WritesAMessageInOneCallAndLimitsIt) {
 
 // Lines of very many cells, which go to the output.
 TEST(AreaContains, TakesALimitedAmountOfMemory) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   const TempFolderC folder;
   const std::string file = folder / "wide.csv";
   const std::string commas(65'000, ',');
@@ -506,7 +506,7 @@ TEST(AreaContains, TakesALimitedAmountOfMemory) {
 // A ring around the zenith that crosses itself nearly everywhere: 20,000 edges, tens of millions of
 // crossings.
 TEST(AreaPlot, TakesALimitedAmountOfMemory) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   const TempFolderC folder;
   const std::string file = folder / "tangle.json";
   std::ofstream out(file);

@@ -29,7 +29,8 @@ Direction RequireDirection(const std::string& text);
 
 /// The layout of a file of directions, as far as the user specified it.
 struct DirectionFormat {
-  /// The columns of Hz and V: names, or numbers from 1 on. By default hz and v, or the only two.
+  /// The columns of Hz and V: names, or numbers, counted from 1. By default hz and v, or the only
+  /// two.
   std::optional<std::array<std::string, 2>> columns = {};
   /// ',', ';', a tab, or a space for any run of blanks. By default that of the first line.
   std::optional<char> separator = {};

@@ -195,7 +195,7 @@ class MeridianSweepC {
 
   struct State {
     Order::iterator place;
-    double from = 0.0;  // the Hz from which on it has its sign
+    double from = 0.0;  // the Hz at which it gets its sign
     int sign = 0;       // how often the part above the arc counts
     bool isCrossed = false;
     bool isChanged = false;

@@ -166,7 +166,7 @@ void WriteCommand(PageC& page, const Command& command) {
   page.Text(command.footer);
 }
 
-// The commands that no task has, which are those with subcommands, and then each task.
+// The commands that belong to no task, which are those with subcommands, and then each task.
 void WriteCommands(PageC& page, const Command& top) {
   const std::vector<const Command*> all = AllCommands(top);
   const auto find = [&](const std::string& path) {

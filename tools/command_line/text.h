@@ -21,9 +21,9 @@ std::string ToPrintable(std::string_view utf8);
 std::string ToUtf8(std::string_view text);
 
 /// UTF-8 for terminals. Everything that could move the cursor, break the line or reverse the order
-/// of other characters is escaped: control characters, including those from U+0080 on, line and
-/// paragraph separators, and bidirectional controls, for example as \n, \x1b or \u202e; bytes that
-/// are not UTF-8, as \xff; unpaired surrogates, as \ud83d.
+/// of other characters is escaped: control characters, including those from U+0080 to U+009F, line
+/// and paragraph separators, and bidirectional controls, for example as \n, \x1b or \u202e; bytes
+/// that are not UTF-8, as \xff; unpaired surrogates, as \ud83d.
 std::string ToVisible(std::u16string_view text);
 std::string ToVisible(std::string_view utf8);
 /// The same into a buffer of at least three bytes, without allocating. Returns the length. A text

@@ -72,7 +72,7 @@ void JsonWriterC::Write(std::string_view utf8) {
     const auto next = static_cast<unsigned char>(i + 1 < utf8.size() ? utf8[i + 1] : '\0');
     if (byte < 0x80) {
       AppendEscaped(out_, byte);
-    } else if (byte == 0xC2 && next < 0xA0) {  // a control character from U+0080 on
+    } else if (byte == 0xC2 && next < 0xA0) {  // a control character U+0080 to U+009F
       AppendEscaped(out_, next);
       ++i;
     } else {

@@ -37,7 +37,7 @@ class FileReplacementC {
 
   /// The size when it was locked.
   std::uint64_t GetSize() const { return original_.GetSize(); }
-  /// Fills `bytes` from `offset` on; fewer bytes only at the end of the file.
+  /// Fills `bytes`, starting at `offset`; fewer bytes only at the end of the file.
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
     return original_.Read(offset, bytes);
   }

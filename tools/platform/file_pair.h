@@ -35,7 +35,7 @@ class OriginalFileC {
   const std::string& GetName() const { return name_; }
   /// The size when it was locked.
   std::uint64_t GetSize() const { return size_; }
-  /// Fills `bytes` from `offset` on; fewer bytes only at the end of the file.
+  /// Fills `bytes`, starting at `offset`; fewer bytes only at the end of the file.
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
   /// The first stretch at or after `offset` that is not a hole, within the size when it was locked;
   /// empty at that size if there is none. A system that does not report holes returns all bytes.

@@ -43,7 +43,8 @@ bool IsSameFile(const struct stat& a, const struct stat& b) {
   return a.st_ino == b.st_ino && a.st_dev == b.st_dev;
 }
 
-// Fills `bytes` from `offset` on; fewer bytes only at the end of the file, negative on failure.
+// Fills `bytes`, starting at `offset`; fewer bytes only at the end of the file, negative on
+// failure.
 ssize_t ReadAt(int file, std::uint64_t offset, std::span<std::uint8_t> bytes) {
   std::size_t done = 0;
   while (done < bytes.size()) {

@@ -51,7 +51,7 @@ DWORD AtMost(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
 }
 
-// Fills `bytes` from `offset` on; fewer bytes only at the end of the file, empty on failure.
+// Fills `bytes`, starting at `offset`; fewer bytes only at the end of the file, empty on failure.
 std::optional<std::size_t> ReadAt(HANDLE file, std::uint64_t offset,
                                   std::span<std::uint8_t> bytes) {
   std::size_t done = 0;

@@ -36,8 +36,8 @@ class InputFileC {
   const std::string& GetName() const { return name_; }
   /// Whether `ReadAt` can be called: for a regular file that is not empty.
   bool CanSeek() const { return size_ > 0; }
-  /// The size in bytes when the file was opened, for standard input from its initial position on; 0
-  /// if not known.
+  /// The size in bytes when the file was opened, for standard input starting at its initial
+  /// position; 0 if not known.
   std::uint64_t GetSize() const { return size_; }
 
   /// The size that `GetSize` would return if the file were opened now; 0 if not known.
@@ -45,7 +45,7 @@ class InputFileC {
 
   /// Reads the next bytes as soon as there are any; returns 0 at the end.
   std::size_t Read(std::span<char> to);
-  /// Reads bytes from `offset` on, fewer than requested only at the end. Returns -1 on failure;
+  /// Reads bytes starting at `offset`, fewer than requested only at the end. Returns -1 on failure;
   /// `Fail` then reports it. Offsets in standard input are relative to its initial position.
   /// Several threads may call it at once.
   std::ptrdiff_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> to);

@@ -16,7 +16,8 @@ namespace {
 
 using Value = SDI::GPSColumnValueC::Variant;
 
-// Numbers in their order, those of either sign from zero on.
+// The distance of two numbers in units in the last place: their bits, mapped to integers in the
+// order of the numbers, are subtracted.
 template <class Bits, class Number>
 Bits Distance(Number a, Number b) {
   constexpr Bits kSign = Bits{1} << (8 * sizeof(Bits) - 1);

@@ -21,7 +21,7 @@ constexpr std::size_t kFirstWindow = 2 * kEnoughCommon;
 constexpr std::size_t kLargestWindow = 8192;
 constexpr std::size_t kMostBytes = std::size_t{8} << 20;  // held of a file, without the last record
 
-// The records of a file. Reads as many ahead as are needed.
+// The records of a file. Reads ahead as many as needed.
 class SourceC {
  public:
   SourceC(RecordWalkC& walk, const RecordFilter& filter)
@@ -56,7 +56,7 @@ class SourceC {
 
   // Whether all records up to the end are held.
   bool IsEnded() const { return isEnded_; }
-  // Whether no more can be held.
+  // Whether no more records can be held.
   bool IsFull() const { return heldBytes_ >= kMostBytes; }
   const std::deque<ComparedRecord>& GetHeld() const { return held_; }
   void Drop(std::size_t count) {
@@ -276,9 +276,10 @@ class SameStretchesC {
                  RecordDifferencesI& differences)
       : a_(a), b_(b), options_(options), differences_(differences) {}
 
-  // Skips from `from` to the next difference, or to a rest that is too short for stretches.
+  // Skips from `from` to the next difference, or to a remainder that is too short for stretches.
   Place SkipFrom(const Place& from) {
-    // At a difference, stretches are read in vain, and for each the reader looks back 128 KiB.
+    // Stretches after a difference are read again later, and for each the reader looks back 128
+    // KiB.
     constexpr std::uint64_t kLongest = std::uint64_t{16} << 20;
     const std::uint64_t rest = std::min(Rest(a_, from.a), Rest(b_, from.b));
     const std::uint64_t stretch = StretchOf(rest, options_.jobs, kLongest);
@@ -360,7 +361,7 @@ void CompareRecords(const ComparedFileC& a, const ComparedFileC& b, const Compar
                     RecordDifferencesI& differences) {
   // After a difference, threads read again once this many bytes are the same.
   constexpr std::uint64_t kEnoughSame = std::uint64_t{256} << 10;
-  // Which of every N measurements is selected depends on all before.
+  // With `every`, the selection of a measurement depends on all measurements before it.
   const bool mayCut = options.jobs > 1 && options.filter.every == 1;
   std::optional<Place> place = Place{};
   while (place) {

@@ -19,7 +19,7 @@ struct JoinOptions {
   std::string output;
 };
 
-/// Writes the records that `KeptRecordsC` selects from each file, in the order of time A.
+/// Writes the records that `KeptRecordsC` selects from each file, ordered by time A.
 ExitCode JoinRecords(const JoinOptions& options);
 
 /// The required option -o,--output for a record file.

@@ -81,7 +81,7 @@ class OrderedJobsC {
     bool isDone = false;
   };
 
-  // The jobs that have begun and are not taken have different slots.
+  // Jobs that have begun and whose results are not taken yet have different slots.
   Slot& SlotOf(std::size_t piece) { return slots_[piece % slots_.size()]; }
 
   // Throws nothing: without memory, the job has an exception instead of a result.

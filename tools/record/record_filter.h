@@ -31,7 +31,7 @@ struct RecordFilter {
 void AddFilterOptions(Command& command, RecordFilter& filter);
 /// These options.
 CommandOptionsC FilterOptions(RecordFilter& filter);
-/// Those without --name, for a command that has a --name of its own.
+/// Those without --name, for a command that has its own --name.
 CommandOptionsC FilterOptionsWithoutName(RecordFilter& filter);
 
 /// Applies a filter to the measurements of one file.

@@ -13,7 +13,7 @@ inline constexpr std::string_view kFilePlace = "<!-- file -->";
 
 /// Writes `page` with a file at the first `kFilePlace`, in Base64 (RFC 4648) in an HTML element
 /// that browsers neither show nor run. `name` is what the page calls the file. \return false, with
-/// nothing written, when the page has no place for a file.
+/// nothing written, if the page has no placeholder for a file.
 bool WriteWithFile(std::string_view page, std::string_view name, std::string_view bytes,
                    OutputC& out);
 

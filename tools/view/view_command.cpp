@@ -113,8 +113,8 @@ ExitCode Run(const Options& options) {
     const std::string inputs[] = {options.file, pageName};
     OutputC out(to, inputs);
     if (!WriteWithFile(page, name, bytes, out)) {
-      throw FileErrorC(
-          fmt::format("{} is not the page of this program: it has no place for a file", pageName));
+      throw FileErrorC(fmt::format(
+          "{} is not the page of this program: it has no placeholder for a file", pageName));
     }
     out.Close();
   };

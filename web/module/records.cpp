@@ -90,7 +90,7 @@ class PlottedC {
     }
     return last_ = slots_[slot];
   }
-  // The combinations from number `first` on: the step in time (ms) and the values.
+  // The combinations starting with number `first`: the step in time (ms) and the values.
   std::span<const char> From(std::size_t first) const {
     const auto part = std::span(all_).subspan(std::min(first - 1, all_.size()));
     return {reinterpret_cast<const char*>(part.data()), part.size_bytes()};
@@ -298,8 +298,8 @@ SURVEYDATA_PAGE std::int32_t page_walk(std::uint32_t most) {
   });
 }
 
-/// The result is the meaning of the numbers in `Row::plotted` from `first` on. Each is six doubles:
-/// the time since the previous measurement (ms), and the values of `SatelliteSeriesC`.
+/// The result is the meaning of the numbers in `Row::plotted` starting with `first`. Each is six
+/// doubles: the time since the previous measurement (ms), and the values of `SatelliteSeriesC`.
 SURVEYDATA_PAGE std::int32_t page_plotted(std::uint32_t first) {
   return Page::Guarded([&] {
     const std::span<const char> plotted = walk->GetPlotted().From(first);
@@ -477,7 +477,7 @@ SURVEYDATA_PAGE std::int32_t page_time_ticks(double first, double last, std::int
   });
 }
 
-/// The same for an axis of values from 0 on.
+/// The same for an axis of values that begins at 0.
 SURVEYDATA_PAGE std::int32_t page_value_ticks(double top, std::int32_t wanted,
                                               std::int32_t isWhole) {
   return Page::Guarded([&] {

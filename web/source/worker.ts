@@ -452,7 +452,7 @@ async function answer(request: Request): Promise<void> {
   try {
     const run = operations[operation] as (...values: unknown[]) => unknown;
     const result = await run(id, report, ...values);
-    // An array of its own needs no copy.
+    // A result with its own buffer is transferred, not copied.
     const isArray = operation === "containsMany" || operation === "directions";
     scope.postMessage({ id, result }, isArray ? [(result as Uint8Array).buffer] : []);
   } catch (error) {

@@ -16,14 +16,14 @@ const axeSource = readFileSync(createRequire(import.meta.url).resolve("axe-core/
 before(startBrowser);
 after(stopBrowser);
 
-/** Runs `work` in a fresh page, and checks that it loaded and complained of nothing. */
+/** Runs `work` in a fresh page, and checks that it loaded no other file and reported no error. */
 function onPage(name, work, options = {}) {
   test(name, async () => {
     const { page, requests, complaints, close } = await openPage(options);
     try {
       await work(page);
       const others = requests.filter((url, i) => i > 0 && !url.startsWith("blob:"));
-      assert.deepEqual(others, [], "requests beside the page and its worker");
+      assert.deepEqual(others, [], "requests other than the page and its worker");
       assert.deepEqual(complaints, []);
     } finally {
       await close();
@@ -44,7 +44,7 @@ const written = (name, content) => {
   return path;
 };
 
-test("the page is one file of at most 300 KB, and its policy names its own scripts alone", () => {
+test("the page is one file of at most 300 KB, and its policy allows only its own scripts", () => {
   assert.ok(statSync(pageFile).size <= 300_000);
   const html = readFileSync(pageFile, "utf8");
   const [, policy] = /http-equiv="Content-Security-Policy" content="([^"]+)"/.exec(html);
@@ -122,7 +122,7 @@ for (const name of ["valley_drive", "desert_highway"]) {
   });
 }
 
-onPage("the list has what the program lists", async (page) => {
+onPage("the list has the rows that the program lists", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
   const shown = await status(page);
   const listed = spawnSync(program, ["record", "list", "--json", data("valley_drive.rec")], { encoding: "utf8" })
@@ -148,7 +148,7 @@ onPage("the list has what the program lists", async (page) => {
   assert.equal(await page.locator(".row.current .offset").textContent(), String(listed[first].offset));
 });
 
-onPage("a part of the rows is saved as those lines alone", async (page) => {
+onPage("of a selection of rows only these are saved", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
   await status(page);
   await page.locator(".list").focus();
@@ -245,7 +245,7 @@ onPage("the plots have the values of every measurement", async (page) => {
   });
 });
 
-onPage("what is plotted is kept: zooming does not need the file any more", async (page) => {
+onPage("plotted values are kept: zooming does not read the file again", async (page) => {
   const path = written("moved.rec", readFileSync(data("valley_drive.rec")));
   await openFiles(page, path);
   await status(page);
@@ -263,7 +263,7 @@ onPage("what is plotted is kept: zooming does not need the file any more", async
   await until(page, (before) => document.querySelector(".plot path.line.series-3").getAttribute("d") !== before, whole);
 });
 
-onPage("damaged, empty and foreign files get a clear message", async (page) => {
+onPage("damaged files, empty files and files of other formats get a clear message", async (page) => {
   await openFiles(page, written("empty.rec", ""));
   await page.getByText("empty.rec is empty.").waitFor();
   await openFiles(page, written("foreign.bin", Buffer.alloc(5000, 0x41)));
@@ -281,7 +281,7 @@ onPage("damaged, empty and foreign files get a clear message", async (page) => {
   assert.equal(await page.getByRole("tab", { name: "loose.csv" }).count(), 0);
 });
 
-onPage("files that are dropped are opened", async (page) => {
+onPage("dropped files are opened", async (page) => {
   const session = await page.context().newCDPSession(page);
   const files = [data("valley_drive.rec"), data("areas/facade.json")];
   const drag = (type) => session.send("Input.dispatchDragEvent", {
@@ -463,7 +463,7 @@ onPage("directions from CSV are points, inside or outside as the program answers
   assert.equal(await page.locator("figure:nth-child(2) .probe.out").count(), 300 - inside);
 });
 
-onPage("ten million answers are the native ones", async (page) => {
+onPage("ten million answers equal those of the native library", async (page) => {
   const area = JSON.parse(text("areas/facade.json"));
   // In radians, so that both sides use the same numbers.
   const points = area.points.map(([hz, v]) => [(hz / 200) * Math.PI, (v / 200) * Math.PI]);
@@ -471,7 +471,7 @@ onPage("ten million answers are the native ones", async (page) => {
   const file = written("radians.json", JSON.stringify({ ...area, unit: "rad", points }));
   await openFiles(page, file);
   await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
-  // In the page, as in containment.mjs: the policy lets no function be made of its text there.
+  // In the page, as in containment.mjs: the policy forbids creating a function from text there.
   const { hash, inside, milliseconds } = await page.evaluate(async ([count, block]) => {
     let state = 20260101;
     const next = () => (state = (state * 48271) % 2147483647) / 2147483647;
@@ -499,7 +499,7 @@ onPage("ten million answers are the native ones", async (page) => {
   console.log(`# 10^6 directions: ${(milliseconds / (DIRECTIONS / 1e6)).toFixed(1)} ms from arrays of the page to an array of the page`);
 });
 
-onPage("directions in a few batches of unequal size have the answers of single ones", async (page) => {
+onPage("directions in batches of different sizes have the same answers as single directions", async (page) => {
   await openFiles(page, data("areas/facade.json"));
   await page.getByRole("heading", { name: "Area", exact: true }).waitFor();
   const [count, length, different, inputs] = await page.evaluate(async () => {
@@ -525,7 +525,7 @@ onPage("a change is kept only as it was previewed", async (page) => {
   await page.locator(".row", { hasText: /^960/ }).click();
   await page.getByRole("heading", { name: "Record at 960" }).waitFor();
   const keep = page.getByRole("button", { name: "Keep the change" });
-  // A value that fits and, before the preview is there, one that does not.
+  // A value that fits and, before the preview appears, one that does not.
   await page.evaluate(() => {
     const number = document.querySelector("form.change [name=number]");
     for (const value of ["5", "5.5"]) {
@@ -578,7 +578,7 @@ onPage("a failure of the module loses no edits", async (page) => {
   await page.getByText("polygon, 17 points").waitFor();
   await page.getByRole("tab", { name: "valley_drive.rec" }).click();
   await status(page);
-  // The list is where it was.
+  // The list shows the same rows as before.
   await page.getByText("Row 6 is selected.").waitFor();
   await page.locator(".row.current", { hasText: /^960/ }).waitFor();
   const { bytes } = await saved(page, button(page, "Save changed copy"));
@@ -632,7 +632,7 @@ test("a browser that cannot load the module says so, and does not try again", as
   await close();
 });
 
-onPage("a file that is gone gets a message, and its list is still there", async (page) => {
+onPage("if a file was deleted, a message says so and its list stays", async (page) => {
   const sample = readFileSync(data("valley_drive.rec"));
   const path = written("gone.rec", Buffer.concat(Array(40).fill(sample)));
   await openFiles(page, path);
@@ -670,7 +670,7 @@ onPage("names of files, areas and records stay text", async (page) => {
   assert.equal(await page.title(), "surveydata");
 });
 
-onPage("areas that no program could use are shown or refused, and can be undone", async (page) => {
+onPage("invalid areas are shown or refused, and edits that lead to them can be undone", async (page) => {
   const area = (points, more = {}) => JSON.stringify({ kind: "polygon", unit: "rad", hzStep: 0.01, vStep: 0.01, points, ...more });
   const facts = page.locator(".area:not([hidden]) .facts");
   const files = {
@@ -685,7 +685,7 @@ onPage("areas that no program could use are shown or refused, and can be undone"
     await facts.getByText("Area", { exact: true }).waitFor();
     assert.match(await facts.textContent(), /Validno/, name);
   }
-  // In degrees these numbers are beyond the largest one: the area stays in radians.
+  // In degrees these numbers would exceed the largest double: the area stays in radians.
   const view = page.locator(".area:not([hidden])");
   await view.getByLabel("Unit of angles").selectOption("deg");
   await page.locator("#message.alert").getByText("An angle is too large for this unit").waitFor();
@@ -697,7 +697,7 @@ onPage("areas that no program could use are shown or refused, and can be undone"
   }
 });
 
-onPage("quick edits follow each other, and each area has its own", async (page) => {
+onPage("edits in quick succession are applied in order, each to its area", async (page) => {
   await openFiles(page, data("areas/facade.json"), data("areas/ceiling.json"));
   await page.getByRole("tab", { name: "ceiling.json", selected: true }).waitFor();
   const before = JSON.parse(text("areas/facade.json")).points;
@@ -724,7 +724,7 @@ onPage("quick edits follow each other, and each area has its own", async (page) 
   assert.deepEqual(await save("facade.json"), before);
 });
 
-onPage("what is typed and clicked while the worker is slow is not lost", async (page) => {
+onPage("keystrokes and clicks while the worker is slow are not lost", async (page) => {
   await openFiles(page, data("areas/facade.json"));
   await page.getByText("polygon, 19 points").waitFor();
   const field = (name) => page.getByLabel(`${name} of point 2`);
@@ -748,7 +748,7 @@ onPage("what is typed and clicked while the worker is slow is not lost", async (
   points[1].splice(0, 2, 58.5, 88.75);
   const { bytes } = await saved(page, button(page, "Save area file"));
   assert.deepEqual(JSON.parse(bytes).points, points);
-  // Corners follow each other as they were clicked.
+  // Corners are added in the order of the clicks.
   await button(page, "New area").click();
   await page.getByText("a polygon has 3 or more points, not 0").waitFor();
   const view = page.locator(".area:not([hidden])");
@@ -768,7 +768,7 @@ onPage("what is typed and clicked while the worker is slow is not lost", async (
   await page.locator(".row.current[data-row='3']").waitFor();
 }, { delay: 200 });
 
-onPage("an area of many corners: every corner is reached", async (page) => {
+onPage("an area of many corners: every corner can be edited", async (page) => {
   const count = 3001;
   const points = Array.from({ length: count }, (_, i) => {
     const angle = (2 * Math.PI * i) / count;
@@ -827,8 +827,8 @@ onPage("a file of 2 GB: in slices, cancellable, in 100 MB", async (page) => {
   await until(page, (last) => document.querySelector(".row.current .offset")?.textContent > String(last), 2 ** 31 - 2000);
 });
 
-onPage("ten million rows stay quick: scaled scrolling shows every row", async (page) => {
-  // Gaps of 1 byte between the smallest records would be the most rows; 40-byte frames are realistic.
+onPage("ten million rows scroll without delay, and every row can be shown", async (page) => {
+  // Gaps of 1 byte between the smallest records would give the most rows; 40-byte frames are realistic.
   const sample = readFileSync(data("valley_drive.rec"));
   const frame = sample.subarray(854, 894);
   const block = Buffer.concat(Array(50_000).fill(frame));
@@ -861,14 +861,14 @@ onPage("ten million rows stay quick: scaled scrolling shows every row", async (p
     const part = await window.surveydata.ask("partOfSeries", 1, 1_000_000, 8_999_999);
     return [part[3].length, performance.now() - before];
   });
-  // Meanwhile, the list answers.
+  // Meanwhile, the list responds.
   await page.keyboard.press("Home");
   await page.locator(".row[data-row='0']").waitFor();
   const answered = performance.now() - start;
   const [length, milliseconds] = await exact;
   assert.ok(length > 0);
   assert.notEqual(await line(), "");
-  console.log(`# 10^7 rows: ${(memory / 1e6).toFixed(1)} MB; 8 million of them are drawn in ${(milliseconds / 1e3).toFixed(2)} s, the list answers after ${(answered / 1e3).toFixed(2)} s`);
+  console.log(`# 10^7 rows: ${(memory / 1e6).toFixed(1)} MB; 8 million of them are drawn in ${(milliseconds / 1e3).toFixed(2)} s, the list responds after ${(answered / 1e3).toFixed(2)} s`);
 });
 
 for (const colorScheme of ["light", "dark"]) {
@@ -939,7 +939,7 @@ onPage("plots, list and record are in view together", async (page) => {
   if (process.env.SURVEYDATA_PICTURE) await page.screenshot({ path: process.env.SURVEYDATA_PICTURE });
 }, { viewport: { width: 1280, height: 1000 } });
 
-onPage("everything is reached by keyboard", async (page) => {
+onPage("every control can be reached by keyboard", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
   await status(page);
   const reached = new Set();

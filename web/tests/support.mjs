@@ -20,13 +20,13 @@ export const folder = mkdtempSync(join(tmpdir(), "surveydata-page-"));
 const PATIENCE = 300_000;
 
 /**
- * Two ways to find tests that pass only on a quick machine: SURVEYDATA_DELAY delays each request to the worker and
+ * Two ways to find tests that pass only on a fast machine: SURVEYDATA_DELAY delays each request to the worker and
  * each of its replies by up to that many milliseconds, SURVEYDATA_SLOWNESS makes the page that many times slower.
  */
 const usualDelay = Number(process.env.SURVEYDATA_DELAY ?? 0);
 const slowness = Number(process.env.SURVEYDATA_SLOWNESS ?? 1);
 
-/** In the page: the order of the messages stays. */
+/** Runs in the page. The order of the messages is preserved. */
 function delayReplies(most) {
   const later = (before) =>
     before.then(() => new Promise((resolve) => setTimeout(resolve, Math.random() * most)));
@@ -35,7 +35,7 @@ function delayReplies(most) {
     sent = Promise.resolve();
     received = Promise.resolve();
     postMessage(message, transferred) {
-      // As without a delay, what is sent is what the message was now.
+      // Copies the message now, so that later changes to it are not sent.
       const copy = structuredClone(message, { transfer: transferred ?? [] });
       this.sent = later(this.sent).then(() => super.postMessage(copy));
     }
@@ -60,7 +60,7 @@ export async function stopBrowser() {
 }
 
 /**
- * Opens the page, from disk unless there is a `url`. `init` runs in it before its own scripts; `delay` is as
+ * Opens the page, from disk unless there is a `url`. `init` runs in it before its own scripts; `delay` replaces
  * SURVEYDATA_DELAY. `requests` and `complaints` collect what happens in it.
  */
 export async function openPage(options = {}) {
@@ -88,21 +88,24 @@ export async function openPage(options = {}) {
   return { page, requests, complaints, close: () => opened.close() };
 }
 
-/** Opens files by the button and waits until the last of them is read. */
+/** Opens files with the button. */
 export async function openFiles(page, ...files) {
   await page.setInputFiles("#files", files);
 }
 
-/** Waits until a function of the page answers true. Playwright's own wait needs `eval`, which the policy forbids. */
+/**
+ * Waits until `condition`, evaluated in the page, is true. Playwright's own wait needs `eval`, which the policy
+ * forbids.
+ */
 export async function until(page, condition, argument) {
   for (const start = Date.now(); Date.now() - start < PATIENCE; ) {
     if (await page.evaluate(condition, argument)) return;
     await page.waitForTimeout(50);
   }
-  throw new Error(`waited in vain for ${condition}`);
+  throw new Error(`timed out waiting for ${condition}`);
 }
 
-/** What the page says of the record file in view, when it has read it and shows its rows and plots. */
+/** The status line of the record file in view, as soon as its rows and plots are shown. */
 export async function status(page, name) {
   await until(page, (name) => {
     const view = document.querySelector(".records:not([hidden])");

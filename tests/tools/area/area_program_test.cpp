@@ -304,7 +304,7 @@ TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
   EXPECT_EQ(Area("info", AreaPath("bow_tie")).exitCode, 1);
 }
 
-// The table of exit codes names the commands that end with 4.
+// The table of exit codes names the commands that exit with 4.
 TEST(AreaCommands, ThatGiveTheCodeFourAreInTheTableOfExitCodes) {
   const std::string help = RunProgram({"--help"}).out;
   const std::string before = "the area is not valid (area ";

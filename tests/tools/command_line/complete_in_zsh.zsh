@@ -1,6 +1,6 @@
 # complete_in_zsh.zsh FOLDER LINES OUT: writes to the file OUT what zsh offers at the end of each line of
 # the file LINES, followed by a line "end", once the completions in FOLDER are known. A second zsh
-# at a terminal of its own does it.
+# at its own terminal does it.
 if [[ -z $COMPLETE_IN_TERMINAL ]]; then
   zmodload zsh/zpty || exit 1
   export COMPLETE_IN_TERMINAL=1 TERM=dumb

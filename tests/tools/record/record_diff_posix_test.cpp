@@ -38,7 +38,7 @@ long MemoryOfDiff(const std::string& a, const std::string& b, const std::string&
 
 // Files of 48 MB with few differences.
 TEST(RecordDiffMemory, DoesNotDependOnTheSizeOfTheFiles) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   constexpr int kCopies = 500;
   const TempFolderC folder;
   const std::string sample = ReadText(DataPath("valley_drive.rec"));
@@ -66,7 +66,7 @@ TEST(RecordDiffMemory, DoesNotDependOnTheSizeOfTheFiles) {
 
 // Nothing is the same, and the records are as long as records can be.
 TEST(RecordDiffMemory, IsLimitedWhereEverythingDiffers) {
-  if (kIsSanitized) GTEST_SKIP() << "the sanitizer takes memory of its own";
+  if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   const TempFolderC folder;
   for (const std::uint8_t value : {std::uint8_t{1}, std::uint8_t{2}}) {
     std::ofstream out(folder / (value == 1 ? "a.rec" : "b.rec"), std::ios::binary);

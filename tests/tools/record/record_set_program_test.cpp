@@ -393,7 +393,7 @@ TEST_F(RecordSet, WorksOnNamesWithoutExtension) {
 }
 
 TEST_F(RecordSet, LosesNothingWhenSeveralRunAtOnce) {
-  // Each ends with 0 and is in the file, or with 3 and is not.
+  // Each exits with 0 and is in the file, or with 3 and is not.
   Bytes expected = before_;
   const json index = SampleIndex("valley_drive");
   std::vector<std::size_t> offsets;

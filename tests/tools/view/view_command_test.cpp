@@ -105,8 +105,9 @@ TEST(View, RefusesAPageThatHasNoPlaceForAFile) {
   const Outcome outcome = View(folder / "a.rec", folder / "other.html");
   EXPECT_EQ(outcome.exitCode, 3);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "surveydata: " + (folder / "other.html") +
-                             " is not the page of this program: it has no place for a file\n");
+  EXPECT_EQ(outcome.err,
+            "surveydata: " + (folder / "other.html") +
+                " is not the page of this program: it has no placeholder for a file\n");
 }
 
 TEST(View, SaysThatThePageIsNotInstalled) {
