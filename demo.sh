@@ -57,7 +57,7 @@ show "Dilution of precision and satellites over time, as pictures." \
      "surveydata record plot valley_drive.rec -o valley_drive.svg && surveydata record plot desert_highway.rec -o desert_highway.svg"
 show "The area of a facade scan: its validity, bounds and solid angle." \
      "surveydata area info facade.json"
-show "Which directions lie inside." \
+show "Which directions are inside." \
      "surveydata area contains facade.json 57,92 90,85" 1
 show "The area as a picture." \
      "surveydata area plot facade.json -o facade.svg --window 10,50,110,120 --probe 57,92 --probe 90,85"

@@ -68,7 +68,7 @@ set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
   "record files and scan areas of a surveying instrument
 The program lists, shows, exports, patches and plots the binary record
 files of a GNSS receiver. It checks scan areas on the sphere of
-directions, tests whether directions lie inside, and plots the areas. It
+directions, tests whether directions are inside, and plots the areas. It
 shows both in a browser, without a network.")
 
 include(CPack)

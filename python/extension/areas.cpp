@@ -258,7 +258,7 @@ std::string Draw(const AreaC& area, const Pairs& probes, const std::optional<Win
 
 void AddAreas(nb::module_& module) {
   using Rule = AreaExplanation::Rule;
-  nb::enum_<Rule>(module, "Rule", "The rule that decided whether a direction lies inside.")
+  nb::enum_<Rule>(module, "Rule", "The rule that decided whether a direction is inside.")
       .value("OUT_OF_RANGE", Rule::kOutOfRange, "An angle is NaN, or beyond 100 rad: outside.")
       .value("DOME", Rule::kDome, "Inside if V, wrapped into a full turn, is at most 0.8 pi.")
       .value("NOT_VALID", Rule::kNotValid, "The points make no area: outside.")

@@ -315,7 +315,7 @@ class Area:
     def contains(
         self, hz: ArrayLike, v: ArrayLike, unit: Unit | None = None
     ) -> bool | NDArray[np.bool_]:
-        """Whether directions lie inside the area or in its boundary band.
+        """Whether directions are inside the area or in its boundary band.
 
         `hz` and `v` are two numbers, or arrays that broadcast against each other; the result has
         their shape. Arrays of float64 and float32 are not copied, whatever their strides; others

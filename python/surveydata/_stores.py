@@ -16,7 +16,7 @@ RANGE = 8 << 20
 """The most bytes of a request."""
 
 _BLOCK = 256 << 10
-"""The reader asks for blocks of this size, also to complete the last record of a stretch."""
+"""The reader requests blocks of this size, also to complete the last record of a stretch."""
 
 
 class RecordFile(NamedTuple):

@@ -146,7 +146,7 @@ def _in_order(stretches: list[Stretch]) -> tuple[list[Stretch], tuple[pd.Timesta
 
 
 def contains(area: Area, hz: Any, v: Any, unit: Unit | None = None) -> Any:
-    """Whether directions lie inside `area`, as `Area.contains`, for Dask arrays or numbers that
+    """Whether directions are inside `area`, as `Area.contains`, for Dask arrays or numbers that
     broadcast against each other. The result is a Dask array of their shape; each block is computed
     where it is.
     """

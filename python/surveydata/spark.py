@@ -86,7 +86,7 @@ def register(spark: SparkSession, *, push_filters: bool = False) -> None:
 
 
 def contains(area: Area, unit: Unit | None = None) -> Callable[..., Any]:
-    """A function of two columns, Hz and V: whether directions lie inside `area`, as
+    """A function of two columns, Hz and V: whether directions are inside `area`, as
     `Area.contains`. Null if Hz or V is null.
 
     `frame.withColumn("inside", contains(area)("hz", "v"))`. It needs PySpark 4.1.

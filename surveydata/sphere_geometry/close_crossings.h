@@ -32,7 +32,7 @@ class CurveComparisonC {
   void SetColumn(double west, double east, const CosSin& atWest, const CosSin& atEast);
 
   /// Compares all curves of a cell with each other.
-  /// \cost m log m for m curves of which few are close or exchange places.
+  /// \cost m log m for m curves of which few are close or swap.
   void CompareCell(const CellGridC::Cell& cell);
 
   /// Compares two curves that cross the whole column; `upper` is the higher one on average.

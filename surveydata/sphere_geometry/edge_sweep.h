@@ -19,7 +19,7 @@ using EdgePairTest = std::function<bool(std::size_t first, std::size_t second)>;
 enum class SweepResult {
   kCrossing,    ///< A pair was found for which the test is true.
   kNoCrossing,  ///< The test is false for every pair that can cross in the plane.
-  kUndecided,   ///< Two edges change places and the test is false for them, or the frame is too
+  kUndecided,   ///< Two edges swap and the test is false for them, or the frame is too
                 ///< wide.
 };
 

@@ -534,7 +534,7 @@ TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
   ScanDefPointC high;
   EXPECT_FALSE(crossing->GetBoundingPoints(low, high, true));
   EXPECT_EQ(high.GetV(), kNotSet);
-  EXPECT_TRUE(crossing->Contains(4.5, 0.2)) << "what is inside does not ask for it";
+  EXPECT_TRUE(crossing->Contains(4.5, 0.2)) << "inside directions do not need it";
 }
 
 TEST(ScanArea, ContainsAsksTheGeometryWhateverTheSteps) {

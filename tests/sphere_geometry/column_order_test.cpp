@@ -12,7 +12,7 @@
 namespace GMAT {
 namespace {
 
-// Straight lines over columns of width 1, out of order where they change places.
+// Straight lines over columns of width 1, out of order where they swap.
 class LinesC {
  public:
   struct Line {

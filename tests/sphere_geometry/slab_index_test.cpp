@@ -257,7 +257,7 @@ TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
   EXPECT_GT(inside, 500);
 }
 
-// The edges of several turns, nearly on each other. Where three or more change places, an edge may
+// The edges of several turns, nearly on each other. Where three or more swap, an edge may
 // be close to one that is not its neighbour on the list.
 TEST(SlabIndex, AsksTheRulesWhereManyEdgesOnAListChangePlaces) {
   RingGenerator random(10);

@@ -296,7 +296,7 @@ TEST(SphereArea, ARingThatWindsTwiceEnclosesTheZenith) {
 }
 
 TEST(SphereArea, ARingAroundTheZenithNeedNotBeValid) {
-  // Two neighbours changed places, so the ring crosses itself there.
+  // Two neighbours were swapped, so the ring crosses itself there.
   std::vector<AnglePointC> ring = RingAtV(0.6, 12);
   for (std::size_t i = 0; i < ring.size(); i += 2) ring[i].V = 0.9;
   std::swap(ring[3], ring[5]);

@@ -28,18 +28,18 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Report whether each direction lies inside an area. A direction outside, or no direction at\n"
-    "all, gives the exit code 1; an area that is not valid gives the exit code 4 and no\n"
-    "answers.\n\n"
+    "Report whether each direction is inside an area. The exit code is 1 if a direction is\n"
+    "outside or there is none. If the area is not valid, there are no answers, and the exit code\n"
+    "is 4.\n\n"
     "Directions come from the command line, or from a table with one direction in each line, in\n"
-    "the unit of the area file. A heading names the columns: hz, v and any others, in any\n"
-    "order. It may also name that unit, as in Hz [gon]. Without a heading there are two\n"
-    "columns, Hz and V. Commas, semicolons, tabs or blanks separate them. Other columns are\n"
-    "copied to the output. A line that is not a direction is an error. Empty lines are skipped,\n"
-    "and so are lines that begin with #, if the first column is Hz or V.\n\n"
+    "the unit of the area file. A heading names the columns: hz, v and any others, in any order.\n"
+    "It may also name that unit, as in Hz [gon]. Without a heading there are two columns, Hz and\n"
+    "V. Commas, semicolons, tabs or blanks separate them. Other columns are copied to the\n"
+    "output. A line that is not a direction is an error. Empty lines are skipped, and so are\n"
+    "lines that begin with #, if the first column is Hz or V.\n\n"
     "A direction in the boundary band is inside. The band extends 0.0005 gon to both sides of\n"
-    "lines that are displaced from the boundary: their Hz is that of the boundary less twice\n"
-    "the least Hz of the area, and they are straight in Hz and V where the boundary follows\n"
+    "lines that are displaced from the boundary: their Hz is that of the boundary minus twice\n"
+    "the smallest Hz of the area, and they are straight in Hz and V where the boundary follows\n"
     "arcs. The closing edge of a polygon has no band.";
 
 enum class Form { kText, kCsv, kJson };
@@ -320,7 +320,8 @@ Command AreaContainsCommand() {
   command.options.Add(
       {{.names = {"--format"},
         .value = "text|csv|json",
-        .description = "The form of the output: aligned text, the default; a CSV table; JSON Lines",
+        .description =
+            "The format of the output: aligned text, the default; a CSV table; JSON Lines",
         .take = [options](const std::string& text) { options->form = ParseForm(text); },
         .excludes = {"--json"}},
        {.names = {"--json"},

@@ -23,9 +23,9 @@ namespace {
 constexpr double kMostDirections = 1e18;
 
 constexpr const char* kDescription =
-    "Report whether an area is valid, or why not; its bounds, whether it encloses the zenith, its\n"
-    "solid angle, and the number of directions at its steps. Points and edges are counted from 1;\n"
-    "edge k begins at point k. An area that is not valid gives the exit code 1.";
+    "Report whether an area is valid, or why not; its bounds, whether it encloses the zenith,\n"
+    "its solid angle, and the number of directions at its steps. Points and edges are counted\n"
+    "from 1; edge k begins at point k. If the area is not valid, the exit code is 1.";
 
 struct Options {
   std::string file;

@@ -17,8 +17,8 @@ namespace {
 
 constexpr const char* kDescription =
     "List the corners of an area with their distances: four of a rectangle, none of a dome. A\n"
-    "corner without a distance gets one from the others or, if none has one, the default. An area\n"
-    "that is not valid gives the exit code 4 and no list.";
+    "corner without a distance gets one from the others or, if none has one, the default. If the\n"
+    "area is not valid, there is no list, and the exit code is 4.";
 
 struct Options {
   std::string file;

@@ -10,7 +10,7 @@ namespace Tool {
 /// The area as an SVG document: in the (Hz, V) plane, and as seen from the zenith. The inside,
 /// as the library defines it, is filled; the edges are drawn as arcs. The document has at most 2 MB
 /// for any area: details that the page cannot resolve are drawn at its resolution, and the picture
-/// says so.
+/// states this.
 std::string DrawArea(const PictureContents& picture);
 
 }  // namespace Tool

@@ -22,11 +22,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith,\n"
-    "with its bounds and the lowest usable direction. The inside, as the library defines it, is\n"
+    "Draw an area as an SVG picture: in the plane of Hz and V, and as seen from the zenith, with\n"
+    "its bounds and the lowest usable direction. The inside, as the library defines it, is\n"
     "filled. The picture has at most 2 MB: many directions and large rings are drawn at its\n"
-    "resolution, and it says so. An area that is not valid is drawn with its faults, and gives\n"
-    "the exit code 4.";
+    "resolution, which the picture states. If the area is not valid, it is drawn with its\n"
+    "faults, and the exit code is 4.";
 
 struct Options {
   std::string file;
@@ -117,7 +117,7 @@ Command AreaPlotCommand() {
        .isRepeatable = true},
       {.names = {"--csv"},
        .value = "FILE",
-       .description = "A file of more of them, as for contains; - for standard input",
+       .description = "A table of more directions, as for area contains; - for standard input",
        .take = StoreIn(options->csv)},
       {.names = {"--window"},
        .value = "HZ,V,HZ,V",

@@ -125,7 +125,7 @@ CommandOptionsC DirectionFormatOptions(DirectionFormat& format) {
       {.names = {"--columns"},
        .value = "HZ,V",
        .description = "The columns of Hz and V in a file of directions: their names in its "
-                      "heading, or their numbers from 1 on",
+                      "heading, or their numbers, counted from 1",
        .take = [&format](const std::string& text) { format.columns = ParseColumns(text); }},
       {.names = {"--separator"},
        .value = "NAME",

@@ -183,7 +183,7 @@ class MeridianSweepC {
   static constexpr double kNotable = 1e-6;    // shorter stretches as one are ignored
 
   struct Place {
-    mutable std::size_t arc;  // when two arcs change places, the order stays the same
+    mutable std::size_t arc;  // when two arcs swap, the order stays the same
   };
   struct IsBelow {
     const MeridianSweepC* sweep;

@@ -10,8 +10,8 @@ namespace Tool {
 /// that count as one into account, but not the boundary band.
 ///
 /// A meridian sweeps once around; the inside lies below every other arc that it crosses. Two arcs
-/// change places at a single Hz. Crossings count as one if they agree to 10 digits over at least
-/// 1e-6 rad of Hz.
+/// swap at a single Hz. Crossings count as one if they agree to 10 digits over at least 1e-6 rad of
+/// Hz.
 ///
 /// \cost (n + c) log n for n points and c places where arcs cross each other. Where crossings begin
 ///       or cease to count as one, and at an edge along a meridian with arcs next to it, inside and

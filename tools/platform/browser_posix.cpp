@@ -141,8 +141,7 @@ void OpenInBrowser(const std::string& browser, const fs::path& file) {
     Fail(fmt::format("cannot start {} to show {}", program, argument), error);
   }
   if (const int code = ExitCodeOf(process); code != 0) {
-    throw FileErrorC(
-        fmt::format("{} ended with the exit code {} and did not show {}", program, code, argument));
+    throw FileErrorC(fmt::format("{} exited with {} and did not show {}", program, code, argument));
   }
 }
 

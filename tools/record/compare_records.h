@@ -75,10 +75,10 @@ struct CompareOptions {
 };
 
 /// Compares the records of two files: all records, or the measurements that the filter selects.
-/// Gaps are ignored. Records that are the same are a longest common subsequence of equal bytes,
-/// searched up to the first 32 records in a row that are the same; between them, measurements with
-/// the same time A are pairs. In a run of differences longer than 8192 records or 8 MiB, the
-/// subsequence is searched in parts, which are cut at the same time A.
+/// Gaps are ignored. Unchanged records form a longest common subsequence of records with equal
+/// bytes, searched up to the first 32 records in a row that are the same; between them,
+/// measurements with the same time A are pairs. In a run of differences longer than 8192 records or
+/// 8 MiB, the subsequence is searched in parts, which are cut at the same time A.
 ///
 /// With several jobs, threads read stretches of both files and count the records that are the same,
 /// up to the next difference. The differences do not depend on the number of jobs.

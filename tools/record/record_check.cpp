@@ -25,10 +25,10 @@ namespace {
 constexpr const char* kDescription =
     "Check record files: one verdict for each file and one for all of them, with counts and the\n"
     "offset of the first fault of each kind. A file is faulty if it has bytes that belong to no\n"
-    "record (gaps, and damaged headers of measurements in them), frames whose blocks do not\n"
-    "fit, measurements that are earlier than the previous one or have the same bytes, or no\n"
-    "measurement. Faulty files give the exit code 1, files that cannot be read 3. Filters\n"
-    "select the measurements that are counted and compared.";
+    "record (gaps, and damaged headers of measurements in them), frames whose blocks do not fit,\n"
+    "measurements that are earlier than the previous one or have the same bytes, or no\n"
+    "measurement. The exit code is 1 if a file is faulty, and 3 if a file cannot be read.\n"
+    "Filters select the measurements that are counted and compared.";
 
 struct Options {
   RecordFileOptions files;
@@ -50,7 +50,8 @@ constexpr Kind kKinds[] = {
      "headers that overlap the next record", "overlappingHeaders"},
     {&RecordFindings::badBlocks, "frame whose blocks do not fit", "frames whose blocks do not fit",
      "badBlocks"},
-    {&RecordFindings::timesBack, "time that goes back", "times that go back", "timesBack"},
+    {&RecordFindings::timesBack, "time that goes backwards", "times that go backwards",
+     "timesBack"},
     {&RecordFindings::repeated, "repeated measurement", "repeated measurements", "repeated"}};
 
 std::string Counted(std::uint64_t count, std::string_view one, std::string_view many) {

@@ -12,10 +12,10 @@ namespace {
 
 constexpr const char* kDescription =
     "Write a part of a record file as a new file, byte for byte: the measurements that the\n"
-    "filters select and that begin between two offsets. Records of other kinds are kept with\n"
-    "the measurement before them; those before the first measurement are always kept. Gaps and\n"
-    "bad frames are left out and reported on standard error. Bad frames give the exit code 1,\n"
-    "and so does a part without a measurement.";
+    "filters select and that begin between two offsets. Records of other kinds are kept with the\n"
+    "measurement before them; those before the first measurement are always kept. Gaps and bad\n"
+    "frames are left out and reported on standard error. The exit code is 1 if there are bad\n"
+    "frames, or if the part has no measurement.";
 
 CommandOption OffsetLimit(const std::string& name, const std::string& description,
                           std::uint64_t& offset) {

@@ -34,16 +34,16 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Compare the records of two files, A and B, or of the files *.rec that have the same path\n"
-    "in two folders. The differences are removed, added and changed records; for a changed\n"
+    "Compare the records of two files, A and B, or of the files *.rec that have the same path in\n"
+    "two folders. The differences are removed, added and changed records; for a changed\n"
     "measurement, the columns that differ, with both values and, if they are floating-point\n"
-    "numbers, their distance in units in the last place (ULP). Records that are the same are a\n"
-    "longest common subsequence of equal bytes; of the records between them, measurements with\n"
-    "the same time A are changed ones. Gaps are not compared. With filters, only the\n"
-    "measurements that they select are compared. The exit code is 0 if the records are the\n"
-    "same, and 1 if they differ or if only one folder has a file. Memory depends on the longest\n"
-    "run of differences, up to a limit: in runs of more than 8192 records or 8 MiB, the common\n"
-    "subsequence is searched in parts.";
+    "numbers, their distance in units in the last place (ULP). Unchanged records form a longest\n"
+    "common subsequence of records with equal bytes; of the others, measurements between the\n"
+    "same unchanged records and with the same time A count as changed. Gaps are not compared.\n"
+    "With filters, only the measurements that they select are compared. The exit code is 0 if\n"
+    "the records are the same, and 1 if they differ or if only one folder has a file. Memory\n"
+    "depends on the longest run of differences, up to a limit: in runs of more than 8192 records\n"
+    "or 8 MiB, the common subsequence is searched in parts.";
 
 struct Options {
   std::string a;

@@ -28,9 +28,9 @@ constexpr const char* kDescription =
     "Write every measurement with all its fields, as JSON Lines or as a CSV table. Its columns\n"
     "are those that surveydata record columns lists; a cell without a value is empty. With\n"
     "several files, or a folder, each line or row begins with the name of the file.\n\n"
-    "Bad frames are left out, counted on standard error, and give the exit code 1; so does a\n"
-    "file without a measurement to write. Records of other kinds and gaps are skipped, and so\n"
-    "are random bytes in a gap that look like a header whose frame runs into the next record.";
+    "Bad frames are left out and counted on standard error. The exit code is 1 if there are any,\n"
+    "or if a file has no measurement to write. Records of other kinds and gaps are skipped, and\n"
+    "so are random bytes in a gap that look like a header whose frame overlaps the next record.";
 
 struct Options {
   RecordFileOptions files;
@@ -156,7 +156,7 @@ Command RecordExportCommand() {
       "  surveydata record export valley_drive.rec --where \"pdop < 4 and used >= 6\"\n"
       "  surveydata record export --recursive . --csv --columns time_gps,pdop";
   command.options = {{.names = {"--csv"},
-                      .description = "CSV with a header row, quoted as RFC 4180 has it",
+                      .description = "CSV with a header row, quoted as in RFC 4180",
                       .flag = &options->isCsv},
                      RecordColumnsOption(options->columns),
                      FormulasOption(options->formulas),

@@ -122,7 +122,7 @@ void AddNamesOptions(Command& command, RecordFileOptions& options) {
        .isRequired = true,
        .isRepeatable = true});
   command.options.Add({.names = {"-r", "--recursive"},
-                       .description = "Read the folders below a folder, too",
+                       .description = "Also read the subfolders of folders",
                        .flag = &options.isRecursive});
 }
 
@@ -131,8 +131,9 @@ void AddFileOptions(Command& command, RecordFileOptions& options) {
   command.options.Add(
       {.names = {"-j", "--jobs"},
        .value = "N",
-       .description = "The number of threads, by default that of processors; the output does not "
-                      "depend on it",
+       .description =
+           "The number of threads, by default the number of processors; the output does not "
+           "depend on it",
        .take = [&options](const std::string& text) { options.jobs = ParseJobs(text); }});
 }
 

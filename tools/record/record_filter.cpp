@@ -35,7 +35,7 @@ CommandOption TimeOption(std::string name, std::string description, RecordFilter
 
 std::uint64_t ParseCount(const std::string& text) {
   const auto count = ToNumber<std::uint64_t>(text);
-  if (!count || *count == 0) throw ValueErrorC("not a whole number from 1 on");
+  if (!count || *count == 0) throw ValueErrorC("not a whole number of 1 or more");
   return *count;
 }
 

@@ -7,11 +7,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "Join record files to a new one, byte for byte, in the order of time A. The next record is\n"
-    "always from the file whose next measurement is the earliest, and from the first of them if\n"
-    "several are equally early. Within a file the order stays the same. Records of other kinds\n"
-    "stay with the measurement before them; those before the first measurement of each file are\n"
-    "at the start. A record that several files have is written several times. Filters, gaps and\n"
+    "Join record files to a new one, byte for byte, ordered by time A. The next record is always\n"
+    "from the file whose next measurement is the earliest, and from the first of them if several\n"
+    "are equally early. Within a file the order stays the same. Records of other kinds stay with\n"
+    "the measurement before them; those before the first measurement of each file are at the\n"
+    "start. A record that occurs in several files is written several times. Filters, gaps and\n"
     "bad frames are handled as by record cut.";
 
 }  // namespace

@@ -29,11 +29,11 @@ namespace Tool {
 namespace {
 
 constexpr const char* kDescription =
-    "List every record of files with time, dilutions of precision, satellites and name. Gaps\n"
-    "and bad frames are listed too, and give the exit code 1: bytes that belong to no record,\n"
-    "headers of measurement frames in them, and frames whose blocks do not fit. So does a file\n"
-    "without a measurement. With filters, only measurements are listed; gaps and bad frames are\n"
-    "counted, and give the same exit code.";
+    "List every record of files with time, dilutions of precision, satellites and name. Gaps and\n"
+    "bad frames are listed too: bytes that belong to no record, headers of measurement frames in\n"
+    "them, and frames whose blocks do not fit. The exit code is 1 if there are any, or if a file\n"
+    "has no measurement. With filters, only measurements are listed; gaps and bad frames are\n"
+    "counted, and the exit code is the same.";
 
 struct Options {
   RecordFileOptions files;
@@ -427,7 +427,7 @@ Command RecordListCommand() {
                       .description = "JSON Lines: one object per line",
                       .flag = &options->isJson},
                      {.names = {"--utc"},
-                      .description = "Times in UTC: in JSON Lines besides GPS time",
+                      .description = "Times in UTC; in JSON Lines in addition to GPS time",
                       .flag = &options->isUTC}};
   AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);

@@ -24,7 +24,7 @@ namespace {
 constexpr const char* kDescription =
     "Draw dilutions of precision and satellites over time as an SVG picture, one for all files.\n"
     "Lines are interrupted where time advances by more than three times the median step. Bad\n"
-    "frames are left out, counted on standard error, and give the exit code 1, as in export.";
+    "frames are left out and counted on standard error, and the exit code is 1, as in export.";
 
 struct Options {
   RecordFileOptions files;

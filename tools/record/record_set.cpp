@@ -34,17 +34,17 @@ namespace {
 
 constexpr const char* kDescription =
     "Change the name, the number or the antenna height of one measurement frame, or of all that\n"
-    "the filters select. In the latter case, frames without room for a name or an antenna\n"
-    "height are left unchanged. Only the given fields are rewritten: the 17 characters of the\n"
-    "name (zeros follow a shorter one), the number, the value and kind of the antenna height;\n"
+    "the filters select. In the latter case, frames without room for a name or an antenna height\n"
+    "are left unchanged. Only the given fields are rewritten: the 17 characters of the name (a\n"
+    "shorter one is padded with zeros), the number, the value and kind of the antenna height,\n"
     "and the checksum. All other bytes of the file stay the same. The change is made completely\n"
     "or not at all: in a copy that is read back and then replaces the file in one step. Group,\n"
     "permissions, access control list and extended attributes are preserved, or the change is\n"
-    "refused; only root can preserve the owner of another user's file. Sparse files stay\n"
-    "sparse. The file gets a new inode, so other hard links keep the old content; symbolic\n"
-    "links are followed. The file is locked during the change: if several such commands run at\n"
-    "once, all but one end with the exit code 3. Other programs must not write to the file; a\n"
-    "change that is noticed is refused.";
+    "refused; only root can preserve the owner of another user's file. Sparse files remain\n"
+    "sparse. The file gets a new inode, so other hard links keep the old content; symbolic links\n"
+    "are followed. The file is locked during the change: if several such commands run at once,\n"
+    "all but one exit with 3. Other programs must not write to the file meanwhile; if a write is\n"
+    "detected, the change is refused.";
 
 struct Options {
   std::string file;

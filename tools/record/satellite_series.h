@@ -34,8 +34,8 @@ class SatelliteSeriesC {
   double GetLastTime() const;
 
   /// The runs of a value. A run ends where time advances by more than three times the median step
-  /// (of the first 4096 records) or goes back, and where the value is absent for as long. If there
-  /// are too many gaps to keep them all, the values between them are in runs of one point.
+  /// (of the first 4096 records) or goes backwards, and where the value is absent for as long. If
+  /// there are too many gaps to keep them all, the values between them are in runs of one point.
   std::vector<std::vector<ChartPoint>> GetRuns(Value value) const;
 
  private:

@@ -24,9 +24,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kDescription =
-    "Show a record file or an area in a browser: a record file as list, plots and records, an\n"
-    "area in two views. The file, of at most 50 MB, is embedded in a copy of the page, which\n"
-    "sends nothing anywhere. The copy is written to a folder that only you can read, and its\n"
+    "Show a record file or an area in a browser: a record file as a list, plots and single\n"
+    "records, an area in two views. The file, of at most 50 MB, is embedded in a copy of the\n"
+    "page, which sends no data. The copy is written to a folder that only you can read, and its\n"
     "name to standard output; the next run removes copies that are older than a minute.";
 
 constexpr std::size_t kMostBytes = 50'000'000;

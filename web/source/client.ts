@@ -44,7 +44,7 @@ export function moduleBytes(): Uint8Array {
 }
 
 export class Client {
-  /** Called after the module has failed and was restarted; its open files are gone. */
+  /** Called after the module has failed and was restarted; its open files are closed. */
   onRestart: () => void = () => undefined;
   /** How often a worker was started. */
   starts = 0;

@@ -735,8 +735,8 @@ TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
     std::vector<std::string> outside;
   } cases[] = {
       {"A direction in the boundary band is inside. The band extends 0.0005 gon to both sides of "
-       "lines that are displaced from the boundary: their Hz is that of the boundary less twice "
-       "the least Hz of the area,",
+       "lines that are displaced from the boundary: their Hz is that of the boundary minus twice "
+       "the smallest Hz of the area,",
        {"320,85", "319.99956,85", "320.00044,85"},
        {"319.9995,85", "320.0005,85", "290,85"}},
       {"and they are straight in Hz and V where the boundary follows arcs.",

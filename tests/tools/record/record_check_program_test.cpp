@@ -117,7 +117,8 @@ TEST(RecordCheck, FindsAFileWithoutMeasurementsFaulty) {
   }
 }
 
-// Pieces of 1 MiB, whose ends divide a gap, measurements that repeat and a time that goes back.
+// Pieces of 1 MiB, whose ends divide a gap, measurements that repeat and a time that goes
+// backwards.
 TEST(RecordCheck, FindsTheSameInStretches) {
   constexpr std::size_t kStretch = std::size_t{1} << 20;
   const TempFolderC folder;
@@ -168,11 +169,12 @@ TEST(RecordCheck, GivesOneVerdictForEachFileAndOneForAll) {
   EXPECT_EQ(lines[3]["measurements"], 4);
   EXPECT_EQ(lines[3]["timesBack"], 1);
 
-  EXPECT_EQ(Check({"good.rec", "bad.rec"}, folder.Path().string()).out,
-            "ok          good.rec: 2 measurements, 0 other records\n"
-            "FAULTY      bad.rec: 2 measurements, 0 other records; 1 time that goes back (at 19)\n"
-            "FAULTY      2 files: 1 faulty, 0 unreadable; 4 measurements, 0 other records; 1 time "
-            "that goes back\n");
+  EXPECT_EQ(
+      Check({"good.rec", "bad.rec"}, folder.Path().string()).out,
+      "ok          good.rec: 2 measurements, 0 other records\n"
+      "FAULTY      bad.rec: 2 measurements, 0 other records; 1 time that goes backwards (at 19)\n"
+      "FAULTY      2 files: 1 faulty, 0 unreadable; 4 measurements, 0 other records; 1 time "
+      "that goes backwards\n");
 }
 
 TEST(RecordCheck, ComparesTheMeasurementsThatTheFiltersTake) {

@@ -55,7 +55,7 @@ TEST(RecordList, HasARowForEveryRecordOfTheSamplesAndForEveryStretchBetween) {
 
     std::vector<json> found;
     for (const json& line : ListJson(DataPath(std::string(name) + ".rec"))) {
-      if (line["kind"] == "badFrame") continue;  // lies inside a gap
+      if (line["kind"] == "badFrame") continue;  // is inside a gap
       json entry = {{"kind", line["kind"]}, {"offset", line["offset"]}, {"size", line["size"]}};
       if (line["kind"] == "other") entry["type"] = line["type"];
       found.push_back(entry);

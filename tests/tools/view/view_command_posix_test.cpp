@@ -152,7 +152,7 @@ TEST_F(ViewOnPosix, ReportsABrowserThatDoesNotStart) {
   AddProgram("broken", "exit 7");
   const Outcome broken = View("valley_drive.rec -o a.html --browser broken");
   EXPECT_EQ(broken.exitCode, 3);
-  EXPECT_EQ(broken.err, "surveydata: broken ended with the exit code 7 and did not show " +
+  EXPECT_EQ(broken.err, "surveydata: broken exited with 7 and did not show " +
                             (folder_ / "work/a.html") + "\n");
 }
 
