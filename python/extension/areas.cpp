@@ -78,7 +78,7 @@ class AreaC {
   // what is inside.
   void RequireValid() const {
     if (isValid_) return;
-    std::string reason = "the points make no area";
+    std::string reason = "the points do not make an area";
     for (const Tool::AreaFault& fault : Tool::FindAreaFaults(file_)) {
       if (fault.rule.ends_with("StepNotPositive")) continue;
       reason += ": " + fault.text;
@@ -261,7 +261,7 @@ void AddAreas(nb::module_& module) {
   nb::enum_<Rule>(module, "Rule", "The rule that decided whether a direction is inside.")
       .value("OUT_OF_RANGE", Rule::kOutOfRange, "An angle is NaN, or beyond 100 rad: outside.")
       .value("DOME", Rule::kDome, "Inside if V, wrapped into a full turn, is at most 0.8 pi.")
-      .value("NOT_VALID", Rule::kNotValid, "The points make no area: outside.")
+      .value("NOT_VALID", Rule::kNotValid, "The points do not make an area: outside.")
       .value("BAND", Rule::kBand, "Within the boundary band of an edge: inside.")
       .value("NO_SEARCH_LINE", Rule::kNoSearchLine,
              "The bounds reach from pole to pole, or are a point: outside.")
@@ -297,7 +297,7 @@ void AddAreas(nb::module_& module) {
   nb::class_<Tool::AreaFault>(module, "Fault", "A rule that an area breaks.")
       .def_prop_ro(
           "rule", [](const Tool::AreaFault& fault) { return std::string(fault.rule); },
-          "A name for machines: \"equalPoints\".")
+          "The name of the rule:  \"equalPoints\".")
       .def_prop_ro(
           "points", [](const Tool::AreaFault& fault) { return FromZero(fault.points); },
           "The points that break it, counted from 0.")
@@ -305,7 +305,8 @@ void AddAreas(nb::module_& module) {
           "edges", [](const Tool::AreaFault& fault) { return FromZero(fault.edges); },
           "The edges that break it, counted from 0; edge i runs from point i to the next one.")
       .def_ro("text", &Tool::AreaFault::text,
-              "For people: counts points and edges from 1, angles in the unit of the area.")
+              "The fault in words: points and edges are counted from 1, angles are in the unit of "
+              "the area.")
       .def("__repr__", [](const Tool::AreaFault& fault) { return "<Fault: " + fault.text + ">"; });
 
   nb::class_<PreparedC>(module, "PreparedCore")

@@ -38,7 +38,7 @@ bool BufferC::IsContiguous() const { return PyBuffer_IsContiguous(&view_, 'C') !
 DoublesC::DoublesC(const BufferC& buffer)
     : buffer_(buffer), at_(buffer.GetBytes()), isDouble_(buffer.GetFormat() == "d") {
   if (!isDouble_ && buffer.GetFormat() != "f") {
-    throw nb::type_error("an array of float64 or float32 is needed");
+    throw nb::type_error("expected an array of float64 or float32");
   }
   if (buffer.GetShape().size() > index_.size()) throw nb::value_error("too many dimensions");
   isSpan_ = isDouble_ && buffer.IsContiguous() &&

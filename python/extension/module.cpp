@@ -2,7 +2,7 @@
 #include <nanobind/nanobind.h>
 
 NB_MODULE(_core, module) {
-  module.doc() = "What the package surveydata has of the library. Use the package instead.";
+  module.doc() = "The extension module of the package surveydata. Use the package instead.";
   module.attr("VERSION") = SURVEYDATA_VERSION;
   Python::AddAreas(module);
   Python::AddObjects(module);

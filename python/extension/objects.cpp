@@ -400,7 +400,7 @@ void AddMeasurements(nb::module_& module) {
   nb::class_<M> cls(
       module, "GPSMeasData",
       "One GNSS measurement. Without a frame it has only an antenna height and values. "
-      "What is not set is None.");
+      "Fields that are not set are None.");
   cls.def(
          "__init__",
          [](M* self, const std::optional<nb::object>& frame, const GPSAntHeightC* antennaHeight,
@@ -612,8 +612,8 @@ void AddImages(nb::module_& module) {
   using P = ScanDefPointC;
   BindDataClass<P>(
       module, "ScanDefPoint",
-      "A direction in radians, with a distance in metres where there is one. Distances take no "
-      "part in equality.",
+      "A direction in radians, with a distance in metres where there is one. Equality ignores "
+      "distances.",
       MakeProperty<P>("hz", &P::GetHz, &P::SetHz), MakeProperty<P>("v", &P::GetV, &P::SetV),
       MakeProperty<P>("distance", &P::GetDistance, &P::SetDistance, "-1 by default."))
       .def_prop_ro("has_distance", &P::HasDistance, "Whether the distance is above 0.")

@@ -73,7 +73,7 @@ class SparesC {
     return *spares;
   }
 
-  // A block of at least `room` bytes, which becomes its size.
+  // A block of at least `room` bytes. Sets `room` to its size.
   std::uint8_t* Take(std::size_t& room) {
     {
       const std::lock_guard lock(mutex_);
@@ -96,7 +96,7 @@ class SparesC {
   void Keep(std::uint8_t* bytes, std::size_t size) {
     if (size > kMostSpareBytes) return ::operator delete(bytes, kAligned);
 #ifdef __linux__
-    static_cast<void>(madvise(bytes, size, MADV_FREE));  // the kernel may take its pages
+    static_cast<void>(madvise(bytes, size, MADV_FREE));  // the kernel may reclaim its pages
 #endif
     const std::lock_guard lock(mutex_);
     for (bool isKept = false; !isKept;) {

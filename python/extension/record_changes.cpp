@@ -149,7 +149,7 @@ class LockedFileC {
 
 std::span<const std::uint64_t> Numbers(const BufferC& buffer) {
   if (buffer.GetFormat() != "L" || !buffer.IsContiguous()) {
-    throw nb::value_error("contiguous arrays of uint64 are needed");
+    throw nb::value_error("expected contiguous arrays of uint64");
   }
   return {reinterpret_cast<const std::uint64_t*>(buffer.GetBytes()), buffer.GetCount()};
 }
@@ -223,7 +223,7 @@ void AddRecordChanges(nb::module_& module) {
             const auto from = Numbers(offsetBuffer);
             const auto lengths = Numbers(sizeBuffer);
             if (from.size() != lengths.size()) {
-              throw nb::value_error("as many sizes as offsets are needed");
+              throw nb::value_error("expected as many sizes as offsets");
             }
             return Unlocked([&] { return self.Change(from, lengths, changes, isDryRun); });
           },

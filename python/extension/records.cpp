@@ -220,7 +220,7 @@ void AddRecords(nb::module_& module) {
             const BufferC buffer(keep);
             if (buffer.GetFormat() != "?" || !buffer.IsContiguous() ||
                 buffer.GetCount() != self.rows) {
-              throw nb::value_error("one bool for each row is needed");
+              throw nb::value_error("expected one bool for each row");
             }
             // A copy: other threads may change the array, and NumPy's bools may be other bytes.
             const auto kept = std::make_unique<bool[]>(self.rows);
@@ -261,7 +261,7 @@ void AddRecords(nb::module_& module) {
           "open_file",
           [](nb::handle path, std::uint64_t begin, std::optional<std::uint64_t> end) {
             const std::string name = ToFileName(path);
-            const nb::gil_scoped_release unlocked;  // opening a pipe waits
+            const nb::gil_scoped_release unlocked;  // opening a pipe blocks
             return std::make_shared<ReaderC>(name, Stretch(begin, end));
           },
           "path"_a, "begin"_a, "end"_a.none())

@@ -102,14 +102,15 @@ class Bounds(NamedTuple):
     encloses_zenith: bool
 
 
-# The limits of grids: of a column, which is in memory, of arrays, and where numbers get inexact.
+# The limits of grids: of a column, which is in memory, of arrays, and beyond which numbers are
+# inexact.
 _MOST_IN_COLUMN = 10**7
 _MOST_IN_GRID = 10**8
 _MOST_COLUMNS = 2**53
 
 
 class _Lattice(NamedTuple):
-    """The directions of a grid before those outside are left out, in rad."""
+    """The directions at the steps of a grid, inside and outside, in rad."""
 
     columns: int
     rows: int
@@ -168,13 +169,13 @@ def _ask(
 
 
 class Area:
-    """Which directions around the instrument a scan covers.
+    """The directions around the instrument that a scan covers.
 
     An area never changes, so any number of threads may use it at the same time. It accepts any
     points and steps; `is_valid` and `faults` check them.
 
     Two areas are equal if kind, steps, points, `setting_a` and both limits are; the distances of
-    points do not matter. Areas can be copied and pickled, and have no hash.
+    points do not matter. Areas can be copied and pickled, but not hashed.
     """
 
     __slots__ = ("_impl",)

@@ -30,7 +30,7 @@ Source: TypeAlias = Any
 BATCH_ROWS = 65_536
 _LARGEST_BATCH = 1 << 20
 _BYTES_OF_A_ROW = 192
-"""An estimate, in the file; only the sizes of batches depend on it."""
+"""An estimate for frames in a file; only the sizes of batches depend on it."""
 
 
 class ColumnInfo(NamedTuple):
@@ -222,10 +222,10 @@ class RecordTable:
         """The rows for which `keep` is true."""
         keep = np.asarray(keep)
         if keep.size and keep.dtype.kind not in "bO":  # not numbers: they could be indices
-            raise TypeError(f"one bool for each row is needed, not {keep.dtype}")
+            raise TypeError(f"expected one bool for each row, not {keep.dtype}")
         keep = np.ascontiguousarray(keep, dtype=np.bool_)
         if keep.shape != (len(self),):
-            raise ValueError(f"one bool for each of the {len(self)} rows is needed")
+            raise ValueError(f"expected one bool for each of the {len(self)} rows")
         batches, sources, begin = [], [], 0
         for batch in self._batches:
             batches.append(batch.filter(keep[begin : begin + batch.rows]))
@@ -310,7 +310,7 @@ def _each_source(source: Source, pattern: str) -> Iterator[Source]:
             yield from _each_source(part, pattern)
     else:
         raise TypeError(
-            "a path, bytes, a binary file object or an iterable of these is needed, "
+            "expected a path, bytes, a binary file object or an iterable of these, "
             f"not {type(source).__name__}"
         )
 
@@ -511,7 +511,7 @@ def find_damage(
     """
     parts = list(_each_source(source, "*.rec"))
     if len(parts) != 1:
-        raise ValueError(f"one file is needed, not {len(parts)}")
+        raise ValueError(f"expected one file, not {len(parts)}")
     (part,) = parts
     reader = _open(part, start, end)
     found = reader.find_damage(others)

@@ -29,7 +29,7 @@ class RecordFile(NamedTuple):
     name: str
     """The path relative to the folder that was named, with slashes; otherwise its last part."""
     version: str
-    """Another one when the file was changed: time of change, or what the file system has for it."""
+    """Differs after the file was changed: its modification time, or what the file system has instead."""
 
 
 class Stretch(NamedTuple):

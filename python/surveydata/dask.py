@@ -35,7 +35,7 @@ class _Times(NamedTuple):
     first: np.datetime64
     last: np.datetime64
     ascending: bool
-    """And none absent."""
+    """Whether the times ascend and none is absent."""
 
 
 def read_records(
@@ -148,7 +148,7 @@ def _in_order(stretches: list[Stretch]) -> tuple[list[Stretch], tuple[pd.Timesta
 def contains(area: Area, hz: Any, v: Any, unit: Unit | None = None) -> Any:
     """Whether directions are inside `area`, as `Area.contains`, for Dask arrays or numbers that
     broadcast against each other. The result is a Dask array of their shape; each block is computed
-    where it is.
+    by the worker that holds it.
     """
     return dask.array.map_blocks(
         _contains, hz, v, area=area, unit=unit, dtype=np.bool_, meta=np.empty((0,), np.bool_)

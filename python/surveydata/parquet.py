@@ -32,7 +32,7 @@ STRETCH = 64 << 20
 
 _ROWS_IN_GROUP = 131_072
 _VERSION = "1"
-"""Of the layout: files of another one are written anew."""
+"""The version of the layout: files of another version are rewritten."""
 
 
 class Progress(NamedTuple):
@@ -42,7 +42,7 @@ class Progress(NamedTuple):
     """Of all files."""
     stretches_done: int
     stretches_kept: int
-    """Of those done, how many were there before."""
+    """Of those done, how many existed before."""
     size: int
     """Of all record files, in bytes."""
     size_done: int
@@ -70,8 +70,9 @@ def to_parquet(
     `archive` is a path or fsspec URL of a file or folder, or several of them; `folder` is a local
     path. Rows have `columns` from `columns()`, all by default, with their units and descriptions as
     metadata of the fields. `stretch` is the number of bytes of a record file in one Parquet file.
-    `workers` is the number of threads, each of which writes one file at a time; by default that of
-    processors. `report` is called after each stretch, by the thread that called this function.
+    `workers` is the number of threads, each of which writes one file at a time; by default the
+    number of processors. `report` is called after each stretch, by the thread that called this
+    function.
 
     Existing stretches in `folder` are kept if the name, the size and the modification time of the
     record file, the columns and the stretch are the same; those of a changed file are written

@@ -70,8 +70,9 @@ def register(spark: SparkSession, *, push_filters: bool = False) -> None:
 
     The format has the options `columns` (names separated by commas, all by default), `blocksize`
     (bytes of a record file in a partition, 67,108,864 by default), `pattern` (which files of a
-    folder to read, "*.rec" by default), and `from` and `to`: only measurements from the first GPS
-    time on and before the second one, in ISO 8601 ("2026-03-01T06:00:00"); those without a valid
+    folder to read, "*.rec" by default), and `from` and `to`: only measurements at or after the
+    first GPS time and before the second one, in ISO 8601 ("2026-03-01T06:00:00"); those without a
+    valid
     time are left out. The source applies them before it passes rows to Spark.
 
     With `push_filters`, Spark itself pushes filters on `file` and `time_gps` down to the source.
@@ -178,7 +179,7 @@ class RecordReader(datasource.DataSourceReader):
     def read(self, partition: datasource.InputPartition) -> Iterator[pa.RecordBatch]:
         """The rows of a stretch."""
         if not isinstance(partition, _Partition):
-            return  # without partitions Spark passes one of its own
+            return  # without partitions, Spark passes its own
         stretch = partition.stretch
         names = list(self._names)
         for column, parts in _TIMES.items():

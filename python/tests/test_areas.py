@@ -74,7 +74,7 @@ def test_arrays_are_answered_as_the_plain_rule_answers(
             lambda: area.contains(*directions[0]),
             lambda: area.prepare(many=many),
         ):
-            with pytest.raises(ValueError, match=r"the points make no area: ."):
+            with pytest.raises(ValueError, match=r"the points do not make an area: ."):
                 ask()
         return
     plain = [area.contains(h, w) for h, w in directions]  # one at a time: not prepared
@@ -266,7 +266,7 @@ def test_other_threads_run_while_directions_are_answered(
 def test_an_area_that_is_none_is_not_asked() -> None:
     bow_tie = sd.PolygonArea([0, 1, 0, 1], [1, 2, 2, 1], unit="rad")
     with pytest.raises(
-        ValueError, match=r"the points make no area: edges 1 \(.*\) and 3 \(.*\) cross"
+        ValueError, match=r"the points do not make an area: edges 1 \(.*\) and 3 \(.*\) cross"
     ):
         bow_tie.contains(0.5, 1.5)
     assert bow_tie.explain(0.5, 1.5).rule == sd.Rule.NOT_VALID

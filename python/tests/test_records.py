@@ -352,7 +352,7 @@ def test_arrays_of_paths_are_paths(data: Path) -> None:
         assert same(sd.read_records(array, ["offset"]), whole)
     with pytest.raises(TypeError, match=r"\['pdop'\]"):
         sd.read_records(names[0], "pdop")
-    with pytest.raises(ValueError, match="one file is needed, not 2"):
+    with pytest.raises(ValueError, match="expected one file, not 2"):
         sd.find_damage(names)
 
 

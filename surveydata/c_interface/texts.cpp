@@ -30,14 +30,14 @@ constexpr const char* kStatusTexts[] = {
     "a block does not fit",
     "cannot be stored in the frame",
     "makes the frame longer than 500 bytes",
-    "the points make no area",
+    "the points do not make an area",
 };
 static_assert(std::size(kStatusTexts) == 1 + SURVEYDATA_NOT_VALID);
 
 constexpr const char* kRules[] = {
     "an angle is out of range",
     "the dome reaches down to 0.8 pi",
-    "the points make no area",
+    "the points do not make an area",
     "in the boundary band",
     "no search line",
     "the meridian crosses no edge",

@@ -114,7 +114,7 @@ TEST(ScanDefPoint, IsValidWhenBothAnglesAreSet) {
   EXPECT_FALSE(ScanDefPointImplC(kNotSet, kNotSet, 1.0).IsValid());
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   EXPECT_TRUE(ScanDefPointImplC(kInfinity, std::numeric_limits<double>::quiet_NaN(), 1.0).IsValid())
-      << "only the largest double stands for an angle that is not set";
+      << "only the largest double means an angle that is not set";
 }
 
 }  // namespace

@@ -26,12 +26,12 @@ ExitCode WarnOfFaults(const std::vector<AreaFault>& faults) {
     Tell(fmt::format("the area is not valid: {} more reasons, see area info",
                      faults.size() - reported));
   }
-  return faults.empty() ? ExitCode::kDone : ExitCode::kCannotBeAsked;
+  return faults.empty() ? ExitCode::kDone : ExitCode::kCannotBeQueried;
 }
 
 void RequireOneStandardInput(const std::string& area, const std::string& directions) {
   if (!IsStandardInput(area) || !IsStandardInput(directions)) return;
-  throw ToolErrorC(ExitCode::kUsage, "standard input cannot give both the area and the directions");
+  throw ToolErrorC(ExitCode::kUsage, "standard input cannot be both the area and the directions");
 }
 
 Command AreaCommands() {

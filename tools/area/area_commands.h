@@ -25,7 +25,7 @@ Command AreaPlotCommand();
 CommandOption AreaArgument(std::string& file);
 
 /// Reports on standard error why the area is not valid, up to eight reasons, and returns
-/// `kCannotBeAsked` if it is not.
+/// `kCannotBeQueried` if it is not.
 ExitCode WarnOfFaults(const std::vector<AreaFault>& faults);
 
 /// \throw ToolErrorC  if both the area and the directions would come from standard input.

@@ -268,7 +268,7 @@ ExitCode Run(const Options& options) {
   std::string input;
   if (directions.empty()) {
     if (options.csv.empty() && IsTerminal(StandardStream::kInput)) {
-      Tell(fmt::format("type directions, one in each line: Hz and V; {} ends them", kEndOfInput));
+      Tell(fmt::format("enter directions, one per line: Hz and V; {} ends the input", kEndOfInput));
     }
     DirectionFormat format = options.format;
     format.unit = file.unit;

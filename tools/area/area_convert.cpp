@@ -36,7 +36,7 @@ double ToUnit(double radians, AngleUnit unit) {
   if (std::fabs(ToRadians(rounded, unit) - radians) <= slack) return rounded;
   const double exact = radians / GMAT::PI * HalfTurn(unit);
   if (std::isfinite(exact)) return exact;
-  throw ToolErrorC(ExitCode::kCannotBeAsked,
+  throw ToolErrorC(ExitCode::kCannotBeQueried,
                    fmt::format("an angle is too large for the unit {}", UnitName(unit)));
 }
 

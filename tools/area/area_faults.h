@@ -13,10 +13,10 @@ namespace Tool {
 /// A rule that an area breaks. Points and edges are counted from 1; edge k runs from point k to the
 /// next one, and the last edge back to point 1.
 struct AreaFault {
-  std::string_view rule;            ///< A name for machines.
+  std::string_view rule;            ///< A name for JSON.
   std::vector<std::size_t> points;  ///< Those that break it, if any do.
   std::vector<std::size_t> edges;
-  std::string text;  ///< For people, with angles in the unit of the file.
+  std::string text;  ///< In words, with angles in the unit of the file.
 };
 
 /// The faults that `SDI::FindAreaFaults` finds, with texts.

@@ -312,7 +312,7 @@ std::unique_ptr<AreaC> MakeArea(const std::string& kind) {
   if (kind == "rectangle") return std::make_unique<SDI::ScanRectangularAreaC>();
   if (kind == "polygon") return std::make_unique<SDI::ScanPolygonAreaC>();
   if (kind == "dome") return std::make_unique<SDI::ScanDomeAreaC>();
-  Refuse("\"kind\"", "is none of rectangle, polygon, dome");
+  Refuse("\"kind\"", "is not rectangle, polygon or dome");
 }
 
 template <class Value>
@@ -335,7 +335,7 @@ void SetSettings(const AreaText& text, AreaC& area) {
 
 AreaFile ToAreaFile(const AreaText& text, std::string name) {
   const auto unit = FindUnit(TextOf(text, "unit"));
-  if (!unit) Refuse("\"unit\"", "is none of rad, deg, gon");
+  if (!unit) Refuse("\"unit\"", "is not rad, deg or gon");
   const std::string* const given = AreaText::Find(text.texts, "name");
   if (given != nullptr) name = *given;
   AreaFile file{.name = std::move(name),

@@ -116,7 +116,7 @@ DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds) {
   const double mostColumns = hasManyPoints ? 1024 : 4096;
   const double mostProbes = hasManyPoints ? 1e6 : 2e7;
   const bool isExact = columns * rows <= mostProbes && columns <= mostProbes / 16;
-  // A coarser grid is counted instead: each of its directions stands for several.
+  // A coarser grid is counted instead: each of its directions represents several.
   const double shownColumns = isExact ? columns : std::min(columns, mostColumns);
   const double shownRows = isExact ? rows : std::min(rows, mostColumns);
   const SDI::PreparedAreaC area(*file.area, SDI::PreparedAreaC::Questions::kMany);

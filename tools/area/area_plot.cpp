@@ -48,16 +48,16 @@ AngleWindow ParseWindow(const std::string& text, AngleUnit unit) {
       last->hz - first->hz > 4 * HalfTurn(unit)) {
     throw ToolErrorC(
         ExitCode::kUsage,
-        fmt::format("{} is not a window HZ,V,HZ,V: the second corner has the larger Hz "
-                    "and V, and is at most two turns away",
+        fmt::format("{} is not a window HZ,V,HZ,V: the second corner must have the larger Hz "
+                    "and V, and be at most two turns away",
                     text));
   }
   return {ToRadians(first->hz, unit), ToRadians(last->hz, unit), ToRadians(first->v, unit),
           ToRadians(last->v, unit)};
 }
 
-// Whether preparing the area may take time proportional to the square of its corners, so that each
-// direction is better asked by itself: a large ring around the zenith that crosses itself.
+// Whether preparing the area may take time proportional to the square of its corners, so that
+// testing each direction separately is faster: a large ring around the zenith that crosses itself.
 bool IsSlowToPrepare(const AreaFile& file, const std::vector<AreaFault>& faults) {
   if (faults.empty() || file.Sphere().GetPoints().size() <= kManyCorners) return false;
   AreaBounds extents{};

@@ -38,7 +38,7 @@ std::string RuleText(const AreaExplanation& why, AngleUnit unit) {
     case Rule::kDome:
       return fmt::format("the dome reaches down to V {}", AngleIn(GMAT::V_LIMIT, unit));
     case Rule::kNotValid:
-      return "the points make no area";
+      return "the points do not make an area";
     case Rule::kBand:
       return fmt::format("in the boundary band of edge {}", why.bandEdge + 1);
     case Rule::kNoSearchLine:

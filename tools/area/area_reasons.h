@@ -10,12 +10,12 @@
 #include <output/json_writer.h>
 
 /// \file
-/// Why an area contains a direction, or does not, for machines and for people. Edges are counted
+/// Why an area contains a direction, or does not, as JSON and as text. Edges are counted
 /// from 1, angles are in a unit.
 
 namespace Tool {
 
-/// A name for machines: "parity".
+/// A name for JSON: "parity".
 std::string_view RuleName(SDI::AreaExplanation::Rule rule);
 
 /// The member "why" of an object.

@@ -29,13 +29,13 @@ struct Sweep {
 };
 
 // As in Python's `iter_grid`: up to 2^53 doubles count in ones, and a column of 10^7 directions
-// takes a tenth of a second, so that the first directions come at once.
+// takes a tenth of a second, so that the first directions are written without delay.
 constexpr double kMostColumns = 9007199254740992.0;
 constexpr double kMostRows = 1e7;
 
 std::uint64_t ToCount(double count, double most, std::string_view what) {
   if (count <= most) return static_cast<std::uint64_t>(count);
-  throw ToolErrorC(ExitCode::kCannotBeAsked,
+  throw ToolErrorC(ExitCode::kCannotBeQueried,
                    fmt::format("the grid has {:.4g} {}, more than {:.4g}: the step is too small",
                                count, what, most));
 }

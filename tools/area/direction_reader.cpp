@@ -208,8 +208,7 @@ void DirectionReaderC::TakeFirstLine(std::string_view text) {
     if (format_.columns) {
       place(*format_.columns);
     } else if (columnCount_ != 2) {
-      Refuse(fmt::format("has {} columns, so that --columns must name those of Hz and V",
-                         columnCount_));
+      Refuse(fmt::format("has {} columns, so --columns must name those of Hz and V", columnCount_));
     }
     isHeld_ = true;
     return;
@@ -281,8 +280,8 @@ void DirectionReaderC::RequireUnit(const std::string& name) const {
   const auto unit = FindUnit(LowerCase(*given));
   if (!unit) {
     Refuse(
-        fmt::format("has the column {}, whose unit is none of rad, deg, gon: write one of them "
-                    "in the brackets, or the name alone",
+        fmt::format("has the column {}, whose unit is not rad, deg or gon: write one of them "
+                    "in the brackets, or only the name",
                     name));
   }
   if (format_.unit && unit != format_.unit) {
@@ -301,7 +300,7 @@ char DirectionReaderC::FindSeparator(std::string_view text) const {
     if (isSeparator && found.find(c) == std::string::npos) found += c;
   }
   if (found.size() > 1) {
-    Refuse(fmt::format("has both {} and {}, so that --separator must name one", NameOf(found[0]),
+    Refuse(fmt::format("has both {} and {}, so --separator must name one", NameOf(found[0]),
                        NameOf(found[1])));
   }
   return found.empty() ? kAnyBlanks : found.front();
@@ -327,8 +326,8 @@ std::size_t DirectionReaderC::FindColumn(const std::string& wanted) const {
   const auto number = ToNumber<std::size_t>(wanted);
   const bool isNumber = number && 1 <= *number && *number <= columnCount_;
   if (named && isNumber && *named != *number - 1) {
-    Refuse(fmt::format("has {0} as the name of column {1}, so that --columns {0} is unclear",
-                       wanted, *named + 1));
+    Refuse(fmt::format("has {0} as the name of column {1}, so --columns {0} is ambiguous", wanted,
+                       *named + 1));
   }
   if (named) return *named;
   if (!isNumber) Refuse(fmt::format("has no column {}", wanted));
@@ -395,7 +394,7 @@ void DirectionReaderC::Split(std::string_view text) {
     while (at < text.size() && isBlank(text[at])) ++at;
     if (at < text.size() && text[at] == '"') {
       for (++at;; ++at) {
-        if (at == text.size()) Refuse("has a quotation mark without its end");
+        if (at == text.size()) Refuse("has an opening quotation mark without a closing one");
         if (text[at] == '"' && (at + 1 == text.size() || text[at + 1] != '"')) break;
         if (text[at] == '"') ++at;
         cell += text[at];

@@ -12,7 +12,7 @@
 
 /// \file
 /// How a command describes itself. The parser and its help, the manual page and the completions of
-/// the shells are all made from these values.
+/// the shells are all generated from these values.
 
 namespace Tool {
 

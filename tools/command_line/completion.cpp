@@ -187,7 +187,7 @@ std::string BashCompletion(const Command& top) {
            Quoted(Joined(OptionNames(*command), " ")), Joined(files, " "),
            EndsInFiles(*command) ? "        files_go_on=1\n" : "");
   }
-  return fmt::format(R"(# Completes the commands of {0} in bash. Made from the program.
+  return fmt::format(R"(# Completes the commands of {0} in bash. Generated from the program.
 _{0}() {{
   local command={0} cur=${{COMP_WORDS[COMP_CWORD]}} word='' given=0 i
   local words='' options='' files='' parts='' last='' arguments=() files_go_on=0
@@ -247,7 +247,8 @@ complete -F _{0} {0}
 
 std::string ZshCompletion(const Command& top) {
   std::string out = fmt::format(
-      "#compdef {0}\n# Completes the commands of {0} in zsh. Made from the program.\n", top.name);
+      "#compdef {0}\n# Completes the commands of {0} in zsh. Generated from the program.\n",
+      top.name);
   for (const Command* const command : AllCommands(top)) {
     const ZshSpecC spec(*command);
     std::string specs;
@@ -296,7 +297,7 @@ std::string ZshCompletion(const Command& top) {
 
 std::string FishCompletion(const Command& top) {
   std::string out =
-      fmt::format(R"(# Completes the commands of {0} in fish. Made from the program.
+      fmt::format(R"(# Completes the commands of {0} in fish. Generated from the program.
 
 # The command before the cursor, and the number of its arguments so far.
 function __{0}_state

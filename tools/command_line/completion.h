@@ -7,9 +7,9 @@
 
 namespace Tool {
 
-/// Scripts that complete a program's command line in a shell: commands, options, the words that an
-/// option's value consists of, and the names of files where they belong, those with the right
-/// extension.
+/// Scripts that complete a program's command line in a shell: commands, options, the words of which
+/// an option's value consists, and file names where a file is expected, those with the right
+/// extension first.
 /// @{
 std::string BashCompletion(const Command& top);
 std::string ZshCompletion(const Command& top);

@@ -9,10 +9,10 @@ namespace Tool {
 /// The exit codes of the program.
 enum class ExitCode : int {
   kDone = 0,
-  kFinding = 1,        ///< A finding, such as a gap, a bad frame or a direction outside.
-  kUsage = 2,          ///< The command line is wrong.
-  kFileError = 3,      ///< A file cannot be read or written.
-  kCannotBeAsked = 4,  ///< The question has no answer, for example because the area is not valid.
+  kFinding = 1,          ///< A finding, such as a gap, a bad frame or a direction outside.
+  kUsage = 2,            ///< The command line is wrong.
+  kFileError = 3,        ///< A file cannot be read or written.
+  kCannotBeQueried = 4,  ///< The question has no answer, for example because the area is not valid.
 };
 
 /// Ends the command: `main` prints the message and exits with the code.

@@ -114,7 +114,7 @@ class PageC {
     if (isForm) Macro("EE");
   }
 
-  // The options that a user of this command alone looks for.
+  // The options and arguments of a command; --help only for the program itself.
   void Options(const Command& command, bool isTop) {
     for (const CommandOption& option : command.options) {
       if (option.isHelp && !isTop) continue;
@@ -188,7 +188,7 @@ void WriteCommands(PageC& page, const Command& top) {
 
 std::string ManPage(const Command& top, const std::string& date, const std::string& version) {
   PageC page;
-  page.Line(R"(.\" Made from the commands of the program.)");
+  page.Line(R"(.\" Generated from the commands of the program.)");
   page.Macro("TH", fmt::format(R"({} 1 {} "{} {}" "User Commands")", ToUpper(top.name), date,
                                top.name, version));
   page.Macro("SH", "NAME");

@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-// One call of the system for both lines, so that those of programs that run at the same time do not
+// One system call for both lines, so that those of programs that run at the same time do not
 // mix.
 void Tell(std::string_view message, std::string_view hint) noexcept {
   constexpr std::string_view kBefore = "surveydata: ";

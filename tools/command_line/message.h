@@ -10,7 +10,7 @@ namespace Tool {
 inline constexpr std::size_t kLongestMessage = 4096;
 
 /// Writes a message of one line to standard error, with the name of the program before it, and a
-/// second line if there is a hint, in one call of the system. Characters that could control a
+/// second line if there is a hint, in one system call. Characters that could control a
 /// terminal or look like another line are escaped (see `ToVisible`). A message that is too long is
 /// cut. One that cannot be written is lost: it changes neither the output nor the exit code.
 void Tell(std::string_view message, std::string_view hint = {}) noexcept;

@@ -20,7 +20,7 @@ namespace Tool {
 namespace {
 
 // CLI11 understands "--" only before the first argument of a command. The words after it that begin
-// with a dash are given to it with this mark before them, and without the "--".
+// with a dash are passed to it without the "--", and with this mark as a prefix.
 constexpr char kMark = '\x01';
 
 std::vector<std::string> MarkArguments(int argc, char** argv) {

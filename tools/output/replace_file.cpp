@@ -89,7 +89,7 @@ void FileReplacementC::Verify(const CopiedFileC& copy, std::span<const FilePatch
 
 void FileReplacementC::Replace(std::span<const FilePatch> patches, const ChangeBytes& change) {
   original_.RequireWritable();
-  const HeldSignalsC signals;  // delivered when the copy is gone
+  const HeldSignalsC signals;  // delivered when the copy has been removed
   CopiedFileC copy(original_);
   Copy(copy, signals);
   Patch(copy, patches, change, signals);

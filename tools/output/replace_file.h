@@ -18,8 +18,8 @@ struct FilePatch {
   std::uint64_t mark = 0;  ///< The caller defines its meaning.
 };
 
-/// Changes the bytes of a patch, given as the file has them; false where they are not those that
-/// are to be changed. Gives the same whenever it is called.
+/// Changes the bytes of a patch, given as they are in the file; false if these are not the bytes to
+/// be changed. Repeated calls give the same result.
 using ChangeBytes = std::function<bool(const FilePatch& patch, std::span<std::uint8_t> bytes)>;
 
 /// A change of a file that is made completely or not at all: in a copy that replaces the file in
@@ -43,7 +43,7 @@ class FileReplacementC {
   }
 
   /// Replaces the file by a copy of it in which `change` has changed the bytes of each patch.
-  /// `patches` are by ascending offset and do not overlap. Holes stay holes. Access rights are
+  /// `patches` are by ascending offset and do not overlap. Holes are preserved. Access rights are
   /// preserved (see `CopiedFileC::KeepAccess`), or the change is refused; only the owner may
   /// change, if this user must not set it. Refuses if `change` does, or if the file has changed
   /// since it was locked. Signals that end the program take effect before or after the replacement,

@@ -45,7 +45,8 @@ fs::path CacheFolder() {
   }
   const char* const home = std::getenv("HOME");
   if (home == nullptr || !fs::path(home).is_absolute()) {
-    throw FileErrorC("there is no folder for the page, as HOME is not set; choose one with -o");
+    throw FileErrorC(
+        "there is no folder for the page, because HOME is not set; choose one with -o");
   }
   return fs::path(home) / ".cache";
 }

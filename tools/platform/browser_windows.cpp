@@ -47,7 +47,7 @@ fs::path PrivateFolder() {
       GetEnvironmentVariableW(L"LOCALAPPDATA", name, static_cast<DWORD>(std::size(name)));
   if (length == 0 || length >= std::size(name)) {
     throw FileErrorC(
-        "there is no folder for the page, as LOCALAPPDATA is not set; choose one with -o");
+        "there is no folder for the page, because LOCALAPPDATA is not set; choose one with -o");
   }
   const fs::path folder = fs::path(std::wstring_view(name, length)) / L"surveydata" / L"pages";
   std::error_code error;

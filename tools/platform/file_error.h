@@ -5,7 +5,7 @@
 
 namespace Tool {
 
-/// A file cannot be read or written, as `what()` says. The program ends with
+/// A file cannot be read or written, as `what()` says. The program exits with
 /// `ExitCode::kFileError`.
 class FileErrorC : public std::runtime_error {
  public:

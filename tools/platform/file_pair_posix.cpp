@@ -31,8 +31,8 @@ constexpr std::size_t kCopyRandom = 6;  // the number of random letters that fol
 constexpr std::string_view kCopyLetters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
-// The folder is opened once, and all files in it through its descriptor: another user may make its
-// path lead elsewhere at any time. With O_PATH that takes no permission to read the folder.
+// The folder is opened once, and all files in it through its descriptor: another user may redirect
+// its path at any time. O_PATH needs no read permission for the folder.
 #if defined(O_PATH)
 constexpr int kOpenFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
 #else

@@ -103,7 +103,7 @@ struct OriginalFileC::Platform {
 OriginalFileC::OriginalFileC(const std::string& file)
     : name_(file), platform_(std::make_unique<Platform>()) {
   Platform& own = *platform_;
-  // The lock: as long as the file is open here, no other program can open it to write, rename or
+  // The lock: as long as the file is open here, no other program can open it for writing, rename or
   // delete it.
   const auto openFor = [&](DWORD access) {
     own.file = HandleC(CreateFileW(ToPath(file).c_str(), access, FILE_SHARE_READ, nullptr,
@@ -276,7 +276,8 @@ void CopiedFileC::TakePlace() {
 struct HeldSignalsC::Platform {
   static BOOL WINAPI Hold(DWORD kind) {
     isPending = true;
-    // Windows ends the program when this returns for these events, so wait until the copy is gone.
+    // Windows ends the program when this returns for these events, so wait until the copy has been
+    // removed.
     if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) WaitForSingleObject(isOver, INFINITE);
     return TRUE;
   }

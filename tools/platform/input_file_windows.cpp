@@ -67,7 +67,7 @@ std::ptrdiff_t InputFileC::ReadAt(std::uint64_t offset, std::span<std::uint8_t> 
   const auto wanted =
       static_cast<DWORD>(std::min<std::size_t>(to.size(), std::numeric_limits<int>::max()));
   const std::uint64_t from = start_ + offset;
-  OVERLAPPED place{};  // one call, so that threads cannot change the place between two
+  OVERLAPPED place{};  // one call, so that threads cannot move the position between two
   place.Offset = static_cast<DWORD>(from);
   place.OffsetHigh = static_cast<DWORD>(from >> 32);
   DWORD count = 0;

@@ -19,7 +19,7 @@ void PrepareStandardStreams();
 bool IsTerminal(StandardStream stream);
 
 /// Whether the stream is a terminal that obeys the escape sequences of colours. On Windows this
-/// turns them on; the console is as before when the program ends.
+/// turns them on; the console is restored when the program ends.
 bool ShowsColours(StandardStream stream);
 
 /// What a user types to end the input on a terminal.

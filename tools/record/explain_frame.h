@@ -19,7 +19,7 @@ struct FrameField {
   std::size_t size;  ///< In bytes.
   SDI::RecordFrame::Block block;
   std::optional<SDI::RecordFrame::Field> field;  ///< Empty for bytes of a block that does not fit.
-  std::string value;                             ///< For people.
+  std::string value;                             ///< Human-readable.
 
   std::string_view BlockName() const { return TextOf(block); }
   std::string_view FieldName() const { return field ? NameOf(*field) : "does not fit"; }

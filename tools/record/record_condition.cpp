@@ -160,7 +160,7 @@ class ParserC {
 
   Term Parse() {
     Term term = Any(0);
-    if (token_.kind != TokenKind::kEnd) Fail("and, or, or the end is expected");
+    if (token_.kind != TokenKind::kEnd) Fail("expected and, or, or the end");
     return term;
   }
 
@@ -217,11 +217,11 @@ class ParserC {
       if (depth == kDeepest) Fail(fmt::format("more than {} parentheses are open", kDeepest));
       Advance();
       Term term = Any(depth + 1);
-      Need(TokenKind::kClose, "and, or, or ) is expected");
+      Need(TokenKind::kClose, "expected and, or, or )");
       return term;
     }
     if (token_.kind != TokenKind::kWord || IsWord("and") || IsWord("or")) {
-      Fail("a condition is expected, e.g. pdop < 4");
+      Fail("expected a condition, e.g. pdop < 4");
     }
     const Token name = token_;
     Advance();
@@ -233,10 +233,10 @@ class ParserC {
     Advance();
     Term term;
     term.kind = Term::Kind::kPresent;
-    if (token_.kind != TokenKind::kWord) Fail("the name of a column is expected");
+    if (token_.kind != TokenKind::kWord) Fail("expected the name of a column");
     term.column = &Column(token_);
     Advance();
-    Need(TokenKind::kClose, ") is expected");
+    Need(TokenKind::kClose, "expected )");
     return term;
   }
 
@@ -250,7 +250,7 @@ class ParserC {
              fmt::format("the column {0} is a list, which only present({0}) takes", name.text));
     }
     if (token_.kind != TokenKind::kComparison) {
-      if (type != GPSColumnType::kBool) Fail("a comparison is expected: = != < <= > >=");
+      if (type != GPSColumnType::kBool) Fail("expected a comparison: = != < <= > >=");
       term.literal = true;
       return term;
     }
@@ -277,7 +277,7 @@ class ParserC {
     } else if (IsWord("true") || IsWord("false")) {
       literal = token_.text == "true";
     } else {
-      Fail("a number, a text in quotes, true or false is expected");
+      Fail("expected a number, a text in quotes, true or false");
     }
     Advance();
     return literal;
@@ -362,7 +362,7 @@ class ParserC {
       if (text_[at_] == quote) ++at_;
       token_.text += text_[at_];
     }
-    Fail("this text has no quotation mark at its end");
+    Fail("this text has no closing quotation mark");
   }
 
   void TakeComparison() {
@@ -378,7 +378,7 @@ class ParserC {
       at_ += sign.size();
       return;
     }
-    Fail("there is no such sign");
+    Fail("unknown character");
   }
 
   std::string_view text_;

@@ -22,7 +22,7 @@ namespace Tool {
 /// by the bytes of their UTF-8.
 class RecordConditionC {
  public:
-  /// \throw ValueErrorC with the place of the error, in characters from 1
+  /// \throw ValueErrorC with the place of the error, in characters, counted from 1
   explicit RecordConditionC(std::string_view text);
   RecordConditionC(RecordConditionC&& other) noexcept;
   RecordConditionC& operator=(RecordConditionC&& other) noexcept;

@@ -263,7 +263,7 @@ class DiffC {
 
 ExitCode Run(const Options& options) {
   if (IsStandardInput(options.a) && IsStandardInput(options.b)) {
-    throw ToolErrorC(ExitCode::kUsage, "standard input cannot give both A and B");
+    throw ToolErrorC(ExitCode::kUsage, "standard input cannot be both A and B");
   }
   return DiffC(options).Run();
 }

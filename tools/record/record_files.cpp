@@ -59,7 +59,7 @@ std::vector<RecordFile> FilesOfFolder(const std::string& folder, bool isRecursiv
   if (found.empty()) {
     throw ToolErrorC(ExitCode::kFileError,
                      fmt::format("cannot read {}: it is a folder without files *.rec{}", folder,
-                                 isRecursive ? "" : "; --recursive reads the folders below, too"));
+                                 isRecursive ? "" : "; --recursive also reads its subfolders"));
   }
   std::ranges::sort(found, {}, &RecordFile::name);
   return found;

@@ -95,7 +95,7 @@ class OpenRecordFilesC {
 
  private:
   struct Input {
-    std::mutex mutex;  // of each one: opening a pipe waits for its writer
+    std::mutex mutex;  // one for each file: opening a pipe blocks until its writer opens it
     std::shared_ptr<InputFileC> opened;
     std::size_t unread = 0;  // pieces
   };

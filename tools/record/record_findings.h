@@ -32,11 +32,10 @@ struct RecordFindings {
   std::uint64_t gapBytes = 0;
   Finding gaps;
   Finding damagedHeaders;  ///< In gaps: the checksum is wrong, or the file ends before the frame.
-  Finding
-      overlappingHeaders;  ///< In gaps: the frame would run into the next record; may be chance.
-  Finding badBlocks;       ///< Frames with a right checksum whose blocks do not fit.
-  Finding timesBack;       ///< Measurements with a time A before that of the one before.
-  Finding repeated;        ///< Measurements with the same bytes as the one before.
+  Finding overlappingHeaders;  ///< In gaps: the frame would overlap the next record; maybe random.
+  Finding badBlocks;           ///< Frames with a right checksum whose blocks do not fit.
+  Finding timesBack;           ///< Measurements with a time A before that of the previous one.
+  Finding repeated;            ///< Measurements with the same bytes as the previous one.
   std::optional<std::int64_t>
       firstTime;  ///< Time A in milliseconds of GPS time, if it is in range.
   std::optional<std::int64_t> lastTime;

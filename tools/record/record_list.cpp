@@ -270,7 +270,7 @@ struct ListedPiece {
   PieceOutputC output;
   Counts counts;
   bool hasTimesAfterExpiry = false;
-  std::optional<Gap> first;  // begins in the piece before, and may continue in the next one
+  std::optional<Gap> first;  // begins in the previous piece, and may continue in the next one
   std::optional<Gap> last;   // continues in the next piece
 };
 

@@ -47,8 +47,8 @@ struct PassOptions {
   unsigned jobs = 0;                                ///< 0: one for each processor.
   bool mayCut = true;                               ///< Whether files may be read in stretches.
   std::uint64_t longestStretch = kShortestStretch;  ///< As in `StretchOf`.
-  /// How many results more than there are jobs may wait for their turn. If files differ much in
-  /// size, threads stop less often the larger it is.
+  /// How many results in addition to one per job may be held until they can be written. If the
+  /// sizes of files differ much, a larger number makes threads stop less often.
   std::size_t ahead = 2;
   OutputC* out = nullptr;  ///< Null for a command without output during the pass.
   bool hasRows = false;    ///< As in `ProgressC`.

@@ -233,7 +233,7 @@ ExitCode Run(const Options& options) {
   if (!options.isDryRun) replacement.emplace(options.file);
   const PatchedFrame frame = PatchFrame(FindFrameIn(options, replacement), changes);
   if (changes.antennaHeight && !changes.isSlant && IsSlant(frame.before)) {
-    Tell("the antenna height becomes a vertical one, without --slant; it is a slant height now");
+    Tell("the antenna height was a slant height; without --slant, it becomes vertical");
   }
   OutputC out;
   if (frame.before == frame.after) {

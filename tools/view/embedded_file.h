@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// The place for a file in a page for the browser; the project's page has one.
+/// The placeholder for a file in a page for the browser; the project's page has one.
 inline constexpr std::string_view kFilePlace = "<!-- file -->";
 
 /// Writes `page` with a file at the first `kFilePlace`, in Base64 (RFC 4648) in an HTML element

@@ -120,7 +120,7 @@ TEST_F(DirectionReaderTest, TakesAHeadingThatNamesTheUnit) {
 
   const std::string other = ", but the directions are in gon, the unit of the area file";
   const std::string unknown =
-      ", whose unit is none of rad, deg, gon: write one of them in the brackets, or the name alone";
+      ", whose unit is not rad, deg or gon: write one of them in the brackets, or only the name";
   const struct {
     const char* text;
     std::string fault;
@@ -211,8 +211,8 @@ TEST_F(DirectionReaderTest, RefusesWhatIsNotClearWithItsLine) {
     DirectionFormat format = {};
   } cases[] = {
       // Decimal commas.
-      {"57,5;92,3\n", "line 1 has both commas and semicolons, so that --separator must name one"},
-      {"57,5\t92,3\n", "line 1 has both commas and tabs, so that --separator must name one"},
+      {"57,5;92,3\n", "line 1 has both commas and semicolons, so --separator must name one"},
+      {"57,5\t92,3\n", "line 1 has both commas and tabs, so --separator must name one"},
       {"57,5 92,3\n", "line 1 " + neither + "57,5 92,3"},
       {"57,5;92,3\n", "line 1 " + neither + "57,5;92,3", {.separator = ';'}},
       {"hz;v\n57,5;92\n", "line 2 is not a direction: 57,5;92", {.separator = ';'}},
@@ -221,7 +221,7 @@ TEST_F(DirectionReaderTest, RefusesWhatIsNotClearWithItsLine) {
       {"1,2,3\n", "line 1 " + neither + "1,2,3"},
       {"1\n", "line 1 " + neither + "1"},
       {"1,2,3\n",
-       "line 1 has 3 columns, so that --columns must name those of Hz and V",
+       "line 1 has 3 columns, so --columns must name those of Hz and V",
        {.hasNoHeading = true}},
       {"id,azimuth,zenith\n", "line 1 " + neither + "id,azimuth,zenith"},
       {"hz,w\n", "line 1 " + neither + "hz,w"},
@@ -232,13 +232,13 @@ TEST_F(DirectionReaderTest, RefusesWhatIsNotClearWithItsLine) {
       {"hz,v\n1,2\n", "line 1 has no column 0", {.columns = {{"0", "1"}}}},
       {"hz,v\n1,2\n", "line 1 has Hz and V in one column", {.columns = {{"hz", "1"}}}},
       {"hz,v,1\n11,95,399\n",
-       "line 1 has 1 as the name of column 3, so that --columns 1 is unclear",
+       "line 1 has 1 as the name of column 3, so --columns 1 is ambiguous",
        {.columns = {{"1", "2"}}}},
       {"hz,v,1\n11,95,399\n",
-       "line 1 has 1 as the name of column 3, so that --columns 1 is unclear",
+       "line 1 has 1 as the name of column 3, so --columns 1 is ambiguous",
        {.columns = {{"1", "v"}}}},
       {"hz,v,2 [gon]\n11,95,399\n",
-       "line 1 has 2 as the name of column 3, so that --columns 2 is unclear",
+       "line 1 has 2 as the name of column 3, so --columns 2 is ambiguous",
        {.columns = {{"hz", "2"}}}},
       // A heading, or a direction with a mistake?
       {"1,x\n", "line 1 " + neither + "1,x"},
@@ -261,7 +261,7 @@ TEST_F(DirectionReaderTest, RefusesWhatIsNotClearWithItsLine) {
        "1,2"},
       {"hz,v,id\n1,2\n", "line 2 has 2 columns, not 3 as the first line: 1,2"},
       {"hz,v\n1,2,\n", "line 2 has 3 columns, not 2 as the first line: 1,2,"},
-      {"hz,v,id\n1,2,\"a\n", "line 2 has a quotation mark without its end"},
+      {"hz,v,id\n1,2,\"a\n", "line 2 has an opening quotation mark without a closing one"},
       {"hz,v,id\n1,2,\"a\"b\n", "line 2 has text after a quoted cell"},
       {"1,2\n3,1 2\n", "line 2 is not a direction: 3,1 2"},
       {std::string("1,2\n3,4\0\n", 9), "line 2 has a zero byte"},

@@ -144,7 +144,7 @@ bool IsExitCode(int code) {
     case Tool::ExitCode::kFinding:
     case Tool::ExitCode::kUsage:
     case Tool::ExitCode::kFileError:
-    case Tool::ExitCode::kCannotBeAsked:
+    case Tool::ExitCode::kCannotBeQueried:
       return true;
   }
   return false;

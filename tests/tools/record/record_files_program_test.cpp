@@ -180,7 +180,7 @@ TEST(RecordFiles, ReadsTheRecordFilesOfFolders) {
   EXPECT_EQ(empty.exitCode, 3);
   EXPECT_EQ(empty.err,
             "surveydata: cannot read other.rec: it is a folder without files *.rec; --recursive "
-            "reads the folders below, too\n");
+            "also reads its subfolders\n");
 }
 
 TEST(RecordFiles, ReadsTheOthersWhenOneCannotBeRead) {

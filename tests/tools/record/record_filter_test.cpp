@@ -223,18 +223,18 @@ TEST(RecordCondition, PointsAtTheErrors) {
     const char* condition;
     const char* message;
   } cases[] = {
-      {"", "at its end: a condition is expected, e.g. pdop < 4"},
-      {"pdop", "at its end: a comparison is expected: = != < <= > >="},
-      {"pdop <", "at its end: a number, a text in quotes, true or false is expected"},
-      {"pdop < 4 and", "at its end: a condition is expected, e.g. pdop < 4"},
-      {"pdop < 4 5", "at character 10, \"5\": and, or, or the end is expected"},
+      {"", "at its end: expected a condition, e.g. pdop < 4"},
+      {"pdop", "at its end: expected a comparison: = != < <= > >="},
+      {"pdop <", "at its end: expected a number, a text in quotes, true or false"},
+      {"pdop < 4 and", "at its end: expected a condition, e.g. pdop < 4"},
+      {"pdop < 4 5", "at character 10, \"5\": expected and, or, or the end"},
       {"pdop < 4 and pdob > 1",
        "at character 14, \"pdob > 1\": there is no column \"pdob\"; did you mean pdop?"},
       {"AZ > 1",
        "at character 1, \"AZ > 1\": there is no column \"AZ\"; surveydata record columns lists "
        "them"},
-      {"(pdop < 4", "at its end: and, or, or ) is expected"},
-      {"pdop < 4)", "at character 9, \")\": and, or, or the end is expected"},
+      {"(pdop < 4", "at its end: expected and, or, or )"},
+      {"pdop < 4)", "at character 9, \")\": expected and, or, or the end"},
       {"pdop < 4x", "at character 8, \"4x\": this is not a number"},
       {"pdop < 1.2.3", "at character 8, \"1.2.3\": this is not a number"},
       {"pdop < +-1", "at character 8, \"+-1\": this is not a number"},
@@ -247,14 +247,14 @@ TEST(RecordCondition, PointsAtTheErrors) {
       {"name = '\u00FC' and name = '\u00FC",
        "at character 23, \"'\u00FC\": this text has no "
        "quotation mark at its end"},
-      {"name = '\u00FC' x", "at character 12, \"x\": and, or, or the end is expected"},
-      {"pdop ~ 4", "at character 6, \"~ 4\": there is no such sign"},
-      {"present(4)", "at character 9, \"4)\": the name of a column is expected"},
-      {"present(pdop", "at its end: ) is expected"},
+      {"name = '\u00FC' x", "at character 12, \"x\": expected and, or, or the end"},
+      {"pdop ~ 4", "at character 6, \"~ 4\": unknown character"},
+      {"present(4)", "at character 9, \"4)\": expected the name of a column"},
+      {"present(pdop", "at its end: expected )"},
       {"list_entries = 4",
        "at character 1, \"list_entries = 4\": the column list_entries is a list, "
        "which only present(list_entries) takes"},
-      {"and", "at character 1, \"and\": a condition is expected, e.g. pdop < 4"},
+      {"and", "at character 1, \"and\": expected a condition, e.g. pdop < 4"},
   };
   for (const auto& [condition, message] : cases) EXPECT_EQ(MessageOf(condition), message);
 }

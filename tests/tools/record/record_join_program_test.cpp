@@ -150,7 +150,7 @@ TEST(RecordJoin, KeepsTheOrderOfEqualTimesAndOfTimesThatGoBack) {
             At(3000) + At(5000) + At(1000) + At(6000));
   EXPECT_EQ(Join({At(3000) + At(0xFFFFFFFF) + At(7000), At(4000)}),
             At(3000) + At(0xFFFFFFFF) + At(4000) + At(7000))
-      << "a measurement without a time stays with the one before";
+      << "a measurement without a time stays with the previous one";
 }
 
 TEST(RecordJoin, JoinsTheSampleFiles) {
