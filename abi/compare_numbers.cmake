@@ -31,7 +31,7 @@ foreach(symbols exports_elf exports_windows)
   endif()
 endforeach()
 
-# The C interface is to stay small: what a caller can compose gets no function.
+# The C interface is to stay small: it has no functions that a caller can compose from others.
 set(functions ${exports_elf})
 list(FILTER functions INCLUDE REGEX "${exports_c}")
 list(LENGTH functions count)

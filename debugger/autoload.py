@@ -1,5 +1,5 @@
 # Loaded by gdb with the library, or manually (`source`) afterwards. Loads the printers from a
-# folder beside the library.
+# folder next to the library.
 
 import os
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Tests the extension module with the address and undefined-behaviour sanitizers. Leaks are not
 # checked here: the interpreter itself leaks, and test_objects.py measures what objects leave.
-# The sanitizer's own allocator does not survive a fork beside threads.
+# The sanitizer's own allocator does not survive a fork while other threads run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . python/environment.sh

@@ -142,7 +142,7 @@ test("names in the guides lead to the references", () => onPage({}, async (page)
   }
 }));
 
-test("the first page, as it looks", () => onPage({}, async (page) => {
+test("a picture of the first page", () => onPage({}, async (page) => {
   await open(page, "index.html");
   for (const door of ["C++ and C", "Python", "The program"]) await page.locator(".door", { hasText: door }).waitFor();
   await page.screenshot({ path: join(site, "../first_page.png"), fullPage: true });

@@ -32,7 +32,7 @@ _SAMPLES = Path(__file__).resolve().parents[2] / "tests" / "data"
 
 
 def interleaved(clock: Callable[[], float], runs: int, *works: Callable[[], object]) -> list[float]:
-    """The median time of each function, in interleaved runs, after one that does not count."""
+    """The median time of each function, in interleaved runs, after one that is not counted."""
     times: list[list[float]] = [[] for _ in works]
     for run in range(runs + 1):
         for work, results in zip(works, times, strict=True):

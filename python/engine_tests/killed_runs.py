@@ -1,5 +1,5 @@
 """Converts ARCHIVE to DIR in processes that kill themselves, each after some more steps than the
-one before, until one reaches the end. Prints a line for each: the signal, the number of whole
+previous one, until one reaches the end. Prints a line for each: the signal, the number of complete
 files, and their rows.
 """
 

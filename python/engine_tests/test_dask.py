@@ -255,7 +255,7 @@ def test_a_worker_killed_in_the_middle_changes_nothing(
         client.wait_for_workers(2, timeout=60)
         assert victim not in {nanny.pid for nanny in cluster.workers.values()}
     assert victim in began
-    assert len(began) > 41, "what the process had was done again"
+    assert len(began) > 41, "the partitions of the process were read again"
     assert len(set(began) - processes) <= 1
     pd.testing.assert_frame_equal(
         found.reset_index(drop=True), expected.reset_index(drop=True), check_exact=True

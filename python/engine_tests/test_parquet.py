@@ -214,7 +214,7 @@ def test_killed_at_every_step_it_goes_on_where_it_was(drives: Path, tmp_path: Pa
     assert set(signals[:-1]) == {signal.SIGKILL}
     assert signals[-1] == 0
     assert len(runs) > 20
-    assert list(whole) == sorted(whole), "what is whole stays"
+    assert list(whole) == sorted(whole), "complete files are kept"
     assert len(set(whole)) > 10
     assert max(rows) == rows[-1] == expected.num_rows
     assert_same(plain(read(tmp_path / "out"), expected), expected)
@@ -250,7 +250,7 @@ def test_the_command_says_what_it_did(
         assert printed.out == ""
         rows = expected_rows(drives).num_rows
         assert printed.err.startswith(
-            f"{rows:,} measurements of 5 files in 5 Parquet files, {kept} of them from before; "
+            f"{rows:,} measurements of 5 files in 5 Parquet files, {kept} of them present before; "
             "0 frames left out; "
         )
 

@@ -1,4 +1,4 @@
-"""Coverage of a facade scan: which measured directions lie in the area, and what is missing.
+"""Coverage of a facade scan: which measured directions are in the area, and what is missing.
 
 python facade_coverage.py facade.json facade_coverage.svg
 """

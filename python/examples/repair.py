@@ -1,4 +1,4 @@
-"""A damaged file and its repair: what is lost, and a copy with everything that is whole.
+"""A damaged file and its repair: what is lost, and a copy with everything that is intact.
 
 python repair.py damaged.rec repaired.rec
 """

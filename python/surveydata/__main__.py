@@ -50,7 +50,7 @@ def _parser() -> argparse.ArgumentParser:
     to_parquet.add_argument("-o", "--output", metavar="DIR", required=True, help="the folder")
     to_parquet.add_argument("--columns", metavar="NAMES", help="separated by commas; default: all")
     to_parquet.add_argument(
-        "--pattern", default="*.rec", help="which files of a folder; **/*.rec: also deeper ones"
+        "--pattern", default="*.rec", help="which files of a folder; **/*.rec: also in subfolders"
     )
     to_parquet.add_argument(
         "--stretch",
@@ -106,8 +106,8 @@ def main(arguments: Sequence[str] | None = None) -> int:
             print(file=sys.stderr)
     print(
         f"{_counted(progress.rows, 'measurement')} of {_counted(progress.files, 'file')} in "
-        f"{_counted(progress.stretches, 'Parquet file')}, {progress.stretches_kept:,} of them from "
-        f"before; {_counted(progress.left_out, 'frame')} left out; "
+        f"{_counted(progress.stretches, 'Parquet file')}, {progress.stretches_kept:,} of them "
+        f"present before; {_counted(progress.left_out, 'frame')} left out; "
         f"{progress.seconds:,.1f} s",
         file=sys.stderr,
     )

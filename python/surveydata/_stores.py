@@ -29,7 +29,7 @@ class RecordFile(NamedTuple):
     name: str
     """The path relative to the folder that was named, with slashes; otherwise its last part."""
     version: str
-    """Differs after the file was changed: its modification time, or what the file system has instead."""
+    """Differs after a change: the modification time, or what the file system has instead."""
 
 
 class Stretch(NamedTuple):

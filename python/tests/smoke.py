@@ -5,7 +5,7 @@ import math
 
 import surveydata
 
-assert importlib.util.find_spec("pyarrow") is None, "run this where NumPy is alone"
+assert importlib.util.find_spec("pyarrow") is None, "run this in an environment with NumPy only"
 assert surveydata.__version__.count(".") == 2
 area = surveydata.RectangularArea([10, 20], [80, 90], unit="deg")
 assert area.contains([15, 25], [85, 85]).tolist() == [True, False]

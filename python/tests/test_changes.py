@@ -152,7 +152,7 @@ def test_a_change_of_many_records_is_made_completely_or_not_at_all(
     assert path.read_bytes() == before
 
     def writes(rows: sd.RecordTable) -> NDArray[np.bool_]:
-        with path.open("r+b") as other:  # a program that knows of no lock
+        with path.open("r+b") as other:  # a program that ignores the lock
             other.seek(int(rows.column("offset").values[0]) + 30)
             other.write(b"xx")
         return np.ones(len(rows), bool)

@@ -410,7 +410,7 @@ def test_no_object_outlives_its_last_name() -> None:
     try:
         library.mallinfo2.restype = _Memory
     except AttributeError:
-        pytest.skip("the C library does not tell what is allocated")
+        pytest.skip("the C library does not report allocated memory")
 
     def after(rounds: int) -> int:
         for _ in range(rounds):

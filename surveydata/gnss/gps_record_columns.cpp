@@ -147,7 +147,7 @@ std::pair<float, bool> AntennaHeight(R r) {
   return answer;
 }
 
-/// What columns need to know of each row, apart from the masks of the measurement.
+/// The information that columns need about each row, in addition to the masks of the measurement.
 enum class Trait : std::uint8_t {
   kHasName,
   kIsKindZero,
@@ -381,7 +381,7 @@ void ForEach(Bits bits, Visit visit) {
   }
 }
 
-/// Rows of which nothing is kept for a column.
+/// For columns that keep no values of the rows of a block.
 struct Nothing {};
 
 #if defined(__SSE2__)
@@ -1077,8 +1077,8 @@ constexpr std::array<Functions, kColumnCount> AllFunctions(std::index_sequence<c
 }
 constexpr std::array<Functions, kColumnCount> kFunctions = AllFunctions(kEachColumn);
 
-// Calling a function for each column of a row takes longer than putting the values of all columns
-// if they are more than a few.
+// With more columns than this, storing the values of all columns is faster than calling a function
+// for each of them.
 constexpr std::size_t kFew = 12;
 
 /// Where the texts of row `row` are to be written.
@@ -1202,7 +1202,8 @@ void GPSColumnReaderC::State::Stage(std::size_t most, const PutterC& putter, std
   GPSRecordEntry entry;
   while (staged < most && reader.NextEntry(entry)) {
     if (!entry.IsMeasurement()) continue;
-    // Keeps what every frame stores and what has no value in a column while it is absent.
+    // Keeps fields that every frame sets, and fields whose columns have no value while they are
+    // absent.
     RecordColumns::Renewal::Renew(measurement);
     info.number = 0;  // the other fields are never set
     info.flags = 0;
@@ -1227,7 +1228,7 @@ bool IsBuffer(const GPSColumnBuffer& buffer) {
 }
 
 // Loads the memory that the next block will be written to while its frames are decoded. There are
-// more columns than a processor recognises as sequences by itself.
+// more columns than sequences of addresses that a processor detects by itself.
 void FetchNextBlock(const GPSColumnBuffer& buffer, std::size_t rows, std::size_t staged,
                     std::size_t capacity) {
   constexpr std::size_t kLine = 64;

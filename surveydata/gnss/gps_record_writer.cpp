@@ -69,7 +69,7 @@ GPSAppendOutcome GPSRecordWriterC::Append(const char* fileName,
     outcome = GPSAppendOutcome::kLeftOver;
   }
   if (outcome == GPSAppendOutcome::kDone || !isNew) return outcome;
-  // Nothing is left with the new file.
+  // Removing the new file leaves nothing behind.
   const bool isRemoved = std::remove(fileName) == 0;
   if (outcome == GPSAppendOutcome::kCannotOpen) return outcome;
   return isRemoved ? GPSAppendOutcome::kWritingFailed : GPSAppendOutcome::kLeftOver;

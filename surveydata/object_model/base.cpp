@@ -71,7 +71,7 @@ ImplObjectC::ImplObjectC(const ImplObjectC& /*other*/) noexcept {}
 ImplObjectC::~ImplObjectC() {
   if (owner_ == nullptr) return;
   assert((owner_->impl_ == nullptr || owner_->impl_ == this) &&
-         "the owner of this implementation has another one, or is gone");
+         "the owner of this implementation has another one, or was destroyed");
   assert(!IsAutomatic(*owner_) && "a variable is deleted as the owner of an implementation");
   owner_->impl_ = nullptr;  // so that the owner does not delete this object in turn
   delete owner_;
@@ -88,7 +88,7 @@ void ImplObjectC::SetBase(BaseC* owner) {
   BaseC* const old = owner_;
   if (old != nullptr && old != owner) {
     assert((old->impl_ == nullptr || old->impl_ == this) &&
-           "the earlier owner of this implementation has another one, or is gone");
+           "the earlier owner of this implementation has another one, or was destroyed");
     assert(!IsAutomatic(*old) && "a variable is deleted as the earlier owner of an implementation");
     old->impl_ = nullptr;
     delete old;

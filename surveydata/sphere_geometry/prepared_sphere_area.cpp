@@ -92,7 +92,7 @@ inline PreparedSphereAreaC::Answer PreparedSphereAreaC::AskWrapped(double hz, do
   const double hzOrigin = frame_.hzOrigin;
   switch (way_) {
     case Way::kPolygon:
-      if (!IsInTurn(hz)) {  // outside by less than 10 digits show
+      if (!IsInTurn(hz)) {  // outside by less than the comparison to 10 digits detects
         if (band_->Contains(frame_, BandProbe(hz, v, hzOrigin))) return {true, true};
         return AskPolygon(NormalizeAngle(hz - hzOrigin), v);
       }

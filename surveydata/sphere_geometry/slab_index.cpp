@@ -208,8 +208,8 @@ class SlabIndexC::BuilderC {
   bool AllCount(const ArcCurve& curve, const Point& from, const Point& to) const {
     return line_.AllCount(RangeOf(curve, from, to));
   }
-  // The rules may count a curve slightly beyond its ends. A steep one may be anywhere there: the
-  // rules must know it.
+  // The rules may count a curve slightly beyond its ends. A steep one may be anywhere there, so the
+  // rules must include it.
   bool NoneCounts(const ArcCurve& curve, const Point& from, const Point& to) const {
     if (curve.kind != ArcCurve::kArc) return false;
     const double change = kColumnOverlap * (std::fabs(curve.a) + std::fabs(curve.b));
@@ -326,9 +326,9 @@ class SlabIndexC::OpenCrossingsC {
   }
 
  private:
-  // Within the intervals, neighbours on the list may be exchanged, and many in a row may be
-  // exchanged by more than two are. Sorts the list by the heights on the meridian, and collects
-  // the edges that may count as one with another.
+  // Within the intervals, neighbours on the list may be swapped, and if many are, an edge may be
+  // several places from its own. Sorts the list by the heights on the meridian, and collects the
+  // edges that may count as one with another.
   void Sort() {
     std::vector<std::pair<double, ColumnOrderC::Item>> heights;
     heights.reserve(order_.size());

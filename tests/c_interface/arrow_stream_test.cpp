@@ -377,7 +377,7 @@ Source LargeSource(std::int64_t answer) {
   return source;
 }
 
-TEST(ArrowStream, GoesOnAfterItWasCancelled) {
+TEST(ArrowStream, ContinuesAfterItWasCancelled) {
   Source source = LargeSource(SURVEYDATA_READ_CANCELLED);
   const auto columns = Columns::All();
   {
@@ -405,7 +405,7 @@ TEST(ArrowStream, GoesOnAfterItWasCancelled) {
   EXPECT_EQ(source.released, 1);
 }
 
-TEST(ArrowStream, SaysThatReadingFailedAfterTheRowsBefore) {
+TEST(ArrowStream, ReportsAFailedReadAfterTheRowsBefore) {
   Source source = LargeSource(SURVEYDATA_READ_FAILED);
   StreamC stream(OpenSource(source));
   Array batch;

@@ -84,7 +84,7 @@ surveydata_reader* OpenSource(Source& source) {
   return reader;
 }
 
-TEST(CInterfaceFaults, AReaderIsOpenedOrNotThere) {
+TEST(CInterfaceFaults, AReaderIsOpenedOrNotCreated) {
   const ByteVector bytes = FrameOf(20);
   surveydata_reader* reader = nullptr;
   const auto isNull = [&] { EXPECT_EQ(reader, nullptr); };
@@ -290,7 +290,7 @@ class CInterfaceAreaFaults : public testing::Test {
   surveydata_area_definition definition_{};
 };
 
-TEST_F(CInterfaceAreaFaults, AnAreaIsMadeOrNotThere) {
+TEST_F(CInterfaceAreaFaults, AnAreaIsCreatedOrDoesNotExist) {
   surveydata_area* area = nullptr;
   for (const std::uint32_t kind : {SURVEYDATA_RECTANGLE, SURVEYDATA_POLYGON, SURVEYDATA_DOME}) {
     definition_.kind = kind;

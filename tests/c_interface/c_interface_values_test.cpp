@@ -85,7 +85,7 @@ std::vector<Entry> ListByC(std::span<const std::uint8_t> bytes, SDI::GPSRecordSt
   return list;
 }
 
-TEST(CInterfaceReader, GivesWhatTheClassGives) {
+TEST(CInterfaceReader, GivesTheResultsOfTheClass) {
   std::mt19937_64 random(20260201);
   for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE(round);
@@ -115,7 +115,7 @@ void ExpectSameEncoding(const surveydata_measurement& measurement,
                          expectedFrame.begin()));
 }
 
-TEST(CInterfaceDecode, GivesWhatTheClassGives) {
+TEST(CInterfaceDecode, GivesTheResultsOfTheClass) {
   std::mt19937_64 random(20260202);
   int done = 0;
   int misfits = 0;

@@ -1,5 +1,5 @@
-// Any bytes through the C interface: what a function that cancels now and then reads is what bytes
-// in memory give, entries cover the stretch, and each frame decodes, is explained, encoded and
+// Arbitrary bytes through the C interface: a source that sometimes cancels gives the same results
+// as bytes in memory, entries cover the stretch, and each frame decodes, is explained, encoded and
 // changed consistently.
 
 #include <algorithm>
@@ -172,7 +172,7 @@ void ExpectFrame(std::span<const std::uint8_t> bytes, Fuzz::InputC& in) {
   if (status == SURVEYDATA_OK) ExpectChanges(bytes.first(size), measurement, in);
 }
 
-// Everything of a reader. Entries cover the stretch; measurements go through the other functions.
+// All results of a reader. Entries cover the stretch; measurements go through the other functions.
 std::vector<Entry> List(surveydata_reader* reader, const ByteVector& bytes, const Stretch& stretch,
                         Fuzz::InputC* in) {
   std::vector<Entry> list;

@@ -183,7 +183,7 @@ class TableParserC {
     return true;
   }
 
-  // Whether a cell is `name` with a unit after it; of its unit, whether the area has it.
+  // Whether a cell is `name` followed by a unit, and whether that is the unit of the area.
   static bool IsWithUnit(const std::string& cell, const std::string& name, bool& isRightUnit) {
     for (const std::string brackets : {"[]", "()"}) {
       const std::size_t open = cell.find(brackets[0]);

@@ -95,7 +95,7 @@ TEST(InstrumentInfoData, LowersFlagsThatAreRaisedAndLoweredAtOnce) {
   EXPECT_EQ(object.GetFlags(), 0x6U);
 }
 
-TEST(InstrumentInfoData, TakesANullTextForTheEmptyOne) {
+TEST(InstrumentInfoData, TreatsANullTextAsEmpty) {
   ODM::InstrumentInfoDataC info = RecordOf<ODM::InstrumentInfoDataC>(u"TS-1");
   info.setText2(nullptr);
   EXPECT_STREQ(info.getText2(), "");

@@ -26,7 +26,7 @@ class OpenFileC {
   std::FILE* file_;
 };
 
-TEST(FileAccess, TellsWhyAFileCannotBeOpened) {
+TEST(FileAccess, ReportsWhyAFileCannotBeOpened) {
   const struct {
     int error;
     OpenFailure failure;

@@ -251,7 +251,7 @@ TYPED_TEST(MeasDataImpl, ValuesKeepTheFirstTwo) {
   }
 }
 
-TYPED_TEST(MeasDataImpl, FewerValuesLeaveTheOthersStoredBehindTheCount) {
+TYPED_TEST(MeasDataImpl, FewerValuesLeaveTheOthersStoredAfterTheCount) {
   const std::uint16_t values[] = {11, 22};
   const std::uint16_t later[] = {33};
   TypeParam meas;
@@ -279,7 +279,7 @@ TYPED_TEST(MeasDataImpl, Word16AndVectorAreCopiedInAndOut) {
   EXPECT_EQ(vector[2], 1e300);
 }
 
-TYPED_TEST(MeasDataImpl, TotalPairStandsForSystem1UntilThereAreSystems) {
+TYPED_TEST(MeasDataImpl, TotalPairIsThatOfSystem1UntilASystemIsSet) {
   const Bytes2 total{12, 9};
   const Bytes2 one{7, 5};
   TypeParam meas;
@@ -325,7 +325,7 @@ TYPED_TEST(MeasDataImpl, System1IsPresentWithAPairOfZeros) {
   ExpectPairs(meas, nullptr, &zeros, nullptr, nullptr);
 }
 
-TEST(MeasDataImpl, TellsStoredPairsWhetherTheyAreSetOrNot) {
+TEST(MeasDataImpl, ReturnsStoredPairsWhetherOrNotTheyAreSet) {
   GPSMeasDataImplC meas;
   EXPECT_EQ(meas.GetStoredTotalPair(), SDI::GPSCounterPair{});
   meas.SetTotalPair(1, 2);

@@ -431,7 +431,7 @@ TEST(GPSColumns, AreTheSameAfterFramesWhoseBlocksDoNotFit) {
   }
 }
 
-TEST(GPSColumns, PassOnWhatTheReadersFunctionThrowsAndKeepTheRowsBefore) {
+TEST(GPSColumns, PassOnExceptionsOfTheReadersFunctionAndKeepTheRowsBefore) {
   ByteVector bytes;
   while (bytes.size() < 600'000) Append(bytes, Sample("valley_drive"));
   bool isToThrow = false;
@@ -523,7 +523,7 @@ TEST(GPSColumns, OfTextsAreRightForEveryLength) {
   }
 }
 
-TEST(GPSColumns, HaveNoLongerTextThanTheySay) {
+TEST(GPSColumns, HaveNoTextLongerThanTheyState) {
   const std::u16string units(79, u'\u20AC');
   const auto text = FrameBuilderC().Times().U16(0x2000).U16(0x0040).Units(units).U16(0).Frame();
   EXPECT_EQ(Value(text, "text_c").size(), SDI::FindGPSColumn("text_c")->largest + 2);
@@ -581,7 +581,7 @@ TEST(GPSColumns, OfDilutionsAreAbsentWhenNotAvailable) {
   EXPECT_EQ(Value(frame, "gdop"), "absent");
 }
 
-TEST(GPSColumns, KeepNumbersThatAreNone) {
+TEST(GPSColumns, KeepNaNAndInfinities) {
   for (const std::uint32_t bits : {0x7F800000U, 0xFF800000U, 0x7FC00001U}) {
     const auto frame = FrameBuilderC().Times().U16(0x0004).U32(bits).U8(0).Frame();
     EXPECT_EQ(Value(frame, "antenna_height"), "f" + std::to_string(bits));

@@ -173,7 +173,7 @@ TEST(RecordFileRead, ABadBlockLeavesTheBlocksBeforeItStored) {
   EXPECT_EQ(measurement.GetExtraTimeCount(), 0);
 }
 
-TEST(RecordFileRead, WithoutArgumentsThereIsNoFile) {
+TEST(RecordFileRead, MissingArgumentsAreRefused) {
   const TempFileC file(SmallFrame());
   GPSMeasDataImplC measurement;
   GPSRecordFileInfo info = file.Info();
@@ -185,7 +185,7 @@ TEST(RecordFileRead, WithoutArgumentsThereIsNoFile) {
 
 // --- Files that cannot be used ------------------------------------------------------------------
 
-TEST(RecordFileOpen, AMissingFileIsNoFile) {
+TEST(RecordFileOpen, AMissingFileIsRefused) {
   const TempFolderC folder;
   ExpectNoFile(TestSupport::InfoFor(folder.Path() / "missing.rec"), 1);
   ExpectNoFile(TestSupport::InfoFor(folder.Path() / "missing" / "file.rec"), 1);
@@ -193,13 +193,13 @@ TEST(RecordFileOpen, AMissingFileIsNoFile) {
   EXPECT_TRUE(fs::is_empty(folder.Path()));
 }
 
-TEST(RecordFileOpen, AFolderIsNoFile) {
+TEST(RecordFileOpen, AFolderIsRefused) {
   const TempFolderC folder;
   fs::create_directory(folder.Path() / "folder.rec");
   ExpectNoFile(TestSupport::InfoFor(folder.Path() / "folder.rec"), 1);
 }
 
-TEST(RecordFileOpen, AFileThatCannotBeWrittenIsNoFile) {
+TEST(RecordFileOpen, AFileThatCannotBeWrittenIsRefused) {
   const TempFileC file(SmallFrame());
   fs::permissions(file.Path(), fs::perms::owner_read);
   // Root may write every file.
@@ -573,7 +573,7 @@ TEST(RecordFileWrite, EveryLengthInTheHeader) {
   }
 }
 
-TEST(RecordFileWrite, WithoutAnInfoThereIsNoFile) {
+TEST(RecordFileWrite, AMissingInfoIsRefused) {
   const GPSMeasDataImplC measurement;
   EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(&measurement, nullptr), 1U);
   EXPECT_EQ(GPSRecordFileC::WriteGPSMeasData(nullptr, nullptr), 1U);

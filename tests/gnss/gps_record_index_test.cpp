@@ -168,7 +168,7 @@ TEST(RecordIndex, EveryLengthFromTheShortestToTheLongest) {
   for (const GPSRecordEntry& entry : entries) EXPECT_EQ(entry.IsMeasurement(), entry.size <= 500);
 }
 
-TEST(RecordIndex, LengthsBelow5AreNoRecords) {
+TEST(RecordIndex, LengthsBelow5AreNotRecords) {
   for (unsigned length = 0; length < 5; ++length) {
     ByteVector bytes(20, 0);
     bytes[0] = 0x9C;
@@ -226,7 +226,7 @@ TEST(RecordIndex, AGapOfManyWindowsIsOneEntry) {
 
 // Every second byte begins a header of the longest record. A walk that added the bytes of each
 // would take hours.
-TEST(RecordIndex, AFileFullOfMagicsStaysQuick) {
+TEST(RecordIndex, AFileFullOfMagicsTakesLinearTime) {
   ByteVector bytes;
   while (bytes.size() < 2'000'000) Append(bytes, {0x9C, 0xAE});
   const std::vector<GPSRecordEntry> gap = {{0, bytes.size(), true, 0}};

@@ -164,7 +164,7 @@ TEST(ReaderStretchesProperty, OfChainsJoinToTheWhole) {
 
 // The 100-byte frames of a chain begin every 50 bytes: at every position two walks are possible,
 // and only the start of the file determines which is correct.
-TEST(ReaderStretches, OnlyTheStartTellsTheWalkOfAChain) {
+TEST(ReaderStretches, OnlyTheStartDeterminesTheWalkOfAChain) {
   std::mt19937_64 random(20260132);
   const ByteVector chain = ChainOf(100, 50, 400'000, random);
   for (const std::size_t shift : {0U, 50U}) {
@@ -181,7 +181,7 @@ TEST(ReaderStretches, OnlyTheStartTellsTheWalkOfAChain) {
 
 // The chain begins where the first look-back does. The second look-back reaches it with the sums of
 // the first one, whose beginning is overwritten: it must not use them.
-TEST(ReaderStretches, ALookBackKnowsNoSumsOfTheOneBefore) {
+TEST(ReaderStretches, ALookBackDoesNotUseTheSumsOfThePreviousOne) {
   std::mt19937_64 random(20260137);
   const ByteVector chain =
       ChainOf(20'000, 10'000, 400'000, random);  // too long to be summed at once

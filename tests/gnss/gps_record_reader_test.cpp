@@ -244,7 +244,7 @@ TEST(RecordReader, AHeaderThatReachesBeyondTheEndIsCutEvenBeforeARecord) {
   EXPECT_EQ(List(reader).damaged, expected);
 }
 
-TEST(RecordReader, AHeaderWithoutRoomForTimesAndFlagsIsNoDamage) {
+TEST(RecordReader, AHeaderWithoutRoomForTimesAndFlagsIsNotDamage) {
   for (const unsigned length : {5U, 16U, 17U, 498U, 499U}) {
     ByteVector bytes{0x9C, 0xAE, static_cast<std::uint8_t>(length & 0xFF),
                      static_cast<std::uint8_t>(length >> 8), 113};
@@ -294,7 +294,7 @@ TEST(RecordReader, ARecordIsInFreshData) {
   EXPECT_TRUE(reader.GetRecord().IsDone());
   EXPECT_STREQ(reader.GetRecord().GetInfo().name, "first");
   EXPECT_TRUE(reader.GetRecord().GetMeasurement().GetImpl()->HasListBlock());
-  // Changes by the caller, and public objects of parts, are gone with the next record.
+  // Changes by the caller, and public objects of parts, are discarded with the next record.
   GPSMeasDataImplC& impl = *reader.GetRecord().GetMeasurement().GetImpl();
   impl.SetTextB(u"changed");
   impl.SetTimeB({2200, 5});
@@ -316,7 +316,7 @@ TEST(RecordReader, ACopyOfAMeasurementStays) {
   EXPECT_EQ(kept[1].GetTimeA().week, 2U);
 }
 
-TEST(RecordReader, ALoopThatIsLeftGoesOnWithTheNextRecord) {
+TEST(RecordReader, ALoopThatWasLeftContinuesWithTheNextRecord) {
   ByteVector bytes;
   for (unsigned week = 1; week <= 3; ++week) {
     Append(bytes, FrameBuilderC().Times(week).U16(0).Frame());
@@ -333,7 +333,7 @@ TEST(RecordReader, ALoopThatIsLeftGoesOnWithTheNextRecord) {
   EXPECT_EQ(weeks, (std::vector<unsigned>{2, 3}));
 }
 
-TEST(RecordReader, NextAndNextEntryGoTheSameWay) {
+TEST(RecordReader, NextAndNextEntryShareThePosition) {
   ByteVector bytes(3, 0x11);
   Append(bytes, FrameOf(20));
   Append(bytes, FrameOf(700, 1, 42));
@@ -360,7 +360,7 @@ TEST(RecordReader, NextAndNextEntryGoTheSameWay) {
   EXPECT_FALSE(reader.Next());
 }
 
-TEST(RecordReader, RunsThroughAnAlgorithmOfRanges) {
+TEST(RecordReader, WorksWithAlgorithmsOfRanges) {
   ByteVector bytes;
   for (unsigned week = 1; week <= 9; ++week) {
     Append(bytes, FrameBuilderC().Times(week).U16(0).Frame());
@@ -393,7 +393,7 @@ TEST(RecordReader, ANameWithoutAFile) {
   EXPECT_FALSE(nameless.Next());
 }
 
-TEST(RecordReader, NothingInPlaceOfAStreamOrAFunction) {
+TEST(RecordReader, ANullStreamOrFunction) {
   GPSRecordReaderC streamless(static_cast<std::FILE*>(nullptr));
   EXPECT_EQ(streamless.GetState(), GPSReaderState::kCannotOpen);
   EXPECT_FALSE(streamless.Next());
@@ -421,7 +421,7 @@ TEST(RecordReader, AFolderCannotBeRead) {
   EXPECT_FALSE(reader.Next());
 }
 
-TEST(RecordReader, AStreamIsReadOnFromWhereItIs) {
+TEST(RecordReader, AStreamIsReadFromItsPosition) {
   ByteVector bytes(7, 0x11);
   Append(bytes, FrameOf(20));
   const TempFileC file(bytes);
@@ -448,7 +448,7 @@ TEST(RecordReader, AFunctionThatEndsBeforeItsSize) {
   EXPECT_EQ(reader.GetState(), GPSReaderState::kOpen);
 }
 
-TEST(RecordReader, NothingIsAskedForBeyondTheSizeOfAFunction) {
+TEST(RecordReader, NothingIsReadBeyondTheSizeOfAFunction) {
   ByteVector bytes = FrameOf(20);
   const std::size_t size = bytes.size();
   Append(bytes, FrameOf(20));
@@ -508,7 +508,7 @@ TEST(RecordReader, FramesInsideARecordThatCannotBeReadAreNotRecords) {
 }
 
 // The fault of the last header is unknown.
-TEST(RecordReader, DamageIsNotMadeUpWhereReadingFailed) {
+TEST(RecordReader, NoDamageIsReportedWhereReadingFailed) {
   ByteVector bytes = FrameOf(400, 1);
   bytes.resize(100);
   std::vector<GPSDamagedHeader> damaged;
@@ -522,7 +522,7 @@ TEST(RecordReader, DamageIsNotMadeUpWhereReadingFailed) {
   EXPECT_EQ(reader.GetState(), GPSReaderState::kReadingFailed);
 }
 
-TEST(RecordReader, AFunctionThatThrowsLeavesAReaderThatGoesOn) {
+TEST(RecordReader, AReaderContinuesAfterItsFunctionThrows) {
   ByteVector bytes;
   while (bytes.size() < 600'000) Append(bytes, FrameOf(20));
   int calls = 0;
@@ -584,7 +584,7 @@ std::vector<GPSRecordEntry> EntriesDespite(GPSRecordReaderC& reader, std::size_t
       ++thrown;
     }
   }
-  ADD_FAILURE() << "the reader does not get on";
+  ADD_FAILURE() << "the reader makes no progress";
   return entries;
 }
 
@@ -668,7 +668,7 @@ ReaderWalks::Listed ListDespite(GPSRecordReaderC& reader, NowAndThenC& nowAndThe
   return listed;
 }
 
-TEST(RecordReader, WhateverThrowsNothingIsLostOrGivenTwice) {
+TEST(RecordReader, NoExceptionLosesOrRepeatsAnEntry) {
   std::mt19937_64 random(20260125);
   for (int round = 0; round < 20; ++round) {
     // Several blocks, with gaps and damaged headers across their borders.
@@ -697,7 +697,7 @@ TEST(RecordReader, WhateverThrowsNothingIsLostOrGivenTwice) {
   }
 }
 
-TEST(RecordReader, TellsHowFarItHasCome) {
+TEST(RecordReader, ReportsItsProgress) {
   constexpr std::uint64_t kMebibyte = 1U << 20;
   ByteVector bytes;
   while (bytes.size() < 4'500'000) Append(bytes, FrameOf(400));
@@ -872,7 +872,7 @@ TEST(RecordReaderDecode, KeepsWhatTheFrameDoesNotCarry) {
   EXPECT_EQ(info.flags, GPSRecordFileInfo::kKindZero | GPSRecordFileInfo::kKindNonZero);
 }
 
-TEST(RecordReaderDecode, TellsApartWhatIsNoFrame) {
+TEST(RecordReaderDecode, DistinguishesWhyBytesAreNotAFrame) {
   const ByteVector frame = FrameBuilderC().Times().U16(0x0100).U8(1).U8(2).Frame();
   const auto outcomeOf = [](std::span<const std::uint8_t> bytes) {
     const Decoded decoded = Decode(bytes);
@@ -938,7 +938,7 @@ TEST(RecordReaderDecode, NamesTheBlockThatDoesNotFit) {
 
 // --- Texts
 
-TEST(RecordReaderTexts, EveryValueHasATextOfItsOwn) {
+TEST(RecordReaderTexts, EveryValueHasItsOwnText) {
   const auto texts = [](auto last) {
     std::vector<std::string> all;
     using Enum = decltype(last);

@@ -64,7 +64,7 @@ TEST(RecordWriterEncode, GivesTheRecordsOfTheSamplesAgain) {
   }
 }
 
-TEST(RecordWriterEncode, RefusesAFieldThatHasNoPlace) {
+TEST(RecordWriterEncode, RefusesAFieldThatAFrameCannotStore) {
   GPSMeasDataImplC measurement;
   measurement.SetStatusBit2();
   GPSRecordFileInfo info;
@@ -93,7 +93,7 @@ TEST(RecordWriterEncode, RefusesTheFieldThatMakesTheFrameTooLong) {
 
 // --- Appending
 
-TEST(RecordWriterAppend, PutsRecordsAtTheEndAndMakesTheFile) {
+TEST(RecordWriterAppend, AppendsRecordsAndCreatesTheFile) {
   const TempFolderC folder;
   const std::string name = (folder.Path() / "new.rec").string();
   ByteVector expected;
@@ -111,7 +111,7 @@ TEST(RecordWriterAppend, PutsRecordsAtTheEndAndMakesTheFile) {
   EXPECT_EQ(weeks, (std::vector<unsigned>{1, 2, 3}));
 }
 
-TEST(RecordWriterAppend, NothingIsNothing) {
+TEST(RecordWriterAppend, NoRecordsChangeNothing) {
   const ByteVector before = FrameOf(20);
   const TempFileC file(before);
   EXPECT_EQ(GPSRecordWriterC::Append(file.Path().string().c_str(), {}), GPSAppendOutcome::kDone);
@@ -141,7 +141,7 @@ TEST(RecordWriterAppend, RefusesWhatIsNotWholeRecords) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
-TEST(RecordWriterAppend, AFileThatCannotBeMade) {
+TEST(RecordWriterAppend, AFileThatCannotBeCreated) {
   const TempFolderC folder;
   const ByteVector records = FrameOf(20);
   EXPECT_EQ(
@@ -155,7 +155,7 @@ TEST(RecordWriterAppend, AFileThatCannotBeMade) {
               outcome == GPSAppendOutcome::kNoPermission);
 }
 
-TEST(RecordWriterTexts, EveryValueHasATextOfItsOwn) {
+TEST(RecordWriterTexts, EveryValueHasItsOwnText) {
   const auto texts = [](auto first, auto last) {
     std::vector<std::string> all;
     using Enum = decltype(last);

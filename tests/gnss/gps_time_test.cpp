@@ -76,7 +76,7 @@ TEST(GPSTime, IsWrittenAsDateAndTimeOfDay) {
   EXPECT_EQ(Gps({65535, SDI::kMillisecondsPerWeek - 1}), "3236-01-12T23:59:59.999");
 }
 
-TEST(GPSTime, OutOfTheWeekIsNoTime) {
+TEST(GPSTime, IsEmptyOutOfTheWeek) {
   for (const std::int32_t timeOfWeek :
        {-1, SDI::kMillisecondsPerWeek, std::numeric_limits<std::int32_t>::min(),
         std::numeric_limits<std::int32_t>::max()}) {

@@ -82,7 +82,7 @@ TEST(RecordFileOpen, ARunningProgramIsRefused) {
   ExpectNoFile(TestSupport::InfoFor(folder.Path() / "running.rec"), 1);
 }
 
-TEST(RecordFileOpen, AFileThatCannotBePositionedIsABadFrame) {
+TEST(RecordFileOpen, AFileThatCannotSeekIsABadFrame) {
   const TempFolderC folder;
   const fs::path pipe = folder.Path() / "pipe.rec";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -173,7 +173,7 @@ TEST(RecordReader, APipeHasNoStretches) {
   }
 }
 
-TEST(RecordReader, AFileThatMustNotBeRead) {
+TEST(RecordReader, AFileWithoutReadPermission) {
   const TempFileC file(FrameOf(20));
   fs::permissions(file.Path().parent_path(), fs::perms::all);
   fs::permissions(file.Path(), fs::perms::none);
@@ -203,7 +203,7 @@ TEST(RecordReader, AFileWithoutASizeIsRead) {
   EXPECT_EQ(reader.GetState(), SDI::GPSReaderState::kOpen);
 }
 
-TEST(RecordWriter, AFileThatMustNotBeWritten) {
+TEST(RecordWriter, AFileWithoutWritePermission) {
   const TempFileC file(FrameOf(20));
   fs::permissions(file.Path().parent_path(), fs::perms::all);
   fs::permissions(file.Path(), fs::perms::owner_read);

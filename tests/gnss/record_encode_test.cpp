@@ -134,13 +134,13 @@ GPSListBlock ListOf(std::uint8_t count) {
 
 constexpr std::uint16_t kValues[] = {7, 8};
 
-TEST(RecordEncode, ANewMeasurementIsTimesAlone) {
+TEST(RecordEncode, ANewMeasurementHasOnlyTimes) {
   const auto [bytes, refusal] = EncodedOf({}, {});
   EXPECT_EQ(bytes, Begun(0).Frame());
   EXPECT_EQ(refusal, Refusal());
 }
 
-TEST(RecordEncode, OneFieldIsItsBlockAlone) {
+TEST(RecordEncode, OneFieldGivesOnlyItsBlock) {
   const struct {
     const char* field;
     std::function<void(Record&)> set;
@@ -247,7 +247,7 @@ TEST(RecordEncode, StoredValuesThatAreNotPresentAreLeftOut) {
   EXPECT_EQ(EncodedOf(measurement, {}).bytes, Begun(0).Frame());
 }
 
-TEST(RecordEncode, WhatTheCallerGivesOfAnInfoTakesNoPart) {
+TEST(RecordEncode, PathExtensionAndOffsetAreIgnored) {
   GPSRecordFileInfo info;
   info.offset = 77;
   std::memset(info.path, 'p', sizeof(info.path));
@@ -258,7 +258,7 @@ TEST(RecordEncode, WhatTheCallerGivesOfAnInfoTakesNoPart) {
 
 // --- What is refused ----------------------------------------------------------------------------
 
-TEST(RecordEncode, WhatAFrameNeverGivesIsRefused) {
+TEST(RecordEncode, ValuesThatNoFrameGivesAreRefused) {
   const double beyond = std::nextafter(1.0, 2.0);
   const double largest = std::numeric_limits<float>::max();
   const auto tooLarge = std::nextafter(largest, std::numeric_limits<double>::infinity());

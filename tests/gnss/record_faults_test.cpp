@@ -460,7 +460,7 @@ TEST_F(RecordFaults, AnAppendThatFailsLeavesNoNewFile) {
 }
 
 // The only case in which bytes remain. Even then the previous contents are unchanged.
-TEST_F(RecordFaults, AnAppendThatCannotBeCutBackSaysSo) {
+TEST_F(RecordFaults, AnAppendThatCannotBeUndoneIsReported) {
   const ByteVector records = TestSupport::FrameOf(200, 1);
   Faults::FailFileCall(4, Extent::kHalf, 5);
   EXPECT_EQ(SDI::GPSRecordWriterC::Append(file_.Path().c_str(), records),

@@ -447,7 +447,7 @@ TEST_F(Decoding, FloatsKeepTheirBitsAndAreWidened) {
   }
 }
 
-TEST_F(Decoding, TellsWhatItFound) {
+TEST_F(Decoding, ReportsTheOutcome) {
   using Outcome = SDI::GPSRecordOutcome;
   const ByteVector frame = FrameBuilderC().Times().U16(0x0100).U8(1).U8(2).Frame();
   const auto outcome = [](const ByteVector& bytes) {

@@ -39,7 +39,7 @@ Walked Walk(const ByteVector& bytes) {
 
 // Headers of long records, close together: a walk that added the bytes of each would add 65535
 // bytes for every 5.
-TEST(RecordWalk, AddsUpFewBytesWhateverTheyAre) {
+TEST(RecordWalk, AddsFewBytesForAnyContent) {
   std::mt19937_64 random(20260110);
   for (const unsigned length : {5U, 60U, 498U, 5'000U, 65'530U, 65'535U}) {
     for (const std::size_t every : {5U, 7U, 50U, 499U, 30'000U}) {
@@ -100,7 +100,7 @@ TEST(RecordWalk, SumsAreThoseOfTheBytes) {
   }
 }
 
-TEST(RecordWalk, StopsAtTheLimitAndGoesOnFromThere) {
+TEST(RecordWalk, StopsAtTheLimitAndContinuesThere) {
   ByteVector bytes(100, 0x9C);
   Append(bytes, FrameOf(20));
   WalkC walk(bytes);

@@ -16,7 +16,7 @@ TEST(ImgChipWindowInfo, WithNaNDiffersFromItsCopy) {
   EXPECT_FALSE(window == ImgChipWindowInfoC(window));
 }
 
-TEST(ImgChipWindowInfo, TellsTheSmallestDifference) {
+TEST(ImgChipWindowInfo, DetectsTheSmallestDifference) {
   ImgChipWindowInfoC a, b;
   a.SetValue1(1.0);
   b.SetValue1(std::nextafter(1.0, 2.0));

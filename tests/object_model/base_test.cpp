@@ -46,7 +46,7 @@ TEST(Base, ItsCopyHasNoImplementation) {
   EXPECT_EQ(impl->GetBase(), &object);
 }
 
-TEST(Base, ItsAssignmentCopiesThePointerAlone) {
+TEST(Base, ItsAssignmentCopiesOnlyThePointer) {
   BaseC object(new ImplObjectC);
   ImplObjectC* const impl = object.GetImpl();
   BaseC other;
@@ -67,7 +67,7 @@ TEST(Base, NullHasNothingToLink) {
   EXPECT_EQ(other.GetImpl(), nullptr);
 }
 
-TEST(Base, DestroysItsImplementationWithinItsOwnEnd) {
+TEST(Base, DestroysItsImplementationInItsDestructor) {
   int object = 0;
   int impl = 0;
   g_order = 0;
@@ -103,7 +103,7 @@ class AskingObject : public BaseC {
   const BaseC*& found_;
 };
 
-TEST(Base, StillAnswersItsImplementationWhileThatIsDestroyed) {
+TEST(Base, ReturnsItsImplementationWhileThatIsDestroyed) {
   const ImplObjectC* found = nullptr;
   auto* const object = new BaseC;
   auto* const impl = new AskingImpl(*object, found);
@@ -112,7 +112,7 @@ TEST(Base, StillAnswersItsImplementationWhileThatIsDestroyed) {
   EXPECT_EQ(found, impl);
 }
 
-TEST(ImplObject, StillAnswersItsOwnerWhileThatIsDestroyed) {
+TEST(ImplObject, ReturnsItsOwnerWhileThatIsDestroyed) {
   const BaseC* found = nullptr;
   auto* const impl = new ImplObjectC;
   const auto* const object = new AskingObject(impl, found);
@@ -120,7 +120,7 @@ TEST(ImplObject, StillAnswersItsOwnerWhileThatIsDestroyed) {
   EXPECT_EQ(found, object);
 }
 
-TEST(ImplObject, DestroysItsOwnerWithinItsOwnEnd) {
+TEST(ImplObject, DestroysItsOwnerInItsDestructor) {
   int object = 0;
   int impl = 0;
   g_order = 0;
@@ -147,7 +147,7 @@ TEST(ImplObject, KeepsItsOwnerInCopyAndAssignment) {
   EXPECT_EQ(a.GetBase(), &first);
 }
 
-TEST(ImplObject, MakesNoOwnerByItself) {
+TEST(ImplObject, CreatesNoOwner) {
   ImplObjectC impl;
   EXPECT_EQ(impl.GetBase(), nullptr);
   EXPECT_EQ(impl.GetBase(), nullptr);
@@ -168,7 +168,7 @@ TEST(ImplObject, UnlinksTheEarlierOwnerBeforeItDeletesIt) {
   EXPECT_EQ(impl.GetBase(), nullptr);
 }
 
-TEST(ImplObject, DetachingCutsItsOwnerFromWhateverImplementationItHas) {
+TEST(ImplObject, DetachingUnlinksItsOwnerFromAnyImplementation) {
   BaseC object(new ImplObjectC);
   ImplObjectC* const old = object.GetImpl();
   auto* const next = new ImplObjectC;

@@ -187,7 +187,7 @@ struct Part {
   bool operator==(const Part&) const = delete;
 };
 
-TEST(EqualField, AsksAPartForItsOwnEquality) {
+TEST(EqualField, UsesTheEqualityOfAPart) {
   EXPECT_TRUE(EqualField(Part{12}, Part{17}));
   EXPECT_FALSE(EqualField(Part{12}, Part{21}));
 }

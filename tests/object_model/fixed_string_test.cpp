@@ -165,7 +165,7 @@ TEST(FixedString, ZeroExtendsTheBytesOfACString) {
   ExpectHolds(FixedStringC<10>("\x80\x7F"), u"\u0080\u007F");
 }
 
-TEST(FixedString, IsEmptyFromNull) {
+TEST(FixedString, IsEmptyForNull) {
   ForEachCapacity([](auto capacity) {
     using String = FixedStringC<capacity()>;
     ExpectHolds(String(static_cast<const char16_t*>(nullptr)), u"");
@@ -485,7 +485,7 @@ TEST(FixedString, AppendsItselfAndTruncates) {
   });
 }
 
-TEST(FixedString, SumLeavesItsPartsAlone) {
+TEST(FixedString, SumDoesNotChangeItsOperands) {
   const FixedStringC<10> a(u"ab");
   const FixedStringC<10> b(u"cd");
   ExpectHolds(a + b, u"abcd");
@@ -600,7 +600,7 @@ TEST(FixedString, ReadsNumbersAsTheRuntimeDoes) {
   });
 }
 
-TEST(FixedString, ReadsNoNumberWhereAUnitIsAbove255) {
+TEST(FixedString, ReadsNoNumberIfAUnitIsAbove255) {
   EXPECT_EQ(FixedStringC<10>(u"12\u0100").ToInt(), 0);
   EXPECT_EQ(FixedStringC<10>(u"12\u0100").ToLong(), 0);
   EXPECT_EQ(FixedStringC<10>(u"12\u0100").ToDouble(), 0.0);

@@ -273,7 +273,7 @@ TEST(FixedStringToUtf8, CountsForANullDestination) {
   EXPECT_EQ(Model::Text<255>(std::u16string(255, u'\u20AC')).ToUtf8(nullptr, 1000), 765);
 }
 
-TEST(FixedStringToUtf8, SkipsWhatDoesNotFitAndGoesOn) {
+TEST(FixedStringToUtf8, SkipsWhatDoesNotFitAndContinues) {
   const auto text = Model::Text<10>(u"\u20AC\u0041");
   char bytes[4] = {'\x55', '\x55', '\x55', '\x55'};
   EXPECT_EQ(text.ToUtf8(bytes, 2), 4);
@@ -325,7 +325,7 @@ TEST(FixedStringToUtf8, RandomTextsEncodeLikeTheModelAtEveryDestinationSize) {
   }
 }
 
-TEST(FixedStringToUtf8, SpaceMayBeCalledUnlimited) {
+TEST(FixedStringToUtf8, SpaceMayBeUnlimited) {
   char bytes[3 * 255 + 1];
   const FixedStringC<255> text(std::u16string(255, u'\u20AC').c_str());
   EXPECT_EQ(text.ToUtf8(bytes, SIZE_MAX), 765);

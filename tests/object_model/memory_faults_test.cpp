@@ -98,7 +98,7 @@ TEST_EACH(PairMemory, AnImplementationThatIsNotAdoptedKeepsItsOwner) {
   delete second;
 }
 
-TEST_EACH(PairMemory, LinkingAndPartingTakesNone) {
+TEST_EACH(PairMemory, LinkingAndDetachingAllocatesNothing) {
   using Public = typename TypeParam::PublicT;
   using Impl = typename TypeParam::ImplT;
   auto* const impl = new Impl;
@@ -114,7 +114,7 @@ TEST_EACH(PairMemory, LinkingAndPartingTakesNone) {
   EXPECT_EQ(object.GetImpl(), impl);
 }
 
-TEST_EACH(PairMemory, DestroyingTakesNone) {
+TEST_EACH(PairMemory, DestroyingAllocatesNothing) {
   using Public = typename TypeParam::PublicT;
   auto* object = this->Marked().release();
   EXPECT_EQ(FailuresBeforeSuccess([&] { delete object; }), 0U);
@@ -124,7 +124,7 @@ TEST_EACH(PairMemory, DestroyingTakesNone) {
 
 // --- Records with parts
 
-TEST(PartsMemory, APartIsHandedOutOrNotThere) {
+TEST(PartsMemory, APartIsLentOrNotCreated) {
   ODM::PositionC position;
   position.GetCoordinatePoint().SetX(7.0);
   API::BaseC* part = nullptr;
@@ -210,7 +210,7 @@ TEST(ScanAreaMemory, AnAreaCanBeUsedAfterAnAssignmentThatFailed) {
   }
 }
 
-TEST(ScanAreaMemory, QuestionsLeaveNoMemoryAllocated) {
+TEST(ScanAreaMemory, QueriesLeaveNoMemoryAllocated) {
   SDI::ScanPolygonAreaC area;
   area.SetPoints(Corners());
   area.SetSteps(0.1, 0.2);
@@ -249,7 +249,7 @@ TEST(ScanAreaMemory, QuestionsLeaveNoMemoryAllocated) {
   EXPECT_TRUE(answer);
 }
 
-TEST(ScanAreaMemory, TheOutlineOfARectangleIsCompleteOrCutShort) {
+TEST(ScanAreaMemory, TheOutlineOfARectangleIsCompleteOrTruncated) {
   const BalanceC balance;
   SDI::ScanRectangularAreaC rectangle;
   rectangle.SetCorners(Corners()[0], Corners()[2]);
@@ -299,7 +299,7 @@ std::vector<Shape> Shapes() {
           {"bow tie", {{1.0, 1.0}, {2.0, 1.5}, {2.0, 1.0}, {1.0, 1.5}}, {9.9, 9.9}, {1.2, 1.25}}};
 }
 
-TEST(GeometryMemory, AnswersOrFailsAndForgets) {
+TEST(GeometryMemory, FailuresDoNotChangeLaterAnswers) {
   for (const Shape& shape : Shapes()) {
     SCOPED_TRACE(shape.name);
     const bool isValid = std::string(shape.name) != "bow tie";
@@ -355,7 +355,7 @@ TEST(GeometryMemory, AnswersOrFailsAndForgets) {
 
 // --- Texts of arbitrary length
 
-TEST(TextMemory, ATextIsSetOrAsBefore) {
+TEST(TextMemory, ATextIsSetOrUnchanged) {
   const std::string text(100, 'x');
   const BalanceC balance;
   SDI::InstrumentInfoDataC info;
@@ -373,7 +373,7 @@ TEST(TextMemory, ATextIsSetOrAsBefore) {
   check(&Info::SetText4, &Info::GetText4);
 }
 
-TEST(TextMemory, ARecordWithLongTextsIsMadeAndCopiedOrNotThere) {
+TEST(TextMemory, ARecordWithLongTextsIsCreatedAndCopiedOrDoesNotExist) {
   const std::string text(100, 'x');
   const char* const t = text.c_str();
   const BalanceC balance;
@@ -444,7 +444,7 @@ TEST_F(ScanMemory, AScanIsAssignedWholeOrNotAtAll) {
   EXPECT_TRUE(scan_.GetArea()->IsEqual(*other_.GetArea()));
 }
 
-TEST_F(ScanMemory, AnAreaThatCannotBeCreatedIsNotThere) {
+TEST_F(ScanMemory, AnAreaThatCannotBeCreatedDoesNotExist) {
   for (const std::uint32_t type : {1U, 2U, 3U}) {
     scan_.SetArea(&polygon_);
     EXPECT_EQ(FailuresOfAChange([&] { scan_.CreateArea(type); },

@@ -59,7 +59,7 @@ TEST(OwnershipChecks, AnImplementationThatHasOutlivedItsOwnerIsNotDeleted) {
         delete object;
         delete old;
       },
-      "has another one, or is gone|heap-use-after-free|does not point to an object");
+      "has another one, or was destroyed|heap-use-after-free|does not point to an object");
 }
 
 TEST(OwnershipChecks, TheImplementationOfAVariableIsNotDeleted) {
@@ -97,7 +97,7 @@ TEST(OwnershipChecks, AnImplementationThatIsAVariableIsNotAdopted) {
   new CoordinatePointC(&first);  // destroyed by `first`
 }
 
-TEST(OwnershipChecks, AVariableDoesNotGoAfterItsOwner) {
+TEST(OwnershipChecks, AVariableIsNotDeletedAsAnOwner) {
   EXPECT_DEATH(
       {
         CoordinatePointC object(static_cast<ODM::CoordinatePointC*>(nullptr));
@@ -151,7 +151,7 @@ TEST(OwnershipChecks, ThePublicObjectOfAPartIsDeletedWhenItIsDetached) {
 }
 
 // The library has no message for this: the null pointer access ends the program.
-TEST(OwnershipChecks, AnObjectWithoutAnImplementationIsNotAsked) {
+TEST(OwnershipChecks, AnObjectWithoutAnImplementationIsNotAccessed) {
   const CoordinatePointC point(static_cast<ODM::CoordinatePointC*>(nullptr));
   EXPECT_DEATH(point.GetX(), "");
   EXPECT_EQ(SDI::GPSDOPsC(static_cast<SDI::GPSDOPsImplC*>(nullptr)).GetHDOP(), 0.0);
@@ -161,7 +161,7 @@ TEST(OwnershipChecks, AnObjectWithoutAnImplementationIsNotAsked) {
 constexpr char kGone[] = "heap-use-after-free|does not point to an object";
 constexpr char kBadFree[] = "attempting free on address which was not malloc";
 
-TEST(OwnershipChecks, TheAddressCheckerFindsASecondDeletion) {
+TEST(OwnershipChecks, AddressSanitizerFindsASecondDeletion) {
   EXPECT_DEATH(
       {
         auto* const object = new CoordinatePointC;
@@ -172,7 +172,7 @@ TEST(OwnershipChecks, TheAddressCheckerFindsASecondDeletion) {
       kGone);
 }
 
-TEST(OwnershipChecks, TheAddressCheckerFindsThatAnOwnerIsGone) {
+TEST(OwnershipChecks, AddressSanitizerFindsThatAnOwnerIsDestroyed) {
   EXPECT_DEATH(
       {
         auto* const object = new CoordinatePointC;
@@ -189,7 +189,7 @@ struct Pair {
   CoordinatePointC second;
 };
 
-TEST(OwnershipChecks, TheAddressCheckerFindsThatAMemberIsDeleted) {
+TEST(OwnershipChecks, AddressSanitizerFindsThatAMemberIsDeleted) {
   const auto* const pair = new Pair;
   EXPECT_DEATH(delete pair->second.GetImpl(), kBadFree);
   delete pair;
@@ -197,14 +197,14 @@ TEST(OwnershipChecks, TheAddressCheckerFindsThatAMemberIsDeleted) {
   EXPECT_DEATH(delete variable.GetImpl(), kBadFree);
 }
 
-TEST(OwnershipChecks, TheAddressCheckerFindsThatAPartIsDeleted) {
+TEST(OwnershipChecks, AddressSanitizerFindsThatAPartIsDeleted) {
   auto* const position = new ODM::PositionC;
   EXPECT_DEATH(CoordinatePointC(&position->GetCoordinatePoint()), kBadFree);
   EXPECT_DEATH(delete position->GetCoordinatePoint().GetBase(), kBadFree);
   delete position;
 }
 
-TEST(OwnershipChecks, TheAddressCheckerFindsThatAVariableOfAnotherThreadIsDeleted) {
+TEST(OwnershipChecks, AddressSanitizerFindsThatAVariableOfAnotherThreadIsDeleted) {
   EXPECT_DEATH(std::thread([] {
                  const CoordinatePointC point;
                  delete point.GetImpl();

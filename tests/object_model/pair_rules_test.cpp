@@ -52,7 +52,7 @@ class PairRules : public testing::Test {
 };
 TEST_EACH_SUITE(PairRules, Pairs::AllPairs);
 
-TEST_EACH(PairRules, ANewPublicObjectIsLinkedToAnImplementationOfItsOwn) {
+TEST_EACH(PairRules, ANewPublicObjectIsLinkedToItsOwnImplementation) {
   static_assert(std::is_base_of_v<API::BaseC, typename TestFixture::Public>);
   static_assert(std::is_base_of_v<API::ImplObjectC, typename TestFixture::Impl>);
   typename TestFixture::Public object;
@@ -100,7 +100,7 @@ TEST_EACH(PairRules, AdoptingTakesTheImplementationFromItsEarlierOwner) {
   EXPECT_EQ(impls, 0);
 }
 
-TEST_EACH(PairRules, SetImplLeavesTheOldImplementationBehind) {
+TEST_EACH(PairRules, SetImplDoesNotDeleteTheOldImplementation) {
   int impls = 0;
   auto* const old = new Counted<typename TestFixture::Impl>(impls);
   auto* const impl = new Counted<typename TestFixture::Impl>(impls);
@@ -185,7 +185,7 @@ TEST_EACH(PairRules, DetachBaseLeavesTwoIndependentObjects) {
   EXPECT_EQ(objects + impls, 0);
 }
 
-TEST_EACH(PairRules, GetBaseMakesOnePublicObjectThatDiesWithTheImplementation) {
+TEST_EACH(PairRules, GetBaseMakesOnePublicObjectThatIsDestroyedWithTheImplementation) {
   int impls = 0;
   {
     Counted<typename TestFixture::Impl> impl(impls);

@@ -276,7 +276,7 @@ TEST(Records, AreEqualWhenEveryFieldIsEqualByItsOwnTolerance) {
   });
 }
 
-TEST(Records, TakeNaNForAnythingWithToleranceAndForNothingWithout) {
+TEST(Records, TreatNaNAsEqualWithToleranceAndAsUnequalWithout) {
   ForEachPair([]<class P>(const P&) {
     using Public = typename P::PublicT;
     if constexpr (P::kHasEquality) {

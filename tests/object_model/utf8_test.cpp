@@ -317,7 +317,7 @@ TEST(Utf8Encode, CountsWithoutADestination) {
   }
 }
 
-TEST(Utf8Encode, SpaceMayBeCalledUnlimited) {
+TEST(Utf8Encode, SpaceMayBeUnlimited) {
   for (const std::u16string& text : kTexts) {
     std::vector<char> bytes(Bytes(text).size());
     EXPECT_EQ(Encode(text.data(), text.size(), bytes.data(), kUnlimited), bytes.size());

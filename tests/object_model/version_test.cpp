@@ -50,7 +50,7 @@ concept HasLessOrEqual = requires(const V& a, const V& b) {
   a <= b;
 };
 
-TEST(Version, IsAPlainWordThatOffersEqualityAndNotBeforeAlone) {
+TEST(Version, IsAPlainWordWithOnlyEqualityAndGreaterOrEqual) {
   static_assert(std::is_trivially_destructible_v<VersionC> && !std::is_polymorphic_v<VersionC>);
   static_assert(sizeof(VersionC) == 4);
   static_assert(std::equality_comparable<int> && HasUnequal<int>);
@@ -110,7 +110,7 @@ TEST(Version, KeepsItsFieldsAtTheirBits) {
   }
 }
 
-TEST(Version, PacksEveryValueOfEachFieldAndCutsWhatIsTooLarge) {
+TEST(Version, PacksEveryValueOfEachFieldAndTruncatesLargerOnes) {
   for (unsigned value = 0; value <= 0xFFFF; ++value) {
     ASSERT_EQ(WordOf(Made(value, 0, 0, 0, 0)), value << 26);  // upper bits are lost
     ASSERT_EQ(WordOf(Made(0, value, 0, 0, 0)), (value & 0x7F) << 19);

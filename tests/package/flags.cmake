@@ -99,5 +99,5 @@ endif()
 execute_process(COMMAND ${READELF} -S -W ${STATIC_LIBRARY}
   OUTPUT_VARIABLE sections COMMAND_ERROR_IS_FATAL ANY)
 if(NOT sections MATCHES " \\.text" OR sections MATCHES "gnu\\.lto_")
-  message(SEND_ERROR "${STATIC_LIBRARY} contains no machine code, or LTO sections besides")
+  message(SEND_ERROR "${STATIC_LIBRARY} contains no machine code, or also LTO sections")
 endif()

@@ -1,5 +1,5 @@
-// Why an area is not valid: the rules against the library's own answers, and the points and edges
-// that they name.
+// Why an area is not valid: compares the rules with the library's answers, and tests the points and
+// edges that they name.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -160,7 +160,7 @@ TEST(AreaFaults, NameTheRuleThePointsAndTheEdges) {
              {kNone, kNone}, {0, 2});
 }
 
-TEST(AreaFaults, TellWhereEdgesCross) {
+TEST(AreaFaults, ReportWhereEdgesCross) {
   // By symmetry on the middle meridian, also across Hz 0.
   for (const double hz : {1.5, 0.2}) {
     const double left = hz < 0.5 ? hz - 0.5 + GMAT::TWO_PI : hz - 0.5;
@@ -174,7 +174,7 @@ TEST(AreaFaults, TellWhereEdgesCross) {
   }
 }
 
-TEST(AreaFaults, OfManyCrossingsEightAreGiven) {
+TEST(AreaFaults, ReportEightOfManyCrossings) {
   std::vector<AnglePointC> zigzag;
   for (int i = 0; i < 40; ++i) zigzag.push_back({1.0 + 0.01 * (i * 17 % 40), 1.0 + 0.3 * (i % 2)});
   const auto faults = FindAreaFaults(*MakePolygon(zigzag));
@@ -182,7 +182,7 @@ TEST(AreaFaults, OfManyCrossingsEightAreGiven) {
   for (const AreaFault& fault : faults) EXPECT_EQ(fault.rule, Rule::kCrossingEdges);
 }
 
-TEST(AreaFaults, EveryRuleHasATextOfItsOwn) {
+TEST(AreaFaults, EveryRuleHasItsOwnText) {
   std::set<std::string> texts;
   for (int rule = 1; rule <= 8; ++rule) texts.insert(TextOf(static_cast<Rule>(rule)));
   EXPECT_EQ(texts.size(), 8U);

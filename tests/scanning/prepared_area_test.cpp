@@ -78,7 +78,7 @@ TEST(PreparedArea, AnswersAsTheAreaDoes) {
   EXPECT_GT(CountInside(dome), 2000u);
 }
 
-TEST(PreparedArea, NothingIsInsideAnAreaThatIsNone) {
+TEST(PreparedArea, NothingIsInsideAnInvalidArea) {
   ScanPolygonAreaC area;
   EXPECT_EQ(CountInside(area), 0u);
   area.AddPoint({1.0, 1.0, -1.0});
@@ -92,7 +92,7 @@ TEST(PreparedArea, NothingIsInsideAnAreaThatIsNone) {
   EXPECT_EQ(CountInside(area), 0u);
 }
 
-TEST(PreparedArea, KnowsNothingOfLaterChanges) {
+TEST(PreparedArea, DoesNotFollowLaterChanges) {
   auto area = std::make_unique<ScanRectangularAreaC>();
   area->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.5, -1.0});
   const PreparedAreaC prepared(*area);
@@ -104,7 +104,7 @@ TEST(PreparedArea, KnowsNothingOfLaterChanges) {
   EXPECT_FALSE(copy.Contains(2.5, 1.0));
 }
 
-TEST(PreparedArea, ABatchEndsWithTheShortestOfItsThree) {
+TEST(PreparedArea, ABatchEndsWithTheShortestSpan) {
   const ScanDomeAreaC dome;
   ScanRectangularAreaC rectangle;
   rectangle.SetCorners({1.0, 0.5, -1.0}, {2.0, 1.5, -1.0});
@@ -230,7 +230,7 @@ TEST(PreparedArea, AThousandEdgesNextToEachOther) {
   EXPECT_GT(CountInside(area, 300), 10u);
 }
 
-TEST(PreparedArea, SeveralThreadsMayAsk) {
+TEST(PreparedArea, SeveralThreadsMayQuery) {
   ScanPolygonAreaC ring;
   for (int i = 0; i < 50; ++i) ring.AddPoint({kTwoPi * i / 50, 1.0 + 0.1 * (i % 3), -1.0});
   const PreparedAreaC prepared(ring);

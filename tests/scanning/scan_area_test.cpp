@@ -193,7 +193,7 @@ TYPED_TEST(ScanAreas, TheImplementationMakesThePublicObjectOfItsKind) {
   EXPECT_EQ(asDefinition.GetImpl(), &impl);
 }
 
-TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // the leak checker is the judge
+TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // LeakSanitizer checks this
   delete new TypeParam;
   delete (new TypeParam)->GetImpl();
 }
@@ -404,7 +404,7 @@ TEST(ScanArea, EachStepMustBeAboveZeroHoweverSmall) {
   }
 }
 
-TEST(ScanArea, ValidityAndBoundsAskByTheVirtualFunctions) {
+TEST(ScanArea, ValidityAndBoundsUseTheVirtualFunctions) {
   auto* const impl = new LoggedC<ScanPolygonAreaImplC>;
   ScanPolygonAreaC area(impl);
   area.SetPoints(kTriangle);
@@ -537,7 +537,7 @@ TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
   EXPECT_TRUE(crossing->Contains(4.5, 0.2)) << "inside directions do not need it";
 }
 
-TEST(ScanArea, ContainsAsksTheGeometryWhateverTheSteps) {
+TEST(ScanArea, ContainsUsesTheGeometryForAnySteps) {
   std::unique_ptr<ScanAreaC> area(MakeRectangle());
   area->SetSteps(0.0, 0.0);
   EXPECT_TRUE(area->Contains(1.5, 0.7));

@@ -169,7 +169,7 @@ void CountTheEndOfItsArea(ScanC& scan, int& ends) {
   delete old;
 }
 
-TEST(Scan, SetAreaReplacesTheAreaThatThereIs) {
+TEST(Scan, SetAreaReplacesTheExistingArea) {
   ScanRectangularAreaC rectangle;
   ScanPolygonAreaC polygon;
   ScanDomeAreaC dome;
@@ -184,7 +184,7 @@ TEST(Scan, SetAreaReplacesTheAreaThatThereIs) {
     CountTheEndOfItsArea(scan, ends);
     ASSERT_EQ(ends, 0);
     ScanDefinitionC* const made = scan.SetArea(area);
-    EXPECT_EQ(ends, 1) << "the area from before is gone";
+    EXPECT_EQ(ends, 1) << "the previous area was destroyed";
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(scan.GetArea(), made);
     EXPECT_NE(made, area);
@@ -197,7 +197,7 @@ TEST(Scan, SetAreaReplacesTheAreaThatThereIs) {
   }
 }
 
-TEST(Scan, TheAreaThatThereIsGoesWithWhateverTakesItsPlace) {
+TEST(Scan, TheAreaIsDestroyedWhenItIsReplaced) {
   int ends = 0;
   {
     ScanC scan;
@@ -352,7 +352,7 @@ TEST(Scan, CopiesAreDeep) {
   EXPECT_EQ(area->GetPointCount(), 1u);
 }
 
-TEST(Scan, AssigningAScanWithoutAnAreaKeepsTheOwnOne) {
+TEST(Scan, AssigningAScanWithoutAnAreaKeepsTheArea) {
   ScanC scan;
   ScanDefinitionC* const area = scan.CreateArea(3);
   scan = ScanC();

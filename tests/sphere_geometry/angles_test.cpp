@@ -116,7 +116,7 @@ TEST(Angles, NormalizeAngleGivesTheHalfOpenTurn) {
   EXPECT_TRUE(std::signbit(NormalizeAngle(-0.0))) << "what is in range stays as it is";
   EXPECT_TRUE(std::isnan(NormalizeAngle(kInfinity)));
   EXPECT_TRUE(std::isnan(NormalizeAngle(kNaN)));
-  // Above the sum of a tiny negative angle and the turn there is nothing.
+  // The sum of a tiny negative angle and a full turn rounds to the full turn, which is 0.
   EXPECT_EQ(NormalizeAngle(-1e-300), 0.0);
 }
 

@@ -13,7 +13,7 @@ bool IsInside(std::vector<double> crossings, double v, bool enclosesZenith = fal
   return IsInsideByParity(crossings, v, enclosesZenith);
 }
 
-TEST(AreaProbe, TheBandIsAskedAtHzPlusTheOriginInTheFirstTurn) {
+TEST(AreaProbe, TheBandIsMeasuredAtHzPlusTheOriginInTheFirstTurn) {
   EXPECT_EQ(BandProbe(1.0, 0.5, 2.0), (AnglePointC{3.0, 0.5}));
   EXPECT_EQ(BandProbe(4.0, 0.5, 3.0), (AnglePointC{7.0 - TWO_PI, 0.5}));
   EXPECT_EQ(BandProbe(0.0, 9.0, 0.0), (AnglePointC{0.0, 9.0})) << "V stays";

@@ -84,7 +84,7 @@ TEST(AreaRules, AMeridianCrossesTheStraightSidesOfRectangles) {
   EXPECT_EQ(found[1], (std::pair<std::size_t, double>{3, 1.0}));
 }
 
-TEST(AreaRules, ALineFromPoleToPoleIsNoArc) {
+TEST(AreaRules, ALineFromPoleToPoleIsNotAnArc) {
   const AreaFrame frame = MakeFrame({{1.0, 0.0}, {2.0, PI}, {1.5, 1.0}});
   const SearchMeridianC meridian(frame, 0.5);
   EXPECT_FALSE(meridian.IsArc());

@@ -105,7 +105,7 @@ class CellGrid : public testing::Test {
   std::mt19937_64 random_{1};
 };
 
-TEST_F(CellGrid, TellsWhetherAnOddNumberLiesBelowAnyPoint) {
+TEST_F(CellGrid, GivesTheParityBelowAnyPoint) {
   int odd = 0;
   for (int i = 0; i < 60; ++i) {
     const std::size_t n = 3 + random_() % 60;
@@ -167,7 +167,7 @@ TEST_F(CellGrid, ColumnsGrowWithTheCurvesAndStayWiderThanAStep) {
   EXPECT_EQ(CellGridC::CountColumns(1000, 2.0, 1.0, 7.0), 1u);
 }
 
-TEST_F(CellGrid, WhatLiesBeyondTheEndsHasTheNearestCell) {
+TEST_F(CellGrid, PointsBeyondTheEndsHaveTheNearestCell) {
   const Ring ring(Round(100, 1.0), 1.0, 20);
   const CellGridC& grid = ring.GetGrid();
   EXPECT_EQ(grid.ColumnOf(-0.3), 0u);

@@ -79,7 +79,7 @@ TEST(ColumnOrder, ReplacesThePreviousOrder) {
 // A ring of many edges has millions of items.
 TEST(ColumnOrder, AnItemHasFourBytes) { EXPECT_EQ(sizeof(ColumnOrderC::Item), 4u); }
 
-TEST(ColumnOrder, LeavesOutCurvesThatChangePlacesWhereTheyDo) {
+TEST(ColumnOrder, LeavesOutCurvesWhereTheySwap) {
   LinesC lines({{0.0, 0.0}, {1.5, -1.0}, {3.0, 0.0}});  // the second crosses the first in column 1
   ColumnOrderC order;
   order.Build(3, {{0, 0, 2}, {1, 0, 2}, {2, 0, 2}}, lines);

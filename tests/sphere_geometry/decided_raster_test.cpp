@@ -77,7 +77,7 @@ void Compare(const std::vector<AnglePointC>& points, RingGenerator& random, int 
   }
 }
 
-TEST(DecidedRaster, WhatItDecidesIsWhatTheAreaSays) {
+TEST(DecidedRaster, ItsDecisionsAreTheAnswersOfTheArea) {
   RingGenerator random(3);
   Tally tally;
   for (int i = 0; i < 600; ++i) {
@@ -220,7 +220,7 @@ TEST(DecidedRaster, ItsSizeIsThatOfCellsAndTable) {
 }
 
 // The band lies at the Hz of the ring less twice the Hz at which the frame begins.
-TEST(DecidedRaster, TheDisplacedBandIsLeftToBeAsked) {
+TEST(DecidedRaster, TheDisplacedBandIsUndecided) {
   const SphereAreaC area = MakeArea(kSquare);
   const PreparedSphereAreaC prepared(area, true);
   const DecidedRasterC& raster = *prepared.GetRaster();
@@ -236,7 +236,7 @@ TEST(DecidedRaster, TheDisplacedBandIsLeftToBeAsked) {
   EXPECT_EQ(raster.Find(1.5, 1.5), Verdict::kInside);
 }
 
-TEST(DecidedRaster, CornersAndSeamAreLeftToBeAskedWhateverTheirCell) {
+TEST(DecidedRaster, CornersAndSeamAreUndecidedInAnyCell) {
   const SphereAreaC area = MakeArea({{1.0, 1.0}, {1.5, 0.9}, {2.0, 1.0}, {2.0, 2.0}, {1.0, 2.0}});
   const PreparedSphereAreaC prepared(area, true);
   EXPECT_EQ(prepared.GetRaster()->Find(1.5, 1.5), Verdict::kUndecided);
@@ -256,7 +256,7 @@ TEST(DecidedRaster, ARingAroundTheZenithIsInsideUpToIt) {
 }
 
 // Where a ring around the zenith dips below the end of the search line, nothing is inside.
-TEST(DecidedRaster, ColumnsWhereTheSearchLineEndsAreLeftToBeAsked) {
+TEST(DecidedRaster, ColumnsWhereTheSearchLineEndsAreUndecided) {
   RingGenerator random(5);
   Tally tally;
   Compare(AroundZenith(V_LIMIT - 0.07), random, 30000, tally);

@@ -306,7 +306,7 @@ TEST_F(FilterBounds, ArcsInOrder) {
   EXPECT_GT(nearlySteepest, 300);
   Expect("kOrderError", used, kOrderError);
   ASSERT_GT(least, 0.0) << "the arc beyond is on the other side";
-  Expect("needed beside kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
+  Expect("needed in addition to kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
 }
 
 // Two crossings on arcs of the greatest steepness, at the smallest distance that the filter

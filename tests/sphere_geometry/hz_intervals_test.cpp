@@ -107,7 +107,7 @@ TEST(HzIntervals, OverlappingIntervalsAreJoined) {
   EXPECT_EQ(set.GetIntervals()[1].low, 0.5);
 }
 
-TEST(HzIntervals, OnAFullTurnWhatLiesBeyondOneEndComesInAtTheOther) {
+TEST(HzIntervals, OnAFullTurnIntervalsWrapAround) {
   HzIntervalsC turn(TWO_PI);
   turn.AddHz(-0.1, 0.1);
   turn.AddHz(TWO_PI - 0.01, TWO_PI + 0.2);
@@ -191,7 +191,7 @@ TEST(HzIntervals, ARangeMayContainOneIfAnyOfItsHzMay) {
   EXPECT_FALSE(narrow.MayContainAny(ToTurnUnits(1.1), ToTurnUnits(5.0)));
 }
 
-TEST(HzIntervals, TheTableIsNoLargerThanAsked) {
+TEST(HzIntervals, TheTableIsNoLargerThanRequested) {
   HzIntervalsC set(1.0);
   for (int i = 0; i < 1000; ++i) set.Add(i * 1e-3, i * 1e-3 + 1e-9);
   set.Build(100);

@@ -238,7 +238,7 @@ class HostileGeneratorC {
   RingGenerator random_;
 };
 
-// One ring, all ways to query it, and what was asked.
+// One ring, all ways to query it, and the queries.
 class ComparedRingC {
  public:
   ComparedRingC(const Ring& points, bool hasRaster, HostileGeneratorC& random)
@@ -279,7 +279,7 @@ class ComparedRingC {
     return isSame && Compare({hz, random_.Uniform(-0.1, TWO_PI)}) && CompareBand();
   }
 
-  // Everything that was asked, as it came and in the order of Hz, so that runs share a column.
+  // All queries, in their order and in the order of Hz, so that runs share a column.
   bool CompareBatches() const {
     std::vector<Asked> asked = asked_;
     for (int pass = 0; pass < 2; ++pass) {

@@ -137,7 +137,7 @@ TEST(PreparedSphereArea, ARectangleIsAnsweredByItsCorners) {
 }
 
 // Corners out of range, and frames with more windings than the bounds allow.
-TEST(PreparedSphereArea, WhatTheBoundsDoNotHoldForIsLeftToTheRules) {
+TEST(PreparedSphereArea, CasesOutsideTheBoundsAreLeftToTheRules) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 1000; ++i) points.push_back({NormalizeAngle(3.0 * i), 1.0 + 1e-4 * i});
   const SphereAreaC spiral = MakeArea(points);
@@ -155,7 +155,7 @@ TEST(PreparedSphereArea, WhatTheBoundsDoNotHoldForIsLeftToTheRules) {
   EXPECT_FALSE(below.Ask(1.5, 1.5).isProven);
 }
 
-TEST(PreparedSphereArea, NothingIsInsideAnAreaThatIsNone) {
+TEST(PreparedSphereArea, NothingIsInsideAnInvalidArea) {
   for (const auto& points : {std::vector<AnglePointC>{},
                              {{1.0, 1.0}},
                              {{1.0, 1.0}, {1.0, 1.0}},

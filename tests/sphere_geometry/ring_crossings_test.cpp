@@ -291,7 +291,7 @@ TEST(RingCrossings, VerticalEdgesDoNotHideOthers) {
 }
 
 // Edges that separate two others on the sweep line: tiny, steep and vertical ones.
-TEST(RingCrossings, SweepInOrderAsksForAllPairsThatAreNear) {
+TEST(RingCrossings, SweepInOrderTestsAllPairsThatAreNear) {
   HostileRingGenerator random(3);
   std::size_t near = 0;
   std::size_t decided = 0;
@@ -324,7 +324,7 @@ TEST(RingCrossings, SweepInOrderAsksForAllPairsThatAreNear) {
   EXPECT_GT(near, 5000u);
 }
 
-TEST(RingCrossings, SweepInOrderAsksForFewOthers) {
+TEST(RingCrossings, SweepInOrderTestsFewOthers) {
   for (const HostileRings::Named& kind : HostileRings::kAll) {
     for (const std::size_t n : {std::size_t{100}, std::size_t{1000}, std::size_t{10'000}}) {
       SphereAreaC area;
@@ -413,7 +413,7 @@ Corners RingWithChordsThatCross() {
           {1.2, PI / 4.0 - 0.02}, {1.15, 1.4},     {0.5, 1.5}};
 }
 
-TEST(RingCrossings, ChordsMayChangePlacesWhereArcsDoNot) {
+TEST(RingCrossings, ChordsMaySwapWhereArcsDoNot) {
   const Corners ring = RingWithChordsThatCross();
   EXPECT_EQ(Sweep(EdgesOf(ring)), SweepResult::kUndecided);
   EXPECT_TRUE(ToArea(ring).IsValid());
@@ -421,7 +421,7 @@ TEST(RingCrossings, ChordsMayChangePlacesWhereArcsDoNot) {
 }
 
 // Crossings after the point at which the order of the edges is lost are still found.
-TEST(RingCrossings, CrossingsAreFoundAfterChordsThatChangedPlaces) {
+TEST(RingCrossings, CrossingsAreFoundAfterChordsThatSwapped) {
   for (const bool isCrossed : {false, true}) {
     Corners ring = RingWithChordsThatCross();
     Corners teeth;

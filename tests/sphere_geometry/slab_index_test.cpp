@@ -68,7 +68,7 @@ std::vector<AnglePointC> SomeRing(RingGenerator& random, int i) {
 constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr double kAlways = 0.0;
 
-TEST(SlabIndex, WhatItDecidesIsWhatTheRulesSay) {
+TEST(SlabIndex, ItsDecisionsAreTheAnswersOfTheRules) {
   RingGenerator random(7);
   int rings = 0;
   int ordered = 0;
@@ -220,7 +220,7 @@ TEST(SlabIndex, LeavesCrossingsThatCountAsOneToTheRules) {
 }
 
 // The same for edges that cross whole columns, and are therefore on an ordered list.
-TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
+TEST(SlabIndex, AppliesTheRulesWhereCrossingsOnAListCountAsOne) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 21; ++i) {
     // A comb. The lower side of a tooth has a corner 5e-11 below the arc of the upper side.
@@ -259,7 +259,7 @@ TEST(SlabIndex, AsksTheRulesWhereCrossingsOnAListCountAsOne) {
 
 // The edges of several turns, nearly on each other. Where three or more swap, an edge may
 // be close to one that is not its neighbour on the list.
-TEST(SlabIndex, AsksTheRulesWhereManyEdgesOnAListChangePlaces) {
+TEST(SlabIndex, AppliesTheRulesWhereManyEdgesOnAListSwap) {
   RingGenerator random(10);
   int ordered = 0;
   int undecided = 0;

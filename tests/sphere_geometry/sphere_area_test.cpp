@@ -231,7 +231,7 @@ TEST(SphereArea, ATriangleNeverCrossesItself) {
 }
 
 // A crossing counts only if both the arcs and the straight chords cross.
-TEST(SphereArea, ACrossingOnTheSphereAloneIsNone) {
+TEST(SphereArea, ACrossingOnlyOnTheSphereDoesNotCount) {
   // The long edge at V = 1 bulges up on the sphere, to V = 0.72; the two points at V = 0.9 above
   // the chord lie below the arc.
   const std::vector<AnglePointC> ring = {{1.0, 1.0}, {3.0, 1.0}, {3.5, 0.5},

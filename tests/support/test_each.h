@@ -10,7 +10,7 @@
 /// \file
 /// `TEST_EACH_SUITE` and `TEST_EACH`: like `TYPED_TEST_SUITE` and `TYPED_TEST`, for long lists of
 /// types. With those, each test takes compilers several seconds for a list of thirty types, because
-/// the templates name every rest of the list.
+/// the names of the templates contain every tail of the list.
 
 namespace EachType {
 

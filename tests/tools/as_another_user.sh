@@ -1,6 +1,6 @@
 #!/bin/sh
-# as_another_user.sh DATA PROGRAM...: runs tests as a user without rights, with the signal that ends
-# sessions ignored, as under nohup. DATA is a file that they read.
+# as_another_user.sh DATA PROGRAM...: runs tests as a user without privileges, with the signal that
+# ends sessions ignored, as under nohup. DATA is a file that they read.
 set -eu
 skip() {
   echo "skipped: $1"

@@ -568,7 +568,7 @@ TEST(AreaContains, SaysOnATerminalThatItWaitsForDirections) {
   close(keptOpen);
   close(terminal);
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_NE(outcome.err.find("type directions"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("enter directions"), std::string::npos) << outcome.err;
 }
 
 TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
@@ -592,7 +592,7 @@ TEST(Documentation, ItsPicturesAreWhatTheProgramDraws) {
 }
 
 // Windows does not allow such names.
-TEST(AreaInfo, CallsAnAreaAfterItsFileWhateverItsBytes) {
+TEST(AreaInfo, NamesAnAreaAfterItsFileWithAnyBytes) {
   const TempFolderC folder;
   const std::string file = folder / "b\xFF\x1B.json";
   std::string text = ReadText(DataPath("areas/facade.json"));

@@ -106,7 +106,7 @@ TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
   }
 }
 
-TEST(Program, NamesACommandThatThereIsNotAndThoseThatThereAre) {
+TEST(Program, NamesTheUnknownCommandAndTheKnownOnes) {
   const struct {
     std::vector<std::string> arguments;
     std::string message;

@@ -46,7 +46,7 @@ struct AreaDeleter {
 };
 using AreaHandle = std::unique_ptr<surveydata_area, AreaDeleter>;
 
-// The same area through the C interface, prepared for many questions.
+// The same area through the C interface, prepared for many queries.
 AreaHandle Prepare(const Tool::AreaFile& file) {
   std::vector<SDI::ScanDefPointC> points;
   file.area->GetPoints(points);
@@ -205,7 +205,7 @@ std::string FileOf(const Tool::AreaFile& file, const std::vector<SDI::ScanDefPoi
   const SDI::ScanAreaC& from = *file.area;
   const auto angle = [&](double radians) {
     const double inUnit = Tool::FromRadians(radians, unit);
-    // JSON has no number beyond the largest one.
+    // JSON cannot represent infinity.
     if (!std::isfinite(inUnit)) throw std::runtime_error("an angle is too large for this unit");
     return inUnit;
   };

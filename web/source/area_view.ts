@@ -147,7 +147,7 @@ export class AreaView {
     return this.client.ask<Result>(operation, this.key, ...values);
   }
 
-  /** Whether the worker has the area: one that was started again has none. */
+  /** Whether the worker has the area: a restarted one has none. */
   private get isOpen(): boolean {
     return this.starts === this.client.starts;
   }
@@ -271,7 +271,7 @@ export class AreaView {
       if (points.length <= MOST_CORNERS) {
         points.forEach((point, i) => {
           const [x, y] = point[view];
-          if (x === null || y === null) return; // beyond the largest number
+          if (x === null || y === null) return; // too large for a double
           const isFaulty = faulty.has(i + 1) ? " faulty" : "";
           marks.push(svg("circle", {
             cx: x, cy: y, r: i === this.chosen ? 6 : 4,

@@ -66,7 +66,7 @@ async function open(file: File): Promise<void> {
     } else if (/\.(csv|txt)$/i.test(file.name) && current() instanceof AreaView) {
       await (current() as AreaView).addDirections(file);
     } else if (/\.csv$/i.test(file.name)) {
-      say(`${name}: Open an area first; it answers the directions of a table.`, true);
+      say(`${name}: Open an area first; the directions of a table are tested against it.`, true);
     } else if (await isArea(file)) {
       if (file.size > MOST_AREA_BYTES) throw new Error("The area file is too large.");
       const area = await AreaView.open(client, file.name, await file.text());
@@ -141,7 +141,7 @@ addEventListener("beforeunload", (event) => {
   if ([...opened.values()].some((view) => view.hasUnsaved)) event.preventDefault();
 });
 
-// Opens the files again, one after the other. A file that makes the module fail once more is left out:
+// Opens the files again, one after the other. A file that makes the module fail again is left out:
 // its changes are in the page, and can still be saved or undone.
 let restarts = 0;
 let restarting: View | undefined;

@@ -103,7 +103,7 @@ export interface DirectionAt {
   zenith: Place;
 }
 
-/** A number is null if it is beyond the largest one. */
+/** A number is null if it is too large for a double. */
 export interface AreaPoint {
   hz: number | null;
   v: number | null;

@@ -19,7 +19,7 @@ function fieldValue(field: ByteField): string {
 
 /** The bytes of a frame; `before` marks those that differ from it. */
 function byteDump(detail: RecordDetail, before?: Uint8Array): HTMLElement {
-  const named = element("p", { class: "named", "aria-live": "polite" }, "Point at a byte to name its field.");
+  const named = element("p", { class: "named", "aria-live": "polite" }, "Point at a byte to see its field.");
   const dump = element("div", {
     class: "dump",
     role: "group",
@@ -121,7 +121,7 @@ export class RecordView {
     replaceContent(this.root,
       element("h3", {}, `Record at ${detail.offset}`),
       detail.isWhole ? "" : element("p", { class: "alert" },
-        `The frame cannot be decoded whole: ${detail.status === "done" ? "a block does not fit" : detail.status}.`),
+        `The frame cannot be decoded completely: ${detail.status === "done" ? "a block does not fit" : detail.status}.`),
       byteDump(detail),
       fieldTable(detail.text),
       byteTable(detail),

@@ -84,7 +84,7 @@ export class RecordsView {
     this.setProgress({ done: 0, total: this.file.size, rows: 0 });
     this.opening = this.run<Summary>((progress) => {
       this.setProgress(progress);
-      // The list of a file that is read again stays where it is.
+      // The list of a file that is read again keeps its position.
       if (!isRestart) void this.list.setCount(progress.rows);
     }, "open", this.key, this.file);
     try {

@@ -392,7 +392,7 @@ const operations: Record<string, Operation> = {
     const address = module.take(hz.length);
     try {
       const status = module.ask("page_area_contains_many", hz, v, hz.length, address);
-      if (status !== STATUS_OK) throw new Error("the directions could not be answered");
+      if (status !== STATUS_OK) throw new Error("the directions could not be tested");
       return module.copy(address, hz.length);
     } finally {
       module.free(address);

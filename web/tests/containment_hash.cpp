@@ -1,5 +1,6 @@
 // Prints the hash of the library's native answers for the directions of containment.mjs, and how
-// many of them are inside. Standard input has the points of a polygon: Hz and V in rad, one a line.
+// many of them are inside. Standard input has the points of a polygon: Hz and V in rad, one per
+// line.
 #include <cstdint>
 #include <cstdio>
 #include <vector>

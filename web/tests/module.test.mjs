@@ -32,7 +32,7 @@ async function load(bytes) {
 const result = (module) =>
   Buffer.from(module.HEAPU8.slice(module._page_result(), module._page_result() + module._page_result_size()));
 
-/** Milliseconds of processor time that `work` takes: other programs do not add to it. */
+/** Milliseconds of processor time that `work` takes, which excludes that of other programs. */
 function timeOf(work) {
   const before = process.cpuUsage();
   work();
@@ -40,7 +40,7 @@ function timeOf(work) {
   return (user + system) / 1000;
 }
 
-test("every measurement that the walk gives is written as the program does", async () => {
+test("every measurement of the walk is written as the program writes it", async () => {
   for (const name of ["valley_drive", "desert_highway"]) {
     const bytes = readFileSync(data(`${name}.rec`));
     const module = await load(bytes);
@@ -85,7 +85,7 @@ test("walking and decoding: the speed is reported", async () => {
   console.log(`# walking and decoding: ${speeds.map((speed) => speed.toFixed(0)).join(", ")} MB/s of processor time`);
 });
 
-test("a batch of directions has the answers of single ones; the speed is reported", async () => {
+test("a batch of directions has the same answers as single directions; the speed is reported", async () => {
   const module = await load(Buffer.alloc(0));
   const put = (bytes) => {
     const address = module._malloc(bytes.length);

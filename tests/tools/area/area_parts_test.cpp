@@ -50,7 +50,7 @@ AreaFile MakeRectangle(double hz0, double v0, double hz1, double v1, double step
                   {{hz0 * kDegree, v0 * kDegree}, {hz1 * kDegree, v1 * kDegree}}, step, step);
 }
 
-TEST(AreaFaults, AreNamedAndTold) {
+TEST(AreaFaults, HaveNamesAndTexts) {
   using Numbers = std::vector<std::size_t>;
   const struct {
     AreaFile file;

@@ -126,7 +126,7 @@ TEST(AreaInfo, ReportsTheBoundsOfAnAreaWithoutSteps) {
 
 // The library returns bounds for two points of a polygon, which form a rectangle on the sphere, but
 // they are not a polygon.
-TEST(AreaInfo, ReportsNoBoundsOfPointsThatMakeNoPolygon) {
+TEST(AreaInfo, ReportsNoBoundsIfThePointsMakeNoPolygon) {
   const TempFolderC folder;
   for (const char* const points :
        {"[10, 20], [30, 50]", "[10, 20], [30, 50], [30.00000000000001, 50], [20, 60]",
@@ -811,7 +811,7 @@ TEST(AreaContains, TakesTheColumnsThatAreNamed) {
   }
 }
 
-TEST(AreaCommands, DoNotSteerTheTerminal) {
+TEST(AreaCommands, DoNotControlTheTerminal) {
   const TempFolderC folder;
   // An escape sequence, DEL, a C1 control, a line separator, a bidirectional override.
   const std::string steering = "a\x1B[31m\x7F\u009B\u2028\u202Eb";
@@ -842,7 +842,7 @@ TEST(AreaCommands, DoNotSteerTheTerminal) {
   EXPECT_NE(missing.err.find("a\\nsurveydata: done"), std::string::npos) << missing.err;
 }
 
-TEST(AreaInfo, TellsHugeNumbersShortly) {
+TEST(AreaInfo, AbbreviatesHugeNumbers) {
   const TempFolderC folder;
   const std::string dome = Written(folder, R"({"kind": "dome", "unit": "rad", "hzStep": 1e-200,
       "vStep": 1e-300})");
@@ -859,7 +859,7 @@ TEST(AreaInfo, TellsHugeNumbersShortly) {
   EXPECT_NE(outcome.out.find("1e+300"), std::string::npos) << outcome.out;
 }
 
-TEST(AreaOutline, RefusesADefaultThatIsNoDistance) {
+TEST(AreaOutline, RefusesADefaultThatIsNotADistance) {
   for (const char* const distance : {"0", "-1", "nan", "inf", "1e400", "x", ""}) {
     SCOPED_TRACE(distance);
     EXPECT_EQ(Area("outline", AreaPath("facade"), {"--default-distance", distance}).exitCode, 2);

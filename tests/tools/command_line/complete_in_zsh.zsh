@@ -1,6 +1,6 @@
 # complete_in_zsh.zsh FOLDER LINES OUT: writes to the file OUT what zsh offers at the end of each line of
-# the file LINES, followed by a line "end", once the completions in FOLDER are known. A second zsh
-# at its own terminal does it.
+# the file LINES, followed by a line "end", with the completions in FOLDER. This is done by a second zsh
+# with its own terminal.
 if [[ -z $COMPLETE_IN_TERMINAL ]]; then
   zmodload zsh/zpty || exit 1
   export COMPLETE_IN_TERMINAL=1 TERM=dumb
@@ -18,7 +18,7 @@ compinit -u -D
 lines=("${(@f)$(<$2)}")
 out=$3
 : > $out
-# What the functions of the completion add is written down; calls with -O, -A or -D only ask.
+# The results that the completion functions add are recorded; calls with -O, -A or -D add none.
 compadd() {
   if [[ ${@[1,(i)(-|--)]} != *-[OAD]\ * ]]; then
     local -a found

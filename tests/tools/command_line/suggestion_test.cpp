@@ -21,7 +21,7 @@ TEST(Suggestion, IsTheNameThatIsNearest) {
   EXPECT_EQ(Nearest("lst", {"list", "show", "set"}), "list");
 }
 
-TEST(Suggestion, IsTheOnlyNameThatBeginsSo) {
+TEST(Suggestion, IsTheOnlyNameWithThatBeginning) {
   EXPECT_EQ(Nearest("--col", kOptions), "--columns");
   EXPECT_EQ(Nearest("--forma", kOptions), "--format");
   EXPECT_EQ(Nearest("-v", {"-h", "--help", "--version"}), "--version");

@@ -23,7 +23,7 @@ TEST(ToPrintable, LeavesWellFormedUtf8AndReplacesTheRest) {
   }
 }
 
-TEST(ToPrintable, JoinsSurrogatePairsAndReplacesWhatNobodyCanRead) {
+TEST(ToPrintable, JoinsSurrogatePairsAndReplacesUnreadableCharacters) {
   EXPECT_EQ(Tool::ToPrintable(u"aé€"), "aé€");
   EXPECT_EQ(Tool::ToPrintable(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
   EXPECT_EQ(Tool::ToPrintable(u"\xD83Dx\xDE00"), "\uFFFDx\uFFFD");
@@ -55,7 +55,7 @@ TEST(ToSingleUnits, TakesEveryCharacterOfOneUnitAndNothingElse) {
   }
 }
 
-TEST(ToVisible, EscapesWhatCouldSteerATerminalOrLookLikeAnotherLine) {
+TEST(ToVisible, EscapesWhatCouldControlATerminalOrLookLikeAnotherLine) {
   const struct {
     std::string text;
     const char* shown;
@@ -113,7 +113,7 @@ TEST(ToVisible, EscapesUnitsAsCharacters) {
   EXPECT_EQ(Tool::ToVisible(u"\xD83Dx\xDE00"), "\\ud83dx\\ude00");
 }
 
-TEST(ToUtf8, ReplacesOnlyBytesThatAreNone) {
+TEST(ToUtf8, ReplacesOnlyInvalidBytes) {
   EXPECT_EQ(Tool::ToUtf8("\n\x1B\u0085\u202E\U0001F600"), "\n\x1B\u0085\u202E\U0001F600");
   EXPECT_EQ(Tool::ToUtf8("a\xFF"
                          "b\xC3"),

@@ -22,7 +22,7 @@ Outcome RunWithShim(const std::string& command, const std::string& order, const 
   return RunShell(line, folder);
 }
 
-TEST(InputFile, IsNotSoughtInWhereItIsAPipe) {
+TEST(InputFile, DoesNotSeekInAPipe) {
   const TempFolderC folder;
   WriteBytes(folder / "a.rec", ReadBytes(DataPath("valley_drive.rec")));
   WriteBytes(folder / "a.json", ReadBytes(DataPath("areas/facade.json")));

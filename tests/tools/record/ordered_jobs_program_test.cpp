@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(RecordJobs, GoOnWithTheThreadsThatTheSystemStarts) {
+TEST(RecordJobs, ContinueWithTheThreadsThatTheSystemStarts) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer starts the threads";
   const TempFolderC folder;
   Bytes large;

@@ -24,7 +24,7 @@ TEST(OrderedJobs, GiveTheResultsInTheOrderOfThePieces) {
   }
 }
 
-TEST(OrderedJobs, HoldTheWorkUpWhenTheResultsAreNotTaken) {
+TEST(OrderedJobs, WaitWhenTheResultsAreNotTaken) {
   constexpr std::size_t kCount = 100;
   constexpr unsigned kThreads = 3;
   std::atomic<std::size_t> begun = 0;
@@ -40,7 +40,7 @@ TEST(OrderedJobs, HoldTheWorkUpWhenTheResultsAreNotTaken) {
   EXPECT_EQ(begun, kCount);
 }
 
-TEST(OrderedJobs, ThrowTheExceptionOfAPieceInItsTurnAndGoOn) {
+TEST(OrderedJobs, ThrowTheExceptionOfAPieceInOrderAndContinue) {
   Tool::OrderedJobsC<int> jobs(5, 2, [](std::size_t piece) {
     if (piece == 2) throw std::runtime_error("piece 2");
     return static_cast<int>(piece);
@@ -82,7 +82,7 @@ TEST(OrderedJobs, MoveTheirResults) {
   }
 }
 
-TEST(OrderedJobs, EndWithWhatIsBegunWhenTheyAreGivenUp) {
+TEST(OrderedJobs, EndAfterTheBegunJobsWhenDestroyed) {
   constexpr std::size_t kCount = 1000;
   std::atomic<std::size_t> begun = 0;
   {

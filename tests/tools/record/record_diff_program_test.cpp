@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::json;
 
-// A measurement at a time of week in milliseconds, with a time B to tell it from others.
+// A measurement at a time of week in milliseconds, with a time B to distinguish it from others.
 Bytes At(std::uint32_t time, std::uint32_t timeB = 0) {
   Bytes body = MakeBody(0, {});
   for (std::size_t i = 0; i < 4; ++i) {
@@ -153,15 +153,15 @@ TEST_F(RecordDiff, WritesALineForEachDifferenceInItsOrder) {
 }
 
 TEST_F(RecordDiff, PairsMeasurementsOfTheSameTime) {
-  // Each with the first that is left, however they lie.
+  // Each with the first unpaired one, in any order.
   EXPECT_EQ(Counts(At(1, 1) + At(1, 2) + At(2, 1), At(2, 5) + At(1, 6)), (Numbers{0, 2, 1, 0}));
   EXPECT_EQ(Counts(At(1, 1), At(2, 1)), (Numbers{0, 0, 1, 1}));
-  // Records without a time are no pairs, nor are those beyond what is the same.
+  // Records without a time are not paired, nor are those with an unchanged record in between.
   EXPECT_EQ(Counts(Other(1), Other(2)), (Numbers{0, 0, 1, 1}));
   EXPECT_EQ(Counts(At(1, 1) + At(5), At(5) + At(1, 2)), (Numbers{1, 0, 1, 1}));
 }
 
-TEST_F(RecordDiff, TakesWhatOneFileHasMoreAsRemovedOrAdded) {
+TEST_F(RecordDiff, ReportsWhatOnlyOneFileHasAsRemovedOrAdded) {
   const Bytes two = At(1) + At(2);
   EXPECT_EQ(Counts(two, {}), (Numbers{0, 0, 2, 0}));
   EXPECT_EQ(Counts({}, two), (Numbers{0, 0, 0, 2}));
@@ -169,7 +169,7 @@ TEST_F(RecordDiff, TakesWhatOneFileHasMoreAsRemovedOrAdded) {
   EXPECT_EQ(Counts(two, At(0) + two), (Numbers{2, 0, 0, 1}));
 }
 
-// Of records that are all different, a longest common subsequence is what is left of them.
+// If all records differ from each other, the longest common subsequence is the unchanged ones.
 TEST_F(RecordDiff, FindsTheRecordsThatAreLeftBetweenScatteredChanges) {
   std::uint64_t state = 11;
   const auto random = [&state](std::uint64_t below) {

@@ -163,7 +163,7 @@ TEST(RecordExport, WritesTheColumnsThatAreChosenInTheirOrder) {
   ExpectTable(Export(file, {"--csv", "--columns", "hdop"}).out, ReadBytes(file), {"hdop"});
 }
 
-TEST(RecordExport, RefusesColumnsThatAreNoneAndHintsAtTheNearest) {
+TEST(RecordExport, RefusesUnknownColumnsAndSuggestsTheNearest) {
   const struct {
     const char* columns;
     const char* message;
@@ -207,7 +207,7 @@ TEST(RecordExport, SaysOnceThatTimesInUtcAreAfterTheExpiryOfTheLeapSeconds) {
   EXPECT_EQ(Export(WriteFrames(folder, frameOf(2400)), {"--csv"}).err, "");
 }
 
-TEST(RecordColumns, AreListedForPeopleAndForMachines) {
+TEST(RecordColumns, AreListedAsTextAndAsJson) {
   const Outcome list = RunProgram({"record", "columns"});
   EXPECT_EQ(list.exitCode, 0);
   const auto lines = Lines(list.out);

@@ -224,7 +224,7 @@ TEST(RecordFiles, ReadTheOthersWhenAFolderCannotBeRead) {
 #endif
 
 // The first 100 frames are reported, whatever the number of threads, and all are counted.
-TEST(RecordFiles, TellOfTheFirstFramesAndCountAll) {
+TEST(RecordFiles, ReportTheFirstFramesAndCountAll) {
   const TempFolderC folder;
   Bytes many;
   while (many.size() < (std::size_t{2} << 20)) {

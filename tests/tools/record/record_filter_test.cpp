@@ -53,7 +53,7 @@ TEST(ParseMoment, ReadsDatesAndTimesOfGpsTimeAndUtc) {
   for (const auto& [text, time] : cases) EXPECT_EQ(Tool::ParseMoment(text), time) << text;
 }
 
-TEST(ParseMoment, RefusesWhatIsNoTime) {
+TEST(ParseMoment, RefusesTextsThatAreNotTimes) {
   for (const char* const text : {"",
                                  "2020",
                                  "2020-02",
@@ -246,7 +246,7 @@ TEST(RecordCondition, PointsAtTheErrors) {
        "at character 8, \"< true\": the column flag_a is true or false; = and != compare it"},
       {"name = '\u00FC' and name = '\u00FC",
        "at character 23, \"'\u00FC\": this text has no "
-       "quotation mark at its end"},
+       "closing quotation mark"},
       {"name = '\u00FC' x", "at character 12, \"x\": expected and, or, or the end"},
       {"pdop ~ 4", "at character 6, \"~ 4\": unknown character"},
       {"present(4)", "at character 9, \"4)\": expected the name of a column"},
@@ -362,7 +362,7 @@ TEST(RecordFilter, PlotsTheMeasurementsThatItTakes) {
   EXPECT_NE(ReadText(folder / "a.svg").find("60 measurements"), std::string::npos);  // of 414
 }
 
-TEST(RecordFilter, LeavesOutTimesOfWeekThatAreNoneWhenItAsksForTimes) {
+TEST(RecordFilter, LeavesOutInvalidTimesOfWeekWhenItFiltersByTime) {
   const struct {
     std::uint32_t timeOfWeek;
     bool isTime;

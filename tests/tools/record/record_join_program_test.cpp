@@ -142,7 +142,7 @@ TEST(RecordJoin, KeepsOtherRecordsWithTheMeasurementBeforeThem) {
 }
 
 // Of equal times, that of the first file comes first; the order within a file is kept.
-TEST(RecordJoin, KeepsTheOrderOfEqualTimesAndOfTimesThatGoBack) {
+TEST(RecordJoin, KeepsTheOrderOfEqualTimesAndOfTimesThatGoBackwards) {
   const auto named = [](std::uint32_t time, std::uint8_t mark) { return At(time) + Other(mark); };
   EXPECT_EQ(Join({named(1000, 1) + named(1000, 2), named(1000, 3)}),
             named(1000, 1) + named(1000, 2) + named(1000, 3));

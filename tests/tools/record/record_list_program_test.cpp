@@ -64,7 +64,7 @@ TEST(RecordList, HasARowForEveryRecordOfTheSamplesAndForEveryStretchBetween) {
   }
 }
 
-TEST(RecordList, TellsOfEachMeasurementWhatReadingItGives) {
+TEST(RecordList, ShowsTheResultOfReadingEachMeasurement) {
   for (const char* const name : kSamples) {
     const std::vector<json> records =
         JsonLines(ReadText(DataPath(std::string(name) + ".expected.jsonl")));
@@ -91,7 +91,7 @@ TEST(RecordList, TellsOfEachMeasurementWhatReadingItGives) {
 
 // 2091 weeks from 6 January 1980 is 2 February 2020; 440075 s are five days, 2 h 14 min 35 s. The
 // other values are those of the file's expectation lines.
-TEST(RecordList, AlignsItsRowsForPeople) {
+TEST(RecordList, AlignsItsRows) {
   const Outcome outcome = List(DataPath("valley_drive.rec"));
   EXPECT_EQ(outcome.exitCode, 1) << "the sample has gaps";
   EXPECT_EQ(outcome.err, "");

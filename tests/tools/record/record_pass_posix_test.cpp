@@ -18,7 +18,7 @@ namespace {
 // a second. The pipes are opened when the program reads them.
 TEST(RecordProgress, IsOneBarForAllFiles) {
   const TerminalC terminal;
-  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal available";
   constexpr std::size_t kSize = std::size_t{4} << 20;
   const TempFolderC folder;
   const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));

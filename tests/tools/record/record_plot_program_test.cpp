@@ -184,7 +184,7 @@ TEST(RecordPlot, LeavesOutAFrameWhoseBlocksDoNotFitAndSaysSo) {
   EXPECT_EQ(Runs(ParseXml(ReadText(folder / "out.svg")), "#0072b2"), std::vector<std::size_t>{1});
 }
 
-TEST(RecordPlot, TellsHowManyBadFramesItLeavesOut) {
+TEST(RecordPlot, ReportsHowManyBadFramesItLeavesOut) {
   const TempFolderC folder;
   const Bytes good = MakeFrame(113, MakeBody(0x0100, {12, 7}));
   Bytes bad = good;

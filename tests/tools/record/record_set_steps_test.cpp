@@ -164,7 +164,7 @@ TEST_P(RecordSetSteps, AnyCallThatFailsLeavesTheOldFileOrTheNewOneAndSaysSo) {
   EXPECT_GE(failures, 20);
 }
 
-TEST_P(RecordSetSteps, GoesOnAfterAReadOrAWriteThatFallsShort) {
+TEST_P(RecordSetSteps, ContinuesAfterAShortReadOrWrite) {
   const std::vector<std::string> calls = Calls();
   for (std::size_t step = 0; step < calls.size(); ++step) {
     if (calls[step] != "pread" && calls[step] != "pwrite") continue;
@@ -175,7 +175,7 @@ TEST_P(RecordSetSteps, GoesOnAfterAReadOrAWriteThatFallsShort) {
   }
 }
 
-TEST_P(RecordSetSteps, IsDoneWhereAFolderHasNothingToBring) {
+TEST_P(RecordSetSteps, SucceedsWhereAFolderHasNothingToFlush) {
   for (const int error : {EINVAL, ENOTSUP}) {
     const Outcome outcome = Set("fail fsync 1 " + std::to_string(error));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
@@ -183,7 +183,7 @@ TEST_P(RecordSetSteps, IsDoneWhereAFolderHasNothingToBring) {
     EXPECT_TRUE(ReadBytes(file_) == after_);
     WriteBytes(file_, before_);
   }
-  // The file itself has.
+  // The file itself must be flushed.
   EXPECT_EQ(Set("fail fsync 0 " + std::to_string(EINVAL)).exitCode, 3);
   EXPECT_TRUE(ReadBytes(file_) == before_);
 }
@@ -226,7 +226,7 @@ TEST_P(RecordSetSteps, RefusesACopyThatDoesNotReadBack) {
 }
 
 // A file with the same number on another device is another file.
-TEST_P(RecordSetSteps, RefusesAFileThatIsOnAnotherDeviceByNow) {
+TEST_P(RecordSetSteps, RefusesAFileThatIsNowOnAnotherDevice) {
   const std::vector<std::string> calls = Calls();
   for (const std::string call : {"stat", "fstatat"}) {
     SCOPED_TRACE(call);
@@ -448,7 +448,7 @@ TEST_P(RecordSetSteps, OnAFileSizeThatIsLimitedLeavesTheFileAsItWas) {
 
 TEST_P(RecordSetSteps, DrawsAProgressBarOnATerminalWhenTheWorkIsLong) {
   const TerminalC terminal;
-  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal available";
   constexpr std::uintmax_t kMebibyte = 1 << 20;
   // Each block takes so long that the bar is shown.
   const auto set = [&](std::uintmax_t size, const std::string& errors) {

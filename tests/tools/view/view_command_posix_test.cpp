@@ -110,7 +110,7 @@ TEST_F(ViewOnPosix, TakesTheCacheOfTheUser) {
   EXPECT_TRUE(outcome.out.starts_with(cache + "/surveydata/pages/view-")) << outcome.out;
   EXPECT_EQ(
       View("valley_drive.rec", "XDG_CACHE_HOME=relative").err,
-      "surveydata: there is no folder for the page, as HOME is not set; choose one with -o\n");
+      "surveydata: there is no folder for the page, because HOME is not set; choose one with -o\n");
 }
 
 TEST_F(ViewOnPosix, ClosesAFolderThatOthersCouldRead) {

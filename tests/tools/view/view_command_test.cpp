@@ -98,7 +98,7 @@ TEST(View, TakesAtMost50Megabytes) {
   EXPECT_EQ(View(file, MakePage(folder)).out.size(), empty.size() + (50'000'000 + 2) / 3 * 4);
 }
 
-TEST(View, RefusesAPageThatHasNoPlaceForAFile) {
+TEST(View, RefusesAPageWithoutAPlaceholder) {
   const TempFolderC folder;
   WriteBytes(folder / "other.html", BytesOf(kBefore));
   WriteBytes(folder / "a.rec", BytesOf("f"));
