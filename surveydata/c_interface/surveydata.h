@@ -559,7 +559,7 @@ enum {
   SURVEYDATA_FAULT_EQUAL_POINTS = 5,        ///< Two points are equal.
   SURVEYDATA_FAULT_EQUAL_HZ = 6,            ///< Both corners of a rectangle have the same Hz.
   SURVEYDATA_FAULT_EQUAL_V = 7,             ///< Both corners of a rectangle have the same V.
-  SURVEYDATA_FAULT_CROSSING_EDGES = 8       ///< Two edges cross that are not adjacent.
+  SURVEYDATA_FAULT_CROSSING_EDGES = 8       ///< Two non-adjacent edges cross.
 };
 
 /// In place of the index of a point or an edge: none.

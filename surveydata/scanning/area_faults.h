@@ -23,7 +23,7 @@ struct AreaFault {
     kEqualPoints,
     kEqualHz,        ///< Both corners of a rectangle have the same Hz.
     kEqualV,         ///< Both corners of a rectangle have the same V.
-    kCrossingEdges,  ///< Two edges cross that are not adjacent.
+    kCrossingEdges,  ///< Two non-adjacent edges cross.
   };
 
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);

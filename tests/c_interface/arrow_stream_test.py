@@ -99,7 +99,7 @@ def gps_and_utc(week, time_of_week):
 
 
 def expected_row(record):
-    """The row of a record whose fields and getters another program has written down."""
+    """The row of a record whose fields and getters another program has recorded."""
     info, fields, getters = record["info"], record["measurement"], record["getters"]
     row = {"offset": record["offset"], "size": record["size"], "name": info["name"] or None,
            "number": info["number"], "kind_zero": info["flags"] & 1 != 0,

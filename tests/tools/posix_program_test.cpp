@@ -429,7 +429,7 @@ Usage UsageOf(const std::vector<std::string>& arguments) {
 }
 
 // A file that is larger than the memory that the program may use: with one job, and with several,
-// which keep their output until its turn.
+// which hold their output until it can be written in order.
 TEST(RecordExport, TakesAFixedAmountOfMemory) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   constexpr std::size_t kFileSize = std::size_t{80} << 20;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kDescription =
     "List the directions of an area at its steps as a CSV table, in the order in which an\n"
-    "instrument sweeps: columns by ascending Hz, with V ascending and descending alternately.\n"
+    "instrument sweeps: columns by ascending Hz, with V alternately ascending and descending.\n"
     "The grid begins at the lowest Hz and V of the bounds; around the zenith, at Hz 0 and V 0.\n"
     "The table has the directions that area contains reports as inside, in the unit of the area\n"
     "file. It is written while it is computed. If it has no direction, the exit code is 1; if\n"

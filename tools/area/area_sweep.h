@@ -9,7 +9,7 @@
 namespace Tool {
 
 /// Calls `visit(hz, v)`, rad, for each direction of the area at its steps, in the order in which an
-/// instrument sweeps: columns by ascending Hz, with V ascending and descending alternately. Columns
+/// instrument sweeps: columns by ascending Hz, with V alternately ascending and descending. Columns
 /// without a direction inside do not count. The first direction is that of the lowest Hz and V of
 /// the bounds; of an area around the zenith and of a dome Hz 0 and V 0. Memory does not depend on
 /// the steps. Python's `Area.iter_grid` gives the same.

@@ -140,7 +140,7 @@ void RemoveStaleCopies(int folder, uid_t owner) {
 }  // namespace
 
 struct OriginalFileC::Platform {
-  // Whether the path leads to another file by now, or the folder has another one of this name.
+  // Whether the path now leads to another file, or the folder has another one of this name.
   bool IsReplaced() const {
     struct stat now {};
     return stat(path.c_str(), &now) != 0 || !IsSameFile(now, status) ||

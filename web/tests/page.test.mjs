@@ -148,7 +148,7 @@ onPage("the list has the rows that the program lists", async (page) => {
   assert.equal(await page.locator(".row.current .offset").textContent(), String(listed[first].offset));
 });
 
-onPage("of a selection of rows only these are saved", async (page) => {
+onPage("saving a selection writes only the selected rows", async (page) => {
   await openFiles(page, data("valley_drive.rec"));
   await status(page);
   await page.locator(".list").focus();
@@ -314,7 +314,7 @@ test("surveydata view: the file comes with the page, and is decoded in the worke
   await close();
 });
 
-test("surveydata view: names and contents of files stay data", async () => {
+test("surveydata view: names and contents of files are never interpreted as markup", async () => {
   const evil = written("a<b>&\"'.json", '{"kind": "</template><script>document.title = 1</script>"}');
   const file = join(folder, "evil.html");
   native("view", evil, "--page", pageFile, "-o", file, "--browser", "true");
@@ -650,7 +650,7 @@ onPage("if a file was deleted, a message says so and its list stays", async (pag
   assert.match(await status(page), /^16,560 measurements/);
 });
 
-onPage("names of files, areas and records stay text", async (page) => {
+onPage("names of files, areas and records are shown as text", async (page) => {
   const markup = "<img src=x onerror=document.title=1>";
   const frame = written("named.rec", readFileSync(data("valley_drive.rec")));
   native("record", "set", "--offset", "960", "--name", "<b onclick=x>&'\"", frame);
@@ -934,7 +934,7 @@ onPage("plots, list and record are in view together", async (page) => {
   }
   const cut = await page.locator(".list").evaluate((list) => [list, ...list.querySelectorAll(".row span")]
     .filter((each) => each.scrollWidth > each.clientWidth).map((each) => each.textContent));
-  assert.deepEqual(cut, [], "the list shows its columns whole");
+  assert.deepEqual(cut, [], "the list shows its columns completely");
   // The picture of docs/page.md.
   if (process.env.SURVEYDATA_PICTURE) await page.screenshot({ path: process.env.SURVEYDATA_PICTURE });
 }, { viewport: { width: 1280, height: 1000 } });
