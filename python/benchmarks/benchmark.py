@@ -70,8 +70,8 @@ def records(megabytes: int, runs: int) -> None:
 def two_threads(megabytes: int, runs: int) -> None:
     """Work in two threads, compared with the same work twice in one.
 
-    Hashing needs only the processor, not memory: its ratio shows how much two threads of this machine can do
-    at this time. Virtual processors may share a core, or the other one may be busy.
+    Hashing needs only the processor, not memory: its ratio shows how much two threads of this
+    machine can do at this time. Virtual processors may share a core, or the other one may be busy.
     """
     sample = (_SAMPLES / "valley_drive.rec").read_bytes()
     data = sample * max(1, megabytes * 10**6 // len(sample))

@@ -297,7 +297,7 @@ void AddAreas(nb::module_& module) {
   nb::class_<Tool::AreaFault>(module, "Fault", "A rule that an area breaks.")
       .def_prop_ro(
           "rule", [](const Tool::AreaFault& fault) { return std::string(fault.rule); },
-          "The name of the rule:  \"equalPoints\".")
+          "The name of the rule: \"equalPoints\".")
       .def_prop_ro(
           "points", [](const Tool::AreaFault& fault) { return FromZero(fault.points); },
           "The points that break it, counted from 0.")

@@ -316,9 +316,9 @@ SURVEYDATA_API surveydata_status surveydata_decode(const uint8_t* frame, size_t 
 
 /// Creates the shortest frame that decodes to this measurement.
 ///
-/// Omits fields whose presence bit, or bit of the status mask, is not set (but not the pairs
-/// of the systems 2 and 3 with a second value of 0, which frames hold without it); the extra time
-/// if its count is 0, the values if theirs is 0, list entries after the count, and what follows the
+/// Omits fields whose presence bit, or bit of the status mask, is not set (except the pairs of
+/// systems 2 and 3 with a second value of 0: frames store these without the bit); the extra time if
+/// its count is 0, the values if theirs is 0, list entries after the count, and what follows the
 /// first zero of the name or of a text. `block` is not read.
 ///
 /// Refuses values that decoding never returns with `SURVEYDATA_NO_PLACE`: an extra time count

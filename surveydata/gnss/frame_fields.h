@@ -59,7 +59,7 @@ enum class Field : std::uint8_t {
   kChecksum,
 };
 
-/// The parts of a measurement and its info, those that a frame cannot store included.
+/// The parts of a measurement and its info, including those that a frame cannot store.
 using RecordField = GPSRecordField;
 
 /// The name of a field as text. It is unique only within its block. `TextOf` names blocks and

@@ -93,7 +93,7 @@ enum class GPSReaderState : std::uint8_t {
   kReadingFailed,  ///< Reading failed; the records before that position were returned.
 };
 
-/// The parts of a measurement and its info, those that a frame cannot store included.
+/// The parts of a measurement and its info, including those that a frame cannot store.
 enum class GPSRecordField : std::uint8_t {
   kNone,
   kTimeBWeek,

@@ -24,9 +24,9 @@ class SURVEYDATA_API GPSRecordWriterC {
   /// pairs of systems 2 and 3 even if they are not present. Bytes that readers ignore are 0.
   /// Allocates nothing.
   ///
-  /// Refuses, and reports the field of, whatever such reading cannot give back: the week of time B,
-  /// status bit 2, a status bit or an info flag without exactly one of the two info flags, a name
-  /// of more than 17 units or not in the shortest UTF-8, an antenna height with a horizontal
+  /// Refuses everything that such reading cannot give back, and reports the field: the week of time
+  /// B, status bit 2, a status bit or an info flag without exactly one of the two info flags, a
+  /// name of more than 17 units or not in the shortest UTF-8, an antenna height with a horizontal
   /// offset, a single value, a component of the vector that single precision cannot represent, a
   /// present pair of system 2 or 3 whose second value is 0, flags above 1, values B and C above
   /// 255, a list of more than 31 entries; and the first field, in the order of the frame, that

@@ -104,12 +104,12 @@ struct Encoded {
 /// of systems 2 and 3 even if they are not present. A field whose presence bit is clear is omitted,
 /// whatever it stores. Ignored bytes are 0.
 ///
-/// Refuses whatever such reading cannot give back: the week of time B, status bit 2, a status bit
-/// or an info flag without exactly one of the two info flags, a name of more than 17 units or not
-/// in the shortest UTF-8, an antenna height with a horizontal offset, a single value, a component
-/// of the vector that single precision cannot represent, a present pair of system 2 or 3 whose
-/// second value is 0, flags above 1, values B and C above 255, a list of more than 31 entries; and
-/// the first block, in the order of the frame, that makes the length exceed 498.
+/// Refuses everything that such reading cannot give back: the week of time B, status bit 2, a
+/// status bit or an info flag without exactly one of the two info flags, a name of more than 17
+/// units or not in the shortest UTF-8, an antenna height with a horizontal offset, a single value,
+/// a component of the vector that single precision cannot represent, a present pair of system 2 or
+/// 3 whose second value is 0, flags above 1, values B and C above 255, a list of more than 31
+/// entries; and the first block, in the order of the frame, that makes the length exceed 498.
 ///
 /// \param frame  receives the frame in its first `size` bytes, unless it is refused.
 Encoded Encode(const GPSMeasDataImplC& measurement, const GPSRecordFileInfo& info,

@@ -78,7 +78,7 @@ inline double NormalizeAngle(double a) {
 bool WrapIntoRange(double& a, double lo, double hi);
 
 /// The bits of a double. Those of doubles that are not negative have the order of the doubles;
-/// those of all others, -0.0 and NaN included, are greater.
+/// those of all others, including -0.0 and NaN, are greater.
 inline std::uint64_t OrderedBits(double x) { return std::bit_cast<std::uint64_t>(x); }
 
 /// Whether both are in [0, 2 pi]; false for -0.0.

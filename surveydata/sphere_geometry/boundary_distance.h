@@ -39,8 +39,8 @@ struct NearestEdge {
 };
 
 /// The edge of an area that is nearest to a direction on the sphere: for a polygon the shorter arcs
-/// of great circles, the closing one included; for a rectangle its two meridians and two circles of
-/// latitude. Edges with an end out of range (V in [0, pi] to 10 digits, finite Hz) are ignored.
+/// of great circles, including the closing one; for a rectangle its two meridians and two circles
+/// of latitude. Edges with an end out of range (V in [0, pi] to 10 digits, finite Hz) are ignored.
 /// Limits of V are not part of the boundary.
 /// \cost linear.
 NearestEdge FindNearestEdge(const AreaFrame& frame, const AnglePointC& direction);

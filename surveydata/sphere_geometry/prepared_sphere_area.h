@@ -24,7 +24,7 @@ class PreparedSphereAreaC {
   /// \param hasRaster  whether to build a raster of decided cells.
   /// \param manySideBySide the smallest average number of edges on a meridian for which edges are
   /// kept in order. Tests, which have fewer, set it.
-  /// \cost at least n log n for n points, that of `SphereAreaC::IsValid` included; up to n^2 for a
+  /// \cost at least n log n for n points, including that of `SphereAreaC::IsValid`; up to n^2 for a
   ///       ring around the zenith that crosses itself nearly everywhere. Memory proportional to n.
   explicit PreparedSphereAreaC(const SphereAreaC& area, bool hasRaster = false,
                                double manySideBySide = CellGridC::kManySideBySide);

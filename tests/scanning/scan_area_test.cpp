@@ -292,7 +292,7 @@ TEST(ScanArea, KindsAreNeverEqual) {
   EXPECT_EQ(polygon.GetType(), 2u);
   EXPECT_EQ(dome.GetType(), 3u);
   const ScanDefPointC point;
-  EXPECT_FALSE(rectangle.GetImpl()->IsEqual(*point.GetImpl())) << "no scan definition";
+  EXPECT_FALSE(rectangle.GetImpl()->IsEqual(*point.GetImpl())) << "not a scan definition";
 }
 
 // An area of a kind that the library does not know, with any type code.
@@ -522,7 +522,7 @@ TEST(ScanArea, BoundsAroundTheZenithNeedAValidArea) {
   for (const double hz : {0.0, 1.0, 2.0, 3.0, 4.0, 5.0}) ring.emplace_back(hz, 0.5, -1.0);
   const std::unique_ptr<ScanPolygonAreaC> area(MakePolygon(ring));
   EXPECT_EQ(area->GetHzMin(), 1e-6);
-  EXPECT_NEAR(area->GetHzMax(), 1e-6, 1e-14) << "normalised, the full turn is gone";
+  EXPECT_NEAR(area->GetHzMax(), 1e-6, 1e-14) << "normalised, the full turn is 0";
   EXPECT_EQ(area->GetVMax(), 2.5132741228718345);
   EXPECT_LT(area->GetVMin(), 0.5);
   ring.clear();

@@ -91,7 +91,7 @@ TEST(ScanPolygonArea, OutlineFillsTheDistancesFromTheNeighbours) {
   EXPECT_EQ(distances({4, 8, -1}), (Distances{4, 8, 6}));
   // 0 does not count for the mean, and is not filled.
   EXPECT_EQ(distances({0, 8, -1, 8}), (Distances{0, 8, 8, 8}));
-  EXPECT_EQ(distances({0, -1, 8, 8}), (Distances{0, 4, 8, 8})) << "nor does the mean stand for it";
+  EXPECT_EQ(distances({0, -1, 8, 8}), (Distances{0, 4, 8, 8})) << "nor is it replaced by the mean";
   EXPECT_EQ(distances({0, 0, 0}), (Distances{99, 99, 99}));
 }
 

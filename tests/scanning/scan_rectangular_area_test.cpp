@@ -113,7 +113,7 @@ TEST(ScanRectangularArea, OutlineFillsTheDistances) {
   unknown->SetCorners({1.0, 0.5, -1.0}, {2.0, 1.0, std::nan("")});
   std::vector<ScanDefPointC> out;
   unknown->GetOutline(out, 3.0);
-  EXPECT_EQ(out[0].GetDistance(), -1.0) << "NaN is no distance to fill in";
+  EXPECT_EQ(out[0].GetDistance(), -1.0) << "NaN is not filled in";
   EXPECT_TRUE(std::isnan(out[2].GetDistance()));
 }
 
@@ -125,7 +125,7 @@ TEST(ScanRectangularArea, OutlineNeedsTwoCornersAndTakesTheFirstTwo) {
   area.AddPoint({1.0, 0.5, -1.0});
   area.GetOutline(out, 3.0);
   ASSERT_EQ(out.size(), 1u) << "one corner";
-  EXPECT_EQ(out[0].GetHz(), kNotSet) << "what was there stays";
+  EXPECT_EQ(out[0].GetHz(), kNotSet) << "existing points are kept";
   area.AddPoint({2.0, 1.0, 5.0});
   area.AddPoint({3.0, 1.5, 7.0});
   area.AddPoint({4.0, 2.0, 9.0});

@@ -193,7 +193,7 @@ TEST(Scan, SetAreaReplacesTheExistingArea) {
     CountTheEndOfItsArea(scan, ends);
     EXPECT_TRUE(scan.GetImpl()->SetArea(area->GetImpl())->IsEqual(*area));
     EXPECT_EQ(ends, 2);
-    EXPECT_EQ(area->GetPointCount(), area == &dome ? 0u : 1u) << "the source stays";
+    EXPECT_EQ(area->GetPointCount(), area == &dome ? 0u : 1u) << "the source is unchanged";
   }
 }
 

@@ -79,7 +79,7 @@ TEST(Angles, InRangeIsOpenInsideAndRoundsAtTheEnds) {
   EXPECT_TRUE(InRange(-1e-11, 0.0, TWO_PI, 10));
   EXPECT_FALSE(InRange(-1e-9, 0.0, TWO_PI, 10));
   EXPECT_TRUE(InRange(5.0, 5.0, 5.0, 10));
-  EXPECT_FALSE(InRange(1.0, 2.0, 0.0, 10)) << "an empty range holds its ends alone";
+  EXPECT_FALSE(InRange(1.0, 2.0, 0.0, 10)) << "an empty range contains only its ends";
   EXPECT_TRUE(InRange(2.0, 2.0, 0.0, 10));
   EXPECT_FALSE(InRange(kNaN, 0.0, TWO_PI, 10));
   EXPECT_FALSE(InRange(kInfinity, 0.0, TWO_PI, 10));
@@ -113,7 +113,7 @@ TEST(Angles, NormalizeAngleGivesTheHalfOpenTurn) {
   EXPECT_EQ(NormalizeAngle(1.25), 1.25);
   EXPECT_NEAR(NormalizeAngle(7.0), 7.0 - TWO_PI, 1e-15);
   EXPECT_NEAR(NormalizeAngle(-20.0), 4.0 * TWO_PI - 20.0, 4e-15);
-  EXPECT_TRUE(std::signbit(NormalizeAngle(-0.0))) << "what is in range stays as it is";
+  EXPECT_TRUE(std::signbit(NormalizeAngle(-0.0))) << "an angle in range is unchanged";
   EXPECT_TRUE(std::isnan(NormalizeAngle(kInfinity)));
   EXPECT_TRUE(std::isnan(NormalizeAngle(kNaN)));
   // The sum of a tiny negative angle and a full turn rounds to the full turn, which is 0.
@@ -151,8 +151,7 @@ TEST(Angles, WrapIntoRangeRefusesAndLeavesTheAngle) {
       {1.0, 1.0, 1.0},
       {1.0, -101.0, 1.0},
       {1.0, 0.0, 101.0},
-      {2.0, -HALF_PI, HALF_PI},  // no turn brings it
-                                 // there
+      {2.0, -HALF_PI, HALF_PI},  // out of reach of full turns
       {2.0, 0.0, 1.0},
       {kNaN, 0.0, TWO_PI},
       {kInfinity, 0.0, TWO_PI},

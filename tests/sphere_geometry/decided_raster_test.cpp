@@ -250,7 +250,7 @@ TEST(DecidedRaster, ARingAroundTheZenithIsInsideUpToIt) {
   const PreparedSphereAreaC prepared(area, true);
   const DecidedRasterC& raster = *prepared.GetRaster();
   EXPECT_EQ(raster.Find(1.1, 1e-5), Verdict::kInside);
-  EXPECT_EQ(raster.Find(1.1, 0.0), Verdict::kUndecided) << "the zenith is asked";
+  EXPECT_EQ(raster.Find(1.1, 0.0), Verdict::kUndecided) << "the zenith is undecided";
   EXPECT_EQ(raster.Find(1.1, 2.0), Verdict::kOutside);
   EXPECT_EQ(raster.Find(1.1, 5.0), Verdict::kOutside);
 }

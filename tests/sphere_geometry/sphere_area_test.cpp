@@ -369,7 +369,7 @@ TEST(SphereArea, BoundsAreClampedOnRequest) {
   const SphereAreaC above = Area({{1.0, -0.2}, {2.0, 1.0}});
   EXPECT_EQ(Measure(above, false).vMin, 0.0);
   EXPECT_EQ(Measure(above, true).vMin, -0.2);
-  EXPECT_FALSE(Measure(above, true).result) << "the bounds are set all the same";
+  EXPECT_FALSE(Measure(above, true).result) << "the bounds are set nevertheless";
 }
 
 class UnlimitedAreaC : public SphereAreaC {
@@ -379,7 +379,7 @@ class UnlimitedAreaC : public SphereAreaC {
 
 // Callers hold sphere areas by value.
 TEST(SphereArea, HoldsItsMembersInOrder) {
-  if (!API::kSizesArePromised) GTEST_SKIP() << "the offsets are those of pointers of 64 bits";
+  if (!API::kSizesArePromised) GTEST_SKIP() << "the offsets hold for 64-bit pointers";
   UnlimitedAreaC area;
   const auto* const bytes = reinterpret_cast<const unsigned char*>(&area);
   const auto at = [bytes](auto value, std::size_t offset) {
@@ -464,7 +464,7 @@ TEST(SphereArea, TheSecondVertexCandidateFollowsItsFormula) {
   ASSERT_LT(opposite, 2.9);
   const Extents e = Measure(Area(ring), true);
   EXPECT_EQ(e.vMax, NormalizeAngle(TWO_PI - (HALF_PI - lat)));
-  EXPECT_GT(e.vMax, PI) << "no direction of the area";
+  EXPECT_GT(e.vMax, PI) << "not a direction of the area";
 }
 
 TEST(SphereArea, WhatAnEdgeReachesBeyondTheBoundsIsOutside) {
@@ -713,7 +713,7 @@ TEST(PreparedSphereArea, AnswersAsTheAreaDoesWhere) {
         {0x1.4ff7c7a8116c5p+1, 0x1.64455a10d2a0bp-1},
         {0x1.6e3f35f9976d2p+1, 0x1.921fb55206ddfp+0}},
        {0x1.f28f5245092d3p+1, 0x1.921ffe6d2bd6ap+0}},
-      // An edge that a column takes for one that lies beyond its end joins one along a meridian.
+      // An edge that a column mistakes for one beyond its end joins one along a meridian.
       {"a meridian edge leaves through the end of the search line",
        {{0x1.921fb54442d19p+2, 0x1p+1},
         {-0x0p+0, 0x1.921fb54442d18p+0},

@@ -18,7 +18,7 @@ TEST(SpherePoint, LatitudeCountsFromTheHorizonAndIsWrapped) {
   EXPECT_EQ(SpherePointC({1.0, HALF_PI}).GetLatitude(), 0.0);
   EXPECT_EQ(SpherePointC({1.0, PI}).GetLatitude(), -HALF_PI);
   EXPECT_NEAR(SpherePointC({1.0, 5.0}).GetLatitude(), HALF_PI - 5.0 + TWO_PI, 1e-15);
-  EXPECT_EQ(SpherePointC({1.0, 500.0}).GetLatitude(), HALF_PI - 500.0) << "a refusal leaves it";
+  EXPECT_EQ(SpherePointC({1.0, 500.0}).GetLatitude(), HALF_PI - 500.0) << "a refused value changes nothing";
 }
 
 TEST(SpherePoint, LongitudeIsHzWhateverItsTurn) {
@@ -35,7 +35,7 @@ TEST(SpherePoint, SetWrapsBothAnglesAndForgetsTheUnitVector) {
   EXPECT_NEAR(p.GetUnit().Z(), std::sin(0.5), 1e-15);
   p.Set(0.0, 0.1 + TWO_PI);
   EXPECT_NEAR(p.GetLongitude(), 0.1, 1e-15);
-  p.Set(2.0, 1.0);  // no turn brings a latitude of 2 into range
+  p.Set(2.0, 1.0);  // no number of turns moves a latitude of 2 into range
   EXPECT_EQ(p.GetLatitude(), 2.0);
 }
 

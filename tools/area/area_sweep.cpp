@@ -28,8 +28,8 @@ struct Sweep {
   std::uint64_t rows;
 };
 
-// As in Python's `iter_grid`: up to 2^53 doubles count in ones, and a column of 10^7 directions
-// takes a tenth of a second, so that the first directions are written without delay.
+// As in Python's `iter_grid`: doubles represent all whole numbers up to 2^53, and a column of 10^7
+// directions takes a tenth of a second, so that the first directions are written without delay.
 constexpr double kMostColumns = 9007199254740992.0;
 constexpr double kMostRows = 1e7;
 

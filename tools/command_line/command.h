@@ -28,7 +28,8 @@ struct CommandOption {
       names;               ///< With their dashes, short ones first; of an argument its name.
   std::string value = {};  ///< What the help calls the value; empty for a flag.
   std::string description;
-  /// Takes the value, each of them when it is repeatable. Throws `ValueErrorC` to refuse it.
+  /// Takes the value; called for each one if the option is repeatable. Throws `ValueErrorC` to
+  /// refuse it.
   std::function<void(const std::string&)> take = {};
   bool* flag = nullptr;   ///< Set when the flag is given.
   std::string text = {};  ///< Printed when the flag is given; no command runs then.

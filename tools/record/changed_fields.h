@@ -16,13 +16,13 @@
 namespace Tool {
 
 /// The distance of two floating-point numbers in units in the last place of their type: 0
-/// for equal numbers, zeros of either sign among them; nothing if one is NaN.
+/// for equal numbers, including zeros of different signs; nothing if one is NaN.
 /// @{
 std::optional<std::uint64_t> UlpDistance(float a, float b);
 std::optional<std::uint64_t> UlpDistance(double a, double b);
 /// @}
 
-/// The member "fields", an array with name, a, b and, of floating-point numbers, ulps. Absent
+/// The member "fields", an array with name, a, b and, for floating-point numbers, ulps. Absent
 /// values, NaN and infinities are null.
 void WriteChangedFields(JsonWriterC& out, const DecodedRecord& a, const DecodedRecord& b);
 

@@ -58,7 +58,7 @@ TEST(RecordCheck, CountsWhatTheListShows) {
     EXPECT_EQ(found["others"], others);
     EXPECT_EQ(found["gaps"], (json{{"count", gaps}, {"first", firstGap}}));
     EXPECT_EQ(found["gapBytes"], gapBytes);
-    EXPECT_EQ(found["damagedHeaders"]["count"], 0) << "as export says";
+    EXPECT_EQ(found["damagedHeaders"]["count"], 0) << "as export reports";
     EXPECT_EQ(found["overlappingHeaders"]["count"], badFrames);
   }
 }

@@ -96,7 +96,7 @@ TEST(RecordExport, GivesTheExpectationLinesOfBothSamplesByteForByte) {
     SCOPED_TRACE(name);
     const Outcome outcome = Export(DataPath(std::string(name) + ".rec"));
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.err, "") << "chance headers in gaps are no bad frames";
+    EXPECT_EQ(outcome.err, "") << "random headers in gaps are not bad frames";
     EXPECT_TRUE(outcome.out == ReadText(DataPath(std::string(name) + ".expected.jsonl")));
   }
 }

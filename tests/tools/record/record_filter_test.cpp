@@ -106,7 +106,7 @@ TEST(ParseMoment, SaysWhatIsWrong) {
     } catch (const Tool::ValueErrorC& error) {
       EXPECT_EQ(std::string(error.what()),
                 std::string(reason) +
-                    "; a time is like 2020-02-06T18:14:35.5, GPS time, or UTC "
+                    "; write a time as 2020-02-06T18:14:35.5 in GPS time, or in UTC "
                     "with a Z at the end");
     }
   }
@@ -344,7 +344,7 @@ TEST(RecordFilter, ListsTheMeasurementsThatItTakesAndNothingElse) {
       expected.push_back(line["offset"]);
     }
     const Outcome outcome = RunProgram(arguments);
-    EXPECT_EQ(outcome.exitCode, 1) << "the gaps of the file are found all the same";
+    EXPECT_EQ(outcome.exitCode, 1) << "the gaps of the file are found nevertheless";
     std::vector<std::uint64_t> listed;
     for (const json& line : JsonLines(outcome.out)) {
       EXPECT_EQ(line["kind"], "measurement");
