@@ -145,16 +145,10 @@ TEST(Angles, WrapIntoRangeRefusesAndLeavesTheAngle) {
   const struct {
     double a, lo, hi;
   } cases[] = {
-      {150.0, 0.0, TWO_PI},
-      {-100.5, 0.0, TWO_PI},
-      {1.0, TWO_PI, 0.0},
-      {1.0, 1.0, 1.0},
-      {1.0, -101.0, 1.0},
-      {1.0, 0.0, 101.0},
-      {2.0, -HALF_PI, HALF_PI},  // out of reach of full turns
-      {2.0, 0.0, 1.0},
-      {kNaN, 0.0, TWO_PI},
-      {kInfinity, 0.0, TWO_PI},
+      {150.0, 0.0, TWO_PI}, {-100.5, 0.0, TWO_PI}, {1.0, TWO_PI, 0.0},       {1.0, 1.0, 1.0},
+      {1.0, -101.0, 1.0},   {1.0, 0.0, 101.0},     {2.0, -HALF_PI, HALF_PI},  // out of reach of
+                                                                              // full turns
+      {2.0, 0.0, 1.0},      {kNaN, 0.0, TWO_PI},   {kInfinity, 0.0, TWO_PI},
   };
   for (const auto& [a, lo, hi] : cases) {
     SCOPED_TRACE(testing::Message() << a << " into " << lo << ", " << hi);

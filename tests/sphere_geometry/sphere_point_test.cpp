@@ -18,7 +18,8 @@ TEST(SpherePoint, LatitudeCountsFromTheHorizonAndIsWrapped) {
   EXPECT_EQ(SpherePointC({1.0, HALF_PI}).GetLatitude(), 0.0);
   EXPECT_EQ(SpherePointC({1.0, PI}).GetLatitude(), -HALF_PI);
   EXPECT_NEAR(SpherePointC({1.0, 5.0}).GetLatitude(), HALF_PI - 5.0 + TWO_PI, 1e-15);
-  EXPECT_EQ(SpherePointC({1.0, 500.0}).GetLatitude(), HALF_PI - 500.0) << "a refused value changes nothing";
+  EXPECT_EQ(SpherePointC({1.0, 500.0}).GetLatitude(), HALF_PI - 500.0)
+      << "a refused value changes nothing";
 }
 
 TEST(SpherePoint, LongitudeIsHzWhateverItsTurn) {

@@ -18,7 +18,8 @@ constexpr std::int64_t kEnd =
 
 [[noreturn]] void Refuse(std::string_view what) {
   throw ValueErrorC(fmt::format(
-      "{}; write a time as 2020-02-06T18:14:35.5 in GPS time, or in UTC with a Z at the end", what));
+      "{}; write a time as 2020-02-06T18:14:35.5 in GPS time, or in UTC with a Z at the end",
+      what));
 }
 
 // Reads digits and separators from the front of a text.
