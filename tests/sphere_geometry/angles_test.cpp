@@ -116,7 +116,7 @@ TEST(Angles, NormalizeAngleGivesTheHalfOpenTurn) {
   EXPECT_TRUE(std::signbit(NormalizeAngle(-0.0))) << "an angle in range is unchanged";
   EXPECT_TRUE(std::isnan(NormalizeAngle(kInfinity)));
   EXPECT_TRUE(std::isnan(NormalizeAngle(kNaN)));
-  // The sum of a tiny negative angle and a full turn rounds to the full turn, which is 0.
+  // Above the sum of a tiny negative angle and the turn there is nothing.
   EXPECT_EQ(NormalizeAngle(-1e-300), 0.0);
 }
 
@@ -145,10 +145,16 @@ TEST(Angles, WrapIntoRangeRefusesAndLeavesTheAngle) {
   const struct {
     double a, lo, hi;
   } cases[] = {
-      {150.0, 0.0, TWO_PI}, {-100.5, 0.0, TWO_PI}, {1.0, TWO_PI, 0.0},       {1.0, 1.0, 1.0},
-      {1.0, -101.0, 1.0},   {1.0, 0.0, 101.0},     {2.0, -HALF_PI, HALF_PI},  // out of reach of
-                                                                              // full turns
-      {2.0, 0.0, 1.0},      {kNaN, 0.0, TWO_PI},   {kInfinity, 0.0, TWO_PI},
+      {150.0, 0.0, TWO_PI},
+      {-100.5, 0.0, TWO_PI},
+      {1.0, TWO_PI, 0.0},
+      {1.0, 1.0, 1.0},
+      {1.0, -101.0, 1.0},
+      {1.0, 0.0, 101.0},
+      {2.0, -HALF_PI, HALF_PI},  // out of reach
+      {2.0, 0.0, 1.0},
+      {kNaN, 0.0, TWO_PI},
+      {kInfinity, 0.0, TWO_PI},
   };
   for (const auto& [a, lo, hi] : cases) {
     SCOPED_TRACE(testing::Message() << a << " into " << lo << ", " << hi);
