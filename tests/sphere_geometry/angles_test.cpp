@@ -151,7 +151,8 @@ TEST(Angles, WrapIntoRangeRefusesAndLeavesTheAngle) {
       {1.0, 1.0, 1.0},
       {1.0, -101.0, 1.0},
       {1.0, 0.0, 101.0},
-      {2.0, -HALF_PI, HALF_PI},  // out of reach
+      {2.0, -HALF_PI, HALF_PI},  // no turns move it
+                                 // there
       {2.0, 0.0, 1.0},
       {kNaN, 0.0, TWO_PI},
       {kInfinity, 0.0, TWO_PI},
