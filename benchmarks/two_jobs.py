@@ -43,7 +43,7 @@ def run(command: list[str], programs: int = 1) -> tuple[float, float]:
         _, status, usage = os.wait4(process.pid, 0)
         process.returncode = os.waitstatus_to_exitcode(status)
         if process.returncode not in (0, 1):
-            raise SystemExit(f"{' '.join(command)} ended with {process.returncode}")
+            raise SystemExit(f"{' '.join(command)} exited with {process.returncode}")
         processor += usage.ru_utime + usage.ru_stime
     return time.perf_counter() - start, processor
 

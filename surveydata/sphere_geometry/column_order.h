@@ -35,7 +35,7 @@ class ColumnOrderC {
 
   enum class Relation {
     kInOrder,     ///< Perhaps except in a part of the column that the caller handles.
-    kOutOfOrder,  ///< They may be exchanged.
+    kOutOfOrder,  ///< They may be swapped.
   };
 
   bool IsEmpty() const { return items_.empty(); }
@@ -96,7 +96,7 @@ class ColumnOrderC {
   }
 
  private:
-  // Curves from the previous column keep their order, unless they are exchanged.
+  // Curves from the previous column keep their order, unless they are swapped.
   static void Sort(std::vector<Crossing>& open, std::vector<Crossing>::iterator fresh) {
     const auto isLower = [](const Crossing& a, const Crossing& b) {
       return a.left + a.right < b.left + b.right;

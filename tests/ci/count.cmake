@@ -7,7 +7,7 @@ function(expect result output script)
   execute_process(COMMAND ${CI}/${script} ${ARGN} INPUT_FILE ${input}
     OUTPUT_VARIABLE found RESULT_VARIABLE code)
   if(NOT code EQUAL result OR NOT found STREQUAL output)
-    message(SEND_ERROR "${script} ended with ${code}, not ${result}:\n${found}instead of:\n${output}")
+    message(SEND_ERROR "${script} exited with ${code}, not ${result}:\n${found}instead of:\n${output}")
   endif()
 endfunction()
 

@@ -16,7 +16,7 @@ TEST(CoordinatePoint, IsTheOriginByDefault) {
   EXPECT_EQ(point.GetZ(), 0.0);
 }
 
-TEST(CoordinatePoint, KeepsEachCoordinateByItself) {
+TEST(CoordinatePoint, StoresEachCoordinateSeparately) {
   CoordinatePointC point(1.0, 2.0, 3.0);
   point.SetX(-1.5);
   EXPECT_EQ(point.GetX(), -1.5);
@@ -38,7 +38,7 @@ TEST(CoordinatePoint, EqualityToleratesTwoUnitsInTheLastPlace) {
       {1.0, 1.0 + 2 * kUnit, true},
       {1.0, 1.0 + 3 * kUnit, false},
       {1.0, 1.0 + 1e-12, false},
-      {0.0, 1e-300, false},  // the tolerance shrinks with the larger value
+      {0.0, 1e-300, false},  // the tolerance is relative to the larger value
       {0.0, -0.0, true},
       {1.0, std::nan(""), true},
   };

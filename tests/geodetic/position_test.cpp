@@ -106,7 +106,7 @@ void ExpectAnswer(bool answer, float result, bool expected, float stdDev) {
   EXPECT_EQ(result, expected ? stdDev : 0.0F);
 }
 
-TEST(Position, AnswersStandardDeviationsForEveryKindAndSetOfAxes) {
+TEST(Position, ReturnsStandardDeviationsForEveryKindAndSetOfAxes) {
   // For the scale factor 2 and the cofactors q11 = 4, q22 = 5, q33 = 16. The roots are exact or
   // correctly rounded.
   const float axis[] = {0.0F, 4.0F, 2 * std::sqrt(5.0F), 8.0F, 0.0F};
@@ -141,7 +141,7 @@ TEST(Position, AnswersStandardDeviationsForEveryKindAndSetOfAxes) {
   }
 }
 
-TEST(Position, AnswersNoStandardDeviationForSelectorsBeyondThree) {
+TEST(Position, ReturnsNoStandardDeviationForSelectorsAboveThree) {
   const PositionC position = PositionOf(2, 1, 0xFF);
   for (const std::uint16_t selector : std::initializer_list<std::uint16_t>{0, 4, 5, 257, 65535}) {
     SCOPED_TRACE(selector);
@@ -174,7 +174,7 @@ TEST(Position, ComputesStandardDeviationsInSinglePrecision) {
   EXPECT_EQ(result, 8.660253524780273F);
 }
 
-TEST(Position, AnswersNaNForANegativeCofactor) {
+TEST(Position, ReturnsNaNForANegativeCofactor) {
   const PositionC position(CoordinateReferenceSystemC(2, 1, 0), CoordinatePointC(),
                            CoordinateQualityC(1.0F, QMatrixC(-1, 0, 0, 1, 0, 0), 3),
                            UndulationMementoC());

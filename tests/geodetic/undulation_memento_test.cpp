@@ -19,7 +19,7 @@ TEST(UndulationMemento, TakesUndulationSourceAndValidity) {
   EXPECT_EQ(Values(ODM::UndulationMementoC(47.5F, -2, 255)), (Texts{"47.5", "-2", "255"}));
 }
 
-TEST(UndulationMemento, ChangesByAssignmentAlone) {
+TEST(UndulationMemento, ChangesOnlyByAssignment) {
   UndulationMementoC memento;
   memento = UndulationMementoC(47.5F, 2, 1);
   EXPECT_EQ(Values(memento), (Texts{"47.5", "2", "1"}));

@@ -40,7 +40,7 @@ TYPED_TEST(AntHeightImpl, KeepsTheValuesOfItsConstructor) {
   ExpectHolds(TypeParam(1.5F, true, 0.25F), 1.5F, true, 0.25F);
 }
 
-TYPED_TEST(AntHeightImpl, SettersChangeTheirFieldsAlone) {
+TYPED_TEST(AntHeightImpl, SettersChangeOnlyTheirFields) {
   TypeParam antenna(1.5F, false, 0.25F);
   antenna.SetHeight(2.5F, true);
   ExpectHolds(antenna, 2.5F, true, 0.25F);
@@ -206,7 +206,7 @@ TEST(AntHeight, SelfAssignmentChangesNothing) {
 }
 
 // A public object whose implementation is missing, compact or of an unrelated class.
-TEST(AntHeight, AnswersZeroWithoutAMatchingImplementation) {
+TEST(AntHeight, ReturnsZeroWithoutAMatchingImplementation) {
   GPSAntHeightC missing(static_cast<GPSAntHeightImplC*>(nullptr));
   GPSAntHeightC compact(new ODM::GPSAntHeightC(1.5F, true, 0.25F));
   GPSAntHeightC foreign(static_cast<GPSAntHeightImplC*>(nullptr));

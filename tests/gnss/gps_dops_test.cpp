@@ -50,7 +50,7 @@ TYPED_TEST(DOPsImpl, OwnerConstructorHoldsDefaultsAndKnowsItsOwner) {
   delete owner;  // and with it the implementation
 }
 
-TYPED_TEST(DOPsImpl, AnswersFromTenths) {
+TYPED_TEST(DOPsImpl, ReadsTenths) {
   const TypeParam dops(30, 40, 0xFFFF);
   EXPECT_EQ(dops.GetHDOP(), 3.0);
   EXPECT_EQ(dops.GetVDOP(), 4.0);
@@ -126,7 +126,7 @@ TYPED_TEST(DOPsImpl, EqualityTakesEveryField) {
 
 TEST(DOPs, NoneIsAvailableByDefault) { ExpectAll(GPSDOPsC(), -1.0); }
 
-TEST(DOPs, AnswersFromItsImplementation) {
+TEST(DOPs, ReadsFromItsImplementation) {
   const GPSDOPsC dops(new GPSDOPsImplC(20, 30, 60));
   EXPECT_EQ(dops.GetHDOP(), 2.0);
   EXPECT_EQ(dops.GetVDOP(), 3.0);
@@ -156,7 +156,7 @@ TEST(DOPs, SelfAssignmentChangesNothing) {
 }
 
 // A public object whose implementation is missing, compact or of an unrelated class.
-TEST(DOPs, AnswersZeroWithoutAMatchingImplementation) {
+TEST(DOPs, ReturnsZeroWithoutAMatchingImplementation) {
   GPSDOPsC missing(static_cast<GPSDOPsImplC*>(nullptr));
   GPSDOPsC compact(new ODM::GPSDOPsC(20, 30, 60));
   GPSDOPsC foreign(static_cast<GPSDOPsImplC*>(nullptr));

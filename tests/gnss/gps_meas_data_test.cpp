@@ -140,7 +140,7 @@ TYPED_TEST(MeasDataImpl, KeepsTheTimesApartAndRaisesNothing) {
   EXPECT_EQ(meas.GetStatusMask(), 0);
 }
 
-TYPED_TEST(MeasDataImpl, StatusSettersRaiseTheirBitAlone) {
+TYPED_TEST(MeasDataImpl, StatusSettersRaiseOnlyTheirBit) {
   const struct {
     void (TypeParam::*set)();
     bool (TypeParam::*is)() const;
@@ -163,7 +163,7 @@ TYPED_TEST(MeasDataImpl, StatusSettersRaiseTheirBitAlone) {
   EXPECT_EQ(all.GetStatusMask(), 0x000F);
 }
 
-TYPED_TEST(MeasDataImpl, EveryRaisingSetterRaisesItsSetBitAlone) {
+TYPED_TEST(MeasDataImpl, EveryRaisingSetterRaisesOnlyItsSetBit) {
   using Setter = void (*)(TypeParam&);
   const struct {
     Setter set;
@@ -426,7 +426,7 @@ TEST(MeasDataImplFull, HoldsNothingByDefault) {
 }
 
 // Every setter changes only what it should.
-TEST(MeasDataImplFull, EverySetterChangesItsFieldAndBitsAlone) {
+TEST(MeasDataImplFull, EverySetterChangesOnlyItsFieldAndBits) {
   GPSListBlock list{.head = 9, .count = 2, .entries = {7, 8, 6}};
   const struct {
     const char* name;
@@ -536,7 +536,7 @@ TEST(MeasDataImplFull, CopiesTakeEveryFieldAndNoOwner) {
   EXPECT_EQ(meas.GetBase(), owner);
 }
 
-TEST(MeasDataImplFull, ResetKeepsTimesVectorAntennaHeightAndDOPsAlone) {
+TEST(MeasDataImplFull, ResetKeepsOnlyTimesVectorAntennaHeightAndDOPs) {
   GPSMeasDataImplC meas = FilledMeasurement();
   meas.SetStatusBit0();
   meas.SetStatusBit1();
@@ -896,7 +896,7 @@ TEST(MeasData, HoldsNothingByDefault) {
   ExpectNothingPresent(meas);
 }
 
-TEST(MeasData, AnswersFromItsImplementation) {
+TEST(MeasData, ReadsFromItsImplementation) {
   auto* const impl = new GPSMeasDataImplC(FilledMeasurement());
   const GPSMeasDataC meas(impl);
   EXPECT_EQ(meas.GetTimeA(), (Vorlin::TimeC{1111, 222222}));
@@ -979,7 +979,7 @@ TEST(MeasData, CopyIsEqualAndIndependent) {
 }
 
 // A public object whose implementation is missing, compact or of an unrelated class.
-TEST(MeasData, AnswersZeroWithoutAMatchingImplementation) {
+TEST(MeasData, ReturnsZeroWithoutAMatchingImplementation) {
   auto* const compactImpl = new ODM::GPSMeasDataC;
   FillShared(*compactImpl);
   compactImpl->SetStatusBit0();

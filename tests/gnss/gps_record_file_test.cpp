@@ -352,7 +352,7 @@ TEST(RecordFileWrite, EveryCombinationOfTheThreeBlocks) {
 }
 
 // The rules without the model: which bytes change, and their new values.
-TEST(RecordFileWrite, ChangesKindNameNumberHeightAndChecksumAlone) {
+TEST(RecordFileWrite, ChangesOnlyKindNameNumberHeightAndChecksum) {
   const ByteVector frame = FrameBuilderC()
                                .Times()
                                .U16(0x0107)

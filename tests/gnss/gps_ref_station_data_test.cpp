@@ -78,7 +78,7 @@ TEST(GPSRefStationData, GivesItsPartsByTheBitsOfTheMask) {
   }
 }
 
-TEST(GPSRefStationData, AnswersTenForItsCodesWithoutAnImplementation) {
+TEST(GPSRefStationData, ReturnsTenForItsCodesWithoutAnImplementation) {
   const GPSRefStationDataC nothing(static_cast<GPSRefStationDataImplC*>(nullptr));
   GPSRefStationDataC foreign;
   const std::unique_ptr<GPSRefStationDataImplC> replaced(foreign.GetImpl());
@@ -108,7 +108,7 @@ TEST(GPSRefStationData, AnswersTenForItsCodesWithoutAnImplementation) {
   }
 }
 
-TEST(GPSRefStationData, AnswersFalseWhenTheArgumentCannotTakeThePart) {
+TEST(GPSRefStationData, ReturnsFalseWhenTheArgumentCannotTakeThePart) {
   const GPSRefStationDataC station = StationOf(0x7);
   SDI::CoordinateReferenceSystemC system(static_cast<ODM::CoordinateReferenceSystemC*>(nullptr));
   SDI::CoordinatePointC point(static_cast<ODM::CoordinatePointC*>(nullptr));

@@ -6,7 +6,7 @@ namespace {
 
 using SDI::ImgInteriorOrientationC;
 
-TEST(ImgInteriorOrientation, DiffersByTheModelCodeAlone) {
+TEST(ImgInteriorOrientation, DiffersOnlyByTheModelCode) {
   ImgInteriorOrientationC a, b;
   EXPECT_TRUE(a == b);
   for (auto* orientation : {&a, &b}) {

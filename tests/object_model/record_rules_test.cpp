@@ -39,9 +39,9 @@ concept HasIsEqualOfData = requires(const Record& a, const Record& b) {
   a.isEqual(b);
 };
 
-// The names of equality: `IsEqual`, and `isEqual` of the implementation; in imaging, `operator==`
-// on both sides. `operator!=` is deleted everywhere, because C++20 would derive it only in some
-// classes.
+// The names of the comparisons: `IsEqual`, and `isEqual` in the implementation; in imaging,
+// `operator==` on both sides. `operator!=` is deleted everywhere, because C++20 would derive it
+// only in some classes.
 enum class Equality { kMethods, kOperators, kNone };
 
 template <class Public, class Impl, Equality equality = Equality::kMethods>

@@ -26,7 +26,7 @@ while(rest MATCHES "\n```sh\n")
   execute_process(COMMAND sh -e -c "${commands}" WORKING_DIRECTORY ${WORK_DIR}
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
   if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${commands}\nended with ${result}:\n${errors}")
+    message(FATAL_ERROR "${commands}\nexited with ${result}:\n${errors}")
   endif()
   if(NOT commands MATCHES "([a-z_]+)(\\.py)?$")
     message(FATAL_ERROR "no example is run by\n${commands}")

@@ -200,7 +200,7 @@ TYPED_TEST(ScanAreas, EitherSideDestroysTheOther) {  // LeakSanitizer checks thi
 
 // Steps that differ by less than the smallest normal double are equal; limits must be equal
 // exactly.
-TYPED_TEST(ScanAreas, EqualityToleratesSubnormalDifferencesOfTheStepsAlone) {
+TYPED_TEST(ScanAreas, EqualityToleratesSubnormalDifferencesOnlyOfTheSteps) {
   constexpr double kMin = std::numeric_limits<double>::min();
   constexpr double kUnit = std::numeric_limits<double>::denorm_min();
   const auto areEqual = [](auto set, double first, double second) {

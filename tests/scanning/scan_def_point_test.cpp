@@ -93,7 +93,7 @@ TEST(ScanDefPoint, ADistanceIsAboveZero) {
   EXPECT_FALSE(point.HasDistance());
 }
 
-TEST(ScanDefPoint, EqualityIsThatOfTheAnglesAlone) {
+TEST(ScanDefPoint, EqualityDependsOnlyOnTheAngles) {
   const ScanDefPointC point(1.0, 0.5, 10.0);
   EXPECT_TRUE(point == ScanDefPointC(1.0, 0.5, -1.0));
   EXPECT_TRUE(point.IsEqual(ScanDefPointC(1.0, 0.5, -1.0)));

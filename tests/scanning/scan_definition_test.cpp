@@ -11,7 +11,7 @@ namespace {
 using SDI::ScanDefinitionC;
 using SDI::ScanDefinitionImplC;
 
-TEST(ScanDefinition, ComparesTypesAlone) {
+TEST(ScanDefinition, ComparesOnlyTypes) {
   static_assert(!std::is_default_constructible_v<ScanDefinitionImplC>);
   static_assert(!std::is_default_constructible_v<ScanDefinitionC>);
   const ScanDefinitionC seven(new ScanDefinitionImplC(7));

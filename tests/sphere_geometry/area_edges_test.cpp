@@ -41,7 +41,7 @@ double ToV(const Vector& p) {
   return static_cast<double>(std::atan2(std::sqrt(p.x * p.x + p.y * p.y), p.z));
 }
 
-// Two directions less than half a turn apart in Hz, on some turn.
+// Two directions less than half a turn apart in Hz, on any turn.
 struct Edge {
   AnglePointC a;
   AnglePointC b;
@@ -93,7 +93,7 @@ TEST(LatitudeCrossings, LieInTheFrameOfTheArc) {
   EXPECT_EQ(out.size(), 2u) << "the equator has none";
 }
 
-TEST(LatitudeCrossings, OfTheCircleThroughTheVertexAreOne) {
+TEST(LatitudeCrossings, TouchTheCircleThroughTheVertexOnce) {
   int found = 0;
   for (int i = 1; i < 20; ++i) {
     const AnglePointC a{1.0, 0.5 + 0.05 * i};
@@ -288,7 +288,7 @@ TEST(ArcEdge, KeepsTheHzOfItsFrame) {
     const cVec3& n = arc.GetNormal();
     EXPECT_DOUBLE_EQ(arc.GetNormalLength(),
                      std::sqrt(n.X() * n.X() + n.Y() * n.Y() + n.Z() * n.Z()));
-    EXPECT_EQ(n.Z() > 0.0, !isReversed) << "to the left of an arc that leads east is the zenith";
+    EXPECT_EQ(n.Z() > 0.0, !isReversed) << "the zenith is to the left of an arc towards the east";
   }
 }
 
@@ -391,7 +391,7 @@ TEST(ArcEdge, ArcsCrossWhereTheirEndsLieOnBothSides) {
 }
 
 // Compares each end, and the vertex if it lies on the arc, with the circle.
-TEST(LatitudeCrossings, AreAsManyAsTheArcHasOnTheWayToItsVertex) {
+TEST(LatitudeCrossings, AreCountedByTheEndsAndTheVertex) {
   RandomEdges random;
   int counts[3] = {};
   for (int i = 0; i < 5'000; ++i) {
@@ -434,8 +434,8 @@ TEST(LatitudeCrossings, AreAsManyAsTheArcHasOnTheWayToItsVertex) {
   for (const int count : counts) EXPECT_GT(count, 300);
 }
 
-// Corners on a grid of which a crossing is either exactly at an end or far from it.
-TEST(PlanarEdges, CrossWhereIntegersDo) {
+// The corners are on a grid, so that a crossing is either exactly at an end or far from it.
+TEST(PlanarEdges, CrossAsInIntegerArithmetic) {
   RandomEdges random;
   int crossed = 0;
   for (int i = 0; i < 20'000; ++i) {

@@ -195,7 +195,7 @@ TEST(BoundaryDistance, IsFiniteForAnyHz) {
   }
 }
 
-TEST(BoundaryDistance, PassesOverEdgesThatAreOutOfRange) {
+TEST(BoundaryDistance, SkipsEdgesThatAreOutOfRange) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const NearestEdge none = Nearest({{0.0, -1.0}, {1.0, -1.0}, {0.5, nan}}, {0.5, 1.0});
   EXPECT_EQ(none.edge, static_cast<std::size_t>(-1));

@@ -60,7 +60,7 @@ TEST(TrigTable, IsExactAtQuartersAndSymmetric) {
 }
 
 // At every entry of the table and halfway between two, where the nearest entry changes, and next to
-// these; both ends of the range included.
+// these, including both ends of the range.
 TEST(QuickCosSin, IsWithinItsBoundAtEntriesAndHalfwayBetween) {
   for (std::size_t half = 0; half <= 2 * TrigTableC::kSteps; ++half) {
     const double at = static_cast<double>(half) / 2.0 * TrigTableC::kStep;
@@ -92,7 +92,7 @@ TEST(QuickCosSin, IsWithinItsBoundAnywhere) {
 TEST(QuickArcTangent, IsWithinItsBoundAnywhere) {
   double largest = 0.0;
   for (int i = -2000; i <= 2000; ++i) {
-    const double x = i / 1000.0;  // the polynomial of x, and from 1 on of its inverse
+    const double x = i / 1000.0;  // the polynomial of x, or of its inverse if x is 1 or more
     largest = std::max(largest, ErrorOfArcTangent(x));
     if (i != 0) largest = std::max(largest, ErrorOfArcTangent(2.0 / x));
   }

@@ -34,8 +34,8 @@ class ProbeRowC {
   std::unique_ptr<bool[]> inside_;
 };
 
-// Half of the boundary band is outside, along all edges except the one that closes the ring; all of
-// it is, where the band is displaced from the boundary.
+// Along all edges except the one that closes the ring, half of the boundary band is outside, or all
+// of it where the band is displaced from the boundary.
 double BandArea(const GMAT::SphereAreaC& sphere) {
   std::vector<GMAT::AnglePointC> edges;
   double hzOrigin = 0;

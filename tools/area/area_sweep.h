@@ -11,8 +11,8 @@ namespace Tool {
 /// Calls `visit(hz, v)`, rad, for each direction of the area at its steps, in the order in which an
 /// instrument sweeps: columns by ascending Hz, with V alternately ascending and descending. Columns
 /// without a direction inside do not count. The first direction is that of the lowest Hz and V of
-/// the bounds; of an area around the zenith and of a dome Hz 0 and V 0. Memory does not depend on
-/// the steps. Python's `Area.iter_grid` gives the same.
+/// the bounds; for an area around the zenith and for a dome, it is Hz 0 and V 0. Memory does not
+/// depend on the steps. Python's `Area.iter_grid` gives the same.
 /// \param file  a valid area.
 /// \return the number of directions.
 /// \throw ToolErrorC  when there are more than 2^53 columns, or more than 10^7 directions in one.

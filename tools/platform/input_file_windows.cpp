@@ -24,8 +24,8 @@ bool IsSameRegularFile(const std::string& output, const std::string& input) {
          std::filesystem::equivalent(ToPath(output), ToPath(input), ignored);
 }
 
-// Reads the folder. Only a name without a size of its own, such as a link, is opened, and one that is
-// not there, for the reason.
+// Reads the folder. Opens only names that have no size in it, such as links, and missing ones, to
+// learn the reason.
 std::uint64_t ReadableSize(const std::string& name) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(ToPath(name), error);

@@ -38,7 +38,7 @@ class ScannerC {
   }
   int Number(std::size_t digits, std::string_view name) {
     const std::string_view all = Digits();
-    if (all.size() != digits) Refuse(fmt::format("the {} has {} digits", name, digits));
+    if (all.size() != digits) Refuse(fmt::format("the {} must have {} digits", name, digits));
     int number = 0;
     for (const char digit : all) number = number * 10 + (digit - '0');
     return number;

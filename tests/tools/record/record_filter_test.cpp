@@ -87,14 +87,14 @@ TEST(ParseMoment, SaysWhatIsWrong) {
     const char* text;
     const char* reason;
   } cases[] = {
-      {"9999999-01-01", "the year has 4 digits"},
-      {"10000-01-01", "the year has 4 digits"},
-      {"999-01-01", "the year has 4 digits"},
-      {"-001-01-01", "the year has 4 digits"},
-      {"2020-002-07", "the month has 2 digits"},
-      {"2020-02-077", "the day has 2 digits"},
-      {"2020-02-07T002:14", "the hour has 2 digits"},
-      {"2020-02-07T02:14:355", "the second has 2 digits"},
+      {"9999999-01-01", "the year must have 4 digits"},
+      {"10000-01-01", "the year must have 4 digits"},
+      {"999-01-01", "the year must have 4 digits"},
+      {"-001-01-01", "the year must have 4 digits"},
+      {"2020-002-07", "the month must have 2 digits"},
+      {"2020-02-077", "the day must have 2 digits"},
+      {"2020-02-07T002:14", "the hour must have 2 digits"},
+      {"2020-02-07T02:14:355", "the second must have 2 digits"},
       {"2020/02/07", "expected - before \"/02/07\""},
       {"2020-02", "it ends too early"},
       {"2020-02-07x", "unexpected characters after the time"},
@@ -179,7 +179,7 @@ TEST(RecordCondition, ComparesInTheFormOfTheColumn) {
   EXPECT_TRUE(Tool::RecordConditionC("offset = 9007199254740993").IsTrue(record));
 }
 
-TEST(RecordCondition, BindsNotMoreThanAndAndAndMoreThanOr) {
+TEST(RecordCondition, AppliesNotBeforeAndAndAndBeforeOr) {
   const char* const yes = "offset = 960";
   const char* const no = "offset = 0";
   const auto put = [&](std::string text) {
@@ -200,7 +200,7 @@ TEST(RecordCondition, BindsNotMoreThanAndAndAndMoreThanOr) {
   }
 }
 
-TEST(RecordCondition, TakesAComparisonWithAnAbsentValueForFalse) {
+TEST(RecordCondition, TreatsAComparisonWithAnAbsentValueAsFalse) {
   const Tool::DecodedRecord empty;
   for (const char* const condition :
        {"hdop < 100", "hdop >= 0", "hdop != 5", "name = ''", "name != 'a'", "present(hdop)"}) {

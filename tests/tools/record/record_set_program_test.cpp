@@ -246,7 +246,7 @@ TEST_F(RecordSet, RefusesValuesThatAFrameCannotHold) {
   ExpectUntouched();
 }
 
-TEST_F(RecordSet, TakesTheOutermostNumbersAndHeights) {
+TEST_F(RecordSet, AcceptsTheSmallestAndLargestNumbersAndHeights) {
   for (const char* const number : {"-2147483648", "2147483647", "0"}) {
     EXPECT_EQ(Set({"--number", number}).exitCode, 0) << number;
   }
