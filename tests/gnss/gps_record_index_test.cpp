@@ -38,7 +38,7 @@ std::vector<GPSRecordEntry> Walk(GPSRecordIndexC& index, const ByteVector& bytes
     EXPECT_EQ(index.GetBytes().size(), entry.isGap ? 0 : entry.size);
     if (!std::equal(index.GetBytes().begin(), index.GetBytes().end(),
                     bytes.begin() + static_cast<std::ptrdiff_t>(entry.offset))) {
-      ADD_FAILURE() << "other bytes than those at " << entry.offset;
+      ADD_FAILURE() << "not the bytes at " << entry.offset;
     }
   }
   EXPECT_FALSE(index.HasFailed());

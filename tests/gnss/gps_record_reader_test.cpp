@@ -306,7 +306,7 @@ TEST(RecordReader, ARecordIsInFreshData) {
   TestSupport::ExpectSameInfo(reader.GetRecord().GetInfo(), {});
 }
 
-TEST(RecordReader, ACopyOfAMeasurementStays) {
+TEST(RecordReader, ACopyOfAMeasurementIsKept) {
   ByteVector bytes = FrameBuilderC().Times(1).U16(0).Frame();
   Append(bytes, FrameBuilderC().Times(2).U16(0).Frame());
   std::vector<GPSMeasDataC> kept;

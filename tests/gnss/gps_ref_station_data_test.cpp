@@ -101,7 +101,8 @@ TEST(GPSRefStationData, ReturnsTenForItsCodesWithoutAnImplementation) {
     EXPECT_FALSE(station->GetAntennaHeight(height));
     EXPECT_FALSE(station->IsEqual(GPSRefStationDataC()));
     EXPECT_FALSE(GPSRefStationDataC().IsEqual(*station));
-    EXPECT_EQ(GPSRefStationDataC(*station).GetStationKind(), 0) << "a copy of nothing is a default";
+    EXPECT_EQ(GPSRefStationDataC(*station).GetStationKind(), 0)
+        << "a copy of an empty object is a default one";
     GPSRefStationDataC assigned = StationOf(0x7);
     assigned = *station;
     EXPECT_EQ(assigned.GetValidMask(), 0x7) << "assigning nothing changes nothing";

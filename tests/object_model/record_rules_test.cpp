@@ -157,7 +157,7 @@ TEST(Records, HoldTheirFieldsInOrderAndTheirPublicObjectsNone) {
   });
 }
 
-TEST(Records, AreZeroByDefaultButForTheseFields) {
+TEST(Records, AreZeroByDefaultExceptForTheseFields) {
   const std::map<std::string, std::string> others = {
       {"CoordinateReferenceSystem.Variant", "1"},
       {"Position.CRS.Variant", "1"},

@@ -357,7 +357,7 @@ TEST(ScanArea, PointsAreMirroredIntoTheGeometry) {
   std::vector<ScanDefPointC> points(5);
   area.GetPoints(points);
   ASSERT_EQ(points.size(), 2u);
-  EXPECT_EQ(points[0].GetV(), 3.5) << "the point itself stays as given";
+  EXPECT_EQ(points[0].GetV(), 3.5) << "the point itself is unchanged";
   EXPECT_EQ(points[0].GetDistance(), 2.0);
   area.RemoveLastPoint();
   EXPECT_EQ(area.GetPointCount(), 1u);
@@ -482,7 +482,7 @@ TEST(ScanArea, BoundsAcrossTheSeam) {
   low.SetDistance(5.0);
   ASSERT_TRUE(area->GetBoundingPoints(low, high, false));
   EXPECT_NEAR(high.GetHz(), 0.25 + kTwoPi, 1e-14);
-  EXPECT_EQ(low.GetDistance(), 5.0) << "distances stay";
+  EXPECT_EQ(low.GetDistance(), 5.0) << "distances are unchanged";
 }
 
 TEST(ScanArea, BoundsAreClampedAndOnlyTheFarEndsAreWrapped) {

@@ -120,7 +120,7 @@ TEST(Scan, TextPointersShowLaterChanges) {
   EXPECT_EQ(text, std::u16string(u"later"));
 }
 
-TEST(Scan, CreateAreaReplacesTheAreaEvenByNone) {
+TEST(Scan, CreateAreaReplacesTheAreaEvenWithNone) {
   ScanC scan;
   EXPECT_NE(dynamic_cast<ScanRectangularAreaC*>(scan.CreateArea(1)), nullptr);
   EXPECT_NE(dynamic_cast<ScanPolygonAreaC*>(scan.CreateArea(2)), nullptr);
@@ -300,7 +300,7 @@ TEST(Scan, EveryFieldTakesPartInEquality) {
   differs([](ScanC& s) { s.SetWord2(0); });
 }
 
-TEST(Scan, ValuesAreComparedExactlySubnormalOnesToo) {
+TEST(Scan, ValuesAreComparedExactlyIncludingSubnormalOnes) {
   constexpr double kUnit = std::numeric_limits<double>::denorm_min();
   for (const auto set :
        {&ScanC::SetValue1, &ScanC::SetValue2, &ScanC::SetValue3, &ScanC::SetValue4}) {

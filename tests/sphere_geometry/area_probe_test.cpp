@@ -16,7 +16,7 @@ bool IsInside(std::vector<double> crossings, double v, bool enclosesZenith = fal
 TEST(AreaProbe, TheBandIsMeasuredAtHzPlusTheOriginInTheFirstTurn) {
   EXPECT_EQ(BandProbe(1.0, 0.5, 2.0), (AnglePointC{3.0, 0.5}));
   EXPECT_EQ(BandProbe(4.0, 0.5, 3.0), (AnglePointC{7.0 - TWO_PI, 0.5}));
-  EXPECT_EQ(BandProbe(0.0, 9.0, 0.0), (AnglePointC{0.0, 9.0})) << "V stays";
+  EXPECT_EQ(BandProbe(0.0, 9.0, 0.0), (AnglePointC{0.0, 9.0})) << "V is unchanged";
   // A full turn to ten digits is not wrapped to 0.
   EXPECT_EQ(BandProbe(TWO_PI, 0.5, 0.0).Hz, TWO_PI);
   EXPECT_EQ(BandProbe(TWO_PI + 9e-11, 0.5, 0.0).Hz, TWO_PI + 9e-11);
@@ -30,11 +30,12 @@ TEST(AreaProbe, LiesBesideAnEdgeWhenNoEndIsFartherThanTheOther) {
   const AnglePointC a{0.0, 1.0};
   const AnglePointC b{2.0, 1.0};
   EXPECT_TRUE(IsBeside({1.0, 1.5}, a, b));
-  EXPECT_TRUE(IsBeside(a, a, b)) << "an end is as far from the other as the edge is long";
+  EXPECT_TRUE(IsBeside(a, a, b)) << "the other end is one length of the edge away";
   EXPECT_TRUE(IsBeside(b, a, b));
   EXPECT_FALSE(IsBeside({2.1, 1.0}, a, b));
   EXPECT_FALSE(IsBeside({-0.1, 1.0}, a, b));
-  EXPECT_FALSE(IsBeside({1.0, 2.8}, a, b)) << "sqrt 3 above the middle both are as far";
+  EXPECT_FALSE(IsBeside({1.0, 2.8}, a, b))
+      << "at sqrt 3 above the middle, both ends are equally far";
   EXPECT_TRUE(IsBeside({1.0, 2.7}, a, b));
 }
 
@@ -79,7 +80,7 @@ TEST(AreaProbe, CrossingsThatAgreeToTenDigitsCountAsOne) {
   EXPECT_TRUE(IsInside({0.5, 2.0, 2.0}, 1.0));
   EXPECT_TRUE(IsInside({0.5, 2.0, 2.0 + 0.9e-10}, 1.0));
   EXPECT_FALSE(IsInside({0.5, 2.0, 2.0 + 2e-10}, 1.0));
-  EXPECT_FALSE(IsInside({0.5, 2.0, 3.0, 2.0}, 1.0)) << "in whatever order they come";
+  EXPECT_FALSE(IsInside({0.5, 2.0, 3.0, 2.0}, 1.0)) << "in any order";
   // Each is compared only with the next one.
   EXPECT_TRUE(IsInside({0.5, 2.0, 2.0 + 0.9e-10, 2.0 + 1.8e-10}, 1.0));
   EXPECT_TRUE(IsInside({1.0 - 0.5e-10, 1.0 + 0.5e-10, 2.0}, 1.0 - 0.4e-10)) << "both lie above";

@@ -161,8 +161,8 @@ TEST_F(CellGrid, ACurveIsLowestInOneCellOfAColumn) {
 
 TEST_F(CellGrid, ColumnsGrowWithTheCurvesAndStayWiderThanAStep) {
   EXPECT_EQ(CellGridC::CountColumns(4, 1.0, 1.0, 1e-8), CellGridC::kFewestColumns);
-  EXPECT_EQ(CellGridC::CountColumns(1000, 2.0, 1.0, 1e-8), 1000u) << "no more than curves";
-  EXPECT_EQ(CellGridC::CountColumns(1000, 60.0, 1.0, 1e-8), 100u) << "six parts to a curve";
+  EXPECT_EQ(CellGridC::CountColumns(1000, 2.0, 1.0, 1e-8), 1000u) << "at most one per curve";
+  EXPECT_EQ(CellGridC::CountColumns(1000, 60.0, 1.0, 1e-8), 100u) << "six parts per curve";
   EXPECT_EQ(CellGridC::CountColumns(1000, 2.0, 1.0, 0.1), 10u);
   EXPECT_EQ(CellGridC::CountColumns(1000, 2.0, 1.0, 7.0), 1u);
 }

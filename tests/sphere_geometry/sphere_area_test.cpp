@@ -352,7 +352,7 @@ TEST(SphereArea, ARingBelowTheLimitIsFollowedBetweenTheLimitAndItsTop) {
   EXPECT_EQ(e.vMin, 2.6);
   EXPECT_EQ(e.vMax, V_LIMIT);
   EXPECT_TRUE(area.Contains(0.5, 1.0)) << "at a corner";
-  EXPECT_FALSE(area.Contains(0.6, 1.0)) << "between corners the ring lies below its top";
+  EXPECT_FALSE(area.Contains(0.6, 1.0)) << "between its corners, the ring is below its top";
 }
 
 TEST(SphereArea, ARingAroundTheZenithEndsAtTheLimit) {

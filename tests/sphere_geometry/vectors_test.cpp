@@ -26,14 +26,14 @@ TYPED_TEST(Vectors, AreZeroAtFirstAndContiguous) {
   for (int i = 0; i < kSize<TypeParam>; ++i) EXPECT_EQ(copy[i], i + 0.5);
 }
 
-TYPED_TEST(Vectors, AGoodIndexSaysNothing) {
+TYPED_TEST(Vectors, AValidIndexIsNotReported) {
   TypeParam v;
   testing::internal::CaptureStdout();
   v[0] = v[kSize<TypeParam> - 1];
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
-TYPED_TEST(Vectors, ABadIndexIsReportedAndUsed) {
+TYPED_TEST(Vectors, AnInvalidIndexIsReportedAndUsed) {
   const std::string line =
       "VERROR cVec" + std::to_string(kSize<TypeParam>) + " [] operator: illegal access\n";
   struct {

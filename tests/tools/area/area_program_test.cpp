@@ -126,7 +126,7 @@ TEST(AreaInfo, ReportsTheBoundsOfAnAreaWithoutSteps) {
 
 // The library returns bounds for two points of a polygon, which form a rectangle on the sphere, but
 // they are not a polygon.
-TEST(AreaInfo, ReportsNoBoundsIfThePointsMakeNoPolygon) {
+TEST(AreaInfo, ReportsNoBoundsIfThePointsDoNotMakeAPolygon) {
   const TempFolderC folder;
   for (const char* const points :
        {"[10, 20], [30, 50]", "[10, 20], [30, 50], [30.00000000000001, 50], [20, 60]",
@@ -288,7 +288,7 @@ TEST(AreaOutline, TakesTheDefaultWhereNoCornerHasADistance) {
 }
 
 // An area that is not valid cannot be queried; its picture shows why.
-TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
+TEST(AreaCommands, ExitWithFourAndReportWhyAnAreaIsNotValid) {
   const TempFolderC folder;
   const std::string reason = "surveydata: the area is not valid: edges 1 (point 1 to 2) and 3";
   for (const Outcome& outcome :
@@ -305,7 +305,7 @@ TEST(AreaCommands, GiveTheCodeFourAndTheReasonsOfAnAreaThatIsNotValid) {
 }
 
 // The table of exit codes names the commands that exit with 4.
-TEST(AreaCommands, ThatGiveTheCodeFourAreInTheTableOfExitCodes) {
+TEST(AreaCommands, ThatExitWithFourAreInTheTableOfExitCodes) {
   const std::string help = RunProgram({"--help"}).out;
   const std::string before = "the area is not valid (area ";
   const std::size_t begin = help.find(before, help.find("\n  4  "));
@@ -755,7 +755,7 @@ TEST(AreaContains, SaysInItsHelpWhereTheBoundaryBandLies) {
 }
 
 // As for a record file without a measurement: an empty table is probably a mistake.
-TEST(AreaContains, EndsWithOneForATableWithoutADirection) {
+TEST(AreaContains, ExitsWithOneForATableWithoutADirection) {
   const TempFolderC folder;
   const std::string file = folder / "empty.csv";
   const std::string heading = "        Hz [deg]           V [deg]  answer\n";
@@ -887,7 +887,7 @@ TEST(AreaContains, NamesTheLineThatIsNotADirection) {
 }
 
 // Numbers around the size of a block, and a large one.
-TEST(AreaContains, AnswersAsTheLibraryDoesHoweverManyAreAsked) {
+TEST(AreaContains, AnswersAsTheLibraryDoesForAnyNumberOfDirections) {
   const TempFolderC folder;
   const Tool::AreaFile file = Tool::LoadAreaFile(AreaPath("facade"));
   for (const int count : {1, 4095, 4096, 4097, 20'000}) {

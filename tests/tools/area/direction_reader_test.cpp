@@ -171,7 +171,7 @@ TEST_F(DirectionReaderTest, KeepsEmptyCellsBetweenTabs) {
 }
 
 // A line that begins with '#' is a comment only if it cannot be the name of a point.
-TEST_F(DirectionReaderTest, TakesNoNameForAComment) {
+TEST_F(DirectionReaderTest, TreatsNoNameAsAComment) {
   EXPECT_EQ(Read("# comment\nid,hz,v\n#1,1,2\n"), (Pairs{{1, 2}}));
   EXPECT_EQ(Read("# comment\nhz,v,id\n#3,4,x\n1,2,#1\n"), (Pairs{{1, 2}}));
   EXPECT_EQ(Read("#1,1,2\n#2,3,4\n", {.columns = {{"2", "3"}}}), (Pairs{{1, 2}, {3, 4}}));

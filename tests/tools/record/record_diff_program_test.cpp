@@ -411,7 +411,7 @@ TEST_F(FolderDiff, WritesTheSameWithAnyNumberOfThreads) {
   }
 }
 
-TEST_F(FolderDiff, EndsWithZeroForTheSameFiles) {
+TEST_F(FolderDiff, ExitsWithZeroForTheSameFiles) {
   for (const char* const name : {"changed.rec", "old.rec", "new.rec", "newer.rec"}) {
     std::filesystem::remove(folder_.Path() / "a" / name);
     std::filesystem::remove(folder_.Path() / "b" / name);

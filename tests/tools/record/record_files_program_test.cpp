@@ -103,7 +103,7 @@ TEST(RecordJobs, ListTheGapsOfAFileAsAWhole) {
         line["reason"] != "right checksum, but its blocks do not fit") {
       continue;  // inside a gap
     }
-    ASSERT_EQ(line["offset"], end) << "a place twice or not at all";
+    ASSERT_EQ(line["offset"], end) << "an offset is repeated or skipped";
     end += line["size"].get<std::size_t>();
     const bool isGap = line["kind"] == "gap";
     EXPECT_FALSE(isGap && isAfterGap) << "a gap in two parts at " << end;
@@ -296,7 +296,7 @@ TEST(RecordFiles, RefuseToBeOverwritten) {
   EXPECT_EQ(ReadBytes(folder / "b.rec"), Sample());
 }
 
-TEST(RecordJobs, AreWholeNumbersFromOneOn) {
+TEST(RecordJobs, AreWholeNumbersOfOneOrMore) {
   for (const char* const jobs : {"1", "250"}) {
     EXPECT_EQ(Record({"export", DataPath("valley_drive.rec"), "--jobs", jobs}).exitCode, 0) << jobs;
   }

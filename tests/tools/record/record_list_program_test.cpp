@@ -230,7 +230,7 @@ TEST(RecordList, ReportsFramesWhoseBlocksDoNotFit) {
   EXPECT_EQ(ListJson(file).size(), 2u);
 }
 
-TEST(RecordList, DoesNotTakeLongRecordsOfTheSameTypeForMeasurements) {
+TEST(RecordList, DoesNotMistakeLongRecordsOfTheSameTypeForMeasurements) {
   const TempFolderC folder;
   const Outcome outcome = List(OneFrame(folder, MakeFrame(113, Bytes(494, 0))));
   EXPECT_EQ(Lines(outcome.out)[1], "         0  type 113       501");

@@ -348,7 +348,7 @@ TEST_F(RecordSet, LeavesNoCopyWhenASignalComes) {
   }
 }
 
-TEST_F(RecordSet, LeavesTheFileAsItWasWhenTheDiskTakesNoMore) {
+TEST_F(RecordSet, LeavesTheFileAsItWasWhenTheDiskIsFull) {
   const Outcome outcome =
       Set({"--number", "5"}, {.shell = "trap '' XFSZ; ulimit -f 16;"});  // 8 KiB or 16 KiB
   EXPECT_EQ(outcome.exitCode, 3);
