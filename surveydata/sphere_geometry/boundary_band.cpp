@@ -79,11 +79,9 @@ class BoundaryBandC::BuilderC {
   double HeightAt(std::uint32_t edge, std::size_t border) const {
     return band_.VOf(edge, grid_.GetBorder(border));
   }
-  static ColumnOrderC::Relation Relate(std::size_t /*column*/, const ColumnOrderC::Crossing& lower,
-                                       const ColumnOrderC::Crossing& upper) {
-    return lower.left <= upper.left && lower.right <= upper.right
-               ? ColumnOrderC::Relation::kInOrder
-               : ColumnOrderC::Relation::kOutOfOrder;
+  static bool AreInOrder(std::size_t /*column*/, const ColumnOrderC::Crossing& lower,
+                         const ColumnOrderC::Crossing& upper) {
+    return lower.left <= upper.left && lower.right <= upper.right;
   }
   void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {
     const double halfHeight = band_.lines_[crossing.curve].halfHeight;

@@ -130,19 +130,19 @@ void CurveComparisonC::CompareCell(const CellGridC::Cell& cell) {
   }
 }
 
-ColumnOrderC::Relation CurveComparisonC::Relate(const ColumnOrderC::Crossing& lower,
-                                                const ColumnOrderC::Crossing& upper) {
+bool CurveComparisonC::CompareNeighbours(const ColumnOrderC::Crossing& lower,
+                                         const ColumnOrderC::Crossing& upper) {
   const Line a = MakeLine(curves_[lower.curve], lower.left, lower.right);
   const Line b = MakeLine(curves_[upper.curve], upper.left, upper.right);
   const double closest = ClosestOf(a, b);
   const double least = std::min(b.west - a.west, b.east - a.east);
   const double most = std::max(b.west - a.west, b.east - a.east);
-  if (least > closest) return ColumnOrderC::Relation::kInOrder;
+  if (least > closest) return true;
   // The gap changes sign at most once, near one border. Outside the interval it has its sign at the
   // other border.
-  if (!(most > closest && least > -closest)) return ColumnOrderC::Relation::kOutOfOrder;
+  if (!(most > closest && least > -closest)) return false;
   AddInterval(a, b);
-  return ColumnOrderC::Relation::kInOrder;
+  return true;
 }
 
 void CurveComparisonC::CompareWithOrder(const ArcCurve& curve,

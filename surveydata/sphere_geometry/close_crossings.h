@@ -36,8 +36,9 @@ class CurveComparisonC {
   void CompareCell(const CellGridC::Cell& cell);
 
   /// Compares two curves that cross the whole column; `upper` is the higher one on average.
-  ColumnOrderC::Relation Relate(const ColumnOrderC::Crossing& lower,
-                                const ColumnOrderC::Crossing& upper);
+  /// \return whether they are in this order in the whole column, perhaps except in an interval that
+  ///         is added to the list.
+  bool CompareNeighbours(const ColumnOrderC::Crossing& lower, const ColumnOrderC::Crossing& upper);
 
   /// Compares a curve with those that cross the whole column.
   /// \cost log k for k of them.

@@ -33,18 +33,15 @@ class ColumnOrderC {
     double right;
   };
 
-  enum class Relation {
-    kInOrder,     ///< Perhaps except in a part of the column that the caller handles.
-    kOutOfOrder,  ///< They may be swapped.
-  };
-
   bool IsEmpty() const { return items_.empty(); }
 
   /// Orders the curves of each column.
   ///
-  /// \param curves  an object with `HeightAt(curve, border)`; `Relate(column, lower, upper)`, for
-  ///                neighbours in the order of the sums of their heights; and `Reject(column,
-  ///                crossing)`, for an upper one that is out of order, which is left out.
+  /// \param curves  an object with `HeightAt(curve, border)`; `AreInOrder(column, lower,
+  ///                upper)`, whether neighbours in the order of the sums of their heights are in
+  ///                order everywhere but in parts of the column that the caller handles; and
+  ///                `Reject(column, crossing)`, for an upper one that is out of order, which is
+  ///                left out.
   /// \cost k log k for each column that k curves cross.
   template <class Curves>
   void Build(std::size_t columns, std::vector<Span> spans, Curves& curves) {
@@ -110,7 +107,7 @@ class ColumnOrderC {
   void AddColumn(std::size_t column, const std::vector<Crossing>& open, Curves& curves) {
     const Crossing* lower = nullptr;
     for (const Crossing& upper : open) {
-      if (lower != nullptr && curves.Relate(column, *lower, upper) == Relation::kOutOfOrder) {
+      if (lower != nullptr && !curves.AreInOrder(column, *lower, upper)) {
         curves.Reject(column, upper);
         continue;
       }

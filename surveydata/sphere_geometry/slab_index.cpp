@@ -68,11 +68,11 @@ class SlabIndexC::BuilderC {
   double HeightAt(std::uint32_t curve, std::size_t border) const {
     return index_.curves_[curve].At(borders_[border]);
   }
-  ColumnOrderC::Relation Relate(std::size_t column, const ColumnOrderC::Crossing& lower,
-                                const ColumnOrderC::Crossing& upper) {
+  bool AreInOrder(std::size_t column, const ColumnOrderC::Crossing& lower,
+                  const ColumnOrderC::Crossing& upper) {
     comparison_.SetColumn(index_.grid_.GetBorder(column), index_.grid_.GetBorder(column + 1),
                           borders_[column], borders_[column + 1]);
-    return comparison_.Relate(lower, upper);
+    return comparison_.CompareNeighbours(lower, upper);
   }
   // A curve that does not fit the order of a column is listed in its cells instead.
   void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {

@@ -340,6 +340,51 @@ TEST(ArrowStream, HasBatchesThatOutliveItAndColumnsThatOutliveTheirBatch) {
   EXPECT_TRUE(table == Table(expected.begin() + 100, expected.begin() + 200));
 }
 
+// A consumer may move fields out of a schema: it copies them and sets `release` of the original to
+// null. They then outlive the schema, or are released before it.
+TEST(ArrowStream, HasFieldsThatOutliveTheirSchema) {
+  const auto columns = Columns::All();
+  const auto take = [](ArrowSchema& field) {
+    ArrowSchema copy = field;
+    field.release = nullptr;
+    return Schema(copy);
+  };
+  const auto expectWhole = [](const GPSColumn& column, const ArrowSchema& field) {
+    EXPECT_STREQ(field.name, column.name);
+    EXPECT_EQ(MetadataOf(field).at("description"), column.description);
+  };
+  for (const bool endsFirst : {true, false}) {
+    Schema schema;
+    {
+      StreamC stream(OpenBytes(Sample()));
+      ASSERT_EQ(stream->get_schema(stream.Get(), schema.Get()), 0);
+    }
+    std::vector<std::pair<const GPSColumn*, Schema>> taken;
+    std::vector<Schema> items;  // taken out of the fields of lists
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      ArrowSchema& field = *schema->children[i];
+      if (field.n_children > 0) items.push_back(take(*field.children[0]));
+      if (i % 2 == 0) taken.emplace_back(columns[i], take(field));
+    }
+    ASSERT_FALSE(items.empty());
+    if (endsFirst) {
+      schema.Release();
+      for (auto& [column, field] : taken) expectWhole(*column, *field.Get());
+    } else {
+      taken.clear();
+      for (std::size_t i = 1; i < columns.size(); i += 2) {
+        expectWhole(*columns[i], *schema->children[i]);
+      }
+      schema.Release();
+    }
+    taken.clear();
+    for (Schema& item : items) {
+      EXPECT_STREQ(item->format, "S");
+      EXPECT_STREQ(item->name, "item");
+    }
+  }
+}
+
 // ----- Errors
 
 struct Source {

@@ -5,14 +5,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include <surveydata/c_interface/arrow_c_interface.h>
 #include <surveydata/c_interface/surveydata.h>
 
 #include "tests/support/frame_builder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 
@@ -132,6 +135,129 @@ TEST(CInterfaceThreads, ReadStretchesOfTheSameBytes) {
     surveydata_reader_close(reader);
   });
   EXPECT_EQ(count, total);
+}
+
+const ByteVector& Sample() {
+  static const ByteVector bytes = TestSupport::ReadBytes(SURVEYDATA_TEST_DATA "valley_drive.rec");
+  return bytes;
+}
+
+surveydata_reader* OpenSample() {
+  surveydata_reader* reader = nullptr;
+  EXPECT_EQ(
+      surveydata_reader_open_bytes(Sample().data(), Sample().size(), 0, SURVEYDATA_NO_END, &reader),
+      SURVEYDATA_OK);
+  return reader;
+}
+
+std::size_t BytesOf(std::uint32_t type, std::size_t values) {
+  switch (type) {
+    case SURVEYDATA_COLUMN_BOOL:
+      return (values + 7) / 8;
+    case SURVEYDATA_COLUMN_UINT8:
+    case SURVEYDATA_COLUMN_TEXT:
+      return values;
+    case SURVEYDATA_COLUMN_UINT16:
+    case SURVEYDATA_COLUMN_UINT16_LIST:
+      return 2 * values;
+    case SURVEYDATA_COLUMN_UINT64:
+    case SURVEYDATA_COLUMN_FLOAT64:
+      return 8 * values;
+    default:
+      return 4 * values;
+  }
+}
+
+// The values of all columns, in batches of 100 rows. Closes the reader.
+ByteVector ReadAllColumns(surveydata_reader* reader) {
+  constexpr std::size_t kRows = 100;
+  std::size_t count = 0;
+  surveydata_columns(nullptr, sizeof(surveydata_column), 0, &count);
+  std::vector<surveydata_column> columns(count);
+  EXPECT_EQ(surveydata_columns(columns.data(), sizeof(columns[0]), count, &count), SURVEYDATA_OK);
+  std::vector<std::vector<std::uint64_t>> values(count);  // aligned for every type
+  std::vector<std::vector<std::int64_t>> offsets(count, std::vector<std::int64_t>(kRows + 1));
+  std::vector<ByteVector> validity(count, ByteVector(kRows));
+  std::vector<surveydata_column_buffer> buffers(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    values[i].resize(kRows * (columns[i].largest / 8 + 1));
+    buffers[i] = {};
+    buffers[i].column = static_cast<std::uint32_t>(i);
+    buffers[i].values = values[i].data();
+    buffers[i].values_size = values[i].size() * sizeof(std::uint64_t);
+    buffers[i].offsets = columns[i].largest > 0 ? offsets[i].data() : nullptr;
+    buffers[i].validity = validity[i].data();
+  }
+  ByteVector read;
+  std::size_t rows = 0;
+  while (surveydata_reader_read_columns(reader, buffers.data(), sizeof(buffers[0]), count, kRows,
+                                        &rows, nullptr) == SURVEYDATA_OK) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool hasOffsets = columns[i].largest > 0;
+      const auto* const begin = reinterpret_cast<const std::uint8_t*>(values[i].data());
+      const std::size_t size =
+          BytesOf(columns[i].type, hasOffsets ? static_cast<std::size_t>(offsets[i][rows]) : rows);
+      read.insert(read.end(), begin, begin + size);
+      read.push_back(static_cast<std::uint8_t>(buffers[i].absent));
+    }
+  }
+  surveydata_reader_close(reader);
+  return read;
+}
+
+TEST(CInterfaceThreads, ReadColumnsOfTheSameFileAndBytes) {
+  const TestSupport::TempFileC file(Sample());
+  const std::string path = file.Path().string();
+  const ByteVector expected = ReadAllColumns(OpenSample());
+  EXPECT_GT(expected.size(), 100U * 100U);
+  std::atomic<int> differences = 0;
+  InThreads([&](int number) {
+    for (int round = 0; round < 4; ++round) {
+      surveydata_reader* reader = nullptr;
+      if ((number + round) % 2 == 0) {
+        reader = OpenSample();
+      } else {
+        EXPECT_EQ(surveydata_reader_open_file(path.c_str(), 0, SURVEYDATA_NO_END, &reader),
+                  SURVEYDATA_OK);
+      }
+      if (ReadAllColumns(reader) != expected) ++differences;
+    }
+  });
+  EXPECT_EQ(differences, 0);
+}
+
+// The columns of each batch, which share its memory, are read and released in several threads.
+TEST(CInterfaceThreads, ReleaseTheColumnsOfTheSameBatches) {
+  std::array<std::vector<ArrowArray>, kThreads> ofThreads;
+  ArrowArrayStream stream = {};
+  ASSERT_EQ(surveydata_reader_arrow_stream(OpenSample(), nullptr, 0, 50, &stream), SURVEYDATA_OK);
+  std::int64_t values = 0;
+  std::size_t batches = 0;
+  for (;; ++batches) {
+    ArrowArray batch = {};
+    ASSERT_EQ(stream.get_next(&stream, &batch), 0);
+    if (batch.release == nullptr) break;
+    values += batch.length * batch.n_children;
+    for (std::int64_t i = 0; i < batch.n_children; ++i) {
+      ofThreads[static_cast<std::size_t>(i) % kThreads].push_back(*batch.children[i]);
+      batch.children[i]->release = nullptr;
+    }
+    batch.release(&batch);
+  }
+  stream.release(&stream);
+  EXPECT_GT(batches, 2U);
+  std::atomic<std::int64_t> read = 0;
+  std::atomic<std::int64_t> bytes = 0;  // read from the memory that the columns share
+  InThreads([&](int number) {
+    for (ArrowArray& column : ofThreads[static_cast<std::size_t>(number)]) {
+      read += column.length;
+      bytes += *static_cast<const std::uint8_t*>(column.buffers[1]);
+      column.release(&column);
+      EXPECT_EQ(column.release, nullptr);
+    }
+  });
+  EXPECT_EQ(read, values);
+  EXPECT_GT(bytes, 0);
 }
 
 }  // namespace

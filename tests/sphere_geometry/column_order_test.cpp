@@ -25,10 +25,9 @@ class LinesC {
   double HeightAt(std::uint32_t curve, std::size_t border) const {
     return lines_[curve].height + lines_[curve].slope * static_cast<double>(border);
   }
-  static ColumnOrderC::Relation Relate(std::size_t /*column*/, const ColumnOrderC::Crossing& lower,
-                                       const ColumnOrderC::Crossing& upper) {
-    const double least = std::min(upper.left - lower.left, upper.right - lower.right);
-    return least >= 0.0 ? ColumnOrderC::Relation::kInOrder : ColumnOrderC::Relation::kOutOfOrder;
+  static bool AreInOrder(std::size_t /*column*/, const ColumnOrderC::Crossing& lower,
+                         const ColumnOrderC::Crossing& upper) {
+    return lower.left <= upper.left && lower.right <= upper.right;
   }
   void Reject(std::size_t column, const ColumnOrderC::Crossing& crossing) {
     rejected.emplace_back(column, crossing.curve);
