@@ -56,6 +56,27 @@ TEST(RecordProgress, IsOneBarForAllFiles) {
   }
 }
 
+// The bar is shown when the program has waited for the pipe for half a second.
+TEST(RecordProgress, HasTheSizeOfTheComparedFiles) {
+  const TerminalC terminal;
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  const TempFolderC folder;
+  const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
+  Bytes bytes;
+  while (bytes.size() < (std::size_t{5} << 20)) {
+    bytes.insert(bytes.end(), sample.begin(), sample.end());
+  }
+  WriteBytes(folder / "a.rec", bytes);
+  const Outcome outcome = RunShell(
+      "mkfifo one; (exec 3>one; sleep 0.7; cat a.rec >&3) &"
+      "surveydata record diff one a.rec --jobs 1 2>" +
+          terminal.Name() + "; rm one",
+      folder.Path().string());
+  EXPECT_EQ(outcome.exitCode, 0);
+  const std::string shown = terminal.Read();
+  EXPECT_NE(shown.find(" of 5 MiB"), std::string::npos) << shown;
+}
+
 // A pipe holds up the output, and a thread reads all other files meanwhile.
 TEST(RecordFiles, AreOpenOnlyWhileTheyAreRead) {
   constexpr int kFiles = 60;

@@ -88,6 +88,14 @@ TEST_F(RecordSet, ExplainsEachChangedByteInADryRun) {
             "    offset  old  new  field\n"
             "      1023   01   07  name, number = 7\n"
             "      1425   47   41  checksum = 0xa941\n");
+  // The value is shown once, with the first byte of its field that changes.
+  EXPECT_EQ(Set({"--number", "70000", "--dry-run"}).out,
+            "    offset  old  new  field\n"
+            "      1023   01   70  name, number = 70000\n"
+            "      1024   00   11  name, number\n"
+            "      1025   00   01  name, number\n"
+            "      1425   47   c6  checksum = 0xa8c6\n"
+            "      1426   a9   a8  checksum\n");
 }
 
 // The bytes of the file after single changes of the frames at these offsets.

@@ -49,6 +49,23 @@ TEST(SatelliteSeries, KeepsExtremesAndGapsOfManyRecordsInFewPoints) {
   EXPECT_EQ(extremes(Tool::SatelliteSeriesC::kUsed), std::pair(1.0, 9.0));
 }
 
+// Of equal values in a point, the first one is marked.
+TEST(SatelliteSeries, MarksTheFirstOfEqualValues) {
+  Tool::SatelliteSeriesC series;
+  Tool::DecodedRecord record;
+  for (int second = 0; second < 4096; ++second) {  // then two records become one point
+    record.measurement.SetTimeA({0, second * 1000});
+    record.measurement.SetDOPs(SDI::GPSDOPsImplC(10, 20, 0xFFFF));
+    series.Add(record);
+  }
+  const auto runs = series.GetRuns(Tool::SatelliteSeriesC::kHDOP);
+  ASSERT_EQ(runs.size(), 1u);
+  ASSERT_EQ(runs[0].size(), 2048u);
+  for (std::size_t i = 0; i < runs[0].size(); ++i) {
+    EXPECT_EQ(runs[0][i].time, 2.0 * static_cast<double>(i));
+  }
+}
+
 // For any number of gaps, each value is drawn at a time that has it, and no line crosses a gap.
 TEST(SatelliteSeries, DrawsNothingWhereNothingIsRecorded) {
   for (const int bursts : {10, 300, 20'000}) {
