@@ -12,8 +12,7 @@ usage: ./test.sh [PART]
   (none)          build and run all tests with the preset dev, then with sanitizers (preset asan)
   --quick         build and run all tests with the preset dev only
   --layout        check the formatting of the sources with clang-format
-  --tidy          check the sources with clang-tidy and cppcheck; --tidy library only those of
-                  the library
+  --tidy          check the sources with clang-tidy and cppcheck
   --windows       build for 64-bit Windows and test under wine
   --m32           build the library for 32-bit x86 and run its unit tests
   --threads       run the multi-threaded tests with the thread sanitizer
@@ -72,8 +71,6 @@ part=${1:-}
 seconds=${2:-}
 if [ "$part" = --fuzz ]; then
   [[ "$seconds" =~ ^[1-9][0-9]*$ ]] && [ $# -eq 2 ] || usage
-elif [ "$part" = --tidy ]; then
-  [ $# -eq 1 ] || [[ "${2:-}" = library && $# -eq 2 ]] || usage
 elif [ "$part" = --engines ]; then
   [ $# -eq 1 ] || [[ "${2:-}" = --measure && $# -eq 2 ]] || usage
 else
@@ -91,12 +88,7 @@ case "$part" in
   --layout) check_layout ;;
   --tidy)
     install_dependencies "${build_packages[@]}" "${tidy_packages[@]}"
-    if [ $# -eq 2 ]; then
-      cmake --preset tidy
-      cmake --build --preset tidy --target surveydata_objects
-    else
-      run_workflows tidy
-    fi
+    cmake --workflow --preset tidy
     ;;
   --windows)
     install_dependencies "${windows_compiler_packages[@]}" "${windows_test_packages[@]}"

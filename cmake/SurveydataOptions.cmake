@@ -14,8 +14,8 @@ option(SURVEYDATA_INSTALL "Install the library and its package files" ${PROJECT_
 option(SURVEYDATA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, with g++"
   ${SURVEYDATA_CAN_LTO})
-option(SURVEYDATA_UNITY "Compile the sources of a folder of the library and of drawings as one, which takes
-  half the time if all of them are built" OFF)
+option(SURVEYDATA_UNITY "Compile the sources of a folder of the library and of the program as one, which
+  takes half the time if all of them are built" OFF)
 set(SURVEYDATA_PAGE "" CACHE FILEPATH
   "The page for the browser, which `./test.sh --page` builds; installed with the program")
 set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined")
@@ -64,7 +64,7 @@ function(surveydata_unity target)
   get_target_property(sources ${target} SOURCES)
   foreach(source IN LISTS sources)
     get_filename_component(folder ${source} DIRECTORY)
-    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder})
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}")
   endforeach()
 endfunction()
 

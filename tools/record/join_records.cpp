@@ -18,10 +18,10 @@ namespace Tool {
 namespace {
 
 // A file to be joined, positioned at its next record.
-class SourceC {
+class JoinedFileC {
  public:
-  SourceC(const RecordFile& file, const JoinOptions& options,
-          const std::function<void(std::uint64_t)>& report)
+  JoinedFileC(const RecordFile& file, const JoinOptions& options,
+              const std::function<void(std::uint64_t)>& report)
       : records_(file, options.stretch, options.filter, report) {}
 
   // Advances to the next measurement and writes the records before it. False at the end.
@@ -60,20 +60,21 @@ ExitCode JoinRecords(const JoinOptions& options) {
   std::uint64_t done = 0;
   const auto report = [&](std::uint64_t bytes) { progress.Update(done += bytes); };
   // All files are opened before anything is written.
-  std::vector<std::unique_ptr<SourceC>> sources;
+  std::vector<std::unique_ptr<JoinedFileC>> sources;
+  sources.reserve(files.size());
   for (const RecordFile& file : files) {
-    sources.push_back(std::make_unique<SourceC>(file, options, report));
+    sources.push_back(std::make_unique<JoinedFileC>(file, options, report));
   }
   OutputC out(options.output);
   PieceOutputC messages(&out, progress);
 
-  std::vector<SourceC*> left;  // those that are at a measurement, in the order of the files
-  for (const std::unique_ptr<SourceC>& source : sources) {
+  std::vector<JoinedFileC*> left;  // those that are at a measurement, in the order of the files
+  for (const std::unique_ptr<JoinedFileC>& source : sources) {
     if (source->GoOn(out)) left.push_back(source.get());
   }
   while (!left.empty()) {
-    const auto next =
-        std::ranges::min_element(left, {}, [](const SourceC* source) { return source->GetTime(); });
+    const auto next = std::ranges::min_element(
+        left, {}, [](const JoinedFileC* source) { return source->GetTime(); });
     (*next)->Write(out);
     if (!(*next)->GoOn(out)) left.erase(next);
   }
