@@ -111,7 +111,7 @@ void BM_IsEqual(benchmark::State& state) {
   const SDI::TPSMeasDataC a = RecordOf(false);
   const SDI::TPSMeasDataC b = RecordOf(state.range(0) != 0);
   const auto* other = &b;
-  if (!a.IsEqual(b)) state.SkipWithError("the records are to be equal");
+  if (!a.IsEqual(b)) state.SkipWithError("the records must be equal");
   for (auto _ : state) {
     benchmark::DoNotOptimize(other);
     benchmark::DoNotOptimize(a.IsEqual(*other));
@@ -124,7 +124,7 @@ void BM_Loop(benchmark::State& state, Same same) {
   const Measurement a = StructOf(false);
   const Measurement b = StructOf(state.range(0) != 0);
   const auto* other = &b;
-  if (!AreEqual(a, b, same)) state.SkipWithError("the records are to be equal");
+  if (!AreEqual(a, b, same)) state.SkipWithError("the records must be equal");
   for (auto _ : state) {
     benchmark::DoNotOptimize(other);
     benchmark::DoNotOptimize(AreEqual(a, *other, same));

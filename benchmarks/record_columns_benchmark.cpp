@@ -90,8 +90,8 @@ BENCHMARK_CAPTURE(BM_Columns, all, Choice::kAll)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, numbers, Choice::kNumbers)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Columns, few, Choice::kFew)->Unit(benchmark::kMillisecond);
 
-// A lower bound for any reader of columns: walking and decoding, and writing as many bytes as all
-// columns take to as many places.
+// A lower bound for any reader of columns: walking and decoding, and writing as many bytes to each
+// column as its values take.
 void BM_WalkDecodeAndWriteBytes(benchmark::State& state) {
   const SamplesC& samples = SamplesC::Get();
   BatchC batch(ColumnsOf(Choice::kAll));

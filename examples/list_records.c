@@ -7,7 +7,7 @@
 
 #include <surveydata/c_interface/surveydata.h>
 
-/* The bytes of the name in a frame, before and after a change that is written nowhere. */
+/* The bytes of the name in a frame, before and after a change that is not written to the file. */
 static surveydata_status preview_name(const surveydata_entry* record, const char* name) {
   uint8_t patched[SURVEYDATA_LONGEST_FRAME];
   surveydata_changes changes = {sizeof(changes), SURVEYDATA_CHANGE_NAME, NULL, 0, 0.0f, 0, 0};

@@ -39,8 +39,8 @@ class SURVEYDATA_API GPSAntHeightImplC : public API::ImplC<GPSAntHeightImplC, GP
 
 namespace ODM {
 /// The antenna height inside the compact measurement record. A public object made by its
-/// `GetBase()` finds no implementation of its own class, so its
-/// getters return 0 and false.
+/// `GetBase()` finds no implementation of its own class, so its getters return 0 and
+/// false.
 class SURVEYDATA_API GPSAntHeightC : public API::ImplC<GPSAntHeightC, SDI::GPSAntHeightC> {
  public:
   GPSAntHeightC();

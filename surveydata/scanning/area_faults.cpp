@@ -67,8 +67,8 @@ class FaultFinderC {
     }
   }
 
-  // Any two corners that are exactly the same direction are equal, and adjacent points that differ
-  // by less than the smallest normal number.
+  // Any two corners that are exactly the same direction are equal, and so are adjacent points that
+  // differ by less than the smallest normal number.
   void CheckEquality() {
     std::vector<std::size_t> order(corners_.size());
     std::iota(order.begin(), order.end(), std::size_t{0});

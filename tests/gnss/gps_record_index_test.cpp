@@ -44,7 +44,7 @@ std::vector<GPSRecordEntry> Walk(GPSRecordIndexC& index, const ByteVector& bytes
   EXPECT_FALSE(index.HasFailed());
   EXPECT_TRUE(index.GetBytes().empty());
   GPSRecordEntry untouched{1, 2, true, 3};
-  EXPECT_FALSE(index.Next(untouched));  // the end stays the end
+  EXPECT_FALSE(index.Next(untouched));  // still at the end
   EXPECT_EQ(untouched, (GPSRecordEntry{1, 2, true, 3}));
   return entries;
 }

@@ -179,7 +179,7 @@ TEST(RecordReader, GivesTheRecordsOfTheModelFromEverySource) {
       EXPECT_EQ(count, expected.size());
       EXPECT_EQ(reader.GetState(), GPSReaderState::kOpen);
       EXPECT_TRUE(reader.GetBytes().empty());
-      EXPECT_FALSE(reader.Next());  // the end stays the end
+      EXPECT_FALSE(reader.Next());  // still at the end
     });
   }
   EXPECT_GT(done, 500U);

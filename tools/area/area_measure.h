@@ -34,10 +34,10 @@ struct DirectionCount {
   bool isExact;
 };
 
-/// The directions of a scan with the steps of the area, which must be above 0: the part that
-/// is inside of a grid that begins at the lower bounds (at V 0 around the zenith). Counted up to 20
-/// million in a polygon, or 1 million in one of more than 10,000 points; larger numbers are
-/// estimated from a coarser grid.
+/// The directions of a scan with the steps of the area, which must be above 0: those inside, from a
+/// grid that begins at the lower bounds (at V 0 around the zenith). Counted up to 20 million in a
+/// polygon, or 1 million in one of more than 10,000 points; larger numbers are estimated from a
+/// coarser grid.
 DirectionCount CountDirections(const AreaFile& file, const AreaBounds& bounds);
 
 }  // namespace Tool

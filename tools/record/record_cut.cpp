@@ -31,7 +31,7 @@ ExitCode Run(const JoinOptions& options) {
                      fmt::format("{} is a folder; surveydata record join reads folders",
                                  options.files.names.front()));
   }
-  // An offset too large for 64 bits is after the end of every file, as any other that is.
+  // An offset too large for 64 bits is treated as any other offset after the end of a file.
   constexpr std::uint64_t kNoEnd = SDI::GPSRecordStretch().end;
   const auto [begin, end] = options.stretch;
   if (begin > end || (begin == end && end != kNoEnd)) {

@@ -1,4 +1,5 @@
-// How often the program opens files on Windows, and what it tells of files that it cannot open.
+// How often the program opens files on Windows, and what it reports about files that it cannot
+// open.
 
 #include <filesystem>
 #include <string>

@@ -328,7 +328,8 @@ TEST_P(RecordSetSignals, DoesNotReplaceALinkThatTheFileBecomes) {
   }
 }
 
-// After the copy was compared with the file, only its size tells that the file was appended to.
+// After the copy was compared with the file, only the size of the file shows that bytes were
+// appended to it.
 TEST_P(RecordSetSignals, RefusesAFileThatGrowsAtTheLastMomentWithTheTimeSetBack) {
   const std::vector<std::string> calls = Calls();
   const auto count = std::count(calls.begin(), calls.end(), "stat");

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file that is open as another program may open it.
+// A file opened in a way in which another program may open it.
 class OpenFileC {
  public:
   OpenFileC(const std::string& name, DWORD access, DWORD shared)
