@@ -135,7 +135,7 @@ def test_a_whole_file_is_fetched_once(recorded: type[RecordedStore]) -> None:
 @pytest.mark.usefixtures("recorded")
 def test_what_cannot_be_fetched_raises(monkeypatch: pytest.MonkeyPatch) -> None:
     def fail(*_: object) -> bytes:
-        raise ConnectionResetError("the store has gone")
+        raise ConnectionResetError("the connection was lost")
 
     monkeypatch.setattr(RecordedFile, "_fetch_range", fail)
     with pytest.raises(ConnectionResetError):

@@ -420,7 +420,7 @@ def test_no_object_outlives_its_last_name() -> None:
 
     after(20)
     first = after(1)
-    # The smallest object has 40 bytes. In so many rounds, the few kilobytes that the interpreter
+    # The smallest object has 40 bytes. After 1000 rounds, the few kilobytes that the interpreter
     # itself takes do not matter.
     assert after(1000) - first < 1000 * 32
 

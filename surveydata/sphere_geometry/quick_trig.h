@@ -60,8 +60,7 @@ inline constexpr TrigTableC kTrigTable;
 /// Cosine and sine of x in [0, 2 pi], without a branch.
 /// \accuracy `kQuickTrigError`.
 /// \source the addition theorem about the nearest entry of the table; Taylor's series of the
-/// remainder,
-///         which is at most pi / 256.
+///         remainder, which is at most pi / 256.
 inline CosSin QuickCosSin(double x) {
   // NOLINTNEXTLINE(bugprone-incorrect-roundings): x is not negative, and either neighbour would do
   const auto i = static_cast<std::int64_t>(x * (1.0 / TrigTableC::kStep) + 0.5);

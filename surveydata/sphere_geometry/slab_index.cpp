@@ -15,8 +15,8 @@ constexpr double kMinWidth = 1e-3;
 // A frame that lacks less than this of a full turn counts as a full turn.
 constexpr double kNarrowGap = 1e-3;
 constexpr std::uint32_t kMostBuckets = 1U << 16;
-// A ring that crosses itself everywhere has an interval for each of n^2 crossings. So many are
-// stored at most, 16 bytes each; a ring whose edges do not cross has a few for each edge.
+// Limits for the number of stored intervals of 16 bytes: a ring that crosses itself everywhere has
+// one for each of n^2 crossings, a ring whose edges do not cross has a few for each edge.
 constexpr std::size_t kFewestIntervals = std::size_t{1} << 20;
 constexpr std::size_t kMostPerEdge = 32;
 static_assert(TWO_PI / CellGridC::kFewestColumns <= kWidestColumn);

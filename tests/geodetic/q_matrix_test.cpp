@@ -25,7 +25,7 @@ TEST(QMatrix, EqualityToleratesTwoUnitsInTheLastPlaceOfAFloat) {
     bool equal;
   } cases[] = {
       {1.0F, 1.0F + kUnit, true}, {1.0F, 1.0F + 2 * kUnit, true}, {1.0F, 1.0F + 3 * kUnit, false},
-      {0.0F, 1e-30F, false},  // the tolerance shrinks with the larger value
+      {0.0F, 1e-30F, false},  // the tolerance is relative to the larger value
       {0.0F, -0.0F, true},
   };
   for (const auto& [a, b, equal] : cases) {

@@ -127,7 +127,7 @@ TYPED_TEST(AntHeightImpl, EqualityToleratesTheFloatEpsilon) {
   } cases[] = {
       {1.0F, 1.0F + 2 * kUnit, true},
       {1.0F, 1.0F + 3 * kUnit, false},
-      {0.0F, 1e-8F, false},  // the tolerance shrinks with the larger value
+      {0.0F, 1e-8F, false},  // the tolerance is relative to the larger value
       {0.0F, -0.0F, true},
       {1.0F, kNaN, true},
       {kInfinity, kInfinity, true},

@@ -332,7 +332,7 @@ TEST(RecordFileWrite, EveryCombinationOfTheThreeBlocks) {
   GPSMeasDataImplC tooShort;
   tooShort.SetAntennaHeight(GPSAntHeightImplC(0.1F, false, 0.2F));
   GPSMeasDataImplC absent = slant;
-  absent.Reset();  // the height is held, but not set
+  absent.Reset();  // the height is stored, but its bit is not set
   const GPSMeasDataImplC* const measurements[] = {&slant, &vertical, &tooShort, &absent, nullptr};
   for (unsigned blocks = 0; blocks < 8; ++blocks) {
     for (const unsigned others : {0U, 0x3FF8U, 0xFFF8U, 0x0100U}) {

@@ -52,7 +52,7 @@ TEST(CompareWithTolerance, GivesTheKnownAnswers) {
     int answer;
   } cases[] = {
       {1.0, 1.0 + 2.220446049250313e-16, DBL_EPSILON, 0},
-      {0.0, 1e-300, DBL_EPSILON, -1},  // the tolerance shrinks with the larger value
+      {0.0, 1e-300, DBL_EPSILON, -1},  // the tolerance is relative to the larger value
       {1e-300, 0.0, DBL_EPSILON, 1},
       {0.0, 0.0, DBL_EPSILON, 0},
       {0.0, -0.0, DBL_EPSILON, 0},

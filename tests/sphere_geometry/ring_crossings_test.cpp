@@ -174,7 +174,7 @@ class HostileRingGenerator : public RingGenerator {
     }
   }
 
-  // Brings corners across Hz 0 and out of range.
+  // Moves corners across Hz 0 and out of range.
   void Turn(Corners& ring) {
     const double by = Uniform(-2.0, 2.0);
     for (AnglePointC& p : ring) p.Hz = NormalizeAngle(p.Hz + by);

@@ -72,7 +72,7 @@ TEST(Vec3, ScaleMultipliesByTheReciprocal) {
   const double reciprocal = 1.0 / 3.0;
   EXPECT_EQ(v[0], 1.0 * reciprocal);
   EXPECT_EQ(v[1], 2.0 * reciprocal);
-  EXPECT_EQ(v[2], -5.0 * reciprocal) << "one division would give another last bit";
+  EXPECT_EQ(v[2], -5.0 * reciprocal) << "a division would round differently";
   EXPECT_NE(-5.0 * reciprocal, -5.0 / 3.0);
 }
 

@@ -120,7 +120,7 @@ TEST(Program, KeepsItsExitCodeWhereMessagesCannotBeWritten) {
 }
 
 // Running out of memory ends the program with a message, never with a signal.
-TEST(Program, EndsWithTheCodeThreeWhereMemoryRunsOut) {
+TEST(Program, ExitsWithThreeWhenMemoryIsExhausted) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer itself uses memory";
   const TempFolderC folder;
   std::string points;

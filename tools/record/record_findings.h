@@ -32,7 +32,7 @@ struct RecordFindings {
   std::uint64_t gapBytes = 0;
   Finding gaps;
   Finding damagedHeaders;  ///< In gaps: the checksum is wrong, or the file ends before the frame.
-  Finding overlappingHeaders;  ///< In gaps: the frame would overlap the next record; maybe random.
+  Finding overlappingHeaders;  ///< In gaps: overlaps the next record; may be random bytes.
   Finding badBlocks;           ///< Frames with a right checksum whose blocks do not fit.
   Finding timesBack;           ///< Measurements with a time A before that of the previous one.
   Finding repeated;            ///< Measurements with the same bytes as the previous one.

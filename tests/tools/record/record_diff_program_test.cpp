@@ -1,4 +1,4 @@
-// What record diff says about two files.
+// What `record diff` reports about two files.
 
 #include <algorithm>
 #include <cstddef>
@@ -69,7 +69,7 @@ class RecordDiff : public testing::Test {
 
 using Numbers = std::vector<int>;
 
-TEST_F(RecordDiff, EndsWithZeroForTheSameRecords) {
+TEST_F(RecordDiff, ExitsWithZeroForTheSameRecords) {
   const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
   const Outcome outcome = Diff(sample, sample);
   EXPECT_EQ(outcome.exitCode, 0);
@@ -78,12 +78,12 @@ TEST_F(RecordDiff, EndsWithZeroForTheSameRecords) {
   EXPECT_EQ(outcome.out, std::to_string(records) + " the same, 0 changed, 0 removed, 0 added\n");
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(Counts({}, {}), (Numbers{0, 0, 0, 0}));
-  // Gaps are no records.
+  // Gaps are not records.
   EXPECT_EQ(Counts(At(1) + Bytes(5, 1) + At(2), At(1) + At(2) + Bytes(3, 0)),
             (Numbers{2, 0, 0, 0}));
 }
 
-TEST_F(RecordDiff, EndsWithZeroForFilesWithoutARecord) {
+TEST_F(RecordDiff, ExitsWithZeroForFilesWithoutARecord) {
   WriteBytes(folder_ / "empty.rec", {});
   const Outcome outcome =
       RunProgram({"record", "diff", folder_ / "empty.rec", folder_ / "empty.rec"});
@@ -215,7 +215,7 @@ TEST_F(RecordDiff, PairsTimesInLongRunsOfDifferences) {
             (Numbers{0, 0, kRecords, kRecords}));
 }
 
-TEST_F(RecordDiff, EndsWithThreeOrTwoWhereItCannotCompare) {
+TEST_F(RecordDiff, ExitsWithThreeOrTwoIfItCannotCompare) {
   WriteBytes(folder_ / "a.rec", At(1));
   const std::string work = folder_.Path().string();
   for (const std::vector<std::string>& files : {std::vector<std::string>{"a.rec", "none.rec"},
