@@ -17,7 +17,7 @@ auditwheel repair -w "$out/wheelhouse" "$out"/dist/*.whl
 wheel=$(echo "$out"/wheelhouse/*.whl)
 pip install --disable-pip-version-check -q --no-deps --force-reinstall "$wheel"
 
-step "an environment with NumPy alone"
+step "an environment with only NumPy"
 python3 -m venv "$out/clean"
 numpy=$(pip list --disable-pip-version-check --format=freeze | grep '^numpy==')
 "$out/clean/bin/pip" install --disable-pip-version-check -q "$numpy" "$wheel"

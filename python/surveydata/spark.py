@@ -72,8 +72,7 @@ def register(spark: SparkSession, *, push_filters: bool = False) -> None:
     (bytes of a record file in a partition, 67,108,864 by default), `pattern` (which files of a
     folder to read, "*.rec" by default), and `from` and `to`: only measurements at or after the
     first GPS time and before the second one, in ISO 8601 ("2026-03-01T06:00:00"); those without a
-    valid
-    time are left out. The source applies them before it passes rows to Spark.
+    valid time are left out. The source applies them before it passes rows to Spark.
 
     With `push_filters`, Spark itself pushes filters on `file` and `time_gps` down to the source.
     Spark up to 4.3 keeps such filters with the data frame. A later query of the same frame without

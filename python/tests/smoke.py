@@ -13,4 +13,4 @@ solid_angle = area.solid_angle()
 exact = math.radians(10) * (math.cos(math.radians(80)) - math.cos(math.radians(90)))
 assert solid_angle is not None
 assert math.isclose(solid_angle, exact, rel_tol=1e-12)
-print(f"surveydata {surveydata.__version__} works with NumPy alone")
+print(f"surveydata {surveydata.__version__} works with only NumPy")

@@ -338,7 +338,7 @@ const std::uint8_t* DecidedRasterC::FindSharedColumn(std::span<const double> hz,
     high = std::max(high, OrderedBits(hz[i]));
     highV = std::max(highV, OrderedBits(v[i]));
   }
-  // At 2 pi the units begin anew.
+  // At 2 pi the units restart at 0.
   if (high >= OrderedBits(TWO_PI) || highV > OrderedBits(TWO_PI)) return nullptr;
   const std::uint32_t first = ToRasterUnits(std::bit_cast<double>(low));
   const std::uint32_t last = ToRasterUnits(std::bit_cast<double>(high));

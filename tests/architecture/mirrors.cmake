@@ -105,7 +105,7 @@ check_tests(surveydata tests)
 check_tests(tools tests/tools)
 
 if(seen LESS 100)
-  complain("only ${seen} tests were found: this check sees nothing")
+  complain("only ${seen} tests were found: this check is ineffective")
 endif()
 if(violations GREATER 0)
   message(FATAL_ERROR "${violations} tests are not where their sources are")

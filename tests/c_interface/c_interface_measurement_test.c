@@ -329,7 +329,7 @@ static void test_fields_without_place(void) {
   check_refused(&m, no_place, "name");
   memset(m.name, 'x', 49);
   check_refused(&m, no_place, "name");
-  memset(m.name, 'x', sizeof(m.name)); /* and no end */
+  memset(m.name, 'x', sizeof(m.name)); /* no terminator */
   check_refused(&m, no_place, "name");
   m = new_measurement();
   m.name[0] = (char)0xC0; /* not the shortest form */

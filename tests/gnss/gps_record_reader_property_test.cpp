@@ -337,7 +337,7 @@ TEST(ReaderStretches, EmptyBackwardAndBeyondTheEnd) {
   EXPECT_FALSE(first.Next());
 }
 
-// Overlapping records of the greatest length: adding the bytes of each record separately would take
+// Overlapping records of maximum length: adding the bytes of each record separately would take
 // a thousand times as long.
 TEST(ReaderStretches, MeetInLinearTime) {
   std::mt19937_64 random(20260136);

@@ -59,8 +59,8 @@ TEST(RecordWalk, AddsFewBytesForAnyContent) {
           Append(bytes, FrameOf(random() % 600, static_cast<unsigned>(random() % 0x9C)));
         }
       }
-      // Short records directly, as many bytes again for false headers, all bytes in blocks, and two
-      // blocks per header.
+      // Adds up the bytes of short records directly, as many bytes again for false headers, all
+      // bytes in blocks, and two blocks per header.
       EXPECT_LE(Walk(bytes).summed, 3 * bytes.size() + 2 * ByteSumsC::kBlock * headers);
     }
   }

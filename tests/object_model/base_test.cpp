@@ -188,7 +188,7 @@ TEST(Base, SettingTheCurrentImplementationLinksNothing) {
   auto* const owner = new Object(end, new ImplObjectC);
   ImplObjectC* const impl = owner->GetImpl();
   BaseC other;
-  other = *owner;  // the pointer alone
+  other = *owner;  // only the pointer
   other.SetImpl(impl);
   EXPECT_EQ(end, 0) << "the owner is not replaced";
   EXPECT_EQ(impl->GetBase(), owner);

@@ -309,7 +309,7 @@ TEST_F(FilterBounds, ArcsInOrder) {
   Expect("needed in addition to kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
 }
 
-// Two crossings on arcs of the greatest steepness, at the smallest distance that the filter
+// Two crossings on arcs of maximum steepness, at the smallest distance that the filter
 // accepts.
 TEST_F(FilterBounds, CrossingsApart) {
   double least = 1.0;

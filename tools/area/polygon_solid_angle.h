@@ -15,7 +15,7 @@ namespace Tool {
 ///
 /// \cost (n + c) log n for n points and c places where arcs cross each other. Where crossings begin
 ///       or cease to count as one, and at an edge along a meridian with arcs next to it, inside and
-///       outside are exchanged for all arcs above, each of which is integrated up to there: n^2 if
+///       outside are swapped for all arcs above, each of which is integrated up to there: n^2 if
 ///       half of the corners of a ring are that acute and have thousands of arcs above.
 /// \source The integral of cos(V) over Hz along tan(lat) = a cos(Hz) + b sin(Hz) is
 ///         atan2(a sin(Hz) - b cos(Hz), 1 / cos(lat)).

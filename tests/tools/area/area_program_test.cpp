@@ -1119,7 +1119,7 @@ TEST(AreaPlot, WritesAtMostTwoMegabytesAndSaysWhatItLeavesOut) {
     std::size_t found = 0;
     for (std::size_t at = 0; (at = text.find("><title>", at)) != std::string::npos; ++at) ++found;
     EXPECT_LE(found, titles);
-    EXPECT_GE(found, titles / 2);  // in both panels, or in that of the sphere alone
+    EXPECT_GE(found, titles / 2);  // in both panels, or only in that of the sphere
     const std::vector<TextBox> boxes = TextBoxes(svg);
     EXPECT_TRUE(notes.empty() || std::any_of(boxes.begin(), boxes.end(),
                                              [&notes = notes](const TextBox& box) {

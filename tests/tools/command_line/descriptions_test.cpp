@@ -178,7 +178,7 @@ TEST(ManPage, IsReadWithoutAWarning) {
   if (readers == 0) GTEST_SKIP() << "neither mandoc nor man nor groff";
 }
 
-TEST(ManPage, EscapesWhatRoffWouldTakeForItsOwn) {
+TEST(ManPage, EscapesWhatRoffWouldInterpret) {
   bool isOn = false;
   Command top;
   top.name = "tool";

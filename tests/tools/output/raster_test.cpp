@@ -41,7 +41,7 @@ TEST(Raster, JoinsCellsWhereThereAreTooManyRuns) {
   RasterC raster({0, 0}, 64, 64);
   int cell = 0;
   raster.ForEachCell([&](Tool::SvgPoint /*centre*/, std::uint8_t& mark) {
-    mark = (cell / 64 + cell) % 2 == 0 ? 1 : 0;  // as on a chess board
+    mark = (cell / 64 + cell) % 2 == 0 ? 1 : 0;  // as on a chessboard
     ++cell;
   });
   EXPECT_EQ(raster.CountRuns(), 64u * 32u);

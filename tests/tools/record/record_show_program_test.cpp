@@ -125,7 +125,7 @@ TEST(RecordShow, SaysWhyThereIsNothingToShow) {
   EXPECT_EQ(ReadBytes(file), bytes);
 }
 
-// Inside a record of the greatest length, so that the whole of it must be read.
+// Inside a record of maximum length, so that the whole of it must be read.
 TEST(RecordShow, FindsTheRecordThatAnOffsetIsInsideOf) {
   const TempFolderC folder;
   const std::string file = folder / "long.rec";
