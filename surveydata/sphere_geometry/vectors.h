@@ -12,7 +12,7 @@ class VectorC {
  public:
   VectorC() = default;
 
-  /// Component `index`. A bad index is reported on standard output and then used all the same: the
+  /// Component `index`. A bad index is reported on standard output and then used anyway: the
   /// reference is computed as if the vector continued. The caller is responsible for that memory.
   double& operator[](int index) {
     Check(index);

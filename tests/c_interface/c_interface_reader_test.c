@@ -7,7 +7,7 @@
 
 /* A file with every kind of entry: a gap with a header whose checksum is wrong, a measurement,
    another record, a record of the measurements' type that is too long for one, a gap with a header
-   that runs into the next record, a measurement, and a header that the end cuts. */
+   that runs into the next record, a measurement, and a header cut by the end. */
 enum {
   GAP_1 = 30,
   FRAME_1 = 19,
@@ -27,7 +27,7 @@ static void make_file(uint8_t* to) {
   to += make_frame(to, FRAME_1);
   to += make_record(to, OTHER, 7);
   to += make_frame(to, LONG_RECORD);
-  make_frame(to, 40); /* its end is written over */
+  make_frame(to, 40); /* its end is overwritten */
   to += GAP_2;
   to += make_frame(to, FRAME_2);
   make_frame(to, 19);

@@ -15,7 +15,7 @@
 #include "tests/gnss/record_model.h"
 
 /// \file
-/// What the fuzz targets of walks share: what index and reader must find, and that they do.
+/// Shared by the fuzz targets of walks: checks that index and reader find what they must.
 
 namespace Fuzz {
 

@@ -61,7 +61,7 @@ Bytes LargeFile() {
   return large;
 }
 
-TEST(Program, GivesOutputThatCannotBeWrittenTheCodeThree) {
+TEST(Program, ExitsWithThreeIfOutputCannotBeWritten) {
   if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
   const TempFolderC folder;
   const std::string file = DataPath("valley_drive.rec");
@@ -177,7 +177,7 @@ TEST(Program, EndsEveryHelpWithAnExampleThatWorks) {
       }
       const std::size_t before = folder.Names().size();
       const Outcome outcome = RunShell(example, folder.Path().string());
-      // The sample has gaps, which a list and a check report, and is no other one.
+      // A list and a check report the gaps of the sample; a comparison reports differences.
       const bool isFinding = example.find(" list valley") != std::string::npos ||
                              command.ends_with(" check") || isDiff;
       EXPECT_EQ(outcome.exitCode, isFinding ? 1 : 0);

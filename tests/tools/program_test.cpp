@@ -23,7 +23,7 @@ TEST(Program, TellsItsVersion) {
   EXPECT_EQ(outcome.out, "surveydata " SURVEYDATA_VERSION "\n");
 }
 
-TEST(Program, GivesUsageErrorsTheCodeTwoAndNothingOnStandardOutput) {
+TEST(Program, ExitsWithTwoAndAnEmptyOutputForUsageErrors) {
   const std::string file = DataPath("valley_drive.rec");
   const std::string area = DataPath("areas/facade.json");
   const std::vector<std::vector<std::string>> wrong = {
@@ -207,7 +207,7 @@ TEST(Program, SaysInASentenceWhatIsWrongWithACommandLine) {
   }
 }
 
-TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
+TEST(Program, ExitsWithThreeForFilesThatCannotBeRead) {
   const TempFolderC folder;
   for (const std::string& file : {folder / "missing.rec", folder.Path().string()}) {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{"list", file},
@@ -227,7 +227,7 @@ TEST(Program, GivesFilesThatCannotBeReadTheCodeThree) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
-TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
+TEST(Program, ExitsWithThreeForAreaFilesThatCannotBeRead) {
   const TempFolderC folder;
   for (const std::string& file : {folder / "missing.json", folder.Path().string()}) {
     for (const std::vector<std::string>& arguments :
@@ -250,7 +250,7 @@ TEST(Program, GivesAreaFilesThatCannotBeReadTheCodeThree) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
-TEST(Program, DrawsNoProgressBarWhereStandardErrorIsNoTerminal) {
+TEST(Program, DrawsNoProgressBarIfStandardErrorIsNotATerminal) {
   const Outcome outcome = RunProgram({"record", "export", DataPath("valley_drive.rec")});
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(outcome.err, "");

@@ -48,8 +48,8 @@ CommandOptionsC DirectionFormatOptions(DirectionFormat& format);
 /// The first line is a heading that names the columns, or the first direction. Without a heading
 /// there are two columns, Hz and V, unless the format names others. All lines have as many cells as
 /// the first one. Cells may be quoted as in RFC 4180. A heading may name the unit of Hz and V in
-/// brackets. Empty lines are skipped, and so are lines that begin with '#', if
-/// the first column is Hz or V. Ambiguous input is an error: nothing is guessed.
+/// brackets. Empty lines are skipped, and so are lines that begin with '#', if the first column is
+/// Hz or V. Ambiguous input is an error: nothing is guessed.
 class DirectionReaderC {
  public:
   /// Reads up to the first direction; "-" is standard input.

@@ -161,7 +161,7 @@ TEST_F(DirectionReaderTest, KeepsEmptyCellsBetweenTabs) {
   EXPECT_EQ(heading_, (Names{"", "hz", "v", ""}));
   EXPECT_EQ(Read("\t1\t2\n", {.columns = {{"2", "3"}}}), (Pairs{{1, 2}}));
   EXPECT_EQ(fault_, "");
-  // A line of empty cells is no empty line, as with commas; a blank line is one.
+  // As with commas, a line of empty cells is not an empty line; a blank line is.
   EXPECT_EQ(Read("hz\tv\tid\n1\t2\ta\n  \r\n\t\t\n"), (Pairs{{1, 2}}));
   EXPECT_EQ(fault_, "line 4 is not a direction: ");
   EXPECT_EQ(Read("hz,v\n\t\n1,2\n\t# comment\n"), (Pairs{{1, 2}}));
