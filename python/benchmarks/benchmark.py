@@ -71,7 +71,7 @@ def two_threads(megabytes: int, runs: int) -> None:
     """Work in two threads, compared with the same work twice in one.
 
     Hashing needs only the processor, not memory: its ratio shows how much two threads of this
-    machine can do at this time. Virtual processors may share a core, or the other one may be busy.
+    machine can do at the moment. Virtual processors may share a core, or the other one may be busy.
     """
     sample = (_SAMPLES / "valley_drive.rec").read_bytes()
     data = sample * max(1, megabytes * 10**6 // len(sample))
@@ -180,7 +180,7 @@ def main() -> None:
     parser = argparse.ArgumentParser(description="Measure the speed of the package surveydata.")
     parser.add_argument("--library", help="libsurveydata.so, optimised, for the directions")
     parser.add_argument("--megabytes", type=int, default=100, help="of records; 100 by default")
-    parser.add_argument("--runs", type=int, default=7, help="of each work; 7 by default")
+    parser.add_argument("--runs", type=int, default=7, help="of each measurement; 7 by default")
     options = parser.parse_args()
     records(options.megabytes, options.runs)
     two_threads(options.megabytes, options.runs)

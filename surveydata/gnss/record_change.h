@@ -23,7 +23,7 @@ struct Changes {
   std::optional<Antenna> antenna;
 };
 
-/// Rewrites the fields in `changes` and the checksum; all other bytes stay.
+/// Rewrites the fields in `changes` and the checksum; all other bytes stay the same.
 ///
 /// \param frame  a whole measurement frame whose blocks all fit.
 /// \return false, with nothing changed, if the frame has no block for a change, the name has more

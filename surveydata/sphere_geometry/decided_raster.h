@@ -89,7 +89,7 @@ class DecidedRasterC {
           columnsPerUnit(((std::uint64_t{columns} << kFraction) + end - 1) / end) {}
 
     // The number of columns at or after the end, or up to three units before it: rounding up makes
-    // columnsPerUnit greater by 2^-30 of itself at most.
+    // columnsPerUnit greater by at most a relative 2^-30.
     std::uint32_t ColumnOf(std::uint32_t units) const {
       return static_cast<std::uint32_t>((std::min(units, end) * columnsPerUnit) >> kFraction);
     }

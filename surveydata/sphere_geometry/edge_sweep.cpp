@@ -142,8 +142,9 @@ class SweepC {
  public:
   explicit SweepC(const RingC& ring) : ring_(ring), places_(ring.CountEdges()) {}
 
-  // Whether any two edges cross that change their order, or of which one is not steep and passes
-  // near an end of the other. `keepPlaces` means that no two edges change their order.
+  // Tests the pairs of edges that change their order, and those in which an edge that is not steep
+  // passes near an end of the other: whether one of these pairs crosses. `keepPlaces` means that no
+  // two edges change their order.
   SweepResult FindCrossing(bool keepPlaces) {
     keepPlaces_ = keepPlaces;
     const std::vector<Point>& corners = ring_.GetCorners();

@@ -1,4 +1,4 @@
-// Prints the table of docs/columns.md out of the table of columns.
+// Prints the table of docs/columns.md from the table of columns.
 
 #include <cstdio>
 

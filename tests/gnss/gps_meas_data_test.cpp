@@ -293,7 +293,7 @@ TYPED_TEST(MeasDataImpl, TotalPairIsThatOfSystem1UntilASystemIsSet) {
   EXPECT_TRUE(meas.IsSystem1Used());
 }
 
-TYPED_TEST(MeasDataImpl, WithAnotherSystemAloneSystem1HasNoPair) {
+TYPED_TEST(MeasDataImpl, WithOnlyAnotherSystemSystem1HasNoPair) {
   const Bytes2 total{12, 9};
   const Bytes2 later{5, 4};
   TypeParam two;

@@ -299,7 +299,7 @@ TEST(RecordEncode, ValuesThatNoFrameGivesAreRefused) {
       {RecordField::kNone, "", name(std::string(17, 'n'))},
       {RecordField::kName, "name", name(std::string(18, 'n'))},
       {RecordField::kName, "name", name(std::string(49, 'n'))},
-      {RecordField::kName, "name", name("a\x80")},                              // no sequence
+      {RecordField::kName, "name", name("a\x80")},                              // stray byte
       {RecordField::kName, "name", name("a\xC0\x80")},                          // 0, but longer
       {RecordField::kName, "name", name("a\xC1\xA1")},                          // 'a', but longer
       {RecordField::kName, "name", name("\xF0\x9F\x98\x80")},                   // beyond U+FFFF

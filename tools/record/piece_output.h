@@ -46,7 +46,7 @@ class PieceOutputC {
   }
   /// Writes a message to standard error. Not for output that is kept.
   void Tell(const std::string& message);
-  /// The same for messages that may be very many: only the first 100 of each file are written.
+  /// The same for messages that may be numerous: only the first 100 of each file are written.
   void TellOneOfMany(std::string message);
   /// Begins the messages of the next file.
   void BeginFile() { told_ = 0; }

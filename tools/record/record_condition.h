@@ -14,8 +14,8 @@ namespace Tool {
 ///
 /// A column is compared by = == != < <= > >= with a number, a text in single or double quotes
 /// (doubled inside), true or false. A column that is true or false is a condition by itself.
-/// `present(column)` is whether there is a value. `not` binds more than `and`, which binds more
-/// than `or`. `in_view` and `used` are the columns total_first and total_second.
+/// `present(column)` is whether there is a value. `not` binds more tightly than `and`, which
+/// binds more tightly than `or`. `in_view` and `used` are the columns total_first and total_second.
 ///
 /// A comparison with an absent value or NaN is false, so that its `not` is true. Numbers are
 /// compared with columns of the type float32 in single precision, with whole numbers exactly; texts

@@ -241,7 +241,7 @@ TEST(RecordExport, QuotesCsvCellsThatNeedIt) {
   EXPECT_EQ(json::parse(Export(file).out)["measurement"]["textD"], "a\",\n\rz");
 }
 
-TEST(RecordExport, TellsStoredPairsThatDoNotCountAsPresent) {
+TEST(RecordExport, ExportsStoredPairsThatDoNotCountAsPresent) {
   const TempFolderC folder;
   const json record = ExportOne(folder, MakeFrame(113, MakeBody(0x1000, {2, 1, 4, 0})));
   EXPECT_EQ(record["measurement"]["system2Pair"], json::parse("[4,0]"));

@@ -219,7 +219,7 @@ TEST_F(RecordSet, RefusesAFileThatAnotherProgramHasLocked) {
 }
 
 // Removes what a killed program has left: a file of this user that has the name of a copy and is
-// not locked. All other files stay.
+// not locked. All other files are kept.
 TEST_F(RecordSet, RemovesTheCopiesOfKilledProgramsAndNothingElse) {
   for (const char* const name :
        {".surveydata.abcXYZ", ".surveydata.000000", ".surveydata.abcXY", ".surveydata.abcXYZ1",
