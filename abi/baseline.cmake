@@ -9,7 +9,7 @@ cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH source_dir)
 set(baseline ${CMAKE_CURRENT_LIST_DIR}/baseline.tar.xz)
 
 # Relative paths make the record independent of the machine.
-set(flags "-O1 -g -ffile-prefix-map=${source_dir}=. -ffile-prefix-map=${WORK_DIR}=.")
+set(flags "-O0 -g -ffile-prefix-map=${source_dir}=. -ffile-prefix-map=${WORK_DIR}=.")
 execute_process(
   COMMAND ${CMAKE_COMMAND} -S ${source_dir} -B ${WORK_DIR} -G Ninja
     -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Debug "-DCMAKE_CXX_FLAGS_DEBUG=${flags}"
