@@ -25,7 +25,7 @@ using TestSupport::WellFormedFrame;
 
 using Place = std::tuple<std::size_t, std::size_t, Block, std::optional<Field>>;
 
-// Remembers what it is told.
+// Records the fields that it receives.
 struct Places {
   std::vector<Place> places;
   std::vector<double> numbers;

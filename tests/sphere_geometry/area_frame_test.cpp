@@ -63,7 +63,7 @@ TEST(AreaFrame, ARectangleHasFourStraightEdges) {
   EXPECT_EQ(frame.hzMin, 1.0);
   EXPECT_EQ(frame.hzMax, 3.0);
   EXPECT_EQ(frame.vMin, 0.5);
-  EXPECT_EQ(frame.vMax, 1.5) << "the edges are no arcs, which would bulge";
+  EXPECT_EQ(frame.vMax, 1.5) << "the edges are not arcs, which would bulge";
   EXPECT_FALSE(frame.isPolygon);
   EXPECT_FALSE(frame.enclosesZenith);
 }
