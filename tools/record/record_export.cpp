@@ -155,15 +155,17 @@ Command RecordExportCommand() {
       "Examples:\n  surveydata record export valley_drive.rec --csv -o valley_drive.csv\n"
       "  surveydata record export valley_drive.rec --where \"pdop < 4 and used >= 6\"\n"
       "  surveydata record export --recursive . --csv --columns time_gps,pdop";
+  const auto needingCsv = [](CommandOption option) {
+    option.needs = {"--csv"};
+    return option;
+  };
   command.options = {{.names = {"--csv"},
                       .description = "CSV with a header row, quoted as in RFC 4180",
                       .flag = &options->isCsv},
-                     RecordColumnsOption(options->columns),
-                     FormulasOption(options->formulas),
+                     needingCsv(RecordColumnsOption(options->columns)),
+                     needingCsv(FormulasOption(options->formulas)),
                      OutputOption(options->output,
                                   "The file to write, - for standard output, the default", "OUT")};
-  command.options[1].needs = {"--csv"};
-  command.options[2].needs = {"--csv"};
   AddFileOptions(command, options->files);
   AddFilterOptions(command, options->filter);
   command.run = [options] { return Run(*options); };

@@ -49,21 +49,32 @@ TEST(SatelliteSeries, KeepsExtremesAndGapsOfManyRecordsInFewPoints) {
   EXPECT_EQ(extremes(Tool::SatelliteSeriesC::kUsed), std::pair(1.0, 9.0));
 }
 
-// Of equal values in a point, the first one is marked.
-TEST(SatelliteSeries, MarksTheFirstOfEqualValues) {
+// Of equal extremes, the first one is marked.
+TEST(SatelliteSeries, MarksTheFirstOfEqualExtremes) {
+  constexpr std::uint16_t kHDOPs[] = {30, 10, 10, 20};
+  constexpr std::uint16_t kVDOPs[] = {10, 30, 30, 20};
+  constexpr std::size_t kGroups = 1024;
   Tool::SatelliteSeriesC series;
   Tool::DecodedRecord record;
-  for (int second = 0; second < 4096; ++second) {  // then two records become one point
+  for (int second = 0; second < 6144;
+       ++second) {  // then the first 4096 records are in groups of four
     record.measurement.SetTimeA({0, second * 1000});
-    record.measurement.SetDOPs(SDI::GPSDOPsImplC(10, 20, 0xFFFF));
+    record.measurement.SetDOPs(SDI::GPSDOPsImplC(kHDOPs[second % 4], kVDOPs[second % 4], 0xFFFF));
     series.Add(record);
   }
-  const auto runs = series.GetRuns(Tool::SatelliteSeriesC::kHDOP);
-  ASSERT_EQ(runs.size(), 1u);
-  ASSERT_EQ(runs[0].size(), 2048u);
-  for (std::size_t i = 0; i < runs[0].size(); ++i) {
-    EXPECT_EQ(runs[0][i].time, 2.0 * static_cast<double>(i));
-  }
+  const auto expect = [&](Tool::SatelliteSeriesC::Value value, double first, double second) {
+    const auto runs = series.GetRuns(value);
+    ASSERT_EQ(runs.size(), 1u);
+    ASSERT_GE(runs[0].size(), 2 * kGroups);
+    for (std::size_t i = 0; i < kGroups; ++i) {
+      EXPECT_EQ(runs[0][2 * i].time, 4.0 * static_cast<double>(i));
+      EXPECT_EQ(runs[0][2 * i].value, first);
+      EXPECT_EQ(runs[0][2 * i + 1].time, 4.0 * static_cast<double>(i) + 1);
+      EXPECT_EQ(runs[0][2 * i + 1].value, second);
+    }
+  };
+  expect(Tool::SatelliteSeriesC::kHDOP, 3.0, 1.0);
+  expect(Tool::SatelliteSeriesC::kVDOP, 1.0, 3.0);
 }
 
 // For any number of gaps, each value is drawn at a time that has it, and no line crosses a gap.
