@@ -149,7 +149,7 @@ TEST(Records, HoldTheirFieldsInOrderAndTheirPublicObjectsNone) {
     for (const auto& field : FieldsOf<typename P::ImplT>()) {
       SCOPED_TRACE(field.name);
       typename P::ImplT record;
-      const auto [first, behind] = ChangedBytes(record, [&] { field.fill(record, 17); });
+      const auto [first, behind] = ChangedBytes(record, [&] { field.Fill(record, 17); });
       EXPECT_LT(first, behind);
       EXPECT_LE(end, first);
       end = behind;
@@ -173,7 +173,7 @@ TEST(Records, AreZeroByDefaultExceptForTheseFields) {
     const typename P::PublicT object;
     for (const auto& field : FieldsOf<typename P::ImplT>()) {
       SCOPED_TRACE(field.name);
-      const std::string shown = field.show(*object.GetImpl());
+      const std::string shown = field.Show(*object.GetImpl());
       const auto other = others.find(std::string(pair.name) + "." + field.name);
       if (other == others.end()) {
         EXPECT_TRUE(shown.empty() || shown == "0") << shown;
@@ -190,9 +190,9 @@ TEST(Records, StoreInOneFieldWhatOneSetterIsGiven) {
   ForEachPair([]<class P>(const P&) {
     for (const auto& field : FieldsOf<typename P::ImplT>()) {
       typename P::ImplT record;
-      field.fill(record, 17);
+      field.Fill(record, 17);
       EXPECT_EQ(DifferingFields(record, typename P::ImplT()), field.name);
-      EXPECT_EQ(field.show(record), field.filled(17)) << field.name;
+      EXPECT_EQ(field.Show(record), field.Filled(17)) << field.name;
     }
   });
 }
@@ -208,13 +208,13 @@ TEST(Records, ReadAndWriteTheSameFieldOnBothSides) {
         const auto same = std::ranges::find(fieldsOfImpl, field.name, &Field<Impl>::name);
         ASSERT_NE(same, fieldsOfImpl.end());
         Public object;
-        field.fill(object, 17);
+        field.Fill(object, 17);
         Impl direct;
-        same->fill(direct, 17);
+        same->Fill(direct, 17);
         EXPECT_EQ(DifferingFields(*object.GetImpl(), direct), "");
-        EXPECT_EQ(field.show(object), field.filled(17));
+        EXPECT_EQ(field.Show(object), field.Filled(17));
         FillAll(*object.GetImpl());
-        EXPECT_EQ(field.show(object), same->show(*object.GetImpl()));
+        EXPECT_EQ(field.Show(object), same->Show(*object.GetImpl()));
       }
     }
   });
@@ -240,8 +240,8 @@ TEST(Records, AreCopiedAndAssignedWithEveryField) {
     EXPECT_NE(copy.GetImpl(), source.GetImpl());
 
     for (const auto& field : FieldsOf<Impl>()) {
-      field.move(*copy.GetImpl(), 5);
-      field.move(*assigned.GetImpl(), 5);
+      field.Move(*copy.GetImpl(), 5);
+      field.Move(*assigned.GetImpl(), 5);
     }
     EXPECT_EQ(DifferingFields(*source.GetImpl(), reference), "") << "changed through a copy";
 
@@ -267,7 +267,7 @@ TEST(Records, AreEqualWhenEveryFieldIsEqualByItsOwnTolerance) {
           SCOPED_TRACE(field.name + " off by " + std::to_string(units));
           const bool within = field.compared == Compared::kWithTolerance && std::abs(units) <= 2;
           Public b(a);
-          field.move(*b.GetImpl(), units);
+          field.Move(*b.GetImpl(), units);
           EXPECT_EQ(DifferingFields(*a.GetImpl(), *b.GetImpl()), field.name);
           ExpectEquality(a, b, within);
         }
@@ -283,10 +283,10 @@ TEST(Records, TreatNaNAsEqualWithToleranceAndAsUnequalWithout) {
       Public a;
       FillAll(*a.GetImpl());
       for (const auto& field : FieldsOf<typename P::ImplT>()) {
-        if (!field.spoil) continue;
+        if (!field.IsFloatingPoint()) continue;
         SCOPED_TRACE(field.name);
         Public b(a);
-        field.spoil(*b.GetImpl());
+        field.Spoil(*b.GetImpl());
         ExpectEquality(a, b, field.compared == Compared::kWithTolerance);
         ExpectEquality(b, b, field.compared == Compared::kWithTolerance);
       }

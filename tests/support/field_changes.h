@@ -23,7 +23,7 @@ template <class Impl>
 Changes<Impl> ChangesOf() {
   Changes<Impl> changes;
   for (const auto& field : Records::FieldsOf<Impl>()) {
-    changes.push_back([field](Impl& impl) { field.fill(impl, 17); });
+    changes.push_back([field](Impl& impl) { field.Fill(impl, 17); });
   }
   return changes;
 }

@@ -48,7 +48,7 @@ void Mark(Impl& impl) {
   } else if constexpr (requires { impl.SetHorizontalOffset(7.0F); }) {
     impl.SetHorizontalOffset(7.0F);
   } else {
-    LastField<Impl>().fill(impl, 17);
+    LastField<Impl>().Fill(impl, 17);
   }
 }
 
@@ -68,7 +68,7 @@ std::string Shown(const Impl& impl) {
   } else if constexpr (requires { impl.GetHorizontalOffset(); }) {
     return std::to_string(impl.GetHorizontalOffset());
   } else {
-    return LastField<Impl>().show(impl);
+    return LastField<Impl>().Show(impl);
   }
 }
 

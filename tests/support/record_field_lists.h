@@ -8,6 +8,8 @@
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -27,22 +29,42 @@ namespace Records {
 /// How the equality of a record compares a field.
 enum class Compared { kExactly, kWithTolerance };
 
+/// How a field is read and written. The records are passed without their class: a function object
+/// for each operation on each field would take compilers five times as long.
+class AccessC {
+ public:
+  AccessC() = default;
+  AccessC(const AccessC&) = delete;
+  AccessC& operator=(const AccessC&) = delete;
+  virtual ~AccessC() = default;
+
+  virtual std::string Show(const void* record) const = 0;
+  virtual void Fill(void* record, int seed) const = 0;
+  virtual std::string Filled(int seed) const = 0;
+  virtual void Move(void* record, int units) const = 0;
+  virtual bool IsFloatingPoint() const = 0;
+  virtual void Spoil(void* record) const = 0;
+};
+
 /// One field of a `Record`, read and written through its accessors.
 template <class Record>
 struct Field {
   std::string name;
   Compared compared;
+  std::shared_ptr<const AccessC> access;
+
   /// The value as text, different for different values.
-  std::function<std::string(const Record&)> show;
+  std::string Show(const Record& record) const { return access->Show(&record); }
   /// Writes a value that is not the default of any field; a different `seed` gives a different
   /// value, except for a bool.
-  std::function<void(Record&, int seed)> fill;
-  /// The result of `show` after `fill` with the same seed.
-  std::function<std::string(int seed)> filled;
+  void Fill(Record& record, int seed) const { access->Fill(&record, seed); }
+  /// The result of `Show` after `Fill` with the same seed.
+  std::string Filled(int seed) const { return access->Filled(seed); }
   /// Moves a number by `units` of its smallest units; changes a text or a bool unless it is 0.
-  std::function<void(Record&, int units)> move;
-  /// Writes NaN. Empty if the field is not a floating-point number.
-  std::function<void(Record&)> spoil;
+  void Move(Record& record, int units) const { access->Move(&record, units); }
+  bool IsFloatingPoint() const { return access->IsFloatingPoint(); }
+  /// Writes NaN. Only for floating-point numbers.
+  void Spoil(Record& record) const { access->Spoil(&record); }
 };
 
 template <class Record>
@@ -110,56 +132,101 @@ Value Moved(Value value, int units) {
   }
 }
 
-// A field of `Record` with the given accessors: members, or functions of the record.
+// Accessors of a field of `Record`: members, or functions of the record.
 template <class Record, class Get, class Set>
-Field<Record> MakeField(std::string name, Get get, Set set) {
+class FieldAccessC : public AccessC {
+ public:
   using Value = typename Held<std::remove_cvref_t<std::invoke_result_t<Get, const Record&>>>::type;
-  const auto read = [get](const Record& record) { return Value(std::invoke(get, record)); };
-  const auto write = [set](Record& record, const Value& value) {
-    if constexpr (requires { value.c_str(); }) {
-      std::invoke(set, record, value.c_str());
+
+  FieldAccessC(Get get, Set set) : get_(get), set_(set) {}
+
+  std::string Show(const void* record) const override { return Records::Show(Read(record)); }
+  void Fill(void* record, int seed) const override { Write(record, Sample<Value>(seed)); }
+  std::string Filled(int seed) const override { return Records::Show(Sample<Value>(seed)); }
+  void Move(void* record, int units) const override { Write(record, Moved(Read(record), units)); }
+  bool IsFloatingPoint() const override { return std::floating_point<Value>; }
+  void Spoil(void* record) const override {
+    if constexpr (std::floating_point<Value>) {
+      Write(record, std::numeric_limits<Value>::quiet_NaN());
     } else {
-      std::invoke(set, record, value);
+      throw std::logic_error("only a floating-point number can be NaN");
     }
-  };
-  Field<Record> field;
-  field.name = std::move(name);
-  field.compared = std::floating_point<Value> ? Compared::kWithTolerance : Compared::kExactly;
-  field.show = [read](const Record& record) { return Show(read(record)); };
-  field.fill = [write](Record& record, int seed) { write(record, Sample<Value>(seed)); };
-  field.filled = [](int seed) { return Show(Sample<Value>(seed)); };
-  field.move = [read, write](Record& record, int units) {
-    write(record, Moved(read(record), units));
-  };
-  if constexpr (std::floating_point<Value>) {
-    field.spoil = [write](Record& record) {
-      write(record, std::numeric_limits<Value>::quiet_NaN());
-    };
   }
-  return field;
+
+ private:
+  Value Read(const void* record) const {
+    return Value(std::invoke(get_, *static_cast<const Record*>(record)));
+  }
+  void Write(void* record, const Value& value) const {
+    if constexpr (requires { value.c_str(); }) {
+      std::invoke(set_, *static_cast<Record*>(record), value.c_str());
+    } else {
+      std::invoke(set_, *static_cast<Record*>(record), value);
+    }
+  }
+
+  Get get_;
+  Set set_;
+};
+
+template <class Record, class Get, class Set>
+Field<Record> MakeField(const char* name, Get get, Set set) {
+  using Access = FieldAccessC<Record, Get, Set>;
+  const AccessC* const access = new Access(get, set);
+  return {
+      name,
+      std::floating_point<typename Access::Value> ? Compared::kWithTolerance : Compared::kExactly,
+      std::shared_ptr<const AccessC>(access)};
 }
 
+// Accesses a field of a part through the part's accessors.
+template <class Record, class Get, class Set>
+class PartAccessC : public AccessC {
+ public:
+  using Part = std::remove_cvref_t<std::invoke_result_t<Get, const Record&>>;
+
+  PartAccessC(Get get, Set set, std::shared_ptr<const AccessC> part)
+      : get_(get), set_(set), part_(std::move(part)) {}
+
+  std::string Show(const void* record) const override {
+    const Part& part = std::invoke(get_, *static_cast<const Record*>(record));
+    return part_->Show(&part);
+  }
+  void Fill(void* record, int seed) const override {
+    Change(record, [&](Part& part) { part_->Fill(&part, seed); });
+  }
+  std::string Filled(int seed) const override { return part_->Filled(seed); }
+  void Move(void* record, int units) const override {
+    Change(record, [&](Part& part) { part_->Move(&part, units); });
+  }
+  bool IsFloatingPoint() const override { return part_->IsFloatingPoint(); }
+  void Spoil(void* record) const override {
+    Change(record, [&](Part& part) { part_->Spoil(&part); });
+  }
+
+ private:
+  template <class How>
+  void Change(void* record, How how) const {
+    Record& changed = *static_cast<Record*>(record);
+    Part copy(std::invoke(get_, changed));
+    how(copy);
+    std::invoke(set_, changed, copy);
+  }
+
+  Get get_;
+  Set set_;
+  std::shared_ptr<const AccessC> part_;
+};
+
 // The fields of a part with the given accessors, as fields of `Record`.
-template <class Record, class Get, class Set, class Part>
-Fields<Record> FieldsOfPart(const std::string& name, Get get, Set set, const Fields<Part>& parts) {
+template <class Record, class Get, class Set>
+Fields<Record> FieldsOfPart(const std::string& name, Get get, Set set,
+                            const Fields<typename PartAccessC<Record, Get, Set>::Part>& parts) {
   Fields<Record> fields;
-  for (const Field<Part>& part : parts) {
-    const auto change = [get, set](const auto& how) {
-      return [get, set, how](Record& record, auto... args) {
-        Part copy(std::invoke(get, record));
-        how(copy, args...);
-        std::invoke(set, record, copy);
-      };
-    };
-    Field<Record> field;
-    field.name = name + "." + part.name;
-    field.compared = part.compared;
-    field.show = [get, part](const Record& record) { return part.show(std::invoke(get, record)); };
-    field.fill = change(part.fill);
-    field.filled = part.filled;
-    field.move = change(part.move);
-    if (part.spoil) field.spoil = change(part.spoil);
-    fields.push_back(std::move(field));
+  for (const auto& part : parts) {
+    const AccessC* const access = new PartAccessC<Record, Get, Set>(get, set, part.access);
+    fields.push_back(
+        {name + "." + part.name, part.compared, std::shared_ptr<const AccessC>(access)});
   }
   return fields;
 }
@@ -492,7 +559,7 @@ using Texts = std::vector<std::string>;
 template <class Record>
 Texts Values(const Record& record) {
   Texts values;
-  for (const auto& field : FieldsOf<Record>()) values.push_back(field.show(record));
+  for (const auto& field : FieldsOf<Record>()) values.push_back(field.Show(record));
   return values;
 }
 
@@ -500,7 +567,7 @@ Texts Values(const Record& record) {
 template <class Record>
 void FillAll(Record& record) {
   int seed = 0;
-  for (const auto& field : FieldsOf<Record>()) field.fill(record, seed++);
+  for (const auto& field : FieldsOf<Record>()) field.Fill(record, seed++);
 }
 
 /// The names of the fields whose values differ, separated by ", "; empty if all are the same.
@@ -508,7 +575,7 @@ template <class Record>
 std::string DifferingFields(const Record& a, const Record& b) {
   std::string names;
   for (const auto& field : FieldsOf<Record>()) {
-    if (field.show(a) != field.show(b)) names += (names.empty() ? "" : ", ") + field.name;
+    if (field.Show(a) != field.Show(b)) names += (names.empty() ? "" : ", ") + field.name;
   }
   return names;
 }
