@@ -1,6 +1,7 @@
 # Checks that the tests mirror the sources: those of surveydata/X and of tools/X are in tests/X and in
 # tests/tools/X. A test is named after the source that it tests, NAME_test or NAME_..._test, or is
-# listed here because it tests several; and CMakeLists.txt of its folder builds it.
+# listed here because it tests several; and CMakeLists.txt of its folder builds it. In the folders
+# that are listed for it, each source has a test of its own name, or is listed with the tests of it.
 #   cmake -D SOURCE_DIR=<the project> -P mirrors.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -32,6 +33,24 @@ set(tools_several
   # manual page, completions and help, which are made from one description
   command_line/descriptions)
 
+# Folders in which each source has a test of its own name, and the sources in them that have none.
+set(surveydata_each geodetic gnss imaging object_model scanning sphere_geometry total_station)
+set(surveydata_without
+  # tested by all that read, write, change and explain frames: record_frame_test, record_encode_test,
+  # record_change_test, frame_explanation_test
+  gnss/byte_sum gnss/frame_blocks gnss/frame_cursors gnss/frame_fields
+  # parts of the reader and the writer: gps_record_file_test, gps_record_reader_test,
+  # gps_record_writer_test
+  gnss/gps_record_file_info gnss/gps_record_outcome gnss/record_damage gnss/record_source
+  # parts of the columns: gps_record_columns_test; dilutions: gps_dops_test, too
+  gnss/dilution gnss/record_columns gnss/text_column gnss/time_text
+  # macros; ownership_checks_test
+  object_model/export object_model/lent_object
+  # area_explanation_test
+  scanning/explain_direction)
+set(tools_each "")
+set(tools_without "")
+
 set(violations 0)
 set(seen 0)
 macro(complain text)
@@ -54,6 +73,7 @@ function(check_tests root tests)
   list(REMOVE_DUPLICATES folders)
 
   set(several ${${root}_several})
+  set(without ${${root}_without})
   foreach(folder ${folders})
     file(GLOB files RELATIVE ${SOURCE_DIR}/${tests}/${folder}
       ${SOURCE_DIR}/${tests}/${folder}/*_test.cpp ${SOURCE_DIR}/${tests}/${folder}/*_test.c)
@@ -66,6 +86,25 @@ function(check_tests root tests)
     if(NOT files)
       complain("${root}/${folder} has no tests in ${tests}/${folder}")
       continue()
+    endif()
+    if(folder IN_LIST ${root}_each)
+      list(REMOVE_DUPLICATES names_${folder})
+      foreach(name ${names_${folder}})
+        set(has_test FALSE)
+        foreach(file ${files})
+          if(file MATCHES "^${name}_([a-z0-9_]+_)?test\\.cp?p?$")
+            set(has_test TRUE)
+          endif()
+        endforeach()
+        if(${folder}/${name} IN_LIST without)
+          list(REMOVE_ITEM without ${folder}/${name})
+          if(has_test)
+            complain("${folder}/${name} has a test and is listed as having none")
+          endif()
+        elseif(NOT has_test)
+          complain("${root}/${folder}/${name} has no test of its name in ${tests}/${folder}")
+        endif()
+      endforeach()
     endif()
     file(READ ${SOURCE_DIR}/${tests}/${folder}/CMakeLists.txt built)
     foreach(file ${files})
@@ -96,6 +135,9 @@ function(check_tests root tests)
   endforeach()
   foreach(test ${several})
     complain("${tests}/${test}_test is listed but does not exist")
+  endforeach()
+  foreach(name ${without})
+    complain("${name} is listed as having no test but does not exist")
   endforeach()
   set(seen ${seen} PARENT_SCOPE)
   set(violations ${violations} PARENT_SCOPE)
