@@ -16,6 +16,8 @@ option(SURVEYDATA_LTO "Use link-time optimisation for the library in a release, 
   ${SURVEYDATA_CAN_LTO})
 option(SURVEYDATA_UNITY "Compile the sources of a folder of the library and of the program as one, which
   takes half the time if all of them are built" OFF)
+set(SURVEYDATA_LIBRARY_OPTIONS "" CACHE STRING
+  "Compiler options of the library alone, after all others, e.g. -O3 if the rest is optimised less")
 set(SURVEYDATA_PAGE "" CACHE FILEPATH
   "The page for the browser, which `./test.sh --page` builds; installed with the program")
 set(SURVEYDATA_SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined")
