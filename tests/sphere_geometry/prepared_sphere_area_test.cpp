@@ -46,6 +46,20 @@ void ExpectSameAnswers(const SphereAreaC& area, const std::vector<AnglePointC>& 
   }
 }
 
+TEST(PreparedSphereArea, HasAFrameIfItsPointsFormAnArea) {
+  for (const bool hasRaster : {false, true}) {
+    const auto frameOf = [hasRaster](const std::vector<AnglePointC>& points) {
+      const PreparedSphereAreaC prepared(MakeArea(points), hasRaster, 0.0);
+      return prepared.GetFrame() != nullptr ? prepared.GetFrame()->GetEdgeCount() : 0;
+    };
+    EXPECT_EQ(frameOf(kSquare), 4u);
+    EXPECT_EQ(frameOf({kSquare[0], kSquare[1], kSquare[2]}), 3u);
+    EXPECT_EQ(frameOf({kSquare[0], kSquare[2]}), 4u) << "a rectangle";
+    EXPECT_EQ(frameOf({kSquare[0]}), 0u);
+    EXPECT_EQ(frameOf({kSquare[0], kSquare[2], kSquare[1], kSquare[3]}), 0u) << "a bow-tie";
+  }
+}
+
 TEST(PreparedSphereArea, AnswersAsTheAreaDoes) {
   RingGenerator random(11);
   for (int i = 0; i < 400; ++i) {
