@@ -836,31 +836,14 @@ class RowCursorC : public RecordFrame::FrameCursorC {
 #if defined(__SSE2__)
   /// Writes a text if it is ASCII and has a terminator among its first `most` units.
   bool WriteAscii(TextPlace place, std::size_t most) {
+    constexpr std::size_t kStep = 16;  // that of `PackAscii`
     const RecordFrame::Bytes rest = Rest();
-    char* const to = At(place);
-    for (std::size_t i = 0; (i + 16) * sizeof(char16_t) <= rest.size(); i += 16) {
-      const auto* const from =
-          reinterpret_cast<const __m128i_u*>(rest.data() + i * sizeof(char16_t));
-      // As in `TextColumn::Write`.
-      const __m128i low = _mm_loadu_si128(from);
-      const __m128i high = _mm_loadu_si128(from + 1);
-      const __m128i none = _mm_setzero_si128();
-      const __m128i bytes = _mm_packus_epi16(low, high);
-      const __m128i isEnd =
-          _mm_packs_epi16(_mm_cmpeq_epi16(low, none), _mm_cmpeq_epi16(high, none));
-      const auto ends = static_cast<unsigned>(_mm_movemask_epi8(isEnd));
-      const auto highs = static_cast<unsigned>(_mm_movemask_epi8(bytes));
-      const auto zeros = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, none)));
-      const unsigned others = highs | (zeros ^ ends);  // not ASCII
-      const auto end = static_cast<std::size_t>(std::countr_zero(ends | 0x10000));
-      if (std::cmp_less(std::countr_zero(others | 0x10000), end) || i + end >= most) return false;
-      _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + i), bytes);
-      if (end != 16) {
-        Take(place, i + end);
-        return true;
-      }
-    }
-    return false;
+    const std::size_t capacity =
+        std::min(rest.size() / sizeof(char16_t), (most + kStep - 1) / kStep * kStep);
+    const auto [size, isWhole] = TextColumn::PackAscii(rest.data(), capacity, At(place));
+    if (!isWhole || size >= most) return false;
+    Take(place, size);
+    return true;
   }
 #endif
 
