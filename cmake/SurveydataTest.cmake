@@ -88,10 +88,12 @@ function(surveydata_test name)
   if(TARGET ${arg_HEADERS})
     target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS})
   endif()
-  if(CMAKE_CROSSCOMPILING)
-    # One process for all cases, because programs start slowly under an emulator.
+  if(CMAKE_CROSSCOMPILING OR SURVEYDATA_SANITIZE MATCHES "address")
+    # One process for all cases, because programs start slowly under an emulator, and with the address
+    # sanitizer, which also searches for leaks at the end.
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 600)
+    set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 600
+      ENVIRONMENT "RC_PARAMS=${SURVEYDATA_PROPERTY_PARAMS}")
   else()
     gtest_discover_tests(${name}
       DISCOVERY_TIMEOUT 60

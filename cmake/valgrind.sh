@@ -9,6 +9,7 @@ install_dependencies "${build_packages[@]}" "${test_packages[@]}" valgrind
 # Programs and the tests to run. Tests with millions of cases would take too long, and
 # HoldTheirFieldsInOrder reads padding.
 selection=(
+  "gnss/record_samples_test *"  # first, because it takes longest
   "object_model/base_test *"
   "object_model/compare_test -*ForAnyBits*"
   "object_model/fixed_string_property_test *"
@@ -21,7 +22,6 @@ selection=(
   "gnss/gps_record_file_test *"
   "gnss/gps_record_index_test *"
   "gnss/record_faults_test *"
-  "gnss/record_samples_test *"
   "scanning/scan_area_test *"
   "scanning/scan_test *"
   "sphere_geometry/great_circle_arc_test *"

@@ -143,8 +143,9 @@ void ReadColumn(const GPSColumn& column, const ArrowArray& array, std::size_t fi
     values = entries.buffers[1];
   }
   // Laid out as the column reader does it, so that both can be formatted by the same code.
-  Columns::BuffersC shown({std::vector<const GPSColumn*>{&column}}, rows,
-                          isLong ? std::size_t{1} << 21 : 0);
+  const std::size_t size = Columns::SizeOf(column.type);
+  const std::size_t room = isLong ? static_cast<std::size_t>(offsets[rows]) * size : 0;
+  Columns::BuffersC shown({std::vector<const GPSColumn*>{&column}}, rows, room);
   SDI::GPSColumnBuffer& buffer = shown.Get()[0];
   const std::size_t bitmap = (rows + 7) / 8;
   if (array.buffers[0] != nullptr) {
@@ -152,10 +153,9 @@ void ReadColumn(const GPSColumn& column, const ArrowArray& array, std::size_t fi
   } else {
     std::memset(buffer.validity, 0xFF, bitmap);
   }
-  const std::size_t size = Columns::SizeOf(column.type);
   if (isLong) {
     std::memcpy(buffer.offsets, offsets, (rows + 1) * sizeof(std::int64_t));
-    std::memcpy(buffer.values, values, static_cast<std::size_t>(offsets[rows]) * size);
+    std::memcpy(buffer.values, values, room);
   } else {
     std::memcpy(buffer.values, values, column.type == GPSColumnType::kBool ? bitmap : rows * size);
   }

@@ -15,6 +15,7 @@
 #include "tests/gnss/record_model.h"
 #include "tests/gnss/record_pieces.h"
 #include "tests/support/frame_builder.h"
+#include "tests/support/number_of_cases.h"
 #include "tests/support/temp_file.h"
 
 namespace {
@@ -131,7 +132,7 @@ void Damage(ByteVector& bytes, std::mt19937_64& random) {
 
 TEST(ReaderStretchesProperty, OfDamagedFilesJoinToTheWhole) {
   std::mt19937_64 random(20260130);
-  for (int round = 0; round < 1000; ++round) {
+  for (int round = 0; round < TestSupport::NumberOfCases(1000); ++round) {
     SCOPED_TRACE(round);
     ByteVector bytes;
     const std::size_t size = random() % 4 != 0 ? random() % 3000 : 150'000 + random() % 150'000;
@@ -148,7 +149,7 @@ TEST(ReaderStretchesProperty, OfChainsJoinToTheWhole) {
     std::size_t size, step;
   } chains[] = {{100, 50},      {120, 10},        {500, 250},      {500, 50},
                 {5'000, 2'500}, {65'537, 32'768}, {65'537, 21'845}};
-  for (int round = 0; round < 1000; ++round) {
+  for (int round = 0; round < TestSupport::NumberOfCases(1000); ++round) {
     SCOPED_TRACE(round);
     const auto& [size, step] = chains[random() % std::size(chains)];
     ByteVector bytes(random() % 300, 0x11);

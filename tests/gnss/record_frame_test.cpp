@@ -118,19 +118,19 @@ TEST_F(Decoding, EveryFlagsWordOverTheSameBytes) {
       b.U8(static_cast<unsigned>(random_() % (random_() % 4 != 0 ? 3 : 256)));
     }
     ByteVector frame = b.Frame();
-    for (unsigned flags = 0; flags <= 0xFFFF && !HasFailure(); ++flags) {
-      SCOPED_TRACE(testing::Message() << size << ' ' << flags);
+    for (unsigned flags = 0; flags <= 0xFFFF; ++flags) {
       RecordModel::PutU16(frame, 15, flags);
       RecordModel::PutU16(frame, 17, static_cast<unsigned>(random_() & 0xFFFF));
       TestSupport::Seal(frame);
       ++results[Check(frame)];
+      ASSERT_FALSE(HasFailure()) << size << ", word 1 " << flags;
     }
     RecordModel::PutU16(frame, 15, 0x2000);
-    for (unsigned flags = 0; flags <= 0xFFFF && !HasFailure(); ++flags) {
-      SCOPED_TRACE(testing::Message() << size << ", word 2 " << flags);
+    for (unsigned flags = 0; flags <= 0xFFFF; ++flags) {
       RecordModel::PutU16(frame, 17, flags);
       TestSupport::Seal(frame);
       ++results[Check(frame)];
+      ASSERT_FALSE(HasFailure()) << size << ", word 2 " << flags;
     }
   }
   EXPECT_GT(results[0], 10'000U);
@@ -741,9 +741,9 @@ TEST(RecordDecodeName, EverySequenceOfThreeBytes) {
       for (unsigned third = 0; third < 256; third += third < 0x7E ? 21 : 7) {
         const std::string bytes = {static_cast<char>(lead), static_cast<char>(second),
                                    static_cast<char>(third)};
-        SCOPED_TRACE(testing::Message() << lead << ' ' << second << ' ' << third);
         for (std::size_t limit = 0; limit <= 3; ++limit) {
-          ASSERT_NO_FATAL_FAILURE(ExpectDecodedAsTheModelDoes(bytes.substr(0, limit), 5));
+          ASSERT_NO_FATAL_FAILURE(ExpectDecodedAsTheModelDoes(bytes.substr(0, limit), 5))
+              << limit << " of " << lead << ' ' << second << ' ' << third;
         }
       }
     }

@@ -16,6 +16,7 @@
 #include <surveydata/sphere_geometry/sphere_area.h>
 
 #include "tests/support/literal_sphere_area.h"
+#include "tests/support/number_of_cases.h"
 #include "tests/support/ring_generator.h"
 
 namespace SDI {
@@ -91,7 +92,7 @@ TEST(AreaExplanation, OfAnyDirectionIsThatOfTheRulesAndOfThePreparedArea) {
   RingGenerator random(20260301);
   std::size_t seen[8] = {};
   std::size_t inside = 0;
-  constexpr std::size_t kRings = 3000;
+  constexpr std::size_t kRings = TestSupport::NumberOfCases(3000);
   for (std::size_t i = 0; i < kRings; ++i) {
     // The literal rules compare all pairs of the hundreds of edges of a crowded ring, many times
     // for each direction.
@@ -140,7 +141,8 @@ TEST(AreaExplanation, OfAnyDirectionIsThatOfTheRulesAndOfThePreparedArea) {
   EXPECT_EQ(seen[static_cast<std::size_t>(Rule::kDome)], 0u);
   for (const Rule rule : {Rule::kOutOfRange, Rule::kNotValid, Rule::kBand, Rule::kNoSearchLine,
                           Rule::kNoCrossing, Rule::kNothingAbove, Rule::kParity}) {
-    EXPECT_GT(seen[static_cast<std::size_t>(rule)], 20u) << static_cast<int>(rule);
+    EXPECT_GT(seen[static_cast<std::size_t>(rule)], TestSupport::NumberOfCases(20u))
+        << static_cast<int>(rule);
   }
   EXPECT_GT(inside, kRings / 4);
 }

@@ -17,6 +17,7 @@
 #include <surveydata/sphere_geometry/ring_crossings.h>
 
 #include "tests/support/hostile_ring_generator.h"
+#include "tests/support/number_of_cases.h"
 
 namespace GMAT {
 namespace {
@@ -26,7 +27,7 @@ using EdgePair = std::pair<std::size_t, std::size_t>;
 TEST(EdgeSweep, FindsACrossingWhereAPairHasOne) {
   HostileRingGenerator random(2);
   std::size_t counts[3] = {};
-  constexpr std::size_t kRings = 20'000;
+  constexpr std::size_t kRings = TestSupport::NumberOfCases(20'000);
   for (std::size_t i = 0; i < kRings; ++i) {
     const Corners ring = random.Any(8 + random.Below(i % 50 == 0 ? 600 : 60));
     const std::vector<AnglePointC> edges = EdgesOf(ring);
@@ -100,7 +101,7 @@ TEST(EdgeSweep, TestsAllPairsThatAreNear) {
   HostileRingGenerator random(3);
   std::size_t near = 0;
   std::size_t decided = 0;
-  constexpr int kRings = 1500;
+  constexpr int kRings = TestSupport::NumberOfCases(1500);
   for (int i = 0; i < kRings; ++i) {
     const Corners ring = random.ThinRing(6 + random.Below(30));
     const std::vector<AnglePointC> edges = EdgesOf(ring);
@@ -126,7 +127,7 @@ TEST(EdgeSweep, TestsAllPairsThatAreNear) {
     }
   }
   EXPECT_GT(decided, kRings / 2);
-  EXPECT_GT(near, 5000u);
+  EXPECT_GT(near, TestSupport::NumberOfCases(5000u));
 }
 
 TEST(EdgeSweep, TestsFewOthers) {
@@ -156,7 +157,7 @@ TEST(EdgeSweep, ACrossingInThePlaneMeansThatTheEdgesAreWithinReach) {
   Exact farthest = 0;
   Exact farthestOfTiny = 0;
   std::size_t reported = 0;
-  constexpr int kPairs = 200'000;
+  constexpr int kPairs = TestSupport::NumberOfCases(200'000);
   for (int i = 0; i < kPairs; ++i) {
     // Lines that cross, at any angle down to nearly none, a little before or after their ends.
     const double angle = random.Pick({0.0, HALF_PI, PI / 4.0, random.Uniform(0.0, TWO_PI)});

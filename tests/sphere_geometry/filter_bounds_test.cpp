@@ -21,9 +21,12 @@
 #include <surveydata/sphere_geometry/quick_trig.h>
 #include <surveydata/sphere_geometry/ring_curves.h>
 
+#include "tests/support/number_of_cases.h"
+
 namespace GMAT {
 namespace {
 
+using TestSupport::NumberOfCases;
 using Exact = boost::multiprecision::cpp_bin_float_50;
 
 const Exact kExactPi = boost::math::constants::pi<Exact>();
@@ -54,7 +57,7 @@ class FilterBounds : public testing::Test {
 // The worst case: values half a step from where rounding to digits jumps, on both sides.
 TEST_F(FilterBounds, ComparisonsToTenDigits) {
   double used = 0.0;
-  for (int i = 0; i < 400'000; ++i) {
+  for (int i = 0; i < NumberOfCases(400'000); ++i) {
     const double high = (OneIn(2) ? kWidestFrame : TWO_PI) * Uniform(0.9, 1.0);
     const double edge =
         (std::floor(high * 1e10) - 0.5 + (OneIn(2) ? 1e-4 : Uniform(-0.01, 0.01))) * 1e-10;
@@ -68,7 +71,7 @@ TEST_F(FilterBounds, ComparisonsToTenDigits) {
 // The full turns of a frame: their error, and the rounding when an angle is moved by them.
 TEST_F(FilterBounds, TurnsOfAFrame) {
   double used = 0.0;
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < NumberOfCases(100'000); ++i) {
     const double h = Uniform(0.0, TWO_PI);
     const double middle = kWidestFrame * Uniform(0.99, 1.0);
     const double turned = TurnedNextTo(h, middle);
@@ -122,7 +125,7 @@ TEST_F(FilterBounds, VerticesOfEdges) {
 // Probes at the limit of the tolerance next to edges of all lengths.
 TEST_F(FilterBounds, ReachOfTheBand) {
   double used = 0.0;
-  for (int i = 0; i < 200'000; ++i) {
+  for (int i = 0; i < NumberOfCases(200'000); ++i) {
     const double length = OneIn(3) ? kLargeEdge * 0.7 : Scaled(1e-4, 1e3);
     const double angle = OneIn(3) ? 0.0 : Uniform(0.0, TWO_PI);
     const AnglePointC a{Uniform(0.0, 6.0), Uniform(0.0, 3.0)};
@@ -146,7 +149,7 @@ TEST_F(FilterBounds, ReachOfTheBand) {
 // band.
 TEST_F(FilterBounds, LinesOfStrips) {
   double used = 0.0;
-  for (int i = 0; i < 20'000; ++i) {
+  for (int i = 0; i < NumberOfCases(20'000); ++i) {
     const double x = OneIn(2) ? kWidestFrame * Uniform(0.99, 1.0) : Uniform(0.0, TWO_PI);
     const double span = OneIn(2) ? Scaled(2.1e-5, 1.0) : Uniform(0.0, PI);
     const AnglePointC a{x, Uniform(0.0, PI)};
@@ -164,7 +167,7 @@ TEST_F(FilterBounds, LinesOfStrips) {
 
 TEST_F(FilterBounds, QuickCosineAndSine) {
   double used = 0.0;
-  for (int i = 0; i < 40'000; ++i) {
+  for (int i = 0; i < NumberOfCases(40'000); ++i) {
     double x = Uniform(0.0, TWO_PI);
     // Near the middle between two entries of the table, and near an entry.
     if (OneIn(3)) x = (static_cast<double>(random_() % 512) / 2.0) * TrigTableC::kStep;
@@ -180,7 +183,7 @@ TEST_F(FilterBounds, QuickCosineAndSine) {
 
 TEST_F(FilterBounds, QuickArcTangent) {
   double used = 0.0;
-  for (int i = 0; i < 20'000; ++i) {
+  for (int i = 0; i < NumberOfCases(20'000); ++i) {
     const double x = (OneIn(2) ? 1.0 : -1.0) * (OneIn(2) ? Uniform(0.0, 1.0) : Scaled(1e-3, 1e12));
     const Exact error = abs(Exact(QuickArcTangent(x)) - atan(Exact(x)));
     used = std::max(used, error.convert_to<double>());
@@ -214,7 +217,7 @@ bool MakeArc(const AnglePointC& p, const AnglePointC& q, Arc& arc) {
 TEST_F(FilterBounds, CurvesOfArcs) {
   double used = 0.0;
   int steep = 0;
-  for (int i = 0; i < 30'000; ++i) {
+  for (int i = 0; i < NumberOfCases(30'000); ++i) {
     const AnglePointC p{Uniform(0.0, TWO_PI), Uniform(0.01, 3.13)};
     const double span = OneIn(2) ? Scaled(1e-9, 3.0) : Uniform(0.0, 3.0);
     Arc arc;
@@ -233,7 +236,7 @@ TEST_F(FilterBounds, CurvesOfArcs) {
     used = std::max(used, (ofFilter + ofRules).convert_to<double>() / scale);
     steep += scale > 1e6;
   }
-  EXPECT_GT(steep, 30);
+  EXPECT_GT(steep, NumberOfCases(30));
   Expect("kCurveError", used, kCurveError);
 }
 
@@ -243,7 +246,7 @@ TEST_F(FilterBounds, CurvesOfArcs) {
 TEST_F(FilterBounds, SidesOfArcs) {
   double least = 1.0;
   double leastListed = 1.0;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < NumberOfCases(10'000); ++i) {
     const double v = OneIn(2) ? Scaled(kPoleMargin, 1.0) : Uniform(kPoleMargin, PI - kPoleMargin);
     const CosSin at = QuickCosSin(v);
     // A curve whose t is just beyond the margin, above or below.
@@ -273,7 +276,7 @@ TEST_F(FilterBounds, ArcsInOrder) {
   double used = 0.0;
   double least = 1.0;
   int nearlySteepest = 0;
-  for (int i = 0; i < 40'000; ++i) {
+  for (int i = 0; i < NumberOfCases(40'000); ++i) {
     const AnglePointC p{Uniform(0.0, TWO_PI - 0.1), Uniform(0.01, 3.13)};
     const AnglePointC q{p.Hz + Scaled(1e-5, 1e-2), Uniform(0.01, 3.13)};
     Arc arc;
@@ -303,7 +306,7 @@ TEST_F(FilterBounds, ArcsInOrder) {
     const Exact apart = side * (Exact(v) - atan2(Exact(1), beyond));
     least = std::min(least, apart.convert_to<double>());
   }
-  EXPECT_GT(nearlySteepest, 300);
+  EXPECT_GT(nearlySteepest, NumberOfCases(300));
   Expect("kOrderError", used, kOrderError);
   ASSERT_GT(least, 0.0) << "the arc beyond is on the other side";
   Expect("needed in addition to kOrderError", kRoundingMargin + 8.0 * kUnitRoundoff, least);
@@ -313,7 +316,7 @@ TEST_F(FilterBounds, ArcsInOrder) {
 // accepts.
 TEST_F(FilterBounds, CrossingsApart) {
   double least = 1.0;
-  for (int i = 0; i < 200'000; ++i) {
+  for (int i = 0; i < NumberOfCases(200'000); ++i) {
     const double t =
         (OneIn(2) ? 1.0 : -1.0) * (OneIn(2) ? 1.0 / kSteepSine : Scaled(1e-3, 1.0 / kSteepSine));
     const double other = t + (OneIn(2) ? 1.0 : -1.0) * InTangent(kCrossingsApart, t);
@@ -330,7 +333,7 @@ TEST_F(FilterBounds, CrossingsApart) {
 // span is symmetric about the extreme.
 TEST_F(FilterBounds, BulgeOfSinusoids) {
   double used = 0.0;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < NumberOfCases(10'000); ++i) {
     const double span = OneIn(3) ? kShortSpan : Scaled(1e-3, kShortSpan);
     const double first = span * (OneIn(2) ? 0.5 : Uniform(0.0, 1.0));
     const Exact end = std::max(cos(Exact(first)), cos(Exact(span - first)));
@@ -342,7 +345,7 @@ TEST_F(FilterBounds, BulgeOfSinusoids) {
 
 TEST_F(FilterBounds, RiseWithinAColumn) {
   double used = 0.0;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < NumberOfCases(10'000); ++i) {
     const double width = OneIn(2) ? kWidestColumn : Uniform(0.0, kWidestColumn);
     const double first = width * (OneIn(2) ? 0.5 : Uniform(0.0, 1.0));
     const Exact rise = 1 / std::max(cos(Exact(first)), cos(Exact(width - first)));
@@ -353,7 +356,7 @@ TEST_F(FilterBounds, RiseWithinAColumn) {
 
 TEST_F(FilterBounds, ReachAroundAZero) {
   double used = 0.0;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < NumberOfCases(10'000); ++i) {
     const double x = OneIn(2) ? kShortReach : Scaled(1e-12, kShortReach);
     used = std::max(used, (asin(Exact(x)) / Exact(x)).convert_to<double>());
   }
@@ -364,7 +367,7 @@ TEST_F(FilterBounds, ReachAroundAZero) {
 // The vertex of the rules, which determines the ends of the search line, on arcs along the equator.
 TEST_F(FilterBounds, VerticesAlongTheEquator) {
   double used = 0.0;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < NumberOfCases(10'000); ++i) {
     const double offset = OneIn(2) ? Scaled(1e-10, 1e-3) : Uniform(-0.01, 0.01);
     const SpherePointC start(AnglePointC{0.0, HALF_PI + offset});
     const SpherePointC end(AnglePointC{Uniform(0.1, 1.5), HALF_PI + offset * Uniform(-1.0, 2.0)});
@@ -384,7 +387,7 @@ TEST_F(FilterBounds, VerticesAlongTheEquator) {
 // The crossing with a side of a rectangle has the Hz of the line.
 TEST_F(FilterBounds, CrossingsWithSidesOfRectangles) {
   double used = 0.0;
-  for (int i = 0; i < 200'000; ++i) {
+  for (int i = 0; i < NumberOfCases(200'000); ++i) {
     const double width = OneIn(2) ? Scaled(1e-6, TWO_PI) : Uniform(0.0, TWO_PI);
     const double v = Uniform(0.0, PI);
     const double h = width * Uniform(0.0, 1.0);
@@ -399,7 +402,7 @@ TEST_F(FilterBounds, CrossingsWithSidesOfRectangles) {
 // The Hz of the raster, in units of a turn, compared with the Hz of the rules.
 TEST_F(FilterBounds, HzOfTheRaster) {
   double used = 0.0;
-  for (int i = 0; i < 200'000; ++i) {
+  for (int i = 0; i < NumberOfCases(200'000); ++i) {
     const double origin = Uniform(0.0, TWO_PI);
     const double hz = OneIn(3) ? origin : Uniform(0.0, TWO_PI);
     const std::uint32_t start = ToTurnUnits(origin);

@@ -13,10 +13,13 @@
 #include <surveydata/sphere_geometry/ring_curves.h>
 #include <surveydata/sphere_geometry/slab_index.h>
 
+#include "tests/support/number_of_cases.h"
 #include "tests/support/ring_generator.h"
 
 namespace GMAT {
 namespace {
+
+using TestSupport::NumberOfCases;
 
 struct Indexed {
   explicit Indexed(const std::vector<AnglePointC>& points,
@@ -75,7 +78,7 @@ TEST(SlabIndex, ItsDecisionsAreTheAnswersOfTheRules) {
   int decided = 0;
   int inside = 0;
   constexpr int kProbes = 100;
-  for (int i = 0; i < 6000; ++i) {
+  for (int i = 0; i < NumberOfCases(6000); ++i) {
     const std::vector<AnglePointC> points = SomeRing(random, i / 2);
     if (!IsIndexed(points)) continue;
     const Indexed area(points, i % 2 == 0 ? kNever : kAlways);
@@ -94,10 +97,10 @@ TEST(SlabIndex, ItsDecisionsAreTheAnswersOfTheRules) {
       ASSERT_EQ(verdict == Verdict::kInside, area.AskRules(h, probe.V)) << h << ", " << probe.V;
     }
   }
-  EXPECT_GT(rings, 2000);
-  EXPECT_GT(ordered, 500);
-  EXPECT_GT(decided, 100000);
-  EXPECT_GT(inside, 10000);
+  EXPECT_GT(rings, NumberOfCases(2000));
+  EXPECT_GT(ordered, NumberOfCases(500));
+  EXPECT_GT(decided, NumberOfCases(100000));
+  EXPECT_GT(inside, NumberOfCases(10000));
 }
 
 TEST(SlabIndex, TheEdgesItFindsAreEnoughForTheRules) {

@@ -11,6 +11,7 @@
 
 #include "tests/support/compare_areas.h"
 #include "tests/support/literal_sphere_area.h"
+#include "tests/support/number_of_cases.h"
 #include "tests/support/ring_generator.h"
 #include "tests/support/sanitizer.h"
 
@@ -23,21 +24,27 @@ using CompareAreas::CompareRing;
 using CompareAreas::Tally;
 
 // SURVEYDATA_SPHERE_AREA_CASES sets another number of cases.
-constexpr std::uint64_t kDefaultCases = kIsSanitized ? 100'000 : 1'000'000;
+constexpr std::uint64_t kDefaultCases =
+    kIsSanitized ? 100'000 : TestSupport::NumberOfCases(1'000'000);
 
 std::uint64_t NumberOfCases() {
   const char* const text = std::getenv("SURVEYDATA_SPHERE_AREA_CASES");
   return text != nullptr ? std::strtoull(text, nullptr, 10) : kDefaultCases;
 }
 
+// Only called after a failure: it takes as long as a comparison.
+std::string Describe(const AnglePointC& p) {
+  char text[100];
+  std::snprintf(text, sizeof(text), "{%a, %a}, ", p.Hz, p.V);
+  return text;
+}
 std::string Describe(const SphereAreaC& area) {
   std::string text;
-  for (const AnglePointC& p : area.GetPoints()) {
-    char line[100];
-    std::snprintf(line, sizeof(line), "{%a, %a}, ", p.Hz, p.V);
-    text += line;
-  }
+  for (const AnglePointC& p : area.GetPoints()) text += Describe(p);
   return text;
+}
+std::string Describe(const SphereAreaC& area, const AnglePointC& probe) {
+  return Describe(area) + "probe " + Describe(probe);
 }
 
 TEST(SphereAreaProperty, EveryAnswerEqualsTheLiteralRulesBitForBit) {
@@ -51,19 +58,17 @@ TEST(SphereAreaProperty, EveryAnswerEqualsTheLiteralRulesBitForBit) {
       area.AddPoint(p.Hz, p.V);
       rules.AddPoint(p.Hz, p.V);
     }
-    SCOPED_TRACE(Describe(area));
-    ASSERT_NO_FATAL_FAILURE(CompareRing(area, rules, tally));
+    ASSERT_NO_FATAL_FAILURE(CompareRing(area, rules, tally)) << Describe(area);
     std::vector<AnglePointC> edges;
     double hzOrigin = 0.0;
     area.BuildEdgeList(edges, hzOrigin);
     const std::uint64_t probes = area.GetPointCount() > 20 ? 4 : 12;
     for (std::uint64_t i = 0; i < probes; ++i) {
       const AnglePointC probe = random.Probe(edges, hzOrigin, true);
-      SCOPED_TRACE(testing::Message() << std::hexfloat << "probe " << probe.Hz << ", " << probe.V);
       if (i == 0) {
-        ASSERT_NO_FATAL_FAILURE(CompareLines(area, rules, probe, tally));
+        ASSERT_NO_FATAL_FAILURE(CompareLines(area, rules, probe, tally)) << Describe(area, probe);
       }
-      ASSERT_NO_FATAL_FAILURE(CompareProbe(area, rules, probe, tally));
+      ASSERT_NO_FATAL_FAILURE(CompareProbe(area, rules, probe, tally)) << Describe(area, probe);
       ++tally.cases;
     }
   }

@@ -17,9 +17,12 @@ namespace TestSupport {
 
 /// The contents of a file.
 inline std::vector<std::uint8_t> ReadBytes(const std::filesystem::path& path) {
+  std::vector<std::uint8_t> bytes(std::filesystem::file_size(path));
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw std::runtime_error("cannot open " + path.string());
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  if (!in.read(reinterpret_cast<char*>(bytes.data()), std::ssize(bytes))) {
+    throw std::runtime_error("cannot read " + path.string());
+  }
+  return bytes;
 }
 
 /// A new temporary folder, removed by the destructor.

@@ -6,6 +6,7 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -41,7 +42,7 @@ std::string ReadText(const std::string& file) {
   if (!in) throw std::runtime_error("cannot read " + file);
   std::ostringstream text;
   text << in.rdbuf();
-  return text.str();
+  return std::move(text).str();
 }
 
 Bytes ReadBytes(const std::string& file) {
@@ -51,7 +52,7 @@ Bytes ReadBytes(const std::string& file) {
 
 void WriteBytes(const std::string& file, const Bytes& bytes) {
   std::ofstream out(file, std::ios::binary);
-  std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(out));
+  out.write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
   if (!out.flush()) throw std::runtime_error("cannot write " + file);
 }
 

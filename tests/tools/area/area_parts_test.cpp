@@ -21,6 +21,7 @@
 #include <area/area_inside.h>
 #include <area/area_measure.h>
 
+#include "tests/support/number_of_cases.h"
 #include "tests/support/ring_generator.h"
 #include "tests/tools/program.h"
 
@@ -183,7 +184,7 @@ TEST(SolidAngle, OfPolygonsIsTheirSphericalExcess) {
 
 // The solid angle of the inside, estimated with random directions.
 double Thrown(const AreaFile& file, double& deviation) {
-  constexpr int kThrows = 200'000;
+  constexpr int kThrows = TestSupport::NumberOfCases(200'000);
   std::mt19937_64 random(77);
   std::uniform_real_distribution<double> uniform(0, 1);
   int hits = 0;
@@ -259,7 +260,7 @@ TEST(SolidAngle, OfPolygonsThatCrossPolesLimitsAndThemselvesFollowsTheRules) {
   RingGenerator random(5);
   int compared = 0;
   int different = 0;
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < TestSupport::NumberOfCases(300); ++i) {
     const AreaFile file = MakeArea(std::make_unique<SDI::ScanPolygonAreaC>(),
                                    i % 5 == 0 ? random.CrowdedRing() : random.Ring(12, false));
     if (file.Sphere().GetPoints().size() < 3 || !Tool::MeasureBounds(file)) continue;
@@ -268,7 +269,7 @@ TEST(SolidAngle, OfPolygonsThatCrossPolesLimitsAndThemselvesFollowsTheRules) {
     different += std::fabs(Measured(file).steradians - expected) > kSlack ? 1 : 0;
   }
   EXPECT_EQ(different, 0);
-  EXPECT_GT(compared, 180);
+  EXPECT_GT(compared, TestSupport::NumberOfCases(180));
 }
 
 TEST(CountDirections, CountsTheGridThatBeginsAtTheLowerBounds) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/number_of_cases.h"
 #include "tests/tools/program.h"
 
 namespace {
@@ -172,8 +173,10 @@ TEST(RecordShow, ShowsBytesAfterTheLastBlockAsUnused) {
 
 // As with their offsets, one after another.
 TEST(RecordShow, ShowsTheMeasurementsThatFiltersTake) {
+  // The program runs three times for each record that is shown alone.
+  const std::string every = std::to_string(5 * TestSupport::kOneCaseIn);
   const std::vector<std::string> filters[] = {
-      {"--where", "pdop > 1.5", "--every", "5"},
+      {"--where", "pdop > 1.5", "--every", every},
       {"--from", "2020-02-07T02:20:00", "--to", "2020-02-07T02:20:10"}};
   for (const auto& filter : filters) {
     const auto show = [&](const std::string& command, const std::vector<std::string>& more) {
