@@ -21,7 +21,7 @@ class UpdaterC {
   // The vertical height, though the kind may say that it is a slant height.
   void operator()(AntennaHeight& antenna) const {
     const GPSAntHeightImplC none;
-    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): without a measurement, flags lack this block
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): null only if flags lack this block
     const bool isSet = (measurement_->GetSetMask() & GPSMeasDataImplC::kHasAntennaHeight) != 0;
     const GPSAntHeightImplC& held = isSet ? measurement_->GetAntennaHeight() : none;
     bool isVertical = true;
