@@ -183,7 +183,7 @@ def test_a_locked_file_checks_what_it_is_given(data: Path, tmp_path: Path) -> No
         (numbers, np.zeros(2, np.uint64)),
         (np.zeros(4, np.uint64)[::2], np.zeros(2, np.uint64)),
     ):
-        with pytest.raises(ValueError, match="needed"):
+        with pytest.raises(ValueError, match="expected"):
             file.change(offsets, sizes, None, 1, None, False, True)
     with pytest.raises(OSError, match="changed"):
         file.change(numbers, np.array([7], np.uint64), None, 1, None, False, True)
