@@ -68,8 +68,8 @@ TEST(TPSMeasData, TellsTextsApartByCaseAndLength) {
 TEST(TPSMeasData, IsEqualWhateverTheOrderInWhichItWasSet) {
   TPSMeasDataC forwards, backwards;
   const auto fields = Records::FieldsOf<TPSMeasDataC>();
-  for (std::size_t i = 0; i < fields.size(); ++i) fields[i].fill(forwards, static_cast<int>(i));
-  for (std::size_t i = fields.size(); i-- > 0;) fields[i].fill(backwards, static_cast<int>(i));
+  for (std::size_t i = 0; i < fields.size(); ++i) fields[i].Fill(forwards, static_cast<int>(i));
+  for (std::size_t i = fields.size(); i-- > 0;) fields[i].Fill(backwards, static_cast<int>(i));
   EXPECT_TRUE(forwards.IsEqual(backwards)) << Records::DifferingFields(forwards, backwards);
 }
 
