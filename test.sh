@@ -22,8 +22,8 @@ usage: ./test.sh [PART]
   --page          build the page for the browser and test it in Chromium
   --python        build, install and test the Python package, in build/python
   --python-asan   test the extension module of the package with sanitizers, in build/python/asan
-  --engines       test the Python package with the engines for archives, in build/engines;
-                  --engines --measure takes the figures of docs/scale.md instead
+  --engines       test the Python package with the query engines, in build/engines;
+                  --engines --measure measures the figures of docs/scale.md instead
   --docs          build the documentation site, check its links and test it in Chromium, in build/site
 END
   exit 2

@@ -59,7 +59,7 @@ void PerProbe(benchmark::State& state, std::size_t probes) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(probes));
 }
 
-// Every benchmark of probes tests all of them in one iteration; items_per_second is its rate.
+// Every benchmark of probes tests all of them in each iteration; items_per_second counts probes.
 
 void BM_ProbeBatch(benchmark::State& state, Ring ring) {
   SDI::ScanPolygonAreaC area;
@@ -198,7 +198,7 @@ void BM_PrepareMany(benchmark::State& state, Ring ring) {
   }
 }
 
-// From directions to an index that is built, as `BM_Prepare` starts from directions.
+// From directions to a complete index, because `BM_Prepare` starts from directions, too.
 void BM_PrepareS2(benchmark::State& state, Ring ring) {
   const std::vector<Direction> corners = ring(Size(state));
   for (auto _ : state) {

@@ -6,7 +6,7 @@
 The input is copies of the sample valley_drive.rec. Times are elapsed times, so the machine must be idle. For
 comparison, two programs with one job each run at the same time: their speed is what the two cores allow at that
 moment, which can be less than twice that of one if the processor is virtual. Runs of one job, of two jobs and of
-two programs alternate; figures are medians, after one run of each that is not counted.
+two programs alternate; figures are medians, after one warm-up run of each.
 """
 
 from __future__ import annotations
@@ -53,7 +53,7 @@ def main() -> None:
     parser.add_argument("program")
     parser.add_argument("--megabytes", type=int, default=132)
     parser.add_argument("--runs", type=int, default=9)
-    parser.add_argument("command", nargs="*", help=f"of {', '.join(COMMANDS)}; all by default")
+    parser.add_argument("command", nargs="*", help=f"any of {', '.join(COMMANDS)}; all by default")
     options = parser.parse_intermixed_args()
     commands = options.command or list(COMMANDS)
     for name in commands:

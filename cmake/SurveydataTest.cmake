@@ -1,5 +1,5 @@
-# surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]): builds one
-# test program from <name>.cpp.
+# surveydata_test(<name> [INTERNAL] [PROPERTY] [EXHAUSTIVE] [LABEL ...] [LIBRARIES ...]
+#                 [HEADERS ...]): builds one test program from <name>.cpp.
 #
 # INTERNAL links the static library, so that the test can use internal symbols. PROPERTY adds
 # RapidCheck, with the parameters in a cache variable. LABEL is the ctest label, by default unit or

@@ -1,4 +1,4 @@
-# Sourced by demo.sh and test.sh. install_dependencies PACKAGE... installs the missing Debian
+# Sourced by demo.sh, test.sh and others. install_dependencies PACKAGE... installs the missing Debian
 # packages. If none is missing, it returns quickly and prints nothing.
 
 install_dependencies() {
@@ -59,7 +59,7 @@ tidy_packages=(clang clang-tidy cppcheck)
 # Additional packages for the Python package. Those from PyPI are in python/requirements-test.txt.
 python_packages=(python3-dev python3-venv)
 
-# Additional packages for the engines for archives. Those from PyPI are in python/requirements-engines.txt
+# Additional packages for the query engines. Those from PyPI are in python/requirements-engines.txt
 # and python/requirements-spark.txt.
 engine_packages=(openjdk-17-jre-headless)
 

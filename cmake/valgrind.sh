@@ -36,7 +36,7 @@ for entry in "${selection[@]}"; do
 done
 cmake --build --preset dev --target "${targets[@]}" >/dev/null
 
-# Runs a command, a line with tabs between its words, and prints its output when it ends, because
+# Runs a command, given as a line of tab-separated words. Prints its output when it ends, because
 # others run at the same time. soname-synonyms keeps valgrind from replacing a program's own operator
 # `new`, which injects allocation failures.
 checked() {

@@ -101,7 +101,7 @@ def examples() -> dict[str, str]:
             )
     sources = sorted((ROOT / "python" / "examples").glob("*.py"))
     if {source.stem for source in sources} != set(PYTHON_EXAMPLES):
-        raise SystemExit("collect.py: the list of Python examples is not that of the folder")
+        raise SystemExit("collect.py: the list of Python examples does not match the folder")
     for source in sources:
         output, picture = run_python_example(source.stem)
         call = " ".join([*PYTHON_EXAMPLES[source.stem][0], PYTHON_EXAMPLES[source.stem][1] or ""])
@@ -118,9 +118,9 @@ def examples() -> dict[str, str]:
 
 
 def with_output(page: str, tools: Path) -> str:
-    """The page with the output of the commands in its blocks of kind console.
+    """The page with the output of the commands in its console blocks.
 
-    Blocks of C++ and Python must consist of lines from examples that run as tests.
+    Each block of C++ or Python must be an excerpt of code that runs as a test.
     """
     documents = ("README.md", "docs/python.md")
     tested = {
@@ -147,7 +147,7 @@ def with_output(page: str, tools: Path) -> str:
                     text=True,
                 )
                 if done.returncode > 1 or not done.stdout:
-                    raise SystemExit(f"collect.py: {command}ends with {done.returncode}")
+                    raise SystemExit(f"collect.py: {command}exits with {done.returncode}")
             out += f"$ {command}{done.stdout}"
         return f"```console\n{out}```"
 

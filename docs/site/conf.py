@@ -1,4 +1,4 @@
-"""Settings of Sphinx for the site, whose sources `collect.py` collects."""
+"""Sphinx settings for the site, whose sources `collect.py` collects."""
 
 import ast
 import inspect
@@ -51,7 +51,7 @@ html_theme_options = {
 class LinkNames(SphinxPostTransform):
     """Turns names in backquotes into links.
 
-    Names of C++ and C lead to doxygen's pages, commands to the manual, names of Python to its
+    C++ and C names link to doxygen's pages, commands to the manual, Python names to the Python
     reference.
     """
 

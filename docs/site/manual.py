@@ -3,7 +3,7 @@
 import re
 import textwrap
 
-# The roff requests that the manual page uses; any other is an error.
+# The roff escapes that the manual page uses; any other is an error.
 _SPECIAL = {"\\e": "\\", "\\-": "-", "\\(aq": "'", "\\(dq": '"', "\\&": "", "\\ ": "\xa0"}
 
 
@@ -36,12 +36,12 @@ def _escaped(text: str) -> str:
 
 
 def anchor(heading: str) -> str:
-    """The anchor that the site gives to a heading."""
+    """The anchor that the site gives a heading."""
     return re.sub(r"[^a-z0-9_ -]", "", heading.lower()).replace(" ", "-")
 
 
 def commands(page: str) -> list[str]:
-    """The commands in their order: "surveydata record", "surveydata record list", ..."""
+    """The commands in order: "surveydata record", "surveydata record list", ..."""
     return [_plain(name) for name in re.findall(r"^\.SS (.*)$", page, re.MULTILINE)]
 
 
@@ -82,7 +82,7 @@ def to_markdown(page: str) -> str:
         if request == ".SS":
             title = _plain(text)
             skipped = False
-            level = "###" if title in synopses else "##"  # of a task, or with commands
+            level = "###" if title in synopses else "##"  # a command, or a group of commands
             out.append(f"\n{level} {title}\n")
             if title in synopses:
                 out.append(f"```text\n{synopses[title]}\n```\n")

@@ -62,7 +62,7 @@ void AppendWhole(Text text, const char16_t* units, std::size_t count) {
 }
 
 // Compilers assume that no object is longer than PTRDIFF_MAX. Where that is 2^31 - 1, they would
-// remove the check for longer texts, although such a text fits the address space.
+// remove the check for longer texts, although such a text fits in the address space.
 std::size_t LengthOf(const char* s) {
   if constexpr (sizeof(std::size_t) > sizeof(std::int32_t)) {
     return std::strlen(s);
@@ -112,10 +112,10 @@ std::size_t LengthOf(const char* s) {
   return all < 256;
 }
 
-// The unchecked formatter of the C library. With FORTIFY, `std::vsnprintf` is a checked function
-// that ends the process at a `%n` in a writable format, but `Format` supports `%n` in any format.
-// The other check, of the buffer's size, is not needed, because the size is passed. Only `Format`
-// calls this.
+// The unchecked formatter of the C library. With _FORTIFY_SOURCE, `std::vsnprintf` is a checked
+// function that aborts the process on a `%n` in a writable format string, but `Format` supports
+// `%n` in any format string. The other check, of the buffer's size, is not needed, because the size
+// is passed. Only `Format` calls this.
 int FormatUnchecked(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
 #if defined(__GNUC__) && !defined(_WIN32)
   return __builtin_vsnprintf(buffer, size, format, arguments);

@@ -78,7 +78,7 @@ class SURVEYDATA_API ScanAreaImplC : public ScanDefinitionImplC {
 /// The directions around the instrument that a scan covers.
 ///
 /// An area accepts any points and steps; `IsValid` checks them. The caller defines the meaning of
-/// the settings A to E and of the limits: they are stored, copied and partly compared.
+/// the settings A to E and of the limits: they are stored and copied, and some are compared.
 class SURVEYDATA_API ScanAreaC : public ScanDefinitionC {
  public:
   /// Takes ownership of `impl`; a public object that owned it before is destroyed.

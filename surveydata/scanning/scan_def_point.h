@@ -46,9 +46,9 @@ class SURVEYDATA_API ScanDefPointImplC : public API::ImplC<ScanDefPointImplC, Sc
 /// A direction of the instrument, with a distance if one is known: the point by which scan areas
 /// are defined.
 ///
-/// Angles are in radians, V is measured from the zenith; the largest finite double means an
-/// angle that is not set, as both are at first. Distances are in metres; a point whose distance is
-/// not above 0 has none, -1 at first. Every value is stored as given.
+/// Angles are in radians, V is measured from the zenith. An angle that is not set is the largest
+/// finite double; in a new point neither is set. Distances are in metres. A point whose distance is
+/// not above 0 has none; a new point has the distance -1. Every value is stored as given.
 class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
  public:
   ScanDefPointC();
@@ -70,8 +70,8 @@ class SURVEYDATA_API ScanDefPointC : public API::HandleC<ScanDefPointImplC> {
   /// Whether the distance is above 0.
   bool HasDistance() const;
 
-  /// Whether both angles agree to less than the smallest normal double, so in effect exactly. The
-  /// distance is not compared.
+  /// Whether both angles differ by less than the smallest normal double, so in effect not at all.
+  /// The distance is not compared.
   bool IsEqual(const ScanDefPointC& other) const;
   /// The same as `IsEqual`, and its negation.
   /// @{

@@ -8,7 +8,7 @@
 #include <limits>
 
 /// \file
-/// Directions and the comparisons of angles with decimal tolerances. Angles are in radians.
+/// Directions, and comparisons of angles with decimal tolerances. Angles are in radians.
 /// Functions that are not defined here are not exported.
 
 namespace GMAT {
@@ -59,7 +59,7 @@ bool AtLeast(double a, double b, std::uint16_t digits = kDigits);
 /// Whether `a` is at most `b` at `digits` decimal digits.
 bool AtMost(double a, double b, std::uint16_t digits = kDigits);
 
-/// A full turn has 400 gon.
+/// Converts gon to radians; a full turn is 400 gon.
 constexpr double GonToRad(double gon) { return gon / 200.0 * PI; }
 
 /// The width of the boundary band, half of it on either side: directions in it count as inside.
@@ -77,8 +77,8 @@ inline double NormalizeAngle(double a) {
 ///         [-100, 100], or if no number of turns moves `a` into the range, to 10 decimal digits.
 bool WrapIntoRange(double& a, double lo, double hi);
 
-/// The bits of a double. Those of doubles that are not negative have the order of the doubles;
-/// those of all others, including -0.0 and NaN, are greater.
+/// The bits of a double. Those of non-negative doubles sort like the doubles themselves; those of
+/// all others, including -0.0 and NaN, are greater.
 inline std::uint64_t OrderedBits(double x) { return std::bit_cast<std::uint64_t>(x); }
 
 /// Whether both are in [0, 2 pi]; false for -0.0.

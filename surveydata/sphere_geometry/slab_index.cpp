@@ -12,7 +12,7 @@ namespace {
 
 // Narrower frames get columns as if they were this wide.
 constexpr double kMinWidth = 1e-3;
-// A frame that lacks less than this of a full turn counts as a full turn.
+// A frame that falls short of a full turn by less than this counts as a full turn.
 constexpr double kNarrowGap = 1e-3;
 constexpr std::uint32_t kMostBuckets = 1U << 16;
 // Limits for the number of stored intervals of 16 bytes: a ring that crosses itself everywhere has
@@ -208,8 +208,8 @@ class SlabIndexC::BuilderC {
   bool AllCount(const ArcCurve& curve, const Point& from, const Point& to) const {
     return line_.AllCount(RangeOf(curve, from, to));
   }
-  // The rules may count a curve slightly beyond its ends. A steep one may be anywhere there, so the
-  // rules must include it.
+  // The rules may count a curve slightly beyond its ends. A steep one may be anywhere there, so it
+  // is never left out.
   bool NoneCounts(const ArcCurve& curve, const Point& from, const Point& to) const {
     if (curve.kind != ArcCurve::kArc) return false;
     const double change = kColumnOverlap * (std::fabs(curve.a) + std::fabs(curve.b));
@@ -293,8 +293,8 @@ std::vector<std::uint32_t> SlabIndexC::FindEdgesOfCells(double h) const {
 }
 
 /// The crossings of one meridian to which the rules are applied: with the edges in cells, and with
-/// those edges in order that are not clear of the direction or of another crossing. Each of the
-/// others counts once, on a known side.
+/// those edges on the ordered list that are not clear of the direction or of another crossing. Each
+/// other edge on the list counts once, on a known side.
 class SlabIndexC::OpenCrossingsC {
  public:
   OpenCrossingsC(const SlabIndexC& index, const AreaFrame& frame, double h)
@@ -351,7 +351,7 @@ class SlabIndexC::OpenCrossingsC {
     order_ = sorted_;
   }
 
-  // Collects the edges in order that are not clear of V. Returns the number of edges below V.
+  // Collects the edges on the list that are not clear of V. Returns the number of edges below V.
   std::size_t AskNear(double v) {
     const CosSin atV{std::cos(v), std::sin(v)};
     const auto isClear = [&](std::size_t i) {
@@ -370,12 +370,12 @@ class SlabIndexC::OpenCrossingsC {
   std::span<const ColumnOrderC::Item> order_;
   std::vector<ColumnOrderC::Item> sorted_;
   std::vector<double> crossings_;
-  std::vector<std::size_t> asked_;  // indices in the order
+  std::vector<std::size_t> asked_;  // indices on the list
 };
 
 bool SlabIndexC::AskRules(const AreaFrame& frame, double h, double v) const {
   const std::size_t column = grid_.ColumnOf(h);
-  // An edge in order may end next to a border, where it is not certain whether it counts.
+  // An edge on the list may end next to a border, where it is not certain whether it counts.
   const bool isInOrder = !order_.Get(column).empty() && IsRegular(h, v) &&
                          h > grid_.GetBorder(column) + kColumnOverlap &&
                          h < grid_.GetBorder(column + 1) - kColumnOverlap;

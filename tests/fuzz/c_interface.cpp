@@ -88,7 +88,7 @@ void ExpectFields(std::span<const std::uint8_t> frame, surveydata_status decoded
   }
 }
 
-// What can be encoded decodes to the same.
+// A measurement that can be encoded decodes with the same set and status bits.
 void ExpectEncoding(const surveydata_measurement& measurement) {
   Frame frame;
   std::size_t size = 0;
@@ -103,7 +103,7 @@ void ExpectEncoding(const surveydata_measurement& measurement) {
   surveydata_status again = SURVEYDATA_FAILED;
   surveydata_measurement decoded = Decode({frame.data(), size}, again);
   EXPECT_EQ(again, SURVEYDATA_OK);
-  // A bit or a value that is not present may be left out.
+  // Values that are not present may be left out, so only the bits are compared.
   decoded.block = measurement.block;
   EXPECT_EQ(decoded.set_mask, measurement.set_mask);
   EXPECT_EQ(decoded.status_mask, measurement.status_mask);

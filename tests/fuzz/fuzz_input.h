@@ -12,8 +12,8 @@
 
 namespace Fuzz {
 
-/// The bytes of an input, consumed in order. After the end come zeros, so that every input is
-/// valid.
+/// The bytes of an input, consumed in order. A number read past the end is filled with zeros, so
+/// that every input is valid.
 class InputC {
  public:
   explicit InputC(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
@@ -53,10 +53,10 @@ class InputC {
 }  // namespace Fuzz
 
 extern "C" {
-/// The functions that every target defines. Targets use the assertions of GoogleTest.
+/// Every target defines this. Targets use the assertions of GoogleTest.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-/// Called once before the first input: makes a failing assertion end the process, which is a
-/// finding.
+/// Called once before the first input: makes a failing assertion end the process, which counts as
+/// a finding. Linked into every target.
 int LLVMFuzzerInitialize(int* argc, char*** argv);
 }
 

@@ -956,7 +956,7 @@ TEST(MeasData, SettersStoreInItsImplementation) {
   meas.SetValues(values, 5);
   EXPECT_EQ(meas.GetValueCount(), 2);
   EXPECT_EQ(meas.GetValue(1), 2);
-  // An antenna height that it cannot read sets no bit.
+  // An antenna height that the measurement cannot read sets no bit.
   GPSMeasDataC other;
   other.SetAntennaHeight(GPSAntHeightC(new ODM::GPSAntHeightC(1.5F, false, 0.25F)));
   EXPECT_EQ(other.GetImpl()->GetSetMask(), 0);

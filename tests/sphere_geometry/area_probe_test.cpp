@@ -26,16 +26,16 @@ TEST(AreaProbe, TheBandIsMeasuredAtHzPlusTheOriginInTheFirstTurn) {
   EXPECT_NEAR(BandProbe(-TWO_PI + 2e-10, 0.5, 0.0).Hz, 2e-10, 1e-15);
 }
 
-TEST(AreaProbe, LiesBesideAnEdgeWhenNoEndIsFartherThanTheOther) {
+TEST(AreaProbe, LiesBesideAnEdgeWhenNoEndIsFartherThanItsLength) {
   const AnglePointC a{0.0, 1.0};
   const AnglePointC b{2.0, 1.0};
   EXPECT_TRUE(IsBeside({1.0, 1.5}, a, b));
-  EXPECT_TRUE(IsBeside(a, a, b)) << "the other end is one length of the edge away";
+  EXPECT_TRUE(IsBeside(a, a, b)) << "the other end is one edge length away";
   EXPECT_TRUE(IsBeside(b, a, b));
   EXPECT_FALSE(IsBeside({2.1, 1.0}, a, b));
   EXPECT_FALSE(IsBeside({-0.1, 1.0}, a, b));
   EXPECT_FALSE(IsBeside({1.0, 2.8}, a, b))
-      << "at sqrt 3 above the middle, both ends are equally far";
+      << "at sqrt 3 above the middle, both ends are one edge length away";
   EXPECT_TRUE(IsBeside({1.0, 2.7}, a, b));
 }
 
@@ -51,7 +51,7 @@ TEST(AreaProbe, TheBandEndsAtHalfOfTheToleranceToTenDigits) {
     EXPECT_TRUE(IsNearBox({1.0, 1.0 + side * (half + 0.9e-10)}, a, b));
   }
   EXPECT_FALSE(IsInBand({2.0 + 1e-6, 1.0}, a, b)) << "beyond the end";
-  EXPECT_FALSE(IsInBand(a, a, a)) << "an edge without length has no line";
+  EXPECT_FALSE(IsInBand(a, a, a)) << "an edge of length 0 has no line";
 }
 
 TEST(AreaProbe, IsInsideWithOneCrossingAboveAndAnOddNumberBelow) {
@@ -61,7 +61,7 @@ TEST(AreaProbe, IsInsideWithOneCrossingAboveAndAnOddNumberBelow) {
   EXPECT_FALSE(IsInside({0.5, 2.0, 3.0}, 1.0));
   EXPECT_TRUE(IsInside({0.1, 0.2, 0.5, 2.0}, 1.0)) << "those above are not counted";
   EXPECT_FALSE(IsInside({}, 1.0));
-  // The zenith inside replaces a crossing above.
+  // If the zenith is inside, no crossing above is needed.
   EXPECT_TRUE(IsInside({2.0}, 1.0, true));
   EXPECT_FALSE(IsInside({2.0}, 1.0, false));
   EXPECT_FALSE(IsInside({}, 1.0, true));

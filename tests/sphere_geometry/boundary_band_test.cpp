@@ -79,7 +79,7 @@ TEST(BoundaryBand, ContainsTheBandsOfEdgesInOrder) {
 }
 
 // The probe lies in the first turn for any width of the frame.
-TEST(BoundaryBand, CoversTheFirstTurnOfARingOfTwo) {
+TEST(BoundaryBand, CoversTheFirstTurnOfARingOfTwoTurns) {
   std::vector<AnglePointC> points;
   for (int i = 0; i < 40; ++i) points.push_back({NormalizeAngle(0.3 * i), 1.0 + 0.01 * i});
   AreaFrame frame;

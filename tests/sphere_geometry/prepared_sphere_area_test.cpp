@@ -93,8 +93,8 @@ TEST(PreparedSphereArea, DirectionsAreWrappedFirst) {
   }
 }
 
-// A block of a batch takes the fast path only for doubles in [0, 2 pi]; here each kind has both
-// its neighbours in the block.
+// In a batch, only doubles in [0, 2 pi] take the fast path; here directions with other doubles
+// alternate with one that takes it.
 TEST(PreparedSphereArea, ABatchAnswersAnyDouble) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const double values[] = {
@@ -109,13 +109,13 @@ TEST(PreparedSphereArea, ABatchAnswersAnyDouble) {
     }
   }
   ExpectSameAnswers(MakeArea(kSquare), probes);
-  // It contains Hz 0, and the zenith.
+  // An area that contains Hz 0, and one that contains the zenith.
   ExpectSameAnswers(MakeArea({{6.0, 1.0}, {1.0, 1.0}, {1.0, 2.0}, {6.0, 2.0}}), probes);
   ExpectSameAnswers(MakeArea({{0.0, 1.0}, {2.0, 1.0}, {4.0, 1.2}}), probes);
 }
 
 TEST(PreparedSphereArea, HzAtTheEndsOfTheTurn) {
-  // The frame begins at Hz 0, or just before it.
+  // The frame begins at Hz 0, next to it, or well before it.
   for (const double begin : {0.0, 1e-12, 1e-9, TWO_PI - 1e-12, 6.0}) {
     const SphereAreaC area = MakeArea({{begin, 1.0},
                                        {NormalizeAngle(begin + 1.0), 1.0},

@@ -122,7 +122,7 @@ TEST(SlabIndex, TheEdgesItFindsAreEnoughForTheRules) {
 // Below the end of the search line nothing counts. Still, at an Hz slightly beyond the end of an
 // edge that leads there almost along a meridian, the crossing may lie above the end of the line.
 TEST(SlabIndex, FindsEdgesThatCountBeyondAnEndBelowTheSearchLine) {
-  // The fifth edge ends at V = 2.524; 4e-11 further east, the rules have a crossing at V = 2.500.
+  // The fifth edge ends at V = 2.524; 4e-11 further east, the rules find a crossing at V = 2.500.
   const Indexed area({{0.0, 2.1804076942357176},
                       {3.0910735542446068, 0.50542331804152552},
                       {4.9421616411627385, 2.5243104999406962},
@@ -260,8 +260,8 @@ TEST(SlabIndex, AppliesTheRulesWhereCrossingsOnAListCountAsOne) {
   EXPECT_GT(inside, 500);
 }
 
-// The edges of several turns, nearly on each other. Where three or more swap, an edge may
-// be close to one that is not its neighbour on the list.
+// The edges of several turns, nearly on top of each other. Where three or more swap, an edge may be
+// close to one that is not its neighbour on the list.
 TEST(SlabIndex, AppliesTheRulesWhereManyEdgesOnAListSwap) {
   RingGenerator random(10);
   int ordered = 0;
@@ -326,7 +326,7 @@ TEST(SlabIndex, LeavesTheHzOfACrossingOfEdgesToTheRules) {
   }
 }
 
-// A ring around the zenith with many more crossings than intervals are stored for.
+// A ring around the zenith with many more crossings than the index stores intervals.
 TEST(SlabIndex, TakesALimitedAmountOfMemoryForARingThatCrossesItself) {
   std::mt19937_64 random(3);
   std::uniform_real_distribution<double> uniform(0.0, 1.0);
@@ -338,7 +338,7 @@ TEST(SlabIndex, TakesALimitedAmountOfMemoryForARingThatCrossesItself) {
   }
   ASSERT_TRUE(IsIndexed(points));
   const Indexed area(points);
-  // The capacity is that of the largest number of intervals at any time, at most doubled.
+  // The capacity is at most twice the largest number of intervals at any time.
   EXPECT_LE(area.slabs->GetIntervals().GetIntervals().capacity(), std::size_t{2} << 20);
   for (int i = 0; i < 100; ++i) {
     const double h = TWO_PI * uniform(random);

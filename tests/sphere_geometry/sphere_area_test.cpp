@@ -92,7 +92,7 @@ TEST(SphereArea, FewerThanTwoPointsAnswerFalseAndLeaveTheBounds) {
     EXPECT_EQ(area.DistanceToBoundary(1.0, 1.0), std::numeric_limits<double>::max());
     std::vector<AnglePointC> out(1);
     EXPECT_FALSE(area.SearchLine({1.0, 1.0}, true, out));
-    EXPECT_EQ(out.size(), 1u) << "a search that fails early leaves its result";
+    EXPECT_EQ(out.size(), 1u) << "a search that fails early leaves the output unchanged";
   }
 }
 
@@ -198,7 +198,7 @@ TEST(SphereArea, ABowTieIsNotValid) {
   EXPECT_FALSE(Area({{6.0, 1.0}, {0.3, 1.5}, {0.3, 1.0}, {6.0, 1.5}}).IsValid());
 }
 
-// Star-shaped about no point, so that its edges are compared.
+// Not star-shaped, so its edges are compared with each other.
 TEST(SphereArea, ACombIsValid) {
   const std::vector<AnglePointC> comb = {{1.0, 1.0}, {1.2, 1.5}, {1.4, 1.0}, {1.6, 1.5},
                                          {1.8, 1.0}, {2.0, 1.5}, {2.2, 1.0}, {2.2, 2.0},
@@ -452,8 +452,8 @@ TEST(SphereArea, EdgesBulgeAndWidenTheBounds) {
 }
 
 TEST(SphereArea, TheSecondVertexCandidateFollowsItsFormula) {
-  // An edge of more than a quarter turn that crosses the horizon: the vertex opposite to that of
-  // its start lies in its span, and counts with 2 pi - V.
+  // An edge of more than a quarter turn that crosses the horizon: the vertex opposite that of its
+  // start lies within its span, and enters the bounds as 2 pi - V.
   const std::vector<AnglePointC> ring = {{0.5, 1.2}, {3.4, 1.9}, {2.0, 2.2}};
   const GreatCircleArcC arc{SpherePointC({3.4 - 0.5, 1.9}), SpherePointC({0.0, 1.2})};
   double lat = 0.0;
@@ -468,8 +468,8 @@ TEST(SphereArea, TheSecondVertexCandidateFollowsItsFormula) {
 }
 
 TEST(SphereArea, WhatAnEdgeReachesBeyondTheBoundsIsOutside) {
-  // The first edge rises from V = 70 to 69.6 degrees at Hz = 71 degrees. The vertex is taken from
-  // its other end, below the horizon, and the opposite candidate is not that point.
+  // The first edge rises from V = 70 to 69.6 degrees at Hz = 71 degrees. The vertex is computed
+  // from the other end, below the horizon, and the opposite candidate is a different point.
   constexpr double kDegree = PI / 180.0;
   const SphereAreaC area = Area({{60 * kDegree, 70 * kDegree},
                                  {190 * kDegree, 100 * kDegree},
@@ -502,19 +502,19 @@ TEST(SphereArea, EdgeListIsUnwrappedAndBeginsAtZero) {
   EXPECT_EQ(edges[1].Hz, 0.0);
   EXPECT_NEAR(edges[0].Hz, 0.3 + TWO_PI - 6.0, 1e-15);
   EXPECT_NEAR(hzOrigin, 6.0, 1e-15);
-  // Points that are not in the first turn: the origin is.
+  // The points are outside the first turn, but the origin is in it.
   ASSERT_TRUE(Area({{9.0, 1.0}, {9.5, 1.1}, {9.2, 1.5}}).BuildEdgeList(edges, hzOrigin));
   EXPECT_EQ(edges[1].Hz, 0.5);
   EXPECT_EQ(hzOrigin, NormalizeAngle(9.0));
 }
 
 TEST(SphereArea, TheDistanceIsMeasuredAtHzPlusTheOrigin) {
-  // Edges begin at Hz 0 of their frame, and the probe moves to Hz + 1.
+  // Edges begin at Hz 0 of their frame, and the probe is shifted to Hz + 1.
   const SphereAreaC area = Area(kQuad);
   EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.5, 1.2), 0.2, 1e-15);
   EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.95, 1.2), 0.05, 1e-15);
   EXPECT_EQ(area.DistanceToBoundary(4.0, 1.2), std::numeric_limits<double>::max())
-      << "beside no edge";
+      << "not beside any edge";
   // The closing edge, at Hz 1, is not measured: the nearest is the upper edge.
   EXPECT_NEAR(area.DistanceToBoundary(-1.0 + 0.05, 1.1), 0.1, 1e-15);
 }
@@ -549,7 +549,7 @@ TEST(SphereArea, PolygonsAtThePolesAndMeridians) {
   EXPECT_FALSE(octant.Contains(2.5, 0.1));
   EXPECT_FALSE(octant.Contains(4.0, 0.1));
   EXPECT_FALSE(octant.Contains(1.0, 1.7));
-  // Two edges over the zenith, on one meridian: a half of the cap.
+  // The closing edge passes over the zenith: half of the cap.
   const SphereAreaC half = Area({{0.0, 0.6}, {1.5, 0.6}, {PI, 0.6}});
   EXPECT_TRUE(half.Contains(1.5, 0.3));
   EXPECT_FALSE(half.Contains(4.5, 0.3));
@@ -604,7 +604,7 @@ TEST(SphereArea, LineSearchOfARectangle) {
 
 TEST(SphereArea, LineSearchFails) {
   std::vector<AnglePointC> out(1);
-  // Around the zenith there is no circle of latitude.
+  // An area around the zenith cannot be searched along a circle of latitude.
   const SphereAreaC ring = Area(RingAtV(0.3, 12));
   EXPECT_FALSE(ring.SearchLine({1.0, 0.2}, false, out));
   EXPECT_TRUE(ring.SearchLine({1.0, 0.2}, true, out));
@@ -621,7 +621,7 @@ TEST(SphereArea, ContainsWrapsAndRefuses) {
   const SphereAreaC area = Area(kQuad);
   EXPECT_TRUE(area.Contains(1.5, 1.2));
   EXPECT_TRUE(area.Contains(1.5 + TWO_PI, 1.2 - TWO_PI));
-  EXPECT_FALSE(area.Contains(1.5 + PI, TWO_PI - 1.2)) << "the second face is not turned";
+  EXPECT_FALSE(area.Contains(1.5 + PI, TWO_PI - 1.2)) << "the second face is not converted";
   for (const double bad : {101.0, -101.0, kNaN, kInfinity, -kInfinity, 1e300}) {
     SCOPED_TRACE(bad);
     EXPECT_FALSE(area.Contains(bad, 1.2));
@@ -630,7 +630,7 @@ TEST(SphereArea, ContainsWrapsAndRefuses) {
 }
 
 TEST(SphereArea, TinyEdgesKeepTheirShape) {
-  // A milliradian wide, next to the seam and close to the zenith.
+  // A milliradian wide: at the seam, close to the zenith, and elsewhere.
   for (const AnglePointC at : {AnglePointC{0.0, 1.0}, {0.0005, 0.05}, {3.0, 2.4}}) {
     SCOPED_TRACE(testing::Message() << at.Hz << ", " << at.V);
     const auto corner = [at](double hz, double v) {

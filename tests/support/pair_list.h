@@ -50,8 +50,8 @@ using AllPairList = PairList<
     Pair<SDI::ScanPolygonAreaC, SDI::ScanPolygonAreaImplC>,
     Pair<SDI::ScanDomeAreaC, SDI::ScanDomeAreaImplC>, Pair<SDI::ScanC, SDI::ScanImplC>>;
 
-/// A public class and an implementation that creates it as its public object, but that it does not
-/// read.
+/// A public class and an implementation that creates it as its public object, although the class
+/// cannot read that implementation.
 using UnreadPairList =
     PairList<Pair<SDI::GPSAntHeightC, ODM::GPSAntHeightC>, Pair<SDI::GPSDOPsC, ODM::GPSDOPsC>,
              Pair<SDI::GPSMeasDataC, ODM::GPSMeasDataC>>;

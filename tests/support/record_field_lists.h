@@ -60,7 +60,8 @@ struct Field {
   void Fill(Record& record, int seed) const { access->Fill(&record, seed); }
   /// The result of `Show` after `Fill` with the same seed.
   std::string Filled(int seed) const { return access->Filled(seed); }
-  /// Moves a number by `units` of its smallest units; changes a text or a bool unless it is 0.
+  /// Changes an integer by `units`, a floating-point number by `units` in the last place, and a
+  /// text or a bool unless `units` is 0.
   void Move(Record& record, int units) const { access->Move(&record, units); }
   bool IsFloatingPoint() const { return access->IsFloatingPoint(); }
   /// Writes NaN. Only for floating-point numbers.

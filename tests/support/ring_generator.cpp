@@ -86,7 +86,7 @@ std::vector<AnglePointC> RingGenerator::Scattered(std::size_t n) {
   return ring;
 }
 
-// Teeth with steep flanks, as narrow as possible.
+// Teeth with steep flanks, some narrower than the tolerances.
 std::vector<AnglePointC> RingGenerator::Comb(std::size_t n) {
   std::vector<AnglePointC> ring;
   const double start = Uniform(0.0, TWO_PI);

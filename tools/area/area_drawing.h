@@ -23,10 +23,10 @@
 namespace Tool {
 
 /// If there are more corners than this, only those that break a rule are marked, up to this number.
-/// The edges are then too short to be halved, and are drawn as one joined line.
+/// The edges are then too short to need subdivision, and are drawn as one joined line.
 inline constexpr std::size_t kManyCorners = 2000;
 
-/// The minimal number of halvings of the curves of the edges: 0 if there are many edges.
+/// The minimum number of subdivisions of an edge's curve: 0 if there are many edges.
 int LeastHalvings(const std::vector<EdgeCurve>& edges);
 
 const SvgStroke& EdgeStroke(const EdgeCurve& edge);
@@ -34,7 +34,7 @@ const SvgStroke& EdgeStroke(const EdgeCurve& edge);
 /// The bounds as four straight lines in the plane.
 std::vector<Curve> BoundsLines(const AreaBounds& bounds);
 
-/// False for a ring of many corners that is not valid: each answer would need all edges.
+/// False for an invalid ring with many corners, because each query would need all its edges.
 bool IsInsideDrawn(const PictureContents& picture);
 
 /// Draws the inside, as the library defines it, in both panels: the area is prepared once.
@@ -42,8 +42,8 @@ class InsideDrawingC {
  public:
   explicit InsideDrawingC(const PictureContents& picture);
 
-  /// The inside as strips of exact runs. Empty if that is too much for the picture, or takes too
-  /// long for a large ring that is not valid: draw a raster instead.
+  /// The inside as strips of exact runs. Empty if there are too many runs for the picture, or if a
+  /// large invalid ring would take too long: draw a raster instead.
   std::optional<std::vector<InsideStrip>> FindStrips(const AngleWindow& window) const;
 
   /// Draws the inside as a raster in a rectangle of the page.

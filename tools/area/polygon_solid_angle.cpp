@@ -18,8 +18,9 @@ namespace {
 using GMAT::AnglePointC;
 using GMAT::TWO_PI;
 
-// Events closer to each other than this, in rad, have the same Hz: the corners of adjacent edges
-// differ by rounding. Shorter arcs are left out, so that no arc begins and ends at the same Hz.
+// Events closer to each other than `kSameHz`, in rad, have the same Hz: the corners of adjacent
+// edges differ by rounding. Arcs shorter than `kShortest` are left out, so that no arc begins and
+// ends at the same Hz.
 constexpr double kSameHz = 1e-12;
 constexpr double kShortest = 2e-12;
 
@@ -180,7 +181,7 @@ class MeridianSweepC {
   static constexpr double kRounding = 4e-15;  // of one piece: a few units in the last place
   static constexpr double kTouching = 1e-12;  // the rounding of arcs that meet at a corner
   static constexpr double kAsOne = 1e-10;     // crossings that agree to 10 digits count as one
-  static constexpr double kNotable = 1e-6;    // shorter stretches as one are ignored
+  static constexpr double kNotable = 1e-6;    // shorter ranges of Hz as one are ignored
 
   struct Place {
     mutable std::size_t arc;  // when two arcs swap, the order stays the same
@@ -195,12 +196,12 @@ class MeridianSweepC {
 
   struct State {
     Order::iterator place;
-    double from = 0.0;  // the Hz at which it gets its sign
+    double from = 0.0;  // the Hz at which it got its sign
     int sign = 0;       // how often the part above the arc counts
     bool isCrossed = false;
     bool isChanged = false;
-    bool isOne = false;  // with the arc below
-    bool isOdd = false;  // the number of crossings up to this one
+    bool isOne = false;  // whether it counts as one with the arc below
+    bool isOdd = false;  // whether the number of crossings up to this one is odd
   };
 
   // Neighbours cross at `hz`, or begin or cease to count as one.
@@ -288,7 +289,7 @@ class MeridianSweepC {
     }
     changed_.clear();
   }
-  // Whether the number of crossings up to here becomes even or odd.
+  // Counts the crossings up to here. Returns whether the parity of their number changes.
   bool Count(Order::iterator place) {
     const bool isOddBelow =
         place == order_.begin() ? all_.hasSouthPole : states_[std::prev(place)->arc].isOdd;
@@ -343,8 +344,9 @@ class MeridianSweepC {
     return std::clamp(middle + std::remainder(zero - middle, GMAT::PI), hz_, end);
   }
 
-  // The zenith comes last, as the north pole or as the end of the inside there. If there is nothing
-  // above, the part below the topmost crossing is not inside.
+  // Every meridian ends at the zenith, which is a crossing if an edge reaches it, and ends the
+  // inside if the area encloses it. Otherwise nothing is above the topmost crossing, and the part
+  // above that crossing is not inside.
   void UpdateTop() {
     sum_ += poles_ * (hz_ - polesFrom_);
     polesFrom_ = hz_;
@@ -371,7 +373,7 @@ class MeridianSweepC {
   const std::vector<Arc>& arcs_;
   std::vector<State> states_;  // of the arcs
   Order order_;                // the arcs that the meridian crosses
-  std::size_t hidden_;         // the topmost arc, if the part below it is not inside
+  std::size_t hidden_;         // the topmost arc, if it does not bound the inside
   std::priority_queue<Event> events_;
   std::vector<std::size_t> changed_;
   double hz_ = 0.0;

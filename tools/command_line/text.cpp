@@ -113,7 +113,7 @@ void WriteVisibleTo(std::string_view utf8, const Write& write) {
 std::size_t ToVisible(std::string_view utf8, std::span<char> to) {
   constexpr std::string_view kCut = "...";
   std::size_t size = 0;
-  std::size_t sizeBeforeCut = 0;  // up to which the mark of a cut still fits
+  std::size_t sizeBeforeCut = 0;  // the largest size that leaves room for kCut
   bool isCut = false;
   // Every byte takes at least one byte in the buffer.
   WriteVisibleTo(utf8.substr(0, to.size() + 1), [&](std::string_view part) {

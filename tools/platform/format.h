@@ -28,7 +28,7 @@ void Append(Out& out, fmt::format_string<Args...> format, Args&&... args) {
 }
 
 /// Appends a number with as many digits as are needed to read it back exactly, as the format "{}"
-/// does. A shorter one is aligned right in `width` characters.
+/// does. A shorter number is right-aligned to `width` characters.
 /// @{
 void AppendNumber(fmt::memory_buffer& out, double number, std::size_t width = 0);
 void AppendNumber(fmt::memory_buffer& out, float number);

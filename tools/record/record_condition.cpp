@@ -293,7 +293,7 @@ class ParserC {
       FailAt(token.at, "this is not a number");
     }
     if (error != std::errc()) FailAt(token.at, "this number is too large or too small");
-    // A number out of the range of single precision is beyond every value of such a column.
+    // A number out of the range of single precision becomes infinite or 0.
     if (std::from_chars(begin, end, number.single).ec != std::errc()) {
       number.single = static_cast<float>(number.real);
     }

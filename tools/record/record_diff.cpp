@@ -290,7 +290,7 @@ Command RecordDiffCommand() {
       "  surveydata record diff archive backup --recursive --where \"pdop < 4\"";
   command.options = {{.names = {"--json"},
                       .description = "JSON Lines: one object for each difference, and one with "
-                                     "the numbers of records",
+                                     "the record counts",
                       .flag = &options->isJson}};
   AddFileOptions(command, options->folders);
   command.arguments = {

@@ -162,8 +162,8 @@ Command ViewCommand() {
   command.options = {output,
                      {.names = {"--browser"},
                       .value = "PROGRAM",
-                      .description = "The browser, which is started with the name of the copy; by "
-                                     "default that of your desktop",
+                      .description = "The program that opens the copy; by default your "
+                                     "desktop's browser",
                       .take = StoreIn(options->browser)},
                      {.names = {"--page"},
                       .value = "PAGE.html",
