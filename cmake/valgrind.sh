@@ -21,9 +21,12 @@ selection=(
   "gnss/gps_meas_data_test *"
   "gnss/gps_record_file_test *"
   "gnss/gps_record_index_test *"
+  "gnss/frame_explanation_test *"
+  "gnss/record_change_test *"
   "gnss/record_faults_test *"
   "scanning/scan_area_test *"
   "scanning/scan_test *"
+  "sphere_geometry/area_edges_test *"
   "sphere_geometry/great_circle_arc_test *"
 )
 fuzz_targets=(record_read record_write record_index fixed_string sphere_area scan_calls)

@@ -15,7 +15,7 @@ Command MakeCommands() {
       "  0  done\n"
       "  1  a finding: a gap, a bad frame or no measurement in a record file,\n"
       "     no measurement frame at an offset, records that differ (record diff),\n"
-      "     a frame without room for a change (record set with filters),\n"
+      "     a frame without room for a change (record set),\n"
       "     an area that is not valid (area info),\n"
       "     a direction outside, no direction at all\n"
       "  2  wrong usage\n"

@@ -321,7 +321,7 @@ SURVEYDATA_API surveydata_status surveydata_decode(const uint8_t* frame, size_t 
 /// its count is 0, the values if theirs is 0, list entries after the count, and what follows the
 /// first zero of the name or of a text. `block` is not read.
 ///
-/// Refuses values that decoding never returns with `SURVEYDATA_NO_PLACE`: an extra time count
+/// Refuses, with `SURVEYDATA_NO_PLACE`, values that decoding never returns: an extra time count
 /// above 1, a value count other than 0 and 2, a list count above 31, a week of time B, status bit
 /// 2, a status bit or flags without exactly one of the flags 0x1 and 0x2, a name of more than 49
 /// bytes or 17 UTF-16 units or not in the shortest UTF-8, a text without a zero unit, a horizontal

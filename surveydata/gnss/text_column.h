@@ -61,7 +61,7 @@ struct PackedAscii {
 };
 
 /// Writes `units`, which need no alignment, as ASCII up to the first 0, sixteen at a time. Stops at
-/// the sixteen that have another character or are not all below `capacity`. Up to 15 bytes after
+/// the sixteen that have another character or are not all below `capacity`. Up to 16 bytes after
 /// the text may be overwritten.
 inline PackedAscii PackAscii(const void* units, std::size_t capacity, char* to) {
   const auto* const bytes = static_cast<const std::uint8_t*>(units);

@@ -3,7 +3,7 @@
 
 namespace TestSupport {
 
-/// Of so many cases a test of many runs one, as tests/CMakeLists.txt explains.
+/// A test of many cases runs one in this many, as tests/CMakeLists.txt explains.
 #ifdef SURVEYDATA_FEWER_CASES
 inline constexpr unsigned kOneCaseIn = 5;
 #else

@@ -8,8 +8,8 @@
 namespace Tool {
 
 /// Scripts that complete a program's command line in a shell: commands, options, the words of which
-/// an option's value consists, and file names where a file is expected, those with the right
-/// extension first.
+/// an option's value consists, and file names where a file is expected: in bash only those with
+/// the right extension, in other shells these first.
 /// @{
 std::string BashCompletion(const Command& top);
 std::string ZshCompletion(const Command& top);

@@ -24,12 +24,17 @@ bool IsSameRegularFile(const std::string& output, const std::string& input) {
          std::filesystem::equivalent(ToPath(output), ToPath(input), ignored);
 }
 
-// Reads the folder. Opens only names that have no size in it, such as links, and missing ones, to
-// learn the reason.
+// Asks for the attributes, which are those of the file itself: its size in the folder may be out of
+// date while another program writes it. Opens only names without a size, such as links, and missing
+// ones, to learn the reason.
 std::uint64_t ReadableSize(const std::string& name) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(ToPath(name), error);
-  return error || size == 0 ? InputFileC(name).GetSize() : size;
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  const bool isFile =
+      GetFileAttributesExW(ToPath(name).c_str(), GetFileExInfoStandard, &data) != 0 &&
+      (data.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == 0;
+  const std::uint64_t size =
+      isFile ? std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow : 0;
+  return size == 0 ? InputFileC(name).GetSize() : size;
 }
 
 InputFileC::InputFileC(const std::string& name)

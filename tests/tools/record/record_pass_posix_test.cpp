@@ -59,7 +59,7 @@ TEST(RecordProgress, IsOneBarForAllFiles) {
 // The bar is shown when the program has waited for the pipe for half a second.
 TEST(RecordProgress, HasTheSizeOfTheComparedFiles) {
   const TerminalC terminal;
-  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal to be had";
+  if (!terminal.IsThere()) GTEST_SKIP() << "no terminal available";
   const TempFolderC folder;
   const Bytes sample = ReadBytes(DataPath("valley_drive.rec"));
   Bytes bytes;
@@ -70,7 +70,7 @@ TEST(RecordProgress, HasTheSizeOfTheComparedFiles) {
   const Outcome outcome = RunShell(
       "mkfifo one; (exec 3>one; sleep 0.7; cat a.rec >&3) &"
       "surveydata record diff one a.rec --jobs 1 2>" +
-          terminal.Name() + "; rm one",
+          terminal.Name() + "; code=$?; rm one; exit $code",
       folder.Path().string());
   EXPECT_EQ(outcome.exitCode, 0);
   const std::string shown = terminal.Read();

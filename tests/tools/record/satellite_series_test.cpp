@@ -56,8 +56,8 @@ TEST(SatelliteSeries, MarksTheFirstOfEqualExtremes) {
   constexpr std::size_t kGroups = 1024;
   Tool::SatelliteSeriesC series;
   Tool::DecodedRecord record;
-  for (int second = 0; second < 6144;
-       ++second) {  // then the first 4096 records are in groups of four
+  // The first 4096 records are then in groups of four.
+  for (int second = 0; second < 6144; ++second) {
     record.measurement.SetTimeA({0, second * 1000});
     record.measurement.SetDOPs(SDI::GPSDOPsImplC(kHDOPs[second % 4], kVDOPs[second % 4], 0xFFFF));
     series.Add(record);
