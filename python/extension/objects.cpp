@@ -275,7 +275,7 @@ void AddStations(nb::module_& module) {
                    dop("tdop", &D::GetTDOP, 2))
       .def_prop_ro(
           "pdop", [](const D& self) { return AvailableDOP(self.GetPDOP()); },
-          "That of the position, of hdop and vdop; None without one of these.")
+          "That of the position, computed from hdop and vdop; None without one of these.")
       .def_prop_ro(
           "gdop", [](const D& self) { return AvailableDOP(self.GetGDOP()); },
           "The geometric dilution, of all three; None without one of these.");

@@ -238,7 +238,7 @@ class SURVEYDATA_API GPSMeasDataImplC : public GPSMeasFieldsC<GPSMeasDataImplC> 
   /// @}
   bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
   void SetTotalPair(std::uint8_t first, std::uint8_t second);
-  /// The pair of system 1; without information per system, the total pair.
+  /// The pair of system 1, or the total pair if there is no information per system.
   bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
   void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
   bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
@@ -414,7 +414,7 @@ class SURVEYDATA_API GPSMeasDataC : public SDI::GPSMeasFieldsC<GPSMeasDataC> {
   /// @}
   bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
   void SetTotalPair(std::uint8_t first, std::uint8_t second);
-  /// The pair of system 1; without information per system, the total pair.
+  /// The pair of system 1, or the total pair if there is no information per system.
   bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
   void SetSystem1Pair(std::uint8_t first, std::uint8_t second);
   bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
@@ -484,7 +484,7 @@ class SURVEYDATA_API GPSMeasDataC : public API::HandleC<GPSMeasDataImplC> {
   bool GetWord16(std::uint16_t& word) const;
 
   bool GetTotalPair(std::uint8_t& first, std::uint8_t& second) const;
-  /// The pair of system 1; without information per system, the total pair.
+  /// The pair of system 1, or the total pair if there is no information per system.
   bool GetSystem1Pair(std::uint8_t& first, std::uint8_t& second) const;
   bool GetSystem2Pair(std::uint8_t& first, std::uint8_t& second) const;
   bool GetSystem3Pair(std::uint8_t& first, std::uint8_t& second) const;

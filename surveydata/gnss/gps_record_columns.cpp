@@ -706,7 +706,7 @@ template <std::uint16_t system>
 Bits HasSystem(const BlockC& block) {
   return block.WithSet(ImplC::kHasSystems) & block.WithStatus(system);
 }
-/// As `GetSystem1Pair`: without information per system it is the total pair.
+/// As `GetSystem1Pair`: the total pair if there is no information per system.
 Bits HasSystem1Pair(const BlockC& block) {
   const Bits systems = block.WithSet(ImplC::kHasSystems);
   return (systems & block.WithStatus(ImplC::kSystem1)) |
@@ -881,7 +881,7 @@ static_assert(kLargestText == GPSColumnValueC::kLargestText);
 constexpr std::tuple kTable{
     Number<[](R r) { return r.offset; }>("offset", "byte", "Where the frame begins in the source"),
     Number<[](R r) { return static_cast<std::uint16_t>(r.size); }>(
-        "size", "byte", "The size of the frame, header and checksum included"),
+        "size", "byte", "The size of the frame, including header and checksum"),
 
     Text<TextPlace::kName, kLargestName, With<Trait::kHasName>, WriteName>(
         "name", "The name, absent when it is empty"),
@@ -919,7 +919,7 @@ constexpr std::tuple kTable{
     Flag<HasStatus<ImplC::kStatusBit2>>("status_bit_2", "Status bit 2"),
     Flag<HasStatus<ImplC::kStatusBit3>>("status_bit_3", "Status bit 3"),
     Flag<IsSystem1Used>("system_1_used",
-                        "Whether system 1 is used; true without information per system"),
+                        "Whether system 1 is used; true if there is no information per system"),
     Flag<HasSystem<ImplC::kSystem2>>("system_2_used", "Whether system 2 is used"),
     Flag<HasSystem<ImplC::kSystem3>>("system_3_used", "Whether system 3 is used"),
 
@@ -930,7 +930,7 @@ constexpr std::tuple kTable{
     Number<IsSet<ImplC::kHasAntennaHeight>,
            [](R r) { return r.measurement->GetAntennaHeight().GetHorizontalOffset(); }>(
         "antenna_horizontal_offset", "m",
-        "The distance from the antenna axis to the point of a slant height"),
+        "The distance from the antenna axis to the point to which a slant height is measured"),
     Number<IsSet<ImplC::kHasAntennaHeight>,
            [](R r) { return r.measurement->GetAntennaHeight().GetVerticalHeight(); }>(
         "antenna_vertical_height", "m", "The antenna height reduced to the vertical"),
@@ -947,9 +947,10 @@ constexpr std::tuple kTable{
     DilutionOf<HasDilutions<Trait::kHasTDOP>, kTTenths>(
         "tdop", "Time dilution of precision, absent when not available"),
     DilutionOf<HasDilutions<Trait::kHasHDOP, Trait::kHasVDOP>, kHTenths, kVTenths>(
-        "pdop", "Position dilution of precision, of hdop and vdop"),
+        "pdop", "Position dilution of precision, computed from hdop and vdop"),
     DilutionOf<HasDilutions<Trait::kHasHDOP, Trait::kHasVDOP, Trait::kHasTDOP>, kHTenths, kVTenths,
-               kTTenths>("gdop", "Geometric dilution of precision, of hdop, vdop and tdop"),
+               kTTenths>("gdop",
+                         "Geometric dilution of precision, computed from hdop, vdop and tdop"),
 
     Number<IsSet<ImplC::kHasWord16>,
            [](R r) {
@@ -960,30 +961,30 @@ constexpr std::tuple kTable{
 
     Number<IsSet<ImplC::kHasTotalPair>,
            [](R r) { return r.measurement->GetStoredTotalPair().first; }>(
-        "total_first", "", "The total pair of counters: the first"),
+        "total_first", "", "The first of the total pair of counters"),
     Number<IsSet<ImplC::kHasTotalPair>,
            [](R r) { return r.measurement->GetStoredTotalPair().second; }>(
-        "total_second", "", "The total pair of counters: the second"),
+        "total_second", "", "The second of the total pair of counters"),
     Number<HasSystem1Pair, [](R r) { return System1Pair(r).first; }>(
         "system_1_first", "",
-        "The pair of counters of system 1: the first; without information per system, of the total "
-        "pair"),
+        "The first of the pair of counters of system 1, or of the total pair if there is no "
+        "information per system"),
     Number<HasSystem1Pair, [](R r) { return System1Pair(r).second; }>(
         "system_1_second", "",
-        "The pair of counters of system 1: the second; without information per system, of the "
-        "total pair"),
+        "The second of the pair of counters of system 1, or of the total pair if there is no "
+        "information per system"),
     Number<HasSystem<ImplC::kSystem2>,
            [](R r) { return r.measurement->GetStoredSystem2Pair().first; }>(
-        "system_2_first", "", "The pair of counters of system 2: the first"),
+        "system_2_first", "", "The first of the pair of counters of system 2"),
     Number<HasSystem<ImplC::kSystem2>,
            [](R r) { return r.measurement->GetStoredSystem2Pair().second; }>(
-        "system_2_second", "", "The pair of counters of system 2: the second"),
+        "system_2_second", "", "The second of the pair of counters of system 2"),
     Number<HasSystem<ImplC::kSystem3>,
            [](R r) { return r.measurement->GetStoredSystem3Pair().first; }>(
-        "system_3_first", "", "The pair of counters of system 3: the first"),
+        "system_3_first", "", "The first of the pair of counters of system 3"),
     Number<HasSystem<ImplC::kSystem3>,
            [](R r) { return r.measurement->GetStoredSystem3Pair().second; }>(
-        "system_3_second", "", "The pair of counters of system 3: the second"),
+        "system_3_second", "", "The second of the pair of counters of system 3"),
 
     Number<IsSet<ImplC::kHasVector>, Component<0>>("vector_x", "m",
                                                    "The vector: its first component"),
