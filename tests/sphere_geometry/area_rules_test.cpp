@@ -36,12 +36,6 @@ TEST(AreaFrame, EdgesBeginAtHzZero) {
   EXPECT_FALSE(MakeFrame({{1.0, 1.0}, {2.0, 2.0}}).isPolygon);
 }
 
-TEST(AreaFrame, NeedsTwoPoints) {
-  AreaFrame frame;
-  EXPECT_FALSE(BuildFrame({}, frame));
-  EXPECT_FALSE(BuildFrame(std::vector<AnglePointC>{{1.0, 1.0}}, frame));
-}
-
 TEST(AreaRules, TheClosingEdgeHasNoBand) {
   const AreaFrame frame = MakeFrame(kSquare);
   EXPECT_EQ(Numbers(AllEdges(frame)), (std::vector<std::size_t>{0, 1, 2, 3}));

@@ -713,7 +713,6 @@ TEST(PreparedSphereArea, AnswersAsTheAreaDoesWhere) {
         {0x1.4ff7c7a8116c5p+1, 0x1.64455a10d2a0bp-1},
         {0x1.6e3f35f9976d2p+1, 0x1.921fb55206ddfp+0}},
        {0x1.f28f5245092d3p+1, 0x1.921ffe6d2bd6ap+0}},
-      // An edge that a column mistakes for one beyond its end joins one along a meridian.
       {"a meridian edge leaves through the end of the search line",
        {{0x1.921fb54442d19p+2, 0x1p+1},
         {-0x0p+0, 0x1.921fb54442d18p+0},
